@@ -1,0 +1,55 @@
+# How everything here is compiled, and the shapes that several folders share.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+if(NOT CMAKE_BUILD_TYPE)
+  set(CMAKE_BUILD_TYPE Release)
+endif()
+find_package(Threads REQUIRED)
+
+# The arithmetic is part of the product: no fused multiply-add, no fast-math. GCC at -O2 does not vectorise loops of
+# unknown length, so optimised builds take -O3.
+add_library(chalkpane_flags INTERFACE)
+target_compile_options(chalkpane_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -ffp-contract=off
+                                                 $<$<CONFIG:Release>:-O3>)
+target_include_directories(chalkpane_flags INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>)
+target_link_libraries(chalkpane_flags INTERFACE Threads::Threads)
+if(CHALKPANE_SANITIZE)
+  target_compile_options(chalkpane_flags INTERFACE -fsanitize=${CHALKPANE_SANITIZE} -fno-sanitize-recover=all
+                                                   -fno-omit-frame-pointer)
+  target_link_options(chalkpane_flags INTERFACE -fsanitize=${CHALKPANE_SANITIZE})
+endif()
+
+# A folder of the engine: its sources join the one engine library.
+set_property(GLOBAL PROPERTY CHALKPANE_ENGINE_SOURCES "")
+function(chalkpane_engine_folder)
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  set_property(GLOBAL APPEND PROPERTY CHALKPANE_ENGINE_SOURCES ${sources})
+endfunction()
+
+# Called once all engine folders have spoken.
+macro(chalkpane_engine)
+  get_property(engine_sources GLOBAL PROPERTY CHALKPANE_ENGINE_SOURCES)
+  add_library(chalkpane_engine STATIC ${engine_sources})
+  add_library(Chalkpane::engine ALIAS chalkpane_engine)
+  set_target_properties(chalkpane_engine PROPERTIES EXPORT_NAME engine)
+  target_link_libraries(chalkpane_engine PRIVATE $<BUILD_INTERFACE:chalkpane_flags> PUBLIC Threads::Threads)
+  target_compile_features(chalkpane_engine PUBLIC cxx_std_20)
+  target_include_directories(chalkpane_engine PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
+                                                     $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/chalkpane>)
+endmacro()
+
+# One test program per subsystem: every *_test.cpp of the folder, run by CTest under the folder's name.
+#   chalkpane_test(image LIBRARIES chalkpane_engine [LABELS threads])
+function(chalkpane_test name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LIBRARIES;LABELS;SOURCES")
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  add_executable(${name}_test ${sources} ${arg_SOURCES} ${PROJECT_SOURCE_DIR}/tests/test_main.cpp)
+  target_link_libraries(${name}_test PRIVATE chalkpane_flags ${arg_LIBRARIES} doctest::doctest)
+  add_test(NAME ${name} COMMAND ${name}_test)
+  set_tests_properties(${name} PROPERTIES LABELS "${arg_LABELS}" TIMEOUT 600)
+endfunction()

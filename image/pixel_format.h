@@ -1,0 +1,52 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+namespace chalkpane {
+
+// The two pixel formats and the integer arithmetic that every pixel loop shares.
+//
+// Four channels in memory order blue, green, red, alpha, or one mask channel. An 8-bit channel holds 0 .. 255, a
+// 16-bit channel 14 significant bits, 0 .. 16383. An 8-bit value widens to 14 bits by `Widen`, and narrows by `Narrow`.
+
+// Rounded product a * b / 255. Arguments may be negative (Soft Light, Exclusion): the shifts are arithmetic.
+constexpr std::int32_t Scale8(std::int32_t a, std::int32_t b) {
+    const std::int32_t t = a * b + 128;
+    return (t + (t >> 8)) >> 8;
+}
+
+// Rounded product a * b / 16383.
+constexpr std::int32_t Scale14(std::int32_t a, std::int32_t b) {
+    const std::int32_t t = a * b + 8192;
+    return (t + (t >> 14)) >> 14;
+}
+
+constexpr std::uint16_t Widen(std::uint8_t value) { return static_cast<std::uint16_t>(value * 64 + (value >> 2)); }
+constexpr std::uint8_t Narrow(std::uint16_t value) { return static_cast<std::uint8_t>(value >> 6); }
+
+// Entry i is 65280 / i truncated, entry 0 is 0: a channel times the entry, shifted right by 8, undoes an 8-bit alpha.
+inline constexpr std::array<std::int32_t, 256> ReciprocalTable = [] {
+    std::array<std::int32_t, 256> table{};
+    for (std::int32_t i = 1; i < 256; ++i) table[static_cast<std::size_t>(i)] = 65280 / i;
+    return table;
+}();
+
+struct PixelFormat8 {
+    using Channel = std::uint8_t;
+    static constexpr std::int32_t fullScale = 255;
+    static constexpr std::int32_t bits = 8;
+    static constexpr auto Scale = Scale8;
+};
+
+struct PixelFormat14 {
+    using Channel = std::uint16_t;
+    static constexpr std::int32_t fullScale = 16383;
+    static constexpr std::int32_t bits = 14;
+    static constexpr auto Scale = Scale14;
+};
+
+// The common base of everything that reads and writes pixels in these formats. It holds nothing.
+class ImageChannels {};
+
+}  // namespace chalkpane
