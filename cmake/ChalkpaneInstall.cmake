@@ -1,0 +1,20 @@
+# What `cmake --install` lays down: module, programs, engine headers and a CMake package.
+include(CMakePackageConfigHelpers)
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Chalkpane)
+set(module_dir ${CMAKE_INSTALL_LIBDIR}/chalkpane)
+
+install(TARGETS chalkpane_engine EXPORT ChalkpaneTargets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(TARGETS Chalkpane LIBRARY DESTINATION ${module_dir})
+if(TARGET kel)
+  install(TARGETS kel RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()
+foreach(folder image parameters paint filters)
+  install(DIRECTORY ${folder} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/chalkpane FILES_MATCHING PATTERN "*.h")
+endforeach()
+install(EXPORT ChalkpaneTargets NAMESPACE Chalkpane:: DESTINATION ${package_dir})
+configure_package_config_file(cmake/ChalkpaneConfig.cmake.in ${PROJECT_BINARY_DIR}/ChalkpaneConfig.cmake
+                              INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/ChalkpaneConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/ChalkpaneConfig.cmake ${PROJECT_BINARY_DIR}/ChalkpaneConfigVersion.cmake
+        DESTINATION ${package_dir})

@@ -1,0 +1,25 @@
+cmake_minimum_required(VERSION 3.25)
+# Installs the built tree into a fresh prefix, builds examples/embed against it alone, and runs it.
+set(prefix ${BUILD}/embed/prefix)
+file(REMOVE_RECURSE ${BUILD}/embed)
+function(run)
+  execute_process(COMMAND ${ARGV} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
+  if(NOT result EQUAL 0)
+    message(FATAL_ERROR "${ARGV}\n${output}")
+  endif()
+  set(output ${output} PARENT_SCOPE)
+endfunction()
+
+run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${prefix})
+run(${CMAKE_COMMAND} -S ${ROOT}/examples/embed -B ${BUILD}/embed/build -G Ninja -DCMAKE_BUILD_TYPE=Release
+    -DCMAKE_CXX_COMPILER=${CXX} -DCMAKE_PREFIX_PATH=${prefix})
+run(${CMAKE_COMMAND} --build ${BUILD}/embed/build)
+run(${BUILD}/embed/build/embed)
+# From (40, 60) to (200, 180) with a brush of radius 5: the corners lie within a pixel of 35, 55 and 205, 185.
+if(NOT output MATCHES "^painted 3[45],5[45] to 20[56],18[56]\n$")
+  message(FATAL_ERROR "embed printed: ${output}")
+endif()
+file(GLOB_RECURSE modules ${prefix}/*/Chalkpane.qop)
+if(NOT modules)
+  message(FATAL_ERROR "the module was not installed")
+endif()
