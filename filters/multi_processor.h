@@ -1,0 +1,102 @@
+#pragma once
+
+#include <algorithm>
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <thread>
+
+namespace chalkpane {
+
+// One row of a loop over the rows of an image.
+//
+//   row       the row number, in whatever plane the caller counts
+//   userData  what was given to `Run`, shared by all workers
+//   worker    0 .. processor count - 1, 0 on the caller's own thread: picks scratch memory of one worker
+//
+// Must not throw. Rows of one run may go to several threads at once, so they write distinct rows and what they read is
+// ready before the run.
+using RowFunction = void (*)(std::int32_t row, void* userData, std::int32_t worker);
+
+// The process-wide runner that spreads the rows of a loop over the processors: one call, one barrier, no queue.
+//
+// There is one instance. Its workers, one per processor, start with it and park on an event between runs, until the
+// module is unloaded or the process ends; then they leave by themselves. The calling thread computes no rows of a
+// parallel run. One thread calls at a time; a call that finds the runner busy, a nested one above all, runs serially.
+class MultiProcessor {
+public:
+    // The one instance, with a worker per processor; constructed by the first call, which belongs to the thread that
+    // owns the brushes.
+    [[nodiscard]] static MultiProcessor& Instance();
+    // Replaces the one instance by one with so many workers, for tests, benchmarks and command lines. 1: no threads at
+    // all; below 1: one per processor of this machine. Nothing may be running.
+    static void Restart(std::int32_t processorCount);
+
+    // Calls `rowFunction` once for each row, both ends included, and returns when all calls have returned. Up to 5
+    // rows, or up to two rows per worker, run on the calling thread in ascending order; none when the range is
+    // reversed.
+    void Run(std::int32_t firstRow, std::int32_t lastRow, RowFunction rowFunction, void* userData);
+
+    [[nodiscard]] std::int32_t ProcessorCount() const { return m_processorCount; }
+
+    MultiProcessor(const MultiProcessor&) = delete;
+    MultiProcessor& operator=(const MultiProcessor&) = delete;
+    virtual ~MultiProcessor();
+
+private:
+    // Set by one thread, waited for by one other; the wait resets it. What was written before `Set` is seen after
+    // `Wait`, which is the whole locking protocol of this class.
+    class alignas(64) Event {
+    public:
+        void Set();
+        void Wait();
+
+    private:
+        std::atomic<std::int32_t> m_signalled{0};
+    };
+    struct RowRange {
+        std::int32_t first = 0;
+        std::int32_t last = -1;
+        std::int32_t step = 1;
+    };
+
+    explicit MultiProcessor(std::int32_t processorCount);
+    void RunParallel(std::int32_t firstRow, std::int32_t lastRow);
+    void Work(std::int32_t worker);
+    void StopWorkers(std::int32_t started);
+
+    std::unique_ptr<Event[]> m_startEvents;
+    std::unique_ptr<Event[]> m_doneEvents;
+    std::unique_ptr<std::thread[]> m_threads;
+    std::unique_ptr<std::uint8_t[]> m_finished;  // 1 once that worker has left its loop
+    std::unique_ptr<RowRange[]> m_ranges;
+    std::atomic<std::uint8_t> m_quit{0};
+    std::atomic<std::uint8_t> m_busy{0};  // 1 while a parallel run is under way
+    std::int32_t m_processorCount = 1;    // processors, which is also the number of workers
+    void* m_userData = nullptr;
+    RowFunction m_rowFunction = nullptr;
+};
+
+// About as many pixels as are worth waking a worker for: a round trip to parked workers costs some 60 microseconds.
+inline constexpr std::int32_t pixelsPerBand = 16384;
+
+namespace detail {
+void RunBands(std::int32_t firstRow, std::int32_t lastRow, std::int32_t rowsPerBand, RowFunction rowFunction,
+              void* userData);
+}
+
+// Runs the rows as `Run` does, but counts in bands of rows of about `pixelsPerBand` pixels, so that small pastes and
+// transforms stay on the calling thread. A single band costs no more than the plain loop.
+//
+//   pixelsPerRow  pixels that one call of the row function works through; any number, below 1 counts as 1
+inline void RunInBands(std::int32_t firstRow, std::int32_t lastRow, std::int32_t pixelsPerRow, RowFunction rowFunction,
+                       void* userData) {
+    const std::int32_t rowsPerBand = std::max(pixelsPerBand / std::max(pixelsPerRow, 1), 1);
+    if (std::int64_t{lastRow} - firstRow >= rowsPerBand) {
+        detail::RunBands(firstRow, lastRow, rowsPerBand, rowFunction, userData);
+        return;
+    }
+    for (std::int64_t row = firstRow; row <= lastRow; ++row) rowFunction(static_cast<std::int32_t>(row), userData, 0);
+}
+
+}  // namespace chalkpane
