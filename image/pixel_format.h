@@ -16,10 +16,12 @@ constexpr std::int32_t Scale8(std::int32_t a, std::int32_t b) {
     return (t + (t >> 8)) >> 8;
 }
 
-// Rounded product a * b / 16383. Words beyond full scale wrap in 32 bits: sums may leave such words in a picture.
+// Rounded product a * b / 16383, in 32 bits that wrap: Soft Light at 14 bits goes beyond them, and so do words above
+// full scale.
 constexpr std::int32_t Scale14(std::int32_t a, std::int32_t b) {
-    const auto t = static_cast<std::int32_t>(static_cast<std::uint32_t>(a) * static_cast<std::uint32_t>(b) + 8192U);
-    return static_cast<std::int32_t>(static_cast<std::uint32_t>(t) + static_cast<std::uint32_t>(t >> 14)) >> 14;
+    const std::uint32_t t = static_cast<std::uint32_t>(a) * static_cast<std::uint32_t>(b) + 8192;
+    const auto high = static_cast<std::uint32_t>(static_cast<std::int32_t>(t) >> 14);
+    return static_cast<std::int32_t>(t + high) >> 14;
 }
 
 constexpr std::uint16_t Widen(std::uint8_t value) { return static_cast<std::uint16_t>(value * 64 + (value >> 2)); }

@@ -1,0 +1,67 @@
+#include <algorithm>
+#include <cstddef>
+
+#include "paint/blending_modes.h"
+
+namespace chalkpane {
+
+namespace {
+
+std::size_t PixelsWithin(std::int32_t count, std::size_t inputChannels, std::size_t outputChannels) {
+    return std::min({static_cast<std::size_t>(std::max(count, 0)), inputChannels / 4, outputChannels / 4});
+}
+
+template <typename Channel>
+void MergeMaskRow(std::span<Channel> output, std::int32_t count, std::span<const Channel> colours,
+                  std::span<const Channel> mask, std::int32_t maskStep) {
+    const auto step = static_cast<std::size_t>(std::max(maskStep, 1));
+    const std::size_t pixels =
+        std::min(PixelsWithin(count, colours.size(), output.size()), (mask.size() + step - 1) / step);
+    for (std::size_t i = 0; i < pixels; ++i) {
+        std::copy_n(&colours[4 * i], 3, &output[4 * i]);
+        output[4 * i + 3] = mask[i * step];
+    }
+}
+
+}  // namespace
+
+void MergeMaskRow8(std::span<std::uint8_t> output, std::int32_t count, std::span<const std::uint8_t> colours,
+                   std::span<const std::uint8_t> mask, std::int32_t maskStep) {
+    MergeMaskRow(output, count, colours, mask, maskStep);
+}
+
+void MergeMaskRow14(std::span<std::uint16_t> output, std::int32_t count, std::span<const std::uint16_t> colours,
+                    std::span<const std::uint16_t> mask, std::int32_t maskStep) {
+    MergeMaskRow(output, count, colours, mask, maskStep);
+}
+
+// The entry of a full alpha is 256, so that what is opaque is copied.
+void UnpremultiplyRow8(std::int32_t count, std::span<const std::uint8_t> input, std::span<std::uint8_t> output) {
+    const std::size_t pixels = PixelsWithin(count, input.size(), output.size());
+    for (std::size_t i = 0; i < 4 * pixels; i += 4) {
+        const std::uint8_t alpha = input[i + 3];
+        const std::int32_t factor = ReciprocalTable[alpha];
+        for (std::size_t channel = i; channel < i + 3; ++channel)
+            output[channel] = static_cast<std::uint8_t>(std::min((input[channel] * factor) >> 8, 255));
+        output[i + 3] = alpha;
+    }
+}
+
+void UnpremultiplyRow14(std::int32_t count, std::span<const std::uint16_t> input, std::span<std::uint16_t> output) {
+    const std::size_t pixels = PixelsWithin(count, input.size(), output.size());
+    for (std::size_t i = 0; i < 4 * pixels; i += 4) {
+        const std::uint16_t alpha = input[i + 3];
+        if (alpha == 0 || alpha == PixelFormat14::fullScale) {
+            std::copy_n(&input[i], 3, &output[i]);
+            output[i + 3] = input[i + 2];  // KEEP: the red word, not the alpha
+            continue;
+        }
+        const double factor = static_cast<float>(16383.0 / alpha);
+        for (std::size_t channel = i; channel < i + 3; ++channel)
+            output[channel] = static_cast<std::uint16_t>(
+                std::min(static_cast<std::int32_t>(input[channel] * factor + 0.5), PixelFormat14::fullScale));
+        // KEEP: the output alpha stays what it was. No caller reads it.
+    }
+}
+
+}  // namespace chalkpane
