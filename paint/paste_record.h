@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 
 #include "image/image.h"
@@ -25,5 +26,26 @@ struct PasteRecord {
     const Image* clip = nullptr;
     Clip clipInverted = Clip::Limiting;
 };
+
+// `rect` within the mask, if there is one, within a limiting clip, and within the target; empty when nothing remains.
+inline Rect PasteRegion(const Rect& rect, const Image* mask, const Image& target, const Image* clip = nullptr,
+                        Clip clipInverted = Clip::Limiting) {
+    Rect region = rect.Intersection(target);
+    if (mask != nullptr) region = region.Intersection(*mask);
+    if (clip != nullptr && clipInverted == Clip::Limiting) region = region.Intersection(*clip);
+    return region;
+}
+
+// True when the image can be read at this depth; null is no image and always can.
+inline bool HasDepthOf(const Image& model, const Image* image) {
+    return image == nullptr || (image->depth != 0) == (model.depth != 0);
+}
+
+// An opacity in the scale of an operation: truncated, and limited to `limit`. Not a number, and all from 0 down, is 0.
+inline std::int32_t IntegerOpacity(double opacity, double factor, std::int32_t limit) {
+    const double scaled = opacity * factor;
+    if (!(scaled > 0.0)) return 0;
+    return scaled < limit ? static_cast<std::int32_t>(scaled) : limit;
+}
 
 }  // namespace chalkpane
