@@ -10,7 +10,7 @@ namespace {
 // Far beyond any machine; keeps a mistyped worker count from exhausting the process.
 constexpr std::int32_t maximumProcessorCount = 1024;
 
-std::atomic<MultiProcessor*> instance{nullptr};  // owned by the keeper below
+std::atomic<MultiProcessor*> instance{nullptr};  // owned; the keeper below deletes it
 std::atomic<bool> unloading{false};
 
 // The workers run code of this module, so they must be gone before it is unmapped or the process tears down its
@@ -66,13 +66,11 @@ MultiProcessor& MultiProcessor::Instance() {
 
 void MultiProcessor::Restart(std::int32_t processorCount) {
     delete instance.exchange(nullptr);
-    // The constructor stores the instance itself: its workers look for it there.
-    static_cast<void>(new MultiProcessor(processorCount < 1 ? MachineProcessorCount()
-                                                            : std::min(processorCount, maximumProcessorCount)));
+    instance = new MultiProcessor(processorCount < 1 ? MachineProcessorCount()
+                                                     : std::min(processorCount, maximumProcessorCount));
 }
 
 MultiProcessor::MultiProcessor(std::int32_t processorCount) : m_processorCount(processorCount) {
-    instance.store(this, std::memory_order_release);
     if (m_processorCount < 2) return;
     const auto count = static_cast<std::size_t>(m_processorCount);
     std::int32_t started = 0;
@@ -83,8 +81,7 @@ MultiProcessor::MultiProcessor(std::int32_t processorCount) : m_processorCount(p
         m_threads = std::make_unique<std::thread[]>(count);
         m_ranges = std::make_unique<RowRange[]>(count);
         for (; started < m_processorCount; ++started)
-            m_threads[static_cast<std::size_t>(started)] =
-                std::thread([i = started] { instance.load(std::memory_order_acquire)->Work(i); });
+            m_threads[static_cast<std::size_t>(started)] = std::thread([this, i = started] { Work(i); });
     } catch (const std::exception&) {  // no memory or no threads to be had: everything still works, on one thread
         StopWorkers(started);
         m_processorCount = 1;
