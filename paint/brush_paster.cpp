@@ -38,10 +38,7 @@ void BrushPaster::Paste(const Image& source, const Image* mask, Image& target, P
     if (!(workingOpacity > 0.0) || !region.IsValid()) return;
     record = {&source, mask, &target, region, clip, clipInverted};
     if (Fits(record)) {
-        if (source.depth == 0)
-            PasteRows<PixelFormat8>(record, workingOpacity, mode, over);
-        else
-            PasteRows<PixelFormat14>(record, workingOpacity, mode, over);
+        WithFormatOf(source, [&]<typename F>(F) { PasteRows<F>(record, workingOpacity, mode, over); });
     }
     record = {};
 }

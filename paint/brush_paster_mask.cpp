@@ -67,10 +67,7 @@ void PasteToMaskAtDepth(const PasteRecord& record, const std::uint16_t* value, d
     const Image& source = *record.source;
     if (!(opacity > 0.0) || !record.rect.IsValid()) return;
     if (!record.target->IsMask() || !HasDepthOf(source, record.target) || !HasDepthOf(source, record.mask)) return;
-    if (source.depth == 0)
-        PasteToMaskOf<PixelFormat8>(record, value, opacity);
-    else
-        PasteToMaskOf<PixelFormat14>(record, value, opacity);
+    WithFormatOf(source, [&]<typename F>(F) { PasteToMaskOf<F>(record, value, opacity); });
 }
 
 }  // namespace

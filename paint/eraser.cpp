@@ -29,10 +29,7 @@ void Eraser::Paste(const Image& source, const Image* mask, Image& target, const 
     if (!(opacity > 0.0) || !record.rect.IsValid()) return;
     if (target.IsMask() || !HasDepthOf(source, &target) || !HasDepthOf(source, mask) || !HasDepthOf(source, clip))
         return;
-    if (source.depth == 0)
-        EraseRows<PixelFormat8>(record, opacity);
-    else
-        EraseRows<PixelFormat14>(record, opacity);
+    WithFormatOf(source, [&]<typename F>(F) { EraseRows<F>(record, opacity); });
 }
 
 Eraser& SharedEraser() {

@@ -13,6 +13,15 @@ namespace chalkpane {
 // How every paster walks its rows: planes are set up once per paste, each row becomes one to three spans, and each span
 // goes to a kernel that was chosen before.
 
+// Calls `function` with the pixel format of an image, so that depth is chosen once.
+template <typename Function>
+void WithFormatOf(const ImageDefinition& image, Function function) {
+    if (image.depth == 0)
+        function(PixelFormat8{});
+    else
+        function(PixelFormat14{});
+}
+
 // The pixels of one image under a region, counted from the region's lower left pixel.
 template <typename Channel>
 struct Plane {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include "image/image.h"
 #include "image/mr_image.h"
@@ -45,6 +46,12 @@ public:
     [[nodiscard]] const Matrix3& Inverse() const { return inverse; }
 
 private:
+    [[nodiscard]] bool IsUsable() const;
+    // The move, when the matrix is nothing but a move by whole pixels.
+    [[nodiscard]] std::optional<Point2> WholeMove() const;
+    template <typename Source>
+    std::unique_ptr<Image> ApplyTo(Source& source, Rect& outRect);
+
     Matrix3 forward;
     Matrix3 inverse;
     Rect sourceArea;  // of the resampling under way
