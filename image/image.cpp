@@ -30,7 +30,11 @@ Rect Addressable(const Rect& rect, std::int32_t type, std::int32_t depth) {
     return fits ? rect : Rect();
 }
 
+// Beyond this an image is a mistake in its size, and asking the machine for it would only bring that down.
+constexpr std::size_t maximumBytes = std::numeric_limits<std::int32_t>::max();
+
 ImageBuffer* NewBuffer(std::size_t bytes) {
+    if (bytes > maximumBytes) throw std::bad_alloc();
     auto created = std::make_unique<ImageBuffer>();
     created->pixels = new std::byte[bytes]();
     return created.release();

@@ -61,8 +61,9 @@ enum EdgeMode : std::int32_t {
 
 class Image : public ImageDefinition {
 public:
-    // New buffers throw std::bad_alloc when there is no memory for them. All of them start zeroed. A rectangle without
-    // pixels, or one beyond what an image can address, gives an image of the empty rectangle.
+    // New buffers throw std::bad_alloc when there is no memory for them, and always above 2 GiB. All of them start
+    // zeroed. A rectangle without pixels, or one beyond what an image can address, gives an image of the empty
+    // rectangle.
     Image(std::int32_t width, std::int32_t height, std::int32_t type, std::int32_t depth, std::uint8_t flag,
           bool useBitmap = false);
     Image(const Rect& rect, std::int32_t type, std::int32_t depth, std::uint8_t flag, bool useBitmap = false);
