@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdint>
+
+namespace chalkpane {
+
+// Two numbers that are set, read and compared together. Equal when both are.
+template <typename Number>
+struct NumberPair {
+    Number x = 0;
+    Number y = 0;
+
+    friend constexpr bool operator==(const NumberPair&, const NumberPair&) = default;
+};
+
+using DoublePair = NumberPair<double>;
+using IntegerPair = NumberPair<std::int32_t>;
+
+}  // namespace chalkpane
