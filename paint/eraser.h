@@ -4,6 +4,7 @@
 
 #include "image/pixel_format.h"
 #include "paint/paste_record.h"
+#include "parameters/parameter_table.h"
 
 namespace chalkpane {
 
@@ -15,8 +16,14 @@ namespace chalkpane {
 //
 // Borrows all images for the call. A paste without overlap, with opacity 0 or below or not a number, or of images that
 // do not fit one another changes nothing. Thread: the brushes'; the rows run on the workers.
-class Eraser : public ImageChannels {
+class Eraser : public WithParameters<Eraser, ParameterisedObject>, public ImageChannels {
 public:
+    static constexpr auto Parameters() {
+        return std::to_array<ParameterRow<Eraser>>({
+            {0, "Opacity", "Erase Opacity", 1.0, {0, 1}, &Eraser::opacity, percent},
+        });
+    }
+
     virtual void Paste(const Image& source, const Image* mask, Image& target, const Rect& rect, std::int32_t reserved,
                        const Image* clip, Clip clipInverted);
     // What an erasing dab needs around `region`: nothing.

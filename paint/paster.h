@@ -4,6 +4,7 @@
 
 #include "image/pixel_format.h"
 #include "paint/paste_record.h"
+#include "parameters/parameter_table.h"
 
 namespace chalkpane {
 
@@ -18,8 +19,15 @@ namespace chalkpane {
 // Borrows all images for the call. All images have one depth. A paste without overlap, or of images that do not fit one
 // another, changes nothing; so does one at opacity 0 or below or not a number, but for `Replace`.
 // Thread: the brushes'; the rows of `Paste` and `Replace` run on the workers, the others stay on the caller's.
-class Paster : public ImageChannels {
+class Paster : public WithParameters<Paster, ParameterisedObject>, public ImageChannels {
 public:
+    static constexpr auto Parameters() {
+        return std::to_array<ParameterRow<Paster>>({
+            {0, "Opacity", "Paste Opacity", 1.0, {0, 1}, &Paster::opacity, percent},
+            {1, "Visible", "Visible", true, {}, &Paster::visible},
+        });
+    }
+
     virtual void Paste(const Image& source, Image& target, const Rect& rect, std::int32_t reserved, const Image* clip,
                        Clip clipInverted);
     // The source's red channel, by its alpha, onto a target of one channel.

@@ -114,7 +114,7 @@ Rect Zoomed(const Rect& rect, double zoom) {
 }
 
 // How far down the pyramid a reduction reads: a quarter of the area is one level.
-double LevelOf(const Point2& scale) {
+double LevelOf(const DoublePair& scale) {
     const double area = std::min(std::abs(scale.x), 1.0) * std::min(std::abs(scale.y), 1.0);
     const double level = -std::log(area) / std::log(4.0);
     return level > 0.0 ? std::min(level, 31.0) : 0.0;

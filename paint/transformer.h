@@ -6,6 +6,7 @@
 #include "image/image.h"
 #include "image/mr_image.h"
 #include "paint/matrix3.h"
+#include "parameters/parameter_table.h"
 
 namespace chalkpane {
 
@@ -16,8 +17,18 @@ namespace chalkpane {
 // std::bad_alloc when there is no memory for them. A matrix that cannot be inverted, or a result larger than
 // `maximumPixels` or out of the 32-bit plane, gives an image of the empty rectangle; it never gives null.
 // Thread: one user at a time; rows of large results run on the workers.
-class Transformer {
+class Transformer : public WithParameters<Transformer, ParameterisedObject> {
 public:
+    static constexpr auto Parameters() {
+        using Self = Transformer;
+        return std::to_array<ParameterRow<Self>>({
+            {0, "Position", "Transform Move", DoublePair{0.0, 0.0}, {}, &Self::move, {ParameterType::position}},
+            {1, "Scale", "Transform Scale", DoublePair{1.0, 1.0}, {}, &Self::scale},
+            {2, "Rotation", "Transform Rotation", 0.0, {}, &Self::rotation, angle0To360},
+            {3, "Origin", "Transform Origin", DoublePair{0.0, 0.0}, {}, &Self::origin},
+        });
+    }
+
     static constexpr std::int64_t maximumPixels = std::int64_t{1} << 28;
 
     // About the origin: scaled, turned clockwise by `turn` degrees as y grows upward, then moved by `move`.
@@ -26,8 +37,9 @@ public:
                       double turn);
     // Takes `matrix` as it is, from source to result; the seven values above stay as they were.
     void SetMatrix(const Matrix3& matrix);
-    // Rebuilds both matrices from the seven values.
+    // Rebuilds both matrices from the seven values, which are the parameters.
     virtual void Recompute();
+    void valuesChanged() override { Recompute(); }
 
     // The transformed source, and its rectangle in `outRect`. Identity and moves by whole pixels are plain copies.
     [[nodiscard]] std::unique_ptr<Image> Apply(const Image& source, Rect& outRect);
@@ -56,9 +68,9 @@ private:
     Matrix3 inverse;
     Rect sourceArea;  // of the resampling under way
     Rect targetArea;
-    Point2 origin;
-    Point2 move;
-    Point2 scale{1.0, 1.0};
+    DoublePair origin;
+    DoublePair move;
+    DoublePair scale{1.0, 1.0};
     double rotation = 0.0;  // degrees
     Rect targetLimit;
     bool limitTarget = false;
