@@ -198,16 +198,18 @@ private:
 
 template <typename F>
 std::unique_ptr<Image> HalveAs(const Image& source, double blend) {
-    auto reduced = Reduce<F>(source);
-    return blend == 0.0 ? std::move(reduced) : Blender<F>(source, *reduced, blend).Run();
+    if (blend == 0.0) return Reduce<F>(source);
+    const auto reduced = Reduce<F>(source);
+    return Blender<F>(source, *reduced, blend).Run();
 }
 
 }  // namespace
 
 std::unique_ptr<Image> HalveImage(const Image& source, double blend) {
     if (source.Width() < 2 || source.Height() < 2) return nullptr;
-    if (source.IsMask()) return source.depth == 0 ? HalveAs<Mask8>(source, blend) : HalveAs<Mask14>(source, blend);
-    return source.depth == 0 ? HalveAs<Colour8>(source, blend) : HalveAs<Colour14>(source, blend);
+    const auto halve = source.IsMask() ? (source.depth == 0 ? &HalveAs<Mask8> : &HalveAs<Mask14>)
+                                       : (source.depth == 0 ? &HalveAs<Colour8> : &HalveAs<Colour14>);
+    return halve(source, blend);
 }
 
 }  // namespace chalkpane

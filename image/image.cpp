@@ -189,6 +189,7 @@ Image::Image(const Image& other) : ImageDefinition(other), buffer(other.buffer),
 }
 
 Image& Image::operator=(const Image& other) {
+    if (this == &other) return *this;
     ++other.buffer->references;
     Dismiss(std::exchange(buffer, other.buffer));
     origin = other.origin;

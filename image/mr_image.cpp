@@ -38,13 +38,13 @@ Image* ImageMRImage::GetLevelImage(const Rect& /*rect*/, double level, bool full
 Image* ImageMRImage::ReduceStepwise(double level) {
     constexpr double wholeStep = 0.001;
     Image* current = &base;
-    for (; level > 0.0 && current->Width() > 1 && current->Height() > 1; level -= 1.0) {
+    for (int turn = 0; level > 0.0 && current->Width() > 1 && current->Height() > 1; level -= 1.0, ++turn) {
         double blend = 1.0 - level;
         if (blend < wholeStep) {
             scale /= 2;
             blend = 0.0;
         }
-        auto& idle = current == temporaryA.get() ? temporaryB : temporaryA;
+        auto& idle = turn % 2 == 0 ? temporaryA : temporaryB;
         idle.reset();
         idle = HalveImage(*current, blend);
         current = idle.get();

@@ -22,6 +22,9 @@ inline std::int32_t Random() {
     return static_cast<std::int32_t>((detail::NextRandomState(state) >> 16) & 0x7fff);
 }
 
+// What `SeedRandom` takes to go on from here.
+inline std::uint32_t RandomState() { return detail::randomState.load(std::memory_order_relaxed); }
+
 inline void SeedRandom(std::uint32_t seed) { detail::randomState.store(seed, std::memory_order_relaxed); }
 
 }  // namespace chalkpane

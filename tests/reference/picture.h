@@ -24,7 +24,8 @@ struct Picture {
           y1(bottom + height - 1),
           channels(channelCount),
           deep(is14),
-          values(static_cast<std::size_t>(width * height * channelCount)) {}
+          values(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) *
+                 static_cast<std::size_t>(channelCount)) {}
 
     explicit Picture(const chalkpane::Image& image)
         : Picture(image.x0, image.y0, image.Width(), image.Height(), image.IsMask() ? 1 : 4, image.depth != 0) {
@@ -40,7 +41,8 @@ struct Picture {
     [[nodiscard]] int Width() const { return x1 - x0 + 1; }
     [[nodiscard]] int Height() const { return y1 - y0 + 1; }
     int& At(int x, int y, int c) {
-        return values[static_cast<std::size_t>(((y - y0) * Width() + (x - x0)) * channels + c)];
+        return values[static_cast<std::size_t>(((y - y0) * Width() + (x - x0)) * channels) +
+                      static_cast<std::size_t>(c)];
     }
     [[nodiscard]] bool Has(int x, int y) const { return x >= x0 && x <= x1 && y >= y0 && y <= y1; }
 
