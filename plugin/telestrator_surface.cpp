@@ -5,15 +5,15 @@
 #include <utility>
 #include <vector>
 
+#include "paint/basic_brush.h"
+
 namespace chalkpane {
 namespace {
 
-constexpr std::uint16_t fullScale = 0x3FFF;
-
 // The brush's numbering of sources.
-constexpr std::uint8_t plainColourSource = 0;
-constexpr std::uint8_t cutoutSource = 3;
-constexpr std::uint8_t erasingSource = 5;
+constexpr std::int32_t plainColourSource = 0;
+constexpr std::int32_t cutoutSource = 3;
+constexpr std::int32_t erasingSource = 5;
 
 constexpr std::int32_t lastBlendMode = 9;
 
@@ -37,22 +37,8 @@ void LeaveBehind(std::unique_ptr<Image> image) noexcept {
 
 }  // namespace
 
-Colour NamedColour(std::int32_t index) {
-    switch (index) {
-        case 0:
-            return {fullScale, 0, 0};
-        case 1:
-            return {0, fullScale, 0};
-        case 2:
-            return {0, 0, fullScale};
-        case 3:
-            return {fullScale, fullScale, fullScale};
-        default:
-            return {0, 0, 0};
-    }
-}
-
-TelestratorSurface::TelestratorSurface() : brush(std::make_unique<BasicBrush>("Telestrator")), colour(NamedColour(4)) {
+TelestratorSurface::TelestratorSurface()
+    : brush(std::make_unique<BasicBrush>("Telestrator")), colour(Colour::fromIndex(4)) {
     brush->Update();
     ApplyBrushSettings();
 }
@@ -138,6 +124,8 @@ void TelestratorSurface::LoadBrushImage(std::int32_t imageWidth, std::int32_t im
 void TelestratorSurface::ApplyBrushSettings() {
     if (!brush) return;
     brush->SetSize(width);
+    // A brush without memory for its source says nothing and paints nothing.
+    if (brush->Source() == nullptr) throw std::bad_alloc();
     brush->SetColour(colour);
     brush->SetSpacing(spacing, spacingMode == 0 || spacingMode == 1 ? spacingMode : 2);
     brush->SetMatchPath(matchPath);
@@ -157,7 +145,7 @@ void TelestratorSurface::ApplyBrushSettings() {
             brush->SetSourceType(plainColourSource);
             break;
     }
-    brush->SetBlendMode(static_cast<std::uint8_t>(blendMode >= 1 && blendMode <= lastBlendMode ? blendMode : 0));
+    brush->SetBlendMode(blendMode >= 1 && blendMode <= lastBlendMode ? blendMode : 0);
 }
 
 Rect TelestratorSurface::BeginStroke(double x, double y, double pressure) { return brush->BeginStroke(x, y, pressure); }

@@ -6,10 +6,11 @@
 
 #include "image/image.h"
 #include "image/rect.h"
-#include "paint/basic_brush.h"
 #include "parameters/colour.h"
 
 namespace chalkpane {
+
+class BasicBrush;
 
 // The pixels of a canvas, borrowed until the canvas is made anew. Without a canvas all of it is zero.
 struct CanvasPixels {
@@ -18,9 +19,6 @@ struct CanvasPixels {
     std::int32_t height = 0;
     std::size_t byteSize = 0;
 };
-
-// By index: 0 red, 1 green, 2 blue, 3 white, any other black; on the 14-bit scale.
-[[nodiscard]] Colour NamedColour(std::int32_t index);
 
 // One canvas and the one brush, named "Telestrator", that paints on it. The plug-in says width, colour and strokes;
 // this class turns them into brush settings.
