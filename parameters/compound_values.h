@@ -13,7 +13,8 @@ namespace chalkpane {
 class IntegerXYValue final : public TypedValue<IntegerXYValue, IntegerPair> {
 public:
     explicit IntegerXYValue(const ParameterDef* definition) : TypedValue(definition) {}
-    IntegerXYValue(std::int32_t x, std::int32_t y) : TypedValue(IntegerPair{x, y}) {}
+    explicit IntegerXYValue(const IntegerPair& literal) : TypedValue(literal) {}
+    IntegerXYValue(std::int32_t x, std::int32_t y) : IntegerXYValue(IntegerPair{x, y}) {}
     static void ask(const ParameterValue& any, IntegerPair& out) { any.getIntegerXY(out.x, out.y); }
 
     void setIntegerXY(std::int32_t x, std::int32_t y) override { set({x, y}); }
@@ -23,7 +24,8 @@ public:
 class DoubleXYValue final : public TypedValue<DoubleXYValue, DoublePair> {
 public:
     explicit DoubleXYValue(const ParameterDef* definition) : TypedValue(definition) {}
-    DoubleXYValue(double x, double y) : TypedValue(DoublePair{x, y}) {}
+    explicit DoubleXYValue(const DoublePair& literal) : TypedValue(literal) {}
+    DoubleXYValue(double x, double y) : DoubleXYValue(DoublePair{x, y}) {}
     static void ask(const ParameterValue& any, DoublePair& out) { any.getDoubleXY(out.x, out.y); }
 
     void setDoubleXY(double x, double y) override { set({x, y}); }
