@@ -24,6 +24,8 @@ class LayerProvider;
 // Thread: the caller's; rows go to the workers. One `Apply` of an object at a time.
 class Filter : public ParameterisedObject, public ImageChannels {
 public:
+    static constexpr bool storesNaNAsZero = true;  // settings: what is not a number is stored as 0
+
     virtual ~Filter();
 
     // Of the same class: with these settings, and fresh.
@@ -70,7 +72,7 @@ public:
     // Adds the value of one parameter to a set: for a layer name (type 27) a `LayerValue` on `layers`, otherwise what
     // the set makes by default, animated on `clock` or plain. Null when the type has no value.
     virtual ParameterValue* AddValue(DataSet& values, const ParameterDef& definition, bool animated,
-                                     const AnimationClock* clock, LayerProvider* layers) const;
+                                     const AnimationClock* clock, const LayerProvider* layers) const;
     virtual void* ReservedPointer2() const { return nullptr; }
 
     // File name of the class; what the menu shows; the menu it stands in.
@@ -101,7 +103,7 @@ public:
     virtual void Detach();
     // A fresh set with the values of all parameters of the class, in table order, which the filter keeps; arguments as
     // for `AddValue`.
-    virtual DataSet* MakeValues(bool animated, const AnimationClock* clock, LayerProvider* layers);
+    virtual DataSet* MakeValues(bool animated, const AnimationClock* clock, const LayerProvider* layers);
     virtual void ReservedHook1() {}
     virtual bool ReservedFlag4() const { return true; }
     virtual void ReservedHook2() {}

@@ -11,15 +11,13 @@
 #include "paint/matrix3.h"
 #include "paint/spline_walk.h"
 #include "parameters/colour.h"
-#include "parameters/file_name.h"
-#include "parameters/parameterised_object.h"
+#include "parameters/data_set.h"
+#include "parameters/parameter_table.h"
 
 namespace chalkpane {
 
 class BrushSource;
-class DataSet;
 class Filter;
-class GraphValue;
 
 // Turns a path of pointer samples into dabs on an image.
 //
@@ -28,8 +26,31 @@ class GraphValue;
 // of its three values, is ignored: it paints nothing and leaves the stroke where it was.
 // Nothing here throws for want of memory but the constructor and the setters that store; a dab or a source that could
 // not be made is not there. Thread: the plug-in's, one stroke at a time.
-class BasicBrush : public ParameterisedObject {
+class BasicBrush : public WithParameters<BasicBrush, ParameterisedObject> {
 public:
+    static constexpr auto Parameters() {
+        using Self = BasicBrush;
+        // clang-format off
+        return std::to_array<ParameterRow<Self>>({
+            //code label             unique name                default range   field                 kind
+            {0,  "Name",             "Brush Name",              "",     {},     &Self::name},
+            {1,  "Source Type",      "Brush Source Type",       0,      {},     &Self::sourceType},
+            {2,  "File",             "Cutout File",             {},     {},     &Self::cutoutFile},
+            {3,  "Opacity",          "Brush Opacity",           1.0,    {0, 1}, &Self::opacity,       percent},
+            {4,  "Decay",            "Brush Decay",             0.0,    {0, 1}, &Self::decay,         percent},
+            {5,  "Spacing",          "Brush Spacing",           0.15,   {},     &Self::spacing},
+            {6,  "Adjust Spacing",   "Brush Adjust Spacing",    false,  {},     &Self::adjustSpacing},
+            {7,  "Spacing Type",     "Brush Space Type",        2,      {},     &Self::spacingType},
+            {8,  "Match Path",       "Brush Match Path",        false,  {},     &Self::matchPath},
+            {9,  "Build Up",         "Brush Build Up",          false,  {},     &Self::buildUp},
+            {10, "Profile Graph",    "Profile Graph",           {},     {},     &Self::profileGraph},
+            {11, "Global Parameters", "Brush Global Parameters", false, {},     nullptr,              {ParameterType::boolean}},
+            {12, "Blend Mode",       "Brush Blend Mode",        0,      {},     &Self::blendMode},
+            {13, "Group",            "Brush Group",             "Other", {},    nullptr,              {ParameterType::string}},
+        });
+        // clang-format on
+    }
+
     // Beyond it a sample could not be placed in whole pixels.
     static constexpr double farthest = 1073741824.0;
 
@@ -38,9 +59,7 @@ public:
     BasicBrush(const BasicBrush&) = delete;
     BasicBrush& operator=(const BasicBrush&) = delete;
 
-    // By code of the class's table; an unknown one does nothing.
-    void setParameter(const ParameterValue* value) override;
-    void valuesChanged() override {}
+    // `setParameter` and the hook `valuesChanged` stand in front of these.
     virtual ~BasicBrush();
     virtual void ReservedHook1() {}
     // Rebuilds the source from what is stored.
@@ -48,8 +67,9 @@ public:
     virtual void ReservedHook2() {}
     virtual void ReservedHook3() {}
 
-    // Not owned; null: strokes paint nothing. Of either depth, four channels.
-    void SetTarget(Image* image) { target = image; }
+    // Not owned; null: strokes paint nothing. Four channels of either depth; a target of the other depth than the one
+    // before has the source made anew.
+    void SetTarget(Image* image);
     // The source's radius in pixels, a dab being 2 * radius + 1 wide. Runs `Update`, alone among the setters.
     void SetSize(std::int32_t radius);
     // 0 colour; 1 image that moves with the brush; 2, 6, 7 image that stays with the canvas; 3 cutout; 4, 8 a colour
@@ -83,31 +103,46 @@ public:
     // Run over the images of every dab, first to last. The owner adds to it between strokes.
     [[nodiscard]] std::vector<std::unique_ptr<Filter>>& Filters() { return filters; }
 
+protected:
+    // The planes of a dab. Painting goes to the target; the mask plane, a second image of one channel that can also
+    // keep paint out, is for brushes built on this one.
+    bool paintEraserFlag = false;
+    bool paintPlaneOn = false;  // KEEP: nothing but `SetColour` raises it, so without a colour nothing is painted
+    bool maskPlaneOn = false;
+    bool maskPlaneClips = false;
+    bool straightSegments = false;
+    std::uint8_t maskValue = 0;             // in the channel range of `maskTarget`
+    Image* maskTarget = nullptr;            // not owned; one channel
+    std::vector<ValuePointer> extraValues;  // handed to `values` by the next `Update`
+
 private:
-    struct DabImages {
+    // One dab on its way to the planes.
+    struct Dab {
+        StrokePoint place;  // with the pressure
+        double angle = 0.0;
+        double opacity = 0.0;
+        bool erases = false;
         std::unique_ptr<Image> colour;
         std::unique_ptr<Image> mask;  // null: full coverage
+
         [[nodiscard]] Rect Area() const;
     };
 
-    [[nodiscard]] bool Accepts(double x, double y, double pressure) const;
-    void StoreProfileType();
-    [[nodiscard]] std::unique_ptr<BrushSource> MakeSource() const;
-    void PrepareSource();
+    void StoreProfile();
+    void RebuildSource();
+    [[nodiscard]] double BaseSpacing(const StrokePoint& sample) const;
     Rect StepAlongPath(const StrokePoint& sample, bool& painted);
-    Rect PaintDab(StrokePoint dab, bool repeat);
-    double DabAngle(const StrokePoint& dab, bool repeat);
-    void PaintOnTarget(const StrokePoint& dab, double angle, double dabOpacity, bool erases, DabImages& images,
-                       Rect& changed);
-    void PaintOnMask(const StrokePoint& dab, double angle, double dabOpacity, bool erases, DabImages& images);
+    [[nodiscard]] std::int32_t NextCandidate(std::int32_t step, double squaredSpacing) const;
+    Rect PaintDab(StrokePoint place, bool repeat);
+    double AngleAlongPath(const StrokePoint& place, bool repeat);
+    Rect PaintOnTarget(Dab& dab);
+    void PaintOnMask(Dab& dab);
 
     std::string name;
     std::unique_ptr<DataSet> values;
-    std::vector<ParameterValue*> extraValues;  // handed to `values` by `Update`; nothing adds to it here
-    GraphValue* profileGraph = nullptr;        // belongs to `values`
-    Image* target = nullptr;                   // not owned
-    Image* maskTarget = nullptr;               // not owned; one channel
-    double spacing = 0.15;                     // fraction of the source's diameter
+    GraphValue* profileGraph = nullptr;  // belongs to `values`
+    Image* target = nullptr;             // not owned
+    double spacing = 0.15;               // fraction of the source's diameter
     bool adjustSpacing = false;
     std::uint8_t spacingType = 2;
     bool buildUp = false;
@@ -118,12 +153,6 @@ private:
     std::unique_ptr<Image> cutoutImage;
     bool useCutoutImage = false;
     Colour colour;
-    bool paintEraserFlag = false;
-    bool paintPlaneOn = false;  // KEEP: nothing but `SetColour` raises it, so without a colour nothing is painted
-    bool maskPlaneOn = false;
-    bool maskPlaneClips = false;
-    bool straightSegments = false;
-    std::uint8_t maskValue = 0;
     StrokePoint lastInput;
     SplineWalk history;
     float lastDabX = 0.0F;
@@ -137,7 +166,8 @@ private:
     double opacity = 1.0;
     double decay = 0.0;  // each dab leaves sqrt(1 - decay) of the opacity
     double currentOpacity = 1.0;
-    std::unique_ptr<DataSet> sourceValues;
+    std::unique_ptr<DataSet> sourceValues;  // outlive the sources, which are made from them
+    std::int32_t sourceDepth = 0;           // of the target that the source was made for
 };
 
 }  // namespace chalkpane
