@@ -1,5 +1,7 @@
 #include <algorithm>
+#include <array>
 #include <cstddef>
+#include <cstring>
 
 #include "paint/blending_modes.h"
 
@@ -17,9 +19,12 @@ void MergeMaskRow(std::span<Channel> output, std::int32_t count, std::span<const
     const auto step = static_cast<std::size_t>(std::max(maskStep, 1));
     const std::size_t pixels =
         std::min(PixelsWithin(count, colours.size(), output.size()), (mask.size() + step - 1) / step);
+    // Whole pixels through a local one: the rows might overlap as far as the compiler knows.
     for (std::size_t i = 0; i < pixels; ++i) {
-        std::copy_n(&colours[4 * i], 3, &output[4 * i]);
-        output[4 * i + 3] = mask[i * step];
+        std::array<Channel, 4> pixel;
+        std::memcpy(pixel.data(), &colours[4 * i], sizeof pixel);
+        pixel[3] = mask[i * step];
+        std::memcpy(&output[4 * i], pixel.data(), sizeof pixel);
     }
 }
 
@@ -39,11 +44,12 @@ void MergeMaskRow14(std::span<std::uint16_t> output, std::int32_t count, std::sp
 void UnpremultiplyRow8(std::int32_t count, std::span<const std::uint8_t> input, std::span<std::uint8_t> output) {
     const std::size_t pixels = PixelsWithin(count, input.size(), output.size());
     for (std::size_t i = 0; i < 4 * pixels; i += 4) {
-        const std::uint8_t alpha = input[i + 3];
-        const std::int32_t factor = ReciprocalTable[alpha];
-        for (std::size_t channel = i; channel < i + 3; ++channel)
-            output[channel] = static_cast<std::uint8_t>(std::min((input[channel] * factor) >> 8, 255));
-        output[i + 3] = alpha;
+        std::array<std::uint8_t, 4> pixel;
+        std::memcpy(pixel.data(), &input[i], sizeof pixel);
+        const std::int32_t factor = ReciprocalTable[pixel[3]];
+        for (std::size_t channel = 0; channel < 3; ++channel)
+            pixel[channel] = static_cast<std::uint8_t>(std::min((pixel[channel] * factor) >> 8, 255));
+        std::memcpy(&output[i], pixel.data(), sizeof pixel);
     }
 }
 
