@@ -1,0 +1,12 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace kel {
+
+// Each adds its command to the program's command line. The command runs while the line is parsed, throws Error for what
+// the operator got wrong, and CLI::RuntimeError to end with another exit code.
+void AddInfoCommand(CLI::App& program);
+void AddPlayCommand(CLI::App& program);
+
+}  // namespace kel

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <filesystem>
+
+namespace kel {
+
+// Where Chalkpane.qop lies: beside this program, as in a build folder, or where the installation puts it. When it is in
+// neither place, the first of them, so that loading it tells what is missing.
+[[nodiscard]] std::filesystem::path FindModule();
+
+}  // namespace kel

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "host/host.h"
+#include "host/player_pointer.h"
+#include "host/session.h"
+
+namespace kel {
+
+// Plays a session on a host.
+//
+// Borrows both for its life; the host is fresh, with the session's window. All that can be wrong with a session is
+// found by the constructor: modules, pictures, names and values of parameters, buttons, the pointer's timetable.
+class Player {
+public:
+    // defaultModule: for the plug-ins that name no module. Throws Error.
+    Player(const Session& session, Host& host, const std::filesystem::path& defaultModule);
+
+    [[nodiscard]] bool IsOver() const { return m_field >= m_session.fields; }
+    [[nodiscard]] std::int64_t NextField() const { return m_field; }
+
+    // Plays the next field and returns the names under which its picture is to be saved.
+    std::vector<std::string> PlayField();
+
+    // The container whose canvas is the overlay: the first with a plug-in; noObject when there is none.
+    [[nodiscard]] ObjectId OverlayContainer() const;
+
+private:
+    struct PlayedContainer {
+        ObjectId id = noObject;
+        const Module* module = nullptr;  // not owned; null without a plug-in
+    };
+    // What happens in a field besides the pointer. One of the three is there.
+    struct Deed {
+        std::int64_t field = 0;
+        ObjectId container = noObject;
+        std::vector<ParameterSetting> settings;
+        std::string button;
+        std::string save;
+    };
+
+    void BuildContainer(const SessionContainer& container, const std::filesystem::path& defaultModule);
+    const Module& LoadModule(const SessionPlugin& plugin, const std::filesystem::path& defaultModule);
+    std::vector<ParameterSetting> Settings(const std::vector<SessionValue>& values, const Module& module);
+    Picture ReadPictureAt(const std::string& path, const std::string& place) const;
+    void PrepareDeed(const SessionEvent& event);
+    void CheckButton(const SessionEvent& event, const std::string& name, const Module& module) const;
+
+    const Session& m_session;
+    Host& m_host;
+    std::vector<PlayedContainer> m_containers;  // as in the session
+    std::vector<PointerStep> m_pointer;
+    std::vector<Deed> m_deeds;
+    std::size_t m_nextPointer = 0;
+    std::size_t m_nextDeed = 0;
+    std::int64_t m_field = 0;
+};
+
+}  // namespace kel
