@@ -16,8 +16,8 @@ constexpr std::uint32_t NextRandomState(std::uint32_t state) { return state * 21
 // 0 .. 32767.
 inline std::int32_t Random() {
     std::uint32_t state = detail::randomState.load(std::memory_order_relaxed);
-    while (!detail::randomState.compare_exchange_weak(state, detail::NextRandomState(state),
-                                                      std::memory_order_relaxed)) {
+    while (
+        !detail::randomState.compare_exchange_weak(state, detail::NextRandomState(state), std::memory_order_relaxed)) {
     }
     return static_cast<std::int32_t>((detail::NextRandomState(state) >> 16) & 0x7fff);
 }
