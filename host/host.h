@@ -63,8 +63,8 @@ public:
     // look-ups. A name that is not here, and the empty one, mean no image.
     void AddImage(const std::string& name, const Picture& picture);
 
-    // What the operator does. All of it waits for RunField: of the pointer at most one press or release is delivered in a
-    // field, together with the moves before it; settings and buttons are delivered in their order.
+    // What the operator does. All of it waits for RunField: of the pointer at most one press or release is delivered in
+    // a field, together with the moves before it; settings and buttons are delivered in their order.
     //   x, y  window pixels, y from the top; may lie outside
     void QueuePointer(PointerKind kind, std::int32_t x, std::int32_t y);
     // Throws when the container's module has no such parameter or the value is not within its limits.

@@ -56,8 +56,8 @@ struct Module {
     Registration registration;
 };
 
-// Loads the file and finds the entry points; registers nothing yet. Throws Error when it does not load or lacks an entry
-// point.
+// Loads the file and finds the entry points; registers nothing yet. Throws Error when it does not load or lacks an
+// entry point.
 [[nodiscard]] Module OpenModule(const std::filesystem::path& file);
 
 // Gives every parameter its place in the instance block, by natural alignment in the order of registration, and checks

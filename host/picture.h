@@ -40,8 +40,8 @@ constexpr std::int32_t largestPictureSide = 16384;  // what the renderer takes a
 // True: WritePicture takes a file of this name, that is, it ends in .png, .jpg or .jpeg.
 [[nodiscard]] bool IsPictureName(const std::filesystem::path& file);
 
-// Writes a PNG or a JPEG (without alpha), as the name's ending says. The file appears whole or not at all: it is written
-// under another name beside its place and then renamed. Throws Error naming the file and the reason.
+// Writes a PNG or a JPEG (without alpha), as the name's ending says. The file appears whole or not at all: it is
+// written under another name beside its place and then renamed. Throws Error naming the file and the reason.
 void WritePicture(const Picture& picture, const std::filesystem::path& file);
 
 }  // namespace kel

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "host/picture.h"
+
+namespace kel {
+
+// A JPEG file's bytes; pictures read from one are opaque, and writing leaves alpha out. Both throw Error with the
+// reason alone.
+[[nodiscard]] Picture DecodeJpeg(const std::vector<std::uint8_t>& bytes);
+[[nodiscard]] std::vector<std::uint8_t> EncodeJpeg(const Picture& picture);
+
+}  // namespace kel
