@@ -1,0 +1,117 @@
+#include "paint/over_row.h"
+
+#include <doctest/doctest.h>
+
+#include <algorithm>
+#include <random>
+#include <vector>
+
+#include "paint/erase_row.h"
+#include "paint/vector_choice.h"
+
+// The vector forms of the two most used rows against the plain ones.
+namespace chalkpane {
+
+#if defined(__x86_64__)
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+constexpr std::size_t pairs = 65536;
+
+struct OverRow {
+    Bytes target = Bytes(4 * pairs);
+    Bytes source = Bytes(4 * pairs);
+    Bytes mask = Bytes(pairs);
+};
+
+void CompareOver(const OverRow& row, std::int32_t opacity) {
+    Bytes plain = row.target;
+    Bytes vector = row.target;
+    OverRow8Plain(plain.data(), row.source.data(), row.mask.data(), 1, pairs, opacity);
+    OverRow8Avx2(vector.data(), row.source.data(), row.mask.data(), pairs, opacity);
+    const auto difference = std::ranges::mismatch(plain, vector).in1 - plain.begin();
+    CAPTURE(opacity);
+    CAPTURE(difference);
+    CHECK(plain == vector);
+}
+
+}  // namespace
+
+TEST_CASE("the vector form of the over row is equal for all source and target channels") {
+    if (!HasAvx2()) return;
+    std::mt19937 random(1);
+    OverRow row;
+    for (std::size_t i = 0; i < pairs; ++i)
+        for (std::size_t c = 0; c < 3; ++c) {
+            row.source[4 * i + c] = static_cast<std::uint8_t>(i >> 8);
+            row.target[4 * i + c] = static_cast<std::uint8_t>(i);
+        }
+    for (std::int32_t opacity = 0; opacity < 256; opacity += 3) {
+        for (std::size_t i = 0; i < pairs; ++i) {
+            row.source[4 * i + 3] = static_cast<std::uint8_t>(random());
+            row.target[4 * i + 3] = static_cast<std::uint8_t>(random());
+            row.mask[i] = static_cast<std::uint8_t>(random());
+        }
+        CompareOver(row, opacity);
+    }
+}
+
+TEST_CASE("the vector form of the over row is equal for all masks and alphas") {
+    if (!HasAvx2()) return;
+    std::mt19937 random(2);
+    OverRow row;
+    for (std::size_t i = 0; i < pairs; ++i) {
+        for (std::size_t c = 0; c < 4; ++c) {
+            row.source[4 * i + c] = static_cast<std::uint8_t>(random());
+            row.target[4 * i + c] = static_cast<std::uint8_t>(random());
+        }
+        row.source[4 * i + 3] = static_cast<std::uint8_t>(i >> 8);
+        row.mask[i] = static_cast<std::uint8_t>(i);
+    }
+    for (std::int32_t opacity = 0; opacity < 256; ++opacity) CompareOver(row, opacity);
+}
+
+// Every length of the tail, at every alignment, with a guard behind.
+TEST_CASE("the vector forms keep inside their row") {
+    if (!HasAvx2()) return;
+    std::mt19937 random(3);
+    for (std::size_t count = 0; count < 40; ++count) {
+        for (std::size_t start = 0; start < 4; ++start) {
+            Bytes source(4 * count);
+            Bytes mask(count);
+            Bytes target(4 * (start + count) + 64);
+            for (auto* bytes : {&source, &mask, &target})
+                for (auto& byte : *bytes) byte = static_cast<std::uint8_t>(random());
+            Bytes plain = target;
+            Bytes vector = target;
+            const auto pixels = static_cast<std::ptrdiff_t>(count);
+            OverRow8Plain(plain.data() + 4 * start, source.data(), mask.data(), 1, pixels, 200);
+            OverRow8Avx2(vector.data() + 4 * start, source.data(), mask.data(), pixels, 200);
+            CAPTURE(count);
+            CHECK(plain == vector);
+            EraseRow8Plain(plain.data() + 4 * start, mask.data(), 1, pixels, 200);
+            EraseRow8Avx2(vector.data() + 4 * start, mask.data(), pixels, 200);
+            CHECK(plain == vector);
+        }
+    }
+}
+
+TEST_CASE("the vector form of the erase row is equal on every input") {
+    if (!HasAvx2()) return;
+    constexpr std::size_t pixels = 256 * 64;  // each mask value with each channel value
+    Bytes mask(pixels);
+    Bytes target(4 * pixels);
+    for (std::size_t i = 0; i < pixels; ++i) mask[i] = static_cast<std::uint8_t>(i / 64);
+    for (std::size_t i = 0; i < 4 * pixels; ++i) target[i] = static_cast<std::uint8_t>(i);
+    for (std::int32_t opacity = 0; opacity <= 256; ++opacity) {
+        Bytes plain = target;
+        Bytes vector = target;
+        EraseRow8Plain(plain.data(), mask.data(), 1, pixels, opacity);
+        EraseRow8Avx2(vector.data(), mask.data(), pixels, opacity);
+        CAPTURE(opacity);
+        CHECK(plain == vector);
+    }
+}
+#endif
+
+}  // namespace chalkpane
