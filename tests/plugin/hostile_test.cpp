@@ -6,7 +6,9 @@
 #include <random>
 #include <vector>
 
+#include "plugin/stroke_finish.h"
 #include "tests/plugin/stage.h"
+#include "tests/plugin/stroke_shapes.h"
 
 namespace chalkpane::testing {
 namespace {
@@ -67,6 +69,7 @@ TEST_CASE("A camera matrix of no numbers paints nothing") {
 
 TEST_CASE("Box sides just above 0.0001 throw positions far off and are survived") {
     Stage stage(Recognising());
+    stage.plugin.ShapeDelay = 100;  // no finish here: a line of a million points takes its time
     stage.Field();
     for (const auto& [width, height] : {std::pair{0.00011F, 0.00011F}, std::pair{0.00011F, 1e30F},
                                         std::pair{1e30F, 0.00011F}, std::pair{3e38F, 3e38F}}) {
@@ -74,6 +77,17 @@ TEST_CASE("Box sides just above 0.0001 throw positions far off and are survived"
         DrawAndRender(stage);
         CHECK_FALSE(stage.plugin.pointerInsideStroke);
     }
+}
+
+TEST_CASE("A line far beyond the canvas is smoothed and drawn nowhere") {
+    Stage stage(Recognising());
+    stage.Field();
+    Points points;
+    for (int i = 0; i < 3000; ++i) points.emplace_back(1e8 + 100.0 * i, -2e9 + 500.0 * i, 0.0);
+    StoreStroke(stage.plugin, points);
+    FinishStroke(stage.plugin);
+    CHECK_EQ(stage.plugin.strokePointCount, 752);  // the first, 750 of the fourths (1 .. 2997), and the last
+    CHECK(IsBlank(*stage.plugin.shapeSurface));
 }
 
 TEST_CASE("Windows of no size, and of sizes beyond reason, are survived") {

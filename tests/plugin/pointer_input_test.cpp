@@ -189,9 +189,10 @@ TEST_CASE("The eraser's strokes go to both surfaces whether shapes are recognise
     }
     stage.plugin.BrushType = 1;
     PLUGIN_CHANGED_CALLBACK(&stage.plugin, 5);
+    const int before = AlphaAt(*stage.plugin.shapeSurface, 300, 300);
     stage.Press(300, 300);
-    CHECK_EQ(AlphaAt(*stage.plugin.canvasSurface, 300, 300), 0);
-    CHECK_EQ(AlphaAt(*stage.plugin.shapeSurface, 300, 300), 0);
+    CHECK_LT(AlphaAt(*stage.plugin.canvasSurface, 300, 300), before / 2);
+    CHECK_LT(AlphaAt(*stage.plugin.shapeSurface, 300, 300), before / 2);
 }
 
 TEST_CASE("The stroke's canvas positions reach the brush as doubles") {

@@ -251,6 +251,7 @@ void _api__get_camera_matrix(std::int32_t camera, float* matrix) {
 }
 std::int32_t _api__scene_redraw() {
     Record("_api__scene_redraw");
+    ++CurrentHost().redraws;
     return CurrentHost().redrawAnswer;
 }
 void _api__tessmar_query_mouse_pos(std::int32_t reserved, std::int32_t* x, std::int32_t* y) {

@@ -46,6 +46,7 @@ public:
     std::int32_t createdImage = 40;  // negative: creation fails
     std::int32_t createdTexture = 50;
     std::int32_t redrawAnswer = 33;
+    std::int32_t redraws = 0;  // counted also while nothing is recorded
     std::int32_t showAnswer = 44;
 
     std::map<std::string, std::int32_t, std::less<>> imageIds;  // by name; -1 for others
