@@ -7,6 +7,7 @@
 #include "host/error.h"
 #include "host/host_state.h"
 #include "host/scene_renderer.h"
+#include "host/session_nearest.h"
 
 namespace kel {
 namespace {
@@ -45,9 +46,7 @@ Instance& FindInstance(HostState& state, ObjectId container) {
     return *instance;
 }
 
-std::string Named(const char* what, std::string_view name) {
-    return std::string(what) + " \"" + std::string(name) + "\"";
-}
+std::string Named(const char* what, std::string_view name) { return std::string(what) + " " + Quoted(name); }
 
 std::size_t FindParameter(const Instance& instance, std::string_view name) {
     const std::ptrdiff_t index = instance.IndexOf(name);

@@ -9,6 +9,7 @@
 #include "host/host_call.h"
 #include "host/matrix.h"
 #include "host/picking.h"
+#include "host/session_nearest.h"
 
 // Objects, containers, scene, camera and window.
 namespace {
@@ -24,7 +25,7 @@ void WriteMatrix(const kel::Matrix& matrix, float* place) {
 bool IsExpected(const HostCall& call, const char* name, std::string_view expected) {
     if (!call.HasPlace(name)) return false;
     if (name == expected) return true;
-    call.Report(WrongUse::UnknownName, "\"" + std::string(name) + "\" is not \"" + std::string(expected) + "\"");
+    call.Report(WrongUse::UnknownName, kel::Quoted(name) + " is not " + kel::Quoted(expected));
     return false;
 }
 

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "host/host_call.h"
+#include "host/session_nearest.h"
 
 namespace {
 
@@ -22,7 +23,7 @@ void RegisterParameter(const char* function, ParameterKind kind, const char* nam
     if (!call || !call.HasPlace(name)) return;
     auto& parameters = call.State().registering->parameters;
     if (call.State().registering->FindParameter(name) != nullptr) {
-        call.Report(WrongUse::UnknownName, "there already is a parameter \"" + std::string(name) + "\"");
+        call.Report(WrongUse::UnknownName, "there already is a parameter " + kel::Quoted(name));
         return;
     }
     Parameter parameter;
@@ -103,7 +104,7 @@ void qoRegisterPushButton(const char* name, const char* label, std::int32_t acti
     if (!call || !call.HasPlace(name)) return;
     kel::Registration& registration = *call.State().registering;
     if (registration.FindButton(name) != nullptr)
-        return call.Report(WrongUse::UnknownName, "there already is a button \"" + std::string(name) + "\"");
+        return call.Report(WrongUse::UnknownName, "there already is a button " + kel::Quoted(name));
     registration.buttons.push_back({name, label != nullptr ? label : name, action});
 }
 
@@ -115,7 +116,7 @@ void qoHideParameter(const char* name) {
             parameter.hidden = true;
             return;
         }
-    call.Report(WrongUse::UnknownName, "there is no parameter \"" + std::string(name) + "\"");
+    call.Report(WrongUse::UnknownName, "there is no parameter " + kel::Quoted(name));
 }
 
 // Answers 1 when the parameter exists, else 0. A parameter that was hidden in the registration stays hidden.
@@ -125,7 +126,7 @@ std::int32_t qoSendGuiParameterShow(const char* name, std::int32_t visible) {
     kel::Instance& instance = *call.State().calling;
     const std::ptrdiff_t index = instance.IndexOf(name);
     if (index < 0) {
-        call.Report(WrongUse::UnknownName, "there is no parameter \"" + std::string(name) + "\"");
+        call.Report(WrongUse::UnknownName, "there is no parameter " + kel::Quoted(name));
         return 0;
     }
     const auto place = static_cast<std::size_t>(index);

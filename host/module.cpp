@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "host/error.h"
+#include "host/session_nearest.h"
 
 namespace kel {
 namespace {
@@ -29,7 +30,8 @@ std::size_t FieldSize(ParameterKind kind) { return kind == ParameterKind::Image 
 
 void CheckDefault(const std::filesystem::path& file, const Parameter& parameter) {
     const std::string reason = parameter.Refusal(parameter.defaultValue);
-    if (!reason.empty()) throw Error(file.string(), {}, "default of parameter \"" + parameter.name + "\": " + reason);
+    if (!reason.empty())
+        throw Error(file.string(), {}, "default of parameter " + Quoted(parameter.name) + ": " + reason);
 }
 
 }  // namespace

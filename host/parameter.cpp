@@ -4,6 +4,8 @@
 #include <charconv>
 #include <cmath>
 
+#include "host/session_nearest.h"
+
 namespace kel {
 namespace {
 
@@ -38,7 +40,7 @@ std::string OutsideLimits(double value, double minimum, double maximum, const st
 std::string UnknownOption(std::int32_t option, const std::vector<std::string>& options) {
     if (option >= 0 && static_cast<std::size_t>(option) < options.size()) return {};
     std::string text = "there is no option " + std::to_string(option) + "; there are:";
-    for (const std::string& name : options) text += " \"" + name + "\"";
+    for (const std::string& name : options) text.append(" ").append(Quoted(name));
     return text;
 }
 

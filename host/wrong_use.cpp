@@ -1,5 +1,6 @@
 #include "host/wrong_use.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace kel {
@@ -8,8 +9,11 @@ void WrongUseLog::Report(WrongUse kind, const std::string& what) {
     bool& reported = m_reported[static_cast<std::size_t>(kind)];
     if (reported) return;
     reported = true;
-    m_lines.push_back("kel: wrong use by a module: " + what + " (reported once)");
-    std::fprintf(stderr, "%s\n", m_lines.back().c_str());
+    std::string& line = m_lines.emplace_back("kel: wrong use by a module: " + what + " (reported once)");
+    // Names come from the module and may hold anything; a report is one line all the same.
+    std::ranges::replace_if(
+        line, [](unsigned char letter) { return letter < 0x20 || letter == 0x7F; }, ' ');
+    std::fprintf(stderr, "%s\n", line.c_str());
 }
 
 }  // namespace kel
