@@ -5,11 +5,10 @@
 #include "filters/blurs/softener.h"
 #include "filters/blurs/super_softener.h"
 #include "filters/blurs/threshold_blur.h"
-#include "filters/multi_processor.h"
 #include "filters/neighbourhood/dilate_filter.h"
 #include "filters/neighbourhood/edge_detect_filter.h"
 #include "filters/neighbourhood/median_filter.h"
-#include "tests/filters/filter_pictures.h"
+#include "tests/filters/twin_comparison.h"
 #include "tests/reference/neighbourhood.h"
 
 using namespace chalkpane;
@@ -31,53 +30,6 @@ std::vector<int> ValuesOf(const Image& image) {
     for (std::int32_t y = image.y1; y >= image.y0; --y)
         for (std::int32_t x = image.x0; x <= image.x1; ++x) values.push_back(reference::Get(image, x, y, 0));
     return values;
-}
-
-struct Case {
-    Rect bounds;
-    std::int32_t type;
-    std::int32_t depth;
-    std::uint8_t flag;
-};
-
-const std::vector<Case>& Cases() {
-    static const std::vector<Case> cases{
-        {{-3, 4, 40, 33}, Image::colourType, 0, 1}, {{-3, 4, 40, 33}, Image::colourType, 0, 0},
-        {{-3, 4, 40, 33}, Image::colourType, 1, 1}, {{5, -20, 31, -1}, Image::maskType, 0, 0},
-        {{5, -20, 31, -1}, Image::maskType, 1, 0},  {{0, 0, 0, 0}, Image::colourType, 0, 1},
-        {{0, 0, 0, 17}, Image::colourType, 1, 0},   {{-9, 3, 9, 3}, Image::colourType, 0, 1},
-    };
-    return cases;
-}
-
-// Compares with the plain twin over formats, regions and expansion, with one worker and with several.
-template <typename Twin>
-void CompareWithTwin(Filter& filter, Twin twin, bool bothDepths = true) {
-    for (const auto& [bounds, type, depth, flag] : Cases()) {
-        if (depth != 0 && !bothDepths) continue;
-        const Image source = NoisePicture(bounds, type, depth, flag, 7);
-        Rect part = bounds;
-        part.x1 = part.x0 + part.Width() / 2;
-        part.InflateY(2);
-        for (const Rect* region : {static_cast<const Rect*>(nullptr), static_cast<const Rect*>(&part)}) {
-            for (const bool expand : {false, true}) {
-                const Image wanted = twin(source, region, expand);
-                for (const int workers : {1, 3}) {
-                    MultiProcessor::Restart(workers);
-                    const auto result = Applied(filter, source, region, expand);
-                    CAPTURE(bounds.x0);
-                    CAPTURE(type);
-                    CAPTURE(depth);
-                    CAPTURE(expand);
-                    CAPTURE(region != nullptr);
-                    CAPTURE(workers);
-                    REQUIRE(result);
-                    CHECK(SamePixels(*result, wanted));
-                }
-            }
-        }
-    }
-    MultiProcessor::Restart(0);
 }
 
 }  // namespace

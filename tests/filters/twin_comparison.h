@@ -1,0 +1,61 @@
+#pragma once
+
+#include <doctest/doctest.h>
+
+#include <cstdint>
+#include <vector>
+
+#include "filters/multi_processor.h"
+#include "tests/filters/filter_pictures.h"
+
+namespace chalkpane::test {
+
+struct PictureCase {
+    Rect bounds;
+    std::int32_t type;
+    std::int32_t depth;
+    std::uint8_t flag;
+};
+
+// Formats and odd shapes that every filter must get right.
+inline const std::vector<PictureCase>& PictureCases() {
+    static const std::vector<PictureCase> cases{
+        {{-3, 4, 40, 33}, Image::colourType, 0, 1}, {{-3, 4, 40, 33}, Image::colourType, 0, 0},
+        {{-3, 4, 40, 33}, Image::colourType, 1, 1}, {{5, -20, 31, -1}, Image::maskType, 0, 0},
+        {{5, -20, 31, -1}, Image::maskType, 1, 0},  {{0, 0, 0, 0}, Image::colourType, 0, 1},
+        {{0, 0, 0, 17}, Image::colourType, 1, 0},   {{-9, 3, 9, 3}, Image::colourType, 0, 1},
+    };
+    return cases;
+}
+
+// Compares with the plain twin over formats, regions and expansion, with one worker and with several.
+template <typename Twin>
+void CompareWithTwin(Filter& filter, Twin twin, bool bothDepths = true) {
+    for (const auto& [bounds, type, depth, flag] : PictureCases()) {
+        if (depth != 0 && !bothDepths) continue;
+        const Image source = NoisePicture(bounds, type, depth, flag, 7);
+        Rect part = bounds;
+        part.x1 = part.x0 + part.Width() / 2;
+        part.InflateY(2);
+        for (const Rect* region : {static_cast<const Rect*>(nullptr), static_cast<const Rect*>(&part)}) {
+            for (const bool expand : {false, true}) {
+                const Image wanted = twin(source, region, expand);
+                for (const int workers : {1, 3}) {
+                    MultiProcessor::Restart(workers);
+                    const auto result = Applied(filter, source, region, expand);
+                    CAPTURE(bounds.x0);
+                    CAPTURE(type);
+                    CAPTURE(depth);
+                    CAPTURE(expand);
+                    CAPTURE(region != nullptr);
+                    CAPTURE(workers);
+                    REQUIRE(result);
+                    CHECK(SamePixels(*result, wanted));
+                }
+            }
+        }
+    }
+    MultiProcessor::Restart(0);
+}
+
+}  // namespace chalkpane::test
