@@ -1,18 +1,62 @@
 #include "filters/filter_prototypes.h"
 
+#include "filters/blurs/softener.h"
+#include "filters/blurs/super_softener.h"
+#include "filters/blurs/threshold_blur.h"
+#include "filters/colour/auto_eq_cc.h"
+#include "filters/colour/black_white_cc.h"
+#include "filters/colour/brightness_cc.h"
+#include "filters/colour/chroma_cc.h"
+#include "filters/colour/colour_dodge_cc.h"
+#include "filters/colour/colour_jitter_filter.h"
+#include "filters/colour/component_cc.h"
+#include "filters/colour/hue_cc.h"
+#include "filters/colour/invert_cc.h"
+#include "filters/colour/luma_cc.h"
+#include "filters/colour/posterize_effect.h"
+#include "filters/colour/rgb_channel_cc.h"
+#include "filters/colour/solarize_effect.h"
+#include "filters/colour/subtract_cc.h"
+#include "filters/colour/tint_filter.h"
+#include "filters/neighbourhood/dilate_filter.h"
+#include "filters/neighbourhood/edge_detect_filter.h"
+#include "filters/neighbourhood/median_filter.h"
+
 namespace chalkpane {
 namespace {
 
 using MakeFilter = std::unique_ptr<Filter> (*)();
 
 template <typename FilterClass>
-[[maybe_unused]] std::unique_ptr<Filter> Make() {
+std::unique_ptr<Filter> Make() {
     return std::make_unique<FilterClass>();
 }
 
 // The family, one line a class: `Make<InvertCC>,`.
 const std::vector<MakeFilter>& Family() {
-    static const std::vector<MakeFilter> family{};
+    static const std::vector<MakeFilter> family{
+        Make<AutoEqCC>,
+        Make<BlackWhiteCC>,
+        Make<ChromaCC>,
+        Make<ComponentCC>,
+        Make<RGBChannelCC>,
+        Make<BrightnessCC>,
+        Make<LumaCC>,
+        Make<HueCC>,
+        Make<InvertCC>,
+        Make<SubtractCC>,
+        Make<TintFilter>,
+        Make<ColourDodgeCC>,
+        Make<SolarizeEffect>,
+        Make<PosterizeEffect>,
+        Make<DilateFilter>,
+        Make<Softener>,
+        Make<SuperSoftener>,
+        Make<ThresholdBlur>,
+        Make<MedianFilter>,
+        Make<EdgeDetectFilter>,
+        Make<ColourJitterFilter>,
+    };
     return family;
 }
 

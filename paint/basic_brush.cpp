@@ -6,6 +6,7 @@
 
 #include "filters/filter_chain.h"
 #include "filters/filter_registry.h"
+#include "filters/paint_colour.h"
 #include "paint/brush_paster.h"
 #include "paint/brush_source.h"
 #include "paint/eraser.h"
@@ -122,6 +123,7 @@ void BasicBrush::SetMatchPath(bool on) {
 
 void BasicBrush::SetColour(const Colour& newColour) {
     colour = newColour;
+    currentPaintColour = newColour;
     paintPlaneOn = true;
     paintEraserFlag = maskPlaneOn = maskPlaneClips = straightSegments = false;
     maskValue = 0;

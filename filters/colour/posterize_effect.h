@@ -1,0 +1,35 @@
+#pragma once
+
+#include <vector>
+
+#include "filters/row_filter.h"
+
+namespace chalkpane {
+
+// "Posterize": leaves a few levels of every colour.
+class PosterizeEffect final : public RowFilter<PosterizeEffect> {
+public:
+    static constexpr FilterIdentity identity{"Posterize Effect", "Posterize", "Filters"};
+    static constexpr auto Parameters() {
+        return std::to_array<ParameterRow<PosterizeEffect>>({
+            {0, "Levels", "Levels", 8, {2, 255}, &PosterizeEffect::m_levels},
+        });
+    }
+
+    void BeginRun(const Image& source) override;
+    void EndRun() override { m_table = {}; }
+
+    template <typename F>
+    void Row(std::span<typename F::Channel> pixels) const {
+        const std::uint16_t* const table = m_table.data();
+        for (std::size_t i = 0; i + 3 < pixels.size(); i += 4)
+            for (std::size_t c = i; c < i + 3; ++c)
+                pixels[c] = static_cast<typename F::Channel>(table[pixels[c] & F::fullScale]);
+    }
+
+private:
+    std::int32_t m_levels = 2;  // DIFFERS from the default's 8
+    std::vector<std::uint16_t> m_table;
+};
+
+}  // namespace chalkpane

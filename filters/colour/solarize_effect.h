@@ -1,0 +1,42 @@
+#pragma once
+
+#include "filters/row_filter.h"
+
+namespace chalkpane {
+
+// "Solarize": turns the dark part of the scale over, so that black becomes white and the threshold black.
+// An amount of exactly 0 or 1 divides by zero; the infinite slope gives full scale, or 0 at the threshold itself.
+class SolarizeEffect final : public RowFilter<SolarizeEffect> {
+public:
+    static constexpr FilterIdentity identity{"Solarize Effect", "Solarize", "Effects"};
+    static constexpr auto Parameters() {
+        return std::to_array<ParameterRow<SolarizeEffect>>({
+            {0, "Amount", "Amount", 0.0, {0, 1}, &SolarizeEffect::m_amount},
+        });
+    }
+
+    void BeginRun(const Image& /*source*/) override {
+        m_up = 1.0F / m_amount;
+        m_down = 1.0F / (1.0F - m_amount);
+    }
+
+    template <typename F>
+    void Row(std::span<typename F::Channel> pixels) const {
+        const std::int32_t threshold = Truncated(m_amount * static_cast<float>(F::fullScale));
+        for (std::size_t i = 0; i + 3 < pixels.size(); i += 4) {
+            for (std::size_t c = i; c < i + 3; ++c) {
+                const std::int32_t above = pixels[c] - threshold;
+                const float slope = above > 0 ? m_down : m_up;
+                const auto distance = static_cast<float>(above > 0 ? above : -above);
+                pixels[c] = LimitedChannel<F>(distance * slope);
+            }
+        }
+    }
+
+private:
+    float m_amount = 0.5F;  // DIFFERS from the default's 0
+    float m_up = 0.0F;
+    float m_down = 0.0F;
+};
+
+}  // namespace chalkpane

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <span>
+
+#include "filters/filter_class.h"
+#include "filters/point_filter.h"
+#include "filters/work_area.h"
+
+namespace chalkpane {
+
+// A point filter whose row is one template over the two pixel formats. A class gives
+//     template <typename F> void Row(std::span<typename F::Channel> pixels) const;    rewrites B, G, R, A in place
+//     bool IsIdentity(const Image& source) const;      optional: true where the settings change nothing of the source
+// An identity is a plain copy of the source, whatever the region.
+template <typename Self>
+class RowFilter : public FilterClass<Self, PointFilter> {
+public:
+    using FilterClass<Self, PointFilter>::FilterClass;
+
+    void Apply(const Image& source, std::unique_ptr<Image>& result, bool fast, const Rect* region,
+               bool expand) override {
+        if constexpr (requires { AsSelf().IsIdentity(source); })
+            if (AsSelf().IsIdentity(source)) return ApplyAsCopy(source, result);
+        PointFilter::Apply(source, result, fast, region, expand);
+    }
+    void ProcessRow8(std::int32_t /*firstX*/, std::int32_t /*lastX*/, std::int32_t /*y*/,
+                     std::span<std::uint8_t> pixels) override {
+        AsSelf().template Row<PixelFormat8>(pixels);
+    }
+    void ProcessRow16(std::int32_t /*firstX*/, std::int32_t /*lastX*/, std::int32_t /*y*/,
+                      std::span<std::uint16_t> pixels) override {
+        AsSelf().template Row<PixelFormat14>(pixels);
+    }
+
+protected:
+    ~RowFilter() = default;
+
+private:
+    [[nodiscard]] const Self& AsSelf() const { return static_cast<const Self&>(*this); }
+};
+
+// Truncated and limited to the channel's range; what is not a number is 0.
+template <typename F>
+[[nodiscard]] inline typename F::Channel LimitedChannel(float value) {
+    constexpr auto fullScale = static_cast<float>(F::fullScale);
+    const float positive = value > 0.0F ? value : 0.0F;
+    return static_cast<typename F::Channel>(static_cast<std::int32_t>(positive < fullScale ? positive : fullScale));
+}
+template <typename F>
+[[nodiscard]] inline typename F::Channel LimitedChannel(std::int32_t value) {
+    return static_cast<typename F::Channel>(value < 0 ? 0 : (value > F::fullScale ? F::fullScale : value));
+}
+
+// Truncates towards zero; what an integer cannot hold becomes the nearest one that can, and what is not a number 0.
+[[nodiscard]] inline std::int32_t Truncated(double value) {
+    if (std::isnan(value)) return 0;
+    constexpr double low = std::numeric_limits<std::int32_t>::min();
+    constexpr double high = std::numeric_limits<std::int32_t>::max();
+    return static_cast<std::int32_t>(value < low ? low : (value > high ? high : value));
+}
+
+}  // namespace chalkpane
