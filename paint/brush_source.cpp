@@ -39,19 +39,18 @@ void BrushSource::DropPickup() {
 }
 
 void BrushSource::DabPlaced(double x, double y, double angle) {
-    if (pickup != 2) return;
-    paintPickup.image = nullptr;
-    std::unique_ptr<Image> colour;
-    std::unique_ptr<Image> mask;
-    MakeDab(x, y, angle, colour, mask);
+    Renew(paintPickup, &BrushSource::MakeDab, x, y, angle);
+}
+void BrushSource::DabPlacedOnMask(double x, double y, double angle) {
+    Renew(maskPickup, &BrushSource::MakeMaskDab, x, y, angle);
 }
 
-void BrushSource::DabPlacedOnMask(double x, double y, double angle) {
+void BrushSource::Renew(Pickup& held, DabMaker make, double x, double y, double angle) {
     if (pickup != 2) return;
-    maskPickup.image = nullptr;
+    held.image = nullptr;
     std::unique_ptr<Image> colour;
     std::unique_ptr<Image> mask;
-    MakeMaskDab(x, y, angle, colour, mask);
+    (this->*make)(x, y, angle, colour, mask);
 }
 
 std::unique_ptr<BrushProfile> BrushSource::MakeProfile(std::int32_t margin, GraphValue* graph, const Matrix3& matrix) {

@@ -116,6 +116,13 @@ protected:
                      std::unique_ptr<Image>& maskOut);
     void StorePickup(Pickup& held, const Image& colourImage, double x, double y, double angle) const;
 
+private:
+    using DabMaker = bool (BrushSource::*)(double x, double y, double angle, std::unique_ptr<Image>& colourOut,
+                                           std::unique_ptr<Image>& maskOut);
+    // With pickup at every dab: lets go of what is held and makes a dab again, which holds what is here.
+    void Renew(Pickup& held, DabMaker make, double x, double y, double angle);
+
+protected:
     std::uint8_t profileType = 0;  // 0 graph, 1 image, 2 one pixel, 3 texture, 4 feather
     FileName profileMask;          // image file for type 1
     std::int32_t size = 20;        // radius in pixels

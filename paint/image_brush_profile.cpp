@@ -39,14 +39,16 @@ ImageBrushProfile::ImageBrushProfile(const std::string& fileName, const DabShape
 }
 
 void ImageBrushProfile::TakeMask(const Image& picture, std::int32_t radius, std::int32_t depth, Resizing resizing) {
-    if (radius > maximumRadius || picture.Width() < 1 || picture.Height() < 1) return;
+    const bool isResized = resizing == Resizing::ToTheDab;
+    if (isResized && (radius < 0 || radius > maximumRadius)) return;
+    if (picture.Width() < 1 || picture.Height() < 1) return;
     try {
         auto converted = AsMask(picture, depth);
         if (!converted) return;
         const std::int32_t width = converted->Width();
         if (radius != width / 2) {
             // KEEP: a file keeps its own size, whatever the dab's.
-            const double factor = resizing == Resizing::ToTheDab ? 2.0 * radius / width : 1.0;
+            const double factor = isResized ? 2.0 * radius / width : 1.0;
             transformer.SetTransform(0.0, 0.0, 0.0, 0.0, factor, factor, 0.0);
             Rect resized;
             converted = transformer.Apply(*converted, resized);

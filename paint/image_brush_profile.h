@@ -13,8 +13,8 @@ namespace chalkpane {
 // The mask of a picture: its only channel, or alpha. Its lower left pixel is (0, 0); each dab is resampled from it.
 class ImageBrushProfile final : public BrushProfile {
 public:
-    // From a picture, which is only read now and resized to the dab unless it has its size. No mask for a radius above
-    // `maximumRadius`, or where nothing of the picture remains.
+    // From a picture, which is only read now and resized to the dab unless it has its size. No mask for a radius below
+    // 0 or above `maximumRadius`, or where nothing of the picture remains.
     ImageBrushProfile(const Image& picture, const DabShape& shape, const Matrix3& profileMatrix,
                       std::int32_t maskDepth);
     // From a file, which keeps its own size; no mask when it could not be read.
