@@ -2,6 +2,9 @@
 
 #include <algorithm>
 
+#include "parameters/animated_file_name.h"
+#include "parameters/animated_map_xy.h"
+#include "parameters/animated_position.h"
 #include "parameters/colour_spline.h"
 #include "parameters/font_value.h"
 #include "parameters/graph_value.h"
@@ -19,6 +22,11 @@ ValuePointer plain(const ParameterDef* definition, const AnimationClock*) {
     return makeValue<Value>(definition);
 }
 
+template <typename Value>
+ValuePointer animated(const ParameterDef* definition, const AnimationClock* clock) {
+    return makeValue<Value>(definition, true, clock);
+}
+
 struct ValueClasses {
     ParameterType type;
     Maker plainMaker;
@@ -27,28 +35,29 @@ struct ValueClasses {
 
 using enum ParameterType;
 constexpr ValueClasses valueClasses[] = {
-    {integer, plain<IntegerValue>, nullptr},
-    {real, plain<DoubleValue>, nullptr},
-    {boolean, plain<BooleanValue>, nullptr},
-    {colour, plain<ColourValue>, nullptr},
-    {integerPair, plain<IntegerXYValue>, nullptr},
-    {doublePair, plain<DoubleXYValue>, nullptr},
-    {position, plain<DoubleXYValue>, nullptr},
+    {integer, plain<IntegerValue>, animated<AnimatedInt>},
+    {real, plain<DoubleValue>, animated<AnimatedDouble>},
+    {boolean, plain<BooleanValue>, animated<AnimatedBoolean>},
+    {colour, plain<ColourValue>, animated<AnimatedColour>},
+    {integerPair, plain<IntegerXYValue>, animated<AnimatedIntXY>},
+    {doublePair, plain<DoubleXYValue>, animated<AnimatedDoubleXY>},
+    {position, plain<DoubleXYValue>, animated<AnimatedPosition>},
     {graph, plain<GraphValue>, plain<GraphValue>},
     {enumeration, plain<EnumerationValue>, plain<EnumerationValue>},
     {font, plain<FontValue>, nullptr},
     {rectangle, plain<RectValue>, nullptr},
     {string, plain<StringValue>, nullptr},
     {path, plain<PathValue>, nullptr},
-    {logarithmic, plain<DoubleValue>, nullptr},
-    {mappedPair, plain<DoubleXYValue>, nullptr},
+    {logarithmic, plain<DoubleValue>, animated<AnimatedLogDouble>},
+    {mappedPair, plain<DoubleXYValue>, animated<AnimatedMapXY>},
     {colourSpline, plain<ColourSplineValue>, plain<ColourSplineValue>},
-    {float32, plain<FloatValue>, nullptr},
-    {fileName, plain<FileNameValue>, nullptr},
-    {angle0To360, plain<FloatValue>, nullptr},
-    {angle720, plain<FloatValue>, nullptr},
-    {angle360, plain<FloatValue>, nullptr},
-    {scaledPosition, plain<DoubleXYValue>, nullptr},
+    {float32, plain<FloatValue>, animated<AnimatedFloat>},
+    {fileName, plain<FileNameValue>, animated<AnimatedFileName>},
+    {position3d, nullptr, animated<AnimatedPosition3d>},
+    {angle0To360, plain<FloatValue>, animated<AnimatedFloat>},
+    {angle720, plain<FloatValue>, animated<AnimatedFloat>},
+    {angle360, plain<FloatValue>, animated<AnimatedFloat>},
+    {scaledPosition, plain<DoubleXYValue>, animated<AnimatedPosition>},
     {plainInteger, plain<IntegerValue>, plain<IntegerValue>},
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 
 namespace chalkpane {
@@ -15,5 +16,9 @@ struct NumberPair {
 
 using DoublePair = NumberPair<double>;
 using IntegerPair = NumberPair<std::int32_t>;
+
+inline double distance(const DoublePair& a, const DoublePair& b) {
+    return std::sqrt((b.x - a.x) * (b.x - a.x) + (b.y - a.y) * (b.y - a.y));
+}
 
 }  // namespace chalkpane

@@ -1,5 +1,6 @@
 #include "parameters/parameter_table.h"
 
+#include "parameters/animated_file_name.h"
 #include "parameters/number_conversion.h"
 
 namespace chalkpane {
@@ -40,6 +41,14 @@ void declareParameter(ParameterList& list, const ParameterDeclaration& declarati
     }
     std::visit(DefaultSetter{added}, declaration.defaultValue);
     if (declaration.kind.slider) added.flagC = 1;
+}
+
+void readFileName(const ParameterValue& value, FileName& field) {
+    if (const auto* animated = dynamic_cast<const AnimatedFileName*>(&value)) {
+        animated->getFileName(field);
+    } else {
+        FileNameValue::ask(value, field);
+    }
 }
 
 }  // namespace chalkpane

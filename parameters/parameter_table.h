@@ -92,6 +92,9 @@ struct ParameterDeclaration {
 };
 void declareParameter(ParameterList& list, const ParameterDeclaration& declaration);
 
+// The name of a plain or an animated file name value; of any other the field stays.
+void readFileName(const ParameterValue& value, FileName& field);
+
 // Reads `value` by the getter that fits `type` into `field`; where the value is of another family the field stays.
 // An enumeration or an integer fits every field of a whole number, a float type a field that is a double, and a double
 // type one that is a float.
@@ -128,7 +131,7 @@ void readIntoField(ParameterValue& value, [[maybe_unused]] ParameterType type, S
     } else if constexpr (std::is_same_v<Stored, std::string>) {
         value.getString(field);
     } else if constexpr (std::is_same_v<Stored, FileName>) {
-        FileNameValue::ask(value, field);
+        readFileName(value, field);
     } else if constexpr (std::is_same_v<Stored, DoublePair>) {
         value.getDoubleXY(field.x, field.y);
     } else if constexpr (std::is_same_v<Stored, GraphValue*>) {

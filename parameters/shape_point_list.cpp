@@ -52,6 +52,44 @@ void ShapePoint::setOutHandle(double x, double y) {
     outHandle.store({x - point.stored().x, y - point.stored().y}, true);
 }
 
+void ShapePoint::write(TextOut& out) const {
+    constexpr const char* margin = "\t\t\t";
+    const auto line = [&](const DoubleXYValue& part) {
+        part.writeTo(out);
+        out << ";\n";
+    };
+    out << (out.isStream() ? margin : "") << "Point ";
+    line(point);
+    const DoublePair onPoint{};
+    if (inHandle.stored() == onPoint && outHandle.stored() == onPoint) return;
+    for (const DoubleXYValue* handle : {&inHandle, &outHandle}) {
+        out << (out.isStream() ? margin : "");
+        line(*handle);
+    }
+}
+
+bool ShapePoint::read(TextScanner& scanner) {
+    if (!point.readText(scanner) || !scanner.expectPunctuation(';')) return false;
+    if (!inHandle.readText(scanner)) {
+        inHandle.store({}, true);
+        outHandle.store({}, true);
+        return true;
+    }
+    return scanner.expectPunctuation(';') && outHandle.readText(scanner) && scanner.expectPunctuation(';');
+}
+
+void ShapePointList::write(TextOut& out) const {
+    out << "\n";  // between the set word and the first point: "truePoint" would be one word
+    for (const auto& point : points) point->write(out);
+}
+
+bool ShapePointList::read(TextScanner& scanner) {
+    points.clear();
+    while (scanner.expectPoint())
+        if (!append().read(scanner)) return false;
+    return true;
+}
+
 ShapePointList::ShapePointList() {
     insert(0.0, 0.0);
     insert(1.0, 1.0);

@@ -25,9 +25,11 @@ public:
     DoublePair getInHandle() const;
     DoublePair getOutHandle() const;
 
-private:
-    friend class GraphText;
+    void write(TextOut& out) const;
+    // False where the text does not fit. Without handles both lie on the point.
+    bool read(TextScanner& scanner);
 
+private:
     DoubleXYValue point;
     DoubleXYValue inHandle;  // offsets
     DoubleXYValue outHandle;
@@ -57,6 +59,10 @@ public:
     std::size_t size() const { return points.size(); }
     ShapePoint& operator[](std::size_t index) { return *points[index]; }
     const ShapePoint& operator[](std::size_t index) const { return *points[index]; }
+    // One line per point and per handle. Reading replaces the points.
+    void write(TextOut& out) const;
+    bool read(TextScanner& scanner);
+
     // At the end; the caller keeps x ascending.
     ShapePoint& append();
     // Where its x belongs, behind equal ones; handles on the point.

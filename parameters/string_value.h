@@ -23,6 +23,10 @@ public:
 class PathValue final : public StringValue {
 public:
     using StringValue::StringValue;
+
+protected:
+    void writeValue(TextOut& out) const override;
+    bool readValue(TextScanner& scanner) override;
 };
 
 // Gives the layers their names; supplied by the owner of the layers.
@@ -68,6 +72,10 @@ public:
     // Whether the text form tells the name from the module's base directory.
     bool isRelative() const { return relative; }
     void setRelative(bool newRelative) { relative = newRelative; }
+
+protected:
+    void writeValue(TextOut& out) const override;
+    bool readValue(TextScanner& scanner) override;
 
 private:
     friend class TypedValue<FileNameValue, FileName>;

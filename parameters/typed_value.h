@@ -2,6 +2,7 @@
 
 #include "parameters/parameter_def.h"
 #include "parameters/undo_data.h"
+#include "parameters/value_text.h"
 
 namespace chalkpane {
 
@@ -52,7 +53,26 @@ public:
         set(inherited);
     }
 
+    // The word for whether the value is set, then what it holds.
+    void writeTo(TextOut& out) const {
+        out << " " << isSet;
+        writeValue(out);
+    }
+    void appendText(std::string& target) const override {
+        TextOut out(target);
+        writeTo(out);
+    }
+    void writeToStream(TextSink& target) const override {
+        TextOut out(target);
+        writeTo(out);
+    }
+    // Stores as it reads, without a record; what was read before a failure stays.
+    bool readText(TextScanner& scanner) override { return scanner.readBoolean(isSet) && readValue(scanner); }
+
 protected:
+    virtual void writeValue(TextOut& out) const { writeHeld(out, value); }
+    virtual bool readValue(TextScanner& scanner) { return readHeld(scanner, value); }
+
     explicit TypedValue(const ParameterDef* definition) : ParameterValue(definition) {
         if (definition != nullptr && definition->defaultValue) Value::ask(*definition->defaultValue, value);
     }
