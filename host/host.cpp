@@ -249,6 +249,11 @@ void Host::Render() {
     RenderScene(*m_state);
 }
 
+void Host::SetDrawing(bool on) {
+    if (on && !m_state->drawing) m_state->redraw = true;
+    m_state->drawing = on;
+}
+
 void Host::RunField() {
     DeliverPointer();
     DeliverOperator();

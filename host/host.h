@@ -80,6 +80,10 @@ public:
     [[nodiscard]] ParameterValue GetParameter(ObjectId container, std::string_view name) const;
     [[nodiscard]] bool IsParameterShown(ObjectId container, std::string_view name) const;
 
+    // Off: renders do all that they do but draw, which is most of their work, so fields whose picture nobody reads go by
+    // quickly. On, as at the start: asks for a redraw, so that the next field's picture is whole.
+    void SetDrawing(bool on);
+
     // The picture last rendered; opaque.
     [[nodiscard]] Picture ReadFrame() const;
     // What the module on this container draws, alone and upright, as of the last render. Throws when it has put no

@@ -70,6 +70,7 @@ struct HostState {
     std::deque<QueuedPointer> pointerQueue;
     std::deque<std::variant<QueuedSetting, QueuedAction, QueuedKey>> operatorQueue;
     bool redraw = true;
+    bool drawing = true;
 
     Callback callback = Callback::None;
     Registration* registering = nullptr;  // in PLUGIN_INIT_EX

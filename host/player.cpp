@@ -9,9 +9,12 @@ namespace {
 
 PointerKind KindOf(PointerAction action) {
     switch (action) {
-        case PointerAction::Press: return PointerKind::Press;
-        case PointerAction::Release: return PointerKind::Release;
-        case PointerAction::Move: break;
+        case PointerAction::Press:
+            return PointerKind::Press;
+        case PointerAction::Release:
+            return PointerKind::Release;
+        case PointerAction::Move:
+            break;
     }
     return PointerKind::Move;
 }
@@ -66,7 +69,7 @@ std::vector<ParameterSetting> Player::Settings(const std::vector<SessionValue>& 
     return settings;
 }
 
-Picture Player::ReadPictureAt(const std::string& path, const std::string& place) const {
+kel::Picture Player::ReadPictureAt(const std::string& path, const std::string& place) const {
     try {
         return ReadPicture(m_session.Resolve(path));
     } catch (const Error& error) {
@@ -102,7 +105,7 @@ void Player::CheckButton(const SessionEvent& event, const std::string& name, con
                 "there is no button " + Quoted(name) + NearestHint(name, names));
 }
 
-std::vector<std::string> Player::PlayField() {
+std::vector<std::string> Player::PlayField(Picture picture) {
     for (; m_nextPointer < m_pointer.size() && m_pointer[m_nextPointer].field == m_field; ++m_nextPointer) {
         const PointerStep& step = m_pointer[m_nextPointer];
         m_host.QueuePointer(KindOf(step.action), step.x, step.y);
@@ -115,6 +118,8 @@ std::vector<std::string> Player::PlayField() {
         if (!deed.button.empty()) m_host.PushButton(deed.container, deed.button);
         if (!deed.save.empty()) saves.push_back(deed.save);
     }
+    const bool isLast = m_field + 1 == m_session.fields;
+    m_host.SetDrawing(picture == Picture::Wanted || !saves.empty() || isLast);
     m_host.RunField();
     ++m_field;
     return saves;

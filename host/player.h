@@ -22,8 +22,11 @@ public:
     [[nodiscard]] bool IsOver() const { return m_field >= m_session.fields; }
     [[nodiscard]] std::int64_t NextField() const { return m_field; }
 
-    // Plays the next field and returns the names under which its picture is to be saved.
-    std::vector<std::string> PlayField();
+    enum class Picture { Wanted, NotWanted };
+
+    // Plays the next field and returns the names under which its picture is to be saved. The host's picture is of this
+    // field when it is wanted, when the session saves it, and after the last field; otherwise it is not drawn.
+    std::vector<std::string> PlayField(Picture picture);
 
     // The container whose canvas is the overlay: the first with a plug-in; noObject when there is none.
     [[nodiscard]] ObjectId OverlayContainer() const;
@@ -45,7 +48,7 @@ private:
     void BuildContainer(const SessionContainer& container, const std::filesystem::path& defaultModule);
     const Module& LoadModule(const SessionPlugin& plugin, const std::filesystem::path& defaultModule);
     std::vector<ParameterSetting> Settings(const std::vector<SessionValue>& values, const Module& module);
-    Picture ReadPictureAt(const std::string& path, const std::string& place) const;
+    kel::Picture ReadPictureAt(const std::string& path, const std::string& place) const;
     void PrepareDeed(const SessionEvent& event);
     void CheckButton(const SessionEvent& event, const std::string& name, const Module& module) const;
 

@@ -69,7 +69,8 @@ void Play(const PlayOptions& options) {
         while (!player.IsOver()) {
             if (interrupted != 0) throw CLI::RuntimeError("interrupted", 128 + SIGINT);
             const std::int64_t field = player.NextField();
-            for (const std::string& name : player.PlayField()) outputs.Stage(host.ReadFrame(), SavePath(options, name));
+            const auto saves = player.PlayField(frames ? Player::Picture::Wanted : Player::Picture::NotWanted);
+            for (const std::string& name : saves) outputs.Stage(host.ReadFrame(), SavePath(options, name));
             if (frames) outputs.Stage(host.ReadFrame(), frames->At(field));
             progress.Show(player.NextField());
         }
