@@ -9,6 +9,7 @@
 #include "image/image.h"
 #include "image/rect.h"
 #include "paint/matrix3.h"
+#include "paint/profile_cache.h"
 #include "paint/spline_walk.h"
 #include "parameters/colour.h"
 #include "parameters/data_set.h"
@@ -159,6 +160,7 @@ private:
     float lastDabY = 0.0F;
     float lastDabPressure = 0.0F;
     bool firstDabPending = false;  // the first dab waits until the path has a direction
+    std::shared_ptr<ProfileCache> profileCache = ProfileCache::Shared();  // keeps masks from one source to the next
     std::unique_ptr<BrushSource> source;
     std::vector<std::unique_ptr<Filter>> filters;
     std::uint8_t sourceType = 0;

@@ -2,6 +2,8 @@
 
 #include <doctest/doctest.h>
 
+#include "paint/basic_brush.h"
+#include "paint/brush_source.h"
 #include "paint/feather_brush_profile.h"
 #include "paint/graph_brush_profile.h"
 #include "paint/texture_brush_profile.h"
@@ -79,6 +81,15 @@ TEST_CASE("Whoever holds the cache keeps it between two profiles") {
     CHECK_EQ(cache->Size(), 1);
     cache->Clear();
     CHECK_EQ(cache->Size(), 0);
+}
+
+TEST_CASE("A brush keeps the cache while it changes its source") {
+    BasicBrush brush("Lone");
+    const std::weak_ptr<ProfileCache> cache = ProfileCache::Shared();
+    REQUIRE_FALSE(cache.expired());
+    brush.SetSize(7);
+    CHECK_FALSE(cache.expired());
+    CHECK_EQ(ProfileCache::Shared()->Size(), 2);  // of radius 20 and of radius 7
 }
 
 TEST_CASE("The cache forgets what was not used for longest") {
