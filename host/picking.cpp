@@ -29,9 +29,15 @@ std::optional<Ray> RayThrough(const Matrix& world, const Matrix& camera, WindowS
     return ray;
 }
 
+// A ray nearer to the plane than this share of its length runs within it, and what is seen edge-on is not seen.
+constexpr double edgeOn = 1e-9;
+
 // How far along the ray it meets the rectangle around the origin in the plane z = 0.
 double MeetRectangle(const Ray& ray, const std::array<double, 2>& size) {
-    const double along = ray.nearPoint[2] / (ray.nearPoint[2] - ray.farPoint[2]);
+    const double across = ray.nearPoint[2] - ray.farPoint[2];
+    const double length = std::hypot(ray.nearPoint[0] - ray.farPoint[0], ray.nearPoint[1] - ray.farPoint[1], across);
+    if (!(std::abs(across) > edgeOn * length)) return missed;
+    const double along = ray.nearPoint[2] / across;
     if (!(along >= 0 && along <= 1)) return missed;
     for (std::size_t axis = 0; axis < 2; ++axis) {
         const double at = ray.nearPoint[axis] + along * (ray.farPoint[axis] - ray.nearPoint[axis]);
@@ -55,8 +61,10 @@ ObjectId ContainerUnder(HostState& state, std::int32_t x, std::int32_t y) {
     ObjectId nearest = noObject;
     double shortest = missed;
     state.objects.ForEach<ContainerObject>([&](ObjectId id, const ContainerObject& container) {
-        const auto ray = RayThrough(WorldMatrix(container.placement), camera, state.window, x, y);
-        const double along = ray ? MeetRectangle(*ray, container.placement.size) : missed;
+        Placement placement = container.placement;
+        placement.scale[2] = 1;  // a rectangle has no depth, and a scale of 0 could not be led back
+        const auto ray = RayThrough(WorldMatrix(placement), camera, state.window, x, y);
+        const double along = ray ? MeetRectangle(*ray, placement.size) : missed;
         if (along == missed || along > shortest) return;
         shortest = along;
         nearest = id;
