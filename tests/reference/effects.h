@@ -7,6 +7,7 @@
 #include <map>
 #include <vector>
 
+#include "filters/grain_random.h"
 #include "tests/reference/neighbourhood.h"
 
 // Slow, plain twins of the effects: one pixel at a time, everything looked up where it is needed.
@@ -129,6 +130,130 @@ inline Image Oil(const Image& source, int radius, int levels, bool useIntensity,
     });
     if (source.flag != 0) result.Premultiply(result);
     return result;
+}
+
+// What point filters do around their pixels: alpha out before, and in again behind.
+template <typename PixelFunction>
+Image PointFiltered(const Image& source, const Rect* region, PixelFunction function) {
+    Image result = Like(source, WorkArea(source, region, 0));
+    CopyOfArea(source, result);
+    if (source.IsMask()) return result;
+    if (source.flag != 0) result.Unpremultiply(result);
+    if (source.flag != 0 && source.depth != 0)
+        ForEachChannel(result, [&](int x, int y, int c) {  // no alpha at 14 bits counts as the smallest one
+            if (c != 3 && Get(source, x, y, 3) == 0 && Get(source, x, y, c) != 0) Put(result, x, y, c, 16383);
+        });
+    for (int y = result.y0; y <= result.y1; ++y)
+        for (int x = result.x0; x <= result.x1; ++x) function(result, x, y);
+    if (source.flag != 0) result.Premultiply(result);
+    return result;
+}
+
+// Truncated and limited; what is no number is 0.
+inline int Limited(float value, int max) {
+    if (!(value > 0.0F)) return 0;
+    return value >= static_cast<float>(max) ? max : static_cast<int>(value);
+}
+
+inline Image AddNoise(const Image& source, float level, bool uniform, bool rgb, int density, const Rect* region) {
+    chalkpane::GrainRandom random(0);
+    const float amp = level * (source.depth == 0 ? 255.0F : 32766.0F);
+    const auto noise = [&] {
+        return uniform ? static_cast<float>(random.Next() & 0x7fffu) / 32767.0F - 0.5F : random.Gauss();
+    };
+    return PointFiltered(source, region, [&](Image& image, int x, int y) {
+        if (static_cast<int>(random.Next() % 100u) > density) return;
+        float n = 0.0F;
+        for (int c = 2; c >= 0; --c) {
+            if (c == 2 || rgb) n = noise();
+            Put(image, x, y, c, Limited(static_cast<float>(Get(image, x, y, c)) + n * amp, FullScale(image)));
+        }
+    });
+}
+
+// Point filters that see floats of 0 to 255: function(x, y, a, r, g, b).
+template <typename FloatFunction>
+Image FloatFiltered(const Image& source, const Rect* region, FloatFunction function) {
+    const bool deep = source.depth != 0;
+    return PointFiltered(source, region, [&](Image& image, int x, int y) {
+        std::array<float, 4> v{};
+        for (int c = 0; c < 4; ++c) {
+            const auto stored = static_cast<float>(Get(image, x, y, c));
+            v[static_cast<std::size_t>(c)] = deep ? stored * 0.015564915F : stored;
+        }
+        function(x, y, v[3], v[2], v[1], v[0]);
+        for (int c = 0; c < 4; ++c) {
+            const float scaled = v[static_cast<std::size_t>(c)] * (deep ? 64.24706F : 1.0F);
+            Put(image, x, y, c, Limited(scaled, FullScale(image)));
+        }
+    });
+}
+
+struct HalftoneSettings {
+    int size = 10;
+    float softness = 0.3F;
+    int shape = 0;
+    bool colour = false;
+    std::array<float, 3> angles{};  // red, green, blue; degrees
+};
+
+inline std::vector<int> HalftoneTile(int size, int shape) {
+    std::vector<float> values;
+    for (int j = 0; j < size; ++j)
+        for (int i = 0; i < size; ++i) {
+            const float u = static_cast<float>(2 * i) / static_cast<float>(size) - 1.0F;
+            const float v = static_cast<float>(2 * j) / static_cast<float>(size) - 1.0F;
+            const float d = std::fabs(u) + std::fabs(v);
+            if (shape == 0) values.push_back(std::fabs(v));
+            if (shape == 1) values.push_back(1.0F - (u * u + v * v));
+            if (shape == 2) values.push_back(1.0F - std::max(std::fabs(u), std::fabs(v)));
+            if (shape == 3)
+                values.push_back(d <= 1.0F ? 0.25F * (2.0F * d * d)
+                                           : 0.25F * (2.0F * d * d - 4.0F * (d - 1.0F) * (d - 1.0F)));
+        }
+    std::vector<int> tile;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        if (shape != 1) {
+            tile.push_back(static_cast<int>(values[i] * 254.0F));
+            continue;
+        }
+        std::size_t rank = 0;
+        for (std::size_t k = 0; k < values.size(); ++k)
+            rank += values[k] > values[i] || (values[k] == values[i] && k < i) ? 1u : 0u;
+        tile.push_back(static_cast<int>(rank * 255 / values.size()));
+    }
+    return tile;
+}
+
+inline Image Halftone(const Image& source, const HalftoneSettings& s, const Rect* region) {
+    const auto tile = HalftoneTile(s.size, s.shape);
+    const int h = static_cast<int>(s.softness * 127.0F);
+    const auto size = static_cast<float>(s.size);
+    const auto screened = [&](float level, int x, int y, float angle) {
+        const float sine = std::sin(angle * 0.017453292F);
+        const float cosine = std::cos(angle * 0.017453292F);
+        const auto place = [&](float p) {
+            p -= size * static_cast<float>(static_cast<int>(p / size));
+            if (p < 0.0F) p += size;
+            return static_cast<int>(p) % s.size;
+        };
+        const int i = place(static_cast<float>(x) * cosine + static_cast<float>(y) * sine);
+        const int j = place(static_cast<float>(y) * cosine - static_cast<float>(x) * sine);
+        const int t = tile[static_cast<std::size_t>(j * s.size + i)];
+        if (static_cast<float>(t + h) < level) return 255.0F;
+        if (level < static_cast<float>(t - h)) return 0.0F;
+        return (level - static_cast<float>(t)) * 255.0F / static_cast<float>(2 * h);
+    };
+    return FloatFiltered(source, region, [&](int x, int y, float& /*a*/, float& r, float& g, float& b) {
+        if (s.colour) {
+            r = screened(r, x, y, s.angles[0]);
+            g = screened(g, x, y, s.angles[1]);
+            b = screened(b, x, y, s.angles[2]);
+        } else {
+            const int luma = static_cast<int>(r * 0.299F + g * 0.587F + b * 0.114F);
+            r = g = b = screened(static_cast<float>(luma), x, y, s.angles[0]);
+        }
+    });
 }
 
 }  // namespace reference
