@@ -106,6 +106,50 @@ constexpr std::int32_t Low(std::int64_t value) { return static_cast<std::int32_t
     return _mm256_add_epi32(_mm256_set1_epi32(Low(start)), _mm256_mullo_epi32(columns, _mm256_set1_epi32(Low(step))));
 }
 
+// Sixteen channels of a move.
+struct MoveWeights {
+    __m256i bottom;  // of words
+    __m256i top;
+    __m256i across;  // of pairs
+};
+
+[[gnu::target("avx2")]] inline __m256i LoadWords(const std::uint8_t* bytes) {
+    return _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes)));
+}
+
+[[gnu::target("avx2")]] inline __m256i WeighRows(const std::uint8_t* lower, const std::uint8_t* upper,
+                                                 const MoveWeights& weights) {
+    return _mm256_add_epi16(_mm256_mullo_epi16(LoadWords(lower), weights.bottom),
+                            _mm256_mullo_epi16(LoadWords(upper), weights.top));
+}
+
+template <int channels>
+[[gnu::target("avx2")]] inline void MoveSixteen(const std::uint8_t* lower, const std::uint8_t* upper,
+                                                std::uint8_t* target, const MoveWeights& weights) {
+    const __m256i a = WeighRows(lower, upper, weights);
+    const __m256i b = WeighRows(lower + channels, upper + channels, weights);
+    const __m256i low = WeighPairs(_mm256_unpacklo_epi16(a, b), weights.across);
+    const __m256i high = WeighPairs(_mm256_unpackhi_epi16(a, b), weights.across);
+    const __m256i words = _mm256_packus_epi32(_mm256_srli_epi32(low, 16), _mm256_srli_epi32(high, 16));
+    const __m256i bytes = _mm256_permute4x64_epi64(_mm256_packus_epi16(words, words), 0x08);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(target), _mm256_castsi256_si128(bytes));
+}
+
+template <int channels>
+[[gnu::target("avx2")]] void MoveChannels(const std::uint8_t* lower, const std::uint8_t* upper, std::uint8_t* target,
+                                          std::ptrdiff_t count, const Fractions& f) {
+    constexpr std::ptrdiff_t block = 16;
+    if (count < block) return ResampleMoved<PixelFormat8, channels>(lower, upper, target, count, f);
+    const MoveWeights weights{_mm256_set1_epi16(static_cast<short>(256 - f.y)),
+                              _mm256_set1_epi16(static_cast<short>(f.y)),
+                              PairWeights(_mm256_set1_epi32(static_cast<int>(f.x)))};
+    for (std::ptrdiff_t i = 0; i + block <= count; i += block)
+        MoveSixteen<channels>(lower + i, upper + i, target + i, weights);
+    // The rest over what is done already: the same values again.
+    const std::ptrdiff_t last = count - block;
+    if (count % block != 0) MoveSixteen<channels>(lower + last, upper + last, target + last, weights);
+}
+
 // True when all positions and offsets of the walk fit 32 bits.
 bool IsSmall(const ResampleSource<std::uint8_t>& source) {
     const std::int64_t width = std::int64_t{source.area.x1} - source.area.x0 + 1;
@@ -144,10 +188,9 @@ void VectorInner<PixelFormat8, channels>::Along(const ResampleSource<std::uint8_
 }
 
 template <int channels>
-[[gnu::target("avx2")]] void VectorInner<PixelFormat8, channels>::Moved(const std::uint8_t* lower,
-                                                                        const std::uint8_t* upper, std::uint8_t* target,
-                                                                        std::ptrdiff_t count, const Fractions& f) {
-    ResampleMoved<PixelFormat8, channels>(lower, upper, target, count, f);
+void VectorInner<PixelFormat8, channels>::Moved(const std::uint8_t* lower, const std::uint8_t* upper,
+                                                std::uint8_t* target, std::ptrdiff_t count, const Fractions& f) {
+    MoveChannels<channels>(lower, upper, target, count, f);
 }
 
 template struct VectorInner<PixelFormat8, 1>;

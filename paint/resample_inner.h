@@ -62,24 +62,23 @@ void ResampleAlong(const ResampleSource<typename F::Channel>& source, const Resa
     }
 }
 
-// A pure move: the same fractions along the row, and neighbouring channels side by side in both rows.
+// A pure move: the same fractions along the row, and neighbouring channels side by side in both rows. Whole numbers
+// give the same sum in any order; this one, first up and then across, keeps 8-bit products within 16 bits.
 //
 //   count  channels, not pixels
 template <typename F, int channels>
 [[gnu::always_inline]] inline void ResampleMoved(const typename F::Channel* lower, const typename F::Channel* upper,
                                                  typename F::Channel* target, std::ptrdiff_t count,
                                                  const Fractions& f) {
-    // First up, then across: whole numbers give the same sum either way, and this way the first products of 8-bit
-    // channels stay within 16 bits.
     using Sum = std::conditional_t<F::bits == 8, std::uint16_t, std::uint32_t>;
     const auto top = static_cast<Sum>(f.y);
     const auto bottom = static_cast<Sum>(256 - f.y);
     const auto right = static_cast<Sum>(f.x);
     const auto left = static_cast<Sum>(256 - f.x);
-    const auto column = [&](std::ptrdiff_t i) { return static_cast<Sum>(lower[i] * bottom + upper[i] * top); };
     for (std::ptrdiff_t i = 0; i < count; ++i) {
-        const std::uint32_t a = column(i);
-        const std::uint32_t b = column(i + channels);
+        const std::ptrdiff_t next = i + channels;
+        const std::uint32_t a = static_cast<Sum>(lower[i] * bottom + upper[i] * top);
+        const std::uint32_t b = static_cast<Sum>(lower[next] * bottom + upper[next] * top);
         target[i] = FinishSum<F>(a * left + b * right);
     }
 }
