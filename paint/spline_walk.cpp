@@ -16,7 +16,7 @@ struct WeightTable {
 // t gathers its own rounding: each step adds 0.001 to a 32-bit float. The last of them is just below 1.
 constexpr WeightTable weightTable = [] {
     WeightTable table;
-    for (float step = 0.0F; step <= 1.0; step = static_cast<float>(step + 0.001)) {  // NOLINT: the drift is wanted
+    for (float step = 0.0F; step <= 1.0; step = static_cast<float>(step + 0.001)) {
         const double t = step;
         const double t2 = t * t;
         const double t3 = t2 * t;

@@ -9,13 +9,14 @@ using namespace chalkpane::test;
 
 namespace {
 
+constexpr FilterIdentity identities[] = {
+    {"a", "beta", "Grain"}, {"b", "Alpha", "Grain"},     {"c", "Lonely", ""},
+    {"d", "Blur", "Blurs"}, {"e", "alpha Two", "Grain"}, {"f", "ALPHA", "Grain"},
+};
+
 template <int number>
 class NamedForTest final : public FilterClass<NamedForTest<number>, PointFilter> {
 public:
-    static constexpr FilterIdentity identities[] = {
-        {"a", "beta", "Grain"}, {"b", "Alpha", "Grain"},     {"c", "Lonely", ""},
-        {"d", "Blur", "Blurs"}, {"e", "alpha Two", "Grain"}, {"f", "ALPHA", "Grain"},
-    };
     static constexpr FilterIdentity identity = identities[number];
     static constexpr auto Parameters() { return noParameters<NamedForTest>; }
 };

@@ -18,26 +18,26 @@ constexpr Rect nothing{};
 
 TEST_CASE("the parameters of a brush stand in their order with their defaults") {
     struct Row {
-        int code;
         const char* label;
         const char* name;
+        int code;
         int type;
     };
     const Row rows[] = {
-        {0, "Name", "Brush Name", 11},
-        {1, "Source Type", "Brush Source Type", 8},
-        {2, "File", "Cutout File", 17},
-        {3, "Opacity", "Brush Opacity", 1},
-        {4, "Decay", "Brush Decay", 1},
-        {5, "Spacing", "Brush Spacing", 1},
-        {6, "Adjust Spacing", "Brush Adjust Spacing", 2},
-        {7, "Spacing Type", "Brush Space Type", 8},
-        {8, "Match Path", "Brush Match Path", 2},
-        {9, "Build Up", "Brush Build Up", 2},
-        {10, "Profile Graph", "Profile Graph", 7},
-        {11, "Global Parameters", "Brush Global Parameters", 2},
-        {12, "Blend Mode", "Brush Blend Mode", 8},
-        {13, "Group", "Brush Group", 11},
+        {"Name", "Brush Name", 0, 11},
+        {"Source Type", "Brush Source Type", 1, 8},
+        {"File", "Cutout File", 2, 17},
+        {"Opacity", "Brush Opacity", 3, 1},
+        {"Decay", "Brush Decay", 4, 1},
+        {"Spacing", "Brush Spacing", 5, 1},
+        {"Adjust Spacing", "Brush Adjust Spacing", 6, 2},
+        {"Spacing Type", "Brush Space Type", 7, 8},
+        {"Match Path", "Brush Match Path", 8, 2},
+        {"Build Up", "Brush Build Up", 9, 2},
+        {"Profile Graph", "Profile Graph", 10, 7},
+        {"Global Parameters", "Brush Global Parameters", 11, 2},
+        {"Blend Mode", "Brush Blend Mode", 12, 8},
+        {"Group", "Brush Group", 13, 11},
     };
     const ParameterList& list = BasicBrush::ClassParameters();
     REQUIRE_EQ(list.size(), std::size(rows));

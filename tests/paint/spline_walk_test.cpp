@@ -41,7 +41,10 @@ TEST_CASE("the curve begins near the second sample") {
 TEST_CASE("the walk's parameter gathers the rounding of a 32-bit float") {
     float t = 0.0F;
     int count = 0;
-    for (; t <= 1.0F; t = static_cast<float>(t + 0.001)) ++count;  // NOLINT
+    while (t <= 1.0F) {
+        t = static_cast<float>(t + 0.001);
+        ++count;
+    }
     CHECK_EQ(count, SplineWalk::steps);
     // With samples 0, 0, 0, 6 the point is t * t * t, as a 32-bit float.
     const SplineWalk walk = WalkThrough({{0, 0, 0}, {0, 0, 0}, {0, 0, 0}, {6, 6, 6}});

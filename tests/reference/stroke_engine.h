@@ -98,8 +98,10 @@ private:
         }
         double limit = gap * gap;
         chalkpane::Rect changed;
-        for (float t = 0; t <= 1; t = static_cast<float>(t + 0.001)) {  // NOLINT: so it gathers its rounding
+        float t = 0;
+        while (t <= 1) {
             const double d = t;
+            t = static_cast<float>(t + 0.001);  // and so gathers its rounding
             const auto b0 = static_cast<float>((1 - 3 * d + 3 * d * d - d * d * d) / 6);
             const auto b1 = static_cast<float>((4 - 6 * d * d + 3 * d * d * d) / 6);
             const auto b2 = static_cast<float>((1 + 3 * d + 3 * d * d - 3 * d * d * d) / 6);
