@@ -256,4 +256,134 @@ inline Image Halftone(const Image& source, const HalftoneSettings& s, const Rect
     });
 }
 
+// Keeps the picture's cells by grid row for as long as it likes, and asks for those of one output row in the order of
+// the ring's slots.
+inline Image Voronoi(const Image& source, double s, double q, double edges, const Rect* region) {
+    Image result = Like(source, WorkArea(source, region, 0));
+    if (source.IsMask()) {
+        CopyOfArea(source, result);
+        return result;
+    }
+    struct Point {
+        float x, y;
+    };
+    const double rowH = std::sqrt(3.0) * s * 0.5;
+    const int m = static_cast<int>(std::ceil((2 * q + rowH) / rowH));
+    const int cols = static_cast<int>(std::ceil((2 * q + result.Width()) / s + 4));
+    const int ring = 2 * m + 1;
+    const double jitter = s * q;
+    const double reach2 = (s + jitter) * (s + jitter);
+    const double edge = edges * s;
+    chalkpane::GrainRandom random(190423);
+    const auto shift = [&random] { return (random.Next() & 0x7fffu) / 16384.0; };
+    const auto gridRow = [&](int y) { return static_cast<int>(std::floor(y / rowH)) + m; };
+    std::map<int, std::vector<Point>> grid;
+    const auto makeRow = [&](int k) {
+        double x = (k % 2 == 0 ? s * 0.5 : 0.0) - 2 * s;
+        for (int i = 0; i < cols; ++i, x += s) {
+            const double u = shift();
+            const double v = shift();
+            grid[k].push_back(
+                {static_cast<float>(u * jitter + x + result.x0), static_cast<float>(v * jitter + k * rowH)});
+        }
+    };
+    std::map<int, std::array<int, 4>> colours;  // by column, from row to row
+    for (int x = result.x0; x <= result.x1; ++x) colours[x] = {};
+    for (int y = result.y0; y <= result.y1; ++y) {
+        std::map<int, float> best;
+        std::map<int, float> second;
+        for (int x = result.x0; x <= result.x1; ++x) best[x] = second[x] = 1e9F;
+        std::map<int, int> slots;
+        for (int k = gridRow(y) - 2 * m; k <= gridRow(y); ++k) {
+            if (grid.count(k) == 0) makeRow(k);
+            slots[(k + 10000) % ring] = k;
+        }
+        for (const auto& [slot, k] : slots)
+            for (const Point& p : grid[k]) {
+                const float dy2 = (p.y - static_cast<float>(y)) * (p.y - static_cast<float>(y));
+                if (dy2 > reach2) continue;
+                const double w = std::sqrt(reach2 - dy2);
+                const int first = std::max(static_cast<int>(std::floor(p.x - w)), result.x0);
+                const int last = std::min(static_cast<int>(std::ceil(p.x + w)), result.x1);
+                float d = (p.x - static_cast<float>(first)) * (p.x - static_cast<float>(first)) + dy2;
+                float delta = 1.0F - 2.0F * (p.x - static_cast<float>(first));
+                for (int x = first; x <= last; ++x) {
+                    if (d < best[x]) {
+                        second[x] = best[x];
+                        best[x] = d;
+                        for (int c = 0; c < 4; ++c)
+                            colours[x][static_cast<std::size_t>(c)] = GetClamped(
+                                source, static_cast<int>(std::floor(p.x)), static_cast<int>(std::floor(p.y)), c);
+                    } else if (d < second[x]) {
+                        second[x] = d;
+                    }
+                    d += delta;
+                    if (d < 0.0F) d = 0.0F;
+                    delta += 2.0F;
+                }
+            }
+        const int full = source.depth == 0 ? 256 : 16384;
+        for (int x = result.x0; x <= result.x1; ++x) {
+            int weight = full;
+            const float diff = std::sqrt(second[x]) - std::sqrt(best[x]);
+            if (edge > 0 && diff < edge - 1)
+                weight = 0;
+            else if (edge > 0 && diff < edge)
+                weight = static_cast<int>((diff - (edge - 1)) * full);
+            for (int c = 0; c < 3; ++c) Put(result, x, y, c, colours[x][static_cast<std::size_t>(c)] * weight / full);
+            Put(result, x, y, 3, colours[x][3]);
+        }
+    }
+    return result;
+}
+
+struct GrainSettings {
+    std::array<float, 3> levels{};  // red, green, blue
+    std::array<float, 3> sizes{1.0F, 1.0F, 1.0F};
+    int seed = 0;
+};
+
+// The grain of frame `frame`, drawn for the picture that it lies on.
+inline Image FilmGrain(const Image& source, const GrainSettings& s, int frame) {
+    Image result = Like(source, source.Bounds());
+    CopyOfArea(source, result);
+    if (source.IsMask()) return result;
+    chalkpane::GrainRandom random(static_cast<std::uint32_t>(frame) * 65537u + static_cast<std::uint32_t>(s.seed));
+    std::vector<int> table;
+    for (int i = 0; i < 65536; ++i) table.push_back(static_cast<std::int16_t>(random.Next() & 0xffffu));
+    const int grow = static_cast<int>(*std::max_element(s.sizes.begin(), s.sizes.end()));
+    Rect area = source.Bounds();
+    area.Inflate(grow);
+    std::array<std::map<int, int>, 3> start;
+    std::array<std::map<int, int>, 3> step;
+    for (std::size_t k = 0; k < 3; ++k)
+        for (int y = area.y0; y <= area.y1; ++y) {
+            start[k][y] = static_cast<int>(random.Next() & 0xffffu);
+            step[k][y] = static_cast<int>((random.Next() & 0x7ff0u) + 0x2005u);
+        }
+    const int mid = source.depth == 0 ? 128 : 8192;
+    for (std::size_t k = 0; k < 3; ++k) {
+        if (s.levels[k] < 0.001F) continue;
+        const float amp = std::sqrt(s.sizes[k]) * s.levels[k];
+        const float f = std::min(amp, 1.0F);
+        const float scale = f * 127.0F / 32768.0F;
+        const float gain = amp / f;
+        Image grain(area, Image::maskType, source.depth, 0);
+        ForEachChannel(grain, [&](int x, int y, int c) {
+            const auto place = static_cast<std::uint16_t>(start[k][y] + x * step[k][y]);
+            const float value = static_cast<float>(table[place]) * scale * (source.depth == 0 ? 1.0F : 64.0F);
+            Put(grain, x, y, c, static_cast<int>(std::floor(value + 0.5F)) + mid);
+        });
+        if (s.sizes[k] > 1.0F) grain = SuperSoften(grain, s.sizes[k], 3, nullptr, false);
+        ForEachChannel(result, [&](int x, int y, int c) {
+            if (c != 2 - static_cast<int>(k)) return;
+            const int g = Get(grain, x, y, 0);
+            const int value = Get(result, x, y, c);
+            const int more = gain >= 1.001F ? ((mid - g) * static_cast<int>(gain * 256.0F)) >> 8 : mid - g;
+            Put(result, x, y, c, std::clamp(value + more, 0, FullScale(source)));
+        });
+    }
+    return result;
+}
+
 }  // namespace reference
