@@ -18,6 +18,17 @@
 #include "filters/colour/solarize_effect.h"
 #include "filters/colour/subtract_cc.h"
 #include "filters/colour/tint_filter.h"
+#include "filters/distort/jitter_effect.h"
+#include "filters/distort/marble_effect.h"
+#include "filters/distort/turbulence_effect.h"
+#include "filters/effects/add_noise_effect.h"
+#include "filters/effects/emboss_effect.h"
+#include "filters/effects/film_grain_effect.h"
+#include "filters/effects/halftone_effect.h"
+#include "filters/effects/oil_effect.h"
+#include "filters/effects/pixellate_effect.h"
+#include "filters/effects/redeye_filter.h"
+#include "filters/effects/voronoi_effect.h"
 #include "filters/neighbourhood/dilate_filter.h"
 #include "filters/neighbourhood/edge_detect_filter.h"
 #include "filters/neighbourhood/median_filter.h"
@@ -35,27 +46,14 @@ std::unique_ptr<Filter> Make() {
 // The family, one line a class: `Make<InvertCC>,`.
 const std::vector<MakeFilter>& Family() {
     static const std::vector<MakeFilter> family{
-        Make<AutoEqCC>,
-        Make<BlackWhiteCC>,
-        Make<ChromaCC>,
-        Make<ComponentCC>,
-        Make<RGBChannelCC>,
-        Make<BrightnessCC>,
-        Make<LumaCC>,
-        Make<HueCC>,
-        Make<InvertCC>,
-        Make<SubtractCC>,
-        Make<TintFilter>,
-        Make<ColourDodgeCC>,
-        Make<SolarizeEffect>,
-        Make<PosterizeEffect>,
-        Make<DilateFilter>,
-        Make<Softener>,
-        Make<SuperSoftener>,
-        Make<ThresholdBlur>,
-        Make<MedianFilter>,
-        Make<EdgeDetectFilter>,
-        Make<ColourJitterFilter>,
+        Make<AutoEqCC>,        Make<BlackWhiteCC>,     Make<ChromaCC>,       Make<ComponentCC>,
+        Make<RGBChannelCC>,    Make<BrightnessCC>,     Make<LumaCC>,         Make<HueCC>,
+        Make<InvertCC>,        Make<SubtractCC>,       Make<TintFilter>,     Make<ColourDodgeCC>,
+        Make<PixellateEffect>, Make<TurbulenceEffect>, Make<OilEffect>,      Make<SolarizeEffect>,
+        Make<AddNoiseEffect>,  Make<FilmGrainEffect>,  Make<MarbleEffect>,   Make<EmbossEffect>,
+        Make<VoronoiEffect>,   Make<PosterizeEffect>,  Make<HalftoneEffect>, Make<JitterEffect>,
+        Make<DilateFilter>,    Make<Softener>,         Make<SuperSoftener>,  Make<ThresholdBlur>,
+        Make<MedianFilter>,    Make<EdgeDetectFilter>, Make<RedeyeFilter>,   Make<ColourJitterFilter>,
     };
     return family;
 }

@@ -104,7 +104,7 @@ void AnimatedDoubleXY::componentColour(Colour& out, std::int32_t component) cons
     out = colourOfComponent(component, 2);
 }
 void AnimatedDoubleXY::componentName(std::string& out, std::int32_t component) const {
-    out = component == 0 ? "X" : "Y";
+    out.assign(1, component == 0 ? 'X' : 'Y');
 }
 
 ValuePointer AnimatedColour::clone() const { return makeValue<AnimatedColour>(parameter, undoable, clock); }
