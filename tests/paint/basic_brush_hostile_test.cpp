@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <limits>
+#include <new>
 
 #include "tests/paint/brush_fixture.h"
 
@@ -14,7 +15,65 @@ constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr int maximum = std::numeric_limits<int>::max();
 constexpr int minimum = std::numeric_limits<int>::min();
 
+// Finds no memory where it is told to.
+class StarvedForTest final : public FilterClass<StarvedForTest, Filter> {
+public:
+    static constexpr FilterIdentity identity{"Starved", "Starved", ""};
+    static constexpr auto Parameters() { return std::array<ParameterRow<StarvedForTest>, 0>{}; }
+    void Apply(const Image& /*source*/, std::unique_ptr<Image>& /*result*/, bool /*fast*/, const Rect* /*region*/,
+               bool /*expand*/) override {
+        if (atDabs) throw std::bad_alloc();
+    }
+    [[nodiscard]] Rect InputRegion(const Rect& /*rect*/, const Rect& region) const override {
+        if (atUpdate) throw std::bad_alloc();
+        return region;
+    }
+    bool atUpdate = false;
+    bool atDabs = false;
+};
+
 }  // namespace
+
+TEST_CASE("a brush that found no memory for its source paints nothing until it does") {
+    Image canvas = NewCanvas();
+    BasicBrush brush("Chalk");
+    brush.SetTarget(&canvas);
+    auto filter = std::make_unique<StarvedForTest>();
+    StarvedForTest& starved = *filter;
+    brush.Filters().push_back(std::move(filter));
+    starved.atUpdate = true;
+    brush.SetSize(3);
+    CHECK_EQ(brush.Source(), nullptr);
+    brush.SetColour(whitePaint);
+    ValueOf(brush, 9).setBoolean(true);
+    CHECK_FALSE(brush.BeginStroke(10, 10, 1).IsValid());
+    CHECK_FALSE(brush.ContinueStroke(10, 10, 1).IsValid());
+    CHECK_FALSE(brush.ContinueStroke(40, 10, 1).IsValid());
+    CHECK_FALSE(brush.EndStroke(40, 10, 1).IsValid());
+    CHECK_EQ(PaintedPixels(canvas), 0);
+    starved.atUpdate = false;
+    brush.Update();
+    CHECK(brush.BeginStroke(10, 10, 1).IsValid());
+}
+
+TEST_CASE("a dab that found no memory is left out and the stroke goes on") {
+    Image canvas = NewCanvas();
+    BasicBrush brush("Chalk");
+    brush.SetTarget(&canvas);
+    brush.SetSpacing(2.0, 0);  // of 7 pixels: the dabs do not touch
+    brush.SetSize(3);
+    brush.SetColour(whitePaint);
+    auto filter = std::make_unique<StarvedForTest>();
+    StarvedForTest& starved = *filter;
+    brush.Filters().push_back(std::move(filter));
+    starved.atDabs = true;
+    CHECK_FALSE(brush.BeginStroke(10, 10, 1).IsValid());
+    CHECK_EQ(PaintedPixels(canvas), 0);
+    starved.atDabs = false;
+    CHECK(brush.EndStroke(40, 10, 1).IsValid());
+    CHECK_EQ(Alpha(canvas, 10, 10), 0);
+    CHECK_GT(Alpha(canvas, 24, 10), 0);
+}
 
 TEST_CASE("samples that are no numbers, or too far away, paint nothing and leave the stroke where it was") {
     Image canvas = NewCanvas();
