@@ -2,6 +2,9 @@
 
 #include <cstdint>
 
+// Everything else in the module is hidden.
+#define CHALKPANE_EXPORT __attribute__((visibility("default")))
+
 namespace chalkpane {
 struct PluginInstance;
 }
@@ -12,47 +15,43 @@ struct PluginInstance;
 extern "C" {
 
 // Registers the plug-in and its parameters, once. Returns 0.
-__attribute__((visibility("default"))) std::int32_t PLUGIN_INIT_EX() noexcept;
+CHALKPANE_EXPORT std::int32_t PLUGIN_INIT_EX() noexcept;
 
 // Constructs the fields behind the parameter values, which stay as they are. Allocates nothing. Returns `instance`.
-__attribute__((visibility("default"))) chalkpane::PluginInstance* PLUGIN_INIT_FUNCTION(
-    chalkpane::PluginInstance* instance) noexcept;
+CHALKPANE_EXPORT chalkpane::PluginInstance* PLUGIN_INIT_FUNCTION(chalkpane::PluginInstance* instance) noexcept;
 
 // Ends the instance: deletes the host texture and frees what the fields own.
-__attribute__((visibility("default"))) void PLUGIN_CLEANUP_FUNCTION(chalkpane::PluginInstance* instance) noexcept;
+CHALKPANE_EXPORT void PLUGIN_CLEANUP_FUNCTION(chalkpane::PluginInstance* instance) noexcept;
 
 // Shows and hides parameters to suit the present values. Returns the host's last answer.
-__attribute__((visibility("default"))) std::int32_t PLUGIN_GUI_STATUS(chalkpane::PluginInstance* instance) noexcept;
+CHALKPANE_EXPORT std::int32_t PLUGIN_GUI_STATUS(chalkpane::PluginInstance* instance) noexcept;
 
 // `parameter` counts the registered parameters from 1.
-__attribute__((visibility("default"))) void PLUGIN_CHANGED_CALLBACK(chalkpane::PluginInstance* instance,
-                                                                    std::int32_t parameter) noexcept;
+CHALKPANE_EXPORT void PLUGIN_CHANGED_CALLBACK(chalkpane::PluginInstance* instance, std::int32_t parameter) noexcept;
 
 // `action`: 0 clears, 1 takes back. Without a canvas nothing happens.
-__attribute__((visibility("default"))) void PLUGIN_EXEC_ACTION(chalkpane::PluginInstance* instance,
-                                                               std::int32_t action) noexcept;
+CHALKPANE_EXPORT void PLUGIN_EXEC_ACTION(chalkpane::PluginInstance* instance, std::int32_t action) noexcept;
 
 // One step of the main loop, once for each rendered field.
-__attribute__((visibility("default"))) void PLUGIN_EXEC_PER_FIELD(chalkpane::PluginInstance* instance) noexcept;
+CHALKPANE_EXPORT void PLUGIN_EXEC_PER_FIELD(chalkpane::PluginInstance* instance) noexcept;
 
 // A press (`pressed` not 0) or a release of button 1 at window pixel (x, y), y from the top. `button` and `state` must
 // be 1, or the call does nothing and returns 1. Returns the host's answer to the redraw, or -1 while inactive.
-__attribute__((visibility("default"))) std::int32_t PLUGIN_MOUSE_CALLBACK(chalkpane::PluginInstance* instance,
-                                                                          std::int32_t a, std::int32_t button,
-                                                                          std::int32_t pressed, std::int32_t state,
-                                                                          std::int32_t x, std::int32_t y,
-                                                                          std::int32_t b, std::int32_t c) noexcept;
+CHALKPANE_EXPORT std::int32_t PLUGIN_MOUSE_CALLBACK(chalkpane::PluginInstance* instance, std::int32_t a,
+                                                    std::int32_t button, std::int32_t pressed, std::int32_t state,
+                                                    std::int32_t x, std::int32_t y, std::int32_t b,
+                                                    std::int32_t c) noexcept;
 
 // The keyboard has no function.
-__attribute__((visibility("default"))) void PLUGIN_KEYBOARD_CALLBACK(chalkpane::PluginInstance* instance) noexcept;
+CHALKPANE_EXPORT void PLUGIN_KEYBOARD_CALLBACK(chalkpane::PluginInstance* instance) noexcept;
 
 // Before the container is drawn: uploads what changed and sets combiners, texture matrices and blending.
 // Returns 1 when there is a canvas, else 0. The two last arguments are the host's own business.
-__attribute__((visibility("default"))) std::int32_t PLUGIN_PRE_RENDER_OPENGL(chalkpane::PluginInstance* instance,
-                                                                             std::int32_t word, float value) noexcept;
+CHALKPANE_EXPORT std::int32_t PLUGIN_PRE_RENDER_OPENGL(chalkpane::PluginInstance* instance, std::int32_t word,
+                                                       float value) noexcept;
 
 // After the container is drawn: restores blending. Returns 1.
-__attribute__((visibility("default"))) std::int32_t PLUGIN_POST_RENDER_OPENGL(chalkpane::PluginInstance* instance,
-                                                                              std::int32_t word, float value) noexcept;
+CHALKPANE_EXPORT std::int32_t PLUGIN_POST_RENDER_OPENGL(chalkpane::PluginInstance* instance, std::int32_t word,
+                                                        float value) noexcept;
 
 }  // extern "C"

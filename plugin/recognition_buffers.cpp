@@ -14,8 +14,8 @@ void SizeRecognitionBuffers(PluginInstance& instance, bool wanted) noexcept {
     }
     if (instance.recognitionBuffersReady) return;
     instance.recognitionBuffersReady = WithinMemory([&] {
-        const auto points = static_cast<std::size_t>(instance.canvasWidth * instance.canvasHeight);
-        instance.strokePoints = std::make_unique<Vector3[]>(points);
+        const std::int32_t room = instance.canvasWidth * instance.canvasHeight;
+        instance.strokePoints = std::make_unique<Vector3[]>(static_cast<std::size_t>(room));
         // Not zeroed here: each search clears what it counts in.
         instance.houghAccumulator = std::make_unique_for_overwrite<std::uint32_t[]>(houghCounters);
     });

@@ -54,7 +54,7 @@ enum Gl : std::int32_t {
 
 std::string Words(std::initializer_list<std::int32_t> numbers) {
     std::string text;
-    for (const std::int32_t number : numbers) text += " " + std::to_string(number);
+    for (const std::int32_t number : numbers) text.append(1, ' ').append(std::to_string(number));
     return text;
 }
 std::string Env(std::int32_t name, std::int32_t value) { return "glTexEnvi" + Words({GL_TEXTURE_ENV, name, value}); }

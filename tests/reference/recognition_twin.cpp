@@ -70,10 +70,22 @@ std::vector<Vector3> EllipseVertices(const Ellipse& ellipse, Vector3 centroid, d
         const Vector3 p = EllipsePoint(ellipse, centroid, aspect, x, sign);
         if (Distance(p, vertices.back()) > threshold) vertices.push_back(p);
     };
-    for (double x = a; x > -0.005; x -= 0.01) step(x, 1, brushWidth / 2);
-    for (double x = 0; x > -a - 0.005; x -= 0.01) step(x, 1, brushWidth / 2);
-    for (double x = -a; x < 0.005; x += 0.01) step(x, -1, brushWidth);
-    for (double x = 0; x < a + 0.005; x += 0.01) step(x, -1, brushWidth);
+    const auto walkDown = [&](double x, double limit) {
+        while (x > limit) {
+            step(x, 1, brushWidth / 2);
+            x -= 0.01;
+        }
+    };
+    const auto walkUp = [&](double x, double limit) {
+        while (x < limit) {
+            step(x, -1, brushWidth);
+            x += 0.01;
+        }
+    };
+    walkDown(a, -0.005);
+    walkDown(0, -a - 0.005);
+    walkUp(-a, 0.005);
+    walkUp(0, a + 0.005);
     vertices.push_back(ends);
     return vertices;
 }
@@ -88,7 +100,8 @@ Circle VoteForCircles(std::span<const Vector3> points) {
         }
     }
     double radius = diameter * 0.5 + 0.1;
-    if (canvas / 4 < radius) radius = canvas * 0.25;
+    const int quarter = canvas / 4;
+    if (quarter < radius) radius = canvas * 0.25;
     std::vector<std::uint32_t> accumulator(256 * 256 * 256);
     Circle best;
     for (const Vector3& p : points) {
@@ -102,7 +115,8 @@ Circle VoteForCircles(std::span<const Vector3> points) {
                 const double dist = Distance(q, p);
                 const int k = static_cast<int>(dist + 0.5) * 256 / canvas;
                 if (k >= 256 || !(dist < radius)) continue;
-                auto& counter = accumulator[static_cast<std::size_t>(((i * 256) + j) * 256 + k)];
+                const int cell = ((i * 256) + j) * 256 + k;
+                auto& counter = accumulator[static_cast<std::size_t>(cell)];
                 ++counter;
                 if (counter > best.count) best = {counter, q.x, q.y, dist};
             }
