@@ -96,6 +96,22 @@ TEST_CASE("the vector forms keep inside their row") {
     }
 }
 
+TEST_CASE("even coverage gives what a mask of that value gives") {
+    std::mt19937 random(4);
+    for (const std::size_t count : {0U, 1U, 127U, 128U, 129U, 300U}) {
+        Bytes source(4 * count);
+        Bytes target(4 * count);
+        for (auto* bytes : {&source, &target})
+            for (auto& byte : *bytes) byte = static_cast<std::uint8_t>(random());
+        Bytes plain = target;
+        const std::uint8_t mask = 77;
+        OverRow8Plain(plain.data(), source.data(), &mask, 0, static_cast<std::ptrdiff_t>(count), 200);
+        OverRow8(target.data(), source.data(), &mask, 0, static_cast<std::ptrdiff_t>(count), 200);
+        CAPTURE(count);
+        CHECK(plain == target);
+    }
+}
+
 TEST_CASE("the vector form of the erase row is equal on every input") {
     if (!HasAvx2()) return;
     constexpr std::size_t pixels = 256 * 64;  // each mask value with each channel value
