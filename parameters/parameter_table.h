@@ -177,9 +177,6 @@ public:
         }
     }
 
-protected:
-    ~WithParameters() = default;
-
 private:
     template <typename Field>
     void Store(ParameterValue& value, ParameterType type, Field field) {

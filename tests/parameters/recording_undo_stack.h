@@ -8,7 +8,8 @@
 
 namespace chalkpane {
 
-// An undo stack as a program would plug one in: every record is a step of its own. Plugged in while it lives; drops its
+// An undo stack as a program would plug one in, but that every record is a step of its own: a program undoes all
+// records of an edit together, and so must a test before it drops the undone side. Plugged in while it lives; drops its
 // records while the values that they belong to still stand.
 class RecordingUndoStack final : public UndoStack {
 public:
