@@ -55,9 +55,6 @@ public:
         return known ? choices[static_cast<std::size_t>(index)] : std::string_view();
     }
 
-protected:
-    ~FilterClass() = default;
-
 private:
     [[nodiscard]] const Self& AsSelf() const { return static_cast<const Self&>(*this); }
 

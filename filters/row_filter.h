@@ -36,9 +36,6 @@ public:
         AsSelf().template Row<PixelFormat14>(pixels);
     }
 
-protected:
-    ~RowFilter() = default;
-
 private:
     [[nodiscard]] const Self& AsSelf() const { return static_cast<const Self&>(*this); }
 };
