@@ -69,8 +69,7 @@ void TextScanner::skipBlanks() {
 }
 
 bool TextScanner::nextToken() {
-    if (pending) return true;
-    malformed = false;
+    if (pending || malformed) return pending;  // behind a malformed token nothing can be trusted
     skipBlanks();
     if (current == endOfInput) return false;
     pending = readToken();

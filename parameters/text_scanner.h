@@ -49,7 +49,7 @@ public:
     bool expectPoint();
 
     std::int32_t getLineNumber() const { return lineNumber; }
-    // True when the last token could not be read although the input had not ended.
+    // True once a token could not be read although the input had not ended; nothing is read after that.
     bool isMalformed() const { return malformed; }
     // True when nothing is left but white space and comments.
     bool isAtEnd() { return !nextToken() && !malformed; }
