@@ -137,7 +137,8 @@ void RenderContainer(HostState& state, ContainerObject& container, const Matrix&
     Prepare(state, container, camera);
     Instance* instance = container.instance.get();
     if (instance != nullptr) CallRender(state, *instance, Callback::PreRender, &EntryPoints::preRender);
-    if (container.placement.size[0] > 0 && container.placement.size[1] > 0) DrawRectangle(container.placement.size);
+    const bool hasArea = container.placement.size[0] > 0 && container.placement.size[1] > 0;
+    if (state.drawing && hasArea) DrawRectangle(container.placement.size);
     if (instance != nullptr) CallRender(state, *instance, Callback::PostRender, &EntryPoints::postRender);
 }
 
