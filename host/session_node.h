@@ -44,7 +44,7 @@ private:
 };
 
 // One key of an object and how it is read into a T. Objects are read in the order of their table, whatever the order in
-// the file; a key without a reader is accepted and says nothing to this program.
+// the file.
 template <typename T>
 struct SessionKey {
     std::string_view name;
@@ -63,7 +63,7 @@ void ReadKeys(const SessionNode& node, std::span<const SessionKey<T>> keys, T& i
     for (const auto& key : keys) {
         if (!node.Has(key.name)) {
             if (key.required) node.Refuse(Quoted(key.name) + " is missing");
-        } else if (key.read) {
+        } else {
             key.read(node.Member(key.name), into);
         }
     }

@@ -257,7 +257,7 @@ void ReadLength(const SessionNode& node, Session& session) {
 
 // Later rows rely on earlier ones: events name containers, and the length is held against the events.
 constexpr auto sessionKeys = std::to_array<SessionKey<Session>>({
-    {"$schema", false, nullptr},
+    {"$schema", false, [](const auto& node, auto&) { (void)node.Text(); }},
     {"window", true,
      [](const auto& node, auto& session) { ReadKeys<SessionWindow>(node, windowKeys, session.window); }},
     {"fieldsPerSecond", false, [](const auto& node, auto& session) { session.fieldsPerSecond = node.Number(1, 1000); }},

@@ -19,12 +19,18 @@ public:
 
     [[nodiscard]] ParameterValue Read() const {
         switch (m_parameter.kind) {
-            case ParameterKind::Bool: return std::int32_t{Get<bool>("must be true or false")};
-            case ParameterKind::Int: return Whole();
-            case ParameterKind::Float: return Real();
-            case ParameterKind::Colour: return Colour();
-            case ParameterKind::Image: return Get<std::string>("must be the path of a picture, or \"\" for none");
-            case ParameterKind::Radio: return Option();
+            case ParameterKind::Bool:
+                return std::int32_t{Get<bool>("must be true or false")};
+            case ParameterKind::Int:
+                return Whole();
+            case ParameterKind::Float:
+                return Real();
+            case ParameterKind::Colour:
+                return Colour();
+            case ParameterKind::Image:
+                return Get<std::string>("must be the path of a picture, or \"\" for none");
+            case ParameterKind::Radio:
+                return Option();
         }
         throw std::string("is of a kind that sessions cannot write");
     }

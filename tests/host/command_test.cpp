@@ -1,0 +1,331 @@
+#include <doctest/doctest.h>
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <nlohmann/json.hpp>
+#include <regex>
+
+#include "host/picture.h"
+#include "tests/host/pixels.h"
+#include "tests/host/session_text.h"
+#include "tests/host/temporary_folder.h"
+
+// The programs themselves, run as an operator runs them.
+
+namespace kel {
+namespace {
+
+using nlohmann::json;
+using testing::PlainSession;
+using testing::TemporaryFolder;
+
+struct Ended {
+    int exitCode = -1;
+    std::string output;
+    std::string complaint;
+};
+
+// A folder with a session and an image in it, and the program run there.
+class Desk {
+public:
+    explicit Desk(const json& session = PlainSession()) { Write("s.json", session.dump()); }
+
+    void Write(const std::string& name, const std::string& text) const { testing::WriteText(m_folder / name, text); }
+
+    // arguments: as the shell reads them
+    [[nodiscard]] Ended Run(const std::string& arguments, const std::string& program = KEL_PROGRAM) const {
+        const TemporaryFolder results;
+        const std::string command = "cd '" + m_folder.Path().string() + "' && '" + program + "' " + arguments + " >'" +
+                                    (results / "out").string() + "' 2>'" + (results / "err").string() + "'";
+        const int status = std::system(command.c_str());
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, testing::ReadText(results / "out"),
+                testing::ReadText(results / "err")};
+    }
+
+    [[nodiscard]] bool Has(const std::string& name) const { return std::filesystem::exists(m_folder / name); }
+    [[nodiscard]] Picture Open(const std::string& name) const { return ReadPicture(m_folder / name); }
+    [[nodiscard]] std::ptrdiff_t Entries() const { return m_folder.Entries(); }
+    [[nodiscard]] std::string Path(const std::string& name) const { return (m_folder / name).string(); }
+
+private:
+    TemporaryFolder m_folder;
+};
+
+// Bad input ends with exit code 2 and this one line, and no file has appeared.
+void CheckRefused(const Desk& desk, const std::string& arguments, const std::string& line) {
+    const std::ptrdiff_t entries = desk.Entries();
+    const Ended ended = desk.Run(arguments);
+    CHECK_EQ(ended.complaint, "kel: " + line + "\n");
+    CHECK_EQ(ended.exitCode, 2);
+    CHECK_EQ(ended.output, "");
+    CHECK_EQ(desk.Entries(), entries);
+}
+
+// The same where the reason is the system's or another program's own.
+void CheckRefusedLike(const Desk& desk, const std::string& arguments, const std::string& pattern) {
+    const std::ptrdiff_t entries = desk.Entries();
+    const Ended ended = desk.Run(arguments);
+    CAPTURE(ended.complaint);
+    CHECK(std::regex_match(ended.complaint, std::regex("kel: " + pattern + "\n")));
+    CHECK_EQ(ended.exitCode, 2);
+    CHECK_EQ(desk.Entries(), entries);
+}
+
+json SessionWith(const char* pointer, const json& value) {
+    json session = PlainSession();
+    session[json::json_pointer(pointer)] = value;
+    return session;
+}
+
+// A pixel of the small window is 16 of the canvas, so its middle lies up to 8 beside the middle of a soft pen.
+constexpr int besideTheMiddle = 8;
+
+const json redStroke = {{{"field", 1}, {"set", {{"BrushColor", "#ff0000"}, {"BrushWidth", 30}}}},
+                        {{"field", 2}, {"fields", 8}, {"stroke", {{16, 32}, {48, 32}}}}};
+
+// Runs kel with standard error on a terminal and returns what it wrote there.
+std::string RunOnTerminal(const Desk& desk, const std::string& arguments) {
+    const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK);
+    REQUIRE_GE(terminal, 0);
+    REQUIRE_EQ(grantpt(terminal), 0);
+    REQUIRE_EQ(unlockpt(terminal), 0);
+    const std::string name = ptsname(terminal);
+    const int other = open(name.c_str(), O_RDWR | O_NOCTTY);  // keeps what was written until it is read
+    REQUIRE_GE(other, 0);
+    const std::string command =
+        "cd '" + desk.Path("") + "' && '" + KEL_PROGRAM + "' " + arguments + " 2>'" + name + "'";
+    REQUIRE_EQ(std::system(command.c_str()), 0);
+    std::string text(4096, '\0');
+    const ssize_t count = read(terminal, text.data(), text.size());
+    text.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
+    close(other);
+    close(terminal);
+    return text;
+}
+
+}  // namespace
+
+TEST_CASE("kel info shows a table of parameters and one of buttons") {
+    const Desk desk;
+    const Ended ended = desk.Run("info " CHALKPANE_MODULE);
+    CHECK_EQ(ended.exitCode, 0);
+    CHECK_EQ(ended.complaint, "");
+    CHECK(
+        ended.output.starts_with("Chalkpane: plug-in type 2, folder \"Texture\", instance block of 1392 bytes\n\n"
+                                 "#   parameter     label               kind   default    values\n"
+                                 "1   Active        Active              bool   true\n"
+                                 "2   TexUnit       Texture             int    1          0 .. 2\n"));
+    CHECK_NE(ended.output.find("4   Alpha         Alpha               float  100        0 .. 100      hidden\n"),
+             std::string::npos);
+    CHECK_NE(ended.output.find("5   BrushType     Brush Type          radio  Color      Color, Erase\n"),
+             std::string::npos);
+    CHECK_NE(ended.output.find("9   BrushColor    Brush Color         color  #000000f0\n"), std::string::npos);
+    CHECK(ended.output.ends_with("\n\nbutton  label  action\nClear   Clear  0\nUndo    Undo   1\n"));
+}
+
+TEST_CASE("kel info --json says the same to programs") {
+    const Desk desk;
+    const Ended ended = desk.Run("info --json " CHALKPANE_MODULE);
+    CHECK_EQ(ended.exitCode, 0);
+    const json info = json::parse(ended.output);
+    CHECK_EQ(info["name"], "Chalkpane");
+    CHECK_EQ(info["type"], 2);
+    CHECK_EQ(info["folder"], "Texture");
+    CHECK_EQ(info["blockSize"], 1392);
+    REQUIRE_EQ(info["parameters"].size(), 20);
+    CHECK_EQ(info["parameters"][0],
+             json::parse(R"({"name": "Active", "label": "Active", "kind": "bool", "default": true, "hidden": false})"));
+    CHECK_EQ(info["parameters"][4], json::parse(R"({"name": "BrushType", "label": "Brush Type", "kind": "radio",
+        "default": "Color", "options": ["Color", "Erase"], "hidden": false})"));
+    CHECK_EQ(info["parameters"][6], json::parse(R"({"name": "BrushWidth", "label": "Brush Width", "kind": "int",
+        "default": 5, "minimum": 1, "maximum": 30, "hidden": false})"));
+    CHECK_EQ(info["parameters"][3]["hidden"], true);
+    CHECK_EQ(info["buttons"][1], json::parse(R"({"name": "Undo", "label": "Undo", "action": 1})"));
+}
+
+TEST_CASE("kel play writes the last picture and the strokes alone") {
+    const Desk desk(SessionWith("/events", redStroke));
+    const Ended ended = desk.Run("play s.json --out out.png --overlay overlay.png");
+    CHECK_EQ(ended.exitCode, 0);
+    CHECK_EQ(ended.output, "");
+    CHECK_EQ(ended.complaint, "");
+    const Picture out = desk.Open("out.png");
+    CHECK_EQ(out.width, 64);
+    CHECK_LE(testing::Difference(out.At(32, 32), testing::red), besideTheMiddle);
+    CHECK_EQ(testing::Difference(out.At(32, 10), testing::white), 0);
+    const Picture overlay = desk.Open("overlay.png");
+    CHECK_EQ(overlay.width, 1024);
+    CHECK_LE(testing::Difference(overlay.At(512, 511), testing::red), 3);  // the densest that a dab gets
+    CHECK_EQ(overlay.At(512, 200)[3], 0);
+    CHECK_EQ(desk.Entries(), 3);
+}
+
+TEST_CASE("kel play numbers its frames from 0") {
+    const Desk desk(SessionWith("/events", redStroke));
+    CHECK_EQ(desk.Run("play s.json --frames f%03d.png --out out.png").exitCode, 0);
+    CHECK_EQ(desk.Entries(), 22);
+    CHECK_EQ(testing::Difference(desk.Open("f000.png").At(32, 32), testing::white), 0);
+    CHECK_EQ(desk.Open("f019.png") == desk.Open("out.png"), true);
+    // Half way at field 6; the ball of the pen is far from the right end, window pixel 48.
+    CHECK_LE(testing::Difference(desk.Open("f006.png").At(24, 32), testing::red), besideTheMiddle);
+    CHECK_EQ(testing::Difference(desk.Open("f006.png").At(46, 32), testing::white), 0);
+}
+
+TEST_CASE("kel play writes what a session saves, where it is told to") {
+    json events = redStroke;
+    events.push_back({{"field", 0}, {"save", "before.png"}});
+    events.push_back({{"field", 10}, {"save", "after.jpg"}});
+    const Desk desk(SessionWith("/events", events));
+    std::filesystem::create_directory(desk.Path("saved"));
+    CHECK_EQ(desk.Run("play s.json --saves saved").exitCode, 0);
+    CHECK_EQ(testing::Difference(desk.Open("saved/before.png").At(32, 32), testing::white), 0);
+    const auto after = desk.Open("saved/after.jpg").At(32, 32);
+    CHECK_GT(after[0], after[1] + 200);  // JPEG is not exact
+    CHECK_EQ(desk.Entries(), 2);
+}
+
+TEST_CASE("kel play replaces what stood there only when all went well") {
+    const Desk good(SessionWith("/events", redStroke));
+    good.Write("out.png", "old");
+    CHECK_EQ(good.Run("play s.json --out out.png").exitCode, 0);
+    CHECK_EQ(good.Open("out.png").width, 64);
+
+    const Desk bad(SessionWith("/fields", 0));
+    bad.Write("out.png", "old");
+    CHECK_EQ(bad.Run("play s.json --out out.png").exitCode, 2);
+    CHECK_EQ(testing::ReadText(bad.Path("out.png")), "old");
+}
+
+TEST_CASE("kel play counts fields on a terminal and is silent elsewhere") {
+    const Desk desk;
+    const std::string shown = RunOnTerminal(desk, "play s.json --out out.png");
+    CAPTURE(shown);
+    CHECK_NE(shown.find("field 20 of 20"), std::string::npos);
+    CHECK(shown.ends_with("\r\033[K"));
+    CHECK_EQ(desk.Run("play s.json --out out.png").complaint, "");
+}
+
+TEST_CASE("A command line that makes no sense is one line and exit code 2") {
+    const Desk desk;
+    CheckRefusedLike(desk, "", "command line: .*");
+    CheckRefusedLike(desk, "paint", "command line: .*");
+    CheckRefusedLike(desk, "play", "command line: .*session.*");
+    CheckRefusedLike(desk, "play s.json --ot out.png", "command line: .*--ot.*");
+    CheckRefusedLike(desk, "play s.json --out", "command line: .*--out.*");
+    CheckRefusedLike(desk, "info", "command line: .*module.*");
+    const Ended help = desk.Run("--help");
+    CHECK_EQ(help.exitCode, 0);
+    CHECK_NE(help.output.find("play"), std::string::npos);
+}
+
+TEST_CASE("A session that is no session is refused with file, place and reason") {
+    const Desk desk;
+    CheckRefused(desk, "play none.json --out o.png", "none.json: cannot be read: No such file or directory");
+    CheckRefused(desk, "play . --out o.png", ".: is a folder");
+    desk.Write("b.json", "{\"window\": {\n}, x}");
+    CheckRefusedLike(desk, "play b.json --out o.png", "b\\.json: line 2, column 4: syntax error.*");
+    desk.Write("b.json", SessionWith("/camera/postion", 1).dump());
+    CheckRefused(desk, "play b.json --out o.png", "b.json: /camera/postion: unknown key; did you mean \"position\"?");
+    desk.Write("b.json", SessionWith("/window/width", "64").dump());
+    CheckRefused(desk, "play b.json --out o.png",
+                 "b.json: /window/width: must be a whole number from 1 to 8192, not the text \"64\"");
+    desk.Write("b.json", SessionWith("/containers/0", json::object()).dump());
+    CheckRefused(desk, "play b.json --out o.png", "b.json: /containers/0: \"size\" is missing");
+}
+
+TEST_CASE("What does not fit the module is refused with file, place and reason") {
+    const Desk desk;
+    const auto check = [&](const char* pointer, const json& value, const std::string& line) {
+        desk.Write("b.json", SessionWith(pointer, value).dump());
+        CheckRefused(desk, "play b.json --out o.png", line);
+    };
+    check("/containers/0/plugin/parameters", {{"BrushWidth", 31}},
+          "b.json: /containers/0/plugin/parameters/BrushWidth: must be from 1 to 30, not 31");
+    check("/containers/0/plugin/parameters", {{"BrushWdth", 3}},
+          "b.json: /containers/0/plugin/parameters/BrushWdth: unknown parameter; did you mean \"BrushWidth\"?");
+    check("/containers/0/plugin/parameters", {{"BrushType", "Colour"}},
+          "b.json: /containers/0/plugin/parameters/BrushType: has no option \"Colour\"; did you mean \"Color\"?");
+    check("/events/0", {{"field", 1}, {"button", "Clean"}},
+          "b.json: /events/0/button: there is no button \"Clean\"; did you mean \"Clear\"?");
+    check("/containers/0/picture", "none.png",
+          "b.json: /containers/0/picture: none.png: cannot be read: No such file or directory");
+}
+
+TEST_CASE("A key with a line break in its name is still one line") {
+    const Desk desk(SessionWith("/two\nlines", 1));
+    CheckRefusedLike(desk, "play s.json", "s\\.json: /two lines: unknown key.*");
+}
+
+TEST_CASE("A module that is none is refused with its file and the reason") {
+    const Desk desk;
+    desk.Write("text.qop", "no module");
+    CheckRefused(desk, "info none.qop", "none.qop: there is no such module");
+    CheckRefusedLike(desk, "info text.qop", "text\\.qop: does not load: .*");
+    CheckRefused(desk, "info " MOUSELESS_MODULE, MOUSELESS_MODULE ": lacks the entry point PLUGIN_MOUSE_CALLBACK");
+    CheckRefused(desk, "play s.json --out o.png --module none.qop", "none.qop: there is no such module");
+    CheckRefusedLike(desk, "play s.json --out o.png --module text.qop", "text\\.qop: does not load: .*");
+    CheckRefused(desk, "play s.json --out o.png --module " MOUSELESS_MODULE,
+                 MOUSELESS_MODULE ": lacks the entry point PLUGIN_MOUSE_CALLBACK");
+}
+
+TEST_CASE("An output that cannot be written is refused before anything is played") {
+    const Desk desk;
+    std::filesystem::create_directory(desk.Path("folder.png"));
+    CheckRefused(desk, "play s.json --out none/o.png", "none/o.png: cannot be written: there is no folder none");
+    CheckRefused(desk, "play s.json --out folder.png", "folder.png: cannot be written: it is a folder");
+    CheckRefused(desk, "play s.json --out o.gif", "o.gif: pictures end in .png, .jpg or .jpeg");
+    CheckRefused(desk, "play s.json --out o.png --overlay ./o.png", "./o.png: two outputs have this name");
+    CheckRefused(desk, "play s.json --frames none/f%05d.png",
+                 "none/f00000.png: cannot be written: there is no folder none");
+}
+
+TEST_CASE("An output that fails at the end leaves no other behind") {
+    const Desk desk;
+    const Ended ended = desk.Run("play s.json --out o.png --overlay /proc/overlay.png");
+    CHECK_EQ(ended.exitCode, 2);
+    CHECK(ended.complaint.starts_with("kel: /proc/overlay.png: "));
+    CHECK_EQ(desk.Entries(), 1);
+}
+
+TEST_CASE("The pattern of frames has exactly one padded number, in the file's name") {
+    const Desk desk;
+    std::filesystem::create_directory(desk.Path("d%02d"));
+    for (const char* pattern : {"f.png", "f%d.png", "f%5d.png", "f%0d.png", "f%05d%05d.png", "f%05x.png", "f%%05d.png",
+                                "f%012d.png", "d%02d/f.png", "f%05"})
+        CheckRefused(desk, std::string("play s.json --frames ") + pattern,
+                     std::string(pattern) + ": must have one number such as %05d in the file's name");
+}
+
+TEST_CASE("An overlay needs a container with a plug-in") {
+    const Desk desk(SessionWith("/containers/0", {{"size", {100, 100}}}));
+    CheckRefused(desk, "play s.json --overlay o.png",
+                 "s.json: /containers: no container has a plug-in, so there is no overlay");
+    CHECK_EQ(desk.Run("play s.json --out o.png").exitCode, 0);
+    CHECK_EQ(testing::Difference(desk.Open("o.png").At(32, 32), testing::white), 0);
+}
+
+TEST_CASE("The examples' pitch is the one that make_pitch draws") {
+    const Desk desk;
+    CHECK_EQ(desk.Run("pitch.png", KEL_MAKE_PITCH).exitCode, 0);
+    CHECK_EQ(desk.Open("pitch.png") == ReadPicture(KEL_SOURCE_FOLDER "/examples/pitch.png"), true);
+}
+
+TEST_CASE("All examples play") {
+    for (const auto& entry : std::filesystem::directory_iterator(KEL_SOURCE_FOLDER "/examples")) {
+        if (entry.path().extension() != ".json") continue;
+        const Desk desk;
+        CAPTURE(entry.path().string());
+        const Ended ended = desk.Run("play " + entry.path().string() + " --out o.png --overlay overlay.png");
+        CHECK_EQ(ended.exitCode, 0);
+        CHECK_EQ(ended.complaint, "");
+        CHECK_EQ(desk.Open("o.png").width, 1280);
+        const auto overlay = desk.Open("overlay.png").rgba;
+        std::size_t painted = 0;
+        for (std::size_t i = 3; i < overlay.size(); i += 4) painted += overlay[i] > 127 ? 1 : 0;
+        CHECK_GT(painted, 1000);
+    }
+}
+
+}  // namespace kel
