@@ -38,9 +38,13 @@ FrameBuffer::~FrameBuffer() {
     glDeleteRenderbuffers(1, &m_depth);
 }
 
-void FrameBuffer::BindAndClear() const {
+void FrameBuffer::Bind() const {
     glBindFramebuffer(GL_FRAMEBUFFER, m_frame);
     glViewport(0, 0, m_width, m_height);
+}
+
+void FrameBuffer::BindAndClear() const {
+    Bind();
     glClearColor(0, 0, 0, 1);
     glDepthMask(GL_TRUE);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);

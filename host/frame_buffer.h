@@ -16,6 +16,7 @@ public:
     FrameBuffer(FrameBuffer&&) = delete;
     FrameBuffer& operator=(FrameBuffer&&) = delete;
 
+    void Bind() const;
     void BindAndClear() const;           // black and as far away as can be
     [[nodiscard]] Picture Read() const;  // opaque
 

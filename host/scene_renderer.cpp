@@ -147,7 +147,12 @@ void RenderContainer(HostState& state, ContainerObject& container, const Matrix&
 void RenderScene(HostState& state) {
     const Matrix camera = CurrentCameraMatrix(state);
     ResetState();
-    state.frame->BindAndClear();
+    // Without a picture to draw the clearing goes too: every upload would wait for it.
+    if (state.drawing) {
+        state.frame->BindAndClear();
+    } else {
+        state.frame->Bind();
+    }
     state.objects.ForEach<ContainerObject>(
         [&](ObjectId, ContainerObject& container) { RenderContainer(state, container, camera); });
 }
