@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+
 #include "filters/row_filter.h"
 
 namespace chalkpane {
@@ -22,7 +24,9 @@ public:
 
     template <typename F>
     void Row(std::span<typename F::Channel> pixels) const {
-        const std::int32_t threshold = Truncated(m_amount * static_cast<float>(F::fullScale));
+        // Far beyond the scale one threshold is like another.
+        const std::int32_t threshold =
+            std::clamp(Truncated(m_amount * static_cast<float>(F::fullScale)), -1000000, 1000000);
         for (std::size_t i = 0; i + 3 < pixels.size(); i += 4) {
             for (std::size_t c = i; c < i + 3; ++c) {
                 const std::int32_t above = pixels[c] - threshold;
