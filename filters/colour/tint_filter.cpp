@@ -53,7 +53,8 @@ TintFilter::Tint TintFilter::MakeTint(const Colour& colour, std::int32_t fullSca
             const float missing = static_cast<float>(luma - reached) / static_cast<float>(fullScale - reached) * m_keep;
             const auto lift = [missing, fullScale](std::int32_t component) {
                 const float room = static_cast<float>(fullScale) + 0.49F - static_cast<float>(component);
-                return std::clamp(component + Truncated(missing * room + 0.5F), 0, fullScale);
+                return std::clamp(component + std::clamp(Truncated(missing * room + 0.5F), -65536, 65536), 0,
+                                  fullScale);
             };
             red = lift(red);
             green = lift(green);
