@@ -64,9 +64,10 @@ TEST_CASE("The stack of the manual undoes and redoes") {
 }
 
 TEST_CASE("The stack of the manual is the one that is tested") {
-    const std::filesystem::path here(__FILE__);
-    const std::string manual = Contents(here.parent_path() / "../../docs/parameters.md");
-    CHECK_EQ(Between(manual, "```cpp\n", "```"), Between(Contents(here), "// [example]\n", "// [example]"));
+    const std::filesystem::path root(CHALKPANE_SOURCE_FOLDER);
+    const std::string manual = Contents(root / "docs/parameters.md");
+    const std::string test = Contents(root / "tests/parameters/undo_stack_example_test.cpp");
+    CHECK_EQ(Between(manual, "```cpp\n", "```"), Between(test, "// [example]\n", "// [example]"));
 }
 
 }  // namespace
