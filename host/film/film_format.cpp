@@ -1,0 +1,48 @@
+#include "host/film/film_format.h"
+
+#include <algorithm>
+#include <cctype>
+#include <string>
+
+namespace kel {
+namespace {
+
+constexpr std::array formats{
+    FilmFormat{".mov", "mov", "qtrle", AV_PIX_FMT_RGB24, AV_PIX_FMT_ARGB, true, 25, {}},
+    FilmFormat{".mkv",
+               "matroska",
+               "ffv1",
+               AV_PIX_FMT_0RGB32,
+               AV_PIX_FMT_RGB32,
+               true,
+               1,
+               {{{"level", "3"}, {"slices", "4"}, {"slicecrc", "1"}}}},
+    FilmFormat{".mp4",
+               "mp4",
+               "libx264",
+               AV_PIX_FMT_YUV420P,
+               AV_PIX_FMT_NONE,
+               false,
+               50,
+               {{{"preset", "veryfast"}, {"crf", "16"}}}},
+    FilmFormat{".webm",
+               "webm",
+               "libvpx-vp9",
+               AV_PIX_FMT_YUV420P,
+               AV_PIX_FMT_NONE,
+               false,
+               50,
+               {{{"deadline", "realtime"}, {"cpu-used", "6"}, {"crf", "16"}, {"b", "0"}}}},
+};
+
+}  // namespace
+
+const FilmFormat* FormatOfFilm(const std::filesystem::path& file) {
+    std::string ending = file.extension().string();
+    std::ranges::transform(ending, ending.begin(), [](unsigned char letter) { return std::tolower(letter); });
+    const auto* const found =
+        std::ranges::find(formats, ending, [](const FilmFormat& format) { return std::string(format.ending); });
+    return found == formats.end() ? nullptr : found;
+}
+
+}  // namespace kel

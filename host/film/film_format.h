@@ -1,0 +1,30 @@
+#pragma once
+
+#include <array>
+#include <filesystem>
+
+#include "host/film/av_objects.h"
+
+namespace kel {
+
+struct CodecOption {
+    const char* name = nullptr;
+    const char* value = nullptr;
+};
+
+// One way to write a film, chosen by the ending of its name.
+struct FilmFormat {
+    const char* ending;
+    const char* container;
+    const char* codec;
+    AVPixelFormat opaque;
+    AVPixelFormat withAlpha;  // AV_PIX_FMT_NONE: alpha cannot be kept
+    bool isLossless;
+    int keyEvery;  // frames
+    std::array<CodecOption, 4> options;
+};
+
+// Null: no film ends like that.
+[[nodiscard]] const FilmFormat* FormatOfFilm(const std::filesystem::path& file);
+
+}  // namespace kel
