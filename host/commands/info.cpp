@@ -5,6 +5,7 @@
 #include "host/commands/commands.h"
 #include "host/host.h"
 #include "host/session_values.h"
+#include "shared/table.h"
 
 namespace kel {
 namespace {
@@ -33,20 +34,8 @@ std::string LimitsText(const Parameter& parameter) {
     return text;
 }
 
-using TableRow = std::vector<std::string>;
-
-// Columns as wide as their widest cell, two spaces apart, nothing after the last cell of a line.
-void PrintTable(const std::vector<TableRow>& rows) {
-    std::vector<std::size_t> widths(rows.front().size());
-    for (const TableRow& row : rows)
-        for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], row[i].size());
-    for (const TableRow& row : rows) {
-        std::string line;
-        for (std::size_t i = 0; i < row.size(); ++i) line += row[i] + std::string(widths[i] - row[i].size() + 2, ' ');
-        line.erase(line.find_last_not_of(' ') + 1);
-        std::printf("%s\n", line.c_str());
-    }
-}
+using shared::PrintTable;
+using shared::TableRow;
 
 void PrintTables(const Registration& registration) {
     std::printf("%s: plug-in type %d, folder \"%s\", instance block of %d bytes\n\n", registration.name.c_str(),

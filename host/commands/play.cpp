@@ -4,10 +4,10 @@
 
 #include "host/commands/commands.h"
 #include "host/commands/module_path.h"
-#include "host/commands/output_files.h"
-#include "host/commands/progress_line.h"
 #include "host/error.h"
 #include "host/player.h"
+#include "shared/output_files.h"
+#include "shared/progress_line.h"
 
 namespace kel {
 namespace {
@@ -42,8 +42,8 @@ std::filesystem::path SavePath(const PlayOptions& options, const std::string& na
 }
 
 // Every file that the play will write is checked before the first field.
-void AnnounceOutputs(const PlayOptions& options, const Session& session, const std::optional<NumberedName>& frames,
-                     OutputFiles& outputs) {
+void AnnounceOutputs(const PlayOptions& options, const Session& session,
+                     const std::optional<shared::NumberedName>& frames, shared::OutputFiles& outputs) {
     if (!options.out.empty()) outputs.Announce(options.out);
     if (!options.overlay.empty()) outputs.Announce(options.overlay);
     for (const SessionEvent& event : session.events)
@@ -53,9 +53,9 @@ void AnnounceOutputs(const PlayOptions& options, const Session& session, const s
 
 void Play(const PlayOptions& options) {
     const Session session = ReadSession(options.session);
-    std::optional<NumberedName> frames;
+    std::optional<shared::NumberedName> frames;
     if (!options.frames.empty()) frames.emplace(options.frames);
-    OutputFiles outputs;
+    shared::OutputFiles outputs;
     AnnounceOutputs(options, session, frames, outputs);
 
     Host host({session.window.width, session.window.height});
@@ -65,7 +65,7 @@ void Play(const PlayOptions& options) {
 
     const InterruptGuard guard;
     {
-        ProgressLine progress(session.fields);
+        shared::ProgressLine progress("field", session.fields);
         while (!player.IsOver()) {
             if (interrupted != 0) throw CLI::RuntimeError("interrupted", 128 + SIGINT);
             const std::int64_t field = player.NextField();

@@ -7,16 +7,16 @@
 
 #include "tests/film/counted_film.h"
 #include "tests/host/pixels.h"
-#include "tests/host/temporary_folder.h"
-#include "tests/host/thrown.h"
+#include "tests/shared/temporary_folder.h"
+#include "tests/shared/thrown.h"
 
 namespace kel {
 namespace {
 
 using testing::CountedFrame;
 using testing::NumberOf;
-using testing::TemporaryFolder;
-using testing::Thrown;
+using shared::testing::TemporaryFolder;
+using shared::testing::Thrown;
 using testing::WriteCountedFilm;
 
 constexpr std::array endings{".mp4", ".mov", ".mkv", ".webm"};
@@ -111,14 +111,14 @@ TEST_CASE("What is no film is refused in one line with the file and the reason")
     CHECK_EQ(refusal("none.mp4"), start + "none.mp4: cannot be read: No such file or directory");
     std::filesystem::create_directory(folder / "folder.mp4");
     CHECK_EQ(refusal("folder.mp4"), start + "folder.mp4: is a folder");
-    testing::WriteText(folder / "empty.mp4", "");
+    shared::testing::WriteText(folder / "empty.mp4", "");
     CHECK(refusal("empty.mp4").starts_with(start + "empty.mp4: "));
-    testing::WriteText(folder / "text.mkv", "This is no film.");
+    shared::testing::WriteText(folder / "text.mkv", "This is no film.");
     CHECK_EQ(refusal("text.mkv"), start + "text.mkv: is no MP4, MOV, MKV or WebM film, or a damaged one");
     WritePicture(testing::Plain(8, 8, testing::red), folder / "picture.png");
     CHECK_EQ(refusal("picture.png"), start + "picture.png: is no MP4, MOV, MKV or WebM film, or a damaged one");
     // A list of other files is no film: it could name any file or address.
-    testing::WriteText(folder / "list.mp4", "#EXTM3U\n#EXT-X-TARGETDURATION:1\n#EXTINF:1,\nother.ts\n#EXT-X-ENDLIST\n");
+    shared::testing::WriteText(folder / "list.mp4", "#EXTM3U\n#EXT-X-TARGETDURATION:1\n#EXTINF:1,\nother.ts\n#EXT-X-ENDLIST\n");
     CHECK_EQ(refusal("list.mp4"), start + "list.mp4: is no MP4, MOV, MKV or WebM film, or a damaged one");
 }
 
@@ -126,12 +126,12 @@ TEST_CASE("A film that is cut off is refused") {
     const TemporaryFolder folder;
     for (const std::string ending : endings) {
         WriteCountedFilm(folder / ("film" + ending), 12, 32, 32);
-        const std::string whole = testing::ReadText(folder / ("film" + ending));
+        const std::string whole = shared::testing::ReadText(folder / ("film" + ending));
         for (std::size_t part = 0; part < 20; ++part) {
             CAPTURE(ending);
             CAPTURE(part);
             const std::filesystem::path cut = folder / ("cut" + ending);
-            testing::WriteText(cut, whole.substr(0, whole.size() * part / 20));
+            shared::testing::WriteText(cut, whole.substr(0, whole.size() * part / 20));
             const std::string refusal = ThrownByOpening(cut);
             CHECK(refusal.starts_with(cut.string() + ": "));
             CHECK_EQ(refusal.find('\n'), std::string::npos);
@@ -144,7 +144,7 @@ TEST_CASE("A damaged film does no harm") {
     const TemporaryFolder folder;
     for (const std::string ending : endings) {
         WriteCountedFilm(folder / ("film" + ending), 8, 32, 32);
-        const std::string whole = testing::ReadText(folder / ("film" + ending));
+        const std::string whole = shared::testing::ReadText(folder / ("film" + ending));
         std::uint32_t state = 7;
         const auto random = [&] { return (state = state * 1664525U + 1013904223U) >> 8U; };
         for (int round = 0; round < 40; ++round) {
@@ -153,7 +153,7 @@ TEST_CASE("A damaged film does no harm") {
             std::string damaged = whole;
             for (int count = 0; count < 1 + round / 4; ++count)
                 damaged[random() % damaged.size()] = static_cast<char>(random());
-            testing::WriteText(folder / ("damaged" + ending), damaged);
+            shared::testing::WriteText(folder / ("damaged" + ending), damaged);
             const std::string refusal = Thrown([&] {
                 FilmReader reader(folder / ("damaged" + ending));
                 CHECK_GE(reader.FrameCount(), 1);

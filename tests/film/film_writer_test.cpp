@@ -10,8 +10,8 @@
 #include "host/film/film_reader.h"
 #include "tests/film/counted_film.h"
 #include "tests/host/pixels.h"
-#include "tests/host/temporary_folder.h"
-#include "tests/host/thrown.h"
+#include "tests/shared/temporary_folder.h"
+#include "tests/shared/thrown.h"
 
 namespace kel {
 namespace {
@@ -19,8 +19,8 @@ namespace {
 using testing::CountedFrame;
 using testing::Pixel;
 using testing::Speckled;
-using testing::TemporaryFolder;
-using testing::Thrown;
+using shared::testing::TemporaryFolder;
+using shared::testing::Thrown;
 using testing::WriteCountedFilm;
 
 // Something else at every pixel, in all four channels.
@@ -132,20 +132,20 @@ TEST_CASE("The same pictures give the same film") {
         CAPTURE(ending);
         WriteCountedFilm(folder / ("a" + ending), 6, 32, 32);
         WriteCountedFilm(folder / ("b" + ending), 6, 32, 32);
-        CHECK(testing::ReadText(folder / ("a" + ending)) == testing::ReadText(folder / ("b" + ending)));
+        CHECK(shared::testing::ReadText(folder / ("a" + ending)) == shared::testing::ReadText(folder / ("b" + ending)));
     }
 }
 
 TEST_CASE("A film appears when it is committed and leaves nothing behind otherwise") {
     const TemporaryFolder folder;
-    testing::WriteText(folder / "film.mkv", "old");
+    shared::testing::WriteText(folder / "film.mkv", "old");
     {
         FilmWriter writer(folder / "film.mkv", {8, 8, 25, false});
         writer.Write(testing::Plain(8, 8, testing::red));
         writer.Close();
-        CHECK_EQ(testing::ReadText(folder / "film.mkv"), "old");
+        CHECK_EQ(shared::testing::ReadText(folder / "film.mkv"), "old");
     }
-    CHECK_EQ(testing::ReadText(folder / "film.mkv"), "old");
+    CHECK_EQ(shared::testing::ReadText(folder / "film.mkv"), "old");
     CHECK_EQ(folder.Entries(), 1);
     WriteFilm(folder / "film.mkv", {testing::Plain(8, 8, testing::red)});
     CHECK_EQ(FilmReader(folder / "film.mkv").FrameCount(), 1);

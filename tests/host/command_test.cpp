@@ -10,7 +10,7 @@
 #include "host/picture.h"
 #include "tests/host/pixels.h"
 #include "tests/host/session_text.h"
-#include "tests/host/temporary_folder.h"
+#include "tests/shared/temporary_folder.h"
 
 // The programs themselves, run as an operator runs them.
 
@@ -18,8 +18,8 @@ namespace kel {
 namespace {
 
 using nlohmann::json;
+using shared::testing::TemporaryFolder;
 using testing::PlainSession;
-using testing::TemporaryFolder;
 
 struct Ended {
     int exitCode = -1;
@@ -32,7 +32,9 @@ class Desk {
 public:
     explicit Desk(const json& session = PlainSession()) { Write("s.json", session.dump()); }
 
-    void Write(const std::string& name, const std::string& text) const { testing::WriteText(m_folder / name, text); }
+    void Write(const std::string& name, const std::string& text) const {
+        shared::testing::WriteText(m_folder / name, text);
+    }
 
     // arguments: as the shell reads them
     [[nodiscard]] Ended Run(const std::string& arguments, const std::string& program = KEL_PROGRAM) const {
@@ -40,8 +42,8 @@ public:
         const std::string command = "cd '" + m_folder.Path().string() + "' && '" + program + "' " + arguments + " >'" +
                                     (results / "out").string() + "' 2>'" + (results / "err").string() + "'";
         const int status = std::system(command.c_str());
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, testing::ReadText(results / "out"),
-                testing::ReadText(results / "err")};
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, shared::testing::ReadText(results / "out"),
+                shared::testing::ReadText(results / "err")};
     }
 
     [[nodiscard]] bool Has(const std::string& name) const { return std::filesystem::exists(m_folder / name); }
@@ -195,7 +197,7 @@ TEST_CASE("kel play replaces what stood there only when all went well") {
     const Desk bad(SessionWith("/fields", 0));
     bad.Write("out.png", "old");
     CHECK_EQ(bad.Run("play s.json --out out.png").exitCode, 2);
-    CHECK_EQ(testing::ReadText(bad.Path("out.png")), "old");
+    CHECK_EQ(shared::testing::ReadText(bad.Path("out.png")), "old");
 }
 
 TEST_CASE("kel play counts fields on a terminal and is silent elsewhere") {

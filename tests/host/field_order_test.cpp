@@ -5,7 +5,7 @@
 
 #include "plugin/host_api.h"
 #include "tests/host/probe.h"
-#include "tests/host/thrown.h"
+#include "tests/shared/thrown.h"
 
 namespace kel {
 namespace {
@@ -190,7 +190,7 @@ TEST_CASE("The operator's mistakes are refused and change nothing") {
     testing::ProbedHost probed;
     Host& host = *probed.host;
     const ObjectId bare = host.AddContainer({});
-    using testing::Thrown;
+    using shared::testing::Thrown;
     CHECK_EQ(Thrown([&] { host.SetParameter(probed.container, "Cuont", 4); }), "there is no parameter \"Cuont\"");
     CHECK_EQ(Thrown([&] { host.SetParameter(probed.container, "Count", 10); }),
              "parameter \"Count\": 10 is above the maximum 9");
@@ -206,7 +206,7 @@ TEST_CASE("The operator's mistakes are refused and change nothing") {
 }
 
 TEST_CASE("A scene that cannot be drawn is refused") {
-    using testing::Thrown;
+    using shared::testing::Thrown;
     Host host({8, 8});
     Camera camera;
     camera.target = camera.position;
@@ -226,7 +226,7 @@ TEST_CASE("A scene that cannot be drawn is refused") {
 }
 
 TEST_CASE("A window without pixels, or with too many, is refused, and another one can be had afterwards") {
-    using testing::Thrown;
+    using shared::testing::Thrown;
     CHECK_EQ(Thrown([] { Host host({0, 8}); }), "a window of 0 x 8 pixels: sides of 1 to 16384 are possible");
     CHECK_NE(Thrown([] { Host host({8, 16385}); }), "nothing");
     CHECK_EQ(Thrown([] { Host host({8, 8}); }), "nothing");

@@ -4,14 +4,14 @@
 
 #include "plugin/host_api.h"
 #include "tests/host/probe.h"
-#include "tests/host/temporary_folder.h"
-#include "tests/host/thrown.h"
+#include "tests/shared/temporary_folder.h"
+#include "tests/shared/thrown.h"
 
 namespace kel {
 namespace {
 
-using testing::TemporaryFolder;
-using testing::Thrown;
+using shared::testing::TemporaryFolder;
+using shared::testing::Thrown;
 
 // What the host says to a module that registers like this.
 std::string Refusal(const std::function<void()>& registration, std::int32_t answer = 0) {
@@ -73,7 +73,7 @@ TEST_CASE("A module that is missing, or no module, is refused in one line") {
     const auto missing = folder / "missing.qop";
     CHECK_EQ(Thrown([&] { (void)OpenModule(missing); }), missing.string() + ": there is no such module");
     const auto text = folder / "text.qop";
-    testing::WriteText(text, "not a module");
+    shared::testing::WriteText(text, "not a module");
     const std::string reason = Thrown([&] { (void)OpenModule(text); });
     CHECK_MESSAGE(reason.starts_with(text.string() + ": does not load: "), reason);
     CHECK_EQ(reason.find('\n'), std::string::npos);

@@ -6,16 +6,16 @@
 #include "tests/host/pixels.h"
 #include "tests/host/probe.h"
 #include "tests/host/session_text.h"
-#include "tests/host/temporary_folder.h"
-#include "tests/host/thrown.h"
+#include "tests/shared/temporary_folder.h"
+#include "tests/shared/thrown.h"
 
 namespace kel {
 namespace {
 
 using nlohmann::json;
+using shared::testing::Thrown;
 using testing::Parse;
 using testing::PlainSession;
-using testing::Thrown;
 
 using Track = std::vector<PointerStep>;
 
@@ -291,13 +291,13 @@ TEST_CASE("A later event is checked as well, before anything is played") {
 }
 
 TEST_CASE("A picture of the session that cannot be read is refused with place and file") {
-    const testing::TemporaryFolder folder;
+    const shared::testing::TemporaryFolder folder;
     const std::string file = (folder / "s.json").string();
     json session = PlainSession();
     session["containers"][0]["picture"] = "none.png";
     CHECK(
         PlayerRefusal(session, file).starts_with(file + ": /containers/0/picture: " + (folder / "none.png").string()));
-    testing::WriteText(folder / "none.png", "no picture at all");
+    shared::testing::WriteText(folder / "none.png", "no picture at all");
     CHECK(
         PlayerRefusal(session, file).starts_with(file + ": /containers/0/picture: " + (folder / "none.png").string()));
     session = WithParameters({{"BrushImage", "none.png"}});
@@ -305,7 +305,7 @@ TEST_CASE("A picture of the session that cannot be read is refused with place an
 }
 
 TEST_CASE("A brush image is found beside the session, by the name that the session gives it") {
-    const testing::TemporaryFolder folder;
+    const shared::testing::TemporaryFolder folder;
     WritePicture(testing::Plain(40, 30, testing::green), folder / "green.png");
     ProbedPlay play(json::array({{{"field", 3}, {"set", {{"Name", "green.png"}}}}}), folder / "s.json");
     play.lookUp = "green.png";

@@ -6,15 +6,15 @@
 
 #include "host/session_parser.h"
 #include "tests/host/session_text.h"
-#include "tests/host/temporary_folder.h"
-#include "tests/host/thrown.h"
+#include "tests/shared/temporary_folder.h"
+#include "tests/shared/thrown.h"
 
 namespace kel {
 namespace {
 
 using nlohmann::json;
 
-json ReadJson(const std::filesystem::path& file) { return json::parse(testing::ReadText(file)); }
+json ReadJson(const std::filesystem::path& file) { return json::parse(shared::testing::ReadText(file)); }
 
 const json& Schema() {
     static const json schema = ReadJson(std::filesystem::path(KEL_SOURCE_FOLDER) / "docs/session.schema.json");
@@ -96,7 +96,7 @@ void CollectPlaces(const json& value, const json::json_pointer& place, std::vect
 }
 
 void CheckAgreement(const json& session, const std::string& what) {
-    const std::string refusal = testing::Thrown([&] { (void)testing::Parse(session); });
+    const std::string refusal = shared::testing::Thrown([&] { (void)testing::Parse(session); });
     const bool isParsed = refusal == "nothing" || IsAboutTwoPlaces(refusal);
     INFO(what << ": the parser says: " << refusal);
     CHECK_EQ(Accepts(Schema(), session), isParsed);
@@ -188,17 +188,17 @@ TEST_CASE("The examples are what the schema says and what the parser takes") {
     for (const auto& file : examples) {
         CAPTURE(file.string());
         CHECK(Accepts(Schema(), ReadJson(file)));
-        CHECK_EQ(testing::Thrown([&] { (void)ReadSession(file); }), "nothing");
+        CHECK_EQ(shared::testing::Thrown([&] { (void)ReadSession(file); }), "nothing");
     }
 }
 
 TEST_CASE("The example in the documentation is a session") {
-    const std::string text = testing::ReadText(std::filesystem::path(KEL_SOURCE_FOLDER) / "docs/session.md");
+    const std::string text = shared::testing::ReadText(std::filesystem::path(KEL_SOURCE_FOLDER) / "docs/session.md");
     const std::size_t start = text.find("```json\n");
     REQUIRE_NE(start, std::string::npos);
     const std::string example = text.substr(start + 8, text.find("```", start + 8) - start - 8);
     CHECK(Accepts(Schema(), json::parse(example)));
-    CHECK_EQ(testing::Thrown([&] { (void)ParseSession(example, "s.json"); }), "nothing");
+    CHECK_EQ(shared::testing::Thrown([&] { (void)ParseSession(example, "s.json"); }), "nothing");
 }
 
 }  // namespace kel

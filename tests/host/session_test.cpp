@@ -2,18 +2,17 @@
 
 #include "host/session.h"
 #include "host/session_curve.h"
-#include "host/session_nearest.h"
 #include "tests/host/session_text.h"
-#include "tests/host/temporary_folder.h"
-#include "tests/host/thrown.h"
+#include "tests/shared/temporary_folder.h"
+#include "tests/shared/thrown.h"
 
 namespace kel {
 namespace {
 
 using nlohmann::json;
+using shared::testing::Thrown;
 using testing::CompleteSession;
 using testing::Parse;
-using testing::Thrown;
 
 std::string Refusal(const std::string& text) {
     return Thrown([&] { (void)ParseSession(text, "s.json"); });
@@ -196,12 +195,12 @@ TEST_CASE("A saved picture has a name without a folder") {
 }
 
 TEST_CASE("A file that cannot be read is refused with its name and the reason") {
-    const testing::TemporaryFolder folder;
+    const shared::testing::TemporaryFolder folder;
     const auto refusal = [](const std::filesystem::path& file) { return Thrown([&] { (void)ReadSession(file); }); };
     CHECK_EQ(refusal(folder / "none.json"),
              (folder / "none.json").string() + ": cannot be read: No such file or directory");
     CHECK_EQ(refusal(folder.Path()), folder.Path().string() + ": is a folder");
-    testing::WriteText(folder / "big.json", std::string((64U << 20U) + 1, ' '));
+    shared::testing::WriteText(folder / "big.json", std::string((64U << 20U) + 1, ' '));
     CHECK_EQ(refusal(folder / "big.json"), (folder / "big.json").string() + ": is larger than 64 MiB");
 }
 
@@ -248,20 +247,6 @@ TEST_CASE("Places are spread evenly over the length of a path") {
 TEST_CASE("A path without a length stays where it is") {
     for (const auto& place : SpreadAlong({{7, 8}, {7, 8}}, 3)) CHECK_EQ(Distance(place, {7, 8}), 0.0);
     CHECK_EQ(SpreadAlong({{7, 8}}, 1).size(), 2);
-}
-
-TEST_CASE("The distance of names counts letters to change, without regard to case") {
-    CHECK_EQ(EditDistance("", "abc"), 3);
-    CHECK_EQ(EditDistance("brushwidth", "BrushWidth"), 0);
-    CHECK_EQ(EditDistance("kitten", "sitting"), 3);  // k to s, e to i, and a g
-}
-
-TEST_CASE("A hint names the nearest, or all where none is near") {
-    CHECK_EQ(NearestHint("x", {}), "");
-    CHECK_EQ(NearestHint("arow", {"Alpha", "Arrow"}), "; did you mean \"Arrow\"?");
-    CHECK_EQ(NearestHint("zzz", {"Alpha", "Arrow"}), "; there are \"Alpha\", \"Arrow\"");
-    CHECK_EQ(NearestHint("zzz", {"Alpha"}), "; there is only \"Alpha\"");
-    CHECK_EQ(Quoted(std::string(61, 'a')), '"' + std::string(60, 'a') + "...\"");
 }
 
 }  // namespace kel

@@ -4,7 +4,8 @@ cmake_minimum_required(VERSION 3.25)
 set(engine image parameters paint filters plugin)
 file(GLOB_RECURSE sources RELATIVE ${ROOT} ${ROOT}/image/*.h ${ROOT}/image/*.cpp ${ROOT}/parameters/*.h
      ${ROOT}/parameters/*.cpp ${ROOT}/paint/*.h ${ROOT}/paint/*.cpp ${ROOT}/filters/*.h ${ROOT}/filters/*.cpp
-     ${ROOT}/plugin/*.h ${ROOT}/plugin/*.cpp ${ROOT}/host/*.h ${ROOT}/host/*.cpp ${ROOT}/tools/*.h ${ROOT}/tools/*.cpp
+     ${ROOT}/plugin/*.h ${ROOT}/plugin/*.cpp ${ROOT}/shared/*.h ${ROOT}/shared/*.cpp
+     ${ROOT}/host/*.h ${ROOT}/host/*.cpp ${ROOT}/tools/*.h ${ROOT}/tools/*.cpp
      ${ROOT}/tests/*.h ${ROOT}/tests/*.cpp ${ROOT}/bench/*.h ${ROOT}/bench/*.cpp)
 if(NOT sources)
   message(FATAL_ERROR "no sources under ${ROOT}")

@@ -1,4 +1,4 @@
-#include "host/jpeg_codec.h"
+#include "shared/jpeg_codec.h"
 
 #include <array>
 #include <csetjmp>
@@ -10,9 +10,9 @@
 #include <jerror.h>
 #include <jpeglib.h>
 
-#include "host/error.h"
+#include "shared/error.h"
 
-namespace kel {
+namespace shared {
 namespace {
 
 constexpr int quality = 95;
@@ -134,4 +134,4 @@ std::vector<std::uint8_t> EncodeJpeg(const Picture& picture) {
     return {writer.bytes, writer.bytes + writer.size};
 }
 
-}  // namespace kel
+}  // namespace shared

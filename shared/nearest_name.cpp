@@ -1,10 +1,10 @@
-#include "host/session_nearest.h"
+#include "shared/nearest_name.h"
 
 #include <algorithm>
 #include <cctype>
 #include <numeric>
 
-namespace kel {
+namespace shared {
 namespace {
 
 // Longer names are compared by their beginnings: the work grows with the product of both lengths.
@@ -52,4 +52,4 @@ std::string Quoted(std::string_view name) {
     return '"' + std::string(name.substr(0, shownLength)) + "...\"";
 }
 
-}  // namespace kel
+}  // namespace shared

@@ -1,4 +1,4 @@
-#include "host/commands/output_files.h"
+#include "shared/output_files.h"
 
 #include <unistd.h>
 
@@ -6,9 +6,9 @@
 #include <string>
 #include <system_error>
 
-#include "host/error.h"
+#include "shared/error.h"
 
-namespace kel {
+namespace shared {
 namespace {
 
 namespace fs = std::filesystem;
@@ -45,8 +45,9 @@ void OutputFiles::Announce(const fs::path& file) {
     if (!m_announced.insert(Canonical(file)).second) Refuse(file, "two outputs have this name");
 }
 
-void OutputFiles::Stage(const Picture& picture, const fs::path& file) {
-    const std::string name = ".kel-" + std::to_string(getpid()) + '-' + std::to_string(m_staged.size());
+template <typename AnyDepth>
+void OutputFiles::StageAny(const AnyDepth& picture, const fs::path& file) {
+    const std::string name = ".unfinished-" + std::to_string(getpid()) + '-' + std::to_string(m_staged.size());
     const fs::path temporary = FolderOf(file) / (name + file.extension().string());
     m_staged.push_back({temporary, file});
     try {
@@ -58,6 +59,9 @@ void OutputFiles::Stage(const Picture& picture, const fs::path& file) {
         Refuse(file, reason);
     }
 }
+
+void OutputFiles::Stage(const Picture& picture, const fs::path& file) { StageAny(picture, file); }
+void OutputFiles::Stage(const Picture16& picture, const fs::path& file) { StageAny(picture, file); }
 
 void OutputFiles::Commit() {
     for (const Staged& staged : m_staged) {
@@ -86,4 +90,4 @@ fs::path NumberedName::At(std::int64_t number) const {
     return m_before + digits + m_after;
 }
 
-}  // namespace kel
+}  // namespace shared

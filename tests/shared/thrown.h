@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "host/error.h"
+#include "shared/error.h"
 
-namespace kel::testing {
+namespace shared::testing {
 
 // What the call's Error says; "nothing" when it throws none.
 template <typename Call>
@@ -17,4 +17,4 @@ std::string Thrown(Call call) {
     return "nothing";
 }
 
-}  // namespace kel::testing
+}  // namespace shared::testing

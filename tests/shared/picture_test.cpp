@@ -1,13 +1,13 @@
-#include "host/picture.h"
+#include "shared/picture.h"
 
 #include <doctest/doctest.h>
 
 #include <cstdlib>
 
-#include "tests/host/temporary_folder.h"
-#include "tests/host/thrown.h"
+#include "tests/shared/temporary_folder.h"
+#include "tests/shared/thrown.h"
 
-namespace kel {
+namespace shared {
 namespace {
 
 using testing::ReadText;
@@ -147,4 +147,4 @@ TEST_CASE("A full disk is noticed, and the former picture stays") {
     CHECK_EQ(folder.Entries(), 1);
 }
 
-}  // namespace kel
+}  // namespace shared

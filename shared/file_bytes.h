@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <vector>
 
-namespace kel {
+namespace shared {
 
 // All of a file. Throws Error naming the file and the reason.
 [[nodiscard]] std::vector<std::uint8_t> ReadFileBytes(const std::filesystem::path& file);
@@ -13,4 +13,4 @@ namespace kel {
 // when it fails. Throws Error naming the file and the reason.
 void WriteFileWhole(const std::filesystem::path& file, const std::vector<std::uint8_t>& bytes);
 
-}  // namespace kel
+}  // namespace shared

@@ -1,4 +1,4 @@
-#include "host/file_bytes.h"
+#include "shared/file_bytes.h"
 
 #include <unistd.h>
 
@@ -8,9 +8,9 @@
 #include <string>
 #include <system_error>
 
-#include "host/error.h"
+#include "shared/error.h"
 
-namespace kel {
+namespace shared {
 namespace {
 
 struct CloseFile {
@@ -57,4 +57,4 @@ void WriteFileWhole(const std::filesystem::path& file, const std::vector<std::ui
     Refuse(file, "cannot be written", failure);
 }
 
-}  // namespace kel
+}  // namespace shared

@@ -3,13 +3,13 @@
 #include <cstdint>
 #include <vector>
 
-#include "host/picture.h"
+#include "shared/picture.h"
 
-namespace kel {
+namespace shared {
 
 // A JPEG file's bytes; pictures read from one are opaque, and writing leaves alpha out. Both throw Error with the
 // reason alone.
 [[nodiscard]] Picture DecodeJpeg(const std::vector<std::uint8_t>& bytes);
 [[nodiscard]] std::vector<std::uint8_t> EncodeJpeg(const Picture& picture);
 
-}  // namespace kel
+}  // namespace shared

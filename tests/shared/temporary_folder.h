@@ -6,7 +6,7 @@
 #include <fstream>
 #include <string>
 
-namespace kel::testing {
+namespace shared::testing {
 
 // An empty folder, removed with all that is in it.
 class TemporaryFolder {
@@ -43,4 +43,4 @@ inline std::string ReadText(const std::filesystem::path& file) {
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-}  // namespace kel::testing
+}  // namespace shared::testing

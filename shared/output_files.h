@@ -4,9 +4,9 @@
 #include <set>
 #include <vector>
 
-#include "host/picture.h"
+#include "shared/picture.h"
 
-namespace kel {
+namespace shared {
 
 // The pictures that a command makes, which appear all together at its end or not at all.
 //
@@ -27,11 +27,15 @@ public:
 
     // Throws Error when the picture cannot be written.
     void Stage(const Picture& picture, const std::filesystem::path& file);
+    void Stage(const Picture16& picture, const std::filesystem::path& file);
 
     // Throws Error when a file cannot be put in place; those before it are then there already.
     void Commit();
 
 private:
+    template <typename AnyDepth>
+    void StageAny(const AnyDepth& picture, const std::filesystem::path& file);
+
     struct Staged {
         std::filesystem::path temporary;
         std::filesystem::path file;
@@ -55,4 +59,4 @@ private:
     std::size_t m_digits = 1;
 };
 
-}  // namespace kel
+}  // namespace shared

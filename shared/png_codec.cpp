@@ -1,13 +1,13 @@
-#include "host/png_codec.h"
+#include "shared/png_codec.h"
 
 #include <png.h>
 
 #include <algorithm>
 #include <string>
 
-#include "host/error.h"
+#include "shared/error.h"
 
-namespace kel {
+namespace shared {
 namespace {
 
 // libpng's simplified interface, freed on every way out.
@@ -49,4 +49,4 @@ std::vector<std::uint8_t> EncodePng(const Picture& picture) {
     return bytes;
 }
 
-}  // namespace kel
+}  // namespace shared
