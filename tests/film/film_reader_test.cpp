@@ -13,10 +13,10 @@
 namespace kel {
 namespace {
 
-using testing::CountedFrame;
-using testing::NumberOf;
 using shared::testing::TemporaryFolder;
 using shared::testing::Thrown;
+using testing::CountedFrame;
+using testing::NumberOf;
 using testing::WriteCountedFilm;
 
 constexpr std::array endings{".mp4", ".mov", ".mkv", ".webm"};
@@ -118,7 +118,8 @@ TEST_CASE("What is no film is refused in one line with the file and the reason")
     WritePicture(testing::Plain(8, 8, testing::red), folder / "picture.png");
     CHECK_EQ(refusal("picture.png"), start + "picture.png: is no MP4, MOV, MKV or WebM film, or a damaged one");
     // A list of other files is no film: it could name any file or address.
-    shared::testing::WriteText(folder / "list.mp4", "#EXTM3U\n#EXT-X-TARGETDURATION:1\n#EXTINF:1,\nother.ts\n#EXT-X-ENDLIST\n");
+    shared::testing::WriteText(folder / "list.mp4",
+                               "#EXTM3U\n#EXT-X-TARGETDURATION:1\n#EXTINF:1,\nother.ts\n#EXT-X-ENDLIST\n");
     CHECK_EQ(refusal("list.mp4"), start + "list.mp4: is no MP4, MOV, MKV or WebM film, or a damaged one");
 }
 

@@ -16,11 +16,11 @@
 namespace kel {
 namespace {
 
+using shared::testing::TemporaryFolder;
+using shared::testing::Thrown;
 using testing::CountedFrame;
 using testing::Pixel;
 using testing::Speckled;
-using shared::testing::TemporaryFolder;
-using shared::testing::Thrown;
 using testing::WriteCountedFilm;
 
 // Something else at every pixel, in all four channels.
