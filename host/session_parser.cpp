@@ -1,7 +1,6 @@
 #include "host/session_parser.h"
 
 #include <algorithm>
-#include <fstream>
 #include <set>
 
 #include "host/error.h"
@@ -15,7 +14,6 @@ namespace {
 constexpr double farthest = 1e6;                  // scene units
 constexpr double farthestPixel = 100'000;         // the pointer may leave the window, within reason
 constexpr std::int64_t longest = 1'000'000;       // fields
-constexpr std::size_t largestFile = 64U << 20U;   // bytes
 constexpr double secondsAfterTheLastEvent = 2.0;  // for what a module finishes some time after the pointer's release
 
 template <std::size_t Count>
@@ -275,19 +273,6 @@ SessionShape Shape(std::string_view name, const Keys& keys) {
     return shape;
 }
 
-std::string ReadText(const std::filesystem::path& file) {
-    std::error_code failure;
-    if (std::filesystem::is_directory(file, failure)) throw Error(file.string(), {}, "is a folder");
-    errno = 0;
-    std::ifstream stream(file, std::ios::binary);
-    if (!stream) throw Error(file.string(), {}, "cannot be read: " + std::generic_category().message(errno));
-    std::string text(largestFile + 1, '\0');
-    stream.read(text.data(), static_cast<std::streamsize>(text.size()));
-    text.resize(static_cast<std::size_t>(stream.gcount()));
-    if (text.size() > largestFile) throw Error(file.string(), {}, "is larger than 64 MiB");
-    return text;
-}
-
 }  // namespace
 
 std::int64_t SessionEvent::LastField() const {
@@ -307,7 +292,7 @@ Session ParseSession(const std::string& text, const std::filesystem::path& file)
     return session;
 }
 
-Session ReadSession(const std::filesystem::path& file) { return ParseSession(ReadText(file), file); }
+Session ReadSession(const std::filesystem::path& file) { return ParseSession(shared::ReadJsonText(file), file); }
 
 std::vector<SessionShape> SessionShapes() {
     std::vector<SessionShape> shapes = {Shape("session", sessionKeys), Shape("window", windowKeys),

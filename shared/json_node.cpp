@@ -1,15 +1,21 @@
-#include "host/session_node.h"
+#include "shared/json_node.h"
 
+#include <algorithm>
+#include <cerrno>
 #include <cmath>
+#include <fstream>
 #include <set>
 #include <sstream>
+#include <system_error>
 
-#include "host/error.h"
+#include "shared/error.h"
 
-namespace kel {
+namespace shared {
 namespace {
 
 using nlohmann::json;
+
+constexpr std::size_t largestFile = 64U << 20U;  // bytes
 
 std::string EscapePointer(std::string_view key) {
     std::string escaped;
@@ -113,34 +119,34 @@ std::string ParserReason(std::string reason) {
 
 }  // namespace
 
-void SessionNode::Refuse(const std::string& reason) const {
+void JsonNode::Refuse(const std::string& reason) const {
     throw Error(m_file->string(), m_place.empty() ? "/" : m_place, reason);
 }
 
-bool SessionNode::Has(std::string_view key) const { return m_value->is_object() && m_value->contains(key); }
+bool JsonNode::Has(std::string_view key) const { return m_value->is_object() && m_value->contains(key); }
 
-SessionNode SessionNode::Member(std::string_view key) const {
+JsonNode JsonNode::Member(std::string_view key) const {
     return {m_value->at(std::string(key)), *m_file, m_place + '/' + EscapePointer(key)};
 }
 
-SessionNode SessionNode::Element(std::size_t index) const {
+JsonNode JsonNode::Element(std::size_t index) const {
     return {m_value->at(index), *m_file, m_place + '/' + std::to_string(index)};
 }
 
-std::vector<SessionNode> SessionNode::Elements(std::size_t atLeast) const {
+std::vector<JsonNode> JsonNode::Elements(std::size_t atLeast) const {
     if (!m_value->is_array()) Refuse("must be a list, not " + Shown(*m_value));
     if (m_value->size() < atLeast) Refuse("must have at least " + std::to_string(atLeast) + " elements");
-    std::vector<SessionNode> elements;
+    std::vector<JsonNode> elements;
     elements.reserve(m_value->size());
     for (std::size_t i = 0; i < m_value->size(); ++i) elements.push_back(Element(i));
     return elements;
 }
 
-void SessionNode::RequireObject() const {
+void JsonNode::RequireObject() const {
     if (!m_value->is_object()) Refuse("must be an object, not " + Shown(*m_value));
 }
 
-std::int64_t SessionNode::Integer(std::int64_t minimum, std::int64_t maximum) const {
+std::int64_t JsonNode::Integer(std::int64_t minimum, std::int64_t maximum) const {
     // 12.0 is a whole number too. The limits are far inside what a double holds exactly.
     const double number = m_value->is_number() ? m_value->get<double>() : std::nan("");
     if (!(number >= static_cast<double>(minimum) && number <= static_cast<double>(maximum)) ||
@@ -150,7 +156,7 @@ std::int64_t SessionNode::Integer(std::int64_t minimum, std::int64_t maximum) co
     return static_cast<std::int64_t>(number);
 }
 
-double SessionNode::Number(double minimum, double maximum) const {
+double JsonNode::Number(double minimum, double maximum) const {
     const double number = m_value->is_number() ? m_value->get<double>() : std::nan("");
     if (!(number >= minimum && number <= maximum))
         Refuse("must be a number from " + ShownNumber(minimum) + " to " + ShownNumber(maximum) + ", not " +
@@ -158,12 +164,12 @@ double SessionNode::Number(double minimum, double maximum) const {
     return number;
 }
 
-bool SessionNode::Truth() const {
+bool JsonNode::Truth() const {
     if (!m_value->is_boolean()) Refuse("must be true or false, not " + Shown(*m_value));
     return m_value->get<bool>();
 }
 
-std::string SessionNode::Text() const {
+std::string JsonNode::Text() const {
     if (!m_value->is_string()) Refuse("must be a text, not " + Shown(*m_value));
     const auto& text = m_value->get_ref<const std::string&>();
     if (text.empty()) Refuse("must not be empty");
@@ -184,4 +190,17 @@ nlohmann::json ParseJson(const std::string& text, const std::filesystem::path& f
     }
 }
 
-}  // namespace kel
+std::string ReadJsonText(const std::filesystem::path& file) {
+    std::error_code failure;
+    if (std::filesystem::is_directory(file, failure)) throw Error(file.string(), {}, "is a folder");
+    errno = 0;
+    std::ifstream stream(file, std::ios::binary);
+    if (!stream) throw Error(file.string(), {}, "cannot be read: " + std::generic_category().message(errno));
+    std::string text(largestFile + 1, '\0');
+    stream.read(text.data(), static_cast<std::streamsize>(text.size()));
+    text.resize(static_cast<std::size_t>(stream.gcount()));
+    if (text.size() > largestFile) throw Error(file.string(), {}, "is larger than 64 MiB");
+    return text;
+}
+
+}  // namespace shared
