@@ -56,14 +56,18 @@ const Filter& FindFilter(std::string_view name) {
     throw Error("there is no filter " + Quoted(wanted) + shared::NearestHint(wanted, labels));
 }
 
-ParameterTexts TextsOf(const Filter& filter) {
+Choices FilterChoices(const Filter& filter) {
     const Filter* const prototype = &FindFilter(filter.Label());  // lives on when `filter` does not
-    return {std::string(filter.Label()), filter.getParameters(), [prototype](const ParameterDef& definition) {
-                std::vector<std::string> words;
-                for (std::int32_t i = 0; i < prototype->EnumCount(definition); ++i)
-                    words.emplace_back(prototype->EnumLabel(definition, i));
-                return words;
-            }};
+    return [prototype](const ParameterDef& definition) {
+        std::vector<std::string> words;
+        for (std::int32_t i = 0; i < prototype->EnumCount(definition); ++i)
+            words.emplace_back(prototype->EnumLabel(definition, i));
+        return words;
+    };
+}
+
+ParameterTexts TextsOf(const Filter& filter) {
+    return {std::string(filter.Label()), filter.getParameters(), FilterChoices(filter)};
 }
 
 std::unique_ptr<Filter> MakeFilter(const Filter& prototype) {

@@ -14,6 +14,9 @@ namespace chalkpane::tools {
 // another, the label counts.
 [[nodiscard]] const Filter& FindFilter(std::string_view name);
 
+// The words of the enumerations of a filter's class.
+[[nodiscard]] Choices FilterChoices(const Filter& filter);
+
 // The parameters of a filter's class; messages begin with its label.
 [[nodiscard]] ParameterTexts TextsOf(const Filter& filter);
 

@@ -8,10 +8,12 @@ namespace chalkpane::tools {
 // Each adds its command to the program's command line. The command runs while the line is parsed, throws shared::Error
 // for what the operator got wrong, and CLI::RuntimeError to end with another exit code.
 void AddFiltersCommand(CLI::App& program);
+void AddPaintCommand(CLI::App& program);
 
 // In the order in which the help lists them.
 inline constexpr std::array commands{
     AddFiltersCommand,
+    AddPaintCommand,
 };
 
 }  // namespace chalkpane::tools
