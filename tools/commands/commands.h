@@ -9,11 +9,13 @@ namespace chalkpane::tools {
 // for what the operator got wrong, and CLI::RuntimeError to end with another exit code.
 void AddFiltersCommand(CLI::App& program);
 void AddPaintCommand(CLI::App& program);
+void AddCurveCommand(CLI::App& program);
 
 // In the order in which the help lists them.
 inline constexpr std::array commands{
     AddFiltersCommand,
     AddPaintCommand,
+    AddCurveCommand,
 };
 
 }  // namespace chalkpane::tools
