@@ -10,6 +10,7 @@
 #include "host/picture.h"
 #include "tests/host/pixels.h"
 #include "tests/host/session_text.h"
+#include "tests/shared/desk.h"
 #include "tests/shared/temporary_folder.h"
 
 // The programs themselves, run as an operator runs them.
@@ -18,41 +19,16 @@ namespace kel {
 namespace {
 
 using nlohmann::json;
+using shared::testing::Ended;
 using shared::testing::TemporaryFolder;
 using testing::PlainSession;
 
-struct Ended {
-    int exitCode = -1;
-    std::string output;
-    std::string complaint;
-};
-
-// A folder with a session and an image in it, and the program run there.
-class Desk {
+// With a session in it.
+class Desk : public shared::testing::Desk {
 public:
-    explicit Desk(const json& session = PlainSession()) { Write("s.json", session.dump()); }
-
-    void Write(const std::string& name, const std::string& text) const {
-        shared::testing::WriteText(m_folder / name, text);
+    explicit Desk(const json& session = PlainSession()) : shared::testing::Desk(KEL_PROGRAM) {
+        Write("s.json", session.dump());
     }
-
-    // arguments: as the shell reads them
-    [[nodiscard]] Ended Run(const std::string& arguments, const std::string& program = KEL_PROGRAM) const {
-        const TemporaryFolder results;
-        const std::string command = "cd '" + m_folder.Path().string() + "' && '" + program + "' " + arguments + " >'" +
-                                    (results / "out").string() + "' 2>'" + (results / "err").string() + "'";
-        const int status = std::system(command.c_str());
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, shared::testing::ReadText(results / "out"),
-                shared::testing::ReadText(results / "err")};
-    }
-
-    [[nodiscard]] bool Has(const std::string& name) const { return std::filesystem::exists(m_folder / name); }
-    [[nodiscard]] Picture Open(const std::string& name) const { return ReadPicture(m_folder / name); }
-    [[nodiscard]] std::ptrdiff_t Entries() const { return m_folder.Entries(); }
-    [[nodiscard]] std::string Path(const std::string& name) const { return (m_folder / name).string(); }
-
-private:
-    TemporaryFolder m_folder;
 };
 
 // Bad input ends with exit code 2 and this one line, and no file has appeared.

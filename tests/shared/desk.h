@@ -1,0 +1,49 @@
+#pragma once
+
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <utility>
+
+#include "shared/picture.h"
+#include "tests/shared/temporary_folder.h"
+
+namespace shared::testing {
+
+// How a program ended.
+struct Ended {
+    int exitCode = -1;
+    std::string output;
+    std::string complaint;  // on standard error
+};
+
+// A folder of files, and a program that is run there as an operator runs it.
+class Desk {
+public:
+    explicit Desk(std::string program) : m_program(std::move(program)) {}
+
+    void Write(const std::string& name, const std::string& text) const { WriteText(m_folder / name, text); }
+
+    // arguments: as the shell reads them
+    [[nodiscard]] Ended Run(const std::string& arguments) const { return Run(arguments, m_program); }
+    [[nodiscard]] Ended Run(const std::string& arguments, const std::string& program) const {
+        const TemporaryFolder results;
+        const std::string command = "cd '" + m_folder.Path().string() + "' && '" + program + "' " + arguments + " >'" +
+                                    (results / "out").string() + "' 2>'" + (results / "err").string() + "'";
+        const int status = std::system(command.c_str());
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadText(results / "out"), ReadText(results / "err")};
+    }
+
+    [[nodiscard]] bool Has(const std::string& name) const { return std::filesystem::exists(m_folder / name); }
+    [[nodiscard]] Picture Open(const std::string& name) const { return ReadPicture(m_folder / name); }
+    [[nodiscard]] std::ptrdiff_t Entries() const { return m_folder.Entries(); }
+    [[nodiscard]] std::string Path(const std::string& name) const { return (m_folder / name).string(); }
+
+private:
+    std::string m_program;
+    TemporaryFolder m_folder;
+};
+
+}  // namespace shared::testing
