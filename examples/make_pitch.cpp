@@ -7,34 +7,25 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
-#include <cstdio>
-#include <exception>
 
-#include "host/picture.h"
+#include "examples/sampled_picture.h"
 
 namespace {
+
+using examples::Between;
+using examples::Colour;
+using examples::InDisc;
+using examples::Mix;
 
 constexpr int sidePixels = 1440;
 constexpr double sideMetres = 120.0;
 constexpr double pixelsPerMetre = sidePixels / sideMetres;  // 12
 constexpr double left = -30.0;                              // metres, of the picture's left edge
 constexpr double top = 60.0;                                // metres, of the picture's top edge
-constexpr int samplesPerSide = 4;                           // of a pixel
 
 constexpr double goalLine = 52.5;
 constexpr double touchLine = 34.0;
 constexpr double halfLine = 0.09;  // half the width of a marking: a little more than the laws allow, for the camera
-
-struct Colour {
-    double red = 0.0, green = 0.0, blue = 0.0;  // 0 .. 255
-};
-
-Colour Mix(const Colour& from, const Colour& to, double share) {
-    return {from.red + (to.red - from.red) * share, from.green + (to.green - from.green) * share,
-            from.blue + (to.blue - from.blue) * share};
-}
-
-bool Between(double value, double low, double high) { return value >= low && value <= high; }
 
 // On the outline of the rectangle from (x0, y0) to (x1, y1).
 bool OnBox(double x, double y, double x0, double y0, double x1, double y1) {
@@ -45,10 +36,6 @@ bool OnBox(double x, double y, double x0, double y0, double x1, double y1) {
 
 bool OnCircle(double x, double y, double centreX, double centreY, double radius) {
     return std::abs(std::hypot(x - centreX, y - centreY) - radius) <= halfLine;
-}
-
-bool InDisc(double x, double y, double centreX, double centreY, double radius) {
-    return std::hypot(x - centreX, y - centreY) <= radius;
 }
 
 bool OnMarking(double x, double y) {
@@ -188,37 +175,12 @@ Colour PitchAt(double x, double y) {
     return WithPlayers(colour, x, y);
 }
 
-Colour Pixel(int column, int row) {
-    Colour sum;
-    for (int i = 0; i < samplesPerSide * samplesPerSide; ++i) {
-        const double x = left + (column + (i % samplesPerSide + 0.5) / samplesPerSide) / pixelsPerMetre;
-        const double y = top - (row + (i / samplesPerSide + 0.5) / samplesPerSide) / pixelsPerMetre;
-        const Colour sample = PitchAt(x, y);
-        sum = {sum.red + sample.red, sum.green + sample.green, sum.blue + sample.blue};
-    }
-    return Mix({}, sum, 1.0 / (samplesPerSide * samplesPerSide));
+Colour PlaceAt(double column, double row) {
+    return PitchAt(left + column / pixelsPerMetre, top - row / pixelsPerMetre);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 2) {
-        std::fputs("usage: make_pitch OUT.png\n", stderr);
-        return 2;
-    }
-    try {
-        kel::Picture picture(sidePixels, sidePixels);
-        for (int row = 0; row < sidePixels; ++row) {
-            for (int column = 0; column < sidePixels; ++column) {
-                const Colour colour = Pixel(column, row);
-                const auto byte = [](double level) { return static_cast<std::uint8_t>(level + 0.5); };
-                picture.Set(column, row, {byte(colour.red), byte(colour.green), byte(colour.blue), 255});
-            }
-        }
-        kel::WritePicture(picture, argv[1]);
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "make_pitch: %s\n", error.what());
-        return 2;
-    }
-    return 0;
+    return examples::WriteSampledPicture(argc, argv, "make_pitch", sidePixels, sidePixels, PlaceAt);
 }

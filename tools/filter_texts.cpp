@@ -73,6 +73,8 @@ ParameterTexts TextsOf(const Filter& filter) {
 std::unique_ptr<Filter> MakeFilter(const Filter& prototype) {
     auto filter = prototype.CreateNew();
     filter->MakeValues(false, nullptr, nullptr);
+    // Film grain draws a seed for each set of values; here the same command gives the same picture.
+    for (const auto& value : *filter->m_values) value->reset();
     return filter;
 }
 

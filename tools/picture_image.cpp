@@ -6,6 +6,7 @@
 #include <type_traits>
 
 #include "image/pixel_format.h"
+#include "tools/pixel_rows.h"
 
 namespace chalkpane::tools {
 namespace {
@@ -14,20 +15,6 @@ using shared::AnyPicture;
 using shared::BasicPicture;
 using shared::Picture;
 using shared::Picture16;
-
-template <typename F>
-std::span<typename F::Channel> RowOf(const Image& image, std::int32_t y) {
-    if constexpr (std::is_same_v<F, PixelFormat8>)
-        return image.Row8(y);
-    else
-        return image.Row14(y);
-}
-
-// Calls `function` with the format of the image's depth.
-template <typename Function>
-auto AtDepth(std::int32_t depth, Function function) {
-    return depth == 0 ? function(PixelFormat8()) : function(PixelFormat14());
-}
 
 // A channel of a file as one of an image, and back.
 template <typename F, typename Word>

@@ -7,6 +7,7 @@ namespace chalkpane::tools {
 
 // Each adds its command to the program's command line. The command runs while the line is parsed, throws shared::Error
 // for what the operator got wrong, and CLI::RuntimeError to end with another exit code.
+void AddFilterCommand(CLI::App& program);
 void AddFiltersCommand(CLI::App& program);
 void AddPaintCommand(CLI::App& program);
 void AddCurveCommand(CLI::App& program);
@@ -14,6 +15,7 @@ void AddCurveCommand(CLI::App& program);
 // In the order in which the help lists them.
 inline constexpr std::array commands{
     AddFiltersCommand,
+    AddFilterCommand,
     AddPaintCommand,
     AddCurveCommand,
 };

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+
+#include "filters/filter.h"
+#include "image/image.h"
+#include "image/rect.h"
+
+namespace chalkpane::tools {
+
+// How filters run over a picture.
+struct FilterRun {
+    bool fast = false;             // distortions take the nearest pixel
+    bool expand = false;           // the picture grows to hold what a filter moves beyond its edges
+    std::optional<Rect> region{};  // in the plane of the picture; only this part changes
+    std::int32_t frame = 0;        // which of a sequence: moving noise follows it
+    double time = 0.0;             // seconds
+};
+
+// Runs one filter over a four-channel image in either form of alpha and answers the new picture, at the source's depth,
+// in either form. Its bounds are the source's, or with `expand` whatever else the filter made besides.
+//
+// Filters that look at one pixel at a time get straight colours, so that hardly opaque ones keep theirs; all others get
+// them premultiplied, so that what nobody sees does not bleed. Filters that know 8 bits only run at 8. With a region,
+// pixels of the source outside it are the source's own; what a filter makes beyond the source's edges stays.
+//
+// Throws std::bad_alloc when there is no memory.
+[[nodiscard]] std::unique_ptr<Image> RunFilter(Filter& filter, const Image& source, const FilterRun& run);
+
+// Runs filters in order, each over what the one before it made. `done` is called with the number of those that ran,
+// after each; it may be empty.
+[[nodiscard]] std::unique_ptr<Image> RunFilters(std::span<const std::unique_ptr<Filter>> filters, const Image& source,
+                                                const FilterRun& run,
+                                                const std::function<void(std::int32_t)>& done = {});
+
+// A picture with straight alpha and the bounds of `before`, which is `after` where the mask is full, `before` where it
+// is 0, and a mix in between, in proportion to alpha so that transparent pixels give no colour. All images are of one
+// depth; the mask has one channel and the bounds of `before`.
+[[nodiscard]] std::unique_ptr<Image> MixByMask(const Image& before, const Image& after, const Image& mask);
+
+}  // namespace chalkpane::tools
