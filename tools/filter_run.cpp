@@ -3,13 +3,33 @@
 #include <array>
 #include <new>
 
+#include "filters/distort/marble_effect.h"
+#include "filters/distort/turbulence_effect.h"
 #include "filters/point_filter.h"
 #include "image/pixel_format.h"
+#include "image/random.h"
 #include "tools/picture_image.h"
 #include "tools/pixel_rows.h"
 
 namespace chalkpane::tools {
 namespace {
+
+// Marble and turbulence share a lattice of random slopes, which either class draws at its first run in the process.
+// Both have drawn here, always the same, so that no picture depends on what ran before it.
+void SettleLattice() {
+    [[maybe_unused]] static const bool settled = [] {
+        SeedRandom(1);
+        MarbleEffect().Prepare();
+        TurbulenceEffect().Prepare();
+        return true;
+    }();
+}
+
+// Small seeds next to each other would draw nearly the same numbers.
+void SeedForFrame(std::int32_t frame) {
+    constexpr std::uint32_t spread = 2654435761U;  // 2^32 over the golden ratio
+    SeedRandom(static_cast<std::uint32_t>(frame) * spread + spread);
+}
 
 std::unique_ptr<Image> CopyIn(const Image& source, AlphaForm form) {
     auto copy = source.Clone();
@@ -29,7 +49,9 @@ std::unique_ptr<Image> Applied(Filter& filter, const Image& source, const Filter
     filter.Attach(input.get(), run.frame, run.time, nullptr);
     filter.Advance(input.get(), run.frame, 0, 0, 0, 0);
     filter.BeginStep();
-    filter.Apply(*input, result, run.fast, run.region ? &*run.region : nullptr, run.expand);
+    std::optional<Rect> region = run.region;
+    if (region) region = filter.InputRegion(*input, *region);  // its edges come out right only with what is around it
+    filter.Apply(*input, result, run.fast, region ? &*region : nullptr, run.expand);
     filter.EndStep();
     filter.Detach();
     if (!result) throw std::bad_alloc();
@@ -96,6 +118,8 @@ std::unique_ptr<Image> RunFilter(Filter& filter, const Image& source, const Filt
 
 std::unique_ptr<Image> RunFilters(std::span<const std::unique_ptr<Filter>> filters, const Image& source,
                                   const FilterRun& run, const std::function<void(std::int32_t)>& done) {
+    SettleLattice();
+    SeedForFrame(run.frame);
     std::unique_ptr<Image> picture = source.Clone();
     std::int32_t count = 0;
     for (const auto& filter : filters) {

@@ -32,7 +32,8 @@ struct FilterRun {
 [[nodiscard]] std::unique_ptr<Image> RunFilter(Filter& filter, const Image& source, const FilterRun& run);
 
 // Runs filters in order, each over what the one before it made. `done` is called with the number of those that ran,
-// after each; it may be empty.
+// after each; it may be empty. The same filters, fresh, picture and frame give the same result: the engine's random
+// numbers (image/random.h) start over from the frame.
 [[nodiscard]] std::unique_ptr<Image> RunFilters(std::span<const std::unique_ptr<Filter>> filters, const Image& source,
                                                 const FilterRun& run,
                                                 const std::function<void(std::int32_t)>& done = {});

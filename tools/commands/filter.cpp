@@ -45,6 +45,7 @@ struct FilterOptions {
     std::int32_t depth = 0;  // bits; 0: as the picture
     std::string region;
     std::string mask;
+    std::int32_t frame = 0;
     bool expand = false;
     bool fast = false;
 };
@@ -86,7 +87,7 @@ void RunFilterCommand(const FilterOptions& options) {
     std::optional<std::int32_t> depth;
     if (options.depth != 0) depth = options.depth == 8 ? 0 : 1;
     const auto source = ReadImage(options.in, depth, AlphaForm::Straight);
-    FilterRun run{.fast = options.fast, .expand = options.expand};
+    FilterRun run{.fast = options.fast, .expand = options.expand, .frame = options.frame};
     if (!options.region.empty()) run.region = RegionFromText(options.region, *source);
     const auto mask = options.mask.empty() ? nullptr : ReadMask(options.mask, *source);
 
@@ -126,6 +127,8 @@ void AddFilterCommand(CLI::App& program) {
         ->add_option("--mask", options->mask,
                      "Shows the filters where this picture is white, the original where it is black")
         ->type_name("PICTURE");
+    command->add_option("--frame", options->frame, "Number of the picture in a sequence, which grain and jitter follow")
+        ->type_name("NUMBER");
     command->add_flag("--expand", options->expand, "Lets the picture grow by what blurs and distortions spread");
     command->add_flag("--fast", options->fast, "Lets distortions take the nearest pixel");
     command->footer(grammar);
