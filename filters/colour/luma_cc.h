@@ -25,13 +25,13 @@ public:
     template <typename F>
     void Row(std::span<typename F::Channel> pixels) const {
         const float* const ratios = m_ratios.data();
-        for (std::size_t i = 0; i + 3 < pixels.size(); i += 4) {
+        ForEachColour<F>(pixels, [ratios](auto& blue, auto& green, auto& red, auto& /*alpha*/) {
             // KEEP: the 14-bit weights at 8 bits too.
-            const std::int32_t luma = LumaWord(pixels[i + 2], pixels[i + 1], pixels[i]);
-            const float ratio = ratios[luma & F::fullScale];
-            for (std::size_t c = i; c < i + 3; ++c)
-                pixels[c] = LimitedChannel<F>(static_cast<float>(pixels[c]) * ratio);
-        }
+            const float ratio = ratios[LumaWord(red, green, blue) & F::fullScale];
+            blue = Limited<F>(static_cast<float>(blue) * ratio);
+            green = Limited<F>(static_cast<float>(green) * ratio);
+            red = Limited<F>(static_cast<float>(red) * ratio);
+        });
     }
 
 private:
