@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -8,6 +10,49 @@
 #include "image/pixel_format.h"
 
 namespace chalkpane {
+
+namespace detail {
+
+// One pixel as it lies in memory, blue lowest.
+template <typename F>
+struct PixelWords {
+    static constexpr std::int32_t bits = 8 * sizeof(typename F::Channel);
+    static constexpr std::uint32_t mask = (1u << bits) - 1;
+
+    std::uint32_t low = 0;
+    std::uint32_t high = 0;  // red and alpha at 14 bits
+
+    [[gnu::always_inline]] static PixelWords Load(const typename F::Channel* at) {
+        PixelWords pixel;
+        std::memcpy(&pixel.low, at, sizeof pixel.low);
+        if constexpr (F::bits == 8)
+            pixel.high = pixel.low >> 16;
+        else
+            std::memcpy(&pixel.high, at + 2, sizeof pixel.high);
+        return pixel;
+    }
+    [[gnu::always_inline]] void Store(typename F::Channel* at) const {
+        const std::uint32_t first = F::bits == 8 ? low | high << 16 : low;
+        std::memcpy(at, &first, sizeof first);
+        if constexpr (F::bits != 8) std::memcpy(at + 2, &high, sizeof high);
+    }
+    [[nodiscard]] std::int32_t Blue() const { return static_cast<std::int32_t>(low & mask); }
+    [[nodiscard]] std::int32_t Green() const { return static_cast<std::int32_t>((low >> bits) & mask); }
+    [[nodiscard]] std::int32_t Red() const { return static_cast<std::int32_t>(high & mask); }
+    [[nodiscard]] std::int32_t Alpha() const { return static_cast<std::int32_t>((high >> bits) & mask); }
+    // Wraps in the channel's bits.
+    void Set(std::int32_t blue, std::int32_t green, std::int32_t red, std::int32_t alpha) {
+        low = Pair(blue, green);
+        high = Pair(red, alpha);
+    }
+
+private:
+    static std::uint32_t Pair(std::int32_t lower, std::int32_t upper) {
+        return (static_cast<std::uint32_t>(lower) & mask) | (static_cast<std::uint32_t>(upper) & mask) << bits;
+    }
+};
+
+}  // namespace detail
 
 // Calls `change` with the four channels of each pixel as 32-bit integers, by reference, and stores what it leaves in
 // them, wrapped in the channel's bits:
@@ -18,39 +63,47 @@ namespace chalkpane {
 // once as fit a register.
 template <typename F, typename Change>
 [[gnu::always_inline]] inline void ForEachColour(std::span<typename F::Channel> pixels, Change change) {
-    using Channel = typename F::Channel;
-    constexpr std::size_t wordsPerPixel = 4 * sizeof(Channel) / sizeof(std::uint32_t);
-    constexpr std::uint32_t mask = F::bits == 8 ? 0xffu : 0xffffu;
-    const auto cut = [](std::uint32_t word, int shift) { return static_cast<std::int32_t>((word >> shift) & mask); };
-    const auto put = [](std::int32_t channel, int shift) {
-        return (static_cast<std::uint32_t>(channel) & mask) << shift;
-    };
-    auto* const bytes = reinterpret_cast<std::byte*>(pixels.data());
     const std::size_t count = pixels.size() / 4;
     for (std::size_t i = 0; i < count; ++i) {
-        std::byte* const at = bytes + i * sizeof(std::uint32_t) * wordsPerPixel;
-        std::uint32_t low;
-        std::memcpy(&low, at, sizeof low);
-        if constexpr (F::bits == 8) {
-            std::int32_t blue = cut(low, 0);
-            std::int32_t green = cut(low, 8);
-            std::int32_t red = cut(low, 16);
-            std::int32_t alpha = cut(low, 24);
-            change(blue, green, red, alpha);
-            low = put(blue, 0) | put(green, 8) | put(red, 16) | put(alpha, 24);
-            std::memcpy(at, &low, sizeof low);
-        } else {
-            std::uint32_t high;
-            std::memcpy(&high, at + sizeof low, sizeof high);
-            std::int32_t blue = cut(low, 0);
-            std::int32_t green = cut(low, 16);
-            std::int32_t red = cut(high, 0);
-            std::int32_t alpha = cut(high, 16);
-            change(blue, green, red, alpha);
-            low = put(blue, 0) | put(green, 16);
-            high = put(red, 0) | put(alpha, 16);
-            std::memcpy(at, &low, sizeof low);
-            std::memcpy(at + sizeof low, &high, sizeof high);
+        auto* const at = pixels.data() + 4 * i;
+        auto pixel = detail::PixelWords<F>::Load(at);
+        std::int32_t blue = pixel.Blue();
+        std::int32_t green = pixel.Green();
+        std::int32_t red = pixel.Red();
+        std::int32_t alpha = pixel.Alpha();
+        change(blue, green, red, alpha);
+        pixel.Set(blue, green, red, alpha);
+        pixel.Store(at);
+    }
+}
+
+// `ForEachColour` for changes that need a number from a table. It is looked up for many pixels at a time, apart from
+// the change itself, so that only the look-ups go pixel by pixel:
+//     std::int32_t index(std::int32_t blue, std::int32_t green, std::int32_t red)     inside the table
+//     change(blue, green, red, alpha, float found)
+template <typename F, typename Index, typename Change>
+[[gnu::always_inline]] inline void ForEachColour(std::span<typename F::Channel> pixels, const float* table, Index index,
+                                                 Change change) {
+    constexpr std::size_t block = 256;
+    std::array<std::int32_t, block> places;
+    std::array<float, block> numbers;
+    for (; pixels.size() >= 4; pixels = pixels.subspan(std::min(4 * block, pixels.size()))) {
+        const auto part = pixels.first(std::min(4 * block, pixels.size()));
+        const std::size_t count = part.size() / 4;
+        for (std::size_t i = 0; i < count; ++i) {
+            const auto pixel = detail::PixelWords<F>::Load(part.data() + 4 * i);
+            places[i] = index(pixel.Blue(), pixel.Green(), pixel.Red());
+        }
+        for (std::size_t i = 0; i < count; ++i) numbers[i] = table[places[i]];
+        for (std::size_t i = 0; i < count; ++i) {
+            auto pixel = detail::PixelWords<F>::Load(part.data() + 4 * i);
+            std::int32_t blue = pixel.Blue();
+            std::int32_t green = pixel.Green();
+            std::int32_t red = pixel.Red();
+            std::int32_t alpha = pixel.Alpha();
+            change(blue, green, red, alpha, numbers[i]);
+            pixel.Set(blue, green, red, alpha);
+            pixel.Store(part.data() + 4 * i);
         }
     }
 }

@@ -6,6 +6,7 @@
 #include <memory>
 #include <span>
 
+#include "filters/byte_scale.h"
 #include "filters/colour_loop.h"
 #include "filters/filter_class.h"
 #include "filters/point_filter.h"
@@ -72,6 +73,22 @@ template <typename F>
 template <typename F, typename Number>
 [[nodiscard]] inline typename F::Channel LimitedChannel(Number value) {
     return static_cast<typename F::Channel>(Limited<F>(value));
+}
+
+// Every colour channel through a table of full scale + 1 entries; higher bits of a word are not looked at.
+template <typename F>
+inline void MapChannels(std::span<typename F::Channel> pixels, const std::uint16_t* table) {
+    const auto mapped = [table](auto channel) {
+        return static_cast<typename F::Channel>(table[channel & F::fullScale]);
+    };
+    for (std::size_t i = 0; i + 3 < pixels.size(); i += 4) {
+        const auto blue = mapped(pixels[i]);
+        const auto green = mapped(pixels[i + 1]);
+        const auto red = mapped(pixels[i + 2]);
+        pixels[i] = blue;
+        pixels[i + 1] = green;
+        pixels[i + 2] = red;
+    }
 }
 
 // Truncates towards zero; what an integer cannot hold becomes the nearest one that can, and what is not a number 0.

@@ -21,9 +21,10 @@ public:
     // No limit: a gain never takes the brightest component beyond the upper point.
     template <typename F>
     void Row(std::span<typename F::Channel> pixels) const {
-        const float* const gains = m_gains.data();
-        ForEachColour<F>(pixels, [gains](auto& blue, auto& green, auto& red, auto& /*alpha*/) {
-            const float gain = gains[std::max(std::max(blue, green), red) & F::fullScale];
+        const auto brightest = [](auto blue, auto green, auto red) {
+            return std::max(std::max(blue, green), red) & F::fullScale;
+        };
+        ForEachColour<F>(pixels, m_gains.data(), brightest, [](auto& blue, auto& green, auto& red, auto&, float gain) {
             blue = static_cast<std::int32_t>(gain * static_cast<float>(blue));
             green = static_cast<std::int32_t>(gain * static_cast<float>(green));
             red = static_cast<std::int32_t>(gain * static_cast<float>(red));

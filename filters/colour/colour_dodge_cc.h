@@ -32,17 +32,17 @@ public:
 
     template <typename F>
     void Row(std::span<typename F::Channel> pixels) const {
-        for (std::size_t i = 0; i + 3 < pixels.size(); i += 4) {
-            const std::int32_t luma = LumaOf<F>(pixels[i + 2], pixels[i + 1], pixels[i]) & F::fullScale;
-            const std::int32_t weight = m_weights[static_cast<std::size_t>(luma)];
-            if (weight == 0) continue;
-            const std::int32_t scale = weight + (weight >> (F::bits - 1));
-            for (std::size_t c = 0; c < 3; ++c) {
-                const std::int32_t channel = pixels[i + c];
-                const std::int32_t wanted = m_tables[c][static_cast<std::size_t>(channel & F::fullScale)];
-                pixels[i + c] = static_cast<typename F::Channel>(channel + (((wanted - channel) * scale) >> F::bits));
-            }
-        }
+        const std::array tables{m_tables[0].data(), m_tables[1].data(), m_tables[2].data()};
+        const std::uint16_t* const scales = m_scales.data();
+        ForEachColour<F>(pixels, [&tables, scales](auto& blue, auto& green, auto& red, auto& /*alpha*/) {
+            const std::int32_t scale = scales[LumaOf<F>(red, green, blue) & F::fullScale];
+            const auto dodged = [scale](std::int32_t channel, const std::uint16_t* table) {
+                return channel + (((table[channel & F::fullScale] - channel) * scale) >> F::bits);
+            };
+            blue = dodged(blue, tables[0]);
+            green = dodged(green, tables[1]);
+            red = dodged(red, tables[2]);
+        });
     }
 
 private:
@@ -53,7 +53,7 @@ private:
     bool m_usePaintColour = false;
     bool m_withPaintColour;
     std::array<std::vector<std::uint16_t>, 3> m_tables;  // blue, green, red: what a channel becomes at full weight
-    std::vector<std::uint16_t> m_weights;                // per luma
+    std::vector<std::uint16_t> m_scales;                 // how far towards that, of 256 or 16384, per luma
 };
 
 }  // namespace chalkpane

@@ -30,12 +30,7 @@ public:
     template <typename F>
     void Row(std::span<typename F::Channel> pixels) const {
         const float base = m_hue / 360.0F * 0.01F;
-        if (HasNoRanges()) return TurnHues<F>(pixels, [base](const HsvFloat& colour) { return colour.hue + base; });
-        const float* const turns = m_turns.data();
-        TurnHues<F>(pixels, [base, turns](const HsvFloat& colour) {
-            const auto index = static_cast<std::int32_t>(colour.value * static_cast<float>(F::fullScale));
-            return colour.hue + base + turns[index < F::fullScale ? index : F::fullScale];  // words can lie above it
-        });
+        TurnHues(pixels, base, HasNoRanges() ? nullptr : m_turns.data());
     }
 
 private:

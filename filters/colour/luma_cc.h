@@ -24,10 +24,9 @@ public:
 
     template <typename F>
     void Row(std::span<typename F::Channel> pixels) const {
-        const float* const ratios = m_ratios.data();
-        ForEachColour<F>(pixels, [ratios](auto& blue, auto& green, auto& red, auto& /*alpha*/) {
-            // KEEP: the 14-bit weights at 8 bits too.
-            const float ratio = ratios[LumaWord(red, green, blue) & F::fullScale];
+        // KEEP: the 14-bit weights at 8 bits too.
+        const auto luma = [](auto blue, auto green, auto red) { return LumaWord(red, green, blue) & F::fullScale; };
+        ForEachColour<F>(pixels, m_ratios.data(), luma, [](auto& blue, auto& green, auto& red, auto&, float ratio) {
             blue = Limited<F>(static_cast<float>(blue) * ratio);
             green = Limited<F>(static_cast<float>(green) * ratio);
             red = Limited<F>(static_cast<float>(red) * ratio);

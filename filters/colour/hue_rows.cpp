@@ -1,0 +1,64 @@
+#include "filters/colour/hue_rows.h"
+
+#include <algorithm>
+
+#include "filters/colour_loop.h"
+#include "filters/hsv_words.h"
+#include "paint/vector_choice.h"
+
+namespace chalkpane {
+namespace {
+
+template <typename F>
+[[gnu::always_inline]] inline std::int32_t Wide(std::int32_t channel) {
+    return F::bits == 8 ? channel * 64 + (channel >> 2) : channel;
+}
+
+template <typename F>
+[[gnu::always_inline]] inline void Turn(std::span<typename F::Channel> pixels, float turn, const float* byValue) {
+    const auto valueOf = [](std::int32_t blue, std::int32_t green, std::int32_t red) {
+        const float value = static_cast<float>(Wide<F>(std::max(std::max(red, green), blue))) * 6.103888e-05F;
+        return std::min(static_cast<std::int32_t>(value * static_cast<float>(F::fullScale)), F::fullScale);
+    };
+    const auto turned = [turn](auto& blue, auto& green, auto& red, auto& /*alpha*/, float more) {
+        HsvFloat colour = RgbToHsv({Wide<F>(red), Wide<F>(green), Wide<F>(blue)});
+        colour.hue = WrapHue(colour.hue + turn + more);
+        const RgbWords words = HsvToRgb(colour);
+        blue = words.blue >> (14 - F::bits);
+        green = words.green >> (14 - F::bits);
+        red = words.red >> (14 - F::bits);
+    };
+    constexpr float none = 0.0F;
+    if (byValue != nullptr)
+        ForEachColour<F>(pixels, byValue, valueOf, turned);
+    else
+        ForEachColour<F>(
+            pixels, &none, [](auto, auto, auto) { return 0; }, turned);
+}
+
+#if defined(__x86_64__)
+template <typename F>
+[[gnu::target("avx2"), gnu::flatten]] void TurnAvx2(std::span<typename F::Channel> pixels, float turn,
+                                                    const float* byValue) {
+    Turn<F>(pixels, turn, byValue);
+}
+#endif
+
+template <typename F>
+void TurnFastest(std::span<typename F::Channel> pixels, float turn, const float* byValue) {
+#if defined(__x86_64__)
+    if (HasAvx2()) return TurnAvx2<F>(pixels, turn, byValue);
+#endif
+    Turn<F>(pixels, turn, byValue);
+}
+
+}  // namespace
+
+void TurnHues(std::span<std::uint8_t> pixels, float turn, const float* byValue) {
+    TurnFastest<PixelFormat8>(pixels, turn, byValue);
+}
+void TurnHues(std::span<std::uint16_t> pixels, float turn, const float* byValue) {
+    TurnFastest<PixelFormat14>(pixels, turn, byValue);
+}
+
+}  // namespace chalkpane
