@@ -77,16 +77,16 @@ template <typename F, typename Change>
     }
 }
 
-// `ForEachColour` for changes that need a number from a table. It is looked up for many pixels at a time, apart from
+// `ForEachColour` for changes that need an entry of a table. It is looked up for many pixels at a time, apart from
 // the change itself, so that only the look-ups go pixel by pixel:
 //     std::int32_t index(std::int32_t blue, std::int32_t green, std::int32_t red)     inside the table
-//     change(blue, green, red, alpha, float found)
-template <typename F, typename Index, typename Change>
-[[gnu::always_inline]] inline void ForEachColour(std::span<typename F::Channel> pixels, const float* table, Index index,
+//     change(blue, green, red, alpha, Entry found)
+template <typename F, typename Entry, typename Index, typename Change>
+[[gnu::always_inline]] inline void ForEachColour(std::span<typename F::Channel> pixels, const Entry* table, Index index,
                                                  Change change) {
     constexpr std::size_t block = 256;
     std::array<std::int32_t, block> places;
-    std::array<float, block> numbers;
+    std::array<Entry, block> entries;
     for (; pixels.size() >= 4; pixels = pixels.subspan(std::min(4 * block, pixels.size()))) {
         const auto part = pixels.first(std::min(4 * block, pixels.size()));
         const std::size_t count = part.size() / 4;
@@ -94,14 +94,14 @@ template <typename F, typename Index, typename Change>
             const auto pixel = detail::PixelWords<F>::Load(part.data() + 4 * i);
             places[i] = index(pixel.Blue(), pixel.Green(), pixel.Red());
         }
-        for (std::size_t i = 0; i < count; ++i) numbers[i] = table[places[i]];
+        for (std::size_t i = 0; i < count; ++i) entries[i] = table[places[i]];
         for (std::size_t i = 0; i < count; ++i) {
             auto pixel = detail::PixelWords<F>::Load(part.data() + 4 * i);
             std::int32_t blue = pixel.Blue();
             std::int32_t green = pixel.Green();
             std::int32_t red = pixel.Red();
             std::int32_t alpha = pixel.Alpha();
-            change(blue, green, red, alpha, numbers[i]);
+            change(blue, green, red, alpha, entries[i]);
             pixel.Set(blue, green, red, alpha);
             pixel.Store(part.data() + 4 * i);
         }

@@ -32,17 +32,24 @@ public:
 
     template <typename F>
     void Row(std::span<typename F::Channel> pixels) const {
-        const std::array tables{m_tables[0].data(), m_tables[1].data(), m_tables[2].data()};
-        const std::uint16_t* const scales = m_scales.data();
-        ForEachColour<F>(pixels, [&tables, scales](auto& blue, auto& green, auto& red, auto& /*alpha*/) {
-            const std::int32_t scale = scales[LumaOf<F>(red, green, blue) & F::fullScale];
-            const auto dodged = [scale](std::int32_t channel, const std::uint16_t* table) {
-                return channel + (((table[channel & F::fullScale] - channel) * scale) >> F::bits);
-            };
-            blue = dodged(blue, tables[0]);
-            green = dodged(green, tables[1]);
-            red = dodged(red, tables[2]);
-        });
+        const auto luma = [](auto blue, auto green, auto red) { return LumaOf<F>(red, green, blue) & F::fullScale; };
+        constexpr std::size_t block = 256;
+        std::array<typename F::Channel, 4 * block> wanted{};
+        for (; pixels.size() >= 4; pixels = pixels.subspan(std::min(4 * block, pixels.size()))) {
+            const auto part = pixels.first(std::min(4 * block, pixels.size()));
+            for (std::size_t i = 0; i + 3 < part.size(); i += 4)
+                for (std::size_t c = 0; c < 3; ++c)
+                    wanted[i + c] = static_cast<typename F::Channel>(m_tables[c][part[i + c] & F::fullScale]);
+            const auto* at = wanted.data();
+            ForEachColour<F>(part, m_scales.data(), luma, [&at](auto& blue, auto& green, auto& red, auto&, auto found) {
+                const auto to = detail::PixelWords<F>::Load(at);
+                const std::int32_t scale = found;
+                at += 4;
+                blue += ((to.Blue() - blue) * scale) >> F::bits;
+                green += ((to.Green() - green) * scale) >> F::bits;
+                red += ((to.Red() - red) * scale) >> F::bits;
+            });
+        }
     }
 
 private:

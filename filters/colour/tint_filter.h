@@ -76,9 +76,8 @@ private:
 
     template <typename F>
     void TakeEntries(std::span<typename F::Channel> pixels) const {
-        const Blend* const blends = m_blends.data();
-        ForEachColour<F>(pixels, [blends](auto& blue, auto& green, auto& red, auto& alpha) {
-            const Blend& at = blends[LumaOf<F>(red, green, blue) & F::fullScale];
+        const auto luma = [](auto blue, auto green, auto red) { return LumaOf<F>(red, green, blue) & F::fullScale; };
+        ForEachColour<F>(pixels, m_blends.data(), luma, [](auto& blue, auto& green, auto& red, auto& alpha, Blend at) {
             blue = alpha == 0 ? 0 : at.blue;
             green = alpha == 0 ? 0 : at.green;
             red = alpha == 0 ? 0 : at.red;
@@ -88,12 +87,12 @@ private:
     // c + (the sum over the tints of (entry - c) * weight, shifted right by 8).
     template <typename F, typename Product>
     void BlendEntries(std::span<typename F::Channel> pixels) const {
-        const Blend* const blends = m_blends.data();
-        ForEachColour<F>(pixels, [blends](auto& blue, auto& green, auto& red, auto& alpha) {
-            // DIFFERS: 8 bits round the luma, 14 bits do not.
-            const std::int32_t luma =
-                F::bits == 8 ? (77 * red + 151 * green + 28 * blue + 128) >> 8 : LumaWord(red, green, blue);
-            const Blend& at = blends[luma & F::fullScale];
+        // DIFFERS: 8 bits round the luma, 14 bits do not.
+        const auto luma = [](auto blue, auto green, auto red) {
+            return (F::bits == 8 ? (77 * red + 151 * green + 28 * blue + 128) >> 8 : LumaWord(red, green, blue)) &
+                   F::fullScale;
+        };
+        ForEachColour<F>(pixels, m_blends.data(), luma, [](auto& blue, auto& green, auto& red, auto& alpha, Blend at) {
             const auto tinted = [&at, visible = alpha != 0](std::int32_t channel, std::int32_t sum) {
                 const Product more = (sum - static_cast<Product>(channel) * at.weight) >> 8;
                 return visible ? Limited<F>(static_cast<std::int32_t>(channel + more)) : 0;
