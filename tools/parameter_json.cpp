@@ -1,5 +1,6 @@
 #include "tools/parameter_json.h"
 
+#include <cmath>
 #include <nlohmann/json.hpp>
 
 #include "shared/error.h"
@@ -23,7 +24,13 @@ template <typename Json>
 std::string TextOfScalar(const Json& value) {
     if (value.is_string()) return value.template get<std::string>();
     if (value.is_boolean()) return value.template get<bool>() ? "true" : "false";
-    if (value.is_number_float()) return TextOfNumber(value.template get<double>());
+    if (value.is_number_float()) {
+        const auto number = value.template get<double>();
+        // 3.0 and 2e6 are whole numbers too.
+        if (number == std::floor(number) && std::abs(number) < 1e15)
+            return std::to_string(static_cast<std::int64_t>(number));
+        return TextOfNumber(number);
+    }
     if (value.is_number()) return value.dump();
     throw Error(std::string("a value cannot be ") + value.type_name());
 }

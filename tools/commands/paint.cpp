@@ -1,3 +1,4 @@
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -9,6 +10,7 @@
 #include "tools/paint/stroke_painter.h"
 #include "tools/paint/strokes_file.h"
 #include "tools/picture_image.h"
+#include "tools/value_parsing.h"
 
 namespace chalkpane::tools {
 namespace {
@@ -28,6 +30,8 @@ void Paint(const PaintArguments& arguments) {
     std::optional<std::int32_t> depth;
     if (arguments.bits) depth = *arguments.bits == 8 ? 0 : 1;
     const auto canvas = MakeCanvas(file, arguments.picture, depth);
+    if (canvas->depth != 0 && !SameName(std::filesystem::path(arguments.output).extension().string(), ".png"))
+        throw shared::Error(arguments.output, {}, "a JPEG has 8 bits a channel; 16 bits need a name in .png");
     PictureFiles pictures(canvas->depth);
     {
         shared::ProgressLine line("point", PointCount(file));

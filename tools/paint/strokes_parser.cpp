@@ -20,7 +20,7 @@ using shared::JsonNode;
 using shared::Quoted;
 
 constexpr double farthestPixel = 1'000'000;
-constexpr std::size_t mostPoints = 2'000'000;  // in a file
+constexpr std::size_t mostPoints = 1'000'000;  // in a file
 constexpr std::size_t mostStrokes = 200'000;
 constexpr std::int64_t largestSeed = UINT32_MAX;
 
