@@ -14,17 +14,6 @@
 namespace chalkpane::tools {
 namespace {
 
-// Marble and turbulence share a lattice of random slopes, which either class draws at its first run in the process.
-// Both have drawn here, always the same, so that no picture depends on what ran before it.
-void SettleLattice() {
-    [[maybe_unused]] static const bool settled = [] {
-        SeedRandom(1);
-        MarbleEffect().Prepare();
-        TurbulenceEffect().Prepare();
-        return true;
-    }();
-}
-
 // Small seeds next to each other would draw nearly the same numbers.
 void SeedForFrame(std::int32_t frame) {
     constexpr std::uint32_t spread = 2654435761U;  // 2^32 over the golden ratio
@@ -105,6 +94,15 @@ void MixRow(const Image& before, const Image& after, const Image& mask, Image& m
 }
 
 }  // namespace
+
+void SettleLattice() {
+    [[maybe_unused]] static const bool settled = [] {
+        SeedRandom(1);
+        MarbleEffect().Prepare();
+        TurbulenceEffect().Prepare();
+        return true;
+    }();
+}
 
 std::unique_ptr<Image> RunFilter(Filter& filter, const Image& source, const FilterRun& run) {
     auto made = Applied(filter, source, run);

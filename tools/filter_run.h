@@ -38,6 +38,11 @@ struct FilterRun {
                                                 const FilterRun& run,
                                                 const std::function<void(std::int32_t)>& done = {});
 
+// Marble and turbulence share a lattice of random slopes, which either class draws at its first run in the process.
+// Behind this both have drawn, always the same, so that no picture depends on what ran before it. `RunFilters` does so
+// itself. The first call seeds the engine's random numbers.
+void SettleLattice();
+
 // A picture with straight alpha and the bounds of `before`, which is `after` where the mask is full, `before` where it
 // is 0, and a mix in between, in proportion to alpha so that transparent pixels give no colour. All images are of one
 // depth; the mask has one channel and the bounds of `before`.

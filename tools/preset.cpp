@@ -4,6 +4,7 @@
 
 #include "paint/basic_brush.h"
 #include "paint/brush_source.h"
+#include "shared/error.h"
 
 namespace chalkpane::tools {
 namespace {
@@ -68,6 +69,13 @@ PresetView ViewOf(BasicBrush& brush, const DataSet* paint) {
     if (const ParameterValue* const name = brush.Values().findValue(BasicBrush::ClassParameters().find(0)))
         name->getString(view.name);
     return view;
+}
+
+std::vector<std::unique_ptr<Filter>> FiltersOfPreset(const std::filesystem::path& file, const AnimationClock& clock) {
+    Preset preset = ReadPreset(file, clock);
+    if (preset.kind == PresetKind::Brush)
+        throw shared::Error(file.string(), {}, "is the preset of a brush; pictures go through filters");
+    return std::move(preset.filters);
 }
 
 void Exchange(BasicBrush& brush, Preset& preset) {

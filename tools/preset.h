@@ -35,9 +35,10 @@ struct BrushSettings {
 // Values with keys refer to the clock that the preset was read with.
 struct Preset {
     PresetKind kind = PresetKind::Filter;
-    std::string name;                              // of a filter: its class's
-    std::unique_ptr<BrushSettings> brush;          // null unless the kind is Brush
-    std::vector<std::unique_ptr<Filter>> filters;  // each with its values; one for the kind Filter
+    std::string name;                      // of a filter: its class's
+    std::unique_ptr<BrushSettings> brush;  // null unless the kind is Brush
+    // Each with its values and whether it is active; one for the kind Filter.
+    std::vector<std::unique_ptr<Filter>> filters;
 };
 
 // An object to be written. Borrows all it names; a filter must have its values (`MakeValues`).
@@ -64,10 +65,15 @@ struct PresetView {
 [[nodiscard]] Preset ReadPresetText(const std::string& text, const std::string& shownName,
                                     const std::filesystem::path& folder, const AnimationClock& clock);
 
-// Writes a preset, whole or not at all. A value is written so that it reads back exactly. Throws shared::Error for a
-// value that is no number, and where the file cannot be written.
-void WritePreset(const PresetView& object, const std::filesystem::path& file);
+// The filters of a preset, one or a chain. Throws shared::Error for that of a brush too.
+[[nodiscard]] std::vector<std::unique_ptr<Filter>> FiltersOfPreset(const std::filesystem::path& file,
+                                                                   const AnimationClock& clock);
+
+// The text of a preset. A value is written so that it reads back exactly. Throws shared::Error for a value that is no
+// number.
 [[nodiscard]] std::string TextOfPreset(const PresetView& object, const std::filesystem::path& folder);
+// The same for a file of that name, from whose folder other files are told.
+[[nodiscard]] std::string TextForFile(const PresetView& object, const std::filesystem::path& file);
 
 // Gives a brush the values and filters of a preset of the kind Brush, and the preset what the brush had. Takes hold
 // with the brush's next `Update`; until then the preset must live. The values of `paint` stay for the caller.

@@ -13,6 +13,7 @@
 #include "tools/filter_texts.h"
 #include "tools/preset.h"
 #include "tools/preset_check.h"
+#include "tools/preset_choices.h"
 #include "tools/preset_range.h"
 #include "tools/preset_values.h"
 #include "tools/value_parsing.h"
@@ -49,7 +50,7 @@ private:
     struct Slot {
         DataSet* values = nullptr;
         const ParameterDef* definition = nullptr;
-        const Filter* filter = nullptr;  // whose choices an enumeration has; null: not known
+        const Filter* filter = nullptr;  // whose parameter it is; null: a brush's
         std::int32_t givenInLine = 0;    // 0: not yet
     };
     struct Object {
@@ -85,6 +86,7 @@ private:
     // By its class's name, as it is written, or by its label.
     std::unique_ptr<Filter> ReadFilter(const std::string& name) {
         std::unique_ptr<Filter> filter = NewFilter(name);
+        filter->m_active = !m_scanner.expectIdentifier("inactive");
         Object object{"filter " + Quoted(filter->Name()), {}};
         AddSlots(object, *filter->m_values, filter.get());
         ReadBody(object, nullptr);
@@ -170,8 +172,8 @@ private:
         bool isSet = false;
         std::int32_t index = 0;
         if (!m_scanner.readBoolean(isSet) || !m_scanner.readInteger(index)) return false;
-        const std::int32_t known = slot.filter != nullptr ? slot.filter->EnumCount(*slot.definition) : 0;
-        const std::int32_t count = known > 0 ? known : 256;
+        const auto choices = ChoicesOf(*slot.definition, slot.filter);
+        const std::int32_t count = choices.empty() ? 256 : static_cast<std::int32_t>(choices.size());
         if (index < 0 || index >= count)
             Fail(Quoted(slot.definition->name) + " has the choices 0 to " + std::to_string(count - 1) + ", and no " +
                  std::to_string(index));

@@ -2,9 +2,9 @@
 
 #include "parameters/text_sink.h"
 #include "shared/error.h"
-#include "shared/file_bytes.h"
 #include "shared/nearest_name.h"
 #include "tools/preset.h"
+#include "tools/preset_choices.h"
 #include "tools/preset_values.h"
 
 namespace chalkpane::tools {
@@ -47,8 +47,8 @@ public:
 private:
     std::string Margin() const { return std::string(m_depth * 4, ' '); }
 
-    void Open(std::string_view word, std::string_view name) {
-        m_text += Margin() + std::string(word) + ' ' + InQuotes(name) + " {\n";
+    void Open(std::string_view word, std::string_view name, std::string_view state = {}) {
+        m_text += Margin() + std::string(word) + ' ' + InQuotes(name) + std::string(state) + " {\n";
         ++m_depth;
     }
     void Close() {
@@ -57,18 +57,18 @@ private:
     }
 
     void WriteFilter(const Filter& filter) {
-        Open(WordOf(PresetKind::Filter), filter.Name());
+        Open(WordOf(PresetKind::Filter), filter.Name(), filter.m_active ? "" : " inactive");
         WriteValues(*filter.m_values, &filter);
         Close();
     }
 
-    // filter: whose values they are, for the names of choices; may be null
+    // filter: whose values they are; null: a brush's
     void WriteValues(const DataSet& values, const Filter* filter) {
         for (const ValuePointer& value : values) {
             // The name of the object itself stands at its head.
             if (filter == nullptr && value->getParameter()->name == "Brush Name") continue;
             WriteValue(*value);
-            if (filter != nullptr) WriteChoice(*value, *filter);
+            WriteChoice(*value, ChoicesOf(*value->getParameter(), filter));
             m_text += '\n';
         }
     }
@@ -89,12 +89,10 @@ private:
         m_text += Margin() + '}';
     }
 
-    void WriteChoice(const ParameterValue& value, const Filter& filter) {
-        if (value.getParameter()->type != ParameterType::enumeration) return;
+    void WriteChoice(const ParameterValue& value, const std::vector<std::string>& choices) {
         std::uint8_t index = 0;
         value.getEnumeration(index);
-        const std::string_view label = filter.EnumLabel(*value.getParameter(), index);
-        if (!label.empty()) m_text += "  # " + std::string(label);
+        if (index < choices.size()) m_text += "  # " + choices[index];
     }
 
     const std::filesystem::path& m_folder;
@@ -110,9 +108,8 @@ std::string TextOfPreset(const PresetView& object, const std::filesystem::path& 
     return writer.Text();
 }
 
-void WritePreset(const PresetView& object, const std::filesystem::path& file) {
-    const std::string text = TextOfPreset(object, std::filesystem::absolute(file).lexically_normal().parent_path());
-    shared::WriteFileWhole(file, {text.begin(), text.end()});
+std::string TextForFile(const PresetView& object, const std::filesystem::path& file) {
+    return TextOfPreset(object, std::filesystem::absolute(file).lexically_normal().parent_path());
 }
 
 }  // namespace chalkpane::tools

@@ -1,4 +1,3 @@
-#include <csignal>
 #include <memory>
 #include <optional>
 
@@ -6,6 +5,7 @@
 #include "host/commands/module_path.h"
 #include "host/error.h"
 #include "host/player.h"
+#include "shared/interrupt_guard.h"
 #include "shared/output_files.h"
 #include "shared/progress_line.h"
 
@@ -19,22 +19,6 @@ struct PlayOptions {
     std::string overlay;
     std::string saves = ".";
     std::string module;
-};
-
-volatile std::sig_atomic_t interrupted = 0;
-
-// Lets the operator stop a long play without temporary files staying behind.
-class InterruptGuard {
-public:
-    InterruptGuard() : m_before(std::signal(SIGINT, [](int) { interrupted = 1; })) {}
-    ~InterruptGuard() { std::signal(SIGINT, m_before); }
-    InterruptGuard(const InterruptGuard&) = delete;
-    InterruptGuard& operator=(const InterruptGuard&) = delete;
-    InterruptGuard(InterruptGuard&&) = delete;
-    InterruptGuard& operator=(InterruptGuard&&) = delete;
-
-private:
-    void (*m_before)(int);
 };
 
 std::filesystem::path SavePath(const PlayOptions& options, const std::string& name) {
@@ -63,11 +47,12 @@ void Play(const PlayOptions& options) {
     if (!options.overlay.empty() && player.OverlayContainer() == noObject)
         throw Error(options.session, "/containers", "no container has a plug-in, so there is no overlay");
 
-    const InterruptGuard guard;
+    const shared::InterruptGuard guard;
     {
         shared::ProgressLine progress("field", session.fields);
         while (!player.IsOver()) {
-            if (interrupted != 0) throw CLI::RuntimeError("interrupted", 128 + SIGINT);
+            if (shared::InterruptGuard::IsInterrupted())
+                throw CLI::RuntimeError("interrupted", shared::InterruptGuard::exitCode);
             const std::int64_t field = player.NextField();
             const auto saves = player.PlayField(frames ? Player::Picture::Wanted : Player::Picture::NotWanted);
             for (const std::string& name : saves) outputs.Stage(host.ReadFrame(), SavePath(options, name));

@@ -10,14 +10,12 @@ namespace chalkpane::tools {
 void AddFilterCommand(CLI::App& program);
 void AddFiltersCommand(CLI::App& program);
 void AddPaintCommand(CLI::App& program);
+void AddAnimateCommand(CLI::App& program);
 void AddCurveCommand(CLI::App& program);
 
 // In the order in which the help lists them.
 inline constexpr std::array commands{
-    AddFiltersCommand,
-    AddFilterCommand,
-    AddPaintCommand,
-    AddCurveCommand,
+    AddFiltersCommand, AddFilterCommand, AddPaintCommand, AddAnimateCommand, AddCurveCommand,
 };
 
 }  // namespace chalkpane::tools

@@ -3,13 +3,17 @@
 #include <vector>
 
 #include "shared/error.h"
+#include "shared/file_bytes.h"
 #include "shared/nearest_name.h"
 #include "shared/output_files.h"
 #include "shared/progress_line.h"
 #include "tools/commands/commands.h"
+#include "tools/commands/preset_options.h"
 #include "tools/filter_run.h"
 #include "tools/filter_texts.h"
+#include "tools/frame_rate_clock.h"
 #include "tools/picture_image.h"
+#include "tools/preset.h"
 #include "tools/value_parsing.h"
 
 namespace chalkpane::tools {
@@ -48,7 +52,27 @@ struct FilterOptions {
     std::int32_t frame = 0;
     bool expand = false;
     bool fast = false;
+    std::string preset;
+    std::string savedPreset;
+    double rate = FrameRateClock::usualRate;
 };
+
+// Those of the preset and behind them those that are applied, with their values as they are at the clock's frame.
+std::vector<std::unique_ptr<Filter>> FiltersOf(const FilterOptions& options, const FrameRateClock& clock) {
+    if (options.preset.empty() && options.apply.empty())
+        throw Error("there is no filter to run; name one with --apply or give a --preset");
+    auto filters =
+        options.preset.empty() ? std::vector<std::unique_ptr<Filter>>() : FiltersOfPreset(options.preset, clock);
+    for (const std::string& text : options.apply) filters.push_back(FilterFromText(text));
+    for (const auto& filter : filters) TakeValues(*filter);
+    return filters;
+}
+
+// Empty when no preset is to be written.
+std::string TextToSave(const FilterOptions& options, const std::vector<std::unique_ptr<Filter>>& filters) {
+    const std::filesystem::path file = options.savedPreset;
+    return file.empty() ? "" : TextForFile(ViewOf(filters, file.stem().string()), file);
+}
 
 // From picture pixels, y downwards from the top row, to the plane.
 Rect RegionFromText(const std::string& text, const Rect& picture) {
@@ -79,10 +103,13 @@ std::unique_ptr<Image> ReadMask(const std::string& file, const Image& picture) {
 }
 
 void RunFilterCommand(const FilterOptions& options) {
-    std::vector<std::unique_ptr<Filter>> filters;
-    for (const std::string& text : options.apply) filters.push_back(FilterFromText(text));
     shared::OutputFiles outputs;
     outputs.Announce(options.out);
+    FrameRateClock clock(options.rate);
+    clock.StandAt(options.frame);
+    auto filters = FiltersOf(options, clock);
+    const std::string preset = TextToSave(options, filters);
+    std::erase_if(filters, [](const auto& filter) { return !filter->m_active; });
 
     std::optional<std::int32_t> depth;
     if (options.depth != 0) depth = options.depth == 8 ? 0 : 1;
@@ -99,6 +126,7 @@ void RunFilterCommand(const FilterOptions& options) {
     }
     if (mask) picture = MixByMask(*source, *picture, *mask);
     StageImage(*picture, options.out, outputs);
+    if (!preset.empty()) shared::WriteFileWhole(options.savedPreset, {preset.begin(), preset.end()});
     outputs.Commit();
 }
 
@@ -111,7 +139,6 @@ void AddFilterCommand(CLI::App& program) {
     command->add_option("out", options->out, "The picture to write; a PNG, or at 8 bits a JPEG")->required();
     command->add_option("--apply", options->apply, "A filter to run; several run in the order given")
         ->type_name("FILTER")
-        ->required()
         ->expected(1)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     command
@@ -131,6 +158,11 @@ void AddFilterCommand(CLI::App& program) {
         ->type_name("NUMBER");
     command->add_flag("--expand", options->expand, "Lets the picture grow by what blurs and distortions spread");
     command->add_flag("--fast", options->fast, "Lets distortions take the nearest pixel");
+    command
+        ->add_option("--preset", options->preset, "A preset of filters (docs/presets.md), which run before --apply's")
+        ->type_name("PRESET");
+    AddRateOption(*command, options->rate);
+    AddSaveOption(*command, options->savedPreset, "Writes the filters that run as a preset");
     command->footer(grammar);
     command->callback([options] { RunFilterCommand(*options); });
 }

@@ -4,9 +4,13 @@
 #include <string>
 
 #include "shared/error.h"
+#include "shared/file_bytes.h"
 #include "shared/output_files.h"
 #include "shared/progress_line.h"
 #include "tools/commands/commands.h"
+#include "tools/commands/preset_options.h"
+#include "tools/frame_rate_clock.h"
+#include "tools/paint/preset_brush.h"
 #include "tools/paint/stroke_painter.h"
 #include "tools/paint/strokes_file.h"
 #include "tools/picture_image.h"
@@ -21,26 +25,54 @@ struct PaintArguments {
     std::string picture;
     std::optional<std::int32_t> bits;
     std::int32_t frame = 0;
+    double rate = FrameRateClock::usualRate;
+    std::string preset;
+    std::string savedPreset;
 };
+
+// Keys of the preset are taken at the frame that is painted.
+std::optional<PresetBrush> BrushOf(const PaintArguments& arguments, FrameRateClock& clock) {
+    if (arguments.preset.empty()) return std::nullopt;
+    clock.StandAt(arguments.frame);
+    return std::optional<PresetBrush>(std::in_place, ReadPreset(arguments.preset, clock), arguments.preset);
+}
+
+// Empty when no preset is to be written.
+std::string TextToSave(const PaintArguments& arguments, std::optional<PresetBrush>& brush, const StrokesFile& file,
+                       Image& canvas, PictureFiles& pictures) {
+    if (arguments.savedPreset.empty()) return {};
+    if (brush) return TextForFile(brush->View(), arguments.savedPreset);
+    const Preset preset = PresetOfStrokes(file, canvas, pictures);
+    return TextForFile(ViewOf(preset), arguments.savedPreset);
+}
 
 void Paint(const PaintArguments& arguments) {
     shared::OutputFiles outputs;
     outputs.Announce(arguments.output);
-    const StrokesFile file = ReadStrokes(arguments.strokes);
+    FrameRateClock clock(arguments.rate);
+    auto brush = BrushOf(arguments, clock);
+    StrokesFile file = ReadStrokes(arguments.strokes);
     std::optional<std::int32_t> depth;
     if (arguments.bits) depth = *arguments.bits == 8 ? 0 : 1;
     const auto canvas = MakeCanvas(file, arguments.picture, depth);
     if (canvas->depth != 0 && !SameName(std::filesystem::path(arguments.output).extension().string(), ".png"))
         throw shared::Error(arguments.output, {}, "a JPEG has 8 bits a channel; 16 bits need a name in .png");
     PictureFiles pictures(canvas->depth);
+    PaintOptions options;
+    options.frame = arguments.frame;
+    if (brush) {
+        brush->ReadPictures(pictures);
+        brush->TakeFrame(file, *canvas, arguments.frame);
+        options.brush = &brush->Brush();
+    }
+    const std::string preset = TextToSave(arguments, brush, file, *canvas, pictures);
     {
         shared::ProgressLine line("point", PointCount(file));
-        PaintOptions options;
-        options.frame = arguments.frame;
         options.progress = [&line](std::int64_t points) { line.Show(points); };
         PaintStrokes(file, *canvas, pictures, options);
     }
     StageImage(*canvas, arguments.output, outputs);
+    if (!preset.empty()) shared::WriteFileWhole(arguments.savedPreset, {preset.begin(), preset.end()});
     outputs.Commit();
 }
 
@@ -56,6 +88,12 @@ void AddPaintCommand(CLI::App& program) {
         ->check(CLI::IsMember({8, 14}));
     command->add_option("--frame", arguments->frame, "The frame that filters with a course in time are at")
         ->check(CLI::Range(0, 1'000'000));
+    command
+        ->add_option("--preset", arguments->preset,
+                     "A preset of a brush (docs/presets.md) to paint with, instead of the file's brushes")
+        ->type_name("PRESET");
+    AddRateOption(*command, arguments->rate);
+    AddSaveOption(*command, arguments->savedPreset, "Writes the brush that paints as a preset");
     command->callback([arguments] { Paint(*arguments); });
 }
 
