@@ -35,6 +35,15 @@ void NoiseLattice::Build() {
         std::swap(m_permutation[i], m_permutation[other]);
     }
     for (std::size_t i = 0; i < 258; ++i) m_permutation[size + i] = m_permutation[i];
+    for (std::size_t i = 0; i < m_pairs.size(); ++i) m_pairs[i] = m_permutation[i] | m_permutation[i + 1] << 16;
+    for (std::size_t i = 0; i < m_corners.size(); ++i) {
+        const Pair& here = m_gradient[static_cast<std::size_t>(m_permutation[i])];
+        const Pair& next = m_gradient[static_cast<std::size_t>(m_permutation[i + 1])];
+        m_corners[i][0] = here.x;
+        m_corners[i][1] = here.y;
+        m_corners[i][2] = next.x;
+        m_corners[i][3] = next.y;
+    }
 }
 
 float NoiseLattice::Corner(std::int32_t column, std::int32_t row, float dx, float dy) const {
@@ -62,11 +71,19 @@ float NoiseLattice::Noise2(float x, float y) const {
     return near + sy * (far - near);
 }
 
+NoiseLattice::Turns::Turns() {
+    static const float sine1 = std::sin(0.5F) * 2.1F;
+    static const float cosine1 = std::cos(0.5F) * 2.15F;
+    static const float sine2 = std::sin(0.2F);
+    static const float cosine2 = std::cos(0.2F);
+    s1 = sine1;
+    c1 = cosine1;
+    s2 = sine2;
+    c2 = cosine2;
+}
+
 NoiseLattice::Pair NoiseLattice::TurbulencePair(float x, float y) const {
-    static const float s1 = std::sin(0.5F) * 2.1F;
-    static const float c1 = std::cos(0.5F) * 2.15F;
-    static const float s2 = std::sin(0.2F);
-    static const float c2 = std::cos(0.2F);
+    const auto [s1, c1, s2, c2] = Turns();
     const auto permutation = [this](std::int32_t i) {
         return static_cast<float>(m_permutation[static_cast<std::size_t>(i)]);
     };

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <span>
 
 namespace chalkpane {
 
@@ -24,14 +25,30 @@ public:
     [[nodiscard]] float Noise2(float x, float y) const;
     // Two decorrelated sums of three octaves each, not normalised.
     [[nodiscard]] Pair TurbulencePair(float x, float y) const;
+    // The same, bit by bit, for many places on one line; all spans are as long as `x`.
+    void NoiseRow(std::span<const float> x, float y, std::span<float> noise) const;
+    void TurbulenceRow(std::span<const float> x, float y, std::span<float> sumX, std::span<float> sumY) const;
 
 private:
     static constexpr std::size_t size = 256;
+    static constexpr std::size_t entries = size + 258;
+
+    // How an octave turns and stretches the plane towards the next.
+    struct Turns {
+        float s1, c1, s2, c2;
+        Turns();
+    };
+    struct Eight;
 
     [[nodiscard]] float Corner(std::int32_t column, std::int32_t row, float dx, float dy) const;
 
-    std::array<std::int32_t, size + 258> m_permutation{};  // 0 .. 255, and the first 258 entries once more
+    std::array<std::int32_t, entries> m_permutation{};  // 0 .. 255, and the first 258 entries once more
     std::array<Pair, size> m_gradient{};
+
+    // What lies side by side in the lattice, side by side here: an entry of the permutation and the next one above it;
+    // the gradient of an entry, x and y, and that of the next one.
+    std::array<std::int32_t, size> m_pairs{};
+    alignas(16) std::array<float[4], entries - 1> m_corners{};
 };
 
 }  // namespace chalkpane

@@ -1,9 +1,11 @@
 #include "filters/distort/distort_filter.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <new>
 
+#include "filters/distort/sample_row.h"
 #include "filters/image_rows.h"
 #include "filters/multi_processor.h"
 #include "filters/row_filter.h"
@@ -17,31 +19,37 @@ struct Columns {
     std::int64_t last;
 };
 
-// Per kind of pixel: the two ways to read one.
+template <typename Pixel, Pixel (*sample)(const Image&, double, double, std::int32_t)>
+void OneByOne(const Image& image, std::span<const float> x, std::span<const float> y, std::int32_t edgeMode,
+              std::span<Pixel> pixels) {
+    for (std::size_t i = 0; i < pixels.size(); ++i) pixels[i] = sample(image, x[i], y[i], edgeMode);
+}
+
+// Per kind of pixel: the way to read many between the pixels of an image, and to read one at a pixel.
 struct Colour8 {
     using Pixel = Pixel8;
-    static constexpr auto between = SampleBilinear8;
+    static constexpr auto Between = SampleRow8;
     static Pixel At(const Image& image, std::int32_t x, std::int32_t y, std::int32_t edgeMode) {
         return image.GetPixelEdge8(x, y, edgeMode);
     }
 };
 struct Colour14 {
     using Pixel = Pixel14;
-    static constexpr auto between = SampleBilinear14;
+    static constexpr auto Between = SampleRow14;
     static Pixel At(const Image& image, std::int32_t x, std::int32_t y, std::int32_t edgeMode) {
         return image.GetPixelEdge14(x, y, edgeMode);
     }
 };
 struct Mask8 {
     using Pixel = std::uint8_t;
-    static constexpr auto between = SampleMaskBilinear8;
+    static constexpr auto Between = OneByOne<Pixel, SampleMaskBilinear8>;
     static Pixel At(const Image& image, std::int32_t x, std::int32_t y, std::int32_t edgeMode) {
         return image.GetMaskEdge8(x, y, edgeMode);
     }
 };
 struct Mask14 {
     using Pixel = std::uint16_t;
-    static constexpr auto between = SampleMask14;  // DIFFERS: the nearest pixel below
+    static constexpr auto Between = OneByOne<Pixel, SampleMask14>;  // DIFFERS: the nearest pixel below
     static Pixel At(const Image& image, std::int32_t x, std::int32_t y, std::int32_t edgeMode) {
         return image.GetMaskEdge14(x, y, edgeMode);
     }
@@ -78,15 +86,22 @@ struct DistortJob {
         Copy(y, result.x0, span.first - 1);
         Copy(y, span.last + 1, result.x1);
         auto* pixel = reinterpret_cast<typename Kind::Pixel*>(result.Address(static_cast<std::int32_t>(span.first), y));
-        for (std::int64_t x = span.first; x <= span.last; ++x, ++pixel) {
-            float sourceX = 0.0F;
-            float sourceY = 0.0F;
-            filter.MapPoint(static_cast<std::int32_t>(x), y, sourceX, sourceY);
+        constexpr std::int64_t block = 256;
+        std::array<float, block> sourceX{};
+        std::array<float, block> sourceY{};
+        for (std::int64_t x = span.first; x <= span.last; x += block) {
+            const auto count = static_cast<std::size_t>(std::min(block, span.last - x + 1));
+            const auto placesX = std::span(sourceX).first(count);
+            const auto placesY = std::span(sourceY).first(count);
+            filter.MapRow(static_cast<std::int32_t>(x), y, placesX, placesY);
+            const std::span<typename Kind::Pixel> pixels(pixel, count);
             // KEEP: truncated, not rounded: left of 0 the nearest pixel is the one to the right.
             if constexpr (fast)
-                *pixel = Kind::At(source, Truncated(sourceX), Truncated(sourceY), edgeMode);
+                for (std::size_t i = 0; i < count; ++i)
+                    pixels[i] = Kind::At(source, Truncated(sourceX[i]), Truncated(sourceY[i]), edgeMode);
             else
-                *pixel = Kind::between(source, sourceX, sourceY, edgeMode);
+                Kind::Between(source, placesX, placesY, edgeMode, pixels);
+            pixel += count;
         }
     }
 
@@ -130,6 +145,10 @@ void DistortFilter::Apply(const Image& source, std::unique_ptr<Image>& result, b
 }
 
 void DistortFilter::MapRect(Rect& out, const Rect& rect, bool /*expand*/) const { out = InputRegion(rect, rect); }
+
+void DistortFilter::MapRow(std::int32_t x, std::int32_t y, std::span<float> sourceX, std::span<float> sourceY) const {
+    for (std::size_t i = 0; i < sourceX.size(); ++i, ++x) MapPoint(x, y, sourceX[i], sourceY[i]);
+}
 
 void DistortFilter::BeginRun(const Image& /*source*/) { Prepare(); }
 

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 
 #include "filters/filter.h"
 
@@ -21,6 +22,8 @@ public:
     virtual void MapRect(Rect& out, const Rect& rect, bool expand) const;
     // Where the result's pixel (x, y) comes from, in plane coordinates of the source. Any float will do.
     virtual void MapPoint(std::int32_t x, std::int32_t y, float& sourceX, float& sourceY) const = 0;
+    // The same for `sourceX.size()` pixels of row y from x on; by default by `MapPoint`.
+    virtual void MapRow(std::int32_t x, std::int32_t y, std::span<float> sourceX, std::span<float> sourceY) const;
     // Builds tables.
     virtual void Prepare() {}
     // Called once before the rows, and once after them.

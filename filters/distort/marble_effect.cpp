@@ -1,11 +1,9 @@
 #include "filters/distort/marble_effect.h"
 
-#include <algorithm>
 #include <cmath>
 
 #include "filters/distort/edge_choices.h"
 #include "filters/noise_lattice.h"
-#include "filters/row_filter.h"
 #include "parameters/parameter_def.h"
 
 namespace chalkpane {
@@ -42,13 +40,27 @@ void MarbleEffect::Prepare() {
 }
 
 void MarbleEffect::MapPoint(std::int32_t x, std::int32_t y, float& sourceX, float& sourceY) const {
+    MapRow(x, y, {&sourceX, 1}, {&sourceY, 1});
+}
+
+void MarbleEffect::MapRow(std::int32_t x, std::int32_t y, std::span<float> sourceX, std::span<float> sourceY) const {
     const float scale = m_scale * 100.0F;
-    const auto column = static_cast<float>(x);
     const auto row = static_cast<float>(y);
-    const float noise = NoiseLattice::Shared().Noise2(column / scale, row / scale);
-    const auto i = static_cast<std::size_t>(std::clamp(Truncated((noise + 1.0F) * 127.0F), 0, 255));
-    sourceX = column + m_deltaX[i];
-    sourceY = row + m_deltaY[i];
+    const auto columnAt = [x](std::size_t i) { return static_cast<float>(x + static_cast<std::int32_t>(i)); };
+    for (std::size_t i = 0; i < sourceX.size(); ++i) sourceX[i] = columnAt(i) / scale;
+    NoiseLattice::Shared().NoiseRow(sourceX, row / scale, sourceY);
+    for (std::size_t i = 0; i < sourceX.size(); ++i) {
+        const std::size_t ring = RingOf(sourceY[i]);
+        sourceX[i] = columnAt(i) + m_deltaX[ring];
+        sourceY[i] = row + m_deltaY[ring];
+    }
+}
+
+std::size_t MarbleEffect::RingOf(float noise) {
+    // Limited as a float, what is no number to 0, before it is truncated.
+    const float place = (noise + 1.0F) * 127.0F;
+    const float positive = place > 0.0F ? place : 0.0F;
+    return static_cast<std::size_t>(static_cast<std::int32_t>(positive < 255.0F ? positive : 255.0F));
 }
 
 }  // namespace chalkpane

@@ -29,10 +29,14 @@ public:
     // Answers for the stored edge mode 4 too.
     [[nodiscard]] std::string_view EnumLabel(const ParameterDef& definition, std::int32_t index) const override;
     void MapPoint(std::int32_t x, std::int32_t y, float& sourceX, float& sourceY) const override;
+    void MapRow(std::int32_t x, std::int32_t y, std::span<float> sourceX, std::span<float> sourceY) const override;
     // The first run of the process builds the lattice.
     void Prepare() override;
 
 private:
+    // The index into the deltas for a noise.
+    [[nodiscard]] static std::size_t RingOf(float noise);
+
     float m_scale = 0.1F;       // 1.0: a lattice of 100 pixels
     float m_distance = 0.1F;    // 1.0: pixels move by 30
     float m_turbulence = 0.1F;  // 1.0: 60 turns across the noise's range

@@ -1,6 +1,7 @@
 #include "filters/distort/turbulence_effect.h"
 
 #include <algorithm>
+#include <array>
 
 #include "filters/distort/edge_choices.h"
 #include "filters/noise_lattice.h"
@@ -46,13 +47,30 @@ void TurbulenceEffect::Prepare() {
 }
 
 void TurbulenceEffect::MapPoint(std::int32_t x, std::int32_t y, float& sourceX, float& sourceY) const {
+    MapRow(x, y, {&sourceX, 1}, {&sourceY, 1});
+}
+
+void TurbulenceEffect::MapRow(std::int32_t x, std::int32_t y, std::span<float> sourceX,
+                              std::span<float> sourceY) const {
     const float inverse = 1.0F / static_cast<float>(m_latticeSize);
     const float amplitude = 2.0F * m_amount;
-    const auto column = static_cast<float>(x);
     const auto row = static_cast<float>(y);
-    const auto noise = NoiseLattice::Shared().TurbulencePair(column * inverse, row * inverse);
-    sourceX = column + amplitude * noise.x;
-    sourceY = row + amplitude * noise.y;
+    constexpr std::size_t block = 256;
+    std::array<float, block> places;
+    while (!sourceX.empty()) {
+        const std::size_t count = std::min(block, sourceX.size());
+        const auto columnAt = [x](std::size_t i) { return static_cast<float>(x + static_cast<std::int32_t>(i)); };
+        for (std::size_t i = 0; i < count; ++i) places[i] = columnAt(i) * inverse;
+        NoiseLattice::Shared().TurbulenceRow(std::span(places).first(count), row * inverse, sourceX.first(count),
+                                             sourceY.first(count));
+        for (std::size_t i = 0; i < count; ++i) {
+            sourceX[i] = columnAt(i) + amplitude * sourceX[i];
+            sourceY[i] = row + amplitude * sourceY[i];
+        }
+        x += static_cast<std::int32_t>(count);
+        sourceX = sourceX.subspan(count);
+        sourceY = sourceY.subspan(count);
+    }
 }
 
 }  // namespace chalkpane

@@ -31,6 +31,7 @@ public:
     [[nodiscard]] Rect OutputRegion(const Rect& rect, const Rect& region) const override;
     void MapRect(Rect& out, const Rect& rect, bool expand) const override;
     void MapPoint(std::int32_t x, std::int32_t y, float& sourceX, float& sourceY) const override;
+    void MapRow(std::int32_t x, std::int32_t y, std::span<float> sourceX, std::span<float> sourceY) const override;
     // The first run of the process builds the lattice.
     void Prepare() override;
 

@@ -3,7 +3,10 @@
 #include <doctest/doctest.h>
 
 #include <cmath>
+#include <cstring>
 #include <limits>
+#include <random>
+#include <vector>
 
 #include "image/random.h"
 
@@ -51,5 +54,34 @@ TEST_CASE("Noise survives what is no place") {
                             -std::numeric_limits<float>::infinity(), 3e38F, -3e38F}) {
         static_cast<void>(lattice.TurbulencePair(bad, 1.0F));
         CHECK_FALSE(std::isfinite(lattice.Noise2(bad, 1.5F)));
+    }
+}
+
+TEST_CASE("Noise in rows is the noise of each place, bit by bit") {
+    SeedRandom(4);
+    NoiseLattice lattice;
+    lattice.Build();
+    std::mt19937 random(17);
+    constexpr float infinite = std::numeric_limits<float>::infinity();
+    std::vector<float> x{0.0F, -0.0F, 1.0F, -1.0F, 255.999F, 2147483648.0F, -2147483648.0F, 3e38F, 1e-40F, infinite};
+    for (int i = 0; i < 1001; ++i)
+        x.push_back((static_cast<float>(random()) / 4294967296.0F - 0.5F) * std::exp2(static_cast<float>(i % 30)));
+    std::vector<float> noise(x.size());
+    std::vector<float> sumX(x.size());
+    std::vector<float> sumY(x.size());
+    const auto same = [](float a, float b) {
+        return std::memcmp(&a, &b, sizeof a) == 0 || (std::isnan(a) && std::isnan(b));
+    };
+    for (const float y : {0.0F, 0.7F, -33.25F, 123456.8F, -4e9F, infinite}) {
+        lattice.NoiseRow(x, y, noise);
+        lattice.TurbulenceRow(x, y, sumX, sumY);
+        for (std::size_t i = 0; i < x.size(); ++i) {
+            CAPTURE(x[i]);
+            CAPTURE(y);
+            CHECK(same(noise[i], lattice.Noise2(x[i], y)));
+            const auto sum = lattice.TurbulencePair(x[i], y);
+            CHECK(same(sumX[i], sum.x));
+            CHECK(same(sumY[i], sum.y));
+        }
     }
 }
