@@ -164,4 +164,17 @@ TEST_CASE("The examples and the documentation show files that the schema and the
     }
 }
 
+TEST_CASE("The pictures that docs/brushes.md shows are those that lie beside it") {
+    const std::string text = shared::testing::ReadText(InTheSources("docs/brushes.md"));
+    std::set<std::string> shown;
+    for (std::size_t start = text.find("](brushes/"); start != std::string::npos;
+         start = text.find("](brushes/", start + 1))
+        shown.insert(text.substr(start + 10, text.find(')', start) - start - 10));
+    std::set<std::string> there;
+    for (const auto& entry : std::filesystem::directory_iterator(InTheSources("docs/brushes")))
+        there.insert(entry.path().filename().string());
+    CHECK_GE(there.size(), 60);
+    CHECK_EQ(shown, there);
+}
+
 }  // namespace chalkpane::tools
