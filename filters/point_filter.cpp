@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <new>
 
+#include "filters/byte_scale.h"
 #include "filters/multi_processor.h"
 #include "paint/blending_modes.h"
 
@@ -21,8 +22,6 @@ struct RowJob {
 
 // Where the depths differ: how a row is reached, what processes it, and how alpha is taken out.
 struct Point8 : PixelFormat8 {
-    static constexpr float toByteScale = 1.0F;
-    static constexpr float fromByteScale = 1.0F;
     static std::span<Channel> Row(const Image& image, std::int32_t y) { return image.Row8(y); }
     static constexpr auto process = &PointFilter::ProcessRow8;
     static constexpr auto processMask = &PointFilter::ProcessMaskRow8;
@@ -32,9 +31,6 @@ struct Point8 : PixelFormat8 {
 };
 
 struct Point14 : PixelFormat14 {
-    // Chosen so that an untouched channel comes back the same.
-    static constexpr float toByteScale = 0.015564915F;
-    static constexpr float fromByteScale = 64.24706F;
     static std::span<Channel> Row(const Image& image, std::int32_t y) { return image.Row14(y); }
     static constexpr auto process = &PointFilter::ProcessRow16;
     static constexpr auto processMask = &PointFilter::ProcessMaskRow16;
@@ -53,30 +49,21 @@ struct Point14 : PixelFormat14 {
     }
 };
 
-// Truncated, limited to the channel; what is not a number is 0.
-template <typename F>
-typename F::Channel FromByteScale(float value) {
-    const float scaled = value * F::fromByteScale;
-    if (!(scaled > 0.0F)) return 0;
-    return static_cast<typename F::Channel>(
-        scaled < static_cast<float>(F::fullScale) ? static_cast<std::int32_t>(scaled) : F::fullScale);
-}
-
 template <typename F>
 void ProcessEachPixel(PointFilter& filter, std::int32_t firstX, std::int32_t y, std::span<typename F::Channel> pixels) {
-    const auto toByteScale = [](typename F::Channel channel) { return static_cast<float>(channel) * F::toByteScale; };
+    using Channel = typename F::Channel;
     std::int32_t x = firstX;
     for (std::size_t i = 0; i + 3 < pixels.size(); i += 4, ++x) {
         const auto pixel = pixels.subspan(i, 4);
-        float b = toByteScale(pixel[0]);
-        float g = toByteScale(pixel[1]);
-        float r = toByteScale(pixel[2]);
-        float a = toByteScale(pixel[3]);
+        float b = ToByteScale<F>(pixel[0]);
+        float g = ToByteScale<F>(pixel[1]);
+        float r = ToByteScale<F>(pixel[2]);
+        float a = ToByteScale<F>(pixel[3]);
         filter.ProcessPixel(x, y, a, r, g, b);
-        pixel[0] = FromByteScale<F>(b);
-        pixel[1] = FromByteScale<F>(g);
-        pixel[2] = FromByteScale<F>(r);
-        pixel[3] = FromByteScale<F>(a);
+        pixel[0] = static_cast<Channel>(FromByteScale<F>(b));
+        pixel[1] = static_cast<Channel>(FromByteScale<F>(g));
+        pixel[2] = static_cast<Channel>(FromByteScale<F>(r));
+        pixel[3] = static_cast<Channel>(FromByteScale<F>(a));
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <vector>
 
 #include "filters/row_filter.h"
@@ -20,13 +21,14 @@ public:
     // No limit: a gain never takes the brightest component beyond the upper point.
     template <typename F>
     void Row(std::span<typename F::Channel> pixels) const {
-        for (std::size_t i = 0; i + 3 < pixels.size(); i += 4) {
-            const auto brightest = std::max({pixels[i], pixels[i + 1], pixels[i + 2]});
-            const float gain = m_gains[static_cast<std::size_t>(brightest & F::fullScale)];
-            for (std::size_t c = i; c < i + 3; ++c)
-                pixels[c] =
-                    static_cast<typename F::Channel>(static_cast<std::int32_t>(gain * static_cast<float>(pixels[c])));
-        }
+        const auto brightest = [](auto blue, auto green, auto red) {
+            return std::max(std::max(blue, green), red) & F::fullScale;
+        };
+        ForEachColour<F>(pixels, m_gains.data(), brightest, [](auto& blue, auto& green, auto& red, auto&, float gain) {
+            blue = static_cast<std::int32_t>(gain * static_cast<float>(blue));
+            green = static_cast<std::int32_t>(gain * static_cast<float>(green));
+            red = static_cast<std::int32_t>(gain * static_cast<float>(red));
+        });
     }
 
 private:

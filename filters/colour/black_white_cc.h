@@ -13,10 +13,9 @@ public:
 
     template <typename F>
     void Row(std::span<typename F::Channel> pixels) const {
-        for (std::size_t i = 0; i + 3 < pixels.size(); i += 4) {
-            const auto luma = static_cast<typename F::Channel>(LumaOf<F>(pixels[i + 2], pixels[i + 1], pixels[i]));
-            pixels[i] = pixels[i + 1] = pixels[i + 2] = luma;
-        }
+        ForEachColour<F>(pixels, [](auto& blue, auto& green, auto& red, auto& /*alpha*/) {
+            blue = green = red = LumaOf<F>(red, green, blue);
+        });
     }
 };
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <vector>
 
 #include "filters/luma.h"
@@ -27,26 +29,10 @@ public:
 
     template <typename F>
     void Row(std::span<typename F::Channel> pixels) const {
-        const std::uint16_t* const table = m_table.data();
-        const auto mapped = [table](typename F::Channel channel) -> std::int32_t {
-            return table[channel & F::fullScale];
-        };
-        if (m_saturationFactor == 0) {
-            for (std::size_t i = 0; i + 3 < pixels.size(); i += 4)
-                for (std::size_t c = i; c < i + 3; ++c) pixels[c] = static_cast<typename F::Channel>(mapped(pixels[c]));
-            return;
-        }
-        for (std::size_t i = 0; i + 3 < pixels.size(); i += 4) {
-            const std::int32_t blue = mapped(pixels[i]);
-            const std::int32_t green = mapped(pixels[i + 1]);
-            const std::int32_t red = mapped(pixels[i + 2]);
-            // DIFFERS: 8 bits take the luma behind the table, 14 bits the luma before it.
-            const std::int32_t luma =
-                F::bits == 8 ? LumaByte(red, green, blue) : LumaWord(pixels[i + 2], pixels[i + 1], pixels[i]);
-            pixels[i] = Saturated<F>(blue, luma);
-            pixels[i + 1] = Saturated<F>(green, luma);
-            pixels[i + 2] = Saturated<F>(red, luma);
-        }
+        if (m_saturationFactor == 0) return MapChannels<F>(pixels, m_table.data());
+        // So far the products with any difference of channels stay within 32 bits.
+        const bool narrow = m_saturationFactor >= -32767 && m_saturationFactor <= 32767;
+        narrow ? MapAndSaturate<F, std::int32_t>(pixels) : MapAndSaturate<F, std::int64_t>(pixels);
     }
 
 private:
@@ -57,10 +43,37 @@ private:
     };
     [[nodiscard]] Percents Settings() const;
 
+    // Blocks of pixels take each step together, so that only the look-ups go pixel by pixel.
+    template <typename F, typename Product>
+    void MapAndSaturate(std::span<typename F::Channel> pixels) const {
+        constexpr std::size_t block = 256;
+        std::array<std::int32_t, block> lumas;
+        const Product factor = m_saturationFactor;
+        for (; pixels.size() >= 4; pixels = pixels.subspan(std::min(4 * block, pixels.size()))) {
+            const auto part = pixels.first(std::min(4 * block, pixels.size()));
+            // DIFFERS: 8 bits take the luma behind the table, 14 bits the luma before it.
+            if constexpr (F::bits == 8) MapChannels<F>(part, m_table.data());
+            MeasureLumas<F>(part, lumas.data());
+            if constexpr (F::bits != 8) MapChannels<F>(part, m_table.data());
+            const std::int32_t* luma = lumas.data();
+            ForEachColour<F>(part, [&luma, factor](auto& blue, auto& green, auto& red, auto& /*alpha*/) {
+                const auto saturated = [factor, grey = *luma](std::int32_t value) {
+                    const Product more = ((value - grey) * factor) >> F::bits;
+                    return static_cast<std::int32_t>(std::clamp<Product>(value + more, 0, F::fullScale));
+                };
+                blue = saturated(blue);
+                green = saturated(green);
+                red = saturated(red);
+                ++luma;
+            });
+        }
+    }
     template <typename F>
-    [[nodiscard]] typename F::Channel Saturated(std::int32_t value, std::int32_t luma) const {
-        const std::int64_t more = (std::int64_t{value - luma} * m_saturationFactor) >> F::bits;
-        return LimitedChannel<F>(static_cast<std::int32_t>(std::clamp<std::int64_t>(value + more, 0, F::fullScale)));
+    static void MeasureLumas(std::span<const typename F::Channel> pixels, std::int32_t* lumas) {
+        for (std::size_t i = 0; i < pixels.size() / 4; ++i) {
+            const auto pixel = detail::PixelWords<F>::Load(pixels.data() + 4 * i);
+            lumas[i] = LumaOf<F>(pixel.Red(), pixel.Green(), pixel.Blue());
+        }
     }
 
     // DIFFERS from the defaults, which are 0: a fresh object is no identity.

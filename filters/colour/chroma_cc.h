@@ -24,11 +24,15 @@ public:
     template <typename F>
     void Row(std::span<typename F::Channel> pixels) const {
         const float scale = m_scale * 0.01F;
-        for (std::size_t i = 0; i + 3 < pixels.size(); i += 4) {
-            const auto largest = static_cast<float>(std::max({pixels[i], pixels[i + 1], pixels[i + 2]}));
-            for (std::size_t c = i; c < i + 3; ++c)
-                pixels[c] = LimitedChannel<F>((static_cast<float>(pixels[c]) - largest) * scale + largest);
-        }
+        ForEachColour<F>(pixels, [scale](auto& blue, auto& green, auto& red, auto& /*alpha*/) {
+            const auto largest = static_cast<float>(std::max(std::max(blue, green), red));
+            const auto scaled = [=](std::int32_t channel) {
+                return Limited<F>((static_cast<float>(channel) - largest) * scale + largest);
+            };
+            blue = scaled(blue);
+            green = scaled(green);
+            red = scaled(red);
+        });
     }
 
 private:

@@ -93,15 +93,16 @@ void ColourDodgeCC::BeginRun(const Image& source) {
     const Mode mode = modes[std::min<std::size_t>(m_mode, modes.size() - 1)].mode;
     const std::array<std::uint16_t, 3> components{m_colour.blue, m_colour.green, m_colour.red};
     for (std::size_t c = 0; c < 3; ++c) m_tables[c] = ChannelTable(mode, m_amount, components[c], fullScale);
-    m_weights.resize(static_cast<std::size_t>(fullScale) + 1);
-    for (std::int32_t luma = 0; luma <= fullScale; ++luma)
-        m_weights[static_cast<std::size_t>(luma)] =
-            static_cast<std::uint16_t>(std::max(RangeWeight(m_range, luma, fullScale), 0));
+    m_scales.resize(static_cast<std::size_t>(fullScale) + 1);
+    for (std::int32_t luma = 0; luma <= fullScale; ++luma) {
+        const std::int32_t weight = std::max(RangeWeight(m_range, luma, fullScale), 0);
+        m_scales[static_cast<std::size_t>(luma)] = static_cast<std::uint16_t>(weight + 2 * weight / (fullScale + 1));
+    }
 }
 
 void ColourDodgeCC::EndRun() {
     m_tables = {};
-    m_weights = {};
+    m_scales = {};
 }
 
 }  // namespace chalkpane

@@ -32,16 +32,23 @@ public:
 
     template <typename F>
     void Row(std::span<typename F::Channel> pixels) const {
-        for (std::size_t i = 0; i + 3 < pixels.size(); i += 4) {
-            const std::int32_t luma = LumaOf<F>(pixels[i + 2], pixels[i + 1], pixels[i]) & F::fullScale;
-            const std::int32_t weight = m_weights[static_cast<std::size_t>(luma)];
-            if (weight == 0) continue;
-            const std::int32_t scale = weight + (weight >> (F::bits - 1));
-            for (std::size_t c = 0; c < 3; ++c) {
-                const std::int32_t channel = pixels[i + c];
-                const std::int32_t wanted = m_tables[c][static_cast<std::size_t>(channel & F::fullScale)];
-                pixels[i + c] = static_cast<typename F::Channel>(channel + (((wanted - channel) * scale) >> F::bits));
-            }
+        const auto luma = [](auto blue, auto green, auto red) { return LumaOf<F>(red, green, blue) & F::fullScale; };
+        constexpr std::size_t block = 256;
+        std::array<typename F::Channel, 4 * block> wanted{};
+        for (; pixels.size() >= 4; pixels = pixels.subspan(std::min(4 * block, pixels.size()))) {
+            const auto part = pixels.first(std::min(4 * block, pixels.size()));
+            for (std::size_t i = 0; i + 3 < part.size(); i += 4)
+                for (std::size_t c = 0; c < 3; ++c)
+                    wanted[i + c] = static_cast<typename F::Channel>(m_tables[c][part[i + c] & F::fullScale]);
+            const auto* at = wanted.data();
+            ForEachColour<F>(part, m_scales.data(), luma, [&at](auto& blue, auto& green, auto& red, auto&, auto found) {
+                const auto to = detail::PixelWords<F>::Load(at);
+                const std::int32_t scale = found;
+                at += 4;
+                blue += ((to.Blue() - blue) * scale) >> F::bits;
+                green += ((to.Green() - green) * scale) >> F::bits;
+                red += ((to.Red() - red) * scale) >> F::bits;
+            });
         }
     }
 
@@ -53,7 +60,7 @@ private:
     bool m_usePaintColour = false;
     bool m_withPaintColour;
     std::array<std::vector<std::uint16_t>, 3> m_tables;  // blue, green, red: what a channel becomes at full weight
-    std::vector<std::uint16_t> m_weights;                // per luma
+    std::vector<std::uint16_t> m_scales;                 // how far towards that, of 256 or 16384, per luma
 };
 
 }  // namespace chalkpane

@@ -31,7 +31,7 @@ public:
 
     template <typename F>
     void Row(std::span<typename F::Channel> pixels) const {
-        TurnHues<F>(pixels, [turn = m_turn](const HsvFloat& colour) { return colour.hue + turn; });
+        TurnHues(pixels, m_turn, nullptr);
     }
 
 private:

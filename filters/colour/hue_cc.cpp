@@ -16,12 +16,15 @@ void HueCC::BeginRun(const Image& source) {
     const std::int32_t size = source.depth == 0 ? 256 : 16384;
     const auto n = static_cast<float>(size);
     const auto peak = [](float part) { return std::max(0.0F, part / 360.0F); };
-    m_ranges.clear();
-    m_ranges.reserve(static_cast<std::size_t>(size));
+    m_turns.clear();
+    m_turns.reserve(static_cast<std::size_t>(size));
     for (std::int32_t i = 0; i < size; ++i) {
         const auto twice = static_cast<float>(2 * i);
         const auto fromMiddle = static_cast<float>(2 * (i - size / 2));
-        m_ranges.push_back({peak(1.0F - twice / n), peak(1.0F - std::fabs(fromMiddle) / n), peak(fromMiddle / n)});
+        const float shadow = peak(1.0F - twice / n);
+        const float midtone = peak(1.0F - std::fabs(fromMiddle) / n);
+        const float highlight = peak(fromMiddle / n);
+        m_turns.push_back(shadow * m_shadow + midtone * m_midtone + highlight * m_highlight);
     }
 }
 

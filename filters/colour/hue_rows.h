@@ -3,31 +3,14 @@
 #include <cstdint>
 #include <span>
 
-#include "filters/hsv_words.h"
-#include "image/pixel_format.h"
-
 namespace chalkpane {
 
-// Turns the hue of every pixel. `newHue` is called with a pixel's HsvFloat and answers the hue before wrapping, in
-// turns. 8-bit channels are widened on the way in and narrowed on the way out.
-template <typename F, typename NewHue>
-void TurnHues(std::span<typename F::Channel> pixels, NewHue newHue) {
-    using Channel = typename F::Channel;
-    const auto wide = [](Channel channel) -> std::int32_t {
-        if constexpr (F::bits == 8)
-            return Widen(channel);
-        else
-            return channel;
-    };
-    const auto narrow = [](std::int32_t word) { return static_cast<Channel>(word >> (14 - F::bits)); };
-    for (std::size_t i = 0; i + 3 < pixels.size(); i += 4) {
-        HsvFloat colour = RgbToHsv({wide(pixels[i + 2]), wide(pixels[i + 1]), wide(pixels[i])});
-        colour.hue = WrapHue(newHue(colour));
-        const RgbWords turned = HsvToRgb(colour);
-        pixels[i] = narrow(turned.blue);
-        pixels[i + 1] = narrow(turned.green);
-        pixels[i + 2] = narrow(turned.red);
-    }
-}
+// Turns the hue of every pixel of a row by `turn`, and by what `byValue` says for its value; both in turns.
+//
+//   byValue  256 or 16384 turns by the largest component of a pixel, as the depth has it; null: none
+//
+// 8-bit channels are widened on the way in and narrowed on the way out.
+void TurnHues(std::span<std::uint8_t> pixels, float turn, const float* byValue);
+void TurnHues(std::span<std::uint16_t> pixels, float turn, const float* byValue);
 
 }  // namespace chalkpane

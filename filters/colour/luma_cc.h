@@ -24,14 +24,13 @@ public:
 
     template <typename F>
     void Row(std::span<typename F::Channel> pixels) const {
-        const float* const ratios = m_ratios.data();
-        for (std::size_t i = 0; i + 3 < pixels.size(); i += 4) {
-            // KEEP: the 14-bit weights at 8 bits too.
-            const std::int32_t luma = LumaWord(pixels[i + 2], pixels[i + 1], pixels[i]);
-            const float ratio = ratios[luma & F::fullScale];
-            for (std::size_t c = i; c < i + 3; ++c)
-                pixels[c] = LimitedChannel<F>(static_cast<float>(pixels[c]) * ratio);
-        }
+        // KEEP: the 14-bit weights at 8 bits too.
+        const auto luma = [](auto blue, auto green, auto red) { return LumaWord(red, green, blue) & F::fullScale; };
+        ForEachColour<F>(pixels, m_ratios.data(), luma, [](auto& blue, auto& green, auto& red, auto&, float ratio) {
+            blue = Limited<F>(static_cast<float>(blue) * ratio);
+            green = Limited<F>(static_cast<float>(green) * ratio);
+            red = Limited<F>(static_cast<float>(red) * ratio);
+        });
     }
 
 private:

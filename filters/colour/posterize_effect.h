@@ -21,10 +21,7 @@ public:
 
     template <typename F>
     void Row(std::span<typename F::Channel> pixels) const {
-        const std::uint16_t* const table = m_table.data();
-        for (std::size_t i = 0; i + 3 < pixels.size(); i += 4)
-            for (std::size_t c = i; c < i + 3; ++c)
-                pixels[c] = static_cast<typename F::Channel>(table[pixels[c] & F::fullScale]);
+        MapChannels<F>(pixels, m_table.data());
     }
 
 private:

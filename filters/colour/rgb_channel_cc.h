@@ -36,16 +36,30 @@ public:
     // KEEP: the sum goes into the channel without a limit and wraps in its bits.
     template <typename F>
     void Row(std::span<typename F::Channel> pixels) const {
-        if (m_component > 2) return;
-        const std::size_t target = 2 - m_component;
-        for (std::size_t i = 0; i + 3 < pixels.size(); i += 4) {
-            const float sum = static_cast<float>(pixels[i]) * m_blue + static_cast<float>(pixels[i + 2]) * m_red +
-                              static_cast<float>(pixels[i + 1]) * m_green;
-            pixels[i + target] = static_cast<typename F::Channel>(Truncated(sum));
-        }
+        // With inputs of any sane size no sum leaves the range of an integer.
+        const auto sane = [](float input) { return std::fabs(input) < 8000.0F; };
+        if (sane(m_red) && sane(m_green) && sane(m_blue))
+            Mix<F>(pixels, [](float sum) { return static_cast<std::int32_t>(sum); });
+        else
+            Mix<F>(pixels, [](float sum) { return Truncated(sum); });
     }
 
 private:
+    template <typename F, typename Truncate>
+    void Mix(std::span<typename F::Channel> pixels, Truncate truncate) const {
+        const auto sum = [=, redPart = m_red, greenPart = m_green, bluePart = m_blue](auto blue, auto green, auto red) {
+            return truncate(static_cast<float>(blue) * bluePart + static_cast<float>(red) * redPart +
+                            static_cast<float>(green) * greenPart);
+        };
+        using Channel = std::int32_t&;
+        if (m_component == 0)
+            ForEachColour<F>(pixels, [&](Channel b, Channel g, Channel r, Channel /*a*/) { r = sum(b, g, r); });
+        else if (m_component == 1)
+            ForEachColour<F>(pixels, [&](Channel b, Channel g, Channel r, Channel /*a*/) { g = sum(b, g, r); });
+        else if (m_component == 2)
+            ForEachColour<F>(pixels, [&](Channel b, Channel g, Channel r, Channel /*a*/) { b = sum(b, g, r); });
+    }
+
     std::uint32_t m_component = 0;
     float m_red = 1.0F;
     float m_green = 0.0F;

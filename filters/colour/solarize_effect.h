@@ -27,14 +27,17 @@ public:
         // Far beyond the scale one threshold is like another.
         const std::int32_t threshold =
             std::clamp(Truncated(m_amount * static_cast<float>(F::fullScale)), -1000000, 1000000);
-        for (std::size_t i = 0; i + 3 < pixels.size(); i += 4) {
-            for (std::size_t c = i; c < i + 3; ++c) {
-                const std::int32_t above = pixels[c] - threshold;
-                const float slope = above > 0 ? m_down : m_up;
-                const auto distance = static_cast<float>(above > 0 ? above : -above);
-                pixels[c] = LimitedChannel<F>(distance * slope);
-            }
-        }
+        const auto solarised = [threshold, up = m_up, down = m_down](std::int32_t channel) {
+            const std::int32_t above = channel - threshold;
+            const float slope = above > 0 ? down : up;
+            const auto distance = static_cast<float>(above > 0 ? above : -above);
+            return Limited<F>(distance * slope);
+        };
+        ForEachColour<F>(pixels, [&solarised](auto& blue, auto& green, auto& red, auto& /*alpha*/) {
+            blue = solarised(blue);
+            green = solarised(green);
+            red = solarised(red);
+        });
     }
 
 private:

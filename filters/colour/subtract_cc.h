@@ -1,6 +1,6 @@
 #pragma once
 
-#include <array>
+#include <algorithm>
 #include <cmath>
 
 #include "filters/row_filter.h"
@@ -28,9 +28,14 @@ public:
         const auto offset = [add](std::uint16_t component) {
             return std::clamp(Truncated(add * static_cast<float>(component)), -65536, 65536);
         };
-        const std::array<std::int32_t, 3> offsets{offset(m_colour.blue), offset(m_colour.green), offset(m_colour.red)};
-        for (std::size_t i = 0; i + 3 < pixels.size(); i += 4)
-            for (std::size_t c = 0; c < 3; ++c) pixels[i + c] = LimitedChannel<F>(pixels[i + c] + offsets[c]);
+        const std::int32_t moreBlue = offset(m_colour.blue);
+        const std::int32_t moreGreen = offset(m_colour.green);
+        const std::int32_t moreRed = offset(m_colour.red);
+        ForEachColour<F>(pixels, [=](auto& blue, auto& green, auto& red, auto& /*alpha*/) {
+            blue = Limited<F>(blue + moreBlue);
+            green = Limited<F>(green + moreGreen);
+            red = Limited<F>(red + moreRed);
+        });
     }
 
 private:

@@ -46,22 +46,62 @@ public:
 
     [[nodiscard]] bool IsIdentity(const Image& source) const;
     void BeginRun(const Image& source) override;
-    void EndRun() override { m_tints = {}; }
+    void EndRun() override { m_blends = {}; }
 
     template <typename F>
-    void Row(std::span<typename F::Channel> pixels) const;
+    void Row(std::span<typename F::Channel> pixels) const {
+        if (m_direct)
+            TakeEntries<F>(pixels);
+        else if (m_narrow)
+            BlendEntries<F, std::int32_t>(pixels);
+        else
+            BlendEntries<F, std::int64_t>(pixels);
+    }
 
 private:
     struct Entry {
-        std::uint16_t blue, green, red;
+        std::int32_t blue, green, red;
     };
-    // One tint: what each luma becomes, and with what weight; a main tint weighs the same everywhere.
-    struct Tint {
-        std::vector<Entry> table;
-        std::vector<std::int32_t> weights;  // of 256, per luma
+    // All tints together at one luma: the sums of what they make of it, each by its weight, and of the weights; of 256.
+    struct Blend {
+        std::int32_t blue, green, red;
+        std::int32_t weight;
     };
 
-    [[nodiscard]] Tint MakeTint(const Colour& colour, std::int32_t fullScale) const;
+    // What a tint makes of a luma.
+    [[nodiscard]] Entry TintAt(const Colour& colour, std::int32_t luma, std::int32_t fullScale) const;
+    // weightOf(luma, number of lumas) is the tint's share.
+    template <typename WeightOf>
+    void AddTint(const Colour& colour, WeightOf weightOf);
+
+    template <typename F>
+    void TakeEntries(std::span<typename F::Channel> pixels) const {
+        const auto luma = [](auto blue, auto green, auto red) { return LumaOf<F>(red, green, blue) & F::fullScale; };
+        ForEachColour<F>(pixels, m_blends.data(), luma, [](auto& blue, auto& green, auto& red, auto& alpha, Blend at) {
+            blue = alpha == 0 ? 0 : at.blue;
+            green = alpha == 0 ? 0 : at.green;
+            red = alpha == 0 ? 0 : at.red;
+        });
+    }
+
+    // c + (the sum over the tints of (entry - c) * weight, shifted right by 8).
+    template <typename F, typename Product>
+    void BlendEntries(std::span<typename F::Channel> pixels) const {
+        // DIFFERS: 8 bits round the luma, 14 bits do not.
+        const auto luma = [](auto blue, auto green, auto red) {
+            return (F::bits == 8 ? (77 * red + 151 * green + 28 * blue + 128) >> 8 : LumaWord(red, green, blue)) &
+                   F::fullScale;
+        };
+        ForEachColour<F>(pixels, m_blends.data(), luma, [](auto& blue, auto& green, auto& red, auto& alpha, Blend at) {
+            const auto tinted = [&at, visible = alpha != 0](std::int32_t channel, std::int32_t sum) {
+                const Product more = (sum - static_cast<Product>(channel) * at.weight) >> 8;
+                return visible ? Limited<F>(static_cast<std::int32_t>(channel + more)) : 0;
+            };
+            blue = tinted(blue, at.blue);
+            green = tinted(green, at.green);
+            red = tinted(red, at.red);
+        });
+    }
 
     Colour m_colour;
     float m_amount = 0.0F;
@@ -74,8 +114,9 @@ private:
     float m_highlight = 0.0F;
     bool m_usePaintColour = true;
     bool m_withPaintColour;
-    std::vector<Tint> m_tints;  // those whose amount counts, main first
-    bool m_direct = false;      // the main tint alone, in full: pixels are the table's entries
+    std::vector<Blend> m_blends;  // per luma
+    bool m_direct = false;        // the main tint alone, in full: pixels are the table's entries
+    bool m_narrow = true;         // weights keep the products with channels within 32 bits
 };
 
 }  // namespace chalkpane
