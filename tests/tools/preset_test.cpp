@@ -16,6 +16,7 @@
 #include "parameters/scalar_values.h"
 #include "parameters/string_value.h"
 #include "shared/error.h"
+#include "tests/shared/temporary_folder.h"
 #include "tools/frame_rate_clock.h"
 #include "tools/preset_values.h"
 
@@ -295,6 +296,19 @@ TEST_CASE("Numbers and bytes inside comments, strings and words are left alone")
     CHECK_NE(Refusal("brush 'B' { 'Brush Size' true 2147483648 }"), "");
     CHECK_NE(Refusal("brush 'B' { 'Brush Size' true -2147483649 }"), "");
     CHECK_NOTHROW(Read("brush 'B' { 'Brush Spacing' true 99999999999.0 }"));
+}
+
+TEST_CASE("The presets of the manual read, and none is missing") {
+    const std::string manual =
+        shared::testing::ReadText(std::filesystem::path(CHALKPANE_SOURCE_FOLDER) / "docs/presets.md");
+    const std::string fence = "```preset\n";
+    int count = 0;
+    for (std::size_t start = manual.find(fence); start != std::string::npos; start = manual.find(fence, start)) {
+        start += fence.size();
+        CHECK_EQ(Refusal(manual.substr(start, manual.find("```", start) - start)), "");
+        ++count;
+    }
+    CHECK_EQ(count, 4);
 }
 
 TEST_CASE("No mutation of a preset crashes or hangs its reader") {
