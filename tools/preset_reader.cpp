@@ -11,6 +11,7 @@
 #include "shared/file_bytes.h"
 #include "shared/nearest_name.h"
 #include "tools/filter_texts.h"
+#include "tools/paint/brush_limits.h"
 #include "tools/preset.h"
 #include "tools/preset_check.h"
 #include "tools/preset_choices.h"
@@ -137,10 +138,21 @@ private:
             Fail(Quoted(slot.definition->name) + " is given twice, first in line " + std::to_string(slot.givenInLine));
         slot.givenInLine = m_scanner.getLineNumber();
         ValuePointer value = m_scanner.expectIdentifier("keys") ? ReadKeys(slot) : ReadPlain(slot);
-        if (!IsFinite(*value)) FailIn(slot.givenInLine, Quoted(name) + " has a number that is too large");
-        if (const auto fault = RangeFault(*value)) FailIn(slot.givenInLine, Quoted(name) + ": " + *fault);
+        CheckContent(*value, slot);
         MakeNamesAbsolute(*value, m_folder);
         slot.values->replaceValue(std::move(value));
+    }
+
+    void CheckContent(const ParameterValue& value, const Slot& slot) const {
+        const std::string name = Quoted(slot.definition->name);
+        if (!IsFinite(value)) FailIn(slot.givenInLine, name + " has a number that is too large");
+        if (const auto fault = RangeFault(value)) FailIn(slot.givenInLine, name + ": " + *fault);
+        if (slot.filter != nullptr) return;
+        try {
+            CheckBrushValue(value);
+        } catch (const Error& error) {
+            FailIn(slot.givenInLine, name + ": " + error.what());
+        }
     }
 
     // By its unique name, or by its label, without regard to case.

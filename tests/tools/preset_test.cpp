@@ -283,6 +283,11 @@ TEST_CASE("A preset that is wrong is refused with its line and the first reason"
         {"chain 'C' {\n 'Brightness' true 1 }", "look:2: chain \"C\" has no parameter \"Brightness\""},
         {"filter 'Softener' {}\nfilter 'Softener' {}",
          "look:2: the preset has ended, but more follows; several filters go into a chain"},
+        {"brush 'B' {\n 'Brush Size' true 1025 }", "look:2: \"Brush Size\": 1025 lies outside 0 .. 1024"},
+        {"brush 'B' {\n 'Brush Size' keys { 0 0 0 5\n 1 0 0 -1 } }",
+         "look:2: \"Brush Size\": -1 lies outside 0 .. 1024"},
+        {"brush 'B' { 'Brush Profile Type' true 'Texure' }",
+         "look:1: \"Brush Profile Type\": there is no profile \"Texure\"; did you mean \"Texture\"?"},
         {"brush 'B' {\n 'Brush Size' true 99999999999 }", "look:2: the whole number 99999999999 is too large"},
         {"brush 'B' {\n\n 'Brush Group' true \"\x01\" }", "look:3: this is no text: it holds the byte 1"},
         {"\xff", "look:1: this is no text: it holds the byte 255"},
@@ -292,9 +297,9 @@ TEST_CASE("A preset that is wrong is refused with its line and the first reason"
 
 TEST_CASE("Numbers and bytes inside comments, strings and words are left alone") {
     CHECK_NOTHROW(Read("brush 'B99999999999' { # 99999999999 \"\n 'Brush Group' true \"-99999999999 \\\" # {\" }"));
-    CHECK_NOTHROW(Read("brush 'B' { 'Brush Size' true -2147483648 'Brush Image Rows' true 2147483647 }"));
-    CHECK_NE(Refusal("brush 'B' { 'Brush Size' true 2147483648 }"), "");
-    CHECK_NE(Refusal("brush 'B' { 'Brush Size' true -2147483649 }"), "");
+    CHECK_NOTHROW(Read("brush 'B' { 'Brush Image Cols' true -2147483648 'Brush Image Rows' true 2147483647 }"));
+    CHECK_NE(Refusal("brush 'B' { 'Brush Image Cols' true 2147483648 }"), "");
+    CHECK_NE(Refusal("brush 'B' { 'Brush Image Cols' true -2147483649 }"), "");
     CHECK_NOTHROW(Read("brush 'B' { 'Brush Spacing' true 99999999999.0 }"));
 }
 

@@ -5,9 +5,8 @@
 #include <string>
 #include <utility>
 
-#include "paint/brush_profile.h"
 #include "shared/error.h"
-#include "tools/paint/brush_choices.h"
+#include "tools/paint/brush_limits.h"
 #include "tools/parameter_json.h"
 #include "tools/value_parsing.h"
 
@@ -28,23 +27,6 @@ Found FindParameter(std::string_view name, std::span<const SettingTable> tables)
     return {};
 }
 
-// What a table does not say and the engine would meet in silence, painting nothing or something else.
-void CheckBeyondTheTable(const ParameterDef& definition, const ParameterValue& value) {
-    if (definition.name == "Brush Size") {
-        std::int32_t radius = 0;
-        value.getInteger(radius);
-        if (radius < 0 || radius > BrushProfile::maximumRadius)
-            throw Error(std::to_string(radius) + " lies outside 0 .. " + std::to_string(BrushProfile::maximumRadius));
-    }
-    if (definition.name == "Brush Profile Type") {
-        std::string profile;
-        value.getString(profile);
-        const auto names = ProfileNames();
-        if (std::ranges::find(names, profile) == names.end())
-            throw Error("there is no profile " + Quoted(profile) + shared::NearestHint(profile, names));
-    }
-}
-
 std::string TextOf(const JsonNode& node, const ParameterDef& definition, const std::filesystem::path& file) {
     if (definition.type == ParameterType::fileName) return Beside(file, node.Text()).string();
     return TextOfJson(node.Value());
@@ -63,7 +45,7 @@ Setting Read(const JsonNode& node, const Found& found, const std::filesystem::pa
     }
     ParameterTexts(setting.place, table->list, table->choices).SetText(*scratch, setting.text);
     try {
-        CheckBeyondTheTable(*definition, *scratch);
+        CheckBrushValue(*scratch);
     } catch (const Error& error) {
         node.Refuse(error.what());
     }
