@@ -1,6 +1,6 @@
 #include "host/canvas_picture.h"
 
-#include <algorithm>
+#include <utility>
 
 #include "host/error.h"
 #include "host/gl.h"
@@ -20,15 +20,6 @@ const ImageObject* CanvasImage(HostState& state, const ContainerObject& containe
     return nullptr;
 }
 
-void DivideByAlpha(std::vector<std::uint8_t>& rgba) {
-    for (std::size_t pixel = 0; pixel < rgba.size(); pixel += 4) {
-        const int alpha = rgba[pixel + 3];
-        if (alpha == 0) continue;
-        for (std::size_t channel = pixel; channel < pixel + 3; ++channel)
-            rgba[channel] = static_cast<std::uint8_t>(std::min(255, (rgba[channel] * 255 + alpha / 2) / alpha));
-    }
-}
-
 }  // namespace
 
 Picture CanvasPicture(HostState& state, const ContainerObject& container, AlphaForm form) {
@@ -38,7 +29,7 @@ Picture CanvasPicture(HostState& state, const ContainerObject& container, AlphaF
     const BoundTexture bound(image->texture);
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
     glGetTexImage(GL_TEXTURE_2D, 0, GL_RGBA, GL_UNSIGNED_BYTE, picture.rgba.data());
-    if (form == AlphaForm::Straight) DivideByAlpha(picture.rgba);
+    if (form == AlphaForm::Straight) picture = DividedByAlpha(std::move(picture));
     return Flipped(picture);
 }
 

@@ -29,7 +29,7 @@ FrameBuffer::FrameBuffer(std::int32_t width, std::int32_t height) : m_width(widt
     m_depth = AttachStorage(GL_DEPTH_ATTACHMENT, GL_DEPTH_COMPONENT24, width, height);
     if (glCheckFramebufferStatus(GL_FRAMEBUFFER) != GL_FRAMEBUFFER_COMPLETE)
         throw Error("OpenGL cannot draw " + std::to_string(width) + " x " + std::to_string(height) + " pixels");
-    BindAndClear();
+    BindAndClear(0);
 }
 
 FrameBuffer::~FrameBuffer() {
@@ -43,9 +43,9 @@ void FrameBuffer::Bind() const {
     glViewport(0, 0, m_width, m_height);
 }
 
-void FrameBuffer::BindAndClear() const {
+void FrameBuffer::BindAndClear(float grey) const {
     Bind();
-    glClearColor(0, 0, 0, 1);
+    glClearColor(grey, grey, grey, 1);
     glDepthMask(GL_TRUE);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
 }

@@ -17,7 +17,8 @@ public:
     FrameBuffer& operator=(FrameBuffer&&) = delete;
 
     void Bind() const;
-    void BindAndClear() const;           // black and as far away as can be
+    // grey: 0.0 black .. 1.0 white; as far away as can be
+    void BindAndClear(float grey) const;
     [[nodiscard]] Picture Read() const;  // opaque
 
 private:

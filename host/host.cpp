@@ -6,6 +6,7 @@
 #include "host/canvas_picture.h"
 #include "host/error.h"
 #include "host/host_state.h"
+#include "host/overlay_picture.h"
 #include "host/scene_renderer.h"
 #include "host/session_nearest.h"
 
@@ -246,7 +247,7 @@ void Host::DeliverOperator() {
 
 void Host::Render() {
     m_state->redraw = false;
-    RenderScene(*m_state);
+    RenderScene(*m_state, *m_state->frame, Look::AsItIs);
 }
 
 void Host::SetDrawing(bool on) {
@@ -279,6 +280,8 @@ Picture Host::ReadFrame() const { return m_state->frame->Read(); }
 Picture Host::ReadCanvas(ObjectId container, AlphaForm form) const {
     return CanvasPicture(*m_state, FindContainer(*m_state, container), form);
 }
+
+Picture Host::ReadOverlay(AlphaForm form) { return OverlayPicture(*m_state, form); }
 
 WindowSize Host::Window() const { return m_state->window; }
 

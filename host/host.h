@@ -80,8 +80,8 @@ public:
     [[nodiscard]] ParameterValue GetParameter(ObjectId container, std::string_view name) const;
     [[nodiscard]] bool IsParameterShown(ObjectId container, std::string_view name) const;
 
-    // Off: renders do all that they do but draw, which is most of their work, so fields whose picture nobody reads go by
-    // quickly. On, as at the start: asks for a redraw, so that the next field's picture is whole.
+    // Off: renders do all that they do but draw, which is most of their work, so fields whose picture nobody reads go
+    // by quickly. On, as at the start: asks for a redraw, so that the next field's picture is whole.
     void SetDrawing(bool on);
 
     // The picture last rendered; opaque.
@@ -89,6 +89,11 @@ public:
     // What the module on this container draws, alone and upright, as of the last render. Throws when it has put no
     // texture on the container yet.
     [[nodiscard]] Picture ReadCanvas(ObjectId container, AlphaForm form = AlphaForm::Straight) const;
+
+    // What all modules draw, in the window's size and at its place: laid over the picture as it would be without
+    // drawings, it gives the picture last rendered (docs/output.md). Renders the scene three times more, as of now, and
+    // leaves that picture as it was.
+    [[nodiscard]] Picture ReadOverlay(AlphaForm form = AlphaForm::Straight);
 
     [[nodiscard]] WindowSize Window() const;
     void ResizeWindow(WindowSize window);  // asks for a redraw

@@ -59,6 +59,7 @@ struct HostState {
     GlContext context;  // first: the objects below end while it is there
     WindowSize window;
     std::unique_ptr<FrameBuffer> frame;
+    ImageObject clearImage;  // one clear pixel, in place of a module's texture; built when it is first needed
 
     Objects objects;
     ObjectId scene = noObject;

@@ -4,6 +4,7 @@
 
 namespace kel {
 
+using shared::DividedByAlpha;
 using shared::Flipped;
 using shared::IsPictureName;
 using shared::largestPictureSide;

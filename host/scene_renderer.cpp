@@ -53,7 +53,7 @@ void ResetUnit(std::size_t unit) {
 }
 
 // Every object starts from the same state, whatever the one before it left.
-void ResetState() {
+void ResetState(Look look) {
     for (std::size_t unit = 0; unit < textureUnits; ++unit) ResetUnit(unit);
     glActiveTexture(UnitName(0));
     glMatrixMode(GL_MODELVIEW);
@@ -73,7 +73,8 @@ void ResetState() {
     glPixelStorei(GL_UNPACK_SKIP_ROWS, 0);
     glPixelStorei(GL_UNPACK_SKIP_PIXELS, 0);
     glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
-    glColor4f(1, 1, 1, 1);
+    const GLfloat grey = look == Look::Black ? 0 : 1;
+    glColor4f(grey, grey, grey, 1);
 }
 
 void SetSampling(const TextureObject& texture, const ImageObject& image) {
@@ -85,17 +86,38 @@ void SetSampling(const TextureObject& texture, const ImageObject& image) {
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, texture.wrap);
 }
 
+const ImageObject& ClearImage(HostState& state) {
+    ImageObject& image = state.clearImage;
+    if (image.texture.Name() != 0) return image;
+    image.width = 1;
+    image.height = 1;
+    image.format = GL_RGBA;
+    image.pixels.assign(4, 0);
+    BuildTexture(image);
+    return image;
+}
+
+// The container's plain colour with the texture's alpha.
+void ShowAlphaAlone() {
+    glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_COMBINE);
+    glTexEnvi(GL_TEXTURE_ENV, GL_COMBINE_RGB, GL_REPLACE);
+    glTexEnvi(GL_TEXTURE_ENV, GL_SOURCE0_RGB, GL_PREVIOUS);
+}
+
 // Shows the unit's texture spread over the whole rectangle, until the module says otherwise.
-void BindUnit(HostState& state, const ContainerObject& container, std::size_t unit) {
+void BindUnit(HostState& state, const ContainerObject& container, std::size_t unit, Look look) {
     const auto* texture = state.objects.Find<TextureObject>(container.TextureOn(unit));
     auto* image = texture == nullptr ? nullptr : state.objects.Find<ImageObject>(texture->image);
     if (image == nullptr) return;
     if (image->texture.Name() == 0) BuildTexture(*image);
     glActiveTexture(UnitName(unit));
     glEnable(GL_TEXTURE_2D);
-    glBindTexture(GL_TEXTURE_2D, image->texture.Name());
-    SetSampling(*texture, *image);
+    const bool isDrawing = container.multiTextures[unit] != noObject;
+    const ImageObject& shown = isDrawing && look == Look::Undrawn ? ClearImage(state) : *image;
+    glBindTexture(GL_TEXTURE_2D, shown.texture.Name());
+    SetSampling(*texture, shown);
     glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, texture->environment);
+    if (!isDrawing && (look == Look::Black || look == Look::White)) ShowAlphaAlone();
     glMatrixMode(GL_TEXTURE);
     glTranslated(0.5, 0.5, 0);
     glScaled(coordinatesPerTexture / container.placement.size[0], coordinatesPerTexture / container.placement.size[1],
@@ -115,9 +137,9 @@ void DrawRectangle(const std::array<double, 2>& size) {
     glEnd();
 }
 
-void Prepare(HostState& state, const ContainerObject& container, const Matrix& camera) {
-    ResetState();
-    for (std::size_t unit = 0; unit < textureUnits; ++unit) BindUnit(state, container, unit);
+void Prepare(HostState& state, const ContainerObject& container, const Matrix& camera, Look look) {
+    ResetState(look);
+    for (std::size_t unit = 0; unit < textureUnits; ++unit) BindUnit(state, container, unit, look);
     glActiveTexture(UnitName(0));
     glMatrixMode(GL_PROJECTION);
     glLoadMatrixd(camera.data());
@@ -133,8 +155,8 @@ void CallRender(HostState& state, Instance& instance, Callback which, EntryPoint
     while (glGetError() != GL_NO_ERROR) continue;
 }
 
-void RenderContainer(HostState& state, ContainerObject& container, const Matrix& camera) {
-    Prepare(state, container, camera);
+void RenderContainer(HostState& state, ContainerObject& container, const Matrix& camera, Look look) {
+    Prepare(state, container, camera, look);
     Instance* instance = container.instance.get();
     if (instance != nullptr) CallRender(state, *instance, Callback::PreRender, &EntryPoints::preRender);
     const bool hasArea = container.placement.size[0] > 0 && container.placement.size[1] > 0;
@@ -144,17 +166,17 @@ void RenderContainer(HostState& state, ContainerObject& container, const Matrix&
 
 }  // namespace
 
-void RenderScene(HostState& state) {
+void RenderScene(HostState& state, const FrameBuffer& target, Look look) {
     const Matrix camera = CurrentCameraMatrix(state);
-    ResetState();
+    ResetState(look);
     // Without a picture to draw the clearing goes too: every upload would wait for it.
     if (state.drawing) {
-        state.frame->BindAndClear();
+        target.BindAndClear(look == Look::White ? 1 : 0);
     } else {
-        state.frame->Bind();
+        target.Bind();
     }
     state.objects.ForEach<ContainerObject>(
-        [&](ObjectId, ContainerObject& container) { RenderContainer(state, container, camera); });
+        [&](ObjectId, ContainerObject& container) { RenderContainer(state, container, camera, look); });
 }
 
 void BuildTexture(ImageObject& image) {

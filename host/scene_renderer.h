@@ -4,8 +4,12 @@
 
 namespace kel {
 
-// Draws all containers into the frame, each between its instance's pre and post render.
-void RenderScene(HostState& state);
+// What the scene is made to look like: as it is; without what modules draw; or with everything but that in one plain
+// colour, shapes and alpha as they are.
+enum class Look { AsItIs, Undrawn, Black, White };
+
+// Draws all containers into the target, each between its instance's pre and post render.
+void RenderScene(HostState& state, const FrameBuffer& target, Look look);
 
 // Makes the image's texture anew from its pixels.
 void BuildTexture(ImageObject& image);

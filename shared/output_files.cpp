@@ -15,11 +15,6 @@ namespace fs = std::filesystem;
 
 [[noreturn]] void Refuse(const fs::path& file, const std::string& reason) { throw Error(file.string(), {}, reason); }
 
-fs::path FolderOf(const fs::path& file) {
-    const fs::path folder = file.parent_path();
-    return folder.empty() ? fs::path(".") : folder;
-}
-
 // One name for one file, however its folder is written.
 fs::path Canonical(const fs::path& file) {
     std::error_code failure;
@@ -29,14 +24,13 @@ fs::path Canonical(const fs::path& file) {
 
 }  // namespace
 
-OutputFiles::~OutputFiles() {
-    std::error_code ignored;
-    for (const Staged& staged : m_staged) fs::remove(staged.temporary, ignored);
+void OutputFiles::Announce(const fs::path& file) {
+    if (!IsPictureName(file)) Refuse(file, "pictures end in .png, .jpg or .jpeg");
+    AnnounceOther(file);
 }
 
-void OutputFiles::Announce(const fs::path& file) {
+void OutputFiles::AnnounceOther(const fs::path& file) {
     std::error_code failure;
-    if (!IsPictureName(file)) Refuse(file, "pictures end in .png, .jpg or .jpeg");
     if (fs::is_directory(file, failure)) Refuse(file, "cannot be written: it is a folder");
     const fs::path folder = FolderOf(file);
     if (!fs::is_directory(folder, failure)) Refuse(file, "cannot be written: there is no folder " + folder.string());
@@ -47,9 +41,7 @@ void OutputFiles::Announce(const fs::path& file) {
 
 template <typename AnyDepth>
 void OutputFiles::StageAny(const AnyDepth& picture, const fs::path& file) {
-    const std::string name = ".unfinished-" + std::to_string(getpid()) + '-' + std::to_string(m_staged.size());
-    const fs::path temporary = FolderOf(file) / (name + file.extension().string());
-    m_staged.push_back({temporary, file});
+    const fs::path& temporary = m_staged.emplace_back(file).Temporary();
     try {
         WritePicture(picture, temporary);
     } catch (const Error& error) {
@@ -64,11 +56,7 @@ void OutputFiles::Stage(const Picture& picture, const fs::path& file) { StageAny
 void OutputFiles::Stage(const Picture16& picture, const fs::path& file) { StageAny(picture, file); }
 
 void OutputFiles::Commit() {
-    for (const Staged& staged : m_staged) {
-        std::error_code failure;
-        fs::rename(staged.temporary, staged.file, failure);
-        if (failure) Refuse(staged.file, "cannot be written: " + failure.message());
-    }
+    for (StagedFile& staged : m_staged) staged.Commit();
     m_staged.clear();
 }
 

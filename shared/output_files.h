@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "shared/picture.h"
+#include "shared/staged_file.h"
 
 namespace shared {
 
@@ -14,16 +15,11 @@ namespace shared {
 // committed is deleted.
 class OutputFiles {
 public:
-    OutputFiles() = default;
-    ~OutputFiles();
-    OutputFiles(const OutputFiles&) = delete;
-    OutputFiles& operator=(const OutputFiles&) = delete;
-    OutputFiles(OutputFiles&&) = delete;
-    OutputFiles& operator=(OutputFiles&&) = delete;
-
     // Says early that `file` will be staged. Throws Error when it cannot be a picture there: the name's ending, a
     // folder that is missing or closed, or another output of the same name.
     void Announce(const std::filesystem::path& file);
+    // The same for a file that is no picture and that somebody else writes.
+    void AnnounceOther(const std::filesystem::path& file);
 
     // Throws Error when the picture cannot be written.
     void Stage(const Picture& picture, const std::filesystem::path& file);
@@ -36,13 +32,8 @@ private:
     template <typename AnyDepth>
     void StageAny(const AnyDepth& picture, const std::filesystem::path& file);
 
-    struct Staged {
-        std::filesystem::path temporary;
-        std::filesystem::path file;
-    };
-
     std::set<std::filesystem::path> m_announced;
-    std::vector<Staged> m_staged;
+    std::vector<StagedFile> m_staged;
 };
 
 // "frames/f%05d.png": the names of numbered pictures.

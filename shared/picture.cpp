@@ -106,6 +106,17 @@ Picture Flipped(const Picture& picture) {
     return flipped;
 }
 
+Picture DividedByAlpha(Picture premultiplied) {
+    std::vector<std::uint8_t>& rgba = premultiplied.rgba;
+    for (std::size_t pixel = 0; pixel < rgba.size(); pixel += 4) {
+        const int alpha = rgba[pixel + 3];
+        if (alpha == 0) continue;
+        for (std::size_t channel = pixel; channel < pixel + 3; ++channel)
+            rgba[channel] = static_cast<std::uint8_t>(std::min(255, (rgba[channel] * 255 + alpha / 2) / alpha));
+    }
+    return premultiplied;
+}
+
 Picture ReadPicture(const std::filesystem::path& file) { return Decoded(file, DecodePng); }
 
 AnyPicture ReadAnyPicture(const std::filesystem::path& file) {

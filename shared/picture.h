@@ -42,6 +42,9 @@ constexpr std::int32_t largestPictureSide = 16384;  // what the renderer takes a
 // The same picture upside down: OpenGL counts rows from the bottom.
 [[nodiscard]] Picture Flipped(const Picture& picture);
 
+// A picture whose colours are multiplied by its alpha, made straight. Where nothing is covered the colour stays.
+[[nodiscard]] Picture DividedByAlpha(Picture premultiplied);
+
 // Reads a PNG or a JPEG, whatever the file is called. Throws Error naming the file and the reason.
 [[nodiscard]] Picture ReadPicture(const std::filesystem::path& file);
 // The same, with the words of a PNG of 16 bits a channel as they are.

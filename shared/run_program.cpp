@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 #include <exception>
 #include <new>
@@ -26,6 +27,7 @@ int Complain(const CLI::App& program, std::string message, int exitCode) {
 }  // namespace
 
 int RunProgram(CLI::App& program, int argc, char** argv) {
+    std::signal(SIGXFSZ, SIG_IGN);  // a file at its limit is told like a full disk
     try {
         program.parse(argc, argv);
     } catch (const CLI::Success& success) {

@@ -7,7 +7,7 @@
 #include "host/film/film_format.h"
 #include "host/film/film_writer.h"
 #include "host/film/picture_packer.h"
-#include "host/film/staged_file.h"
+#include "shared/staged_file.h"
 
 namespace kel {
 
@@ -33,7 +33,7 @@ private:
     // Throws when the step failed, or any write to the file so far.
     void Check(int result) const;
 
-    StagedFile m_file;
+    shared::StagedFile m_file;
     const FilmFormat* m_format;  // of the table; never null
     FilmSettings m_settings;
     std::unique_ptr<AVFormatContext, CloseOutput> m_output;

@@ -4,12 +4,11 @@
 
 #include <cstdlib>
 #include <nlohmann/json.hpp>
-#include <regex>
 
 #include "host/picture.h"
+#include "tests/host/desk.h"
 #include "tests/host/pixels.h"
 #include "tests/host/session_text.h"
-#include "tests/shared/desk.h"
 #include "tests/shared/temporary_folder.h"
 
 // The programs themselves, run as an operator runs them.
@@ -19,42 +18,11 @@ namespace {
 
 using nlohmann::json;
 using shared::testing::Ended;
-using shared::testing::TemporaryFolder;
+using testing::CheckRefused;
+using testing::CheckRefusedLike;
+using testing::Desk;
 using testing::PlainSession;
-
-// With a session in it.
-class Desk : public shared::testing::Desk {
-public:
-    explicit Desk(const json& session = PlainSession()) : shared::testing::Desk(KEL_PROGRAM) {
-        Write("s.json", session.dump());
-    }
-};
-
-// Bad input ends with exit code 2 and this one line, and no file has appeared.
-void CheckRefused(const Desk& desk, const std::string& arguments, const std::string& line) {
-    const std::ptrdiff_t entries = desk.Entries();
-    const Ended ended = desk.Run(arguments);
-    CHECK_EQ(ended.complaint, "kel: " + line + "\n");
-    CHECK_EQ(ended.exitCode, 2);
-    CHECK_EQ(ended.output, "");
-    CHECK_EQ(desk.Entries(), entries);
-}
-
-// The same where the reason is the system's or another program's own.
-void CheckRefusedLike(const Desk& desk, const std::string& arguments, const std::string& pattern) {
-    const std::ptrdiff_t entries = desk.Entries();
-    const Ended ended = desk.Run(arguments);
-    CAPTURE(ended.complaint);
-    CHECK(std::regex_match(ended.complaint, std::regex("kel: " + pattern + "\n")));
-    CHECK_EQ(ended.exitCode, 2);
-    CHECK_EQ(desk.Entries(), entries);
-}
-
-json SessionWith(const char* pointer, const json& value) {
-    json session = PlainSession();
-    session[json::json_pointer(pointer)] = value;
-    return session;
-}
+using testing::SessionWith;
 
 // A pixel of the small window is 16 of the canvas, so its middle lies up to 8 beside the middle of a soft pen.
 constexpr int besideTheMiddle = 8;
@@ -252,7 +220,9 @@ TEST_CASE("An output that cannot be written is refused before anything is played
     std::filesystem::create_directory(desk.Path("folder.png"));
     CheckRefused(desk, "play s.json --out none/o.png", "none/o.png: cannot be written: there is no folder none");
     CheckRefused(desk, "play s.json --out folder.png", "folder.png: cannot be written: it is a folder");
-    CheckRefused(desk, "play s.json --out o.gif", "o.gif: pictures end in .png, .jpg or .jpeg");
+    CheckRefused(desk, "play s.json --out o.gif",
+                 "o.gif: neither a picture nor a film ends in \".gif\"; there are \".png\", \".jpg\", \".jpeg\", "
+                 "\".mov\", \".mkv\", \".mp4\", \".webm\"");
     CheckRefused(desk, "play s.json --out o.png --overlay ./o.png", "./o.png: two outputs have this name");
     CheckRefused(desk, "play s.json --frames none/f%05d.png",
                  "none/f00000.png: cannot be written: there is no folder none");
@@ -289,6 +259,13 @@ TEST_CASE("The examples' pitch is the one that make_pitch draws") {
     CHECK_EQ(desk.Open("pitch.png") == ReadPicture(KEL_SOURCE_FOLDER "/examples/pitch.png"), true);
 }
 
+TEST_CASE("The examples' test card is the one that make_test_card draws") {
+    const Desk desk;
+    CHECK_EQ(desk.Run("card.png front.png", KEL_MAKE_TEST_CARD).exitCode, 0);
+    CHECK_EQ(desk.Open("front.png") == ReadPicture(KEL_SOURCE_FOLDER "/examples/test-card-front.png"), true);
+    CHECK_EQ(desk.Open("card.png") == ReadPicture(KEL_SOURCE_FOLDER "/examples/test-card.png"), true);
+}
+
 TEST_CASE("All examples play") {
     for (const auto& entry : std::filesystem::directory_iterator(KEL_SOURCE_FOLDER "/examples")) {
         if (entry.path().extension() != ".json") continue;
@@ -297,7 +274,8 @@ TEST_CASE("All examples play") {
         const Ended ended = desk.Run("play " + entry.path().string() + " --out o.png --overlay overlay.png");
         CHECK_EQ(ended.exitCode, 0);
         CHECK_EQ(ended.complaint, "");
-        CHECK_EQ(desk.Open("o.png").width, 1280);
+        const json session = json::parse(shared::testing::ReadText(entry.path()));
+        CHECK_EQ(desk.Open("o.png").width, session["window"]["width"]);
         const auto overlay = desk.Open("overlay.png").rgba;
         std::size_t painted = 0;
         for (std::size_t i = 3; i < overlay.size(); i += 4) painted += overlay[i] > 127 ? 1 : 0;

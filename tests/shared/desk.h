@@ -28,10 +28,13 @@ public:
 
     // arguments: as the shell reads them
     [[nodiscard]] Ended Run(const std::string& arguments) const { return Run(arguments, m_program); }
-    [[nodiscard]] Ended Run(const std::string& arguments, const std::string& program) const {
+    // before: what the shell does first, such as "ulimit -f 8 &&"
+    [[nodiscard]] Ended Run(const std::string& arguments, const std::string& program,
+                            const std::string& before = "") const {
         const TemporaryFolder results;
-        const std::string command = "cd '" + m_folder.Path().string() + "' && '" + program + "' " + arguments + " >'" +
-                                    (results / "out").string() + "' 2>'" + (results / "err").string() + "'";
+        const std::string command = "cd '" + m_folder.Path().string() + "' && " + before + " '" + program + "' " +
+                                    arguments + " >'" + (results / "out").string() + "' 2>'" +
+                                    (results / "err").string() + "'";
         const int status = std::system(command.c_str());
         return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadText(results / "out"), ReadText(results / "err")};
     }

@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-namespace kel {
+namespace shared {
 
 // A file that appears at its place whole or not at all: it is written under another name in the same folder, and
 // Commit gives it its own. What is not committed is deleted.
@@ -30,4 +30,4 @@ private:
 // The folder that a file is in; "." where its name has none.
 [[nodiscard]] std::filesystem::path FolderOf(const std::filesystem::path& file);
 
-}  // namespace kel
+}  // namespace shared

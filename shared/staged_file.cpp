@@ -1,4 +1,4 @@
-#include "host/film/staged_file.h"
+#include "shared/staged_file.h"
 
 #include <unistd.h>
 
@@ -7,14 +7,14 @@
 #include <system_error>
 #include <utility>
 
-#include "host/error.h"
+#include "shared/error.h"
 
-namespace kel {
+namespace shared {
 namespace {
 
 std::filesystem::path TemporaryName(const std::filesystem::path& file) {
     static std::atomic<int> count{0};
-    const std::string name = ".kel-" + std::to_string(getpid()) + '-' + std::to_string(count++);
+    const std::string name = ".unfinished-" + std::to_string(getpid()) + '-' + std::to_string(count++);
     return FolderOf(file) / (name + file.extension().string());
 }
 
@@ -42,4 +42,4 @@ std::filesystem::path FolderOf(const std::filesystem::path& file) {
     return folder.empty() ? std::filesystem::path(".") : folder;
 }
 
-}  // namespace kel
+}  // namespace shared

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <doctest/doctest.h>
+
+#include <nlohmann/json.hpp>
+#include <regex>
+#include <string>
+
+#include "tests/host/session_text.h"
+#include "tests/shared/desk.h"
+
+namespace kel::testing {
+
+// With a session in it.
+class Desk : public shared::testing::Desk {
+public:
+    explicit Desk(const nlohmann::json& session = PlainSession()) : shared::testing::Desk(KEL_PROGRAM) {
+        Write("s.json", session.dump());
+    }
+};
+
+// Bad input ends with exit code 2 and this one line, and no file has appeared.
+inline void CheckRefused(const Desk& desk, const std::string& arguments, const std::string& line) {
+    const std::ptrdiff_t entries = desk.Entries();
+    const shared::testing::Ended ended = desk.Run(arguments);
+    CHECK_EQ(ended.complaint, "kel: " + line + "\n");
+    CHECK_EQ(ended.exitCode, 2);
+    CHECK_EQ(ended.output, "");
+    CHECK_EQ(desk.Entries(), entries);
+}
+
+// The same where the reason is the system's or another program's own.
+inline void CheckRefusedLike(const Desk& desk, const std::string& arguments, const std::string& pattern) {
+    const std::ptrdiff_t entries = desk.Entries();
+    const shared::testing::Ended ended = desk.Run(arguments);
+    CAPTURE(ended.complaint);
+    CHECK(std::regex_match(ended.complaint, std::regex("kel: " + pattern + "\n")));
+    CHECK_EQ(ended.exitCode, 2);
+    CHECK_EQ(desk.Entries(), entries);
+}
+
+// PlainSession with another value at a place; pointer: a JSON pointer.
+inline nlohmann::json SessionWith(const char* pointer, const nlohmann::json& value) {
+    nlohmann::json session = PlainSession();
+    session[nlohmann::json::json_pointer(pointer)] = value;
+    return session;
+}
+
+}  // namespace kel::testing
