@@ -43,8 +43,8 @@ private:
 [[nodiscard]] std::int32_t SoftenReach(double softness, std::int32_t passes);
 
 // Runs `passes` box filters over the line, then, with more than two passes, three taps for what the softness has left
-// over after the point. Sums are 32-bit floats built up from left to right. `spare` is scratch of the caller's; which
-// of the two holds the result in the end is hidden by a swap of their memory.
+// over after the point. Sums are 32-bit floats built up from left to right. `spare` is scratch of the caller's
+// and holds nothing of use afterwards.
 void SoftenLine(FloatLine& line, FloatLine& spare, double softness, std::int32_t passes);
 
 }  // namespace chalkpane
