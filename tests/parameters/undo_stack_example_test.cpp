@@ -17,17 +17,12 @@ class Steps final : public chalkpane::UndoStack {
 public:
     void take(std::unique_ptr<chalkpane::UndoData> record) override { done.push_back(std::move(record)); }
     bool isRecordDiscardable() const override { return dropping; }
-    void undo() { move(done, undone)->undo(); }
-    void redo() { move(undone, done)->redo(); }
+    void undo() { done.back()->undo(), undone.push_back(std::move(done.back())), done.pop_back(); }
+    void redo() { undone.back()->redo(), done.push_back(std::move(undone.back())), undone.pop_back(); }
     void dropUndone() { dropping = true, undone.clear(), dropping = false; }
 
 private:
-    using Records = std::vector<std::unique_ptr<chalkpane::UndoData>>;
-    static chalkpane::UndoData* move(Records& from, Records& to) {
-        to.push_back(std::move(from.back()));
-        return from.pop_back(), to.back().get();
-    }
-    Records done, undone;
+    std::vector<std::unique_ptr<chalkpane::UndoData>> done, undone;
     bool dropping = false;
 };
 // [example]

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "shared/error.h"
+#include "shared/nearest_name.h"
 #include "tools/paint/brush_limits.h"
 #include "tools/parameter_json.h"
 #include "tools/value_parsing.h"
