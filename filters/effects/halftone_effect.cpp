@@ -59,17 +59,20 @@ std::vector<std::uint8_t> RankedTile(const std::vector<float>& values) {
     return tile;
 }
 
-// Into 0 .. size, whatever the place; beyond exactness, anywhere in it.
-float Within(float place, float size) {
-    float within = place - size * static_cast<float>(Truncated(place / size));
-    if (within < 0.0F) within += size;
-    return within;
-}
+// Differences of a whole level and a threshold. Words above full scale make levels of up to 1020.
+constexpr std::int32_t lowestDifference = -255;
+constexpr std::int32_t largestDifference = 1024;
 
-// KEEP: a negative place close to 0 rounds up to the size itself, which is the first row or column again.
-std::size_t TileIndex(float within, std::int32_t size) {
-    const std::int32_t index = Truncated(within);
-    return static_cast<std::size_t>(index >= 0 && index < size ? index : 0);
+// Into 0 .. size; what lies too far away for whole numbers ends up anywhere in it, as an index of 0.
+template <bool far>
+[[gnu::always_inline]] inline std::int32_t TileIndex(float place, float size) {
+    const float ratio = place / size;
+    const std::int32_t tiles = far ? Truncated(ratio) : static_cast<std::int32_t>(ratio);
+    const float left = place - size * static_cast<float>(tiles);
+    const float within = left + (left < 0.0F ? size : 0.0F);
+    const std::int32_t index = far ? Truncated(within) : static_cast<std::int32_t>(within);
+    // KEEP: a negative place close to 0 rounds up to the size itself, which is the first row or column again.
+    return index >= 0 && index < static_cast<std::int32_t>(size) ? index : 0;
 }
 
 }  // namespace
@@ -86,13 +89,19 @@ void HalftoneEffect::valuesChanged() {
     }
 }
 
-void HalftoneEffect::BeginRun(const Image& /*source*/) {
+void HalftoneEffect::BeginRun(const Image& source) {
     const auto turn = [](float angle) { return Turn{std::sin(Radians(angle)), std::cos(Radians(angle))}; };
     m_red = turn(m_redAngle);
     m_green = turn(m_greenAngle);
     m_blue = turn(m_blueAngle);
     m_reach = Truncated(m_softness * 127.0F);
     m_tileSize = std::clamp(m_size, 1, largestSize);
+    m_shades.clear();
+    for (std::int32_t difference = lowestDifference; difference <= largestDifference; ++difference) {
+        const float shade = Screened(static_cast<float>(difference), 0);
+        m_shades.push_back(static_cast<std::uint16_t>(source.depth == 0 ? FromByteScale<PixelFormat8>(shade)
+                                                                        : FromByteScale<PixelFormat14>(shade)));
+    }
     const auto values = ShapeTile(m_shape, m_tileSize);
     if (m_shape == circle) {
         m_tile = RankedTile(values);
@@ -103,31 +112,97 @@ void HalftoneEffect::BeginRun(const Image& /*source*/) {
                    [](float value) { return static_cast<std::uint8_t>(Truncated(value * 254.0F)); });
 }
 
-float HalftoneEffect::Screened(float level, std::int32_t x, std::int32_t y, const Turn& turn) const {
-    const auto column = static_cast<float>(x);
-    const auto row = static_cast<float>(y);
-    const auto size = static_cast<float>(m_tileSize);
-    const float p = Within(column * turn.cosine + row * turn.sine, size);
-    const float q = Within(row * turn.cosine - column * turn.sine, size);
-    const std::size_t place =
-        TileIndex(q, m_tileSize) * static_cast<std::size_t>(m_tileSize) + TileIndex(p, m_tileSize);
-    const auto threshold = static_cast<float>(m_tile[place]);
+float HalftoneEffect::Screened(float level, std::int32_t threshold) const {
+    const auto middle = static_cast<float>(threshold);
     const auto reach = static_cast<float>(m_reach);
-    if (threshold + reach < level) return 255.0F;
-    if (level < threshold - reach) return 0.0F;
+    if (middle + reach < level) return 255.0F;
+    if (level < middle - reach) return 0.0F;
     // KEEP: without softness a level on its threshold is 0 / 0, which is stored as 0.
-    return (level - threshold) * 255.0F / (2.0F * reach);
+    return (level - middle) * 255.0F / (2.0F * reach);
 }
 
-void HalftoneEffect::ProcessPixel(std::int32_t x, std::int32_t y, float& /*a*/, float& r, float& g, float& b) {
-    if (m_colour) {
-        r = Screened(r, x, y, m_red);
-        g = Screened(g, x, y, m_green);
-        b = Screened(b, x, y, m_blue);
-        return;
+template <bool far>
+[[gnu::always_inline]] inline void HalftoneEffect::Places(std::int32_t x, std::int32_t y, std::size_t count,
+                                                          const Turn& turn, Block& places) const {
+    const auto row = static_cast<float>(y);
+    const auto size = static_cast<float>(m_tileSize);
+    const float sine = turn.sine;
+    const float cosine = turn.cosine;
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto column = static_cast<float>(x + static_cast<std::int32_t>(i));
+        const std::int32_t p = TileIndex<far>(column * cosine + row * sine, size);
+        const std::int32_t q = TileIndex<far>(row * cosine - column * sine, size);
+        places[i] = q * m_tileSize + p;
     }
-    const auto luma = static_cast<std::int32_t>(r * 0.299F + g * 0.587F + b * 0.114F);
-    r = g = b = Screened(static_cast<float>(luma), x, y, m_red);
+}
+
+void HalftoneEffect::Thresholds(std::int32_t x, std::int32_t y, std::size_t count, const Turn& turn,
+                                Block& thresholds) const {
+    constexpr std::int32_t nearby = 1 << 28;
+    const bool far = x < -nearby || x > nearby || y < -nearby || y > nearby ||
+                     !(std::fabs(turn.sine) <= 1.0F && std::fabs(turn.cosine) <= 1.0F);
+    far ? Places<true>(x, y, count, turn, thresholds) : Places<false>(x, y, count, turn, thresholds);
+    for (std::size_t i = 0; i < count; ++i) thresholds[i] = m_tile[static_cast<std::size_t>(thresholds[i])];
+}
+
+template <typename F>
+void HalftoneEffect::GreyBlock(std::int32_t x, std::int32_t y, std::span<typename F::Channel> pixels) const {
+    const std::size_t count = pixels.size() / 4;
+    Block thresholds;
+    Block lumas;
+    Thresholds(x, y, count, m_red, thresholds);
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto pixel = detail::PixelWords<F>::Load(&pixels[4 * i]);
+        lumas[i] =
+            static_cast<std::int32_t>(ToByteScale<F>(pixel.Red()) * 0.299F + ToByteScale<F>(pixel.Green()) * 0.587F +
+                                      ToByteScale<F>(pixel.Blue()) * 0.114F);
+    }
+    for (std::size_t i = 0; i < count; ++i)
+        lumas[i] = m_shades[static_cast<std::size_t>(lumas[i] - thresholds[i] - lowestDifference)];
+    const std::int32_t* shade = lumas.data();
+    ForEachColour<F>(pixels, [&shade](auto& blue, auto& green, auto& red, auto& alpha) {
+        blue = green = red = *shade++;
+        alpha = FromByteScale<F>(ToByteScale<F>(alpha));
+    });
+}
+
+template <typename F>
+void HalftoneEffect::ColourBlock(std::int32_t x, std::int32_t y, std::span<typename F::Channel> pixels) const {
+    const std::size_t count = pixels.size() / 4;
+    Block thresholds;
+    const std::array turns{&m_blue, &m_green, &m_red};
+    for (std::size_t c = 0; c < turns.size(); ++c) {
+        Thresholds(x, y, count, *turns[c], thresholds);
+        for (std::size_t i = 0; i < count; ++i) {
+            auto& channel = pixels[4 * i + c];
+            if constexpr (F::bits == 8)  // whole levels
+                channel = static_cast<typename F::Channel>(
+                    m_shades[static_cast<std::size_t>(channel - thresholds[i] - lowestDifference)]);
+            else
+                channel = static_cast<typename F::Channel>(
+                    FromByteScale<F>(Screened(ToByteScale<F>(channel), thresholds[i])));
+        }
+    }
+    ForEachColour<F>(pixels, [](auto&, auto&, auto&, auto& alpha) { alpha = FromByteScale<F>(ToByteScale<F>(alpha)); });
+}
+
+template <typename F>
+void HalftoneEffect::Row(std::int32_t x, std::int32_t y, std::span<typename F::Channel> pixels) const {
+    for (; pixels.size() >= 4; pixels = pixels.subspan(std::min(4 * block, pixels.size()))) {
+        const auto part = pixels.first(std::min(4 * block, pixels.size()));
+        m_colour ? ColourBlock<F>(x, y, part) : GreyBlock<F>(x, y, part);
+        x += static_cast<std::int32_t>(part.size() / 4);
+    }
+}
+
+void HalftoneEffect::ProcessRow16(std::int32_t firstX, std::int32_t /*lastX*/, std::int32_t y,
+                                  std::span<std::uint16_t> pixels) {
+    Row<PixelFormat14>(firstX, y, pixels);
+}
+
+void HalftoneEffect::ProcessRow8(std::int32_t firstX, std::int32_t /*lastX*/, std::int32_t y,
+                                 std::span<std::uint8_t> pixels) {
+    Row<PixelFormat8>(firstX, y, pixels);
 }
 
 }  // namespace chalkpane

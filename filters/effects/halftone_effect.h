@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -36,8 +37,13 @@ public:
     // The angles of green and blue mean something in colour only.
     void valuesChanged() override;
     void BeginRun(const Image& source) override;
-    void EndRun() override { m_tile = {}; }
-    void ProcessPixel(std::int32_t x, std::int32_t y, float& a, float& r, float& g, float& b) override;
+    void EndRun() override {
+        m_tile = {};
+        m_shades = {};
+    }
+    void ProcessRow16(std::int32_t firstX, std::int32_t lastX, std::int32_t y,
+                      std::span<std::uint16_t> pixels) override;
+    void ProcessRow8(std::int32_t firstX, std::int32_t lastX, std::int32_t y, std::span<std::uint8_t> pixels) override;
 
 private:
     struct Turn {
@@ -45,8 +51,22 @@ private:
         float cosine = 1.0F;
     };
 
-    // A level of 0 to 255 by the threshold at that place of that screen; not limited, and no number where it is 0 / 0.
-    [[nodiscard]] float Screened(float level, std::int32_t x, std::int32_t y, const Turn& turn) const;
+    // So many pixels of a row are worked on together.
+    static constexpr std::size_t block = 256;
+    using Block = std::array<std::int32_t, block>;
+
+    // A level of 0 to 255 by a threshold; not limited, and no number where it is 0 / 0.
+    [[nodiscard]] float Screened(float level, std::int32_t threshold) const;
+    // The thresholds of a turned screen for `count` pixels of row y from x on.
+    template <bool far>
+    void Places(std::int32_t x, std::int32_t y, std::size_t count, const Turn& turn, Block& places) const;
+    void Thresholds(std::int32_t x, std::int32_t y, std::size_t count, const Turn& turn, Block& thresholds) const;
+    template <typename F>
+    void Row(std::int32_t x, std::int32_t y, std::span<typename F::Channel> pixels) const;
+    template <typename F>
+    void GreyBlock(std::int32_t x, std::int32_t y, std::span<typename F::Channel> pixels) const;
+    template <typename F>
+    void ColourBlock(std::int32_t x, std::int32_t y, std::span<typename F::Channel> pixels) const;
 
     std::int32_t m_size = 10;  // pixels
     float m_softness = 0.3F;
@@ -59,7 +79,8 @@ private:
     // Of the run.
     std::vector<std::uint8_t> m_tile;  // thresholds, rows of `m_tileSize`
     std::int32_t m_tileSize = 1;
-    std::int32_t m_reach = 0;  // on both sides of a threshold, within which levels are grey
+    std::vector<std::uint16_t> m_shades;  // channels by whole level less threshold, from `lowestDifference` on
+    std::int32_t m_reach = 0;             // on both sides of a threshold, within which levels are grey
     Turn m_red;
     Turn m_green;
     Turn m_blue;
