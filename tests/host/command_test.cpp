@@ -1,6 +1,4 @@
 #include <doctest/doctest.h>
-#include <fcntl.h>
-#include <unistd.h>
 
 #include <cstdlib>
 #include <nlohmann/json.hpp>
@@ -10,6 +8,7 @@
 #include "tests/host/pixels.h"
 #include "tests/host/session_text.h"
 #include "tests/shared/temporary_folder.h"
+#include "tests/shared/terminal.h"
 
 // The programs themselves, run as an operator runs them.
 
@@ -29,26 +28,6 @@ constexpr int besideTheMiddle = 8;
 
 const json redStroke = {{{"field", 1}, {"set", {{"BrushColor", "#ff0000"}, {"BrushWidth", 30}}}},
                         {{"field", 2}, {"fields", 8}, {"stroke", {{16, 32}, {48, 32}}}}};
-
-// Runs kel with standard error on a terminal and returns what it wrote there.
-std::string RunOnTerminal(const Desk& desk, const std::string& arguments) {
-    const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK);
-    REQUIRE_GE(terminal, 0);
-    REQUIRE_EQ(grantpt(terminal), 0);
-    REQUIRE_EQ(unlockpt(terminal), 0);
-    const std::string name = ptsname(terminal);
-    const int other = open(name.c_str(), O_RDWR | O_NOCTTY);  // keeps what was written until it is read
-    REQUIRE_GE(other, 0);
-    const std::string command =
-        "cd '" + desk.Path("") + "' && '" + KEL_PROGRAM + "' " + arguments + " 2>'" + name + "'";
-    REQUIRE_EQ(std::system(command.c_str()), 0);
-    std::string text(4096, '\0');
-    const ssize_t count = read(terminal, text.data(), text.size());
-    text.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
-    close(other);
-    close(terminal);
-    return text;
-}
 
 }  // namespace
 
@@ -145,7 +124,7 @@ TEST_CASE("kel play replaces what stood there only when all went well") {
 
 TEST_CASE("kel play counts fields on a terminal and is silent elsewhere") {
     const Desk desk;
-    const std::string shown = RunOnTerminal(desk, "play s.json --out out.png");
+    const std::string shown = shared::testing::RunOnTerminal(desk, KEL_PROGRAM, "play s.json --out out.png");
     CAPTURE(shown);
     CHECK_NE(shown.find("field 20 of 20"), std::string::npos);
     CHECK(shown.ends_with("\r\033[K"));

@@ -147,4 +147,64 @@ TEST_CASE("A full disk is noticed, and the former picture stays") {
     CHECK_EQ(folder.Entries(), 1);
 }
 
+// All words there are, four to a pixel.
+TEST_CASE("A PNG of 16 bits a channel comes back word for word") {
+    const TemporaryFolder folder;
+    Picture16 picture(128, 128);
+    for (std::size_t i = 0; i < picture.rgba.size(); ++i) picture.rgba[i] = static_cast<std::uint16_t>(i);
+    WritePicture(picture, folder / "words.png");
+    const AnyPicture read = ReadAnyPicture(folder / "words.png");
+    REQUIRE(std::holds_alternative<Picture16>(read));
+    CHECK(std::get<Picture16>(read) == picture);
+}
+
+TEST_CASE("A picture of bytes stays one of bytes where words are welcome") {
+    const TemporaryFolder folder;
+    WritePicture(Gradient(5, 4), folder / "bytes.png");
+    const AnyPicture read = ReadAnyPicture(folder / "bytes.png");
+    REQUIRE(std::holds_alternative<Picture>(read));
+    CHECK(std::get<Picture>(read) == Gradient(5, 4));
+}
+
+// 2 x 1 pixels of 16 bits, 0x1234 and 0xFFFE, without colours and alpha.
+TEST_CASE("A grey PNG of 16 bits is read as colours, opaque") {
+    const std::vector<std::uint8_t> grey = {
+        0x89, 0x50, 0x4E, 0x47, 0x0D, 0x0A, 0x1A, 0x0A, 0x00, 0x00, 0x00, 0x0D, 0x49, 0x48, 0x44, 0x52, 0x00, 0x00,
+        0x00, 0x02, 0x00, 0x00, 0x00, 0x01, 0x10, 0x00, 0x00, 0x00, 0x00, 0x81, 0xD9, 0xFC, 0x15, 0x00, 0x00, 0x00,
+        0x0D, 0x49, 0x44, 0x41, 0x54, 0x78, 0xDA, 0x63, 0x10, 0x32, 0xF9, 0xFF, 0x0F, 0x00, 0x03, 0xE5, 0x02, 0x44,
+        0x87, 0x8B, 0x08, 0x31, 0x00, 0x00, 0x00, 0x00, 0x49, 0x45, 0x4E, 0x44, 0xAE, 0x42, 0x60, 0x82};
+    const TemporaryFolder folder;
+    WriteText(folder / "grey.png", std::string(grey.begin(), grey.end()));
+    const AnyPicture read = ReadAnyPicture(folder / "grey.png");
+    REQUIRE(std::holds_alternative<Picture16>(read));
+    const auto& words = std::get<Picture16>(read);
+    CHECK(words.At(0, 0) == std::array<std::uint16_t, 4>{0x1234, 0x1234, 0x1234, 0xFFFF});
+    CHECK(words.At(1, 0) == std::array<std::uint16_t, 4>{0xFFFE, 0xFFFE, 0xFFFE, 0xFFFF});
+}
+
+TEST_CASE("Half a PNG of words, or a damaged one, is refused") {
+    const TemporaryFolder folder;
+    const auto file = folder / "words.png";
+    Picture16 picture(60, 60);
+    for (std::size_t i = 0; i < picture.rgba.size(); ++i) picture.rgba[i] = static_cast<std::uint16_t>(i * 40503U);
+    WritePicture(picture, file);
+    const std::string bytes = ReadText(file);
+    for (const std::size_t size : {bytes.size() / 2, std::size_t{60}, std::size_t{26}}) {
+        WriteText(file, bytes.substr(0, size));
+        CHECK_EQ(Thrown([&] { (void)ReadAnyPicture(file); }), file.string() + ": PNG: ends too early");
+    }
+    std::string damaged = bytes;
+    damaged[bytes.size() / 2] = static_cast<char>(~damaged[bytes.size() / 2]);
+    WriteText(file, damaged);
+    CHECK(Thrown([&] { (void)ReadAnyPicture(file); }).starts_with(file.string() + ": PNG: "));
+}
+
+TEST_CASE("Words go into no JPEG") {
+    const TemporaryFolder folder;
+    const auto file = folder / "words.jpg";
+    CHECK_EQ(Thrown([&] { WritePicture(Picture16(2, 2), file); }),
+             file.string() + ": a JPEG has 8 bits a channel; 16 bits need a name in .png");
+    CHECK_EQ(folder.Entries(), 0);
+}
+
 }  // namespace shared
