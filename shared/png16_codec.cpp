@@ -11,6 +11,7 @@
 #include <string>
 
 #include "shared/error.h"
+#include "shared/png_header.h"
 
 namespace shared {
 namespace {
@@ -139,13 +140,12 @@ std::vector<png_bytep> RowsOf(const Picture16& picture) {
 }  // namespace
 
 bool HasWords(const std::vector<std::uint8_t>& bytes) {
-    constexpr std::size_t depthPlace = 24;  // behind the signature, the first chunk's length and name, width and height
-    constexpr std::array<std::uint8_t, 4> signature{0x89, 'P', 'N', 'G'};
-    return bytes.size() > depthPlace && std::equal(signature.begin(), signature.end(), bytes.begin()) &&
-           bytes[depthPlace] == 16;
+    const auto header = ReadPngHeader(bytes);
+    return header && header->bits == 16;
 }
 
 Picture16 DecodePng16(const std::vector<std::uint8_t>& bytes) {
+    RefuseHollowPng(bytes);
     Reader reader(bytes);
     if (reader.info == nullptr) throw Error("PNG: there is not enough memory");
     if (!ReadHeader(reader)) Refuse(reader.failure);

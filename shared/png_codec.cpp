@@ -6,6 +6,7 @@
 #include <string>
 
 #include "shared/error.h"
+#include "shared/png_header.h"
 
 namespace shared {
 namespace {
@@ -28,6 +29,7 @@ struct PngImage : png_image {
 }  // namespace
 
 Picture DecodePng(const std::vector<std::uint8_t>& bytes) {
+    RefuseHollowPng(bytes);
     PngImage image;
     if (png_image_begin_read_from_memory(&image, bytes.data(), bytes.size()) == 0) image.Refuse();
     image.format = PNG_FORMAT_RGBA;

@@ -20,7 +20,9 @@ void SeedForFrame(std::int32_t frame) {
     SeedRandom(static_cast<std::uint32_t>(frame) * spread + spread);
 }
 
-std::unique_ptr<Image> CopyIn(const Image& source, AlphaForm form) {
+// The same pixels where the image has the form already, otherwise new ones; to be read only.
+std::unique_ptr<Image> InForm(const Image& source, AlphaForm form) {
+    if ((source.flag != 0) == (form == AlphaForm::Premultiplied)) return std::make_unique<Image>(source);
     auto copy = source.Clone();
     SetAlphaForm(*copy, form);
     return copy;
@@ -33,8 +35,8 @@ AlphaForm FormFor(const Filter& filter) {
 // What the filter makes of the whole source or of the region, with whatever bounds it gives it.
 std::unique_ptr<Image> Applied(Filter& filter, const Image& source, const FilterRun& run) {
     const auto prepared = source.Convert(Rect(), filter.PreferredDepth(source.depth));
-    const auto input = CopyIn(*prepared, FormFor(filter));
-    std::unique_ptr<Image> result = input->Clone();  // stays when the filter stores none
+    const auto input = InForm(*prepared, FormFor(filter));
+    auto result = std::make_unique<Image>(*input);  // stays when the filter stores none
     filter.Attach(input.get(), run.frame, run.time, nullptr);
     filter.Advance(input.get(), run.frame, 0, 0, 0, 0);
     filter.BeginStep();
@@ -44,6 +46,7 @@ std::unique_ptr<Image> Applied(Filter& filter, const Image& source, const Filter
     filter.EndStep();
     filter.Detach();
     if (!result) throw std::bad_alloc();
+    if (result->buffer == input->buffer) return source.Clone();  // it stored none
     return result->Convert(Rect(), source.depth);
 }
 
@@ -55,7 +58,7 @@ std::array<Rect, 4> Around(const Rect& whole, const Rect& hole) {
 
 void KeepOutside(const Rect& region, const Image& source, Image& picture) {
     const Rect hole = region.Intersection(source);
-    const auto own = CopyIn(source, picture.flag != 0 ? AlphaForm::Premultiplied : AlphaForm::Straight);
+    const auto own = InForm(source, picture.flag != 0 ? AlphaForm::Premultiplied : AlphaForm::Straight);
     if (!hole.IsValid()) return picture.CopyRegion(*own, source);
     for (const Rect& part : Around(source, hole))
         if (part.x0 <= part.x1 && part.y0 <= part.y1) picture.CopyRegion(*own, part);
@@ -128,8 +131,8 @@ std::unique_ptr<Image> RunFilters(std::span<const std::unique_ptr<Filter>> filte
 }
 
 std::unique_ptr<Image> MixByMask(const Image& before, const Image& after, const Image& mask) {
-    const auto from = CopyIn(before, AlphaForm::Straight);
-    const auto to = CopyIn(after, AlphaForm::Straight);
+    const auto from = InForm(before, AlphaForm::Straight);
+    const auto to = InForm(after, AlphaForm::Straight);
     auto mixed = std::make_unique<Image>(before.Bounds(), before.type, before.depth, std::uint8_t{0});
     for (std::int32_t y = before.y0; y <= before.y1; ++y)
         AtDepth(before.depth, [&]<typename F>(F) { MixRow<F>(*from, *to, mask, *mixed, y); });

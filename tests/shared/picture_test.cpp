@@ -105,6 +105,31 @@ TEST_CASE("A PNG that claims to be enormous is refused before memory is taken fo
     CHECK_NE(Thrown([&] { (void)ReadPicture(file); }), "nothing");
 }
 
+// 16384 x 16384 pixels in less than a hundred bytes: deflate packs 1032 bytes into one at the very best.
+TEST_CASE("A PNG that cannot hold the pixels it claims is refused before memory is taken for them") {
+    const TemporaryFolder folder;
+    const auto file = folder / "hollow.png";
+    const auto claim = [&file] {
+        std::string bytes = ReadText(file);
+        for (const std::size_t side : {16, 20}) bytes.replace(side, 4, std::string("\0\0\x40\0", 4));
+        WriteText(file, bytes);
+    };
+    WritePicture(Gradient(2, 2), file);
+    claim();
+    CHECK_EQ(Thrown([&] { (void)ReadPicture(file); }), file.string() + ": PNG: ends too early");
+    WritePicture(Picture16(2, 2), file);
+    claim();
+    CHECK_EQ(Thrown([&] { (void)ReadAnyPicture(file); }), file.string() + ": PNG: ends too early");
+}
+
+// The densest there is: one colour, and a side that the limit allows.
+TEST_CASE("A PNG of one colour is not taken for a hollow one") {
+    const TemporaryFolder folder;
+    const Picture picture(4096, 1024);
+    WritePicture(picture, folder / "plain.png");
+    CHECK(ReadPicture(folder / "plain.png") == picture);
+}
+
 TEST_CASE("A picture without pixels, or with too many, is refused") {
     CHECK_EQ(Thrown([] { (void)Picture(0, 5); }), "a picture of 0 x 5 pixels: sides of 1 to 16384 are possible");
     CHECK_NE(Thrown([] { (void)Picture(5, -1); }), "nothing");

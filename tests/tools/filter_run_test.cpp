@@ -145,6 +145,8 @@ TEST_CASE("Fast distortions take whole pixels, others mix them") {
 TEST_CASE("Smart blur leaves the picture as it is") {
     const auto picture = Varied(9, 9, 0);
     CHECK(Same(*Run("Smart Blur:Softness=10", *picture), *picture));
+    const auto faint = Plain(4, 4, 0, {50, 100, 200, 1});
+    CHECK(Same(*Run("Smart Blur:Softness=10", *faint), *faint));
 }
 
 TEST_CASE("Chance follows the frame, and nothing else") {

@@ -22,7 +22,8 @@ std::string RangeText(const ParameterDescription& parameter) {
 
 // The key is told where it is not the label.
 void PrintFilter(const Filter& filter) {
-    std::printf("  %s\n", std::string(filter.Label()).c_str());
+    const char* const depth = filter.PreferredDepth(1) == 0 ? " (8 bits)" : "";
+    std::printf("  %s%s\n", std::string(filter.Label()).c_str(), depth);
     std::vector<shared::TableRow> rows;
     for (const ParameterDescription& parameter : TextsOf(filter).Describe()) {
         const std::string key = parameter.key == parameter.label ? "" : "also \"" + parameter.key + '"';
