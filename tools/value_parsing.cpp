@@ -72,7 +72,7 @@ void ReadPoint(std::string_view text, std::string_view whole, ShapePointList& gr
     const std::size_t count = SplitAt(text, ',').size();
     if (count != 2 && count != 6) throw Error(Quoted(whole) + graphForm + ": " + Quoted(text));
     const auto numbers = ParseNumbers(text, count);
-    for (const std::size_t i : {0, 1})
+    for (const std::size_t i : {std::size_t{0}, std::size_t{1}})
         if (numbers[i] < 0.0 || numbers[i] > 1.0)
             throw Error("the point " + Quoted(text) + " of a graph lies outside 0 .. 1");
     if (graph.size() > 0 && graph[graph.size() - 1].getPoint().x > numbers[0])

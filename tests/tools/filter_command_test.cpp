@@ -159,7 +159,7 @@ TEST_CASE("What chalkpane filter cannot do is told in one line, and nothing is w
                  "--region: \"0,0,4,1\" does not lie within the picture of 4 x 3 pixels");
     CheckRefused("bytes.png o.png --depth 10" + invert,
                  "command line: --depth: 10 not in {8,14} (chalkpane --help tells more)");
-    CheckRefused("bytes.png o.png", "command line: --apply is required (chalkpane --help tells more)");
+    CheckRefused("bytes.png o.png", "there is no filter to run; name one with --apply or give a --preset");
 }
 
 TEST_CASE("A mask of another size, or none at all, is refused") {
