@@ -40,32 +40,45 @@ const Chalk& ChalkOf(std::size_t component, std::size_t count) {
     return count == 1 ? yellow : chalks[component % chalks.size()];
 }
 
+// Numbers beyond it are off the board: the scale could not be reckoned.
+constexpr double farthest = 1e300;
+
 struct Range {
     double low = std::numeric_limits<double>::infinity();
     double high = -std::numeric_limits<double>::infinity();
     void Take(double number) {
         if (!std::isfinite(number)) return;
+        number = std::clamp(number, -farthest, farthest);
         low = std::min(low, number);
         high = std::max(high, number);
     }
     // A little air on both sides; something to look at even for a line.
     void Widen() {
         if (low > high) low = high = 0.0;
-        double air = (high - low) * 0.08;
+        double air = Size() * 0.08;
         if (!(air > 0.0)) air = std::max(std::fabs(low) * 0.1, 0.5);
         low -= air;
         high += air;
     }
+    [[nodiscard]] double Size() const { return high - low; }
 };
 
-// Steps of 1, 2 or 5 times a power of ten, some `wanted` of them in a range.
-double StepFor(double size, double wanted) {
-    const double rough = size / wanted;
-    const double power = std::pow(10.0, std::floor(std::log10(rough)));
-    for (const double factor : {1.0, 2.0, 5.0})
-        if (factor * power >= rough) return factor * power;
-    return 10.0 * power;
-}
+// Where to write numbers on a scale: whole steps of 1, 2 or 5 times a power of ten, some `wanted` of them in the range.
+struct Ticks {
+    Ticks(const Range& range, double wanted, double smallest) {
+        const double rough = range.Size() / wanted;
+        const double power = std::pow(10.0, std::floor(std::log10(rough)));
+        step = 10.0 * power;
+        for (const double factor : {5.0, 2.0, 1.0})
+            if (factor * power >= rough) step = factor * power;
+        step = std::max(step, smallest);
+        const double first = std::ceil(range.low / step);
+        const double count = std::floor(range.high / step) - first;
+        for (int i = 0; i <= count && i < 100; ++i) places.push_back((first + i) * step);
+    }
+    double step;
+    std::vector<double> places;
+};
 
 struct CurveLine {
     std::vector<CurvePoint> course;  // from left to right
@@ -123,13 +136,12 @@ public:
         cairo_set_line_width(c, 1.0);
         cairo_select_font_face(c, "DejaVu Sans", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
         cairo_set_font_size(c, 15.0);
-        const double step = StepFor(m_range.high - m_range.low, 7.0);
-        for (double tick = std::ceil(m_range.low / step) * step; tick <= m_range.high; tick += step) {
+        const Ticks numbers(m_range, 7.0, 0.0);
+        for (const double tick : numbers.places) {
             DrawLine(left, YOf(tick), right, YOf(tick), 0.12);
-            DrawText(Number(tick, step), left - 10.0, YOf(tick) + 5.0, 1.0);
+            DrawText(Number(tick, numbers.step), left - 10.0, YOf(tick) + 5.0, 1.0);
         }
-        const double frameStep = std::max(1.0, StepFor(m_last - m_first, 12.0));
-        for (double tick = std::ceil(m_first / frameStep) * frameStep; tick <= m_last; tick += frameStep) {
+        for (const double tick : Ticks({m_first, m_last}, 12.0, 1.0).places) {
             DrawLine(XOf(tick), top, XOf(tick), bottom, 0.12);
             DrawText(Number(tick, 1.0), XOf(tick), bottom + 24.0, 0.5);
         }
@@ -161,7 +173,7 @@ public:
         bool isDown = false;
         CurvePoint last;
         for (const CurvePoint& point : course) {
-            if (!std::isfinite(point.value)) continue;
+            if (!(std::fabs(point.value) <= farthest)) continue;
             const CurvePoint here{XOf(point.frame), height - YOf(point.value)};
             if (!isDown) brush.BeginStroke(here.frame, here.value, 1.0);
             if (isDown) Lead(brush, last, here);

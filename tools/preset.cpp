@@ -26,6 +26,7 @@ void ExchangeValues(DataSet& left, DataSet& right, const ParameterList& list) {
 
 std::vector<const Filter*> Borrowed(const std::vector<std::unique_ptr<Filter>>& filters) {
     std::vector<const Filter*> borrowed;
+    borrowed.reserve(filters.size());
     for (const auto& filter : filters) borrowed.push_back(filter.get());
     return borrowed;
 }

@@ -7,9 +7,10 @@ namespace chalkpane::tools {
 std::vector<std::string> ChoicesOf(const ParameterDef& definition, const Filter* filter) {
     if (definition.type != ParameterType::enumeration) return {};
     if (filter == nullptr) return BrushChoices(definition);
+    const std::int32_t count = filter->EnumCount(definition);
     std::vector<std::string> choices;
-    for (std::int32_t i = 0; i < filter->EnumCount(definition); ++i)
-        choices.emplace_back(filter->EnumLabel(definition, i));
+    choices.reserve(static_cast<std::size_t>(count));
+    for (std::int32_t i = 0; i < count; ++i) choices.emplace_back(filter->EnumLabel(definition, i));
     return choices;
 }
 

@@ -166,6 +166,14 @@ TEST_CASE("A plot shows the curve above where it is high and the keys in white r
     // A single frame and a film of years are plotted as well.
     for (const FrameRange& frames : {FrameRange{50, 50}, FrameRange{-1000000000, 1000000000}})
         CHECK_NOTHROW((void)PlotCurve(value, "", frames, clock));
+    // So are numbers that differ by less than they can be told apart, and the largest that there are.
+    for (const auto& [low, high] : {std::pair{1e18, 1e18 + 128}, {-1.7e308, 1.7e308}, {1e-320, 0.0}}) {
+        AnimatedDouble odd(&definition, false, &clock);
+        odd.addKeyDouble(0, low);
+        odd.addKeyDouble(100, high);
+        odd.keyAt(0)->setHandles(0.0, -0.5);
+        CHECK_NOTHROW((void)PlotCurve(odd, "", {0, 100}, clock));
+    }
 }
 
 }  // namespace
