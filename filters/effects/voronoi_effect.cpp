@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstring>
+#include <type_traits>
 #include <vector>
 
 #include "filters/effects/colour_area.h"
@@ -94,34 +96,35 @@ public:
           m_ring(result, spacing, randomness),
           m_reach(spacing + spacing * randomness),
           m_edge(edges * spacing),
-          m_columns(static_cast<std::size_t>(result.Width())) {}
+          m_best(static_cast<std::size_t>(result.Width())),
+          m_second(m_best.size()),
+          m_colours(m_best.size()) {}
 
     void Row(std::int32_t y) {
         m_ring.MoveTo(y);
-        for (Column& column : m_columns) column.best = column.second = unreached;
+        std::fill(m_best.begin(), m_best.end(), unreached);
+        std::fill(m_second.begin(), m_second.end(), unreached);
         for (const CellRing::Cell& cell : m_ring.Cells()) Spread(cell, y);
-        Channel* pixel = ImageRow<F>(m_result, y).data();
-        for (const Column& column : m_columns) {
-            Paint(column, pixel);
-            pixel += 4;
+        const auto row = ImageRow<F>(m_result, y);
+        if (!(m_edge > 0.0)) {
+            std::memcpy(row.data(), m_colours.data(), row.size_bytes());
+            return;
         }
+        for (std::size_t column = 0; column < m_colours.size(); ++column) Paint(column, row.data() + 4 * column);
     }
 
 private:
-    // Squares of the distances to the nearest two cells, and the colour of the nearest. A column that no cell reaches
-    // keeps the colour of the row before.
-    struct Column {
-        float best;
-        float second;
-        std::array<Channel, 4> colour;
-    };
+    // A whole pixel.
+    using Colour = std::conditional_t<F::bits == 8, std::uint32_t, std::uint64_t>;
 
-    [[nodiscard]] std::array<Channel, 4> ColourAt(const CellRing::Cell& cell) const {
+    [[nodiscard]] Colour ColourAt(const CellRing::Cell& cell) const {
         const std::int32_t x = HeldInside(cell.x, m_source.x0, m_source.x1);
         const std::int32_t y = HeldInside(cell.y, m_source.y0, m_source.y1);
         const Channel* const pixel =
             ImageRow<F>(m_source, y).data() + (static_cast<std::ptrdiff_t>(x) - m_source.x0) * 4;
-        return {pixel[0], pixel[1], pixel[2], pixel[3]};
+        Colour colour;
+        std::memcpy(&colour, pixel, sizeof colour);
+        return colour;
     }
 
     void Spread(const CellRing::Cell& cell, std::int32_t y) {
@@ -139,32 +142,45 @@ private:
         const float dx = cell.x - static_cast<float>(first);
         float distance = dx * dx + dy2;
         float step = 1.0F - 2.0F * dx;
-        Column* const end = m_columns.data() + (std::int64_t{last} - m_result.x0);
-        for (Column* column = m_columns.data() + (std::int64_t{first} - m_result.x0); column <= end; ++column) {
-            if (distance < column->best) {
-                column->second = column->best;
-                column->best = distance;
-                column->colour = colour;
-            } else if (distance < column->second) {
-                column->second = distance;
+        constexpr std::size_t block = 64;
+        std::array<float, block> distances;
+        const auto end = static_cast<std::size_t>(std::int64_t{last} - m_result.x0) + 1;
+        for (auto column = static_cast<std::size_t>(std::int64_t{first} - m_result.x0); column < end; column += block) {
+            const std::size_t count = std::min(block, end - column);
+            for (std::size_t i = 0; i < count; ++i) {
+                distances[i] = distance;
+                distance = std::max(distance + step, 0.0F);
+                step += 2.0F;
             }
-            distance = std::max(distance + step, 0.0F);
-            step += 2.0F;
+            Meet(distances.data(), count, colour, &m_best[column], &m_second[column], &m_colours[column]);
         }
     }
 
-    void Paint(const Column& column, Channel* pixel) const {
-        constexpr std::int32_t full = 1 << F::bits;
-        std::int32_t weight = full;
-        if (m_edge > 0.0) {
-            const double apart = std::sqrt(column.second) - std::sqrt(column.best);
-            if (apart < m_edge - 1.0)
-                weight = 0;
-            else if (apart < m_edge)
-                weight = Truncated((apart - (m_edge - 1.0)) * full);
+    // A cell meets `count` columns at these distances. Without branches, in which chance would decide at every column.
+    static void Meet(const float* __restrict distances, std::size_t count, Colour colour, float* __restrict best,
+                     float* __restrict second, Colour* __restrict colours) {
+        for (std::size_t i = 0; i < count; ++i) {
+            const float distance = distances[i];
+            const float nearest = best[i];
+            colours[i] = distance < nearest ? colour : colours[i];
+            second[i] = std::min(second[i], std::max(nearest, distance));
+            best[i] = std::min(nearest, distance);
         }
-        for (std::size_t c = 0; c < 3; ++c) pixel[c] = static_cast<Channel>((column.colour[c] * weight) >> F::bits);
-        pixel[3] = column.colour[3];
+    }
+
+    // Darkens a column's colour towards its edge.
+    void Paint(std::size_t column, Channel* pixel) const {
+        constexpr std::int32_t full = 1 << F::bits;
+        const double apart = std::sqrt(m_second[column]) - std::sqrt(m_best[column]);
+        std::int32_t weight = full;
+        if (apart < m_edge - 1.0)
+            weight = 0;
+        else if (apart < m_edge)
+            weight = Truncated((apart - (m_edge - 1.0)) * full);
+        std::array<Channel, 4> colour;
+        std::memcpy(colour.data(), &m_colours[column], sizeof colour);
+        for (std::size_t c = 0; c < 3; ++c) pixel[c] = static_cast<Channel>((colour[c] * weight) >> F::bits);
+        pixel[3] = colour[3];
     }
 
     const Image& m_source;
@@ -172,7 +188,11 @@ private:
     CellRing m_ring;
     double m_reach;  // pixels around its centre that a cell may colour
     double m_edge;   // pixels
-    std::vector<Column> m_columns;
+    // Of each column: the squares of the distances to the nearest two cells, and the colour of the nearest. A column
+    // that no cell reaches keeps the colour of the row before.
+    std::vector<float> m_best;
+    std::vector<float> m_second;
+    std::vector<Colour> m_colours;
 };
 
 }  // namespace

@@ -19,7 +19,8 @@ inline constexpr std::int32_t largestMedianRadius = 127;  // whose window still 
 void MedianRow(std::span<const std::uint8_t* const> rows, std::int32_t channels, std::int32_t radius,
                std::span<std::uint8_t> out);
 
-// The same by moving a histogram along the row, at any radius. `MedianRow` sorts a window of 3 x 3 instead.
+// The same by moving a histogram along the row, at any radius. `MedianRow` sorts a window of 3 x 3 instead, and counts
+// through other small ones for many channels at once where the machine has AVX2.
 void MedianRowByHistogram(std::span<const std::uint8_t* const> rows, std::int32_t channels, std::int32_t radius,
                           std::span<std::uint8_t> out);
 
