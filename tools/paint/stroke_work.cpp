@@ -11,9 +11,10 @@
 namespace chalkpane::tools {
 namespace {
 
-constexpr double passesOfAFilter = 50;   // an average one reads that many pixels for each that it writes
-constexpr double passesOfAProfile = 65;  // the shape and its shifted copies
-constexpr int finalSteps = 4;            // with which a stroke ends
+constexpr double passesOfAFilter = 500;        // a wide median or a curve of 14 bits costs as much for each pixel
+constexpr double leastPixelsOfAFilter = 2000;  // what it prepares does not shrink with the dab
+constexpr double passesOfAProfile = 65;        // the shape and its shifted copies
+constexpr int finalSteps = 4;                  // with which a stroke ends
 
 double NumberOf(const DataSet& values, const ParameterDef* parameter) {
     double number = 0.0;
@@ -51,7 +52,8 @@ BrushPace PaceOf(BasicBrush& brush) {
     pace.spacing = std::abs(width * NumberOf(brush.Values(), list.find(5)));
     pace.shortens = spacingType != 0;
     const double area = std::max(PixelsOf(brush.Source()->DabArea()), PixelsOf(brush.Source()->TargetArea()));
-    pace.pixels = area * (1.0 + passesOfAFilter * static_cast<double>(brush.Filters().size()));
+    pace.pixels =
+        area + passesOfAFilter * std::max(area, leastPixelsOfAFilter) * static_cast<double>(brush.Filters().size());
     pace.preparedPixels = area * passesOfAProfile;
     return pace;
 }

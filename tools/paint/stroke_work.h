@@ -26,7 +26,7 @@ struct BrushPace {
 class WorkLimit {
 public:
     static constexpr double mostDabs = 2e7;
-    static constexpr double mostPixels = 2e11;
+    static constexpr double mostPixels = 1e11;
 
     // The brush was prepared. Throws shared::Error that begins with `place`.
     void CountBrush(const BrushPace& pace, const std::string& place);
