@@ -26,7 +26,8 @@ void ProgressLine::Show(std::int64_t done) {
     const auto now = std::chrono::steady_clock::now();
     if (now < m_nextTime && done < m_count) return;
     m_nextTime = now + interval;
-    const auto filled = static_cast<std::size_t>(std::clamp<std::int64_t>(barWidth * done / m_count, 0, barWidth));
+    const std::int64_t part = m_count > 0 ? barWidth * done / m_count : barWidth;  // of nothing, all is done
+    const auto filled = static_cast<std::size_t>(std::clamp<std::int64_t>(part, 0, barWidth));
     const std::string bar = std::string(filled, '#') + std::string(barWidth - filled, '.');
     std::fprintf(stderr, "\r[%s] %s %lld of %lld", bar.c_str(), m_noun.c_str(), static_cast<long long>(done),
                  static_cast<long long>(m_count));

@@ -11,23 +11,50 @@
 
 namespace shared::testing {
 
+// A terminal for a program or this process to write on.
+class Terminal {
+public:
+    Terminal() : m_reader(posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK)) {
+        REQUIRE_GE(m_reader, 0);
+        REQUIRE_EQ(grantpt(m_reader), 0);
+        REQUIRE_EQ(unlockpt(m_reader), 0);
+        m_name = ptsname(m_reader);
+        m_writer = open(m_name.c_str(), O_RDWR | O_NOCTTY);  // open to the end, so that what was written is kept
+        REQUIRE_GE(m_writer, 0);
+    }
+    ~Terminal() {
+        close(m_writer);
+        close(m_reader);
+    }
+    Terminal(const Terminal&) = delete;
+    Terminal& operator=(const Terminal&) = delete;
+    Terminal(Terminal&&) = delete;
+    Terminal& operator=(Terminal&&) = delete;
+
+    [[nodiscard]] const std::string& Name() const { return m_name; }
+    [[nodiscard]] int Writer() const { return m_writer; }
+
+    // What was written since, up to 4096 bytes.
+    [[nodiscard]] std::string Read() const {
+        std::string text(4096, '\0');
+        const ssize_t count = read(m_reader, text.data(), text.size());
+        text.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
+        return text;
+    }
+
+private:
+    int m_reader;
+    int m_writer = -1;
+    std::string m_name;
+};
+
 // Runs a program at a desk with standard error on a terminal and returns what it wrote there.
 inline std::string RunOnTerminal(const Desk& desk, const std::string& program, const std::string& arguments) {
-    const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK);
-    REQUIRE_GE(terminal, 0);
-    REQUIRE_EQ(grantpt(terminal), 0);
-    REQUIRE_EQ(unlockpt(terminal), 0);
-    const std::string name = ptsname(terminal);
-    const int other = open(name.c_str(), O_RDWR | O_NOCTTY);  // keeps what was written until it is read
-    REQUIRE_GE(other, 0);
-    const std::string command = "cd '" + desk.Path("") + "' && '" + program + "' " + arguments + " 2>'" + name + "'";
+    const Terminal terminal;
+    const std::string command =
+        "cd '" + desk.Path("") + "' && '" + program + "' " + arguments + " 2>'" + terminal.Name() + "'";
     REQUIRE_EQ(std::system(command.c_str()), 0);
-    std::string text(4096, '\0');
-    const ssize_t count = read(terminal, text.data(), text.size());
-    text.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
-    close(other);
-    close(terminal);
-    return text;
+    return terminal.Read();
 }
 
 }  // namespace shared::testing
