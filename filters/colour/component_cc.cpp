@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 #include <vector>
 
 #include "filters/colour/curve_table.h"
 #include "filters/image_rows.h"
+#include "filters/multi_processor.h"
 #include "filters/row_filter.h"
 
 namespace chalkpane {
@@ -24,9 +26,10 @@ struct Curve {
     [[nodiscard]] float At(std::int32_t index) const {
         return table[static_cast<std::size_t>(std::clamp(index, 0, fullScale))];
     }
-    [[nodiscard]] float Of(float value) const { return At(Truncated(value)); }
+    // Of a channel, or one that its alpha was taken out of: nothing that an integer cannot hold.
+    [[nodiscard]] float Of(float value) const { return At(static_cast<std::int32_t>(value)); }
     [[nodiscard]] float OfComplement(float value) const {
-        return static_cast<float>(fullScale) - At(fullScale - Truncated(value));
+        return static_cast<float>(fullScale) - At(fullScale - static_cast<std::int32_t>(value));
     }
 };
 
@@ -44,8 +47,8 @@ void CorrectBrightness(const Curve& curve, Colours& c) {
 }
 
 void CorrectSaturation(const Curve& curve, Colours& c) {
-    const std::int32_t largest = Truncated(std::max({c.red, c.green, c.blue}));
-    const std::int32_t spread = largest - Truncated(std::min({c.red, c.green, c.blue}));
+    const auto largest = static_cast<std::int32_t>(std::max({c.red, c.green, c.blue}));
+    const std::int32_t spread = largest - static_cast<std::int32_t>(std::min({c.red, c.green, c.blue}));
     if (largest <= 0 || spread <= 0) return;
     const auto top = static_cast<float>(largest);
     const float wanted = curve.At(spread);
@@ -67,8 +70,9 @@ void CorrectYellow(const Curve& curve, Colours& c) { c.blue = curve.OfComplement
 // KEEP: each colour is truncated before it is subtracted from full scale.
 void CorrectBlack(const Curve& curve, Colours& c) {
     const std::int32_t full = curve.fullScale;
-    const std::array<std::int32_t, 3> inks{full - Truncated(c.red), full - Truncated(c.green),
-                                           full - Truncated(c.blue)};
+    const std::array<std::int32_t, 3> inks{full - static_cast<std::int32_t>(c.red),
+                                           full - static_cast<std::int32_t>(c.green),
+                                           full - static_cast<std::int32_t>(c.blue)};
     const std::int32_t black = *std::min_element(inks.begin(), inks.end());
     const std::int32_t more = Truncated(curve.At(black) - static_cast<float>(black));
     const auto colour = [full, more](std::int32_t ink) {
@@ -102,35 +106,54 @@ constexpr auto componentLabels = [] {
     return labels;
 }();
 
+// One run as its rows see it.
 template <typename F>
-void CorrectRow(const Curve& curve, Correct correct, bool premultiplied, std::span<typename F::Channel> pixels) {
-    constexpr auto fullScale = static_cast<float>(F::fullScale);
-    for (std::size_t i = 0; i + 3 < pixels.size(); i += 4) {
-        const auto alpha = pixels[i + 3];
-        if (alpha == 0) {
-            pixels[i] = pixels[i + 1] = pixels[i + 2] = 0;
-            continue;
+struct CorrectJob {
+    const Curve& curve;
+    Image& result;  // starts as a copy of the source
+
+    // `correct` is known to the compiler: a call per pixel would cost more than most of them.
+    template <Correct correct>
+    void CorrectRow(std::int32_t y) const {
+        constexpr auto fullScale = static_cast<float>(F::fullScale);
+        const auto pixels = ImageRow<F>(result, y);
+        for (std::size_t i = 0; i + 3 < pixels.size(); i += 4) {
+            const auto alpha = pixels[i + 3];
+            if (alpha == 0) {
+                pixels[i] = pixels[i + 1] = pixels[i + 2] = 0;
+                continue;
+            }
+            Colours colours{static_cast<float>(pixels[i + 2]), static_cast<float>(pixels[i + 1]),
+                            static_cast<float>(pixels[i])};
+            const bool divides = result.flag != 0 && alpha < F::fullScale;
+            const float a = divides ? static_cast<float>(alpha) / fullScale : 1.0F;
+            if (divides) colours = {colours.red / a, colours.green / a, colours.blue / a};
+            correct(curve, colours);
+            if (divides) colours = {colours.red * a, colours.green * a, colours.blue * a};
+            pixels[i] = LimitedChannel<F>(colours.blue);
+            pixels[i + 1] = LimitedChannel<F>(colours.green);
+            pixels[i + 2] = LimitedChannel<F>(colours.red);
         }
-        Colours colours{static_cast<float>(pixels[i + 2]), static_cast<float>(pixels[i + 1]),
-                        static_cast<float>(pixels[i])};
-        const bool divides = premultiplied && alpha < F::fullScale;
-        const float a = divides ? static_cast<float>(alpha) / fullScale : 1.0F;
-        if (divides) colours = {colours.red / a, colours.green / a, colours.blue / a};
-        correct(curve, colours);
-        if (divides) colours = {colours.red * a, colours.green * a, colours.blue * a};
-        pixels[i] = LimitedChannel<F>(colours.blue);
-        pixels[i + 1] = LimitedChannel<F>(colours.green);
-        pixels[i + 2] = LimitedChannel<F>(colours.red);
     }
-}
+    template <std::size_t component>
+    static void RunRow(std::int32_t y, void* userData, std::int32_t /*worker*/) {
+        static_cast<const CorrectJob*>(userData)->template CorrectRow<components[component].correct>(y);
+    }
+    template <std::size_t... all>
+    static RowFunction RowOf(std::size_t component, std::index_sequence<all...> /*indices*/) {
+        constexpr std::array<RowFunction, sizeof...(all)> rows{&RunRow<all>...};
+        return rows[component];
+    }
+};
 
 template <typename F>
-std::unique_ptr<Image> Corrected(const Image& source, const Rect& work, const Curve& curve, Correct correct) {
+std::unique_ptr<Image> Corrected(const Image& source, const Rect& work, const Curve& curve, std::size_t component) {
     auto result = NewImageLike(source, work);
     result->CopyRegion(source, work);
-    if (source.IsMask() || correct == nullptr) return result;
-    for (std::int32_t y = work.y0; y <= work.y1; ++y)
-        CorrectRow<F>(curve, correct, source.flag != 0, ImageRow<F>(*result, y));
+    if (source.IsMask() || component >= components.size()) return result;
+    CorrectJob<F> job{curve, *result};
+    const RowFunction row = CorrectJob<F>::RowOf(component, std::make_index_sequence<components.size()>());
+    RunInBands(work.y0, work.y1, work.Width(), row, &job);
     return result;
 }
 
@@ -152,9 +175,8 @@ void ComponentCC::Apply(const Image& source, std::unique_ptr<Image>& result, boo
             for (std::size_t i = 0; i < curve.table.size(); ++i)
                 changes = changes || !(std::fabs(curve.table[i] - static_cast<float>(i)) <= 0.001F);
             if (!changes) return ApplyAsCopy(source, result);
-            const Correct correct = m_component < components.size() ? components[m_component].correct : nullptr;
             ApplyInWorkArea(source, result, region, 0,
-                            [&](const Rect& work) { return Corrected<F>(source, work, curve, correct); });
+                            [&](const Rect& work) { return Corrected<F>(source, work, curve, m_component); });
         });
     } catch (const std::bad_alloc&) {
         result.reset();

@@ -304,4 +304,60 @@ inline Image Posterised(const Image& source, int levels, const Rect* region) {
                        [&](int c, int max) { return ((levels * c) >> (max == 255 ? 8 : 14)) * max / (levels - 1); });
 }
 
+// curve: what it makes of each channel value, in floats. Component in the order of the filter's choices.
+inline Image ComponentCorrected(const Image& source, const std::vector<float>& curve, int component,
+                                const Rect* region) {
+    Image result = Like(source, WorkArea(source, region, 0));
+    CopyOfArea(source, result);
+    if (source.IsMask()) return result;
+    const int max = FullScale(source);
+    const auto at = [&](float value) {
+        return curve[static_cast<std::size_t>(std::clamp(static_cast<int>(value), 0, max))];
+    };
+    for (int y = result.y0; y <= result.y1; ++y) {
+        for (int x = result.x0; x <= result.x1; ++x) {
+            const int alpha = Get(source, x, y, 3);
+            const bool divides = source.flag != 0 && alpha < max;
+            const float a = divides ? static_cast<float>(alpha) / static_cast<float>(max) : 1.0F;
+            std::array<float, 3> v{};  // blue, green, red
+            for (int c = 0; c < 3; ++c) {
+                const auto stored = static_cast<float>(Get(source, x, y, c));
+                v[static_cast<std::size_t>(c)] = divides && alpha > 0 ? stored / a : stored;
+            }
+            const float most = std::max({v[0], v[1], v[2]});
+            const auto full = static_cast<float>(max);
+            if (component == 0) {
+                const float wanted = at(most);
+                for (float& c : v) c = most == 0.0F ? wanted : c * (wanted / most);
+            } else if (component == 1) {
+                const int top = static_cast<int>(most);
+                const int spread = top - static_cast<int>(std::min({v[0], v[1], v[2]}));
+                const float wanted = at(static_cast<float>(spread));
+                for (float& c : v) {
+                    if (top <= 0 || spread <= 0) continue;
+                    const auto whole = static_cast<float>(top);
+                    c = wanted <= 0.001F ? whole : whole + (c - whole) * (wanted / static_cast<float>(spread));
+                }
+            } else if (component <= 4) {
+                float& c = v[static_cast<std::size_t>(4 - component)];
+                c = at(c);
+            } else if (component <= 7) {
+                float& c = v[static_cast<std::size_t>(7 - component)];
+                c = full - at(static_cast<float>(max - static_cast<int>(c)));
+            } else if (component == 8) {
+                const int black = max - static_cast<int>(most);
+                const int more = static_cast<int>(at(static_cast<float>(black)) - static_cast<float>(black));
+                for (float& c : v) c = static_cast<float>(max - std::clamp(max - static_cast<int>(c) + more, 0, max));
+            } else {
+                for (float& c : v) c = at(c);
+            }
+            for (int c = 0; c < 3; ++c) {
+                const float value = v[static_cast<std::size_t>(c)];
+                Put(result, x, y, c, alpha == 0 ? 0 : Limited(divides ? value * a : value, max));
+            }
+        }
+    }
+    return result;
+}
+
 }  // namespace reference

@@ -7,6 +7,7 @@
 #include "filters/colour/chroma_cc.h"
 #include "filters/colour/colour_dodge_cc.h"
 #include "filters/colour/colour_jitter_filter.h"
+#include "filters/colour/component_cc.h"
 #include "filters/colour/curve_table.h"
 #include "filters/colour/hue_cc.h"
 #include "filters/colour/invert_cc.h"
@@ -206,6 +207,23 @@ TEST_CASE("Solarizing and posterizing are their plain twins") {
         SetNumber(filter, "Levels", levels);
         CompareWithTwin(filter, OnArea([levels](const Image& source, const Rect* region) {
                             return reference::Posterised(source, levels, region);
+                        }));
+    }
+}
+
+TEST_CASE("Correcting a component is its plain twin for all ten") {
+    ShapePointList curve;
+    curve[0].setPoint(0.0, 0.1);
+    curve[0].setOutHandle(0.2, 0.6);
+    for (int component = 0; component < 10; ++component) {
+        CAPTURE(component);
+        ComponentCC filter;
+        SetNumber(filter, "Component", component);
+        SetParameter(filter, "LUT Graph", [&curve](ParameterValue& value) { value.setGraph(curve); });
+        CompareWithTwin(filter, OnArea([&](const Image& source, const Rect* region) {
+                            const auto exact = CurveTable(curve, reference::FullScale(source));
+                            return reference::ComponentCorrected(source, std::vector<float>(exact.begin(), exact.end()),
+                                                                 component, region);
                         }));
     }
 }
