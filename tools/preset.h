@@ -70,7 +70,7 @@ struct PresetView {
                                                                    const AnimationClock& clock);
 
 // The text of a preset. A value is written so that it reads back exactly. Throws shared::Error for a value that is no
-// number.
+// number, and for a text with bytes that are none.
 [[nodiscard]] std::string TextOfPreset(const PresetView& object, const std::filesystem::path& folder);
 // The same for a file of that name, from whose folder other files are told.
 [[nodiscard]] std::string TextForFile(const PresetView& object, const std::filesystem::path& file);

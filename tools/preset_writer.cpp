@@ -4,6 +4,7 @@
 #include "shared/error.h"
 #include "shared/nearest_name.h"
 #include "tools/preset.h"
+#include "tools/preset_check.h"
 #include "tools/preset_choices.h"
 #include "tools/preset_values.h"
 
@@ -105,6 +106,7 @@ private:
 std::string TextOfPreset(const PresetView& object, const std::filesystem::path& folder) {
     Writer writer(folder);
     writer.Write(object);
+    if (const auto flaw = FindFlaw(writer.Text())) throw Error("a preset cannot say this: " + flaw->reason);
     return writer.Text();
 }
 

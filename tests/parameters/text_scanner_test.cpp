@@ -2,8 +2,13 @@
 
 #include <doctest/doctest.h>
 
+#include <algorithm>
 #include <climits>
+#include <cstdint>
 #include <cstdio>
+#include <cstring>
+#include <random>
+#include <string_view>
 
 #include "parameters/code_pages.h"
 #include "parameters/text_sink.h"
@@ -280,6 +285,43 @@ TEST_CASE("Strings convert to UTF-8 from the page that the path flavour tells") 
     classic.setPathFlavour(PathFlavour::Classic);
     CHECK(classic.readFileName(out));
     CHECK_EQ(out, "C:\\\xc3\xa4");
+}
+
+// Each read that can fit takes a token, so that as many rounds as there are bytes reach the end.
+TEST_CASE("No bytes crash or hang the scanner") {
+    constexpr unsigned seed = 2604;
+    CAPTURE(seed);
+    std::mt19937_64 random(seed);
+    constexpr std::string_view useful = "0123456789.-+eE\"'\\#\n {}=aTRUEnan_";
+    std::size_t tokens = 0;
+    for (int i = 0; i < 1000000; ++i) {
+        std::string text(random() % 24, '\0');
+        for (std::size_t at = 0; at < text.size(); at += 8) {
+            const std::uint64_t bytes = random();
+            std::memcpy(text.data() + at, &bytes, std::min<std::size_t>(8, text.size() - at));
+        }
+        // Half of them have nothing but the bytes that scanners care for.
+        if (i % 2 == 0)
+            for (char& c : text) c = useful[static_cast<unsigned char>(c) % useful.size()];
+        const std::size_t most = text.size();
+        TextScanner scanner(std::move(text));
+        scanner.setEscapes(i % 3 != 0);
+        scanner.setConvertText(i % 5 == 0);
+        std::size_t rounds = 0;
+        for (; !scanner.isAtEnd() && !scanner.isMalformed(); ++rounds) {
+            bool flag = false;
+            double number = 0.0;
+            std::string word;
+            const bool fits = scanner.readBoolean(flag) || scanner.readReal(number) || scanner.readFileName(word) ||
+                              scanner.expectPoint() || scanner.expectPunctuation('=') ||
+                              scanner.expectPunctuation('{') || scanner.expectPunctuation('}') ||
+                              scanner.expectIdentifier("n");
+            if (!fits) break;
+            ++tokens;
+        }
+        REQUIRE_LE(rounds, most);
+    }
+    CHECK_GT(tokens, 100000);
 }
 
 TEST_CASE("Numbers are written in two formats") {

@@ -295,6 +295,13 @@ TEST_CASE("A preset that is wrong is refused with its line and the first reason"
     for (const auto& [text, reason] : cases) CHECK_EQ(Refusal(text), reason);
 }
 
+TEST_CASE("What would not read back is not written") {
+    const Preset preset = Read("brush 'B' {}");
+    ValueOf(preset.brush->brush, "Brush Group").setString("a\x01");
+    CHECK_THROWS_WITH_AS((void)TextOfPreset(ViewOf(preset), {}),
+                         "a preset cannot say this: this is no text: it holds the byte 1", shared::Error);
+}
+
 TEST_CASE("Numbers and bytes inside comments, strings and words are left alone") {
     CHECK_NOTHROW(Read("brush 'B99999999999' { # 99999999999 \"\n 'Brush Group' true \"-99999999999 \\\" # {\" }"));
     CHECK_NOTHROW(Read("brush 'B' { 'Brush Image Cols' true -2147483648 'Brush Image Rows' true 2147483647 }"));
