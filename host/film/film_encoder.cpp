@@ -1,5 +1,6 @@
 #include "host/film/film_encoder.h"
 
+#include <algorithm>
 #include <cmath>
 #include <new>
 #include <string>
@@ -19,6 +20,9 @@ const FilmFormat* FormatFor(const std::filesystem::path& file, const FilmSetting
     if (format == nullptr) Refuse(file, "films end in .mov, .mkv, .mp4 or .webm");
     if (settings.alpha && format->withAlpha == AV_PIX_FMT_NONE)
         Refuse(file, std::string(format->ending) + " films have no alpha; .mov and .mkv have");
+    if (std::min(settings.width, settings.height) < format->smallestSide)
+        Refuse(file, std::string(format->ending) + " films have sides of at least " +
+                         std::to_string(format->smallestSide) + " pixels");
     if (!(settings.framesPerSecond > 0)) Refuse(file, "a film needs a rate of frames above 0");
     return format;
 }
@@ -36,6 +40,12 @@ AVRational RateOf(double framesPerSecond) {
 // Two by two pixels share one colour in YUV420P.
 std::int32_t SideFor(AVPixelFormat format, std::int32_t side) {
     return format == AV_PIX_FMT_YUV420P ? side + side % 2 : side;
+}
+
+// FFV1 cuts pictures into parts that are coded side by side; a part of no pixels would come back as nonsense.
+int SlicesFor(std::int32_t width, std::int32_t height) {
+    constexpr std::int32_t large = 16;
+    return std::min(width, height) < large ? 1 : 4;
 }
 
 }  // namespace
@@ -71,6 +81,7 @@ void FilmEncoder::OpenCodec(const FilmSettings& settings) {
     m_codec->framerate = RateOf(settings.framesPerSecond);
     m_codec->time_base = av_inv_q(m_codec->framerate);
     m_codec->gop_size = m_format->keyEvery;
+    if (codec->id == AV_CODEC_ID_FFV1) m_codec->slices = SlicesFor(m_codec->width, m_codec->height);
     m_codec->flags |= AV_CODEC_FLAG_BITEXACT;
     if (m_codec->pix_fmt == AV_PIX_FMT_YUV420P) {
         const bool isHigh = UsualMatrix(m_codec->width, m_codec->height) == AVCOL_SPC_BT709;

@@ -8,30 +8,24 @@ namespace kel {
 namespace {
 
 constexpr std::array formats{
-    FilmFormat{".mov", "mov", "qtrle", AV_PIX_FMT_RGB24, AV_PIX_FMT_ARGB, true, 25, {}},
-    FilmFormat{".mkv",
-               "matroska",
-               "ffv1",
-               AV_PIX_FMT_0RGB32,
-               AV_PIX_FMT_RGB32,
-               true,
-               1,
-               {{{"level", "3"}, {"slices", "4"}, {"slicecrc", "1"}}}},
+    FilmFormat{".mov", "mov", "qtrle", AV_PIX_FMT_RGB24, AV_PIX_FMT_ARGB, 25, 1, {}},
+    FilmFormat{
+        ".mkv", "matroska", "ffv1", AV_PIX_FMT_0RGB32, AV_PIX_FMT_RGB32, 1, 2, {{{"level", "3"}, {"slicecrc", "1"}}}},
     FilmFormat{".mp4",
                "mp4",
                "libx264",
                AV_PIX_FMT_YUV420P,
                AV_PIX_FMT_NONE,
-               false,
                50,
+               1,
                {{{"preset", "veryfast"}, {"crf", "16"}}}},
     FilmFormat{".webm",
                "webm",
                "libvpx-vp9",
                AV_PIX_FMT_YUV420P,
                AV_PIX_FMT_NONE,
-               false,
                50,
+               1,
                {{{"deadline", "realtime"}, {"cpu-used", "6"}, {"crf", "16"}, {"b", "0"}}}},
 };
 

@@ -19,8 +19,8 @@ struct FilmFormat {
     const char* codec;
     AVPixelFormat opaque;
     AVPixelFormat withAlpha;  // AV_PIX_FMT_NONE: alpha cannot be kept
-    bool isLossless;
-    int keyEvery;  // frames
+    int keyEvery;             // frames
+    int smallestSide;         // pixels; the codec gives smaller pictures back wrong
     std::array<CodecOption, 4> options;
 };
 

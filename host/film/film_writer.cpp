@@ -8,8 +8,6 @@ bool IsFilmName(const std::filesystem::path& file) { return FormatOfFilm(file) !
 
 bool KeepsAlpha(const std::filesystem::path& film) { return FormatOfFilm(film)->withAlpha != AV_PIX_FMT_NONE; }
 
-bool IsLossless(const std::filesystem::path& film) { return FormatOfFilm(film)->isLossless; }
-
 FilmWriter::FilmWriter(const std::filesystem::path& file, const FilmSettings& settings)
     : m_encoder(std::make_unique<FilmEncoder>(file, settings)) {}
 FilmWriter::~FilmWriter() = default;

@@ -21,8 +21,6 @@ struct FilmSettings {
 [[nodiscard]] bool IsFilmName(const std::filesystem::path& file);
 // True: such a film keeps alpha. The name is a film's.
 [[nodiscard]] bool KeepsAlpha(const std::filesystem::path& film);
-// True: every pixel comes back as it was written. The name is a film's.
-[[nodiscard]] bool IsLossless(const std::filesystem::path& film);
 
 // A film being written, picture by picture: QuickTime Animation in .mov, FFV1 in .mkv, H.264 in .mp4, VP9 in .webm.
 // docs/output.md says what each of them keeps. One thread at a time.

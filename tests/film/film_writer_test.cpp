@@ -84,12 +84,32 @@ TEST_CASE("A lossless film gives back every pixel as it was written") {
         }
 }
 
+TEST_CASE("Small films come back as they were written") {
+    const TemporaryFolder folder;
+    for (const std::string name : {"film.mov", "film.mkv"})
+        for (const auto& [width, height] : {std::pair{2, 2}, {2, 9}, {9, 2}, {15, 16}, {16, 16}, {17, 3}}) {
+            CAPTURE(name);
+            CAPTURE(width);
+            CAPTURE(height);
+            const Picture picture = Mottled(width, height);
+            WriteFilm(folder / name, {picture, picture}, true);
+            FilmReader reader(folder / name);
+            CHECK(reader.ReadFrame(0) == picture);
+            CHECK(reader.ReadFrame(1) == picture);
+        }
+    for (const std::string name : {"film.mov", "film.mp4", "film.webm"}) {
+        CAPTURE(name);
+        WriteFilm(folder / name, {testing::Plain(1, 1, testing::white)});
+        CHECK_GT(FilmReader(folder / name).ReadFrame(0).At(0, 0)[1], 247);
+    }
+}
+
 TEST_CASE("A film without alpha drops it and keeps the colours as they are") {
     const TemporaryFolder folder;
     const Picture picture = Mottled(20, 20);
     Picture opaque = picture;
     for (std::size_t at = 3; at < opaque.rgba.size(); at += 4) opaque.rgba[at] = 255;
-    for (const char* name : {"film.mov", "film.mkv"}) {
+    for (const std::string name : {"film.mov", "film.mkv"}) {
         WriteFilm(folder / name, {picture});
         CHECK(FilmReader(folder / name).ReadFrame(0) == opaque);
     }
@@ -98,7 +118,7 @@ TEST_CASE("A film without alpha drops it and keeps the colours as they are") {
 // Eight levels: what a plain field of colour may lose in rounding to the narrow range and to the codec's steps.
 TEST_CASE("A lossy film keeps plain colours") {
     const TemporaryFolder folder;
-    for (const char* name : {"film.mp4", "film.webm"})
+    for (const std::string name : {"film.mp4", "film.webm"})
         for (const auto& [width, height] : {std::pair{64, 48}, std::pair{1280, 64}})
             for (const Pixel colour : {Pixel{255, 0, 0, 255}, Pixel{0, 255, 0, 255}, Pixel{0, 0, 255, 255},
                                        Pixel{255, 255, 255, 255}, Pixel{200, 100, 50, 255}}) {
@@ -114,7 +134,7 @@ TEST_CASE("A lossy film keeps plain colours") {
 
 TEST_CASE("A lossy film of odd sides repeats the last column and row") {
     const TemporaryFolder folder;
-    for (const char* name : {"film.mp4", "film.webm"}) {
+    for (const std::string name : {"film.mp4", "film.webm"}) {
         Picture picture = testing::Plain(33, 21, {60, 60, 60, 255});
         for (std::int32_t y = 0; y < 21; ++y) picture.Set(32, y, {180, 180, 180, 255});
         WriteFilm(folder / name, {picture});
@@ -174,6 +194,7 @@ TEST_CASE("What cannot become a film is refused in one line") {
     CHECK_EQ(refusal("film.avi", {8, 8, 25, false}), start + "film.avi: films end in .mov, .mkv, .mp4 or .webm");
     CHECK_EQ(refusal("film.mp4", {8, 8, 25, true}), start + "film.mp4: .mp4 films have no alpha; .mov and .mkv have");
     CHECK_EQ(refusal("film.MP4", {8, 8, 0, false}), start + "film.MP4: a film needs a rate of frames above 0");
+    CHECK_EQ(refusal("film.mkv", {9, 1, 25, false}), start + "film.mkv: .mkv films have sides of at least 2 pixels");
     CHECK_EQ(refusal("none/film.mp4", {8, 8, 25, false}),
              start + "none/film.mp4: cannot be written: No such file or directory");
     CHECK_EQ(Thrown([&] {
