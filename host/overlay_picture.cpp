@@ -63,6 +63,18 @@ LayerPixel MadeFor(const Levels& undrawn, const Levels& drawn, int alpha) {
     return layer;
 }
 
+bool IsPixel(const Picture& picture, std::size_t at, const std::array<std::uint8_t, 4>& wanted) {
+    return std::equal(wanted.begin(), wanted.end(), picture.rgba.begin() + static_cast<std::ptrdiff_t>(at));
+}
+
+// Most pixels are: nothing was drawn there.
+bool IsUntouched(const OverlaySources& sources, std::size_t pixel) {
+    const auto* const undrawn = &sources.undrawn.rgba[pixel];
+    return IsPixel(sources.overBlack, pixel, {0, 0, 0, 255}) &&
+           IsPixel(sources.overWhite, pixel, {255, 255, 255, 255}) &&
+           std::equal(undrawn, undrawn + 3, &sources.drawn.rgba[pixel]);
+}
+
 Picture Rendered(HostState& state, const FrameBuffer& target, Look look) {
     RenderScene(state, target, look);
     return target.Read();
@@ -73,6 +85,7 @@ Picture Rendered(HostState& state, const FrameBuffer& target, Look look) {
 Picture OverlayOf(const OverlaySources& sources) {
     Picture overlay(sources.drawn.width, sources.drawn.height);
     for (std::size_t pixel = 0; pixel < overlay.rgba.size(); pixel += 4) {
+        if (IsUntouched(sources, pixel)) continue;
         const Levels undrawn = LevelsAt(sources.undrawn, pixel);
         const Levels drawn = LevelsAt(sources.drawn, pixel);
         LayerPixel layer = BetweenBlackAndWhite(LevelsAt(sources.overBlack, pixel), LevelsAt(sources.overWhite, pixel));

@@ -18,8 +18,7 @@ bool IsShown(const AVPacket& packet, AVCodecID codec) {
 
 void SortOnce(std::vector<std::int64_t>& times) {
     std::ranges::sort(times);
-    const auto repeated = std::ranges::unique(times);
-    times.erase(repeated.begin(), repeated.end());
+    times.erase(std::unique(times.begin(), times.end()), times.end());
 }
 
 }  // namespace

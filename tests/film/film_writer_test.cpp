@@ -87,11 +87,11 @@ TEST_CASE("A lossless film gives back every pixel as it was written") {
 TEST_CASE("Small films come back as they were written") {
     const TemporaryFolder folder;
     for (const std::string name : {"film.mov", "film.mkv"})
-        for (const auto& [width, height] : {std::pair{2, 2}, {2, 9}, {9, 2}, {15, 16}, {16, 16}, {17, 3}}) {
+        for (const std::array<std::int32_t, 2> size : {std::array{2, 2}, {2, 9}, {9, 2}, {15, 16}, {16, 16}, {17, 3}}) {
             CAPTURE(name);
-            CAPTURE(width);
-            CAPTURE(height);
-            const Picture picture = Mottled(width, height);
+            CAPTURE(size[0]);
+            CAPTURE(size[1]);
+            const Picture picture = Mottled(size[0], size[1]);
             WriteFilm(folder / name, {picture, picture}, true);
             FilmReader reader(folder / name);
             CHECK(reader.ReadFrame(0) == picture);
@@ -119,16 +119,16 @@ TEST_CASE("A film without alpha drops it and keeps the colours as they are") {
 TEST_CASE("A lossy film keeps plain colours") {
     const TemporaryFolder folder;
     for (const std::string name : {"film.mp4", "film.webm"})
-        for (const auto& [width, height] : {std::pair{64, 48}, std::pair{1280, 64}})
+        for (const std::int32_t width : {64, 1280})
             for (const Pixel colour : {Pixel{255, 0, 0, 255}, Pixel{0, 255, 0, 255}, Pixel{0, 0, 255, 255},
                                        Pixel{255, 255, 255, 255}, Pixel{200, 100, 50, 255}}) {
                 CAPTURE(name);
                 CAPTURE(width);
                 CAPTURE(testing::Text(colour));
-                WriteFilm(folder / name, {testing::Plain(width, height, colour)});
+                WriteFilm(folder / name, {testing::Plain(width, 48, colour)});
                 const Picture read = FilmReader(folder / name).ReadFrame(0);
                 CHECK_EQ(read.width, width);
-                CHECK_LE(testing::Difference(read.At(width / 2, height / 2), colour), 8);
+                CHECK_LE(testing::Difference(read.At(width / 2, 24), colour), 8);
             }
 }
 

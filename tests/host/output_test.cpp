@@ -94,21 +94,21 @@ TEST_CASE("An overlay that was written lies over the picture as the rendered str
         std::string name;
         AlphaForm form;
     };
-    for (const auto& [name, form] :
+    for (const Way& way :
          {Way{"overlay.mov", AlphaForm::Premultiplied}, Way{"overlay.mov", AlphaForm::Straight},
           Way{"overlay.mkv", AlphaForm::Straight}, Way{"premultiplied.mkv", AlphaForm::Premultiplied},
           Way{"overlay%05d.png", AlphaForm::Premultiplied}, Way{"straight%05d.png", AlphaForm::Straight}}) {
-        CAPTURE(name);
-        CAPTURE(form == AlphaForm::Straight);
-        const std::string straight = form == AlphaForm::Straight ? " --straight" : "";
-        REQUIRE_EQ(desk.Run("play s.json --out out.mov --overlay " + name + straight).exitCode, 0);
+        CAPTURE(way.name);
+        CAPTURE(way.form == AlphaForm::Straight);
+        const std::string straight = way.form == AlphaForm::Straight ? " --straight" : "";
+        REQUIRE_EQ(desk.Run("play s.json --out out.mov --overlay " + way.name + straight).exitCode, 0);
         Frames rendered(desk, "out.mov");
-        Frames overlay(desk, name);
+        Frames overlay(desk, way.name);
         REQUIRE_EQ(rendered.Count(), cardFields);
         REQUIRE_EQ(overlay.Count(), cardFields);
         CHECK_EQ(Covered(overlay.At(0)), 0);
         for (std::int64_t field = 2; field < cardFields; field += 3)
-            CHECK_LE(WorstDifference(LaidOver(overlay.At(field), clean, form), rendered.At(field)), rounding);
+            CHECK_LE(WorstDifference(LaidOver(overlay.At(field), clean, way.form), rendered.At(field)), rounding);
         CHECK_GT(HalfCovered(overlay.At(cardFields - 1)), 1000);
         CHECK_GT(Covered(overlay.At(cardFields - 1)), 3000);
     }
