@@ -60,6 +60,7 @@ Choices FilterChoices(const Filter& filter) {
     const Filter* const prototype = &FindFilter(filter.Label());  // lives on when `filter` does not
     return [prototype](const ParameterDef& definition) {
         std::vector<std::string> words;
+        words.reserve(static_cast<std::size_t>(prototype->EnumCount(definition)));
         for (std::int32_t i = 0; i < prototype->EnumCount(definition); ++i)
             words.emplace_back(prototype->EnumLabel(definition, i));
         return words;
