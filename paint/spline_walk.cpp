@@ -43,44 +43,41 @@ double SquaredDistance(const Weights& weights, const std::array<float, 4>& xs, c
     return dx * dx + dy * dy;
 }
 
-// How far the curve can get along one axis. Its derivative is a mean of the differences between neighbours, and the
-// rounding of the weights moves a point by less than a millionth of the largest coordinate.
-struct Reach {
-    double perStep = 0.0;
-    double rounding = 0.0;
-};
-
-Reach ReachAlong(const std::array<float, 4>& samples) {
-    Reach reach;
-    for (std::size_t i = 0; i < 4; ++i) {
-        reach.rounding = std::max(reach.rounding, 1e-6 * std::abs(static_cast<double>(samples[i])));
-        if (i > 0)
-            reach.perStep = std::max(reach.perStep, 0.00101 * std::abs(static_cast<double>(samples[i]) -
-                                                                       static_cast<double>(samples[i - 1])));
+// By how much the sums of two steps' weights differ at most: not 0, as the weights are rounded.
+constexpr double sumSpan = [] {
+    double least = 1.0;
+    double most = 1.0;
+    for (const Weights& weights : weightTable.ofStep) {
+        const double sum = static_cast<double>(weights[0]) + weights[1] + weights[2] + weights[3];
+        least = std::min(least, sum);
+        most = std::max(most, sum);
     }
-    return reach;
-}
+    return most - least;
+}();
 
-// A stretch of steps that is passed over when its first point lies so near that the others cannot be beyond the limit.
-struct Stretch {
-    std::int32_t length = 0;  // below 2: none is worth it
-    double squaredNear = 0.0;
+// Bounds on how far the walked points can lie apart.
+struct Reach {
+    double perStep = 0.0;   // between neighbouring steps, without rounding
+    double rounding = 0.0;  // of any two steps, besides
 };
 
-Stretch StretchWithin(const std::array<float, 4>& xs, const std::array<float, 4>& ys, double squaredLimit) {
-    if (!(squaredLimit > 0.0)) return {};
-    const Reach alongX = ReachAlong(xs);
-    const Reach alongY = ReachAlong(ys);
-    const double perStep = alongX.perStep + alongY.perStep;
-    const double limit = std::sqrt(squaredLimit);
-    // A quarter of the limit: long enough to save work, short enough to be allowed over most of the way.
-    const double quarter = std::min(0.25 * limit, perStep * SplineWalk::steps);
-    Stretch stretch;
-    stretch.length = perStep > 0.0 ? static_cast<std::int32_t>(quarter / perStep) : SplineWalk::steps;
-    const double near = 0.999999 * limit - perStep * stretch.length - alongX.rounding - alongY.rounding;
-    if (!(near > 0.0)) return {};
-    stretch.squaredNear = near * near;
-    return stretch;
+// The curve's derivative is a mean of the differences between neighbouring samples, and a step of the gathered t is at
+// most 0.001 + 6e-8. Rounded weights move the first sample's place by what their sum is off, and the differences from
+// it by 6e-8 at each of two steps.
+Reach ReachOf(const std::array<float, 4>& xs, const std::array<float, 4>& ys) {
+    double squaredLongest = 0.0;
+    double squaredSpread = 0.0;
+    for (std::size_t i = 1; i < 4; ++i) {
+        const auto squaredFrom = [&](std::size_t other) {
+            const double dx = static_cast<double>(xs[i]) - static_cast<double>(xs[other]);
+            const double dy = static_cast<double>(ys[i]) - static_cast<double>(ys[other]);
+            return dx * dx + dy * dy;
+        };
+        squaredLongest = std::max(squaredLongest, squaredFrom(i - 1));
+        squaredSpread = std::max(squaredSpread, squaredFrom(0));
+    }
+    const double place = std::abs(static_cast<double>(xs[0])) + std::abs(static_cast<double>(ys[0]));
+    return {0.0010001 * std::sqrt(squaredLongest), 1.01 * sumSpan * place + 2e-7 * std::sqrt(squaredSpread)};
 }
 
 }  // namespace
@@ -121,18 +118,20 @@ StrokePoint SplineWalk::PointAt(std::int32_t step) const {
 }
 
 std::int32_t SplineWalk::FirstBeyond(std::int32_t step, float x, float y, double squaredLimit) const {
-    const Stretch stretch = StretchWithin(xs, ys, squaredLimit);
-    const auto squaredDistance = [&](std::int32_t at) {
-        return SquaredDistance(weightTable.ofStep[static_cast<std::size_t>(at)], xs, ys, x, y);
-    };
+    const Reach reach = ReachOf(xs, ys);
+    const double surely = 0.999999 * std::sqrt(squaredLimit) - reach.rounding;
+    const double worthIt = surely - 2 * reach.perStep;
+    const double squaredWorthIt = worthIt > 0.0 ? worthIt * worthIt : -1.0;
     while (step < steps) {
-        const double distance = squaredDistance(step);
+        const double distance = SquaredDistance(weightTable.ofStep[static_cast<std::size_t>(step)], xs, ys, x, y);
         if (distance > squaredLimit) return step;
-        if (stretch.length > 1 && distance <= stretch.squaredNear) {
-            step += stretch.length;
-            continue;
+        if (distance <= squaredWorthIt) {
+            // What is left to the limit cannot be covered in fewer steps.
+            const double spare = (surely - std::sqrt(distance)) / reach.perStep;
+            step += spare < steps ? std::max(1, static_cast<std::int32_t>(spare)) : steps;
+        } else {
+            ++step;
         }
-        ++step;
     }
     return steps;
 }
