@@ -2,6 +2,7 @@
 
 #include "paint/blending_modes.h"
 #include "paint/over_row.h"
+#include "paint/over_row14.h"
 
 namespace chalkpane {
 
@@ -42,10 +43,7 @@ struct NormalOver<PixelFormat8> : NormalReplace<PixelFormat8> {
 template <>
 struct NormalOver<PixelFormat14> : NormalReplace<PixelFormat14> {
     static void Pixel(std::uint16_t* d, const std::uint16_t* s, std::int32_t m, std::int32_t p) {
-        const std::int32_t a = Scale14(Scale14(s[3], m), p);
-        const std::int32_t rest = PixelFormat14::fullScale - a;
-        for (int c = 0; c < 3; ++c) d[c] = Store<PixelFormat14>(Scale14(s[c], a) + Scale14(d[c], rest));
-        d[3] = Store<PixelFormat14>(Scale14(d[3], rest) + a);
+        OverPixel14(d, s, m, p);
     }
 };
 
@@ -63,6 +61,10 @@ void NormalSpan(const PasteSpan<F>& span, const PasteSettings& settings) {
 
 void FastOverSpan8(const PasteSpan<PixelFormat8>& span, const PasteSettings& settings) {
     OverRow8(span.target, span.source, span.mask, span.maskStep, span.count, settings.opacity);
+}
+
+void FastOverSpan14(const PasteSpan<PixelFormat14>& span, const PasteSettings& settings) {
+    OverRow14(span.target, span.source, span.mask, span.maskStep, span.count, settings.opacity);
 }
 
 // KEEP: under a blend mode the clip reduces by the rounded product, in mode 0 by the shift; both roundings are in saved
@@ -190,6 +192,11 @@ template <>
 constexpr SpanKernels<PixelFormat8> normalKernels<PixelFormat8, NormalOver<PixelFormat8>>{
     &FastOverSpan8, &NormalSpan<PixelFormat8, NormalOver<PixelFormat8>, ClipUse::Limiting>,
     &NormalSpan<PixelFormat8, NormalOver<PixelFormat8>, ClipUse::Inverted>};
+
+template <>
+constexpr SpanKernels<PixelFormat14> normalKernels<PixelFormat14, NormalOver<PixelFormat14>>{
+    &FastOverSpan14, &NormalSpan<PixelFormat14, NormalOver<PixelFormat14>, ClipUse::Limiting>,
+    &NormalSpan<PixelFormat14, NormalOver<PixelFormat14>, ClipUse::Inverted>};
 
 template <typename F, typename Operation>
 constexpr SpanKernels<F> blendedKernels{&BlendedSpan<F, Operation, ClipUse::None>,

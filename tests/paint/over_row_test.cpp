@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "paint/erase_row.h"
+#include "paint/over_row14.h"
 #include "paint/vector_choice.h"
 
 // The vector forms of the two most used rows against the plain ones.
@@ -126,6 +127,52 @@ TEST_CASE("the vector form of the erase row is equal on every input") {
         EraseRow8Avx2(vector.data(), mask.data(), pixels, opacity);
         CAPTURE(opacity);
         CHECK(plain == vector);
+    }
+}
+
+// Words of all 16 bits: what an earlier overflow has left in a picture is worked on alike.
+TEST_CASE("the vector form of the 14-bit over row is equal on random words of every range") {
+    if (!HasAvx2()) return;
+    constexpr std::size_t pixels = 4096;
+    std::mt19937 random(5);
+    using Words = std::vector<std::uint16_t>;
+    Words target(4 * pixels);
+    Words source(4 * pixels);
+    Words mask(pixels);
+    for (const std::uint32_t limit : {16384U, 65536U}) {
+        for (const std::int32_t opacity : {0, 1, 2, 5000, 8191, 8192, 16382, 16383}) {
+            for (auto* words : {&target, &source, &mask})
+                for (auto& word : *words) word = static_cast<std::uint16_t>(random() % limit);
+            for (std::size_t i = 0; i < pixels; i += 3) mask[i] = i % 2 == 0 ? 0 : 16383;
+            Words plain = target;
+            Words vector = target;
+            OverRow14Plain(plain.data(), source.data(), mask.data(), 1, pixels, opacity);
+            OverRow14Avx2(vector.data(), source.data(), mask.data(), pixels, opacity);
+            CAPTURE(limit);
+            CAPTURE(opacity);
+            CHECK(plain == vector);
+        }
+    }
+}
+
+TEST_CASE("the 14-bit over row keeps inside its row, whatever its length and the step of its mask") {
+    std::mt19937 random(6);
+    using Words = std::vector<std::uint16_t>;
+    for (std::size_t count = 0; count < 300; count += count < 40 ? 1 : 37) {
+        for (const std::ptrdiff_t maskStep : {0, 1, 4}) {
+            Words source(4 * count);
+            Words mask(4 * count + 1);
+            Words target(4 * count + 64);
+            for (auto* words : {&source, &mask, &target})
+                for (auto& word : *words) word = static_cast<std::uint16_t>(random() % 16384);
+            Words plain = target;
+            const auto pixels = static_cast<std::ptrdiff_t>(count);
+            OverRow14Plain(plain.data(), source.data(), mask.data(), maskStep, pixels, 9000);
+            OverRow14(target.data(), source.data(), mask.data(), maskStep, pixels, 9000);
+            CAPTURE(count);
+            CAPTURE(maskStep);
+            CHECK(plain == target);
+        }
     }
 }
 #endif
