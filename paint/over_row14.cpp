@@ -58,13 +58,14 @@ constexpr std::ptrdiff_t pixelsAtOnce = 8;
 
 [[gnu::target("avx2")]] inline void OverEight(std::uint16_t* target, const std::uint16_t* source,
                                               const std::uint16_t* mask, __m256i opacity) {
+    const __m128i words = _mm_loadu_si128(reinterpret_cast<const __m128i*>(mask));
+    if (_mm_testz_si128(words, words) != 0) return;
     auto* const d = reinterpret_cast<__m256i*>(target);
     const auto* const s = reinterpret_cast<const __m256i*>(source);
     const __m256i first = _mm256_loadu_si256(s);
     const __m256i second = _mm256_loadu_si256(s + 1);
     const __m256i order = _mm256_setr_epi32(0, 1, 4, 5, 2, 3, 6, 7);
-    const __m256i m = _mm256_permutevar8x32_epi32(
-        _mm256_cvtepu16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(mask))), order);
+    const __m256i m = _mm256_permutevar8x32_epi32(_mm256_cvtepu16_epi32(words), order);
     const __m256i a = ScaleEach(ScaleEach(Alphas(first, second), m), opacity);
     const __m256i covered = _mm256_cmpgt_epi32(m, _mm256_setzero_si256());
     const __m256i lanesOfFirst = _mm256_setr_epi32(0, 0, 0, 0, 1, 1, 1, 1);
