@@ -12,10 +12,11 @@ endif()
 find_package(Threads REQUIRED)
 
 # The arithmetic is part of the product: no fused multiply-add, no fast-math. GCC at -O2 does not vectorise loops of
-# unknown length, so optimised builds take -O3.
+# unknown length, so optimised builds take -O3. Sanitizers want little optimisation and line numbers only.
+set(CMAKE_CXX_FLAGS_RELEASE "-O3 -DNDEBUG")
+set(CMAKE_CXX_FLAGS_SANITIZE "-O1 -g1")
 add_library(chalkpane_flags INTERFACE)
-target_compile_options(chalkpane_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -ffp-contract=off
-                                                 $<$<CONFIG:Release>:-O3>)
+target_compile_options(chalkpane_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -ffp-contract=off)
 # g++ 12 wrongly suspects plain assignments of literals to strings (its bug 105651, mended in 13).
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
   target_compile_options(chalkpane_flags INTERFACE -Wno-restrict)
@@ -47,13 +48,19 @@ macro(chalkpane_engine)
                                                      $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/chalkpane>)
 endmacro()
 
+# For what spends its time elsewhere, such as tests and the reading of command lines: it is rather built soon than fast.
+function(chalkpane_build_soon target)
+  target_compile_options(${target} PRIVATE $<$<CONFIG:Release>:-O1>)
+endfunction()
+
 # One test program per subsystem: every *_test.cpp of the folder, run by CTest under the folder's name.
-#   chalkpane_test(image LIBRARIES chalkpane_engine [LABELS threads])
+#   chalkpane_test(image LIBRARIES chalkpane_engine [SOURCES more.cpp] [ARGUMENTS for the program])
 function(chalkpane_test name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LIBRARIES;LABELS;SOURCES")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LIBRARIES;SOURCES;ARGUMENTS")
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
   add_executable(${name}_test ${sources} ${arg_SOURCES} ${PROJECT_SOURCE_DIR}/tests/test_main.cpp)
   target_link_libraries(${name}_test PRIVATE chalkpane_flags ${arg_LIBRARIES} doctest::doctest)
-  add_test(NAME ${name} COMMAND ${name}_test)
-  set_tests_properties(${name} PROPERTIES LABELS "${arg_LABELS}" TIMEOUT 1500)
+  chalkpane_build_soon(${name}_test)
+  add_test(NAME ${name} COMMAND ${name}_test ${arg_ARGUMENTS})
+  set_tests_properties(${name} PROPERTIES TIMEOUT 1500)
 endfunction()
