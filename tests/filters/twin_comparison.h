@@ -31,10 +31,10 @@ inline const std::vector<PictureCase>& PictureCases() {
 // Compares with the plain twin over formats, regions and expansion, with one worker and with several.
 template <typename Twin>
 void CompareWithTwin(Filter& filter, Twin twin, bool bothDepths = true) {
-    for (const auto& [bounds, type, depth, flag] : PictureCases()) {
-        if (depth != 0 && !bothDepths) continue;
-        const Image source = NoisePicture(bounds, type, depth, flag, 7);
-        Rect part = bounds;
+    for (const PictureCase& picture : PictureCases()) {
+        if (picture.depth != 0 && !bothDepths) continue;
+        const Image source = NoisePicture(picture.bounds, picture.type, picture.depth, picture.flag, 7);
+        Rect part = picture.bounds;
         part.x1 = part.x0 + part.Width() / 2;
         part.InflateY(2);
         for (const Rect* region : {static_cast<const Rect*>(nullptr), static_cast<const Rect*>(&part)}) {
@@ -43,9 +43,9 @@ void CompareWithTwin(Filter& filter, Twin twin, bool bothDepths = true) {
                 for (const int workers : {1, 3}) {
                     MultiProcessor::Restart(workers);
                     const auto result = Applied(filter, source, region, expand);
-                    CAPTURE(bounds.x0);
-                    CAPTURE(type);
-                    CAPTURE(depth);
+                    CAPTURE(picture.bounds.x0);
+                    CAPTURE(picture.type);
+                    CAPTURE(picture.depth);
                     CAPTURE(expand);
                     CAPTURE(region != nullptr);
                     CAPTURE(workers);

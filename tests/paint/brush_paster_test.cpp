@@ -34,6 +34,12 @@ ChannelValues Painted(const Dab& dab) {
     return ValuesAt(target, 0, 0);
 }
 
+// What comes of an input.
+struct Expected {
+    int input;
+    int wanted;
+};
+
 Image ClipOf(int value, std::int32_t depth = 0) {
     return FlatImage(onePixel, ImageDefinition::maskType, depth, {value});
 }
@@ -211,12 +217,12 @@ TEST_CASE("a blended paste onto an opaque target mixes the blended colour in") {
 // 7876608 / 65536 = 120.2.
 TEST_CASE("a paste into a mask takes the red channel") {
     const Image source = FlatImage(onePixel, 1, 0, {1, 2, 40, 255});
-    for (const auto& [coverage, wanted] : {std::pair(255, 40), std::pair(128, 120), std::pair(0, 200)}) {
-        CAPTURE(coverage);
-        const Image mask = FlatImage(onePixel, 2, 0, {coverage});
+    for (const Expected& expected : {Expected{255, 40}, Expected{128, 120}, Expected{0, 200}}) {
+        CAPTURE(expected.input);
+        const Image mask = FlatImage(onePixel, 2, 0, {expected.input});
         Image target = FlatImage(onePixel, 2, 0, {200});
         BrushPaster().PasteToMask(source, &mask, target, onePixel);
-        CHECK_EQ(ValuesAt(target, 0, 0)[0], wanted);
+        CHECK_EQ(ValuesAt(target, 0, 0)[0], expected.wanted);
     }
 }
 
@@ -225,12 +231,12 @@ TEST_CASE("a paste into a mask takes the red channel") {
 TEST_CASE("a constant goes into a mask by the source's alpha, and what it lacks is lost") {
     BrushPaster paster;
     const Image mask = FlatImage(onePixel, 2, 1, {16383});
-    for (const auto& [alpha, wanted] : {std::pair(16383, 1000), std::pair(8191, 500)}) {
-        CAPTURE(alpha);
-        const Image source = FlatImage(onePixel, 1, 1, {1, 2, 3, alpha});
+    for (const Expected& expected : {Expected{16383, 1000}, Expected{8191, 500}}) {
+        CAPTURE(expected.input);
+        const Image source = FlatImage(onePixel, 1, 1, {1, 2, 3, expected.input});
         Image target = FlatImage(onePixel, 2, 1, {9000});
         paster.PasteValueToMask(source, &mask, target, onePixel, 1000);
-        CHECK_EQ(ValuesAt(target, 0, 0)[0], wanted);
+        CHECK_EQ(ValuesAt(target, 0, 0)[0], expected.wanted);
     }
 }
 

@@ -475,11 +475,16 @@ TEST_CASE("The animated column of the factory, each built to record undo") {
         return DataSet::createValue(kept.back().get(), true, &frames);
     };
     CHECK(dynamic_cast<AnimatedInt*>(make(0).get()) != nullptr);
-    CHECK(typeid(*make(1)) == typeid(AnimatedDouble));
+    const auto isExactly = [&](int type, const std::type_info& wanted) {
+        const auto value = make(type);
+        const ParameterValue& made = *value;
+        return typeid(made) == wanted;
+    };
+    CHECK(isExactly(1, typeid(AnimatedDouble)));
     CHECK(dynamic_cast<AnimatedBoolean*>(make(2).get()) != nullptr);
     CHECK(dynamic_cast<AnimatedColour*>(make(3).get()) != nullptr);
     CHECK(dynamic_cast<AnimatedIntXY*>(make(4).get()) != nullptr);
-    CHECK(typeid(*make(5)) == typeid(AnimatedDoubleXY));
+    CHECK(isExactly(5, typeid(AnimatedDoubleXY)));
     CHECK(dynamic_cast<AnimatedLogDouble*>(make(13).get()) != nullptr);
     for (const int type : {16, 23, 24, 25}) CHECK(dynamic_cast<AnimatedFloat*>(make(type).get()) != nullptr);
     CHECK(dynamic_cast<AnimatedFileName*>(make(17).get()) != nullptr);

@@ -101,7 +101,6 @@ TEST_CASE("A distortion whose region misses the picture is blank and draws no ra
 TEST_CASE("Turbulence reads where the noise sends it") {
     for (const auto& [amount, lattice, edges] :
          {std::tuple{0.1F, 1, 0}, std::tuple{3.7F, 4, 1}, std::tuple{10.0F, 10, 2}}) {
-        CAPTURE(amount);
         TurbulenceEffect filter;
         SetNumber(filter, "Amount", amount);
         SetNumber(filter, "Lattice Size", lattice);
@@ -120,6 +119,8 @@ TEST_CASE("Turbulence reads where the noise sends it") {
                         sy = row + 2.0F * a * n.y;
                     });
             };
+            const float tried = amount;
+            CAPTURE(tried);
             if (!fast) CompareWithTwin(filter, twin);
             const Image source = NoisePicture({-9, -9, 20, 11}, Image::colourType, 1, 1, 4);
             std::unique_ptr<Image> result;
@@ -132,7 +133,8 @@ TEST_CASE("Turbulence reads where the noise sends it") {
 TEST_CASE("Marble reads along the noise's contour lines") {
     for (const auto& [scale, distance, turbulence, edges] :
          {std::tuple{0.1F, 0.1F, 0.1F, 0}, std::tuple{1.0F, 0.5F, 1.0F, 3}, std::tuple{0.03F, 1.0F, 0.3F, 1}}) {
-        CAPTURE(scale);
+        const float tried = scale;
+        CAPTURE(tried);
         MarbleEffect filter;
         SetNumber(filter, "Scale", scale);
         SetNumber(filter, "Distance", distance);

@@ -31,15 +31,15 @@ TEST_CASE("Film grain is its plain twin") {
         for (const int frame : {0, 41}) {
             FilmGrainEffect filter;
             Set(filter, s);
-            for (const auto& [bounds, type, depth, flag] : PictureCases()) {
-                const Image source = NoisePicture(bounds, type, depth, flag, 7);
+            for (const PictureCase& picture : PictureCases()) {
+                const Image source = NoisePicture(picture.bounds, picture.type, picture.depth, picture.flag, 7);
                 const Image wanted = reference::FilmGrain(source, s, frame);
                 filter.Advance(&source, frame, 0, 0, 0, 0);
                 for (const int workers : {1, 3}) {
                     CAPTURE(s.seed);
                     CAPTURE(frame);
-                    CAPTURE(depth);
-                    CAPTURE(type);
+                    CAPTURE(picture.depth);
+                    CAPTURE(picture.type);
                     CAPTURE(workers);
                     MultiProcessor::Restart(workers);
                     CHECK(SamePixels(*Applied(filter, source), wanted));

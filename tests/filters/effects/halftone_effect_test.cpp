@@ -34,9 +34,9 @@ TEST_CASE("Halftone is its plain twin in all shapes") {
         for (const auto& [size, softness, colour] :
              {std::tuple{2, 0.0F, false}, std::tuple{10, 0.3F, true}, std::tuple{7, 1.0F, false},
               std::tuple{10, 0.3F, false}, std::tuple{31, 0.05F, true}}) {
-            CAPTURE(shape);
-            CAPTURE(size);
             const reference::HalftoneSettings settings{size, softness, shape, colour, {15.0F, 75.0F, 210.0F}};
+            CAPTURE(shape);
+            CAPTURE(settings.size);
             HalftoneEffect filter;
             Set(filter, settings);
             CompareWithTwin(filter, [&settings](const Image& source, const Rect* region, bool /*expand*/) {

@@ -20,15 +20,18 @@ void Set(Filter& filter, double spacing, double randomness, double edges) {
 }  // namespace
 
 TEST_CASE("Stained glass is its plain twin") {
-    for (const auto& [spacing, randomness, edges] :
-         {std::tuple{10.0, 0.0, 0.0}, std::tuple{1.0, 0.3, 0.5}, std::tuple{3.7, 1.0, 0.25}, std::tuple{12.0, 0.5, 1.0},
-          std::tuple{100.0, 0.2, 0.1}}) {
-        CAPTURE(spacing);
+    struct Settings {
+        double spacing;
+        double randomness;
+        double edges;
+    };
+    for (const Settings& s : {Settings{10.0, 0.0, 0.0}, Settings{1.0, 0.3, 0.5}, Settings{3.7, 1.0, 0.25},
+                              Settings{12.0, 0.5, 1.0}, Settings{100.0, 0.2, 0.1}}) {
+        CAPTURE(s.spacing);
         VoronoiEffect filter;
-        Set(filter, spacing, randomness, edges);
-        CompareWithTwin(filter, [&, s = spacing, q = randomness, e = edges](const Image& source, const Rect* region,
-                                                                            bool /*expand*/) {
-            return reference::Voronoi(source, s, q, e, region);
+        Set(filter, s.spacing, s.randomness, s.edges);
+        CompareWithTwin(filter, [&s](const Image& source, const Rect* region, bool /*expand*/) {
+            return reference::Voronoi(source, s.spacing, s.randomness, s.edges, region);
         });
     }
 }
