@@ -47,6 +47,7 @@ decltype(auto) AtPlace(const JsonNode& node, Read read) {
 template <std::size_t Count, typename Into>
 std::vector<std::string> NamesOf(const std::array<JsonKey<Into>, Count>& keys) {
     std::vector<std::string> names;
+    names.reserve(Count);
     for (const auto& key : keys) names.emplace_back(key.name);
     return names;
 }
@@ -101,6 +102,7 @@ std::vector<FilterDescription> ReadFilters(const JsonNode& node, const std::file
     if (elements.size() > longestFilterChain)
         node.Refuse("must have at most " + std::to_string(longestFilterChain) + " elements");
     std::vector<FilterDescription> filters;
+    filters.reserve(elements.size());
     for (const JsonNode& element : elements) filters.push_back(ReadFilterObject(element, file));
     return filters;
 }
