@@ -150,7 +150,8 @@ struct StripJob {
     void SoftenColumns(std::int32_t group, std::int32_t worker) {
         const std::size_t first = static_cast<std::size_t>(group) * groupChannels;
         const std::size_t size = std::min(groupChannels, static_cast<std::size_t>(to.Width()) * Channels() - first);
-        auto& [line, spare, staged] = workers[static_cast<std::size_t>(worker)];
+        auto& [line, spare, stagedRows] = workers[static_cast<std::size_t>(worker)];
+        auto& staged = stagedRows;
         const std::int32_t bottom = std::min(from.y0, to.y0);
         staged.resize(static_cast<std::size_t>(std::max(from.y1, to.y1) - bottom + 1) * groupChannels);
         const auto stagedRow = [&staged, bottom](std::int32_t y) {
