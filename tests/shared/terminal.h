@@ -2,8 +2,10 @@
 
 #include <doctest/doctest.h>
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
+#include <array>
 #include <cstdlib>
 #include <string>
 
@@ -34,15 +36,27 @@ public:
     [[nodiscard]] const std::string& Name() const { return m_name; }
     [[nodiscard]] int Writer() const { return m_writer; }
 
-    // What was written since, up to 4096 bytes.
+    // All that was written so far. It arrives a little later than it was written, but in order: so a mark behind it is
+    // waited for.
     [[nodiscard]] std::string Read() const {
-        std::string text(4096, '\0');
-        const ssize_t count = read(m_reader, text.data(), text.size());
-        text.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
+        constexpr char mark = '\1';
+        REQUIRE_EQ(write(m_writer, &mark, 1), 1);
+        std::string text;
+        while (!text.ends_with(mark)) {
+            pollfd arrival{m_reader, POLLIN, 0};
+            REQUIRE_EQ(poll(&arrival, 1, longestWait), 1);
+            std::array<char, 4096> bytes{};
+            const ssize_t count = read(m_reader, bytes.data(), bytes.size());
+            REQUIRE_GT(count, 0);
+            text.append(bytes.data(), static_cast<std::size_t>(count));
+        }
+        text.pop_back();
         return text;
     }
 
 private:
+    static constexpr int longestWait = 60000;  // milliseconds; then something is wrong
+
     int m_reader;
     int m_writer = -1;
     std::string m_name;
