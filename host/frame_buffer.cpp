@@ -60,4 +60,13 @@ Picture FrameBuffer::Read() const {
     return Flipped(picture);
 }
 
+void FrameBuffer::ShowIn(const FrameArea& area, std::uint32_t target) const {
+    glBindFramebuffer(GL_READ_FRAMEBUFFER, m_frame);
+    glBindFramebuffer(GL_DRAW_FRAMEBUFFER, target);
+    const bool isSameSize = area.width == m_width && area.height == m_height;
+    glBlitFramebuffer(0, 0, m_width, m_height, area.x, area.y, area.x + area.width, area.y + area.height,
+                      GL_COLOR_BUFFER_BIT, isSameSize ? GL_NEAREST : GL_LINEAR);
+    glBindFramebuffer(GL_FRAMEBUFFER, target);
+}
+
 }  // namespace kel

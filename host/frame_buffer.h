@@ -6,6 +6,14 @@
 
 namespace kel {
 
+// A rectangle of a window, in pixels counted from its lower left corner.
+struct FrameArea {
+    std::int32_t x = 0;
+    std::int32_t y = 0;
+    std::int32_t width = 0;
+    std::int32_t height = 0;
+};
+
 // What the scene is drawn into: colour and depth, in the size of the window. The context is current in every call.
 class FrameBuffer {
 public:
@@ -20,6 +28,8 @@ public:
     // grey: 0.0 black .. 1.0 white; as far away as can be
     void BindAndClear(float grey) const;
     [[nodiscard]] Picture Read() const;  // opaque
+    // Copies the colours over `area` of the framebuffer `target`, which stays bound.
+    void ShowIn(const FrameArea& area, std::uint32_t target) const;
 
 private:
     std::int32_t m_width;

@@ -47,26 +47,31 @@ EGLConfig ChooseConfig() {
 
 }  // namespace
 
-GlContext::GlContext() {
+GlContext::GlContext(GlSource source) {
+    if (source == GlSource::Own) MakeOwn();
+    GLint units = 0;
+    glGetIntegerv(GL_MAX_TEXTURE_UNITS, &units);
+    if (units >= textureUnits) return;
+    EndOwn();
+    throw Error("OpenGL offers " + std::to_string(units) + " texture units and " + std::to_string(textureUnits) +
+                " are needed");
+}
+
+GlContext::~GlContext() { EndOwn(); }
+
+void GlContext::MakeOwn() {
     Display();  // the interface is chosen for an open display
     if (eglBindAPI(EGL_OPENGL_API) == EGL_FALSE) Refuse("eglBindAPI");
     m_context = eglCreateContext(Display(), ChooseConfig(), EGL_NO_CONTEXT, nullptr);
     if (m_context == EGL_NO_CONTEXT) Refuse("eglCreateContext");
     // The scene is drawn into a framebuffer object, so the context has no surface of its own.
-    if (eglMakeCurrent(Display(), EGL_NO_SURFACE, EGL_NO_SURFACE, m_context) == EGL_FALSE) {
-        eglDestroyContext(Display(), m_context);
-        Refuse("eglMakeCurrent");
-    }
-    GLint units = 0;
-    glGetIntegerv(GL_MAX_TEXTURE_UNITS, &units);
-    if (units < textureUnits) {
-        eglDestroyContext(Display(), m_context);
-        throw Error("OpenGL offers " + std::to_string(units) + " texture units and " + std::to_string(textureUnits) +
-                    " are needed");
-    }
+    if (eglMakeCurrent(Display(), EGL_NO_SURFACE, EGL_NO_SURFACE, m_context) == EGL_TRUE) return;
+    eglDestroyContext(Display(), m_context);
+    Refuse("eglMakeCurrent");
 }
 
-GlContext::~GlContext() {
+void GlContext::EndOwn() {
+    if (m_context == nullptr) return;
     eglMakeCurrent(Display(), EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
     eglDestroyContext(Display(), m_context);
 }

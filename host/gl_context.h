@@ -2,11 +2,15 @@
 
 namespace kel {
 
-// An OpenGL context of the compatibility profile that needs neither display nor graphics card, current on the thread
-// that made it. Throws Error when this machine has no such OpenGL.
+// Where the OpenGL context comes from: a new one without a display, or the one that is current on this thread, such as
+// a window's, which then outlives its user.
+enum class GlSource { Own, Current };
+
+// An OpenGL context of the compatibility profile, current on the thread that made it. An own one needs neither display
+// nor graphics card. Throws Error when this machine has no such OpenGL.
 class GlContext {
 public:
-    GlContext();
+    explicit GlContext(GlSource source = GlSource::Own);
     ~GlContext();
     GlContext(const GlContext&) = delete;
     GlContext& operator=(const GlContext&) = delete;
@@ -14,7 +18,10 @@ public:
     GlContext& operator=(GlContext&&) = delete;
 
 private:
-    void* m_context = nullptr;
+    void MakeOwn();
+    void EndOwn();
+
+    void* m_context = nullptr;  // null: borrowed
 };
 
 // The texture units that containers have; the module takes three at most and the picture one.

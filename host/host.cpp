@@ -128,9 +128,9 @@ std::atomic<HostState*>& HostState::Current() {
     return current;
 }
 
-Host::Host(WindowSize window) {
+Host::Host(WindowSize window, GlSource source) {
     if (HostState::Current() != nullptr) throw Error("there already is a host");
-    m_state = std::make_unique<HostState>(window);
+    m_state = std::make_unique<HostState>(window, source);
     HostState& state = *m_state;
     SceneObject scene;
     scene.camera = state.objects.Add(CameraObject{});
@@ -142,6 +142,10 @@ Host::~Host() {
     ForEachInstance(*m_state, [&](Instance& instance) { EndInstance(*m_state, instance); });
     HostState::Current() = nullptr;
 }
+
+void Host::StepAside() { HostState::Current() = nullptr; }
+
+void Host::StepBack() { HostState::Current() = m_state.get(); }
 
 const Module& Host::LoadModule(const std::filesystem::path& file) {
     auto module = std::make_unique<Module>(OpenModule(file));
@@ -258,12 +262,19 @@ void Host::SetDrawing(bool on) {
 void Host::RunField() {
     DeliverPointer();
     DeliverOperator();
+    const auto start = std::chrono::steady_clock::now();
     ForEachInstance(*m_state, [&](Instance& instance) {
         m_state->CallInstance(instance, Callback::PerField,
                               [](const EntryPoints& module, void* block) { module.execPerField(block); });
     });
+    FieldTimes& times = m_state->times;
+    const bool isFirst = times.last.count() == 0;
+    times.last = std::chrono::steady_clock::now() - start;
+    if (!isFirst) times.slowest = std::max(times.slowest, times.last);
     if (m_state->redraw) Render();
 }
+
+FieldTimes Host::Times() const { return m_state->times; }
 
 ParameterValue Host::GetParameter(ObjectId container, std::string_view name) const {
     const Instance& instance = FindInstance(*m_state, container);
@@ -276,6 +287,11 @@ bool Host::IsParameterShown(ObjectId container, std::string_view name) const {
 }
 
 Picture Host::ReadFrame() const { return m_state->frame->Read(); }
+
+void Host::ShowFrame(const FrameArea& area, std::uint32_t target) const {
+    ResetState();
+    m_state->frame->ShowIn(area, target);
+}
 
 Picture Host::ReadCanvas(ObjectId container, AlphaForm form) const {
     return CanvasPicture(*m_state, FindContainer(*m_state, container), form);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -7,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "host/frame_buffer.h"
+#include "host/gl_context.h"
 #include "host/module.h"
 #include "host/picture.h"
 #include "host/scene.h"
@@ -29,20 +32,31 @@ struct ParameterSetting {
 
 enum class AlphaForm { Straight, Premultiplied };
 
-// The renderer: a scene, the modules attached to its containers, an OpenGL context without a display, and the one loop
-// that drives them, field by field. docs/host.md tells the order of a field.
+// How long the modules' field callbacks took, those of all instances in a field together.
+struct FieldTimes {
+    std::chrono::nanoseconds last{};
+    std::chrono::nanoseconds slowest{};  // of all fields so far but the first, in which modules make what they need
+};
+
+// The renderer: a scene, the modules attached to its containers, an OpenGL context, and the one loop that drives them,
+// field by field. docs/host.md tells the order of a field.
 //
-// There is one host at a time, and all its functions are called on the thread that made it. Errors are thrown as Error.
+// One host works at a time, and all its functions are called on the thread that made it. Errors are thrown as Error.
 class Host {
 public:
     // Throws when this machine offers no OpenGL, for a side below 1 or above largestPictureSide, and when there already
-    // is a host.
-    explicit Host(WindowSize window);
-    ~Host();  // ends all instances
+    // is a host at work.
+    explicit Host(WindowSize window, GlSource source = GlSource::Own);
+    ~Host();  // ends all instances; the host is at work
     Host(const Host&) = delete;
     Host& operator=(const Host&) = delete;
     Host(Host&&) = delete;
     Host& operator=(Host&&) = delete;
+
+    // Steps aside, so that another host can be made and work in the same OpenGL context, and comes back to work once
+    // that one is gone or has stepped aside. Nothing else is called in between.
+    void StepAside();
+    void StepBack();
 
     // Loads the module once and lets it register; the same file again gives the same module. Borrowed from the host.
     const Module& LoadModule(const std::filesystem::path& file);
@@ -86,6 +100,9 @@ public:
 
     // The picture last rendered; opaque.
     [[nodiscard]] Picture ReadFrame() const;
+    // Lays that picture over `area` of the framebuffer `target`, 0 being the current context's window, smoothly scaled
+    // where the sizes differ. Leaves the target bound and OpenGL's state plain, for others to draw there.
+    void ShowFrame(const FrameArea& area, std::uint32_t target = 0) const;
     // What the module on this container draws, alone and upright, as of the last render. Throws when it has put no
     // texture on the container yet.
     [[nodiscard]] Picture ReadCanvas(ObjectId container, AlphaForm form = AlphaForm::Straight) const;
@@ -97,6 +114,8 @@ public:
 
     [[nodiscard]] WindowSize Window() const;
     void ResizeWindow(WindowSize window);  // asks for a redraw
+
+    [[nodiscard]] FieldTimes Times() const;
 
     // What modules did wrong so far, one line for each kind; each also went to standard error.
     [[nodiscard]] const std::vector<std::string>& WrongUses() const;

@@ -54,7 +54,8 @@ struct QueuedKey {};
 
 // Everything the host knows: what `Host` changes from outside and the host functions from inside a module.
 struct HostState {
-    explicit HostState(WindowSize size) : window(size), frame(std::make_unique<FrameBuffer>(size.width, size.height)) {}
+    HostState(WindowSize size, GlSource source)
+        : context(source), window(size), frame(std::make_unique<FrameBuffer>(size.width, size.height)) {}
 
     GlContext context;  // first: the objects below end while it is there
     WindowSize window;
@@ -76,6 +77,7 @@ struct HostState {
     Callback callback = Callback::None;
     Registration* registering = nullptr;  // in PLUGIN_INIT_EX
     Instance* calling = nullptr;          // the instance whose callback runs
+    FieldTimes times;
     std::thread::id renderThread = std::this_thread::get_id();
     WrongUseLog wrongUses;
 

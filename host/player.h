@@ -1,9 +1,12 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
+#include "host/film_show.h"
 #include "host/host.h"
 #include "host/player_pointer.h"
 #include "host/session.h"
@@ -13,7 +16,8 @@ namespace kel {
 // Plays a session on a host.
 //
 // Borrows both for its life; the host is fresh, with the session's window. All that can be wrong with a session is
-// found by the constructor: modules, pictures, names and values of parameters, buttons, the pointer's timetable.
+// found by the constructor: modules, pictures, films, names and values of parameters, buttons, the pointer's timetable.
+// Only a damaged frame in the middle of a film shows when it is its turn.
 class Player {
 public:
     // defaultModule: for the plug-ins that name no module. Throws Error.
@@ -22,39 +26,53 @@ public:
     [[nodiscard]] bool IsOver() const { return m_field >= m_session.fields; }
     [[nodiscard]] std::int64_t NextField() const { return m_field; }
 
+    // A container of the session.
+    struct Container {
+        ObjectId id = noObject;
+        const Module* module = nullptr;  // borrowed from the host; null without a plug-in
+        std::unique_ptr<FilmShow> film;  // null without a film
+    };
+    // In the order of the session.
+    [[nodiscard]] std::span<const Container> Containers() const { return m_containers; }
+
+    // Changes a film as an event of the next field would. The index is that of a container with a film.
+    void ChangeFilm(std::size_t container, const FilmChange& change);
+
     enum class Picture { Wanted, NotWanted };
 
     // Plays the next field and returns the names under which its picture is to be saved. The host's picture is of this
-    // field when it is wanted, when the session saves it, and after the last field; otherwise it is not drawn.
+    // field when it is wanted, when the session saves it, and after the last field; otherwise it is not drawn. After
+    // the session's end fields go on without events. Throws Error for a damaged frame of a film, with the field played.
     std::vector<std::string> PlayField(Picture picture);
 
     // The container whose canvas is the overlay: the first with a plug-in; noObject when there is none.
     [[nodiscard]] ObjectId OverlayContainer() const;
 
 private:
-    struct PlayedContainer {
-        ObjectId id = noObject;
-        const Module* module = nullptr;  // not owned; null without a plug-in
-    };
-    // What happens in a field besides the pointer. One of the three is there.
+    // What happens in a field besides the pointer. One of the four is there.
     struct Deed {
         std::int64_t field = 0;
-        ObjectId container = noObject;
+        std::size_t container = 0;
         std::vector<ParameterSetting> settings;
         std::string button;
+        std::optional<FilmChange> film;
         std::string save;
     };
 
     void BuildContainer(const SessionContainer& container, const std::filesystem::path& defaultModule);
+    std::unique_ptr<FilmShow> OpenFilm(const SessionContainer& container, ObjectId id) const;
     const Module& LoadModule(const SessionPlugin& plugin, const std::filesystem::path& defaultModule);
     std::vector<ParameterSetting> Settings(const std::vector<SessionValue>& values, const Module& module);
     kel::Picture ReadPictureAt(const std::string& path, const std::string& place) const;
     void PrepareDeed(const SessionEvent& event);
+    void CheckFrame(const SessionEvent& event, const FilmEvent& film) const;
+    std::vector<std::string> DoDeeds();
+    void ShowFilms();
     void CheckButton(const SessionEvent& event, const std::string& name, const Module& module) const;
 
     const Session& m_session;
     Host& m_host;
-    std::vector<PlayedContainer> m_containers;  // as in the session
+    std::vector<Container> m_containers;  // as in the session
     std::vector<PointerStep> m_pointer;
     std::vector<Deed> m_deeds;
     std::size_t m_nextPointer = 0;

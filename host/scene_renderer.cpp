@@ -52,31 +52,6 @@ void ResetUnit(std::size_t unit) {
     glLoadIdentity();
 }
 
-// Every object starts from the same state, whatever the one before it left.
-void ResetState(Look look) {
-    for (std::size_t unit = 0; unit < textureUnits; ++unit) ResetUnit(unit);
-    glActiveTexture(UnitName(0));
-    glMatrixMode(GL_MODELVIEW);
-    glDisable(GL_LIGHTING);
-    glDisable(GL_CULL_FACE);
-    glDisable(GL_SCISSOR_TEST);
-    glDisable(GL_STENCIL_TEST);
-    glEnable(GL_DEPTH_TEST);
-    glDepthFunc(GL_LEQUAL);
-    glDepthMask(GL_TRUE);
-    glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
-    glEnable(GL_BLEND);
-    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
-    glEnable(GL_ALPHA_TEST);  // what is wholly clear leaves no depth behind
-    glAlphaFunc(GL_GREATER, 0);
-    glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
-    glPixelStorei(GL_UNPACK_SKIP_ROWS, 0);
-    glPixelStorei(GL_UNPACK_SKIP_PIXELS, 0);
-    glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
-    const GLfloat grey = look == Look::Black ? 0 : 1;
-    glColor4f(grey, grey, grey, 1);
-}
-
 void SetSampling(const TextureObject& texture, const ImageObject& image) {
     const GLint filter = texture.quality == 0 ? GL_NEAREST : GL_LINEAR;
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, filter);
@@ -165,6 +140,30 @@ void RenderContainer(HostState& state, ContainerObject& container, const Matrix&
 }
 
 }  // namespace
+
+void ResetState(Look look) {
+    for (std::size_t unit = 0; unit < textureUnits; ++unit) ResetUnit(unit);
+    glActiveTexture(UnitName(0));
+    glMatrixMode(GL_MODELVIEW);
+    glDisable(GL_LIGHTING);
+    glDisable(GL_CULL_FACE);
+    glDisable(GL_SCISSOR_TEST);
+    glDisable(GL_STENCIL_TEST);
+    glEnable(GL_DEPTH_TEST);
+    glDepthFunc(GL_LEQUAL);
+    glDepthMask(GL_TRUE);
+    glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
+    glEnable(GL_BLEND);
+    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    glEnable(GL_ALPHA_TEST);  // what is wholly clear leaves no depth behind
+    glAlphaFunc(GL_GREATER, 0);
+    glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
+    glPixelStorei(GL_UNPACK_SKIP_ROWS, 0);
+    glPixelStorei(GL_UNPACK_SKIP_PIXELS, 0);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
+    const GLfloat grey = look == Look::Black ? 0 : 1;
+    glColor4f(grey, grey, grey, 1);
+}
 
 void RenderScene(HostState& state, const FrameBuffer& target, Look look) {
     const Matrix camera = CurrentCameraMatrix(state);

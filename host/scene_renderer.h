@@ -11,6 +11,9 @@ enum class Look { AsItIs, Undrawn, Black, White };
 // Draws all containers into the target, each between its instance's pre and post render.
 void RenderScene(HostState& state, const FrameBuffer& target, Look look);
 
+// Puts OpenGL's state back to what every container starts from, whatever was left before.
+void ResetState(Look look = Look::AsItIs);
+
 // Makes the image's texture anew from its pixels.
 void BuildTexture(ImageObject& image);
 

@@ -8,6 +8,8 @@
 #include <variant>
 #include <vector>
 
+#include "host/film_clock.h"
+
 namespace kel {
 
 // A session: a scene, and what the operator does in it field by field. docs/session.md describes the file.
@@ -54,6 +56,7 @@ struct SessionContainer {
     SessionVector rotation{};  // degrees about x, y, z
     SessionVector scale{1.0, 1.0, 1.0};
     std::string picture;  // path, relative to the session file; empty: none
+    std::string film;     // likewise; a container has a picture or a film
     std::optional<SessionPlugin> plugin;
     std::string place;
 };
@@ -78,13 +81,17 @@ struct ButtonEvent {
     std::string name;
     std::size_t container = 0;
 };
+struct FilmEvent {
+    FilmChange change;          // at least one thing changes
+    std::size_t container = 0;  // index into `containers`; has a film
+};
 struct SaveEvent {
     std::string name;  // the file name of a picture, without a folder
 };
 
 struct SessionEvent {
     std::int64_t field = 0;
-    std::variant<PointerEvent, StrokeEvent, SetEvent, ButtonEvent, SaveEvent> what;
+    std::variant<PointerEvent, StrokeEvent, SetEvent, ButtonEvent, FilmEvent, SaveEvent> what;
     std::string place;
 
     // The field in which the event is over: a stroke's release, otherwise the event's own field.

@@ -11,10 +11,11 @@
 namespace kel {
 namespace {
 
-constexpr double farthest = 1e6;                  // scene units
-constexpr double farthestPixel = 100'000;         // the pointer may leave the window, within reason
-constexpr std::int64_t longest = 1'000'000;       // fields
-constexpr double secondsAfterTheLastEvent = 2.0;  // for what a module finishes some time after the pointer's release
+constexpr double farthest = 1e6;                   // scene units
+constexpr double farthestPixel = 100'000;          // the pointer may leave the window, within reason
+constexpr std::int64_t longest = 1'000'000;        // fields
+constexpr std::int64_t farthestFrame = 9'999'999;  // two days of film
+constexpr double secondsAfterTheLastEvent = 2.0;   // for what a module finishes some time after the pointer's release
 
 template <std::size_t Count>
 std::array<double, Count> Numbers(const SessionNode& node, double limit) {
@@ -84,6 +85,11 @@ constexpr auto containerKeys = std::to_array<SessionKey<SessionContainer>>({
     {"rotation", false, [](const auto& node, auto& container) { container.rotation = Numbers<3>(node, farthest); }},
     {"scale", false, [](const auto& node, auto& container) { container.scale = Numbers<3>(node, farthest); }},
     {"picture", false, [](const auto& node, auto& container) { container.picture = node.Text(); }},
+    {"film", false,
+     [](const auto& node, auto& container) {
+         if (!container.picture.empty()) node.Refuse("the container has a picture already");
+         container.film = node.Text();
+     }},
     {"plugin", false,
      [](const auto& node, auto& container) {
          container.plugin.emplace().place = node.Place();
@@ -100,29 +106,55 @@ struct EventDraft {
     std::optional<std::size_t> container;
 };
 
-// The container that an event is for: the one it names, else the only one that has a plug-in.
+// What an event asks its container to have.
+struct PluginOn {
+    static constexpr const char* name = "plug-in";
+    static bool Has(const SessionContainer& container) { return container.plugin.has_value(); }
+};
+struct FilmOn {
+    static constexpr const char* name = "film";
+    static bool Has(const SessionContainer& container) { return !container.film.empty(); }
+};
+
+// The container that an event is for: the one it names, else the only one that has such a thing.
+template <typename Thing>
 std::size_t AddressedContainer(const SessionNode& node, const EventDraft& draft) {
     if (draft.container) return *draft.container;
-    const auto hasPlugin = [](const SessionContainer& container) { return container.plugin.has_value(); };
-    const auto count = std::count_if(draft.containers.begin(), draft.containers.end(), hasPlugin);
-    if (count == 0) node.Refuse("no container has a plug-in");
-    if (count > 1) node.Refuse("several containers have a plug-in: say which one with \"container\"");
-    const auto only = std::find_if(draft.containers.begin(), draft.containers.end(), hasPlugin);
+    const std::string name = Thing::name;
+    const auto count = std::count_if(draft.containers.begin(), draft.containers.end(), Thing::Has);
+    if (count == 0) node.Refuse("no container has a " + name);
+    if (count > 1) node.Refuse("several containers have a " + name + ": say which one with \"container\"");
+    const auto only = std::find_if(draft.containers.begin(), draft.containers.end(), Thing::Has);
     return static_cast<std::size_t>(only - draft.containers.begin());
 }
 
+template <typename Thing>
 void ReadContainerName(const SessionNode& node, EventDraft& draft) {
     const std::string name = node.Text();
     std::vector<std::string> names;
     for (std::size_t i = 0; i < draft.containers.size(); ++i) {
         const SessionContainer& container = draft.containers[i];
-        if (container.plugin && !container.name.empty()) names.push_back(container.name);
+        if (Thing::Has(container) && !container.name.empty()) names.push_back(container.name);
         if (container.name != name) continue;
-        if (!container.plugin) node.Refuse("the container " + Quoted(name) + " has no plug-in");
+        if (!Thing::Has(container)) node.Refuse("the container " + Quoted(name) + " has no " + Thing::name);
         draft.container = i;
         return;
     }
     node.Refuse("there is no container " + Quoted(name) + NearestHint(name, names));
+}
+
+constexpr auto filmKeys = std::to_array<SessionKey<FilmChange>>({
+    {"frame", false, [](const auto& node, auto& change) { change.frame = node.Integer(0, farthestFrame); }},
+    {"play", false, [](const auto& node, auto& change) { change.play = node.Truth(); }},
+    {"loop", false, [](const auto& node, auto& change) { change.loop = node.Truth(); }},
+});
+
+void ReadFilm(const SessionNode& node, EventDraft& draft) {
+    FilmEvent film;
+    ReadKeys<FilmChange>(node, filmKeys, film.change);
+    if (node.Value().empty()) node.Refuse("changes nothing; it needs one of \"frame\", \"play\", \"loop\"");
+    film.container = AddressedContainer<FilmOn>(node, draft);
+    draft.event.what = film;
 }
 
 template <PointerAction action>
@@ -149,7 +181,8 @@ using EventKey = SessionKey<EventDraft>;
 constexpr EventKey fieldKey = {"field", true, [](const SessionNode& node, EventDraft& draft) {
                                    draft.event.field = node.Integer(0, longest - 1);
                                }};
-constexpr EventKey containerKey = {"container", false, ReadContainerName};
+template <typename Thing>
+constexpr EventKey containerKey = {"container", false, ReadContainerName<Thing>};
 
 constexpr auto pressKeys = std::to_array<EventKey>({fieldKey, {"press", true, ReadPointer<PointerAction::Press>}});
 constexpr auto moveKeys = std::to_array<EventKey>({fieldKey, {"move", true, ReadPointer<PointerAction::Move>}});
@@ -163,20 +196,21 @@ constexpr auto strokeKeys = std::to_array<EventKey>({
 });
 constexpr auto setKeys = std::to_array<EventKey>({
     fieldKey,
-    containerKey,
+    containerKey<PluginOn>,
     {"set", true,
      [](const auto& node, auto& draft) {
-         draft.event.what = SetEvent{Values(node), AddressedContainer(node, draft)};
+         draft.event.what = SetEvent{Values(node), AddressedContainer<PluginOn>(node, draft)};
      }},
 });
 constexpr auto buttonKeys = std::to_array<EventKey>({
     fieldKey,
-    containerKey,
+    containerKey<PluginOn>,
     {"button", true,
      [](const auto& node, auto& draft) {
-         draft.event.what = ButtonEvent{node.Text(), AddressedContainer(node, draft)};
+         draft.event.what = ButtonEvent{node.Text(), AddressedContainer<PluginOn>(node, draft)};
      }},
 });
+constexpr auto filmEventKeys = std::to_array<EventKey>({fieldKey, containerKey<FilmOn>, {"film", true, ReadFilm}});
 constexpr auto saveKeys = std::to_array<EventKey>({fieldKey, {"save", true, ReadSave}});
 
 // What an event does is said by one key, which is the name of the kind.
@@ -191,6 +225,7 @@ constexpr auto eventKinds = std::to_array<EventKind>({
     {"stroke", strokeKeys},
     {"set", setKeys},
     {"button", buttonKeys},
+    {"film", filmEventKeys},
     {"save", saveKeys},
 });
 
@@ -296,8 +331,8 @@ Session ReadSession(const std::filesystem::path& file) { return ParseSession(sha
 
 std::vector<SessionShape> SessionShapes() {
     std::vector<SessionShape> shapes = {Shape("session", sessionKeys), Shape("window", windowKeys),
-                                        Shape("camera", cameraKeys), Shape("container", containerKeys),
-                                        Shape("plugin", pluginKeys)};
+                                        Shape("camera", cameraKeys),   Shape("container", containerKeys),
+                                        Shape("plugin", pluginKeys),   Shape("filmChange", filmKeys)};
     for (const EventKind& kind : eventKinds) shapes.push_back(Shape(kind.action, kind.keys));
     return shapes;
 }

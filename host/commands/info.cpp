@@ -4,6 +4,7 @@
 
 #include "host/commands/commands.h"
 #include "host/host.h"
+#include "host/session_json.h"
 #include "host/session_values.h"
 #include "shared/table.h"
 
@@ -54,14 +55,6 @@ void PrintTables(const Registration& registration) {
         rows.push_back({button.name, button.label, std::to_string(button.action)});
     std::printf("\n");
     PrintTable(rows);
-}
-
-// A value in the JSON type in which a session writes it.
-ordered_json JsonValue(const Parameter& parameter, const ParameterValue& value) {
-    if (parameter.kind == ParameterKind::Bool) return std::get<std::int32_t>(value) != 0;
-    if (parameter.kind == ParameterKind::Int) return std::get<std::int32_t>(value);
-    if (parameter.kind == ParameterKind::Float) return std::get<float>(value);
-    return SessionText(parameter, value);
 }
 
 ordered_json JsonParameter(const Parameter& parameter) {

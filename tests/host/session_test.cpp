@@ -44,7 +44,7 @@ TEST_CASE("A complete session comes out as it was written") {
     CHECK_EQ(session.fields, 40);
     CHECK_EQ(session.camera.position, SessionVector{0, 0, 100});
     CHECK_EQ(session.camera.fieldOfView, 40.0);
-    REQUIRE_EQ(session.containers.size(), 2);
+    REQUIRE_EQ(session.containers.size(), 3);
     CHECK_FALSE(session.containers[0].plugin.has_value());
     const SessionContainer& front = session.containers[1];
     CHECK_EQ(front.name, "front");
@@ -56,7 +56,8 @@ TEST_CASE("A complete session comes out as it was written") {
     REQUIRE(front.plugin.has_value());
     CHECK_EQ(front.plugin->module, "other.qop");
     REQUIRE_EQ(front.plugin->parameters.size(), 4);
-    REQUIRE_EQ(session.events.size(), 7);
+    CHECK_EQ(session.containers[2].film, "match.mp4");
+    REQUIRE_EQ(session.events.size(), 8);
     CHECK_EQ(std::get<PointerEvent>(session.events[0].what).at.x, 10.0);
     const auto& stroke = std::get<StrokeEvent>(session.events[3].what);
     CHECK_EQ(stroke.path.size(), 3);
@@ -65,6 +66,24 @@ TEST_CASE("A complete session comes out as it was written") {
     CHECK_EQ(std::get<SetEvent>(session.events[4].what).container, 1);
     CHECK_EQ(std::get<ButtonEvent>(session.events[5].what).name, "Clear");
     CHECK_EQ(std::get<SaveEvent>(session.events[6].what).name, "eight.png");
+    const auto& film = std::get<FilmEvent>(session.events[7].what);
+    CHECK_EQ(film.container, 2);
+    CHECK_EQ(film.change.frame, 12);
+    CHECK_EQ(film.change.play, true);
+    CHECK_EQ(film.change.loop, false);
+}
+
+TEST_CASE("A container shows a picture or a film, and a film's event needs one") {
+    CHECK_EQ(RefusalWith("/containers/1/film", "f.mp4"),
+             "s.json: /containers/1/film: the container has a picture already");
+    CHECK_EQ(RefusalWith("/events/7/container", "front"),
+             "s.json: /events/7/container: the container \"front\" has no film");
+    CHECK_EQ(RefusalWith("/events/7/container", "scren"),
+             "s.json: /events/7/container: there is no container \"scren\"; did you mean \"screen\"?");
+    CHECK_EQ(RefusalWith("/events/7/film", json::object()),
+             "s.json: /events/7/film: changes nothing; it needs one of \"frame\", \"play\", \"loop\"");
+    CHECK_EQ(RefusalWith("/events/7/film/frame", -1),
+             "s.json: /events/7/film/frame: must be a whole number from 0 to 9999999, not -1");
 }
 
 TEST_CASE("Only window, camera and containers must be there") {
@@ -131,7 +150,7 @@ TEST_CASE("A missing key is refused at the object that lacks it") {
     CHECK_EQ(RefusalWithout("/events/3", "fields"), "s.json: /events/3: \"fields\" is missing");
     CHECK_EQ(RefusalWithout("/events/0", "press"),
              "s.json: /events/0: the event does nothing; it needs one of \"press\", \"move\", \"release\", \"stroke\", "
-             "\"set\", \"button\", \"save\"");
+             "\"set\", \"button\", \"film\", \"save\"");
 }
 
 TEST_CASE("A value of the wrong type or beyond its limits is refused with what was wanted") {

@@ -18,7 +18,8 @@ inline nlohmann::json CompleteSession() {
             {"name": "back", "size": [100, 80]},
             {"name": "front", "size": [50, 40], "position": [1, 2, 3], "rotation": [10, 20, 30], "scale": [1, 2, 1],
              "picture": "front.png",
-             "plugin": {"module": "other.qop", "parameters": {"On": true, "Width": 5, "Share": 0.5, "Color": "#102030"}}}
+             "plugin": {"module": "other.qop", "parameters": {"On": true, "Width": 5, "Share": 0.5, "Color": "#102030"}}},
+            {"name": "screen", "size": [30, 20], "film": "match.mp4"}
         ],
         "events": [
             {"field": 1, "press": [10, 20]},
@@ -27,7 +28,8 @@ inline nlohmann::json CompleteSession() {
             {"field": 5, "fields": 4, "curve": true, "stroke": [[1, 2], [3.5, 4], [5, 6]]},
             {"field": 6, "container": "front", "set": {"Width": 7}},
             {"field": 7, "container": "front", "button": "Clear"},
-            {"field": 8, "save": "eight.png"}
+            {"field": 8, "save": "eight.png"},
+            {"field": 9, "container": "screen", "film": {"frame": 12, "play": true, "loop": false}}
         ],
         "fields": 40
     })");

@@ -88,6 +88,7 @@ private:
         if (keyword == "minItems") return !value.is_array() || value.size() >= wanted;
         if (keyword == "maxItems") return !value.is_array() || value.size() <= wanted;
         if (keyword == "maxProperties") return !value.is_object() || value.size() <= wanted;
+        if (keyword == "minProperties") return !value.is_object() || value.size() >= wanted.get<std::size_t>();
         if (keyword == "minLength") return !value.is_string() || value.get<std::string>().size() >= wanted;
         if (keyword == "pattern") return !value.is_string() || Matches(wanted, value);
         if (keyword == "prefixItems") return !value.is_array() || AcceptsElements(schema, value);
