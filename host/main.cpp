@@ -6,5 +6,8 @@ int main(int argc, char** argv) {
     program.require_subcommand(1);
     kel::AddInfoCommand(program);
     kel::AddPlayCommand(program);
+#ifdef KEL_WITH_WINDOW
+    kel::AddWindowCommand(program);
+#endif
     return shared::RunProgram(program, argc, argv);
 }

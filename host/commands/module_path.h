@@ -8,4 +8,7 @@ namespace kel {
 // neither place, the first of them, so that loading it tells what is missing.
 [[nodiscard]] std::filesystem::path FindModule();
 
+// Likewise the pitch that is drawn on when nothing else is named.
+[[nodiscard]] std::filesystem::path FindExampleScene();
+
 }  // namespace kel

@@ -1,0 +1,131 @@
+#include "host/window/desk_scene.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <numbers>
+
+#include "host/error.h"
+#include "host/film/film_reader.h"
+#include "host/session_json.h"
+#include "host/session_values.h"
+#include "host/window/desk_layout.h"
+#include "shared/file_bytes.h"
+
+namespace kel {
+namespace {
+
+using nlohmann::ordered_json;
+namespace fs = std::filesystem;
+
+constexpr double fieldOfView = 40;
+constexpr double usualFieldsPerSecond = 50;
+constexpr double usualSide = 1280;  // pixels: small pictures are enlarged to it, where there is room
+
+// How much nearer to the camera than the picture the pane stands. It is smaller by as much, so that both meet the same
+// pixels.
+constexpr double paneNearness = 0.001;
+
+// What is drawn on.
+struct Backdrop {
+    std::string key;  // of a container: "picture" or "film"
+    WindowSize size;
+    double fieldsPerSecond = usualFieldsPerSecond;
+};
+
+enum class FileKind { Picture, Film, Session };
+
+FileKind KindOf(const fs::path& file) {
+    std::error_code failure;
+    if (fs::is_directory(file, failure)) throw Error(file.string(), {}, "is a folder");
+    std::array<char, 64> bytes{};
+    errno = 0;
+    std::ifstream stream(file, std::ios::binary);
+    if (!stream) throw Error(file.string(), {}, "cannot be read: " + std::generic_category().message(errno));
+    stream.read(bytes.data(), bytes.size());
+    const std::string_view start(bytes.data(), static_cast<std::size_t>(stream.gcount()));
+    if (start.starts_with("\x89PNG") || start.starts_with("\xFF\xD8\xFF")) return FileKind::Picture;
+    const std::size_t letter = start.find_first_not_of(" \t\r\n");
+    const bool isObject = letter != std::string_view::npos && start[letter] == '{';
+    return isObject || file.extension() == ".json" ? FileKind::Session : FileKind::Film;
+}
+
+// A film's frames change with a field, every time: its rate is taken as often as comes nearest to the usual one.
+double FieldsPerSecondFor(double framesPerSecond) {
+    return std::clamp(framesPerSecond * std::max(1.0, std::round(usualFieldsPerSecond / framesPerSecond)), 1.0, 1000.0);
+}
+
+Backdrop PictureBackdrop(const fs::path& file) {
+    const Picture picture = ReadPicture(file);
+    return {"picture", {picture.width, picture.height}};
+}
+
+Backdrop FilmBackdrop(const fs::path& file) {
+    const FilmReader film(file);
+    return {"film", {film.Width(), film.Height()}, FieldsPerSecondFor(film.FramesPerSecond())};
+}
+
+// Of the desk's values for the pen those that the module takes.
+ordered_json PenValues(const Registration& module) {
+    ordered_json values = ordered_json::object();
+    for (const SessionValue& value : TheDeskLayout().pen) {
+        const Parameter* parameter = module.FindParameter(value.name);
+        if (parameter == nullptr) continue;
+        try {
+            values[value.name] = JsonValue(*parameter, ToParameterValue(Session{}, value, *parameter));
+        } catch (const Error&) {
+            continue;  // another module's parameter of the same name
+        }
+    }
+    return values;
+}
+
+ordered_json SceneAround(const fs::path& file, const Backdrop& backdrop, const Registration& module,
+                         WindowSize largest) {
+    const auto [width, height] = backdrop.size;
+    const double side = std::max(width, height);
+    const double distance = height / 2.0 / std::tan(fieldOfView / 2 / 180 * std::numbers::pi);
+    const WindowSize window = WindowFor(backdrop.size, largest);
+    const double paneScale = 1 - paneNearness;
+    return {{"window", {{"width", window.width}, {"height", window.height}}},
+            {"fieldsPerSecond", backdrop.fieldsPerSecond},
+            {"camera", {{"position", {0, 0, distance}}, {"target", {0, 0, 0}}, {"fieldOfView", fieldOfView}}},
+            {"containers",
+             {{{"name", backdrop.key}, {"size", {width, height}}, {backdrop.key, fs::absolute(file).string()}},
+              {{"name", "pane"},
+               {"size", {side, side}},
+               {"position", {0, 0, distance * paneNearness}},
+               {"scale", {paneScale, paneScale, 1}},
+               {"plugin", {{"parameters", PenValues(module)}}}}}}};
+}
+
+}  // namespace
+
+WindowSize WindowFor(WindowSize picture, WindowSize largest) {
+    const double width = picture.width;
+    const double height = picture.height;
+    const double enlarged = std::max(1.0, usualSide / std::max(width, height));
+    const double scale = std::min({enlarged, largest.width / width, largest.height / height});
+    const auto side = [&](double length) { return std::max(1, static_cast<int>(std::lround(length * scale))); };
+    return {side(width), side(height)};
+}
+
+DeskScene OpenDeskScene(const fs::path& file, const Registration& module, WindowSize largest) {
+    DeskScene scene;
+    const FileKind kind = KindOf(file);
+    if (kind == FileKind::Session) {
+        scene.session = ReadSession(file);
+        const auto bytes = shared::ReadFileBytes(file);
+        scene.text.assign(bytes.begin(), bytes.end());
+        return scene;
+    }
+    const Backdrop backdrop = kind == FileKind::Picture ? PictureBackdrop(file) : FilmBackdrop(file);
+    scene.text =
+        SceneAround(file, backdrop, module, largest).dump(2, ' ', false, ordered_json::error_handler_t::replace);
+    scene.session = ParseSession(scene.text, file);
+    return scene;
+}
+
+}  // namespace kel
