@@ -38,8 +38,9 @@ void ShowHelpPage(const FittedKeys& keys, const PictureArea& area) {
             }
         ImGui::EndTable();
     }
+    ImGui::PopStyleVar();
     ImGui::End();
-    ImGui::PopStyleVar(3);
+    ImGui::PopStyleVar(2);
 }
 
 }  // namespace kel

@@ -6,7 +6,7 @@ namespace kel {
 void StylePanel();
 
 // Pixels that the panel takes at the right and the status line at the bottom.
-constexpr int panelWidth = 340;
+constexpr int panelWidth = 360;
 constexpr int statusHeight = 32;
 
 }  // namespace kel

@@ -13,8 +13,8 @@
 namespace kel {
 namespace {
 
-constexpr float labelWidth = 150;  // pixels
-constexpr float typedWidth = 54;   // pixels: four digits
+constexpr float labelWidth = 146;  // pixels
+constexpr float typedWidth = 50;   // pixels: four digits
 
 // The label at the left; what follows stands beside it.
 void Label(const Parameter& parameter) {
@@ -43,7 +43,7 @@ std::optional<ParameterValue> Choice(const Parameter& parameter, std::int32_t va
         ImGui::PopID();
         const float room = ImGui::GetContentRegionMax().x - ImGui::GetItemRectMax().x + ImGui::GetWindowPos().x;
         const bool isLast = i + 1 == parameter.options.size();
-        if (!isLast && ImGui::CalcTextSize(parameter.options[i + 1].c_str()).x + 48 < room) ImGui::SameLine();
+        if (!isLast && ImGui::CalcTextSize(parameter.options[i + 1].c_str()).x + 44 < room) ImGui::SameLine();
     }
     return chosen;
 }
