@@ -35,6 +35,7 @@ public:
 private:
     void FitTheKeys(KeyFit fit);
     void Open(const std::filesystem::path& file);
+    void StartPacing() { m_pacer = FieldPacer(m_desk->FieldsPerSecond(), Clock::now()); }
     [[nodiscard]] WindowSize Free() const;
 
     void TakeEvents();
@@ -56,7 +57,7 @@ private:
     std::unique_ptr<Desk> m_desk;
     const Registration* m_fitted = nullptr;
     FittedKeys m_keys;
-    FieldPacer m_pacer{50, Clock::now()};
+    FieldPacer m_pacer{50, Clock::now()};  // the scene's own rate once it runs
     PictureArea m_area;
     Panel m_panel;
     StatusLine m_status;
@@ -96,7 +97,7 @@ void DeskWindow::Open(const std::filesystem::path& file) {
     ++m_opened;
     m_panel = {};
     m_isDrawing = false;
-    m_pacer = FieldPacer(m_desk->FieldsPerSecond(), Clock::now());
+    StartPacing();
     FitTheKeys(KeyFit::WhatFits);
     m_window.SetTitle(m_desk->File().filename().string() + " - kel");
 }
@@ -269,11 +270,12 @@ void DeskWindow::ShowFrame() {
 
 void DeskWindow::Run() {
     constexpr auto sessionShare = std::chrono::milliseconds(30);  // between two looks at the window's events
+    StartPacing();
     while (!m_isOver) {
         TakeEvents();
         if (m_desk->IsPlayingSession()) {
             m_desk->PlaySession(sessionShare);
-            m_pacer = FieldPacer(m_desk->FieldsPerSecond(), Clock::now());
+            StartPacing();
             ShowFrame();
             continue;
         }
