@@ -258,7 +258,7 @@ TEST_CASE("All examples play") {
         const auto overlay = desk.Open("overlay.png").rgba;
         std::size_t painted = 0;
         for (std::size_t i = 3; i < overlay.size(); i += 4) painted += overlay[i] > 127 ? 1 : 0;
-        CHECK_GT(painted, 1000);
+        CHECK_EQ(painted > 1000, session.contains("events"));  // one of them is there to be drawn on
     }
 }
 
