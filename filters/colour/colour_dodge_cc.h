@@ -33,13 +33,18 @@ public:
     template <typename F>
     void Row(std::span<typename F::Channel> pixels) const {
         const auto luma = [](auto blue, auto green, auto red) { return LumaOf<F>(red, green, blue) & F::fullScale; };
+        const std::uint16_t* const blueTable = m_tables[0].data();
+        const std::uint16_t* const greenTable = m_tables[1].data();
+        const std::uint16_t* const redTable = m_tables[2].data();
         constexpr std::size_t block = 256;
         std::array<typename F::Channel, 4 * block> wanted{};
         for (; pixels.size() >= 4; pixels = pixels.subspan(std::min(4 * block, pixels.size()))) {
             const auto part = pixels.first(std::min(4 * block, pixels.size()));
-            for (std::size_t i = 0; i + 3 < part.size(); i += 4)
-                for (std::size_t c = 0; c < 3; ++c)
-                    wanted[i + c] = static_cast<typename F::Channel>(m_tables[c][part[i + c] & F::fullScale]);
+            for (std::size_t i = 0; i + 3 < part.size(); i += 4) {
+                wanted[i] = static_cast<typename F::Channel>(blueTable[part[i] & F::fullScale]);
+                wanted[i + 1] = static_cast<typename F::Channel>(greenTable[part[i + 1] & F::fullScale]);
+                wanted[i + 2] = static_cast<typename F::Channel>(redTable[part[i + 2] & F::fullScale]);
+            }
             const auto* at = wanted.data();
             ForEachColour<F>(part, m_scales.data(), luma, [&at](auto& blue, auto& green, auto& red, auto&, auto found) {
                 const auto to = detail::PixelWords<F>::Load(at);
