@@ -39,7 +39,9 @@ void KelWindow::Start(const std::vector<std::string>& arguments) {
     if (m_program != 0) return;
     setenv("DISPLAY", display.Name().c_str(), 1);
     setenv("SDL_VIDEODRIVER", "x11", 1);
-    setenv("SDL_AUDIODRIVER", "dummy", 1);
+    // The desktop's libraries unload their drivers before the end, which leaves leaks without a name to know them by;
+    // the desk's own memory is watched in its tests without a window.
+    setenv("ASAN_OPTIONS", "detect_leaks=0", 1);
     const int file = open(complaints.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
     dup2(file, STDERR_FILENO);
     if (chdir(home.c_str()) == 0) execv(line[0], line.data());
