@@ -65,6 +65,8 @@ function(chalkpane_test name)
   if(CHALKPANE_SANITIZE)
     target_precompile_headers(${name}_test PRIVATE <doctest/doctest.h> <algorithm> <array> <cmath> <memory> <random>
                                                    <string> <vector>)
+    # It has to say what it wants of doctest before it reads it.
+    set_source_files_properties(${PROJECT_SOURCE_DIR}/tests/test_main.cpp PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
   endif()
   add_test(NAME ${name} COMMAND ${name}_test ${arg_ARGUMENTS})
   set_tests_properties(${name} PROPERTIES TIMEOUT 1500)
