@@ -5,6 +5,8 @@
 #include <imgui.h>
 
 #include <thread>
+#include <utility>
+#include <vector>
 
 #include "host/error.h"
 #include "host/gl.h"
@@ -61,6 +63,7 @@ private:
     PictureArea m_area;
     Panel m_panel;
     StatusLine m_status;
+    std::vector<SDL_Event> m_keysUp;
     int m_opened = 1;
     bool m_isDrawing = false;  // the pointer was pressed on the picture
     bool m_hasPanel = true;
@@ -111,7 +114,11 @@ WindowSize DeskWindow::Free() const {
 void DeskWindow::TakeEvents() {
     SDL_Event event;
     while (SDL_PollEvent(&event) != 0) {
-        ImGui_ImplSDL2_ProcessEvent(&event);
+        // The panel looks at keys once a frame: one that is up again by then is held down for it until it has looked.
+        if (event.type == SDL_KEYUP)
+            m_keysUp.push_back(event);
+        else
+            ImGui_ImplSDL2_ProcessEvent(&event);
         TakeEvent(event);
     }
 }
@@ -266,6 +273,7 @@ void DeskWindow::ShowFrame() {
     m_window.BeginFrame();
     ShowPanel();
     m_window.EndFrame();
+    for (const SDL_Event& event : std::exchange(m_keysUp, {})) ImGui_ImplSDL2_ProcessEvent(&event);
 }
 
 void DeskWindow::Run() {

@@ -66,9 +66,9 @@ public:
     }
     // The window has come to know a key by then.
     void SetByKey(const std::string& key, const std::string& parameter) {
-        const std::int64_t before = SettingsOf(parameter);
+        const std::size_t before = ValuesSet(parameter).size();
         display.TypeKey(key);
-        WaitUntil(key + " sets " + parameter, [&] { return SettingsOf(parameter) > before; });
+        WaitUntil(key + " sets " + parameter, [&] { return ValuesSet(parameter).size() > before; });
     }
     // How many fields have passed since that happened last.
     void WaitForFields(const std::string& since, std::int64_t fields) {
@@ -77,6 +77,18 @@ public:
             return field >= 0 && Recorded("run.json")["fields"].get<std::int64_t>() >= field + fields;
         });
     }
+    // Long enough for the window to have taken what was done to it.
+    void WaitForSomeFields() {
+        const auto now = Recorded("run.json")["fields"].get<std::int64_t>();
+        WaitUntil("some fields pass", [&] { return Recorded("run.json")["fields"].get<std::int64_t>() > now + 40; });
+    }
+    [[nodiscard]] nlohmann::json ValuesSet(const std::string& parameter) const {
+        auto values = nlohmann::json::array();
+        const nlohmann::json session = Recorded("run.json");
+        for (const auto& event : session["events"])
+            if (event.contains("set") && event["set"].contains(parameter)) values.push_back(event["set"][parameter]);
+        return values;
+    }
     [[nodiscard]] Picture SaveOverlay(const std::string& name) {
         display.TypeKey("o");
         WaitUntil("the overlay is saved", [&] { return std::filesystem::exists(folder / name); });
@@ -84,15 +96,6 @@ public:
     }
 
     PictureArea area;
-
-private:
-    [[nodiscard]] std::int64_t SettingsOf(const std::string& parameter) const {
-        std::int64_t count = 0;
-        const nlohmann::json session = Recorded("run.json");
-        for (const auto& event : session["events"])
-            if (event.contains("set") && event["set"].contains(parameter)) ++count;
-        return count;
-    }
 };
 
 // As a hand draws it: not quite round. Radii are pixels of the screen.
@@ -211,6 +214,26 @@ TEST_CASE("A window that is closed has recorded all, keys and panel away and the
     CHECK_GE(window.FieldOf("run.json", "button"), 0);
     const nlohmann::json session = window.Recorded("run.json");
     CHECK_EQ(session["fields"].get<std::int64_t>() > window.FieldOf("run.json", "button"), true);
+}
+
+TEST_CASE("A value typed into the panel is taken within its limits and not beyond them") {
+    PaperWindow window;
+    const auto place = window.display.FindWindow("paper.png - kel");
+    // The field of the third row of the first group, the brush's width.
+    const auto type = [&](const std::string& text) {
+        window.display.MovePointer(place->x + place->width - 46, place->y + 222);
+        window.display.PressButton(true);
+        window.display.PressButton(false);
+        window.WaitForSomeFields();
+        window.display.TypeText(text);
+        window.display.TypeKey("Return");
+        window.WaitForSomeFields();
+    };
+    type("31");
+    CHECK_EQ(window.ValuesSet("BrushWidth"), nlohmann::json::array());
+    type("7");
+    CHECK_EQ(window.ValuesSet("BrushWidth"), nlohmann::json::array({7}));
+    CHECK_EQ(window.ValuesSet("BrushColor"), nlohmann::json::array());  // the digits were no keys
 }
 
 TEST_CASE("A film plays in the window, and a frozen frame stays drawable") {
