@@ -242,9 +242,9 @@ void DeskWindow::ShowPicture() {
 
 void DeskWindow::ShowSessionProgress() {
     if (!m_desk->IsPlayingSession()) return;
-    ImGui::SetNextWindowPos(
-        {static_cast<float>(m_area.x + m_area.width / 2), static_cast<float>(m_area.y + m_area.height / 2)},
-        ImGuiCond_Always, {0.5F, 0.5F});
+    ImGui::SetNextWindowPos({static_cast<float>(m_area.x) + static_cast<float>(m_area.width) / 2,
+                             static_cast<float>(m_area.y) + static_cast<float>(m_area.height) / 2},
+                            ImGuiCond_Always, {0.5F, 0.5F});
     ImGui::SetNextWindowSize({320, 0});
     ImGui::Begin("progress", nullptr, ImGuiWindowFlags_NoDecoration | ImGuiWindowFlags_NoInputs);
     ImGui::TextUnformatted("Playing the session");
