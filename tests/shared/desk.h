@@ -22,7 +22,9 @@ struct Ended {
 // A folder of files, and a program that is run there as an operator runs it.
 class Desk {
 public:
-    explicit Desk(std::string program) : m_program(std::move(program)) {}
+    // environment: variables that the program is to see, such as "LANG=C"
+    explicit Desk(std::string program, std::string environment = "")
+        : m_program(std::move(program)), m_environment(std::move(environment)) {}
 
     void Write(const std::string& name, const std::string& text) const { WriteText(m_folder / name, text); }
 
@@ -32,8 +34,8 @@ public:
     [[nodiscard]] Ended Run(const std::string& arguments, const std::string& program,
                             const std::string& before = "") const {
         const TemporaryFolder results;
-        const std::string command = "cd '" + m_folder.Path().string() + "' && " + before + " '" + program + "' " +
-                                    arguments + " >'" + (results / "out").string() + "' 2>'" +
+        const std::string command = "cd '" + m_folder.Path().string() + "' && " + before + " " + m_environment + " '" +
+                                    program + "' " + arguments + " >'" + (results / "out").string() + "' 2>'" +
                                     (results / "err").string() + "'";
         const int status = std::system(command.c_str());
         return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadText(results / "out"), ReadText(results / "err")};
@@ -46,6 +48,7 @@ public:
 
 private:
     std::string m_program;
+    std::string m_environment;
     TemporaryFolder m_folder;
 };
 
