@@ -1,5 +1,7 @@
 #include "image/image.h"
 
+#include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <new>
@@ -33,16 +35,19 @@ Rect Addressable(const Rect& rect, std::int32_t type, std::int32_t depth) {
 // Beyond this an image is a mistake in its size, and asking the machine for it would only bring that down.
 constexpr std::size_t maximumBytes = std::numeric_limits<std::int32_t>::max();
 
+// The system hands out large blocks zeroed, page by page as they are first touched. So whoever fills the image pays for
+// its pages, several workers at once, and nobody writes zeros that are written over.
 ImageBuffer* NewBuffer(std::size_t bytes) {
     if (bytes > maximumBytes) throw std::bad_alloc();
     auto created = std::make_unique<ImageBuffer>();
-    created->pixels = new std::byte[bytes]();
+    created->pixels = static_cast<std::byte*>(std::calloc(std::max<std::size_t>(bytes, 1), 1));
+    if (created->pixels == nullptr) throw std::bad_alloc();
     return created.release();
 }
 
 void Dismiss(ImageBuffer* buffer) {
     if (--buffer->references > 0) return;
-    delete[] buffer->pixels;
+    std::free(buffer->pixels);
     delete buffer;
 }
 

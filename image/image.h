@@ -38,7 +38,7 @@ public:
 // Pixel storage shared by one or more images.
 struct ImageBuffer {
     std::int32_t references = 1;
-    std::byte* pixels = nullptr;  // owned
+    std::byte* pixels = nullptr;  // owned, from std::calloc
     void* bitmap = nullptr;       // the platform's bitmap object; there is none here, the pixels are all there is
 };
 

@@ -1,5 +1,6 @@
 #include "paint/over_row.h"
 
+#include "paint/even_coverage.h"
 #include "paint/vector_choice.h"
 
 #if defined(__x86_64__)
@@ -79,28 +80,13 @@ std::uint64_t LastBytes(const std::uint8_t* bytes, std::ptrdiff_t count, std::pt
     const __m128i m = _mm_cvtsi64_si128(static_cast<long long>(LastBytes(mask, count, rest)));
     _mm256_maskstore_epi32(d, lanes, OverEight(_mm256_maskload_epi32(d, lanes), _mm256_maskload_epi32(s, lanes), m, p));
 }
-
-namespace {
-
-// The same coverage everywhere: a short piece of mask does for all of the row.
-void OverRow8Even(std::uint8_t* target, const std::uint8_t* source, std::uint8_t mask, std::ptrdiff_t count,
-                  std::int32_t opacity) {
-    std::array<std::uint8_t, 128> piece;
-    piece.fill(mask);
-    constexpr auto length = static_cast<std::ptrdiff_t>(piece.size());
-    for (; count > length; count -= length, target += 4 * length, source += 4 * length)
-        OverRow8Avx2(target, source, piece.data(), length, opacity);
-    OverRow8Avx2(target, source, piece.data(), count, opacity);
-}
-
-}  // namespace
 #endif
 
 void OverRow8(std::uint8_t* target, const std::uint8_t* source, const std::uint8_t* mask, std::ptrdiff_t maskStep,
               std::ptrdiff_t count, std::int32_t opacity) {
 #if defined(__x86_64__)
     if (maskStep == 1 && HasAvx2()) return OverRow8Avx2(target, source, mask, count, opacity);
-    if (maskStep == 0 && HasAvx2()) return OverRow8Even(target, source, *mask, count, opacity);
+    if (maskStep == 0 && HasAvx2()) return RunWithEvenCoverage<OverRow8Avx2>(target, source, *mask, count, opacity);
 #endif
     OverRow8Plain(target, source, mask, maskStep, count, opacity);
 }

@@ -1,6 +1,7 @@
 #include "paint/over_row14.h"
 
 #include "image/pixel_format.h"
+#include "paint/even_coverage.h"
 #include "paint/vector_choice.h"
 
 #if defined(__x86_64__)
@@ -95,28 +96,13 @@ constexpr std::ptrdiff_t pixelsAtOnce = 8;
     OverEight(restOfTarget.data(), restOfSource.data(), restOfMask.data(), p);
     std::memcpy(target + 4 * x, restOfTarget.data(), bytes);
 }
-
-namespace {
-
-// The same coverage everywhere: a short piece of mask does for all of the row.
-void OverRow14Even(std::uint16_t* target, const std::uint16_t* source, std::uint16_t mask, std::ptrdiff_t count,
-                   std::int32_t opacity) {
-    std::array<std::uint16_t, 128> piece;
-    piece.fill(mask);
-    constexpr auto length = static_cast<std::ptrdiff_t>(piece.size());
-    for (; count > length; count -= length, target += 4 * length, source += 4 * length)
-        OverRow14Avx2(target, source, piece.data(), length, opacity);
-    OverRow14Avx2(target, source, piece.data(), count, opacity);
-}
-
-}  // namespace
 #endif
 
 void OverRow14(std::uint16_t* target, const std::uint16_t* source, const std::uint16_t* mask, std::ptrdiff_t maskStep,
                std::ptrdiff_t count, std::int32_t opacity) {
 #if defined(__x86_64__)
     if (maskStep == 1 && HasAvx2()) return OverRow14Avx2(target, source, mask, count, opacity);
-    if (maskStep == 0 && HasAvx2()) return OverRow14Even(target, source, *mask, count, opacity);
+    if (maskStep == 0 && HasAvx2()) return RunWithEvenCoverage<OverRow14Avx2>(target, source, *mask, count, opacity);
 #endif
     OverRow14Plain(target, source, mask, maskStep, count, opacity);
 }

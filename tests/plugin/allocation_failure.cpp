@@ -11,11 +11,14 @@ thread_local std::int64_t allocationCount = 0;
 thread_local std::int64_t failingNumber = AllocationFailure::never;
 thread_local bool failed = false;
 
+bool FailsNow() {
+    if (!counting || allocationCount++ != failingNumber) return false;
+    failed = true;
+    return true;
+}
+
 void* Allocate(std::size_t bytes, std::size_t alignment) {
-    if (counting && allocationCount++ == failingNumber) {
-        failed = true;
-        return nullptr;
-    }
+    if (FailsNow()) return nullptr;
     if (bytes == 0) bytes = 1;
     if (alignment <= __STDCPP_DEFAULT_NEW_ALIGNMENT__) return std::malloc(bytes);
     return std::aligned_alloc(alignment, (bytes + alignment - 1) / alignment * alignment);
@@ -43,6 +46,14 @@ std::int64_t AllocationFailure::Count() const { return allocationCount; }
 bool AllocationFailure::HasFailed() const { return failed; }
 
 }  // namespace chalkpane::testing
+
+// Pixels come from calloc, whose calls the linker sends here.
+extern "C" {
+void* __real_calloc(std::size_t count, std::size_t size);   // NOLINT(bugprone-reserved-identifier)
+void* __wrap_calloc(std::size_t count, std::size_t size) {  // NOLINT(bugprone-reserved-identifier)
+    return chalkpane::testing::FailsNow() ? nullptr : __real_calloc(count, size);
+}
+}
 
 using chalkpane::testing::Allocate;
 using chalkpane::testing::AllocateOrThrow;

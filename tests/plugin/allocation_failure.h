@@ -5,7 +5,7 @@
 namespace chalkpane::testing {
 
 // While it lives, counts the allocations of this thread and fails the one of the given number, from 0. The hook stands
-// in the test program's operator new.
+// in the test program's operator new and calloc.
 class AllocationFailure {
 public:
     static constexpr std::int64_t never = -1;
