@@ -88,22 +88,27 @@ TEST_CASE("Every filter survives odd pictures, regions and every setting at its 
     const double notANumber = std::nan("");
     const double huge = 1e30;
     const double negative = -1e30;
-    const std::vector<const double*> settings{nullptr, &notANumber, &huge, &negative};
+    // A number for every setting (null: the end of its range), and with it the options of the low or of the high end.
+    struct Setting {
+        const double* number;
+        bool low;
+    };
+    constexpr bool low = true;
+    const Setting settings[] = {{nullptr, low},      {nullptr, !low}, {&notANumber, low},
+                                {&notANumber, !low}, {&huge, !low},   {&negative, low}};
     for (const Filter* prototype : FilterRegistry::Instance().Filters()) {
         CAPTURE(prototype->Name());
-        for (const double* setting : settings) {
-            for (const bool low : {true, false}) {
-                CAPTURE(setting == nullptr ? 0.0 : *setting);
-                CAPTURE(low);
-                const auto filter = prototype->CreateNew();
-                SetAll(*filter, low, setting);
-                for (const Image& source : OddPictures()) {
-                    const Rect onePixel(source.x0, source.y1, source.x0, source.y1);
-                    const Rect outside(1000, 1000, 1010, 1010);
-                    for (const Rect* region : {static_cast<const Rect*>(nullptr), &onePixel, &outside}) {
-                        const auto result = Run(*filter, source, region, setting == nullptr && low);
-                        CHECK((result || prototype->Label() == "Smart Blur"));
-                    }
+        for (const Setting& setting : settings) {
+            CAPTURE(setting.number == nullptr ? 0.0 : *setting.number);
+            CAPTURE(setting.low);
+            const auto filter = prototype->CreateNew();
+            SetAll(*filter, setting.low, setting.number);
+            for (const Image& source : OddPictures()) {
+                const Rect onePixel(source.x0, source.y1, source.x0, source.y1);
+                const Rect outside(1000, 1000, 1010, 1010);
+                for (const Rect* region : {static_cast<const Rect*>(nullptr), &onePixel, &outside}) {
+                    const auto result = Run(*filter, source, region, setting.number == nullptr && setting.low);
+                    CHECK((result || prototype->Label() == "Smart Blur"));
                 }
             }
         }
