@@ -1,7 +1,13 @@
+#include <cstdlib>
 #include <memory>
+#include <optional>
+#include <system_error>
 
 #include "host/commands/commands.h"
 #include "host/commands/module_path.h"
+#include "host/commands/output_options.h"
+#include "host/commands/play_session.h"
+#include "host/error.h"
 #include "host/window/desk_window.h"
 #include "host/window/embedded_text.h"
 
@@ -14,7 +20,40 @@ struct WindowLine {
     std::string module;
     std::string recording;
     std::string saves = ".";
+    OutputOptions outputs;
 };
+
+// For a recording that nobody asked to keep.
+class ScratchFolder {
+public:
+    ScratchFolder() {
+        std::string name = (std::filesystem::temp_directory_path() / "kel-XXXXXX").string();
+        if (mkdtemp(name.data()) == nullptr) throw Error(name + ": cannot be made");
+        m_path = name;
+    }
+    ~ScratchFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(m_path, ignored);
+    }
+    ScratchFolder(const ScratchFolder&) = delete;
+    ScratchFolder& operator=(const ScratchFolder&) = delete;
+    ScratchFolder(ScratchFolder&&) = delete;
+    ScratchFolder& operator=(ScratchFolder&&) = delete;
+
+    [[nodiscard]] const std::filesystem::path& Path() const { return m_path; }
+
+private:
+    std::filesystem::path m_path;
+};
+
+bool WantOutputs(const OutputOptions& outputs) { return outputs.WantDrawings() || !outputs.out.empty(); }
+
+// Names and endings are refused before a window opens, not when the drawing is over.
+void CheckOutputs(const OutputOptions& outputs) {
+    constexpr WindowSize anySize{64, 64};
+    constexpr double anyRate = 25.0;
+    const Outputs tried(outputs, anySize, anyRate, 0);
+}
 
 void Window(const WindowLine& line) {
     WindowOptions options;
@@ -26,7 +65,16 @@ void Window(const WindowLine& line) {
     options.desk.module = options.desk.isModuleGiven ? std::filesystem::path(line.module) : FindModule();
     options.desk.recording = line.recording;
     options.desk.saves = line.saves;
+    if (!WantOutputs(line.outputs)) {
+        RunDeskWindow(options);
+        return;
+    }
+    CheckOutputs(line.outputs);
+    std::optional<ScratchFolder> scratch;
+    if (line.recording.empty()) options.desk.recording = scratch.emplace().Path() / "recording.json";
     RunDeskWindow(options);
+    // The outputs are made afterwards from the recording, so that writing them slows no field down.
+    PlaySession({options.desk.recording.string(), line.outputs, std::nullopt, line.module});
 }
 
 }  // namespace
@@ -41,6 +89,8 @@ void AddWindowCommand(CLI::App& program) {
     command->add_option("--module", line->module, "The module of plug-ins that name none (default: Chalkpane.qop)")
         ->type_name("MODULE");
     command->add_option("--saves", line->saves, "Where pictures are saved (default: here)")->type_name("FOLDER");
+    AddOutputOptions(*command, line->outputs);
+    command->footer("The outputs are written when the window has been closed.");
     command->callback([line] { Window(*line); });
 }
 

@@ -216,6 +216,25 @@ TEST_CASE("A window that is closed has recorded all, keys and panel away and the
     CHECK_EQ(session["fields"].get<std::int64_t>() > window.FieldOf("run.json", "button"), true);
 }
 
+TEST_CASE("What was drawn leaves as pictures when the window has been closed") {
+    PaperWindow window({"--out", "drawn.png", "--overlay", "strokes.png"});
+    window.SetByKey("3", "BrushColor");
+    window.MoveOnPaper(0.3, 0.5);
+    window.display.PressButton(true);
+    WaitUntil("the press is recorded", [&] { return window.FieldOf("run.json", "press") >= 0; });
+    window.MoveOnPaper(0.7, 0.5);
+    window.display.PressButton(false);
+    WaitUntil("the release is recorded", [&] { return window.FieldOf("run.json", "release") >= 0; });
+    window.WaitForSomeFields();
+    const Picture live = window.SaveOverlay("paper-overlay-001.png");
+    window.display.TypeKey("q", true);
+    CHECK_EQ(window.WaitForEnd(), 0);
+    CHECK_EQ(ReadPicture(window.folder / "strokes.png") == live, true);
+    const Picture drawn = ReadPicture(window.folder / "drawn.png");
+    CHECK_LE(testing::Difference(drawn.At(drawn.width / 2, drawn.height / 2), ink), 60);
+    CHECK_LE(testing::Difference(drawn.At(drawn.width / 2, drawn.height / 4), paper), 2);
+}
+
 TEST_CASE("A value typed into the panel is taken within its limits and not beyond them") {
     PaperWindow window;
     const auto place = window.display.FindWindow("paper.png - kel");
@@ -284,6 +303,8 @@ TEST_CASE("What is wrong with the command line is told in one line before a wind
              "kel: bad.json: /keys/0/desk: the desk has no \"paus\"; did you mean \"pause\"?\n");
     CHECK_EQ(complaint({"gone.png"}), "kel: gone.png: cannot be read: No such file or directory\n");
     CHECK_EQ(complaint({"paper.png", "--record", "nowhere/run.json"}).starts_with("kel: nowhere/run.json: "), true);
+    CHECK_EQ(complaint({"paper.png", "--out", "film.avi"}).starts_with("kel: film.avi: "), true);
+    CHECK_EQ(complaint({"paper.png", "--fill", "fill.mov"}).starts_with("kel: fill.mov: --fill and --key"), true);
 }
 
 }  // namespace kel
