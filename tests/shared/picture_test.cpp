@@ -111,7 +111,7 @@ TEST_CASE("A PNG that cannot hold the pixels it claims is refused before memory 
     const auto file = folder / "hollow.png";
     const auto claim = [&file] {
         std::string bytes = ReadText(file);
-        for (const std::size_t side : {16, 20}) bytes.replace(side, 4, std::string("\0\0\x40\0", 4));
+        for (const std::size_t side : {16U, 20U}) bytes.replace(side, 4, std::string("\0\0\x40\0", 4));
         WriteText(file, bytes);
     };
     WritePicture(Gradient(2, 2), file);
