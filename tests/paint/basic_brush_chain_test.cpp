@@ -94,6 +94,26 @@ TEST_CASE("a stroke runs through all active filters of its chain in order") {
     CHECK(first.m_active);
 }
 
+// The colour (255, 64, 0) inverted is (0, 191, 255), and 7 + 3 pixels are 10: what comes is the stroke of a pen of that
+// colour, moved by 10 with its mask.
+TEST_CASE("a chain of three inverts the stroke, and moves its pixels and its mask twice") {
+    Strokes strokes(0);
+    Append<InvertForTest>(strokes.with);
+    Append<ShiftForTest>(strokes.with).m_distance = 7;
+    Append<ShiftForTest>(strokes.with).m_distance = 3;
+    strokes.Paint();
+    strokes.plain.Clear();
+    strokes.without.SetColour({0, 191 << 6, 16383});
+    strokes.without.BeginStroke(20.5, 20.5, 0.8);
+    strokes.without.ContinueStroke(30, 35, 1);
+    strokes.without.ContinueStroke(44, 31, 0.6);
+    strokes.without.EndStroke(50, 20, 1);
+    CHECK_GT(strokes.plain.GetPixel8(30, 30).alpha, 0);
+    for (std::int32_t y = 0; y < 64; ++y)
+        for (std::int32_t x = 10; x < 96; ++x)
+            REQUIRE_EQ(strokes.filtered.GetPixel8(x, y), strokes.plain.GetPixel8(x - 10, y));
+}
+
 TEST_CASE("a stroke of 14 bits goes through a filter that knows 8 bits alone") {
     Strokes strokes(1);
     auto& shift = Append<ShiftForTest>(strokes.with);
