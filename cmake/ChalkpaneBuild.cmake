@@ -33,35 +33,23 @@ if(CHALKPANE_SANITIZE)
   endif()
 endif()
 
-# A folder of the engine: its sources join the one engine library.
-set_property(GLOBAL PROPERTY CHALKPANE_ENGINE_SOURCES "")
-function(chalkpane_engine_folder)
-  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
-  set_property(GLOBAL APPEND PROPERTY CHALKPANE_ENGINE_SOURCES ${sources})
-endfunction()
-
-# Called once all engine folders have spoken.
-macro(chalkpane_engine)
-  get_property(engine_sources GLOBAL PROPERTY CHALKPANE_ENGINE_SOURCES)
-  add_library(chalkpane_engine STATIC ${engine_sources})
-  add_library(Chalkpane::engine ALIAS chalkpane_engine)
-  set_target_properties(chalkpane_engine PROPERTIES EXPORT_NAME engine)
-  target_link_libraries(chalkpane_engine PRIVATE $<BUILD_INTERFACE:chalkpane_flags> PUBLIC Threads::Threads)
-  target_compile_features(chalkpane_engine PUBLIC cxx_std_20)
-  target_include_directories(chalkpane_engine PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
-                                                     $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/chalkpane>)
-endmacro()
-
 # For what spends its time elsewhere, such as tests and the reading of command lines: it is rather built soon than fast.
 function(chalkpane_build_soon target)
   target_compile_options(${target} PRIVATE $<$<CONFIG:Release>:-O1>)
 endfunction()
 
-# One test program per subsystem: every *_test.cpp of the folder, run by CTest under the folder's name.
-#   chalkpane_test(image LIBRARIES chalkpane_engine [SOURCES more.cpp] [ARGUMENTS for the program])
+# One test program per subsystem: every source of the folder, or of those named below it and its own, run by CTest under
+# the name.
+#   chalkpane_test(image LIBRARIES chalkpane_engine [FOLDERS those] [SOURCES more.cpp] [ARGUMENTS for the program])
 function(chalkpane_test name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LIBRARIES;SOURCES;ARGUMENTS")
-  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LIBRARIES;FOLDERS;SOURCES;ARGUMENTS")
+  if(arg_FOLDERS)
+    list(TRANSFORM arg_FOLDERS PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
+    list(TRANSFORM arg_FOLDERS APPEND /*.cpp)
+    file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp ${arg_FOLDERS})
+  else()
+    file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  endif()
   add_executable(${name}_test ${sources} ${arg_SOURCES} ${PROJECT_SOURCE_DIR}/tests/test_main.cpp)
   target_link_libraries(${name}_test PRIVATE chalkpane_flags ${arg_LIBRARIES} doctest::doctest)
   chalkpane_build_soon(${name}_test)

@@ -1,4 +1,4 @@
-// Films a passage of play from above, and writes it to each file as its ending says:  make_film OUT.mp4 OUT.mkv ...
+// Videos a passage of play from above, and writes it to each file as its ending says:  make_film OUT.mp4 OUT.mkv ...
 //
 // Four seconds, 25 frames each, of 640 by 360: discs in two colours run over a pitch, and a ball among them. The
 // squares in the top left corner count: eight of them, white for one and black for nought, the highest first, say the
@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "examples/sampled_picture.h"
-#include "host/film/film_writer.h"
+#include "kel/video/video_writer.h"
 
 namespace {
 
@@ -78,8 +78,8 @@ Colour WithNumber(const Colour& colour, int column, int row, int frame) {
     return (frame >> (bits - 1 - column / square)) % 2 == 1 ? Colour{255, 255, 255} : Colour{};
 }
 
-shared::Picture Frame(int frame) {
-    shared::Picture picture(width, height);
+picture_io::Picture Frame(int frame) {
+    picture_io::Picture picture(width, height);
     for (int row = 0; row < height; ++row)
         for (int column = 0; column < width; ++column) {
             const Colour scene = WithRunners(GroundAt(column, row), column, row, frame / framesPerSecond);
@@ -98,15 +98,15 @@ int main(int argc, char** argv) {
         return 2;
     }
     try {
-        std::vector<kel::FilmWriter> films;
+        std::vector<kel::VideoWriter> films;
         for (int index = 1; index < argc; ++index)
-            films.emplace_back(argv[index], kel::FilmSettings{width, height, framesPerSecond, false});
+            films.emplace_back(argv[index], kel::VideoSettings{width, height, framesPerSecond, false});
         for (int frame = 0; frame < frames; ++frame) {
-            const shared::Picture picture = Frame(frame);
-            for (kel::FilmWriter& film : films) film.Write(picture);
+            const picture_io::Picture picture = Frame(frame);
+            for (kel::VideoWriter& film : films) film.Write(picture);
         }
-        for (kel::FilmWriter& film : films) film.Close();
-        for (kel::FilmWriter& film : films) film.Commit();
+        for (kel::VideoWriter& film : films) film.Close();
+        for (kel::VideoWriter& film : films) film.Commit();
     } catch (const std::exception& error) {
         std::fprintf(stderr, "make_film: %s\n", error.what());
         return 2;

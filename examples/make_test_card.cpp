@@ -11,7 +11,7 @@
 #include <cstdio>
 #include <exception>
 
-#include "shared/picture.h"
+#include "picture_io/picture.h"
 
 namespace {
 
@@ -56,10 +56,10 @@ Pixel FrontAt(int column, int row) {
 
 template <typename PixelAt>
 void Write(const char* file, int width, int height, PixelAt pixelAt) {
-    shared::Picture picture(width, height);
+    picture_io::Picture picture(width, height);
     for (int row = 0; row < height; ++row)
         for (int column = 0; column < width; ++column) picture.Set(column, row, pixelAt(column, row));
-    shared::WritePicture(picture, file);
+    picture_io::WritePicture(picture, file);
 }
 
 }  // namespace

@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <exception>
 
-#include "shared/picture.h"
+#include "picture_io/picture.h"
 
 // What the programs that draw the examples' pictures share.
 
@@ -48,7 +48,7 @@ inline int WriteSampledPicture(int argc, char** argv, const char* program, int w
         return 2;
     }
     try {
-        shared::Picture picture(width, height);
+        picture_io::Picture picture(width, height);
         for (int row = 0; row < height; ++row) {
             for (int column = 0; column < width; ++column) {
                 const Colour colour = Sampled(colourAt, column, row);
@@ -56,7 +56,7 @@ inline int WriteSampledPicture(int argc, char** argv, const char* program, int w
                 picture.Set(column, row, {byte(colour.red), byte(colour.green), byte(colour.blue), 255});
             }
         }
-        shared::WritePicture(picture, argv[1]);
+        picture_io::WritePicture(picture, argv[1]);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "%s: %s\n", program, error.what());
         return 2;

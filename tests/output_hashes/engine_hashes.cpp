@@ -4,20 +4,21 @@
 #include <cmath>
 #include <memory>
 
-#include "filters/filter_registry.h"
-#include "image/halve_image.h"
-#include "image/mr_image.h"
-#include "image/random.h"
-#include "image/sampling.h"
-#include "image/soft_mask.h"
-#include "paint/blending_modes.h"
-#include "paint/brush_paster.h"
-#include "paint/eraser.h"
-#include "paint/paster.h"
-#include "paint/transformer.h"
+#include "apps/chalkpane/filtering/filter_run.h"
+#include "chalkpane/base/random.h"
+#include "chalkpane/composite/blending_modes.h"
+#include "chalkpane/composite/brush_paster.h"
+#include "chalkpane/composite/eraser.h"
+#include "chalkpane/composite/paster.h"
+#include "chalkpane/filters/filter_registry.h"
+#include "chalkpane/image/halve_image.h"
+#include "chalkpane/image/mr_image.h"
+#include "chalkpane/image/sampling.h"
+#include "chalkpane/image/soft_mask.h"
+#include "chalkpane/image/unpremultiply_row.h"
+#include "chalkpane/transform/transformer.h"
 #include "tests/output_hashes/hash_report.h"
 #include "tests/output_hashes/random_value.h"
-#include "tools/filter_run.h"
 
 namespace chalkpane::hashes {
 namespace {
@@ -59,7 +60,7 @@ void HashFilterRun(Report& report, const std::string& name, const Filter& protot
         std::vector<std::unique_ptr<Filter>> filters;
         filters.push_back(FilterWith(prototype, 2));
         const Image source = Draws(7).Picture({0, 0, 99, 66}, Image::colourType, depth);
-        const auto result = tools::RunFilters(filters, source, {.expand = true, .frame = 2, .time = 0.08});
+        const auto result = app::RunFilters(filters, source, {.expand = true, .frame = 2, .time = 0.08});
         report.Add(name + "/run/" + BitsOf(depth), Hash().Add(result.get()));
     }
 }

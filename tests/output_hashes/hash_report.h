@@ -13,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-#include "image/image.h"
+#include "chalkpane/image/image.h"
 
 namespace chalkpane::hashes {
 

@@ -21,13 +21,13 @@
 #include <filesystem>
 #include <iostream>
 
-#include "filters/multi_processor.h"
-#include "host/host.h"
-#include "host/host_state.h"
-#include "host/player.h"
-#include "plugin/plugin_instance.h"
+#include "apps/chalkpane/filtering/filter_run.h"
+#include "chalkpane/base/multi_processor.h"
+#include "kel/scene/host.h"
+#include "kel/scene/host_state.h"
+#include "kel/session/player.h"
+#include "module/plugin_instance.h"
 #include "tests/output_hashes/hash_report.h"
-#include "tools/filter_run.h"
 
 namespace chalkpane::hashes {
 
@@ -41,7 +41,7 @@ void Report::Print(std::ostream& out) const {
 
 namespace {
 
-Hash HashOf(const kel::Picture& picture) {
+Hash HashOf(const picture_io::Picture& picture) {
     return Hash().Add(picture.width).Add(picture.height).Add(std::span(picture.rgba));
 }
 
@@ -73,7 +73,7 @@ void PlaySession(Report& report, const std::string& name, const kel::Session& se
     kel::Player player(session, host, CHALKPANE_MODULE);
     while (!player.IsOver()) {
         const std::int64_t field = player.NextField();
-        const auto saves = player.PlayField(kel::Player::Picture::NotWanted);
+        const auto saves = player.PlayField(kel::Player::Rendering::NotWanted);
         const std::string place = name + "/field " + Digits(field);
         if (field % std::max<std::int64_t>(session.fields / looks, 1) == 0 || player.IsOver())
             AddCanvases(report, place, *kel::HostState::Current());
@@ -111,7 +111,7 @@ void HashEngine(Report& report, std::int32_t workers) {
 
 int Run(const std::string& only) {
     Report report(only);
-    tools::SettleLattice();  // otherwise the first filter that needs it would draw it from its own seed
+    app::SettleLattice();  // otherwise the first filter that needs it would draw it from its own seed
     for (const std::int32_t workers : {1, 3}) HashEngine(report, workers);
     MultiProcessor::Restart(0);
     HashSessions(report);

@@ -5,22 +5,22 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 
-#include "filters/filter_registry.h"
-#include "image/random.h"
-#include "paint/basic_brush.h"
-#include "parameters/data_set.h"
-#include "parameters/text_scanner.h"
+#include "apps/chalkpane/curves/frame_rate_clock.h"
+#include "apps/chalkpane/presets/preset.h"
+#include "apps/chalkpane/presets/preset_film.h"
+#include "apps/chalkpane/presets/preset_values.h"
+#include "apps/chalkpane/strokes/brush_choices.h"
+#include "apps/chalkpane/strokes/picture_files.h"
+#include "apps/chalkpane/strokes/stroke_painter.h"
+#include "apps/chalkpane/strokes/strokes_file.h"
+#include "apps/chalkpane/values/parameter_text.h"
+#include "chalkpane/base/random.h"
+#include "chalkpane/brush/basic_brush.h"
+#include "chalkpane/filters/filter_registry.h"
+#include "chalkpane/parameters/data_set.h"
+#include "chalkpane/parameters/text/text_scanner.h"
 #include "tests/output_hashes/hash_report.h"
 #include "tests/output_hashes/random_value.h"
-#include "tools/frame_rate_clock.h"
-#include "tools/paint/brush_choices.h"
-#include "tools/paint/picture_files.h"
-#include "tools/paint/stroke_painter.h"
-#include "tools/paint/strokes_file.h"
-#include "tools/parameter_text.h"
-#include "tools/preset.h"
-#include "tools/preset_film.h"
-#include "tools/preset_values.h"
 
 namespace chalkpane::hashes {
 namespace {
@@ -41,11 +41,11 @@ std::vector<path> FilesIn(const path& folder, const std::string& ending) {
 
 enum class Ground { AsDescribed, Noise };
 
-std::unique_ptr<Image> Painted(const tools::StrokesFile& file, std::int32_t depth, Ground ground) {
-    auto canvas = tools::MakeCanvas(file, {}, depth);
+std::unique_ptr<Image> Painted(const app::StrokesFile& file, std::int32_t depth, Ground ground) {
+    auto canvas = app::MakeCanvas(file, {}, depth);
     if (ground == Ground::Noise) Draws(61).Fill(*canvas);
-    tools::PictureFiles pictures(canvas->depth);
-    tools::PaintStrokes(file, *canvas, pictures, {});
+    app::PictureFiles pictures(canvas->depth);
+    app::PaintStrokes(file, *canvas, pictures, {});
     return canvas;
 }
 
@@ -58,7 +58,7 @@ void HashBrush(Report& report, const std::string& name, const json& brush) {
         {"strokes",
          {{{"brush", "brush"}, {"points", {{20, 30, 0.3}, {60, 80, 0.9}, {61, 80}, {90, 20.5}, {160, 60, 0.5}}}},
           {{"brush", "brush"}, {"points", {{5, 100}, {5, 100}, {40, 96, 0.6}, {110, 101, 0.2}}}}}}};
-    const auto file = tools::ParseStrokes(text.dump(), examples / "strokes" / "brush.json");
+    const auto file = app::ParseStrokes(text.dump(), examples / "strokes" / "brush.json");
     for (const std::int32_t depth : bothDepths)
         report.Add(name + "/" + BitsOf(depth), Hash().Add(Painted(file, depth, Ground::Noise).get()));
 }
@@ -101,7 +101,7 @@ void AddRandomSettings(json& brush, int setting) {
 
 json RandomFilter(const Filter& prototype) {
     const auto filter = prototype.CreateNew();
-    const tools::ParameterTexts texts("brush", filter->getParameters());
+    const app::ParameterTexts texts("brush", filter->getParameters());
     json settings = {{"filter", filter->Label()}};
     Draws draws(230);
     for (const ValuePointer& value : *filter->MakeValues(false, nullptr, nullptr)) {
@@ -140,7 +140,7 @@ void HashMaskPlane(Report& report) {
 }
 
 void HashValues(Report& report, std::int32_t type, bool animated) {
-    tools::FrameRateClock clock;
+    app::FrameRateClock clock;
     const ParameterDef definition("Test", "Test", static_cast<ParameterType>(type), 0);
     const ValuePointer value = DataSet::createValue(&definition, animated, &clock);
     if (!value || definition.type == ParameterType::font) return;
@@ -156,10 +156,10 @@ void HashValues(Report& report, std::int32_t type, bool animated) {
     std::string text;
     value->appendText(text);
     Hash hash;
-    hash.Add(text).Add(tools::ExactText(*value).value_or("not finite"));
+    hash.Add(text).Add(app::ExactText(*value).value_or("not finite"));
     TextScanner scanner(text);
     const ValuePointer copy = DataSet::createValue(&definition, animated, &clock);
-    hash.Add(copy->readText(scanner)).Add(tools::ExactText(*copy).value_or("not finite"));
+    hash.Add(copy->readText(scanner)).Add(app::ExactText(*copy).value_or("not finite"));
     for (std::int32_t frame = 0; frame < 100; ++frame) {
         clock.StandAt(frame);
         double x = 0.0, y = 0.0;
@@ -174,7 +174,7 @@ void HashValues(Report& report, std::int32_t type, bool animated) {
 }
 
 void HashFilterTexts(Report& report) {
-    tools::FrameRateClock clock;
+    app::FrameRateClock clock;
     for (const Filter* prototype : FilterRegistry::Instance().Filters())
         for (const bool animated : {false, true}) {
             std::vector<std::unique_ptr<Filter>> filters;
@@ -187,8 +187,8 @@ void HashFilterTexts(Report& report) {
                 for (const ValuePointer& value : *filter.m_values)
                     RandomiseValue(*value, filter.EnumCount(*value->getParameter()), draws);
             }
-            const std::string text = TextOfPreset(tools::ViewOf(filters, "Look"), {});
-            const tools::Preset read = tools::ReadPresetText(text, "look", {}, clock);
+            const std::string text = TextOfPreset(app::ViewOf(filters, "Look"), {});
+            const app::Preset read = app::ReadPresetText(text, "look", {}, clock);
             report.Add("text/filter " + std::string(prototype->Name()) + (animated ? " with keys" : ""),
                        Hash().Add(text).Add(TextOfPreset(ViewOf(read), {})));
         }
@@ -196,16 +196,16 @@ void HashFilterTexts(Report& report) {
 
 void HashPreset(Report& report, const path& file) {
     const std::string name = "preset/" + file.stem().string();
-    tools::FrameRateClock clock;
-    tools::Preset preset = tools::ReadPreset(file, clock);
+    app::FrameRateClock clock;
+    app::Preset preset = app::ReadPreset(file, clock);
     const std::string text = TextOfPreset(ViewOf(preset), {});
     report.Add(name + "/text", Hash().Add(text));
     report.Add(name + "/text again",
-               Hash().Add(TextOfPreset(ViewOf(tools::ReadPresetText(text, "preset", {}, clock)), {})));
-    const bool isBrush = preset.kind == tools::PresetKind::Brush;
+               Hash().Add(TextOfPreset(ViewOf(app::ReadPresetText(text, "preset", {}, clock)), {})));
+    const bool isBrush = preset.kind == app::PresetKind::Brush;
     const path source = isBrush ? examples / "presets" / "chalk_strokes.json" : examples / "test-card.png";
     for (const std::int32_t depth : bothDepths) {
-        const auto film = tools::MakeFilm(tools::ReadPreset(file, clock), {source, file, depth}, clock);
+        const auto film = app::MakeVideo(app::ReadPreset(file, clock), {source, file, depth}, clock);
         for (const std::int32_t frame : {0, 17, 42, 70}) {
             clock.StandAt(frame);
             report.Add(name + "/" + BitsOf(depth) + "/frame " + std::to_string(frame),
@@ -248,7 +248,7 @@ void HashStrokesFiles(Report& report) {
     for (const path& file : FilesIn(examples / "strokes", ".json"))
         for (const std::int32_t depth : bothDepths)
             report.Add("strokes/" + file.stem().string() + "/" + BitsOf(depth),
-                       Hash().Add(Painted(tools::ReadStrokes(file), depth, Ground::AsDescribed).get()));
+                       Hash().Add(Painted(app::ReadStrokes(file), depth, Ground::AsDescribed).get()));
 }
 
 void HashTexts(Report& report) {

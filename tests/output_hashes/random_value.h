@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "parameters/colour_spline.h"
-#include "parameters/data_set.h"
-#include "parameters/key.h"
-#include "parameters/parameter_def.h"
-#include "parameters/shape_point_list.h"
+#include "chalkpane/parameters/animation/colour_spline.h"
+#include "chalkpane/parameters/animation/key.h"
+#include "chalkpane/parameters/data_set.h"
+#include "chalkpane/parameters/parameter_def.h"
+#include "chalkpane/parameters/shape_point_list.h"
 #include "tests/output_hashes/hash_report.h"
 
 namespace chalkpane::hashes {

@@ -9,7 +9,7 @@
 
 #include "tests/reference/effects.h"
 
-// Slow, plain twins of the colour correctors: every pixel by itself, every number worked out where it is needed.
+// Slow, plain references of the colour correctors: every pixel by itself, every number worked out where it is needed.
 namespace reference {
 
 using Bgr = std::array<int, 3>;

@@ -2,10 +2,10 @@
 
 #include <cstdint>
 
-#include "image/sampling.h"
+#include "chalkpane/image/sampling.h"
 #include "tests/reference/neighbourhood.h"
 
-// Plain twins of the distortions: one pixel at a time through a function that says where to read.
+// Plain references of the distortions: one pixel at a time through a function that says where to read.
 namespace reference {
 
 inline void PutSample(Image& result, int x, int y, const Image& source, float sx, float sy, int edgeMode, bool fast) {

@@ -7,10 +7,10 @@
 #include <map>
 #include <vector>
 
-#include "filters/grain_random.h"
+#include "chalkpane/filters/noise/grain_random.h"
 #include "tests/reference/neighbourhood.h"
 
-// Slow, plain twins of the effects: one pixel at a time, everything looked up where it is needed.
+// Slow, plain references of the effects: one pixel at a time, everything looked up where it is needed.
 namespace reference {
 
 inline int CopyOfArea(const Image& source, Image& result) {

@@ -6,10 +6,10 @@
 #include <cstdlib>
 #include <vector>
 
-#include "image/image.h"
+#include "chalkpane/image/image.h"
 
-// Slow, plain twins of the blurs and neighbourhood filters: one channel of one pixel at a time, in the order in which
-// one would say it.
+// Slow, plain references of the blurs and neighbourhood filters: one channel of one pixel at a time, in the order in
+// which one would say it.
 namespace reference {
 
 using chalkpane::Image;

@@ -168,7 +168,7 @@ inline void PasteToMask(const Pasting& job, int value) {
 }
 
 // The laying of `Paster::Paste` at an opacity that is an integer already.
-inline void LayPixel(const Pasting& job, int x, int y, int op) {
+inline void CompositePixel(const Pasting& job, int x, int y, int op) {
     const std::int64_t one = job.deep() ? 16384 : 256;
     const std::int64_t half = one / 2;
     const int full = job.full();
@@ -199,7 +199,7 @@ inline void LayPixel(const Pasting& job, int x, int y, int op) {
 inline void Lay(const Pasting& job, bool visible) {
     const int one = job.deep() ? 16384 : 256;
     if (!visible || job.opacity <= 0) return;
-    job.forEach([&](int x, int y) { LayPixel(job, x, y, Truncated(job.opacity * (one + 0.001), one)); });
+    job.forEach([&](int x, int y) { CompositePixel(job, x, y, Truncated(job.opacity * (one + 0.001), one)); });
 }
 
 inline void ReplaceBy(const Pasting& job, bool visible) {
@@ -215,7 +215,7 @@ inline void ReplaceBy(const Pasting& job, bool visible) {
             } else if (job.clip.picture == nullptr && job.opacity > 0.99609375) {
                 for (int c = 0; c < 4; ++c) target.At(x, y, c) = job.sourceAt(x, y, c);
             } else if (job.isIn(x, y)) {
-                LayPixel(job, x, y, Truncated(job.opacity * (one + 0.01), one));
+                CompositePixel(job, x, y, Truncated(job.opacity * (one + 0.01), one));
             }
         }
 }

@@ -6,7 +6,7 @@
 #include <random>
 #include <vector>
 
-#include "image/image.h"
+#include "chalkpane/image/image.h"
 
 // Pictures as plain tables of numbers, and sampling and halving of them in the most obvious way.
 namespace reference {

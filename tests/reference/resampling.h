@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "paint/matrix3.h"
+#include "chalkpane/transform/matrix3.h"
 #include "tests/reference/picture.h"
 
 // Bilinear resampling, every neighbour looked up at every pixel.

@@ -5,10 +5,10 @@
 #include <memory>
 #include <vector>
 
-#include "image/image.h"
-#include "paint/brush_paster.h"
-#include "paint/brush_source.h"
-#include "paint/eraser.h"
+#include "chalkpane/brush/sources/brush_source.h"
+#include "chalkpane/composite/brush_paster.h"
+#include "chalkpane/composite/eraser.h"
+#include "chalkpane/image/image.h"
 
 // A brush that walks every step of every curve and forgets nothing. Sources and pasters are the engine's own.
 namespace reference {

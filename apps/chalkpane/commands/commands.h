@@ -1,0 +1,21 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <array>
+
+namespace chalkpane::app {
+
+// Each adds its command to the program's command line. The command runs while the line is parsed, throws cli::Error
+// for what the operator got wrong, and CLI::RuntimeError to end with another exit code.
+void AddFilterCommand(CLI::App& program);
+void AddFiltersCommand(CLI::App& program);
+void AddPaintCommand(CLI::App& program);
+void AddAnimateCommand(CLI::App& program);
+void AddCurveCommand(CLI::App& program);
+
+// In the order in which the help lists them.
+inline constexpr std::array commands{
+    AddFiltersCommand, AddFilterCommand, AddPaintCommand, AddAnimateCommand, AddCurveCommand,
+};
+
+}  // namespace chalkpane::app

@@ -1,0 +1,142 @@
+#include "apps/chalkpane/filtering/filter_run.h"
+
+#include <array>
+#include <new>
+
+#include "apps/chalkpane/filtering/picture_image.h"
+#include "apps/chalkpane/filtering/pixel_rows.h"
+#include "chalkpane/base/random.h"
+#include "chalkpane/filters/distort/marble_effect.h"
+#include "chalkpane/filters/distort/turbulence_effect.h"
+#include "chalkpane/filters/point_filter.h"
+#include "chalkpane/image/pixel_format.h"
+
+namespace chalkpane::app {
+namespace {
+
+// Small seeds next to each other would draw nearly the same numbers.
+void SeedForFrame(std::int32_t frame) {
+    constexpr std::uint32_t spread = 2654435761U;  // 2^32 over the golden ratio
+    SeedRandom(static_cast<std::uint32_t>(frame) * spread + spread);
+}
+
+// The same pixels where the image has the form already, otherwise new ones; to be read only.
+std::unique_ptr<Image> InForm(const Image& source, AlphaForm form) {
+    if ((source.flag != 0) == (form == AlphaForm::Premultiplied)) return std::make_unique<Image>(source);
+    auto copy = source.Clone();
+    SetAlphaForm(*copy, form);
+    return copy;
+}
+
+AlphaForm FormFor(const Filter& filter) {
+    return dynamic_cast<const PointFilter*>(&filter) != nullptr ? AlphaForm::Straight : AlphaForm::Premultiplied;
+}
+
+// What the filter makes of the whole source or of the region, with whatever bounds it gives it.
+std::unique_ptr<Image> Applied(Filter& filter, const Image& source, const FilterRun& run) {
+    const auto prepared = source.Convert(Rect(), filter.PreferredDepth(source.depth));
+    const auto input = InForm(*prepared, FormFor(filter));
+    auto result = std::make_unique<Image>(*input);  // stays when the filter stores none
+    filter.Attach(input.get(), run.frame, run.time, nullptr);
+    filter.Advance(input.get(), run.frame, 0, 0, 0, 0);
+    filter.BeginStep();
+    std::optional<Rect> region = run.region;
+    if (region) region = filter.InputRegion(*input, *region);  // its edges come out right only with what is around it
+    filter.Apply(*input, result, run.fast, region ? &*region : nullptr, run.expand);
+    filter.EndStep();
+    filter.Detach();
+    if (!result) throw std::bad_alloc();
+    if (result->buffer == input->buffer) return source.Clone();  // it stored none
+    return result->Convert(Rect(), source.depth);
+}
+
+// The parts of `whole` that lie outside `hole`, which cuts it: above, below, left and right.
+std::array<Rect, 4> Around(const Rect& whole, const Rect& hole) {
+    return {Rect(whole.x0, hole.y1 + 1, whole.x1, whole.y1), Rect(whole.x0, whole.y0, whole.x1, hole.y0 - 1),
+            Rect(whole.x0, hole.y0, hole.x0 - 1, hole.y1), Rect(hole.x1 + 1, hole.y0, whole.x1, hole.y1)};
+}
+
+void KeepOutside(const Rect& region, const Image& source, Image& picture) {
+    const Rect hole = region.Intersection(source);
+    const auto own = InForm(source, picture.flag != 0 ? AlphaForm::Premultiplied : AlphaForm::Straight);
+    if (!hole.IsValid()) return picture.CopyRegion(*own, source);
+    for (const Rect& part : Around(source, hole))
+        if (part.x0 <= part.x1 && part.y0 <= part.y1) picture.CopyRegion(*own, part);
+}
+
+// One pixel of the mix. With a and b the two alphas and m the mask of full scale f, alpha is (a (f - m) + b m) / f and
+// a colour the mean of both weighed by a (f - m) and b m, all rounded to the nearest.
+template <typename F>
+void MixPixel(std::span<const typename F::Channel, 4> before, std::span<const typename F::Channel, 4> after,
+              std::int64_t mask, std::span<typename F::Channel, 4> to) {
+    const std::int64_t weightBefore = before[3] * (F::fullScale - mask);
+    const std::int64_t weightAfter = after[3] * mask;
+    const std::int64_t weight = weightBefore + weightAfter;
+    for (std::size_t c = 0; c < 3; ++c) {
+        const std::int64_t sum = before[c] * weightBefore + after[c] * weightAfter + weight / 2;
+        to[c] = weight == 0 ? before[c] : static_cast<typename F::Channel>(sum / weight);
+    }
+    to[3] = static_cast<typename F::Channel>((weight + F::fullScale / 2) / F::fullScale);
+}
+
+template <typename F>
+void MixRow(const Image& before, const Image& after, const Image& mask, Image& mixed, std::int32_t y) {
+    const auto own = RowOf<F>(before, y);
+    const auto coverage = RowOf<F>(mask, y);
+    const auto to = RowOf<F>(mixed, y);
+    constexpr std::array<typename F::Channel, 4> nothing{};
+    for (std::int32_t x = before.x0; x <= before.x1; ++x) {
+        const auto i = static_cast<std::size_t>(x - before.x0);
+        std::span<const typename F::Channel, 4> made = nothing;
+        if (after.Contains(x, y))
+            made = std::span<const typename F::Channel>(RowOf<F>(after, y))
+                       .subspan(4 * static_cast<std::size_t>(x - after.x0))
+                       .template first<4>();
+        MixPixel<F>(own.subspan(4 * i).template first<4>(), made, coverage[i], to.subspan(4 * i).template first<4>());
+    }
+}
+
+}  // namespace
+
+void SettleLattice() {
+    [[maybe_unused]] static const bool settled = [] {
+        SeedRandom(1);
+        MarbleEffect().Prepare();
+        TurbulenceEffect().Prepare();
+        return true;
+    }();
+}
+
+std::unique_ptr<Image> RunFilter(Filter& filter, const Image& source, const FilterRun& run) {
+    auto made = Applied(filter, source, run);
+    const Rect bounds = run.expand ? source.Union(*made) : source.Bounds();
+    if (!run.region && made->Bounds() == bounds) return made;
+    auto picture = std::make_unique<Image>(bounds, source.type, source.depth, made->flag);
+    picture->CopyRegion(*made, bounds);
+    if (run.region) KeepOutside(*run.region, source, *picture);
+    return picture;
+}
+
+std::unique_ptr<Image> RunFilters(std::span<const std::unique_ptr<Filter>> filters, const Image& source,
+                                  const FilterRun& run, const std::function<void(std::int32_t)>& done) {
+    SettleLattice();
+    SeedForFrame(run.frame);
+    std::unique_ptr<Image> picture = source.Clone();
+    std::int32_t count = 0;
+    for (const auto& filter : filters) {
+        picture = RunFilter(*filter, *picture, run);
+        if (done) done(++count);
+    }
+    return picture;
+}
+
+std::unique_ptr<Image> MixByMask(const Image& before, const Image& after, const Image& mask) {
+    const auto from = InForm(before, AlphaForm::Straight);
+    const auto to = InForm(after, AlphaForm::Straight);
+    auto mixed = std::make_unique<Image>(before.Bounds(), before.type, before.depth, std::uint8_t{0});
+    for (std::int32_t y = before.y0; y <= before.y1; ++y)
+        AtDepth(before.depth, [&]<typename F>(F) { MixRow<F>(*from, *to, mask, *mixed, y); });
+    return mixed;
+}
+
+}  // namespace chalkpane::app

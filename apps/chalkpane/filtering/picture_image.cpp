@@ -1,0 +1,136 @@
+#include "apps/chalkpane/filtering/picture_image.h"
+
+#include <algorithm>
+#include <array>
+#include <span>
+#include <type_traits>
+
+#include "apps/chalkpane/filtering/pixel_rows.h"
+#include "chalkpane/image/pixel_format.h"
+
+namespace chalkpane::app {
+namespace {
+
+using picture_io::AnyPicture;
+using picture_io::BasicPicture;
+using picture_io::Picture;
+using picture_io::Picture16;
+
+// A channel of a file as one of an image, and back.
+template <typename F, typename Word>
+typename F::Channel ChannelOf(Word word) {
+    if constexpr (std::is_same_v<F, PixelFormat8>)
+        return sizeof(Word) == 1 ? static_cast<std::uint8_t>(word) : static_cast<std::uint8_t>(word >> 8);
+    else
+        return sizeof(Word) == 1 ? Widen(static_cast<std::uint8_t>(word)) : ChannelOf16(word);
+}
+std::uint8_t WordOf(std::uint8_t channel) { return channel; }
+std::uint16_t WordOf(std::uint16_t channel) { return WordOf14(channel); }
+
+constexpr std::array<std::size_t, 4> fileOrder{2, 1, 0, 3};  // red, green, blue, alpha among an image's channels
+
+template <typename F, typename Word>
+void FillFromPicture(Image& image, const BasicPicture<Word>& picture) {
+    const auto* word = picture.rgba.data();
+    for (std::int32_t y = image.y1; y >= image.y0; --y) {
+        const auto row = RowOf<F>(image, y);
+        for (std::size_t i = 0; i < row.size(); i += 4)
+            for (const std::size_t channel : fileOrder) row[i + channel] = ChannelOf<F>(*word++);
+    }
+}
+
+template <typename F>
+auto ToPicture(const Image& image) {
+    BasicPicture<typename F::Channel> picture(image.Width(), image.Height());
+    auto* word = picture.rgba.data();
+    for (std::int32_t y = image.y1; y >= image.y0; --y) {
+        const auto row = RowOf<F>(image, y);
+        for (std::size_t i = 0; i < row.size(); i += 4)
+            for (const std::size_t channel : fileOrder) *word++ = WordOf(row[i + channel]);
+    }
+    return picture;
+}
+
+// The luma weights for bytes, at both depths: they add up to 256, so white is full scale.
+std::int32_t Lightness(std::int32_t red, std::int32_t green, std::int32_t blue) {
+    return (77 * red + 151 * green + 28 * blue) >> 8;
+}
+
+template <typename F>
+void Multiply(std::span<typename F::Channel> row) {
+    for (std::size_t i = 0; i < row.size(); i += 4)
+        for (std::size_t c = i; c < i + 3; ++c) row[c] = static_cast<typename F::Channel>(F::Scale(row[c], row[i + 3]));
+}
+
+template <typename F>
+void Divide(std::span<typename F::Channel> row) {
+    for (std::size_t i = 0; i < row.size(); i += 4) {
+        const std::int32_t alpha = row[i + 3];
+        for (std::size_t c = i; c < i + 3; ++c) {
+            const std::int32_t straight = alpha == 0 ? 0 : (row[c] * F::fullScale + alpha / 2) / alpha;
+            row[c] = static_cast<typename F::Channel>(std::min(straight, F::fullScale));
+        }
+    }
+}
+
+}  // namespace
+
+std::unique_ptr<Image> ImageOf(const AnyPicture& picture, std::optional<std::int32_t> depth, AlphaForm form) {
+    const std::int32_t imageDepth = depth.value_or(std::holds_alternative<Picture16>(picture) ? 1 : 0);
+    auto image = std::visit(
+        [imageDepth](const auto& file) {
+            auto made =
+                std::make_unique<Image>(file.width, file.height, Image::colourType, imageDepth, std::uint8_t{0});
+            AtDepth(imageDepth, [&]<typename F>(F) { FillFromPicture<F>(*made, file); });
+            return made;
+        },
+        picture);
+    SetAlphaForm(*image, form);
+    return image;
+}
+
+std::unique_ptr<Image> ReadImage(const std::filesystem::path& file, std::optional<std::int32_t> depth, AlphaForm form) {
+    return ImageOf(picture_io::ReadAnyPicture(file), depth, form);
+}
+
+AnyPicture PictureOf(const Image& image) {
+    const std::unique_ptr<Image> straight = image.flag != 0 ? image.Clone() : nullptr;
+    if (straight) SetAlphaForm(*straight, AlphaForm::Straight);
+    const Image& source = straight ? *straight : image;
+    return AtDepth(source.depth, [&]<typename F>(F) -> AnyPicture { return ToPicture<F>(source); });
+}
+
+std::unique_ptr<Image> MaskOf(const AnyPicture& picture, std::int32_t depth) {
+    const auto colour = ImageOf(picture, depth, AlphaForm::Straight);
+    auto mask = std::make_unique<Image>(colour->Bounds(), Image::maskType, depth, std::uint8_t{0});
+    AtDepth(depth, [&]<typename F>(F) {
+        for (std::int32_t y = mask->y0; y <= mask->y1; ++y) {
+            const auto from = RowOf<F>(*colour, y);
+            const auto to = RowOf<F>(*mask, y);
+            for (std::size_t x = 0; x < static_cast<std::size_t>(mask->Width()); ++x)
+                to[x] = static_cast<typename F::Channel>(
+                    F::Scale(Lightness(from[4 * x + 2], from[4 * x + 1], from[4 * x]), from[4 * x + 3]));
+        }
+    });
+    return mask;
+}
+
+void SetAlphaForm(Image& image, AlphaForm form) {
+    const bool wanted = form == AlphaForm::Premultiplied;
+    if ((image.flag != 0) == wanted) return;
+    AtDepth(image.depth, [&]<typename F>(F) {
+        for (std::int32_t y = image.y0; y <= image.y1; ++y)
+            wanted ? Multiply<F>(RowOf<F>(image, y)) : Divide<F>(RowOf<F>(image, y));
+    });
+    image.flag = wanted ? 1 : 0;
+}
+
+void WriteImage(const Image& image, const std::filesystem::path& file) {
+    std::visit([&file](const auto& picture) { picture_io::WritePicture(picture, file); }, PictureOf(image));
+}
+
+void StageImage(const Image& image, const std::filesystem::path& file, picture_io::OutputFiles& outputs) {
+    std::visit([&](const auto& picture) { outputs.Stage(picture, file); }, PictureOf(image));
+}
+
+}  // namespace chalkpane::app

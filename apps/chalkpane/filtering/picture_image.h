@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+
+#include "chalkpane/image/image.h"
+#include "picture_io/output_files.h"
+#include "picture_io/picture.h"
+
+namespace chalkpane::app {
+
+// Picture files as the engine's images and back.
+//
+// An image made from a picture of w x h pixels has the bounds (0, 0, w - 1, h - 1); the picture's top row is the row
+// y = h - 1, so that memory and file run alike. Depths are the engine's: 0 is 8 bits, 1 is 14.
+//
+// A word of 16 bits becomes 14 bits without its lowest two; 14 bits become 16 with their highest two behind them, so
+// that every 14-bit channel comes back from a file, full scale is full scale, and the 14 bits of a byte are what the
+// engine itself widens it to. A file of 16 bits read at 8 keeps the high byte.
+
+enum class AlphaForm : std::uint8_t { Straight, Premultiplied };
+
+[[nodiscard]] constexpr std::uint16_t WordOf14(std::uint16_t channel) {
+    return static_cast<std::uint16_t>(channel << 2 | channel >> 12);
+}
+[[nodiscard]] constexpr std::uint16_t ChannelOf16(std::uint16_t word) { return static_cast<std::uint16_t>(word >> 2); }
+
+// depth: none is the picture's own, 8 bits or, for words, 14
+[[nodiscard]] std::unique_ptr<Image> ImageOf(const picture_io::AnyPicture& picture, std::optional<std::int32_t> depth,
+                                             AlphaForm form);
+// Reads a PNG or a JPEG. Throws cli::Error naming the file and the reason.
+[[nodiscard]] std::unique_ptr<Image> ReadImage(const std::filesystem::path& file, std::optional<std::int32_t> depth,
+                                               AlphaForm form);
+
+// The picture of a four-channel image in either form, of bytes or, at 14 bits, of words. Alpha is straight. Throws
+// cli::Error for an image without pixels or with a side above picture_io::largestPictureSide.
+[[nodiscard]] picture_io::AnyPicture PictureOf(const Image& image);
+
+// A mask (one channel) from a picture: how light a pixel is, by its luma, times its alpha.
+[[nodiscard]] std::unique_ptr<Image> MaskOf(const picture_io::AnyPicture& picture, std::int32_t depth);
+
+// Turns a four-channel image's pixels into the other form in place, rounding to the nearest. Dividing leaves black
+// where alpha is 0, and no colour above full scale. Images that are in the form already stay as they are.
+void SetAlphaForm(Image& image, AlphaForm form);
+
+// Writes the picture of an image, whole or not at all, as the name's ending says: PNG at both depths, JPEG at 8 bits.
+void WriteImage(const Image& image, const std::filesystem::path& file);
+// The same among the outputs of a command.
+void StageImage(const Image& image, const std::filesystem::path& file, picture_io::OutputFiles& outputs);
+
+}  // namespace chalkpane::app

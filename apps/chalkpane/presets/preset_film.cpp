@@ -1,0 +1,70 @@
+#include "apps/chalkpane/presets/preset_film.h"
+
+#include <utility>
+#include <vector>
+
+#include "apps/chalkpane/filtering/filter_run.h"
+#include "apps/chalkpane/filtering/filter_texts.h"
+#include "apps/chalkpane/filtering/picture_image.h"
+#include "apps/chalkpane/strokes/preset_brush.h"
+#include "apps/chalkpane/strokes/stroke_painter.h"
+
+namespace chalkpane::app {
+namespace {
+
+class FilterVideo final : public PresetVideo {
+public:
+    FilterVideo(Preset preset, const VideoSource& source, const FrameRateClock& clock)
+        : m_filters(std::move(preset.filters)),
+          m_source(ReadImage(source.file, source.depth, AlphaForm::Straight)),
+          m_clock(clock) {
+        std::erase_if(m_filters, [](const auto& filter) { return !filter->m_active; });
+    }
+
+    std::unique_ptr<Image> Make(std::int32_t frame) override {
+        for (const auto& filter : m_filters) TakeValues(*filter);
+        return RunFilters(m_filters, *m_source, {.frame = frame, .time = m_clock.frameToTime(frame)});
+    }
+
+private:
+    std::vector<std::unique_ptr<Filter>> m_filters;
+    std::unique_ptr<Image> m_source;
+    const FrameRateClock& m_clock;
+};
+
+class StrokeVideo final : public PresetVideo {
+public:
+    StrokeVideo(Preset preset, const VideoSource& source)
+        : m_brush(std::move(preset), source.presetFile.string()),
+          m_strokes(ReadStrokes(source.file)),
+          m_canvas(MakeCanvas(m_strokes, {}, source.depth)),
+          m_pictures(m_canvas->depth) {
+        SettleLattice();
+        m_brush.ReadPictures(m_pictures);
+    }
+
+    std::unique_ptr<Image> Make(std::int32_t frame) override {
+        auto canvas = m_canvas->Clone();
+        m_brush.TakeFrame(m_strokes, *canvas, frame);
+        PaintOptions options;
+        options.frame = frame;
+        options.brush = &m_brush.Brush();
+        PaintStrokes(m_strokes, *canvas, m_pictures, options);
+        return canvas;
+    }
+
+private:
+    PresetBrush m_brush;
+    StrokesFile m_strokes;
+    std::unique_ptr<Image> m_canvas;  // before the first stroke
+    PictureFiles m_pictures;
+};
+
+}  // namespace
+
+std::unique_ptr<PresetVideo> MakeVideo(Preset preset, const VideoSource& source, const FrameRateClock& clock) {
+    if (preset.kind == PresetKind::Brush) return std::make_unique<StrokeVideo>(std::move(preset), source);
+    return std::make_unique<FilterVideo>(std::move(preset), source, clock);
+}
+
+}  // namespace chalkpane::app

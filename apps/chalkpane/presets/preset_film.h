@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+
+#include "apps/chalkpane/curves/frame_rate_clock.h"
+#include "apps/chalkpane/presets/preset.h"
+#include "chalkpane/image/image.h"
+
+namespace chalkpane::app {
+
+// A film from a preset whose parameters have keys, picture by picture. A frame looks the same whichever others are
+// made.
+class PresetVideo {
+public:
+    PresetVideo() = default;
+    virtual ~PresetVideo() = default;
+    PresetVideo(const PresetVideo&) = delete;
+    PresetVideo& operator=(const PresetVideo&) = delete;
+    PresetVideo(PresetVideo&&) = delete;
+    PresetVideo& operator=(PresetVideo&&) = delete;
+
+    // The values are taken where the preset's clock stands.
+    [[nodiscard]] virtual std::unique_ptr<Image> Make(std::int32_t frame) = 0;
+};
+
+struct VideoSource {
+    std::filesystem::path file;         // a picture for filters, a file of strokes for a brush
+    std::filesystem::path presetFile;   // what messages call the preset
+    std::optional<std::int32_t> depth;  // 0: 8 bits; 1: 14; none: the source's own
+};
+
+// Filters over a picture, or the strokes of a file painted anew by a brush, as the preset's kind says. Reads all files.
+// Throws cli::Error for what cannot be read. `clock` is the preset's, not owned.
+[[nodiscard]] std::unique_ptr<PresetVideo> MakeVideo(Preset preset, const VideoSource& source,
+                                                     const FrameRateClock& clock);
+
+}  // namespace chalkpane::app

@@ -1,0 +1,27 @@
+#include "apps/kel/commands/output_options.h"
+
+namespace kel {
+
+void AddOutputOptions(CLI::App& command, OutputOptions& options) {
+    command
+        .add_option(
+            "--out", options.out,
+            "Writes the rendered picture: a film (.mov, .mkv, .mp4, .webm), a picture of every field (f%05d.png), "
+            "or the last one (.png, .jpg)")
+        ->type_name("FILE");
+    command
+        .add_option(
+            "--overlay", options.overlay,
+            "Writes the strokes alone, with alpha: a film (.mov, .mkv) or a picture of every field (f%05d.png) in "
+            "the window's size, or the canvas as it is at the end (.png)")
+        ->type_name("FILE");
+    command.add_option("--fill", options.fill, "Writes the colors of the strokes, for a mixer; goes with --key")
+        ->type_name("FILE");
+    command.add_option("--key", options.key, "Writes the alpha of the strokes as gray; goes with --fill")
+        ->type_name("FILE");
+    command.add_flag_callback(
+        "--straight", [&options] { options.alpha = AlphaForm::Straight; },
+        "Overlay and fill have colors that are not multiplied by alpha");
+}
+
+}  // namespace kel

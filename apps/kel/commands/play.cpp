@@ -1,0 +1,25 @@
+#include <memory>
+
+#include "apps/kel/commands/commands.h"
+#include "apps/kel/commands/output_options.h"
+#include "apps/kel/commands/play_session.h"
+
+namespace kel {
+
+void AddPlayCommand(CLI::App& program) {
+    const auto options = std::make_shared<PlayOptions>();
+    CLI::App* command = program.add_subcommand("play", "Plays a session without a window");
+    command->add_option("session", options->session, "The session, a JSON file (docs/session.md)")->required();
+    AddOutputOptions(*command, options->outputs);
+    command
+        ->add_option("--frames", options->outputs.frames,
+                     "Writes every field's picture, such as frames/f%05d.png, beside what --out writes")
+        ->type_name("PATTERN");
+    command->add_option("--saves", options->saves, "Where the session's own save events write (default: here)")
+        ->type_name("FOLDER");
+    command->add_option("--module", options->module, "The module of plug-ins that name none (default: Chalkpane.qop)")
+        ->type_name("MODULE");
+    command->callback([options] { PlaySession(*options); });
+}
+
+}  // namespace kel

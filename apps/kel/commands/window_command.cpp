@@ -1,0 +1,97 @@
+#include <cstdlib>
+#include <memory>
+#include <optional>
+#include <system_error>
+
+#include "apps/kel/commands/commands.h"
+#include "apps/kel/commands/module_path.h"
+#include "apps/kel/commands/output_options.h"
+#include "apps/kel/commands/play_session.h"
+#include "cli/error.h"
+#include "kel/window/workspace_window.h"
+#include "kel/workspace/embedded_text.h"
+
+namespace kel {
+namespace {
+
+struct WindowLine {
+    std::string file;
+    std::string keys;
+    std::string module;
+    std::string recording;
+    std::string saves = ".";
+    OutputOptions outputs;
+};
+
+// For a recording that nobody asked to keep.
+class ScratchFolder {
+public:
+    ScratchFolder() {
+        std::string name = (std::filesystem::temp_directory_path() / "kel-XXXXXX").string();
+        if (mkdtemp(name.data()) == nullptr) throw cli::Error(name + ": cannot be made");
+        m_path = name;
+    }
+    ~ScratchFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(m_path, ignored);
+    }
+    ScratchFolder(const ScratchFolder&) = delete;
+    ScratchFolder& operator=(const ScratchFolder&) = delete;
+    ScratchFolder(ScratchFolder&&) = delete;
+    ScratchFolder& operator=(ScratchFolder&&) = delete;
+
+    [[nodiscard]] const std::filesystem::path& Path() const { return m_path; }
+
+private:
+    std::filesystem::path m_path;
+};
+
+bool WantOutputs(const OutputOptions& outputs) { return outputs.WantDrawings() || !outputs.out.empty(); }
+
+// Names and endings are refused before a window opens, not when the drawing is over.
+void CheckOutputs(const OutputOptions& outputs) {
+    constexpr WindowSize anySize{64, 64};
+    constexpr double anyRate = 25.0;
+    const Outputs tried(outputs, anySize, anyRate, 0);
+}
+
+void Window(const WindowLine& line) {
+    WindowOptions options;
+    options.file = line.file.empty() ? FindExampleScene() : std::filesystem::path(line.file);
+    options.areKeysGiven = !line.keys.empty();
+    options.keys =
+        options.areKeysGiven ? ReadKeysFile(line.keys) : ParseKeys(std::string(DefaultKeysText()), "keys.json");
+    options.workspace.isModuleGiven = !line.module.empty();
+    options.workspace.module = options.workspace.isModuleGiven ? std::filesystem::path(line.module) : FindModule();
+    options.workspace.recording = line.recording;
+    options.workspace.saves = line.saves;
+    if (!WantOutputs(line.outputs)) {
+        RunWorkspaceWindow(options);
+        return;
+    }
+    CheckOutputs(line.outputs);
+    std::optional<ScratchFolder> scratch;
+    if (line.recording.empty()) options.workspace.recording = scratch.emplace().Path() / "recording.json";
+    RunWorkspaceWindow(options);
+    // The outputs are made afterwards from the recording, so that writing them slows no field down.
+    PlaySession({options.workspace.recording.string(), line.outputs, std::nullopt, line.module});
+}
+
+}  // namespace
+
+void AddWindowCommand(CLI::App& program) {
+    const auto line = std::make_shared<WindowLine>();
+    CLI::App* command = program.add_subcommand("window", "Opens a picture, a film or a session in a window to draw on");
+    command->add_option("file", line->file, "A picture, a film or a session (default: a pitch)");
+    command->add_option("--record", line->recording, "Writes what happens as a session, which kel play plays again")
+        ->type_name("SESSION");
+    command->add_option("--keys", line->keys, "What the keys do, a JSON file (docs/window.md)")->type_name("FILE");
+    command->add_option("--module", line->module, "The module of plug-ins that name none (default: Chalkpane.qop)")
+        ->type_name("MODULE");
+    command->add_option("--saves", line->saves, "Where pictures are saved (default: here)")->type_name("FOLDER");
+    AddOutputOptions(*command, line->outputs);
+    command->footer("The outputs are written when the window has been closed.");
+    command->callback([line] { Window(*line); });
+}
+
+}  // namespace kel

@@ -1,0 +1,152 @@
+#include "chalkpane/base/multi_processor.h"
+
+#include <cstddef>
+#include <system_error>
+
+namespace chalkpane {
+
+namespace {
+
+// Far beyond any machine; keeps a mistyped worker count from exhausting the process.
+constexpr std::int32_t maximumProcessorCount = 1024;
+
+std::atomic<MultiProcessor*> instance{nullptr};  // owned; the keeper below deletes it
+std::atomic<bool> unloading{false};
+
+// The workers run code of this module, so they must be gone before it is unmapped or the process tears down its
+// statics: a parked thread that wakes up later would return into nothing.
+struct InstanceKeeper {
+    ~InstanceKeeper() {
+        unloading = true;
+        delete instance.exchange(nullptr);
+    }
+} instanceKeeper;
+
+std::int32_t MachineProcessorCount() {
+    return static_cast<std::int32_t>(
+        std::clamp<unsigned>(std::thread::hardware_concurrency(), 1, static_cast<unsigned>(maximumProcessorCount)));
+}
+
+struct BandJob {
+    std::int32_t firstRow;
+    std::int32_t lastRow;
+    std::int32_t rowsPerBand;
+    RowFunction rowFunction;
+    void* userData;
+};
+
+void RunBand(std::int32_t band, void* userData, std::int32_t worker) {
+    const BandJob& job = *static_cast<const BandJob*>(userData);
+    const std::int64_t first = job.firstRow + std::int64_t{band} * job.rowsPerBand;
+    const std::int64_t last = std::min<std::int64_t>(first + job.rowsPerBand - 1, job.lastRow);
+    for (std::int64_t row = first; row <= last; ++row)
+        job.rowFunction(static_cast<std::int32_t>(row), job.userData, worker);
+}
+
+}  // namespace
+
+void MultiProcessor::Event::Set() {
+    m_signalled.store(1, std::memory_order_release);
+    m_signalled.notify_one();
+}
+
+void MultiProcessor::Event::Wait() {
+    while (m_signalled.exchange(0, std::memory_order_acquire) == 0) m_signalled.wait(0, std::memory_order_acquire);
+}
+
+MultiProcessor& MultiProcessor::Instance() {
+    MultiProcessor* current = instance.load(std::memory_order_acquire);
+    if (current == nullptr) {
+        // Whoever still paints while the module goes away gets a runner without threads, which nothing needs to stop.
+        Restart(unloading ? 1 : 0);
+        current = instance.load(std::memory_order_acquire);
+    }
+    return *current;
+}
+
+void MultiProcessor::Restart(std::int32_t processorCount) {
+    delete instance.exchange(nullptr);
+    instance = new MultiProcessor(processorCount < 1 ? MachineProcessorCount()
+                                                     : std::min(processorCount, maximumProcessorCount));
+}
+
+MultiProcessor::MultiProcessor(std::int32_t processorCount) : m_processorCount(processorCount) {
+    if (m_processorCount < 2) return;
+    const auto count = static_cast<std::size_t>(m_processorCount);
+    std::int32_t started = 0;
+    try {
+        m_finished = std::make_unique<std::uint8_t[]>(count);
+        m_startEvents = std::make_unique<Event[]>(count);
+        m_doneEvents = std::make_unique<Event[]>(count);
+        m_threads = std::make_unique<std::thread[]>(count);
+        m_ranges = std::make_unique<RowRange[]>(count);
+        for (; started < m_processorCount; ++started)
+            m_threads[static_cast<std::size_t>(started)] = std::thread([this, i = started] { Work(i); });
+    } catch (const std::exception&) {  // no memory or no threads to be had: everything still works, on one thread
+        StopWorkers(started);
+        m_processorCount = 1;
+    }
+}
+
+MultiProcessor::~MultiProcessor() {
+    if (m_processorCount >= 2) StopWorkers(m_processorCount);
+}
+
+void MultiProcessor::StopWorkers(std::int32_t started) {
+    m_quit = 1;
+    for (std::int32_t i = 0; i < started; ++i) m_startEvents[static_cast<std::size_t>(i)].Set();
+    for (std::int32_t i = 0; i < started; ++i) m_threads[static_cast<std::size_t>(i)].join();
+}
+
+void MultiProcessor::Run(std::int32_t firstRow, std::int32_t lastRow, RowFunction rowFunction, void* userData) {
+    const std::int64_t count = std::int64_t{lastRow} - firstRow + 1;
+    const bool parallel =
+        count > 5 && count > 2 * std::int64_t{m_processorCount} && m_processorCount >= 2 && m_busy.exchange(1) == 0;
+    if (!parallel) {
+        for (std::int64_t row = firstRow; row <= lastRow; ++row)
+            rowFunction(static_cast<std::int32_t>(row), userData, 0);
+        return;
+    }
+    m_userData = userData;
+    m_rowFunction = rowFunction;
+    RunParallel(firstRow, lastRow);
+    m_busy = 0;
+}
+
+void MultiProcessor::RunParallel(std::int32_t firstRow, std::int32_t lastRow) {
+    const auto count = static_cast<std::size_t>(m_processorCount);
+    const std::int64_t chunk = (std::int64_t{lastRow} - firstRow + 1) / m_processorCount;
+    std::int64_t row = firstRow;
+    for (std::size_t i = 0; i < count; ++i, row += chunk) {
+        const std::int64_t last = i + 1 == count ? lastRow : row + chunk - 1;
+        m_ranges[i] = {static_cast<std::int32_t>(row), static_cast<std::int32_t>(last), 1};
+        m_startEvents[i].Set();
+    }
+    for (std::size_t i = 0; i < count; ++i) m_doneEvents[i].Wait();
+}
+
+void MultiProcessor::Work(std::int32_t worker) {
+    const auto i = static_cast<std::size_t>(worker);
+    for (m_startEvents[i].Wait(); m_quit == 0; m_startEvents[i].Wait()) {
+        for (std::int64_t row = m_ranges[i].first; row <= m_ranges[i].last; row += m_ranges[i].step)
+            m_rowFunction(static_cast<std::int32_t>(row), m_userData, worker);
+        m_doneEvents[i].Set();
+    }
+    m_finished[i] = 1;
+    m_doneEvents[i].Set();
+}
+
+void detail::RunBands(std::int32_t firstRow, std::int32_t lastRow, std::int32_t rowsPerBand, RowFunction rowFunction,
+                      void* userData) {
+    BandJob job{firstRow, lastRow, rowsPerBand, rowFunction, userData};
+    const std::int64_t count = std::int64_t{lastRow} - firstRow + 1;
+    // With one row a band the bands can outnumber the 32-bit row numbers; such a loop counts in rows itself.
+    if (rowsPerBand == 1) {
+        MultiProcessor::Instance().Run(firstRow, lastRow, rowFunction, userData);
+        return;
+    }
+    const std::int64_t bands = (count + rowsPerBand - 1) / rowsPerBand;
+    MultiProcessor::Instance().Run(0, static_cast<std::int32_t>(bands - 1), RunBand, &job);
+}
+
+}  // namespace chalkpane

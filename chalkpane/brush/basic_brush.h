@@ -1,0 +1,175 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "chalkpane/brush/profiles/profile_cache.h"
+#include "chalkpane/brush/spline_iterator.h"
+#include "chalkpane/image/image.h"
+#include "chalkpane/image/rect.h"
+#include "chalkpane/parameters/colour.h"
+#include "chalkpane/parameters/data_set.h"
+#include "chalkpane/parameters/parameter_table.h"
+#include "chalkpane/transform/matrix3.h"
+
+namespace chalkpane {
+
+class BrushSource;
+class Filter;
+
+// Turns a path of pointer samples into dabs on an image.
+//
+// Coordinates are doubles in the plane of the target, pressure is 0.0 .. 1.0. The setters store; what they store takes
+// hold at the next `Update`, which belongs between strokes. A sample that is not a number, or beyond `farthest` in any
+// of its three values, is ignored: it paints nothing and leaves the stroke where it was.
+// Nothing here throws for want of memory but the constructor and the setters that store; a dab or a source that could
+// not be made is not there. Thread: the plug-in's, one stroke at a time.
+class BasicBrush : public WithParameters<BasicBrush, ParameterisedObject> {
+public:
+    static constexpr auto Parameters() {
+        using Self = BasicBrush;
+        // clang-format off
+        return std::to_array<ParameterRow<Self>>({
+            //code label             unique name                default range   field                 kind
+            {0,  "Name",             "Brush Name",              "",     {},     &Self::name},
+            {1,  "Source Type",      "Brush Source Type",       0,      {},     &Self::sourceType},
+            {2,  "File",             "Cutout File",             {},     {},     &Self::cutoutFile},
+            {3,  "Opacity",          "Brush Opacity",           1.0,    {0, 1}, &Self::opacity,       percent},
+            {4,  "Decay",            "Brush Decay",             0.0,    {0, 1}, &Self::decay,         percent},
+            {5,  "Spacing",          "Brush Spacing",           0.15,   {},     &Self::spacing},
+            {6,  "Adjust Spacing",   "Brush Adjust Spacing",    false,  {},     &Self::adjustSpacing},
+            {7,  "Spacing Type",     "Brush Space Type",        2,      {},     &Self::spacingType},
+            {8,  "Match Path",       "Brush Match Path",        false,  {},     &Self::matchPath},
+            {9,  "Build Up",         "Brush Build Up",          false,  {},     &Self::buildUp},
+            {10, "Profile Graph",    "Profile Graph",           {},     {},     &Self::profileGraph},
+            {11, "Global Parameters", "Brush Global Parameters", false, {},     nullptr,              {ParameterType::boolean}},
+            {12, "Blend Mode",       "Brush Blend Mode",        0,      {},     &Self::blendMode},
+            {13, "Group",            "Brush Group",             "Other", {},    nullptr,              {ParameterType::string}},
+        });
+        // clang-format on
+    }
+
+    // Beyond it a sample could not be placed in whole pixels.
+    static constexpr double farthest = 1073741824.0;
+
+    // The first one also builds the parameter list of the class and the registry of filters. Ends with `Update`.
+    explicit BasicBrush(std::string_view brushName);
+    BasicBrush(const BasicBrush&) = delete;
+    BasicBrush& operator=(const BasicBrush&) = delete;
+
+    // `setParameter` and the hook `valuesChanged` stand in front of these.
+    virtual ~BasicBrush();
+    virtual void ReservedHook1() {}
+    // Rebuilds the source from what is stored.
+    virtual void Update();
+    virtual void ReservedHook2() {}
+    virtual void ReservedHook3() {}
+
+    // Not owned; null: strokes paint nothing. Four channels of either depth; a target of the other depth than the one
+    // before has the source made anew.
+    void SetTarget(Image* image);
+    // The source's radius in pixels, a dab being 2 * radius + 1 wide. Runs `Update`, alone among the setters.
+    void SetSize(std::int32_t radius);
+    // 0 colour; 1 image that moves with the brush; 2, 6, 7 image that stays with the canvas; 3 cutout; 4, 8 a colour
+    // sampled from the image; 5 eraser. 6 and 7 replace what they cover instead of lying over it.
+    void SetSourceType(std::int32_t type);
+    // Index of a blend mode, 0 .. 27.
+    void SetBlendMode(std::int32_t mode);
+    // `fraction` of the dab's diameter. spacingType: 0 keeps it; 1 shortens it to a short segment and thins the stroke
+    // there; 2 shortens it only.
+    void SetSpacing(double fraction, std::int32_t type);
+    // Turns each dab along the path.
+    void SetMatchPath(bool on);
+    // Takes hold at once. A brush that was never given a colour paints nothing, whatever its source.
+    void SetColour(const Colour& newColour);
+    // A picture to paint with instead of the chosen source, while `use` is set. The pixels are shared, not copied; null
+    // takes it away.
+    void SetCutoutImage(const Image* image, bool use);
+
+    // Each paints the dabs that this sample brings and returns the part of the target they lie on; empty when there
+    // is no target, or nothing was painted. `ContinueStroke` follows the pointer, `EndStroke` leads the curve, which
+    // trails behind the samples, to the last of them.
+    Rect BeginStroke(double x, double y, double pressure);
+    Rect ContinueStroke(double x, double y, double pressure);
+    Rect EndStroke(double x, double y, double pressure);
+
+    // The values of this brush, and those of its sources, which come and go with `Update` while these stay.
+    [[nodiscard]] DataSet& Values() { return *values; }
+    [[nodiscard]] DataSet& SourceValues() { return *sourceValues; }
+    // Null when there was no memory for it. Lives until the next `Update`.
+    [[nodiscard]] BrushSource* Source() { return source.get(); }
+    // Run over the images of every dab, first to last. The owner adds to it between strokes.
+    [[nodiscard]] std::vector<std::unique_ptr<Filter>>& Filters() { return filters; }
+
+protected:
+    // The planes of a dab. Painting goes to the target; the mask plane, a second image of one channel that can also
+    // keep paint out, is for brushes built on this one.
+    bool paintEraserFlag = false;
+    bool paintPlaneOn = false;  // KEEP: nothing but `SetColour` raises it, so without a colour nothing is painted
+    bool maskPlaneOn = false;
+    bool maskPlaneClips = false;
+    bool straightSegments = false;
+    std::uint8_t maskValue = 0;             // in the channel range of `maskTarget`
+    Image* maskTarget = nullptr;            // not owned; one channel
+    std::vector<ValuePointer> extraValues;  // handed to `values` by the next `Update`
+
+private:
+    // One dab on its way to the planes.
+    struct Dab {
+        StrokePoint place;  // with the pressure
+        double angle = 0.0;
+        double opacity = 0.0;
+        bool erases = false;
+        std::unique_ptr<Image> colour;
+        std::unique_ptr<Image> mask;  // null: full coverage
+
+        [[nodiscard]] Rect Area() const;
+    };
+
+    void StoreProfile();
+    void RebuildSource();
+    [[nodiscard]] double BaseSpacing(const StrokePoint& sample) const;
+    Rect StepAlongPath(const StrokePoint& sample, bool& painted);
+    [[nodiscard]] std::int32_t NextCandidate(std::int32_t step, double squaredSpacing) const;
+    Rect PaintDab(StrokePoint place, bool repeat);
+    double AngleAlongPath(const StrokePoint& place, bool repeat);
+    Rect PaintOnTarget(Dab& dab);
+    void PaintOnMask(Dab& dab);
+
+    std::string name;
+    std::unique_ptr<DataSet> values;
+    GraphValue* profileGraph = nullptr;  // belongs to `values`
+    Image* target = nullptr;             // not owned
+    double spacing = 0.15;               // fraction of the source's diameter
+    bool adjustSpacing = false;
+    std::uint8_t spacingType = 2;
+    bool buildUp = false;
+    bool matchPath = false;
+    Matrix3 matrix;          // of the dab's position, handed to the source
+    double lastAngle = 0.0;  // degrees
+    std::uint8_t blendMode = 0;
+    std::unique_ptr<Image> cutoutImage;
+    bool useCutoutImage = false;
+    Colour colour;
+    StrokePoint lastInput;
+    SplineIterator history;
+    float lastDabX = 0.0F;
+    float lastDabY = 0.0F;
+    float lastDabPressure = 0.0F;
+    bool firstDabPending = false;  // the first dab waits until the path has a direction
+    std::shared_ptr<ProfileCache> profileCache = ProfileCache::Shared();  // keeps masks from one source to the next
+    std::unique_ptr<BrushSource> source;
+    std::vector<std::unique_ptr<Filter>> filters;
+    std::uint8_t sourceType = 0;
+    FileName cutoutFile;
+    double opacity = 1.0;
+    double decay = 0.0;  // each dab leaves sqrt(1 - decay) of the opacity
+    double currentOpacity = 1.0;
+    std::unique_ptr<DataSet> sourceValues;  // outlive the sources, which are made from them
+    std::int32_t sourceDepth = 0;           // of the target that the source was made for
+};
+
+}  // namespace chalkpane

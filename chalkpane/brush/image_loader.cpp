@@ -1,0 +1,28 @@
+#include "chalkpane/brush/image_loader.h"
+
+#include <new>
+#include <utility>
+
+namespace chalkpane {
+
+namespace {
+
+ImageFileLoader& Loader() {
+    static ImageFileLoader loader;
+    return loader;
+}
+
+}  // namespace
+
+void SetImageFileLoader(ImageFileLoader loader) { Loader() = std::move(loader); }
+
+std::unique_ptr<Image> LoadImageFile(const std::string& name) {
+    if (name.empty() || !Loader()) return nullptr;
+    try {
+        return Loader()(name);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+}  // namespace chalkpane

@@ -1,0 +1,29 @@
+#include "chalkpane/brush/profiles/one_pixel_brush_profile.h"
+
+#include <new>
+
+namespace chalkpane {
+
+OnePixelBrushProfile::OnePixelBrushProfile(std::int32_t maskRadius, const Matrix3& profileMatrix,
+                                           std::int32_t maskDepth)
+    : radius(maskRadius), matrix(profileMatrix) {
+    if (radius < 0 || radius > maximumRadius) return;
+    const std::int32_t side = 2 * radius + 1;
+    try {
+        mask = std::make_unique<Image>(side, side, ImageDefinition::maskType, maskDepth, std::uint8_t{0});
+        mask->FillChannel(1.0);
+    } catch (const std::bad_alloc&) {
+        mask = nullptr;
+    }
+}
+
+std::unique_ptr<Image> OnePixelBrushProfile::GetMask(double x, double y, double /*angle*/) {
+    const Point2 at = matrix.Transform(x, y);
+    return GetMaskFast(at.x, at.y);
+}
+
+std::unique_ptr<Image> OnePixelBrushProfile::GetMaskFast(double x, double y) {
+    return MovedShare(mask.get(), x - radius, y - radius);
+}
+
+}  // namespace chalkpane

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "chalkpane/brush/profiles/brush_profile.h"
+#include "chalkpane/brush/profiles/profile_cache.h"
+#include "chalkpane/transform/matrix3.h"
+#include "chalkpane/transform/transformer.h"
+
+namespace chalkpane {
+
+// A cone, and the base of the profiles that draw their shape once and keep 64 copies of it, shifted by eighths of a
+// pixel, so that a dab between pixels costs no resampling.
+class RoundBrushProfile : public BrushProfile {
+public:
+    // Nothing is built until `Prepare`.
+    //   profileMatrix  takes the positions of dabs to the target
+    //   maskDepth      0: 8 bits; not 0: 14 bits
+    RoundBrushProfile(const Matrix3& profileMatrix, std::int32_t maskDepth) : matrix(profileMatrix), depth(maskDepth) {}
+
+    void GetRect(Rect& out) const override { RectOf(BaseMask(), out); }
+    // A turned mask is resampled, any other shares the nearest of the shifted copies.
+    [[nodiscard]] std::unique_ptr<Image> GetMask(double x, double y, double angle) override;
+    // KEEP: by the radius alone, past the matrix, and half a pixel from where `GetMask` puts it.
+    [[nodiscard]] std::unique_ptr<Image> GetMaskFast(double x, double y) override;
+    // Makes the base mask and the shifted copies, or takes them from the cache.
+    virtual void Prepare(const DabShape& shape, const Matrix3& newMatrix);
+    // The base mask; null where the shape has no pixels, is beyond `maximumRadius`, or there is no memory for it.
+    [[nodiscard]] virtual std::unique_ptr<Image> MakeMask(const DabShape& shape) const;
+
+    // Not owned; null when it could not be made.
+    [[nodiscard]] const Image* BaseMask() const { return masks ? masks->baseMask.get() : nullptr; }
+    // j, i: eighths of a pixel in x and y, 0 .. 7.
+    [[nodiscard]] const Image* Shifted(std::size_t j, std::size_t i) const {
+        return masks ? masks->shifted[j][i].get() : nullptr;
+    }
+
+protected:
+    [[nodiscard]] std::int32_t Depth() const { return depth; }
+    [[nodiscard]] const ProfileMasks* Masks() const { return masks.get(); }
+    // What determines the mask beside the shape and the depth: first a word of the class's own. Without a call the
+    // masks are shared with nobody.
+    void IdentifyContent(ProfileKey key) { content = std::move(key); }
+
+private:
+    [[nodiscard]] std::shared_ptr<const ProfileMasks> Build(const DabShape& shape) const;
+
+    std::shared_ptr<ProfileCache> cache = ProfileCache::Shared();
+    std::shared_ptr<const ProfileMasks> masks;  // the base mask and its shifted copies; null before `Prepare`
+    std::int32_t totalRadius = 0;               // radius and margin
+    double offsetX = 0.0;                       // of the dab's point in the base mask, through the matrix
+    double offsetY = 0.0;
+    Matrix3 matrix;
+    std::int32_t depth;
+    ProfileKey content;
+    Transformer transformer;
+};
+
+}  // namespace chalkpane

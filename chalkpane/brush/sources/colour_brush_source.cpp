@@ -1,0 +1,52 @@
+#include "chalkpane/brush/sources/colour_brush_source.h"
+
+#include <algorithm>
+
+#include "chalkpane/brush/sources/dab_colour.h"
+
+namespace chalkpane {
+
+namespace {
+
+// KEEP: 8 bits take the upper bits of the word, low byte of what is beyond full scale.
+DabPixel PixelOf(const Colour& colour, std::int32_t depth) {
+    if (depth != 0) return {colour.blue, colour.green, colour.red, PixelFormat14::fullScale};
+    const auto narrow = [](std::uint16_t word) { return static_cast<std::uint16_t>(word >> 6); };
+    return {narrow(colour.blue), narrow(colour.green), narrow(colour.red), PixelFormat8::fullScale};
+}
+
+}  // namespace
+
+void ColourBrushSource::SetColour(const Colour& newColour) {
+    if (!(newColour == colour)) filled = nullptr;
+    colour = newColour;
+}
+
+bool ColourBrushSource::MakeDab(double x, double y, double angle, std::unique_ptr<Image>& colourOut,
+                                std::unique_ptr<Image>& maskOut) {
+    if (!profile) return false;
+    if (ReusePickup(paintPickup, x, y, angle, colourOut, maskOut)) return colourOut != nullptr;
+    maskOut = GetMask(x, y, angle);
+    if (!maskOut) return false;
+    colourOut = ColourImage(*maskOut);
+    StorePickup(paintPickup, *colourOut, x, y, angle);
+    return true;
+}
+
+// The colour over the mask's rectangle.
+std::unique_ptr<Image> ColourBrushSource::ColourImage(const Image& mask) {
+    const std::int32_t width = mask.Width();
+    const std::int32_t height = mask.Height();
+    if (!filled || filled->depth != mask.depth || filled->Width() < width || filled->Height() < height) {
+        const std::int32_t keptWidth = filled ? filled->Width() : 0;
+        const std::int32_t keptHeight = filled ? filled->Height() : 0;
+        filled = std::make_unique<Image>(std::max(width, keptWidth), std::max(height, keptHeight),
+                                         ImageDefinition::colourType, mask.depth, std::uint8_t{0});
+        FillWithPixel(*filled, PixelOf(colour, mask.depth));
+    }
+    auto dab = std::make_unique<Image>(*filled);
+    static_cast<Rect&>(*dab) = mask;  // one colour everywhere, so any part of the kept image will do
+    return dab;
+}
+
+}  // namespace chalkpane

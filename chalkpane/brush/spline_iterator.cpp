@@ -1,0 +1,139 @@
+#include "chalkpane/brush/spline_iterator.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace chalkpane {
+namespace {
+
+using Weights = std::array<float, 4>;
+
+struct WeightTable {
+    std::array<Weights, SplineIterator::steps> ofStep{};
+    std::int32_t count = 0;
+};
+
+// t gathers its own rounding: each step adds 0.001 to a 32-bit float. The last of them is just below 1.
+constexpr WeightTable weightTable = [] {
+    WeightTable table;
+    for (float step = 0.0F; step <= 1.0; step = static_cast<float>(step + 0.001)) {
+        const double t = step;
+        const double t2 = t * t;
+        const double t3 = t2 * t;
+        table.ofStep[static_cast<std::size_t>(table.count++)] = {
+            static_cast<float>((1.0 - 3.0 * t + 3.0 * t2 - t3) / 6.0),
+            static_cast<float>((4.0 - 6.0 * t2 + 3.0 * t3) / 6.0),
+            static_cast<float>((1.0 + 3.0 * t + 3.0 * t2 - 3.0 * t3) / 6.0),
+            static_cast<float>(t3 / 6.0),
+        };
+    }
+    return table;
+}();
+static_assert(weightTable.count == SplineIterator::steps);
+
+double Blend(const Weights& weights, const std::array<float, 4>& samples) {
+    return static_cast<double>(weights[0]) * samples[0] + static_cast<double>(weights[1]) * samples[1] +
+           static_cast<double>(weights[2]) * samples[2] + static_cast<double>(weights[3]) * samples[3];
+}
+
+double SquaredDistance(const Weights& weights, const std::array<float, 4>& xs, const std::array<float, 4>& ys, double x,
+                       double y) {
+    const double dx = Blend(weights, xs) - x;
+    const double dy = Blend(weights, ys) - y;
+    return dx * dx + dy * dy;
+}
+
+// By how much the sums of two steps' weights differ at most: not 0, as the weights are rounded.
+constexpr double sumSpan = [] {
+    double least = 1.0;
+    double most = 1.0;
+    for (const Weights& weights : weightTable.ofStep) {
+        const double sum = static_cast<double>(weights[0]) + weights[1] + weights[2] + weights[3];
+        least = std::min(least, sum);
+        most = std::max(most, sum);
+    }
+    return most - least;
+}();
+
+// Bounds on how far the walked points can lie apart.
+struct Reach {
+    double perStep = 0.0;   // between neighbouring steps, without rounding
+    double rounding = 0.0;  // of any two steps, besides
+};
+
+// The curve's derivative is a mean of the differences between neighbouring samples, and a step of the gathered t is at
+// most 0.001 + 6e-8. Rounded weights move the first sample's place by what their sum is off, and the differences from
+// it by 6e-8 at each of two steps.
+Reach ReachOf(const std::array<float, 4>& xs, const std::array<float, 4>& ys) {
+    double squaredLongest = 0.0;
+    double squaredSpread = 0.0;
+    for (std::size_t i = 1; i < 4; ++i) {
+        const auto squaredFrom = [&](std::size_t other) {
+            const double dx = static_cast<double>(xs[i]) - static_cast<double>(xs[other]);
+            const double dy = static_cast<double>(ys[i]) - static_cast<double>(ys[other]);
+            return dx * dx + dy * dy;
+        };
+        squaredLongest = std::max(squaredLongest, squaredFrom(i - 1));
+        squaredSpread = std::max(squaredSpread, squaredFrom(0));
+    }
+    const double place = std::abs(static_cast<double>(xs[0])) + std::abs(static_cast<double>(ys[0]));
+    return {0.0010001 * std::sqrt(squaredLongest), 1.01 * sumSpan * place + 2e-7 * std::sqrt(squaredSpread)};
+}
+
+}  // namespace
+
+void SplineIterator::Fill(const StrokePoint& sample) {
+    xs.fill(static_cast<float>(sample.x));
+    ys.fill(static_cast<float>(sample.y));
+    pressures.fill(static_cast<float>(sample.pressure));
+}
+
+void SplineIterator::Push(const StrokePoint& sample) {
+    const auto push = [](Samples& samples, double value) {
+        samples = {samples[1], samples[2], samples[3], static_cast<float>(value)};
+    };
+    push(xs, sample.x);
+    push(ys, sample.y);
+    push(pressures, sample.pressure);
+}
+
+bool SplineIterator::Moves() const { return xs[3] != xs[2] || ys[3] != ys[2]; }
+
+double SplineIterator::NewestLength() const {
+    const double dx = static_cast<double>(xs[3]) - static_cast<double>(xs[2]);
+    const double dy = static_cast<double>(ys[3]) - static_cast<double>(ys[2]);
+    return std::sqrt(dx * dx + dy * dy);
+}
+
+bool SplineIterator::Rests() const {
+    const auto rests = [](const Samples& samples) {
+        return samples[0] == samples[3] && samples[1] == samples[3] && samples[2] == samples[3];
+    };
+    return rests(xs) && rests(ys) && rests(pressures);
+}
+
+StrokePoint SplineIterator::PointAt(std::int32_t step) const {
+    const Weights& weights = weightTable.ofStep[static_cast<std::size_t>(step)];
+    return {Blend(weights, xs), Blend(weights, ys), Blend(weights, pressures)};
+}
+
+std::int32_t SplineIterator::FirstBeyond(std::int32_t step, float x, float y, double squaredLimit) const {
+    const Reach reach = ReachOf(xs, ys);
+    const double surely = 0.999999 * std::sqrt(squaredLimit) - reach.rounding;
+    const double worthIt = surely - 2 * reach.perStep;
+    const double squaredWorthIt = worthIt > 0.0 ? worthIt * worthIt : -1.0;
+    while (step < steps) {
+        const double distance = SquaredDistance(weightTable.ofStep[static_cast<std::size_t>(step)], xs, ys, x, y);
+        if (distance > squaredLimit) return step;
+        if (distance <= squaredWorthIt) {
+            // What is left to the limit cannot be covered in fewer steps.
+            const double spare = (surely - std::sqrt(distance)) / reach.perStep;
+            step += spare < steps ? std::max(1, static_cast<std::int32_t>(spare)) : steps;
+        } else {
+            ++step;
+        }
+    }
+    return steps;
+}
+
+}  // namespace chalkpane

@@ -1,0 +1,146 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+
+#include "chalkpane/base/random.h"
+#include "chalkpane/composite/hsv.h"
+#include "chalkpane/image/pixel_format.h"
+
+namespace chalkpane::blend {
+
+// The arithmetic of the blend modes, one formula for both pixel formats. s is a channel of the source, d the same
+// channel of the destination. Divisions truncate towards zero.
+//
+// Stored 14-bit words may lie above full scale; every formula gives a defined result for them.
+
+struct Format8 : PixelFormat8 {
+    static constexpr bool burnSparesFullDestination = true;
+    // The rounded product as the screen term of Soft Light forms it.
+    static constexpr auto SoftLightScale = Scale8;
+    static constexpr std::int32_t randomMask = 0xff;
+    static constexpr std::int32_t redWeight = 77, greenWeight = 151, blueWeight = 28;
+    static Rgb14 ToWords(const std::uint8_t* pixel) { return {Widen(pixel[2]), Widen(pixel[1]), Widen(pixel[0])}; }
+    static std::uint8_t FromWord(std::uint16_t word) { return Narrow(word); }
+    static Hsv ToHsv(const Rgb14& colour) { return RgbToHsv8(colour); }
+    static Rgb14 FromHsv(const Hsv& colour) { return HsvToRgb8(colour); }
+};
+
+struct Format14 : PixelFormat14 {
+    static constexpr bool burnSparesFullDestination = false;  // DIFFERS: Burn
+    // DIFFERS: keeps the 8-bit rounding, so the term is some 64 times too large and what follows wraps. That is what
+    // the mode looks like at 14 bits.
+    static constexpr std::int32_t SoftLightScale(std::int32_t a, std::int32_t b) {
+        const std::uint32_t t = static_cast<std::uint32_t>(a) * static_cast<std::uint32_t>(b) + 128;
+        return static_cast<std::int32_t>(t + static_cast<std::uint32_t>(static_cast<std::int32_t>(t) >> 8)) >> 8;
+    }
+    static constexpr std::int32_t randomMask = 0x3fff;
+    static constexpr std::int32_t redWeight = 4915, greenWeight = 9666, blueWeight = 1802;
+    static Rgb14 ToWords(const std::uint16_t* pixel) { return {pixel[2], pixel[1], pixel[0]}; }
+    static std::uint16_t FromWord(std::uint16_t word) { return word; }
+    static Hsv ToHsv(const Rgb14& colour) { return RgbToHsv14(colour); }
+    static Rgb14 FromHsv(const Hsv& colour) { return HsvToRgb14(colour); }
+};
+
+// One colour channel from two, alpha from the source.
+template <typename F>
+struct ChannelFormulas {
+    static constexpr std::int32_t full = F::fullScale;
+    static constexpr std::int32_t above = full + 1;
+    static constexpr std::int32_t half = above / 2;
+    using Int = std::int32_t;
+
+    static constexpr Int Screened(Int s, Int d) { return F::Scale(full - s, full - d); }
+
+    static constexpr Int Add(Int s, Int d) { return std::min(s + d, Int{full}); }
+    static constexpr Int Subtract(Int s, Int d) { return std::max(d - s, 0); }
+    static constexpr Int Difference(Int s, Int d) { return s > d ? s - d : d - s; }
+    static constexpr Int Multiply(Int s, Int d) { return F::Scale(s, d); }
+    static constexpr Int DarkenOnly(Int s, Int d) { return std::min(s, d); }
+    // KEEP: Burn and Dodge divide by the destination, the Color forms by the source.
+    static constexpr Int Burn(Int s, Int d) {
+        if (F::burnSparesFullDestination && d == full) return s;
+        return std::clamp((s - full) * above / (d + 1) + full, 0, Int{full});
+    }
+    static constexpr Int ColourBurn(Int s, Int d) { return s == 0 ? 0 : std::max((d - full) * above / s + full, 0); }
+    static constexpr Int Screen(Int s, Int d) { return full - Screened(s, d); }
+    static constexpr Int LightenOnly(Int s, Int d) { return std::max(s, d); }
+    static constexpr Int Dodge(Int s, Int d) { return std::min(s * above / std::max(above - d, 1), Int{full}); }
+    static constexpr Int ColourDodge(Int s, Int d) {
+        return s >= full ? Int{full} : std::min(d * above / (full - s), Int{full});
+    }
+    static constexpr Int Overlay(Int s, Int d) { return d < half ? 2 * F::Scale(s, d) : full - 2 * Screened(s, d); }
+    static constexpr Int SoftLight(Int s, Int d) {
+        const Int multiplied = F::Scale(d, s);
+        const Int screened = full - F::SoftLightScale(full - d, full - s);
+        return multiplied + F::Scale(screened - multiplied, d);
+    }
+    static constexpr Int HardLight(Int s, Int d) { return s >= half ? full - 2 * Screened(d, s) : 2 * F::Scale(d, s); }
+    // KEEP: the plain comparison, without doubling the source.
+    static constexpr Int PinLight(Int s, Int d) { return s >= half ? std::max(s, d) : std::min(s, d); }
+    static constexpr Int Exclusion(Int s, Int d) { return d + F::Scale(full - 2 * d, s); }
+    static constexpr Int Negation(Int s, Int d) { return full - std::abs(full - s - d); }
+};
+
+// A whole pixel from two.
+template <typename F>
+struct PixelFormulas {
+    using Channel = typename F::Channel;
+
+    static void SetColour(Channel* out, const Channel* from) { std::copy(from, from + 3, out); }
+    static void SetAlpha(Channel* out, std::int32_t alpha) { out[3] = static_cast<Channel>(alpha); }
+    static std::int32_t Luma(const Channel* pixel) {
+        return (F::greenWeight * pixel[1] + F::redWeight * pixel[2] + F::blueWeight * pixel[0]) >> F::bits;
+    }
+    static void SetHsv(Channel* out, const Channel* s, const Hsv& colour) {
+        const Rgb14 words = F::FromHsv(colour);
+        out[0] = F::FromWord(words.blue);
+        out[1] = F::FromWord(words.green);
+        out[2] = F::FromWord(words.red);
+        out[3] = s[3];
+    }
+    static Hsv HsvOf(const Channel* pixel) { return F::ToHsv(F::ToWords(pixel)); }
+
+    static void Hue(const Channel* s, const Channel* d, Channel* out) {
+        const Hsv below = HsvOf(d);
+        SetHsv(out, s, {HsvOf(s).hue, below.saturation, below.value});
+    }
+    static void Saturation(const Channel* s, const Channel* d, Channel* out) {
+        const Hsv below = HsvOf(d);
+        SetHsv(out, s, {below.hue, HsvOf(s).saturation, below.value});
+    }
+    static void Value(const Channel* s, const Channel* d, Channel* out) {
+        const Hsv below = HsvOf(d);
+        SetHsv(out, s, {below.hue, below.saturation, HsvOf(s).value});
+    }
+    static void Colour(const Channel* s, const Channel* d, Channel* out) {
+        const Hsv above = HsvOf(s);
+        SetHsv(out, s, {above.hue, above.saturation, HsvOf(d).value});
+    }
+    // The source with its alpha thrown to all or nothing; no number is drawn where there is nothing to throw.
+    static void Dissolve(const Channel* s, const Channel* /*d*/, Channel* out) {
+        const bool shown = s[3] != 0 && s[3] >= (Random() & F::randomMask);
+        SetColour(out, s);
+        SetAlpha(out, shown ? F::fullScale : 0);
+    }
+    static void SourceAlpha(const Channel* s, const Channel* d, Channel* out) {
+        SetColour(out, d);
+        SetAlpha(out, s[3]);
+    }
+    static void SourceLuma(const Channel* s, const Channel* d, Channel* out) {
+        SetColour(out, d);
+        SetAlpha(out, Luma(s));
+    }
+    // KEEP: both inversions take from 255 at 14 bits too, and what falls below zero wraps in the channel.
+    static void InvertedAlpha(const Channel* s, const Channel* d, Channel* out) {
+        SetColour(out, d);
+        SetAlpha(out, 255 - s[3]);
+    }
+    static void InvertedLuma(const Channel* s, const Channel* d, Channel* out) {
+        SetColour(out, d);
+        SetAlpha(out, 255 - Luma(s));
+    }
+};
+
+}  // namespace chalkpane::blend

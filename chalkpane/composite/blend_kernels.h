@@ -1,0 +1,150 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+#include "chalkpane/composite/blend_formulas.h"
+#include "chalkpane/composite/blending_modes.h"
+
+namespace chalkpane::blend {
+
+// The loops over a row that make kernels of the formulas, and the one table of all modes. The loop over channels exists
+// twice, for the baseline and for wider registers, from one body that the compiler vectorises; results are the same.
+
+using ChannelFormula = std::int32_t (*)(std::int32_t s, std::int32_t d);
+template <typename F>
+using PixelFormula = void (*)(const typename F::Channel* s, const typename F::Channel* d, typename F::Channel* out);
+
+// All ones where an index stands for alpha: tells colour and alpha of a block apart without a branch.
+template <typename Channel, std::size_t pixels>
+inline constexpr std::array<Channel, 4 * pixels> alphaLanes = [] {
+    std::array<Channel, 4 * pixels> lanes{};
+    for (std::size_t i = 3; i < lanes.size(); i += 4) lanes[i] = static_cast<Channel>(~Channel{0});
+    return lanes;
+}();
+
+// Where a kernel stands in its three rows.
+template <typename Channel>
+struct RowCursor {
+    const Channel* source;
+    const Channel* destination;
+    Channel* output;
+    std::int32_t count;
+
+    void Advance(std::int32_t pixels) {
+        source += 4 * pixels;
+        destination += 4 * pixels;
+        output += 4 * pixels;
+        count -= pixels;
+    }
+};
+
+// Whole blocks of so many pixels. A block is gathered beside the row and stored at once: the output may be the
+// destination itself, which would keep the compiler from working on several channels together.
+template <std::size_t pixels, ChannelFormula formula, typename Channel>
+[[gnu::always_inline]] inline void BlendBlocks(RowCursor<Channel>& row) {
+    constexpr auto& lanes = alphaLanes<Channel, pixels>;
+    for (; row.count >= static_cast<std::int32_t>(pixels); row.Advance(pixels)) {
+        std::array<Channel, 4 * pixels> block;
+        for (std::size_t i = 0; i < 4 * pixels; ++i) {
+            const auto blended = static_cast<Channel>(formula(row.source[i], row.destination[i]));
+            block[i] = static_cast<Channel>((blended & ~lanes[i]) | (row.source[i] & lanes[i]));
+        }
+        std::memcpy(row.output, block.data(), sizeof block);
+    }
+}
+
+template <ChannelFormula formula, typename Channel>
+[[gnu::always_inline]] inline void BlendEachChannel(RowCursor<Channel> row) {
+    BlendBlocks<16, formula>(row);
+    BlendBlocks<4, formula>(row);
+    BlendBlocks<1, formula>(row);
+}
+
+template <typename F, ChannelFormula formula, typename Channel = typename F::Channel>
+void EachChannelPlain(const Channel* source, const Channel* destination, Channel* output, std::int32_t count) {
+    BlendEachChannel<formula, Channel>({source, destination, output, count});
+}
+
+template <typename F, ChannelFormula formula, typename Channel = typename F::Channel>
+#if defined(__x86_64__) || defined(__i386__)
+[[gnu::target("avx2")]]
+#endif
+void EachChannelWide(const Channel* source, const Channel* destination, Channel* output, std::int32_t count) {
+    BlendEachChannel<formula, Channel>({source, destination, output, count});
+}
+
+template <typename F, PixelFormula<F> formula, typename Channel = typename F::Channel>
+void EachPixel(const Channel* source, const Channel* destination, Channel* output, std::int32_t count) {
+    for (; count > 0; --count, source += 4, destination += 4, output += 4) formula(source, destination, output);
+}
+
+// Modes that are one of their rows.
+enum class From { source, destination };
+template <typename F, From from, typename Channel = typename F::Channel>
+void CopyRow(const Channel* source, const Channel* destination, Channel* output, std::int32_t count) {
+    if (count < 1) return;
+    std::memmove(output, from == From::source ? source : destination,
+                 sizeof(Channel) * 4 * static_cast<std::size_t>(count));
+}
+
+enum class Registers { plain, wide };
+template <typename F, Registers registers, ChannelFormula formula>
+inline constexpr BlendKernel<F> eachChannel =
+    registers == Registers::wide ? &EachChannelWide<F, formula> : &EachChannelPlain<F, formula>;
+
+template <typename F>
+struct BlendMode {
+    std::string_view name;
+    BlendKernel<F> kernel;
+};
+
+// In index order: a brush holds the index. The names are what the operator reads.
+template <typename F, Registers R, typename C = ChannelFormulas<F>, typename P = PixelFormulas<F>>
+inline constexpr std::array<BlendMode<F>, blendModeCount> blendModes{{
+    {"Normal", &CopyRow<F, From::source>},
+    {"Add", eachChannel<F, R, C::Add>},
+    {"Subtract", eachChannel<F, R, C::Subtract>},
+    {"Difference", eachChannel<F, R, C::Difference>},
+    {"Multiply", eachChannel<F, R, C::Multiply>},
+    {"Darken Only", eachChannel<F, R, C::DarkenOnly>},
+    {"Burn", eachChannel<F, R, C::Burn>},
+    {"Color Burn", eachChannel<F, R, C::ColourBurn>},
+    {"Screen", eachChannel<F, R, C::Screen>},
+    {"Lighten Only", eachChannel<F, R, C::LightenOnly>},
+    {"Dodge", eachChannel<F, R, C::Dodge>},
+    {"Color Dodge", eachChannel<F, R, C::ColourDodge>},
+    {"Hue", &EachPixel<F, P::Hue>},
+    {"Saturation", &EachPixel<F, P::Saturation>},
+    {"Value", &EachPixel<F, P::Value>},
+    {"Color", &EachPixel<F, P::Colour>},
+    {"Overlay", eachChannel<F, R, C::Overlay>},
+    {"Soft Light", eachChannel<F, R, C::SoftLight>},
+    {"Hard Light", eachChannel<F, R, C::HardLight>},
+    {"Pin Light", eachChannel<F, R, C::PinLight>},
+    {"Exclusion", eachChannel<F, R, C::Exclusion>},
+    {"Negation", eachChannel<F, R, C::Negation>},
+    {"", &EachPixel<F, P::Dissolve>},
+    {"", &CopyRow<F, From::destination>},
+    {"", &EachPixel<F, P::SourceAlpha>},
+    {"", &EachPixel<F, P::SourceLuma>},
+    {"", &EachPixel<F, P::InvertedAlpha>},
+    {"", &EachPixel<F, P::InvertedLuma>},
+}};
+
+template <typename F, Registers R>
+constexpr std::array<BlendKernel<F>, blendModeCount> KernelsOf() {
+    std::array<BlendKernel<F>, blendModeCount> kernels{};
+    for (std::size_t mode = 0; mode < kernels.size(); ++mode) kernels[mode] = blendModes<F, R>[mode].kernel;
+    return kernels;
+}
+
+// The same kernels for wider registers, to be called only where the processor has them.
+extern const std::array<BlendKernel<PixelFormat8>, blendModeCount> wideBlendKernels8;
+extern const std::array<BlendKernel<PixelFormat14>, blendModeCount> wideBlendKernels14;
+[[nodiscard]] bool HasWideRegisters();
+
+}  // namespace chalkpane::blend

@@ -1,0 +1,51 @@
+#include "chalkpane/composite/brush_paster.h"
+
+#include "chalkpane/composite/brush_paster_rows.h"
+
+namespace chalkpane {
+
+namespace {
+
+// Opacity 1.0 is full scale exactly.
+template <typename F>
+constexpr double opacityFactor = F::fullScale + 0.001;
+
+template <typename F>
+void PasteRows(const PasteRecord& record, double opacity, std::int32_t mode, PasteBehaviour behaviour) {
+    using Channel = typename F::Channel;
+    PasteJob<F> job;
+    job.region = record.rect;
+    job.target = PlaneOf<Channel>(*record.target, record.rect);
+    job.source = PlaneOf<const Channel>(*record.source, record.rect);
+    job.mask = record.mask != nullptr ? CoveragePlaneOf<Channel>(*record.mask, record.rect) : FullCoverage<F>();
+    job.settings = {IntegerOpacity(opacity, opacityFactor<F>, F::fullScale), mode};
+    if (job.settings.opacity == 0) return;
+    job.SetClip(record.clip, record.clipInverted, BrushPasterKernels<F>(mode != 0, behaviour));
+    RunPaste(job);
+}
+
+bool Fits(const PasteRecord& record) {
+    return !record.source->IsMask() && !record.target->IsMask() && HasDepthOf(*record.source, record.target) &&
+           HasDepthOf(*record.source, record.mask) && HasDepthOf(*record.source, record.clip);
+}
+
+}  // namespace
+
+void BrushPaster::Paste(const Image& source, const Image* mask, Image& target, PasteBehaviour over, const Rect& rect,
+                        std::int32_t /*reserved*/, const Image* clip, Clip clipInverted) {
+    workingOpacity = opacity;
+    const Rect region = PasteRegion(rect, mask, target, clip, clipInverted).Intersection(source);
+    if (!(workingOpacity > 0.0) || !region.IsValid()) return;
+    record = {&source, mask, &target, region, clip, clipInverted};
+    if (Fits(record)) {
+        WithFormatOf(source, [&]<typename F>(F) { PasteRows<F>(record, workingOpacity, mode, over); });
+    }
+    record = {};
+}
+
+BrushPaster& SharedPaster() {
+    static auto& paster = *new BrushPaster;
+    return paster;
+}
+
+}  // namespace chalkpane

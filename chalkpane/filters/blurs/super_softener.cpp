@@ -1,0 +1,228 @@
+#include "chalkpane/filters/blurs/super_softener.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <vector>
+
+#include "chalkpane/base/multi_processor.h"
+#include "chalkpane/filters/blurs/float_line.h"
+#include "chalkpane/filters/work_area.h"
+#include "chalkpane/image/image_rows.h"
+
+#if defined(__x86_64__)
+#include <immintrin.h>
+#endif
+
+namespace chalkpane {
+namespace {
+
+constexpr std::uint8_t qualityCode = 1;
+constexpr std::array<std::string_view, 4> qualities{"Coarse", "Low", "High", "Best"};
+
+// Far beyond what a control offers; keeps lines and grown pictures of a sane size.
+constexpr double largestSoftness = 10000.0;
+
+#if defined(__x86_64__)
+__m128i LoadFour(const std::uint8_t* channels) {
+    const __m128i zero = _mm_setzero_si128();
+    return _mm_unpacklo_epi16(_mm_unpacklo_epi8(_mm_loadu_si32(channels), zero), zero);
+}
+__m128i LoadFour(const std::uint16_t* channels) {
+    return _mm_unpacklo_epi16(_mm_loadu_si64(channels), _mm_setzero_si128());
+}
+void StoreFour(__m128i four, std::uint8_t* channels) {
+    const __m128i words = _mm_packs_epi32(four, four);
+    _mm_storeu_si32(channels, _mm_packus_epi16(words, words));
+}
+void StoreFour(__m128i four, std::uint16_t* channels) { _mm_storeu_si64(channels, _mm_packs_epi32(four, four)); }
+
+// Four channels at a time, which are a pixel or neighbours in a mask.
+template <typename F>
+void Load(const typename F::Channel* channels, float* lanes) {
+    _mm_storeu_ps(lanes, _mm_cvtepi32_ps(LoadFour(channels)));
+}
+// Rounded and limited; what is not a number after endless passes is 0.
+template <typename F>
+void Store(const float* lanes, float gain, typename F::Channel* channels) {
+    const __m128 rounded = _mm_add_ps(_mm_div_ps(_mm_loadu_ps(lanes), _mm_set1_ps(gain)), _mm_set1_ps(0.5F));
+    const __m128 positive = _mm_max_ps(rounded, _mm_setzero_ps());
+    StoreFour(_mm_cvttps_epi32(_mm_min_ps(positive, _mm_set1_ps(F::fullScale))), channels);
+}
+#else
+template <typename F>
+void Load(const typename F::Channel* channels, float* lanes) {
+    for (std::size_t i = 0; i < 4; ++i) lanes[i] = static_cast<float>(channels[i]);
+}
+template <typename F>
+void Store(const float* lanes, float gain, typename F::Channel* channels) {
+    constexpr auto fullScale = static_cast<float>(F::fullScale);
+    for (std::size_t i = 0; i < 4; ++i) {
+        const float rounded = lanes[i] / gain + 0.5F;
+        const float positive = rounded > 0.0F ? rounded : 0.0F;
+        channels[i] = static_cast<typename F::Channel>(positive < fullScale ? positive : fullScale);
+    }
+}
+#endif
+
+// One direction of the blur. Lines are handled in strips: as many as fill the lanes of a FloatLine.
+template <typename F>
+struct StripJob {
+    using Channel = typename F::Channel;
+
+    // Scratch of one worker.
+    struct Lines {
+        FloatLine line;
+        FloatLine spare;
+        std::vector<Channel> staged;  // columns of a picture, row by row
+    };
+
+    static constexpr std::size_t groupChannels = 64;  // of columns that are fetched together
+
+    const Image& from;
+    Image& to;
+    double softness;
+    std::int32_t passes;
+    std::vector<Lines> workers =
+        std::vector<Lines>(static_cast<std::size_t>(std::max(MultiProcessor::Instance().ProcessorCount(), 1)));
+
+    [[nodiscard]] std::size_t Channels() const { return static_cast<std::size_t>(ChannelCount(from)); }
+    [[nodiscard]] std::int32_t StripLines() const { return static_cast<std::int32_t>(FloatLine::lanes / Channels()); }
+
+    Lines& Ready(std::int32_t worker, std::int32_t first, std::int32_t last) {
+        const std::int32_t reach = SoftenReach(softness, passes);
+        Lines& lines = workers[static_cast<std::size_t>(worker)];
+        lines.line.Reset(first - reach, last + reach);
+        lines.spare.Reset(first - reach, last + reach);
+        return lines;
+    }
+
+    // The rows of a strip, lowest first, side by side in the lanes; `size` is that of a pixel.
+    template <std::size_t size>
+    static void LoadRows(std::span<const Channel* const> rows, std::size_t count, float* lanes) {
+        for (std::size_t x = 0; x < count; ++x, lanes += FloatLine::lanes) {
+            for (std::size_t row = 0; row < rows.size(); ++row) {
+                if constexpr (size == 4)
+                    Load<F>(rows[row] + x * size, lanes + row * size);
+                else
+                    lanes[row] = static_cast<float>(rows[row][x]);
+            }
+        }
+    }
+    template <std::size_t size>
+    static void StoreRows(const float* lanes, float gain, std::size_t count, std::span<Channel* const> rows) {
+        std::array<Channel, FloatLine::lanes> mask;
+        for (std::size_t x = 0; x < count; ++x, lanes += FloatLine::lanes) {
+            for (std::size_t i = 0; i < mask.size() && size == 1; i += 4) Store<F>(lanes + i, gain, &mask[i]);
+            for (std::size_t row = 0; row < rows.size(); ++row) {
+                if constexpr (size == 4)
+                    Store<F>(lanes + row * size, gain, rows[row] + x * size);
+                else
+                    rows[row][x] = mask[row];
+            }
+        }
+    }
+
+    // Strip `strip` of rows, counted from the bottom of `to`.
+    template <std::size_t size>
+    void SoftenRowsOf(std::int32_t strip, std::int32_t worker) {
+        const std::int32_t bottom = to.y0 + strip * StripLines();
+        const auto count = static_cast<std::size_t>(std::min(StripLines(), to.y1 - bottom + 1));
+        std::array<const Channel*, FloatLine::lanes> sources;
+        std::array<Channel*, FloatLine::lanes> targets;
+        for (std::size_t i = 0; i < count; ++i) {
+            const std::int32_t y = bottom + static_cast<std::int32_t>(i);
+            sources[i] = ImageRow<F>(from, y).data();
+            targets[i] = ImageRow<F>(to, y).data();
+        }
+        auto& [line, spare, staged] = Ready(worker, std::min(from.x0, to.x0), std::max(from.x1, to.x1));
+        LoadRows<size>(std::span(sources).first(count), static_cast<std::size_t>(from.Width()), line.At(from.x0));
+        SoftenLine(line, spare, softness, passes);
+        StoreRows<size>(line.At(to.x0), line.gain, static_cast<std::size_t>(to.Width()),
+                        std::span(targets).first(count));
+    }
+    void SoftenRows(std::int32_t strip, std::int32_t worker) {
+        from.IsMask() ? SoftenRowsOf<1>(strip, worker) : SoftenRowsOf<4>(strip, worker);
+    }
+
+    // Neighbouring strips of columns, counted from the left of `to`; both images have the same columns. The rows of a
+    // picture lie far apart in memory, so what several strips need of them is fetched and brought back together.
+    void SoftenColumns(std::int32_t group, std::int32_t worker) {
+        const std::size_t first = static_cast<std::size_t>(group) * groupChannels;
+        const std::size_t size = std::min(groupChannels, static_cast<std::size_t>(to.Width()) * Channels() - first);
+        auto& [line, spare, stagedRows] = workers[static_cast<std::size_t>(worker)];
+        auto& staged = stagedRows;
+        const std::int32_t bottom = std::min(from.y0, to.y0);
+        staged.resize(static_cast<std::size_t>(std::max(from.y1, to.y1) - bottom + 1) * groupChannels);
+        const auto stagedRow = [&staged, bottom](std::int32_t y) {
+            return staged.data() + static_cast<std::size_t>(y - bottom) * groupChannels;
+        };
+        for (std::int32_t y = from.y0; y <= from.y1; ++y)
+            std::copy_n(ImageRow<F>(from, y).data() + first, size, stagedRow(y));
+        for (std::size_t strip = 0; strip < size; strip += FloatLine::lanes) {
+            Ready(worker, bottom, std::max(from.y1, to.y1));
+            for (std::int32_t y = from.y0; y <= from.y1; ++y)
+                for (std::size_t i = 0; i < FloatLine::lanes; i += 4) Load<F>(stagedRow(y) + strip + i, line.At(y) + i);
+            SoftenLine(line, spare, softness, passes);
+            for (std::int32_t y = to.y0; y <= to.y1; ++y)
+                for (std::size_t i = 0; i < FloatLine::lanes; i += 4)
+                    Store<F>(line.At(y) + i, line.gain, stagedRow(y) + strip + i);
+        }
+        for (std::int32_t y = to.y0; y <= to.y1; ++y)
+            std::copy_n(stagedRow(y), size, ImageRow<F>(to, y).data() + first);
+    }
+
+    // linesAtOnce: lines that one call of `direction` does, each of `lineLength` pixels.
+    template <void (StripJob::*direction)(std::int32_t, std::int32_t)>
+    void Run(std::int32_t lineCount, std::int32_t linesAtOnce, std::int32_t lineLength) {
+        const auto strip = [](std::int32_t index, void* userData, std::int32_t worker) {
+            (static_cast<StripJob*>(userData)->*direction)(index, worker);
+        };
+        RunInBands(0, (lineCount + linesAtOnce - 1) / linesAtOnce - 1, lineLength * linesAtOnce, strip, this);
+    }
+    void RunRows() { Run<&StripJob::SoftenRows>(to.Height(), StripLines(), to.Width()); }
+    void RunColumns() {
+        const auto groupLines = static_cast<std::int32_t>(groupChannels / Channels());
+        Run<&StripJob::SoftenColumns>(to.Width(), groupLines, to.Height());
+    }
+};
+
+template <typename F>
+std::unique_ptr<Image> Softened(const Image& source, const Rect& work, double softness, std::int32_t passes) {
+    Image between(Rect(work.x0, source.y0, work.x1, source.y1), source.type, source.depth, source.flag);
+    auto result = NewImageLike(source, work);
+    StripJob<F>{source, between, softness, passes}.RunRows();
+    StripJob<F>{between, *result, softness, passes}.RunColumns();
+    return result;
+}
+
+}  // namespace
+
+std::span<const std::string_view> SuperSoftener::Choices(std::uint8_t code) {
+    return code == qualityCode ? std::span<const std::string_view>(qualities) : std::span<const std::string_view>();
+}
+
+void SuperSoftener::setParameter(ParameterValue* value) {
+    FilterClass::setParameter(value);
+    if (value != nullptr && value->getParameter() != nullptr && value->getParameter()->code == qualityCode) ++m_passes;
+}
+
+std::int32_t SuperSoftener::Reach() const {
+    const double softness = std::min(m_softness, largestSoftness);
+    return softness > 0.0 ? static_cast<std::int32_t>(std::ceil(softness)) : 0;
+}
+
+void SuperSoftener::Apply(const Image& source, std::unique_ptr<Image>& result, bool /*fast*/, const Rect* region,
+                          bool expand) {
+    const double softness = std::min(m_softness, largestSoftness);
+    if (!(softness >= 0.01 && (m_passes > 2 || softness >= 1.0))) return ApplyAsCopy(source, result);
+    ApplyInWorkArea(source, result, region, expand ? Reach() : 0, [&](const Rect& work) {
+        return WithFormatOf(source,
+                            [&](auto format) { return Softened<decltype(format)>(source, work, softness, m_passes); });
+    });
+}
+
+Rect SuperSoftener::InputRegion(const Rect& /*rect*/, const Rect& region) const { return Grown(region, Reach()); }
+Rect SuperSoftener::OutputRegion(const Rect& /*rect*/, const Rect& region) const { return Grown(region, Reach()); }
+
+}  // namespace chalkpane

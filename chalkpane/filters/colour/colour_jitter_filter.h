@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cmath>
+
+#include "chalkpane/base/random.h"
+#include "chalkpane/filters/colour/hue_rows.h"
+#include "chalkpane/filters/row_filter.h"
+
+namespace chalkpane {
+
+// "Colour Jitter": turns all hues by one random part of the setting, drawn anew at each run.
+class ColourJitterFilter final : public RowFilter<ColourJitterFilter> {
+public:
+    static constexpr FilterIdentity identity{"ColourJitter", "Colour Jitter", "Color Correctors"};
+    static constexpr auto Parameters() {
+        return std::to_array<ParameterRow<ColourJitterFilter>>({
+            {0, "Hue Rotation", "Hue Rotation", 0.0, {-100, 100}, &ColourJitterFilter::m_hue, angle360},
+        });
+    }
+
+    ColourJitterFilter() = default;
+    // The drawn turn stays behind: a copy starts like a fresh object.
+    ColourJitterFilter(const ColourJitterFilter& other) : RowFilter(other), m_hue(other.m_hue) {}
+
+    // KEEP: the turn of the run before is tested, not the setting; once a turn of nothing was drawn the filter rests.
+    [[nodiscard]] bool IsIdentity(const Image& /*source*/) const { return std::fabs(m_turn) < 1e-05F; }
+    // The one draw of the run.
+    void BeginRun(const Image& /*source*/) override {
+        m_turn = (m_hue * (static_cast<float>(Random()) / 32767.0F)) / 360.0F;
+    }
+
+    template <typename F>
+    void Row(std::span<typename F::Channel> pixels) const {
+        TurnHues(pixels, m_turn, nullptr);
+    }
+
+private:
+    float m_hue = 0.0F;   // degrees
+    float m_turn = 1.0F;  // of the last run; a fresh object holds a whole turn, so that its first run draws
+};
+
+}  // namespace chalkpane

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+
+#include "chalkpane/filters/filter_class.h"
+#include "chalkpane/filters/noise/grain_random.h"
+#include "chalkpane/filters/point_filter.h"
+
+namespace chalkpane {
+
+// "Add Noise": random numbers added to a share of the pixels. The same picture gets the same noise at every run.
+class AddNoiseEffect final : public FilterClass<AddNoiseEffect, PointFilter> {
+public:
+    static constexpr FilterIdentity identity{"Add Noise", "Add Noise", "Effects"};
+    static constexpr auto Parameters() {
+        using Self = AddNoiseEffect;
+        return std::to_array<ParameterRow<Self>>({
+            // code label     unique name     default range   field
+            {0, "Level", "Level", 0.0, {0, 1}, &Self::m_level},
+            {1, "Distribution", "Distribution", 0, {}, &Self::m_distribution},
+            {2, "Channels", "Channels", 0, {}, &Self::m_channels},
+            {3, "Density %", "Density", 100, {0, 100}, &Self::m_density},
+        });
+    }
+    static std::span<const std::string_view> Choices(std::uint8_t code);
+
+    void Apply(const Image& source, std::unique_ptr<Image>& result, bool fast, const Rect* region,
+               bool expand) override;
+    void ProcessRow16(std::int32_t firstX, std::int32_t lastX, std::int32_t y,
+                      std::span<std::uint16_t> pixels) override;
+    void ProcessRow8(std::int32_t firstX, std::int32_t lastX, std::int32_t y, std::span<std::uint8_t> pixels) override;
+    void Prepare() override { m_random.Seed(0); }
+    // The sequence runs on from row to row.
+    [[nodiscard]] bool CanRunInParallel() const override { return false; }
+
+private:
+    template <typename F>
+    void AddNoise(std::span<typename F::Channel> pixels);
+
+    float m_level = 0.0F;
+    std::uint8_t m_distribution = 0;
+    std::uint8_t m_channels = 0;
+    std::int32_t m_density = 100;  // per cent
+    GrainRandom m_random;
+};
+
+}  // namespace chalkpane

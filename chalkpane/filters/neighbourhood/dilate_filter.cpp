@@ -1,0 +1,100 @@
+#include "chalkpane/filters/neighbourhood/dilate_filter.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "chalkpane/filters/blurs/softener.h"
+#include "chalkpane/filters/luma.h"
+#include "chalkpane/filters/work_area.h"
+
+namespace chalkpane {
+namespace {
+
+// Far beyond what a control offers.
+constexpr double largestRadius = 10000.0;
+
+using ByteTable = std::array<std::uint8_t, 256>;
+
+// KEEP: the lower threshold is asked first, so with the two crossed everything below the lower one is black.
+ByteTable ThresholdTable(std::int32_t lower, std::int32_t upper) {
+    ByteTable table;
+    for (std::int32_t v = 0; v < 256; ++v)
+        table[static_cast<std::size_t>(v)] = static_cast<std::uint8_t>(v < lower ? 0 : (v >= upper ? 255 : v));
+    return table;
+}
+
+ByteTable SlopeTable(std::int64_t softness) {
+    const std::int64_t low = 127 - softness;
+    const std::int64_t high = 127 + softness;
+    ByteTable table;
+    for (std::int64_t v = 0; v < 256; ++v) {
+        std::int64_t level = 0;
+        if (v > high)
+            level = 255;
+        else if (v > low)
+            level = (v - low) * 255 / (high - low);
+        table[static_cast<std::size_t>(v)] = static_cast<std::uint8_t>(level);
+    }
+    return table;
+}
+
+// One channel of luma between the thresholds.
+Image LumaMask(const Image& source, const Rect& work, const ByteTable& table) {
+    Image mask(work, Image::maskType, 0, 0);
+    for (std::int32_t y = mask.y0; y <= mask.y1; ++y) {
+        const auto out = mask.Row8(y);
+        const auto* pixel = reinterpret_cast<const std::uint8_t*>(source.Address(mask.x0, y));
+        for (auto& level : out) {
+            level =
+                table[source.IsMask() ? pixel[0] : static_cast<std::uint8_t>(LumaByte(pixel[2], pixel[1], pixel[0]))];
+            pixel += source.pixelBytes;
+        }
+    }
+    return mask;
+}
+
+void StoreGrey(const Image& blurred, const ByteTable& table, Image& result) {
+    for (std::int32_t y = result.y0; y <= result.y1; ++y) {
+        const auto out = result.Row8(y);
+        for (std::int32_t x = result.x0; x <= result.x1; ++x) {
+            const std::uint8_t level = table[blurred.GetMaskEdge8(x, y, edgeTransparent)];
+            const auto i = static_cast<std::size_t>(x - result.x0) * static_cast<std::size_t>(result.pixelBytes);
+            out[i] = level;
+            if (result.IsMask()) continue;
+            out[i + 1] = out[i + 2] = level;
+            out[i + 3] = 255;
+        }
+    }
+}
+
+}  // namespace
+
+std::unique_ptr<Image> DilateFilter::Matte(const Image& source, const Rect& work, bool fast, const Rect* region,
+                                           bool expand) const {
+    const double radius = std::min(m_radius, largestRadius);
+    const Image mask = LumaMask(source, work, ThresholdTable(m_lowerThreshold, m_upperThreshold));
+    std::unique_ptr<Image> blurred;
+    Softener(radius).Apply(mask, blurred, fast, region, expand);
+    if (!blurred) throw std::bad_alloc();
+    const std::int32_t growth = expand ? static_cast<std::int32_t>(std::ceil(radius)) : 0;
+    auto result = NewImageLike(source, Grown(work, growth));
+    StoreGrey(*blurred, SlopeTable(m_softness), *result);
+    return result;
+}
+
+void DilateFilter::Apply(const Image& source, std::unique_ptr<Image>& result, bool fast, const Rect* region,
+                         bool expand) {
+    if (!(m_radius > 0.0)) return ApplyAsCopy(source, result);
+    ApplyInWorkArea(source, result, region, 0, [&](const Rect& work) {
+        return source.depth == 0 ? Matte(source, work, fast, region, expand)
+                                 : Matte(*source.Convert(Rect(), 0), work, fast, region, expand);
+    });
+}
+
+Rect DilateFilter::InputRegion(const Rect& /*rect*/, const Rect& region) const {
+    return Grown(region, static_cast<std::int32_t>(std::clamp(m_radius, 0.0, largestRadius)));
+}
+Rect DilateFilter::OutputRegion(const Rect& rect, const Rect& region) const { return InputRegion(rect, region); }
+
+}  // namespace chalkpane

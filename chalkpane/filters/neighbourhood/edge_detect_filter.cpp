@@ -1,0 +1,140 @@
+#include "chalkpane/filters/neighbourhood/edge_detect_filter.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <vector>
+
+#include "chalkpane/base/multi_processor.h"
+#include "chalkpane/filters/work_area.h"
+#include "chalkpane/image/image_rows.h"
+
+namespace chalkpane {
+namespace {
+
+// A slope is at most four times full scale, so brightening is a table.
+template <typename F>
+std::vector<typename F::Channel> BrightnessTable(double brightness) {
+    const double factor = brightness * 0.1;
+    std::vector<typename F::Channel> table(static_cast<std::size_t>(F::fullScale) * 4 + 1);
+    for (std::size_t slope = 0; slope < table.size(); ++slope) {
+        const double value = std::clamp(static_cast<double>(slope) * factor, 0.0, static_cast<double>(F::fullScale));
+        table[slope] = static_cast<typename F::Channel>(value);
+    }
+    return table;
+}
+
+// Where a slope's sign counts: inside, a negative horizontal slope is no edge.
+// KEEP: on the rim of the source its magnitude is taken instead; mattes cut at the border rely on closed outlines.
+enum class Place { Inside, Rim };
+
+// The nine channels around one, first row the upper one; b4 is not asked for.
+struct Around {
+    std::int32_t b0, b1, b2, b3, b5, b6, b7, b8;
+};
+
+[[gnu::always_inline]] inline std::int32_t Slope(const Around& b, Place place) {
+    const std::int32_t gx = (b.b0 + 2 * b.b3 + b.b6) - (b.b2 + 2 * b.b5 + b.b8);
+    const std::int32_t gy = (b.b0 + 2 * b.b1 + b.b2) - (b.b6 + 2 * b.b7 + b.b8);
+    const std::int32_t horizontal = place == Place::Rim ? std::abs(gx) : std::max(gx, 0);
+    return std::max(horizontal, std::abs(gy));
+}
+
+template <typename F>
+struct EdgeJob {
+    using Channel = typename F::Channel;
+
+    const Image& source;
+    Image& result;
+    std::size_t channels;
+    bool limitToAlpha;
+    std::vector<Channel> table;
+    std::vector<std::vector<std::uint16_t>> slopes;  // per worker: one row of slopes
+
+    EdgeJob(const Image& from, Image& to, double brightness)
+        : source(from),
+          result(to),
+          channels(static_cast<std::size_t>(ChannelCount(from))),
+          limitToAlpha(!from.IsMask() && from.flag != 0),
+          table(BrightnessTable<F>(brightness)),
+          slopes(static_cast<std::size_t>(std::max(MultiProcessor::Instance().ProcessorCount(), 1)),
+                 std::vector<std::uint16_t>(static_cast<std::size_t>(to.Width()) * channels)) {}
+
+    [[nodiscard]] const Channel* At(std::int32_t x, std::int32_t y) const {
+        return ImageRow<F>(source, std::clamp(y, source.y0, source.y1)).data() +
+               static_cast<std::size_t>(std::clamp(x, source.x0, source.x1) - source.x0) * channels;
+    }
+
+    void RimSlopes(std::int32_t x, std::int32_t y, std::uint16_t* out) const {
+        for (std::size_t c = 0; c < channels; ++c) {
+            const auto at = [&](std::int32_t dx, std::int32_t dy) { return std::int32_t{At(x + dx, y + dy)[c]}; };
+            out[c] = static_cast<std::uint16_t>(Slope(
+                {at(-1, 1), at(0, 1), at(1, 1), at(-1, 0), at(1, 0), at(-1, -1), at(0, -1), at(1, -1)}, Place::Rim));
+        }
+    }
+
+    // `count` channels from x on, all of them inside.
+    void InsideSlopes(std::int32_t x, std::int32_t y, std::size_t count, std::uint16_t* __restrict out) const {
+        const Channel* const upper = At(x, y + 1);
+        const Channel* const here = At(x, y);
+        const Channel* const lower = At(x, y - 1);
+        const auto step = static_cast<std::ptrdiff_t>(channels);
+        for (std::ptrdiff_t i = 0; i < static_cast<std::ptrdiff_t>(count); ++i) {
+            out[i] = static_cast<std::uint16_t>(Slope({upper[i - step], upper[i], upper[i + step], here[i - step],
+                                                       here[i + step], lower[i - step], lower[i], lower[i + step]},
+                                                      Place::Inside));
+        }
+    }
+
+    void Row(std::int32_t y, std::int32_t worker) {
+        std::uint16_t* const row = slopes[static_cast<std::size_t>(worker)].data();
+        const auto place = [&](std::int32_t x) { return row + static_cast<std::size_t>(x - result.x0) * channels; };
+        const bool rowInside = y > source.y0 && y < source.y1;
+        const std::int32_t first = rowInside ? std::max(result.x0, source.x0 + 1) : result.x1 + 1;
+        const std::int32_t last = rowInside ? std::min(result.x1, source.x1 - 1) : result.x1;
+        for (std::int32_t x = result.x0; x < std::min(first, result.x1 + 1); ++x) RimSlopes(x, y, place(x));
+        if (first <= last) InsideSlopes(first, y, static_cast<std::size_t>(last - first + 1) * channels, place(first));
+        for (std::int32_t x = std::max(last + 1, first); x <= result.x1; ++x) RimSlopes(x, y, place(x));
+        Store(y, row);
+    }
+
+    void Store(std::int32_t y, const std::uint16_t* row) const {
+        const auto out = ImageRow<F>(result, y);
+        if (channels == 1) {
+            for (std::size_t i = 0; i < out.size(); ++i) out[i] = table[row[i]];
+            return;
+        }
+        std::int32_t x = result.x0;
+        for (std::size_t i = 0; i < out.size(); i += 4, ++x) {
+            const Channel alpha = At(x, y)[3];
+            const Channel limit = limitToAlpha ? alpha : static_cast<Channel>(F::fullScale);
+            for (std::size_t c = i; c < i + 3; ++c) out[c] = std::min(table[row[c]], limit);
+            out[i + 3] = alpha;
+        }
+    }
+};
+
+template <typename F>
+std::unique_ptr<Image> Edges(const Image& source, const Rect& work, double brightness) {
+    auto result = NewImageLike(source, work);
+    EdgeJob<F> job(source, *result, brightness);
+    const auto row = [](std::int32_t y, void* userData, std::int32_t worker) {
+        static_cast<EdgeJob<F>*>(userData)->Row(y, worker);
+    };
+    RunInBands(work.y0, work.y1, work.Width(), row, &job);
+    return result;
+}
+
+}  // namespace
+
+void EdgeDetectFilter::Apply(const Image& source, std::unique_ptr<Image>& result, bool /*fast*/, const Rect* region,
+                             bool expand) {
+    ApplyInWorkArea(source, result, region, expand ? 1 : 0, [&](const Rect& work) {
+        return WithFormatOf(source, [&](auto format) { return Edges<decltype(format)>(source, work, m_brightness); });
+    });
+}
+
+Rect EdgeDetectFilter::InputRegion(const Rect& /*rect*/, const Rect& region) const { return Grown(region, 1); }
+Rect EdgeDetectFilter::OutputRegion(const Rect& /*rect*/, const Rect& region) const { return Grown(region, 1); }
+
+}  // namespace chalkpane

@@ -1,0 +1,206 @@
+#include "cli/json_node.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <fstream>
+#include <set>
+#include <sstream>
+#include <system_error>
+
+#include "cli/error.h"
+
+namespace cli {
+namespace {
+
+using nlohmann::json;
+
+constexpr std::size_t largestFile = 64U << 20U;  // bytes
+
+std::string EscapePointer(std::string_view key) {
+    std::string escaped;
+    for (const char letter : key) {
+        if (letter == '~')
+            escaped += "~0";
+        else if (letter == '/')
+            escaped += "~1";
+        else
+            escaped += letter;
+    }
+    return escaped;
+}
+
+std::string Shown(const json& value) {
+    if (value.is_object()) return "an object";
+    if (value.is_array()) return "a list";
+    if (value.is_string()) return "the text " + Quoted(value.get_ref<const std::string&>());
+    return value.dump();
+}
+
+std::string ShownNumber(double number) {
+    std::ostringstream text;
+    text << number;
+    return text.str();
+}
+
+// Follows the parser, to know the place of what it is reading and to refuse what JSON lets pass.
+class JsonWatcher {
+public:
+    explicit JsonWatcher(const std::filesystem::path& file) : m_file(file) {}
+
+    bool operator()(json::parse_event_t event, const json& parsed) {
+        switch (event) {
+            case json::parse_event_t::object_start:
+            case json::parse_event_t::array_start:
+                if (m_open.size() == nestingLimit) throw Error(m_file.string(), Place(), "nested too deeply");
+                m_open.push_back({event == json::parse_event_t::array_start, 0, {}, {}});
+                break;
+            case json::parse_event_t::object_end:
+            case json::parse_event_t::array_end:
+                m_open.pop_back();
+                Advance();
+                break;
+            case json::parse_event_t::key:
+                m_open.back().key = parsed.get<std::string>();
+                if (!m_open.back().keys.insert(m_open.back().key).second)
+                    throw Error(m_file.string(), Place(), "the key stands twice");
+                break;
+            case json::parse_event_t::value:
+                Advance();
+                break;
+        }
+        return true;
+    }
+
+    [[nodiscard]] std::string Place() const {
+        std::string place;
+        for (const Level& level : m_open)
+            place += '/' + (level.isArray ? std::to_string(level.index) : EscapePointer(level.key));
+        return place.empty() ? "/" : place;
+    }
+
+private:
+    static constexpr std::size_t nestingLimit = 32;
+
+    struct Level {
+        bool isArray = false;
+        std::size_t index = 0;
+        std::string key;
+        std::set<std::string> keys;
+    };
+
+    void Advance() {
+        if (!m_open.empty() && m_open.back().isArray) ++m_open.back().index;
+    }
+
+    const std::filesystem::path& m_file;
+    std::vector<Level> m_open;
+};
+
+// `byte` counts from 1 and is the last one that the parser read.
+std::string LineAndColumn(const std::string& text, std::size_t byte) {
+    const std::size_t end = std::min(byte == 0 ? 0 : byte - 1, text.size());
+    const std::string_view before = std::string_view(text).substr(0, end);
+    const auto line = 1 + std::count(before.begin(), before.end(), '\n');
+    const std::size_t lineStart = before.rfind('\n') + 1;  // npos + 1 is 0: the first line
+    return "line " + std::to_string(line) + ", column " + std::to_string(end - lineStart + 1);
+}
+
+// The parser's sentence without its own prefix, place and quotation of the text.
+std::string ParserReason(std::string reason) {
+    if (const std::size_t colon = reason.find(": "); colon != std::string::npos) reason.erase(0, colon + 2);
+    const std::size_t quotation = reason.find("; last read: ");
+    if (quotation != std::string::npos) {
+        const std::size_t rest = reason.find("; expected", quotation);
+        reason.erase(quotation, rest == std::string::npos ? std::string::npos : rest - quotation);
+    }
+    return reason;
+}
+
+}  // namespace
+
+void JsonNode::Refuse(const std::string& reason) const {
+    throw Error(m_file->string(), m_place.empty() ? "/" : m_place, reason);
+}
+
+bool JsonNode::Has(std::string_view key) const { return m_value->is_object() && m_value->contains(key); }
+
+JsonNode JsonNode::Member(std::string_view key) const {
+    return {m_value->at(std::string(key)), *m_file, m_place + '/' + EscapePointer(key)};
+}
+
+JsonNode JsonNode::Element(std::size_t index) const {
+    return {m_value->at(index), *m_file, m_place + '/' + std::to_string(index)};
+}
+
+std::vector<JsonNode> JsonNode::Elements(std::size_t atLeast) const {
+    if (!m_value->is_array()) Refuse("must be a list, not " + Shown(*m_value));
+    if (m_value->size() < atLeast) Refuse("must have at least " + std::to_string(atLeast) + " elements");
+    std::vector<JsonNode> elements;
+    elements.reserve(m_value->size());
+    for (std::size_t i = 0; i < m_value->size(); ++i) elements.push_back(Element(i));
+    return elements;
+}
+
+void JsonNode::RequireObject() const {
+    if (!m_value->is_object()) Refuse("must be an object, not " + Shown(*m_value));
+}
+
+std::int64_t JsonNode::Integer(std::int64_t minimum, std::int64_t maximum) const {
+    // 12.0 is a whole number too. The limits are far inside what a double holds exactly.
+    const double number = m_value->is_number() ? m_value->get<double>() : std::nan("");
+    if (!(number >= static_cast<double>(minimum) && number <= static_cast<double>(maximum)) ||
+        number != std::floor(number))
+        Refuse("must be a whole number from " + std::to_string(minimum) + " to " + std::to_string(maximum) + ", not " +
+               Shown(*m_value));
+    return static_cast<std::int64_t>(number);
+}
+
+double JsonNode::Number(double minimum, double maximum) const {
+    const double number = m_value->is_number() ? m_value->get<double>() : std::nan("");
+    if (!(number >= minimum && number <= maximum))
+        Refuse("must be a number from " + ShownNumber(minimum) + " to " + ShownNumber(maximum) + ", not " +
+               Shown(*m_value));
+    return number;
+}
+
+bool JsonNode::Truth() const {
+    if (!m_value->is_boolean()) Refuse("must be true or false, not " + Shown(*m_value));
+    return m_value->get<bool>();
+}
+
+std::string JsonNode::Text() const {
+    if (!m_value->is_string()) Refuse("must be a text, not " + Shown(*m_value));
+    const auto& text = m_value->get_ref<const std::string&>();
+    if (text.empty()) Refuse("must not be empty");
+    if (std::any_of(text.begin(), text.end(), [](unsigned char letter) { return letter < 0x20 || letter == 0x7F; }))
+        Refuse("must not hold control characters");
+    return text;
+}
+
+nlohmann::json ParseJson(const std::string& text, const std::filesystem::path& file) {
+    JsonWatcher watcher(file);
+    try {
+        return json::parse(text,
+                           [&](int, json::parse_event_t event, const json& parsed) { return watcher(event, parsed); });
+    } catch (const json::parse_error& error) {
+        throw Error(file.string(), LineAndColumn(text, error.byte), ParserReason(error.what()));
+    } catch (const json::out_of_range&) {
+        throw Error(file.string(), watcher.Place(), "the number is too large");
+    }
+}
+
+std::string ReadJsonText(const std::filesystem::path& file) {
+    std::error_code failure;
+    if (std::filesystem::is_directory(file, failure)) throw Error(file.string(), {}, "is a folder");
+    errno = 0;
+    std::ifstream stream(file, std::ios::binary);
+    if (!stream) throw Error(file.string(), {}, "cannot be read: " + std::generic_category().message(errno));
+    std::string text(largestFile + 1, '\0');
+    stream.read(text.data(), static_cast<std::streamsize>(text.size()));
+    text.resize(static_cast<std::size_t>(stream.gcount()));
+    if (text.size() > largestFile) throw Error(file.string(), {}, "is larger than 64 MiB");
+    return text;
+}
+
+}  // namespace cli

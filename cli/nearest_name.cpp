@@ -1,0 +1,55 @@
+#include "cli/nearest_name.h"
+
+#include <algorithm>
+#include <cctype>
+#include <numeric>
+
+namespace cli {
+namespace {
+
+// Longer names are compared by their beginnings: the work grows with the product of both lengths.
+constexpr std::size_t comparedLength = 64;
+
+char Lower(char letter) { return static_cast<char>(std::tolower(static_cast<unsigned char>(letter))); }
+
+}  // namespace
+
+std::size_t EditDistance(std::string_view left, std::string_view right) {
+    left = left.substr(0, comparedLength);
+    right = right.substr(0, comparedLength);
+    std::vector<std::size_t> row(right.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (const char letter : left) {
+        std::size_t diagonal = row[0]++;
+        for (std::size_t i = 0; i < right.size(); ++i) {
+            const std::size_t replaced = diagonal + (Lower(letter) == Lower(right[i]) ? 0 : 1);
+            diagonal = row[i + 1];
+            row[i + 1] = std::min({replaced, row[i] + 1, row[i + 1] + 1});
+        }
+    }
+    return row.back();
+}
+
+std::string NearestHint(std::string_view name, const std::vector<std::string>& names) {
+    if (names.empty()) return {};
+    const auto distance = [&](const std::string& other) { return EditDistance(name, other); };
+    const auto nearest = std::min_element(names.begin(), names.end(), [&](const auto& left, const auto& right) {
+        return distance(left) < distance(right);
+    });
+    if (distance(*nearest) * 2 <= std::max(name.size(), nearest->size()))
+        return "; did you mean " + Quoted(*nearest) + "?";
+    std::string hint = names.size() == 1 ? "; there is only " : "; there are ";
+    for (const std::string& each : names) {
+        if (&each != &names.front()) hint += ", ";
+        hint += Quoted(each);
+    }
+    return hint;
+}
+
+std::string Quoted(std::string_view name) {
+    constexpr std::size_t shownLength = 60;
+    if (name.size() <= shownLength) return '"' + std::string(name) + '"';
+    return '"' + std::string(name.substr(0, shownLength)) + "...\"";
+}
+
+}  // namespace cli

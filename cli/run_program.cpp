@@ -1,0 +1,51 @@
+#include "cli/run_program.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <new>
+#include <string>
+
+#include "cli/error.h"
+
+namespace cli {
+namespace {
+
+constexpr int exitBadInput = 2;
+constexpr int exitFailure = 1;
+
+// Messages quote files and names, which may hold anything; a message is one line all the same.
+int Complain(const CLI::App& program, std::string message, int exitCode) {
+    std::ranges::replace_if(
+        message, [](unsigned char letter) { return letter < 0x20 || letter == 0x7F; }, ' ');
+    std::fprintf(stderr, "%s: %s\n", program.get_name().c_str(), message.c_str());
+    return exitCode;
+}
+
+}  // namespace
+
+int RunProgram(CLI::App& program, int argc, char** argv) {
+    std::signal(SIGXFSZ, SIG_IGN);  // a file at its limit is told like a full disk
+    try {
+        program.parse(argc, argv);
+    } catch (const CLI::Success& success) {
+        return program.exit(success);  // --help
+    } catch (const CLI::RuntimeError& ended) {
+        return Complain(program, ended.what(), ended.get_exit_code());
+    } catch (const CLI::ParseError& error) {
+        return Complain(
+            program, std::string("command line: ") + error.what() + " (" + program.get_name() + " --help tells more)",
+            exitBadInput);
+    } catch (const Error& error) {
+        return Complain(program, error.what(), exitBadInput);
+    } catch (const std::bad_alloc&) {
+        return Complain(program, "there is not enough memory", exitFailure);
+    } catch (const std::exception& error) {
+        return Complain(program, error.what(), exitFailure);
+    }
+    return 0;
+}
+
+}  // namespace cli

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "kel/scene/host.h"
+#include "kel/scene/host_state.h"
+
+namespace kel {
+
+// The texture that the module has put on the container, upright. Throws Error when there is none.
+[[nodiscard]] picture_io::Picture CanvasPicture(HostState& state, const ContainerObject& container, AlphaForm form);
+
+}  // namespace kel

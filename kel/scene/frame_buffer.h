@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdint>
+
+#include "picture_io/picture.h"
+
+namespace kel {
+
+// A rectangle of a window, in pixels counted from its lower left corner.
+struct FrameArea {
+    std::int32_t x = 0;
+    std::int32_t y = 0;
+    std::int32_t width = 0;
+    std::int32_t height = 0;
+};
+
+// What the scene is drawn into: colour and depth, in the size of the window. The context is current in every call.
+class FrameBuffer {
+public:
+    FrameBuffer(std::int32_t width, std::int32_t height);  // pixels; throws Error for a size that is not possible
+    ~FrameBuffer();
+    FrameBuffer(const FrameBuffer&) = delete;
+    FrameBuffer& operator=(const FrameBuffer&) = delete;
+    FrameBuffer(FrameBuffer&&) = delete;
+    FrameBuffer& operator=(FrameBuffer&&) = delete;
+
+    void Bind() const;
+    // grey: 0.0 black .. 1.0 white; as far away as can be
+    void BindAndClear(float grey) const;
+    [[nodiscard]] picture_io::Picture Read() const;  // opaque
+    // Copies the colours over `area` of the framebuffer `target`, which stays bound.
+    void ShowIn(const FrameArea& area, std::uint32_t target) const;
+
+private:
+    std::int32_t m_width;
+    std::int32_t m_height;
+    std::uint32_t m_frame = 0;
+    std::uint32_t m_colour = 0;
+    std::uint32_t m_depth = 0;
+};
+
+}  // namespace kel

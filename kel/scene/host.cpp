@@ -1,0 +1,312 @@
+#include "kel/scene/host.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "cli/error.h"
+#include "cli/nearest_name.h"
+#include "kel/scene/canvas_picture.h"
+#include "kel/scene/host_state.h"
+#include "kel/scene/overlay_picture.h"
+#include "kel/scene/scene_renderer.h"
+
+namespace kel {
+namespace {
+
+constexpr double largestCoordinate = 1e9;
+
+void CheckNumbers(std::initializer_list<Point3> points, const char* whose) {
+    for (const Point3& point : points)
+        for (const double number : point)
+            if (!(std::abs(number) <= largestCoordinate))
+                throw cli::Error(std::string("a number of the ") + whose + " is not finite, or beyond 1e9");
+}
+
+void CheckCamera(const Camera& camera) {
+    CheckNumbers({camera.position, camera.target, camera.up}, "camera");
+    if (camera.position == camera.target) throw cli::Error("the camera stands where it looks at");
+    if (!(camera.fieldOfView > 0 && camera.fieldOfView < 180))
+        throw cli::Error("the camera's field of view is not between 0 and 180 degrees");
+}
+
+void CheckPlacement(const Placement& placement) {
+    CheckNumbers({placement.position, placement.rotation, placement.scale, {placement.size[0], placement.size[1], 0}},
+                 "container");
+    if (placement.size[0] < 0 || placement.size[1] < 0) throw cli::Error("the size of the container is below 0");
+}
+
+ContainerObject& FindContainer(HostState& state, ObjectId id) {
+    auto* container = state.objects.Find<ContainerObject>(id);
+    if (container == nullptr) throw cli::Error("there is no container " + std::to_string(id));
+    return *container;
+}
+
+Instance& FindInstance(HostState& state, ObjectId container) {
+    Instance* instance = FindContainer(state, container).instance.get();
+    if (instance == nullptr) throw cli::Error("container " + std::to_string(container) + " has no plug-in");
+    return *instance;
+}
+
+std::string Named(const char* what, std::string_view name) { return std::string(what) + " " + cli::Quoted(name); }
+
+std::size_t FindParameter(const Instance& instance, std::string_view name) {
+    const std::ptrdiff_t index = instance.IndexOf(name);
+    if (index < 0) throw cli::Error("there is no " + Named("parameter", name));
+    return static_cast<std::size_t>(index);
+}
+
+void CheckValue(const Instance& instance, std::size_t index, const ParameterValue& value) {
+    const Parameter& parameter = instance.TheModule().registration.parameters[index];
+    const std::string reason = parameter.Refusal(value);
+    if (!reason.empty()) throw cli::Error(Named("parameter", parameter.name) + ": " + reason);
+}
+
+void SendGuiStatus(HostState& state, Instance& instance) {
+    state.CallInstance(instance, Callback::GuiStatus,
+                       [](const EntryPoints& module, void* block) { module.guiStatus(block); });
+}
+
+template <typename Function>
+void ForEachInstance(HostState& state, Function function) {
+    state.objects.ForEach<ContainerObject>([&](ObjectId, ContainerObject& container) {
+        if (container.instance) function(*container.instance);
+    });
+}
+
+void EndInstance(HostState& state, Instance& instance) {
+    state.CallInstance(instance, Callback::CleanupFunction,
+                       [](const EntryPoints& module, void* block) { module.cleanupFunction(block); });
+}
+
+void Register(HostState& state, Module& module) {
+    state.registering = &module.registration;
+    state.callback = Callback::InitEx;
+    const std::int32_t answer = module.entryPoints.initEx();
+    state.callback = Callback::None;
+    state.registering = nullptr;
+    if (answer != 0) throw cli::Error(module.file.string(), {}, "PLUGIN_INIT_EX answers " + std::to_string(answer));
+}
+
+void Deliver(HostState& state, const QueuedSetting& setting) {
+    Instance& instance = FindInstance(state, setting.container);
+    if (instance.Value(setting.parameter) == setting.value) return;
+    instance.SetValue(setting.parameter, setting.value);
+    state.CallInstance(instance, Callback::Changed, [&](const EntryPoints& module, void* block) {
+        module.changedCallback(block, static_cast<std::int32_t>(setting.parameter) + 1);
+    });
+    SendGuiStatus(state, instance);
+}
+
+void Deliver(HostState& state, const QueuedAction& action) {
+    state.CallInstance(FindInstance(state, action.container), Callback::ExecAction,
+                       [&](const EntryPoints& module, void* block) { module.execAction(block, action.action); });
+}
+
+void Deliver(HostState& state, QueuedKey) {
+    ForEachInstance(state, [&](Instance& instance) {
+        state.CallInstance(instance, Callback::Keyboard,
+                           [](const EntryPoints& module, void* block) { module.keyboardCallback(block); });
+    });
+}
+
+// The left button, which is the only one here.
+void DeliverButton(HostState& state, const QueuedPointer& event) {
+    constexpr std::int32_t leftButton = 1;
+    constexpr std::int32_t activeWindow = 1;
+    const std::int32_t pressed = event.kind == PointerKind::Press ? 1 : 0;
+    ForEachInstance(state, [&](Instance& instance) {
+        state.CallInstance(instance, Callback::Mouse, [&](const EntryPoints& module, void* block) {
+            module.mouseCallback(block, 0, leftButton, pressed, activeWindow, event.x, event.y, 0, 0);
+        });
+    });
+}
+
+}  // namespace
+
+std::atomic<HostState*>& HostState::Current() {
+    static std::atomic<HostState*> current{nullptr};
+    return current;
+}
+
+Host::Host(WindowSize window, GlSource source) {
+    if (HostState::Current() != nullptr) throw cli::Error("there already is a host");
+    m_state = std::make_unique<HostState>(window, source);
+    HostState& state = *m_state;
+    SceneObject scene;
+    scene.camera = state.objects.Add(CameraObject{});
+    state.scene = state.objects.Add(scene);
+    HostState::Current() = &state;
+}
+
+Host::~Host() {
+    ForEachInstance(*m_state, [&](Instance& instance) { EndInstance(*m_state, instance); });
+    HostState::Current() = nullptr;
+}
+
+void Host::StepAside() { HostState::Current() = nullptr; }
+
+void Host::StepBack() { HostState::Current() = m_state.get(); }
+
+const Module& Host::LoadModule(const std::filesystem::path& file) {
+    auto module = std::make_unique<Module>(OpenModule(file));
+    for (const auto& loaded : m_state->modules)
+        if (loaded->file == module->file) return *loaded;
+    Register(*m_state, *module);
+    LayOutBlock(*module);
+    return *m_state->modules.emplace_back(std::move(module));
+}
+
+void Host::SetCamera(const Camera& camera) {
+    CheckCamera(camera);
+    const auto* scene = m_state->objects.Find<SceneObject>(m_state->scene);
+    m_state->objects.Find<CameraObject>(scene->camera)->camera = camera;
+    m_state->redraw = true;
+}
+
+ObjectId Host::AddContainer(const Placement& placement) {
+    CheckPlacement(placement);
+    ContainerObject container;
+    container.placement = placement;
+    m_state->redraw = true;
+    return m_state->objects.Add(std::move(container));
+}
+
+void Host::SetPicture(ObjectId container, const picture_io::Picture& picture) {
+    ContainerObject& shown = FindContainer(*m_state, container);
+    Objects& objects = m_state->objects;
+    const auto* texture = objects.Find<TextureObject>(shown.picture);
+    auto* image = texture == nullptr ? nullptr : objects.Find<ImageObject>(texture->image);
+    if (image != nullptr) {
+        *image = MakeImage(picture);
+    } else {
+        TextureObject fresh;
+        fresh.image = objects.Add(MakeImage(picture));
+        shown.picture = objects.Add(fresh);
+    }
+    m_state->redraw = true;
+}
+
+void Host::Attach(ObjectId container, const Module& module, const std::vector<ParameterSetting>& values) {
+    ContainerObject& attached = FindContainer(*m_state, container);
+    if (attached.instance) throw cli::Error("container " + std::to_string(container) + " already has a plug-in");
+    auto instance = std::make_unique<Instance>(module, container);
+    for (const ParameterSetting& setting : values) {
+        const std::size_t index = FindParameter(*instance, setting.name);
+        CheckValue(*instance, index, setting.value);
+        instance->SetValue(index, setting.value);
+    }
+    attached.instance = std::move(instance);
+    m_state->CallInstance(*attached.instance, Callback::InitFunction,
+                          [](const EntryPoints& entry, void* block) { entry.initFunction(block); });
+    SendGuiStatus(*m_state, *attached.instance);
+    m_state->redraw = true;
+}
+
+void Host::AddImage(const std::string& name, const picture_io::Picture& picture) {
+    m_state->imageNames[name] = m_state->objects.Add(MakeImage(picture));
+}
+
+void Host::QueuePointer(PointerKind kind, std::int32_t x, std::int32_t y) {
+    m_state->pointerQueue.push_back({kind, x, y});
+}
+
+void Host::SetParameter(ObjectId container, std::string_view name, const ParameterValue& value) {
+    const Instance& instance = FindInstance(*m_state, container);
+    const std::size_t index = FindParameter(instance, name);
+    CheckValue(instance, index, value);
+    m_state->operatorQueue.emplace_back(QueuedSetting{container, index, value});
+}
+
+void Host::PushButton(ObjectId container, std::string_view name) {
+    const Button* button = FindInstance(*m_state, container).TheModule().registration.FindButton(name);
+    if (button == nullptr) throw cli::Error("there is no " + Named("button", name));
+    m_state->operatorQueue.emplace_back(QueuedAction{container, button->action});
+}
+
+void Host::PressKey() { m_state->operatorQueue.emplace_back(QueuedKey{}); }
+
+bool Host::HasQueuedPointer() const {
+    return std::ranges::any_of(m_state->pointerQueue,
+                               [](const QueuedPointer& event) { return event.kind != PointerKind::Move; });
+}
+
+void Host::DeliverPointer() {
+    auto& queue = m_state->pointerQueue;
+    // A second event in the same field would replace the changed rectangle of the first before it was uploaded; so
+    // would the poll of a later move.
+    for (bool delivered = false; !queue.empty() && !delivered; queue.pop_front()) {
+        const QueuedPointer& event = queue.front();
+        m_state->pointerX = event.x;
+        m_state->pointerY = event.y;
+        delivered = event.kind != PointerKind::Move;
+        if (delivered) DeliverButton(*m_state, event);
+    }
+}
+
+void Host::DeliverOperator() {
+    // What the callbacks themselves might queue waits for the next field.
+    for (const auto& item : std::exchange(m_state->operatorQueue, {}))
+        std::visit([&](const auto& what) { Deliver(*m_state, what); }, item);
+}
+
+void Host::Render() {
+    m_state->redraw = false;
+    RenderScene(*m_state, *m_state->frame, Look::AsItIs);
+}
+
+void Host::SetDrawing(bool on) {
+    if (on && !m_state->drawing) m_state->redraw = true;
+    m_state->drawing = on;
+}
+
+void Host::RunField() {
+    DeliverPointer();
+    DeliverOperator();
+    const auto start = std::chrono::steady_clock::now();
+    ForEachInstance(*m_state, [&](Instance& instance) {
+        m_state->CallInstance(instance, Callback::PerField,
+                              [](const EntryPoints& module, void* block) { module.execPerField(block); });
+    });
+    FieldTimes& times = m_state->times;
+    const bool isFirst = times.last.count() == 0;
+    times.last = std::chrono::steady_clock::now() - start;
+    if (!isFirst) times.slowest = std::max(times.slowest, times.last);
+    if (m_state->redraw) Render();
+}
+
+FieldTimes Host::Times() const { return m_state->times; }
+
+ParameterValue Host::GetParameter(ObjectId container, std::string_view name) const {
+    const Instance& instance = FindInstance(*m_state, container);
+    return instance.Value(FindParameter(instance, name));
+}
+
+bool Host::IsParameterShown(ObjectId container, std::string_view name) const {
+    const Instance& instance = FindInstance(*m_state, container);
+    return instance.IsShown(FindParameter(instance, name));
+}
+
+picture_io::Picture Host::ReadFrame() const { return m_state->frame->Read(); }
+
+void Host::ShowFrame(const FrameArea& area, std::uint32_t target) const {
+    ResetState();
+    m_state->frame->ShowIn(area, target);
+}
+
+picture_io::Picture Host::ReadCanvas(ObjectId container, AlphaForm form) const {
+    return CanvasPicture(*m_state, FindContainer(*m_state, container), form);
+}
+
+picture_io::Picture Host::ReadOverlay(AlphaForm form) { return OverlayPicture(*m_state, form); }
+
+WindowSize Host::Window() const { return m_state->window; }
+
+void Host::ResizeWindow(WindowSize window) {
+    m_state->frame = std::make_unique<FrameBuffer>(window.width, window.height);
+    m_state->window = window;
+    m_state->redraw = true;
+}
+
+const std::vector<std::string>& Host::WrongUses() const { return m_state->wrongUses.Lines(); }
+
+}  // namespace kel

@@ -1,0 +1,131 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "kel/module_loading/module.h"
+#include "kel/scene/frame_buffer.h"
+#include "kel/scene/gl_context.h"
+#include "kel/scene/scene.h"
+#include "picture_io/picture.h"
+
+namespace kel {
+
+struct HostState;
+
+struct WindowSize {
+    std::int32_t width = 0;  // pixels
+    std::int32_t height = 0;
+};
+
+enum class PointerKind { Press, Move, Release };
+
+struct ParameterSetting {
+    std::string name;
+    ParameterValue value;
+};
+
+enum class AlphaForm { Straight, Premultiplied };
+
+// How long the modules' field callbacks took, those of all instances in a field together.
+struct FieldTimes {
+    std::chrono::nanoseconds last{};
+    std::chrono::nanoseconds slowest{};  // of all fields so far but the first, in which modules make what they need
+};
+
+// The renderer: a scene, the modules attached to its containers, an OpenGL context, and the one loop that drives them,
+// field by field. docs/host.md tells the order of a field.
+//
+// One host works at a time, and all its functions are called on the thread that made it. Errors are thrown as Error.
+class Host {
+public:
+    // Throws when this machine offers no OpenGL, for a side below 1 or above largestPictureSide, and when there already
+    // is a host at work.
+    explicit Host(WindowSize window, GlSource source = GlSource::Own);
+    ~Host();  // ends all instances; the host is at work
+    Host(const Host&) = delete;
+    Host& operator=(const Host&) = delete;
+    Host(Host&&) = delete;
+    Host& operator=(Host&&) = delete;
+
+    // Steps aside, so that another host can be made and work in the same OpenGL context, and comes back to work once
+    // that one is gone or has stepped aside. Nothing else is called in between.
+    void StepAside();
+    void StepBack();
+
+    // Loads the module once and lets it register; the same file again gives the same module. Borrowed from the host.
+    const Module& LoadModule(const std::filesystem::path& file);
+
+    void SetCamera(const Camera& camera);
+
+    // Containers are drawn in the order in which they were added: one that is to be seen through comes after what is
+    // behind it. Without a picture a container is plain white.
+    ObjectId AddContainer(const Placement& placement);
+    // Shows `picture` from now on, for example the next frame of a film.
+    void SetPicture(ObjectId container, const picture_io::Picture& picture);
+
+    // Puts an instance of the module on the container, which has none yet. Parameters that `values` leaves out have
+    // their defaults.
+    void Attach(ObjectId container, const Module& module, const std::vector<ParameterSetting>& values = {});
+
+    // A picture that modules find by its name: what an image parameter names. The same name again replaces it for later
+    // look-ups. A name that is not here, and the empty one, mean no image.
+    void AddImage(const std::string& name, const picture_io::Picture& picture);
+
+    // What the operator does. All of it waits for RunField: of the pointer at most one press or release is delivered in
+    // a field, together with the moves before it; settings and buttons are delivered in their order.
+    //   x, y  window pixels, y from the top; may lie outside
+    void QueuePointer(PointerKind kind, std::int32_t x, std::int32_t y);
+    // Throws when the container's module has no such parameter or the value is not within its limits.
+    void SetParameter(ObjectId container, std::string_view name, const ParameterValue& value);
+    void PushButton(ObjectId container, std::string_view name);
+    void PressKey();
+    [[nodiscard]] bool HasQueuedPointer() const;  // presses and releases that no field has delivered yet
+
+    // One field.
+    void RunField();
+
+    // What the operator's panel shows.
+    [[nodiscard]] ParameterValue GetParameter(ObjectId container, std::string_view name) const;
+    [[nodiscard]] bool IsParameterShown(ObjectId container, std::string_view name) const;
+
+    // Off: renders do all that they do but draw, which is most of their work, so fields whose picture nobody reads go
+    // by quickly. On, as at the start: asks for a redraw, so that the next field's picture is whole.
+    void SetDrawing(bool on);
+
+    // The picture last rendered; opaque.
+    [[nodiscard]] picture_io::Picture ReadFrame() const;
+    // Lays that picture over `area` of the framebuffer `target`, 0 being the current context's window, smoothly scaled
+    // where the sizes differ. Leaves the target bound and OpenGL's state plain, for others to draw there.
+    void ShowFrame(const FrameArea& area, std::uint32_t target = 0) const;
+    // What the module on this container draws, alone and upright, as of the last render. Throws when it has put no
+    // texture on the container yet.
+    [[nodiscard]] picture_io::Picture ReadCanvas(ObjectId container, AlphaForm form = AlphaForm::Straight) const;
+
+    // What all modules draw, in the window's size and at its place: laid over the picture as it would be without
+    // drawings, it gives the picture last rendered (docs/output.md). Renders the scene three times more, as of now, and
+    // leaves that picture as it was.
+    [[nodiscard]] picture_io::Picture ReadOverlay(AlphaForm form = AlphaForm::Straight);
+
+    [[nodiscard]] WindowSize Window() const;
+    void ResizeWindow(WindowSize window);  // asks for a redraw
+
+    [[nodiscard]] FieldTimes Times() const;
+
+    // What modules did wrong so far, one line for each kind; each also went to standard error.
+    [[nodiscard]] const std::vector<std::string>& WrongUses() const;
+
+private:
+    void DeliverPointer();
+    void DeliverOperator();
+    void Render();
+
+    std::unique_ptr<HostState> m_state;
+};
+
+}  // namespace kel

@@ -1,0 +1,98 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <memory>
+#include <string>
+#include <thread>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "kel/scene/frame_buffer.h"
+#include "kel/scene/gl_context.h"
+#include "kel/scene/host.h"
+#include "kel/scene/objects.h"
+#include "kel/scene/wrong_use.h"
+
+namespace kel {
+
+// The callbacks of a module, and being in none.
+enum class Callback : std::uint32_t {
+    None = 0,
+    InitEx = 1U << 0U,
+    InitFunction = 1U << 1U,
+    CleanupFunction = 1U << 2U,
+    GuiStatus = 1U << 3U,
+    Changed = 1U << 4U,
+    ExecAction = 1U << 5U,
+    PerField = 1U << 6U,
+    Mouse = 1U << 7U,
+    Keyboard = 1U << 8U,
+    PreRender = 1U << 9U,
+    PostRender = 1U << 10U,
+};
+
+struct QueuedPointer {
+    PointerKind kind;
+    std::int32_t x;
+    std::int32_t y;
+};
+
+struct QueuedSetting {
+    ObjectId container;
+    std::size_t parameter;  // index in the order of registration
+    ParameterValue value;
+};
+struct QueuedAction {
+    ObjectId container;
+    std::int32_t action;
+};
+struct QueuedKey {};
+
+// Everything the host knows: what `Host` changes from outside and the host functions from inside a module.
+struct HostState {
+    HostState(WindowSize size, GlSource source)
+        : context(source), window(size), frame(std::make_unique<FrameBuffer>(size.width, size.height)) {}
+
+    GlContext context;  // first: the objects below end while it is there
+    WindowSize window;
+    std::unique_ptr<FrameBuffer> frame;
+    ImageObject clearImage;  // one clear pixel, in place of a module's texture; built when it is first needed
+
+    Objects objects;
+    ObjectId scene = noObject;
+    std::map<std::string, ObjectId, std::less<>> imageNames;
+    std::vector<std::unique_ptr<Module>> modules;
+
+    std::int32_t pointerX = 0;  // window pixels, where the last delivered event was
+    std::int32_t pointerY = 0;
+    std::deque<QueuedPointer> pointerQueue;
+    std::deque<std::variant<QueuedSetting, QueuedAction, QueuedKey>> operatorQueue;
+    bool redraw = true;
+    bool drawing = true;
+
+    Callback callback = Callback::None;
+    Registration* registering = nullptr;  // in PLUGIN_INIT_EX
+    Instance* calling = nullptr;          // the instance whose callback runs
+    FieldTimes times;
+    std::thread::id renderThread = std::this_thread::get_id();
+    WrongUseLog wrongUses;
+
+    // Runs `call` as the instance's callback.
+    template <typename Call>
+    void CallInstance(Instance& instance, Callback which, Call call) {
+        const Callback callbackBefore = std::exchange(callback, which);
+        Instance* const callingBefore = std::exchange(calling, &instance);
+        call(instance.TheModule().entryPoints, instance.Block());
+        callback = callbackBefore;
+        calling = callingBefore;
+    }
+
+    // The running host, which the host functions act on; null: there is none.
+    static std::atomic<HostState*>& Current();
+};
+
+}  // namespace kel

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "kel/scene/host_state.h"
+
+namespace kel {
+
+// What the scene is made to look like: as it is; without what modules draw; or with everything but that in one plain
+// colour, shapes and alpha as they are.
+enum class Look { AsItIs, Undrawn, Black, White };
+
+// Draws all containers into the target, each between its instance's pre and post render.
+void RenderScene(HostState& state, const FrameBuffer& target, Look look);
+
+// Puts OpenGL's state back to what every container starts from, whatever was left before.
+void ResetState(Look look = Look::AsItIs);
+
+// Makes the image's texture anew from its pixels.
+void BuildTexture(ImageObject& image);
+
+// An image of the host's own, from a picture; smooth also when seen small. Its texture is built at its first render.
+[[nodiscard]] ImageObject MakeImage(const picture_io::Picture& picture);
+
+}  // namespace kel

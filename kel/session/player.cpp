@@ -1,0 +1,181 @@
+#include "kel/session/player.h"
+
+#include <exception>
+
+#include "cli/error.h"
+#include "cli/nearest_name.h"
+#include "kel/session/session_values.h"
+
+namespace kel {
+namespace {
+
+PointerKind KindOf(PointerAction action) {
+    switch (action) {
+        case PointerAction::Press:
+            return PointerKind::Press;
+        case PointerAction::Release:
+            return PointerKind::Release;
+        case PointerAction::Move:
+            break;
+    }
+    return PointerKind::Move;
+}
+
+}  // namespace
+
+Player::Player(const Session& session, Host& host, const std::filesystem::path& defaultModule)
+    : m_session(session), m_host(host), m_pointer(PointerTrack(session)) {
+    Camera camera;
+    camera.position = session.camera.position;
+    camera.target = session.camera.target;
+    camera.fieldOfView = session.camera.fieldOfView;
+    m_host.SetCamera(camera);
+    for (const SessionContainer& container : session.containers) BuildContainer(container, defaultModule);
+    for (const SessionEvent& event : session.events) PreparePendingChange(event);
+}
+
+void Player::BuildContainer(const SessionContainer& container, const std::filesystem::path& defaultModule) {
+    Placement placement;
+    placement.name = container.name;
+    placement.size = container.size;
+    placement.position = container.position;
+    placement.rotation = container.rotation;
+    placement.scale = container.scale;
+    Container& played = m_containers.emplace_back();
+    played.id = m_host.AddContainer(placement);
+    if (!container.picture.empty())
+        m_host.SetPicture(played.id, ReadPictureAt(container.picture, container.place + "/picture"));
+    if (!container.film.empty()) played.film = OpenVideo(container, played.id);
+    if (!container.plugin) return;
+    played.module = &LoadModule(*container.plugin, defaultModule);
+    m_host.Attach(played.id, *played.module, Settings(container.plugin->parameters, *played.module));
+}
+
+std::unique_ptr<VideoShow> Player::OpenVideo(const SessionContainer& container, ObjectId id) const {
+    try {
+        return std::make_unique<VideoShow>(m_session.Resolve(container.film), id, m_session.fieldsPerSecond);
+    } catch (const cli::Error& error) {
+        throw cli::Error(m_session.file.string(), container.place + "/film", error.what());
+    }
+}
+
+const Module& Player::LoadModule(const SessionPlugin& plugin, const std::filesystem::path& defaultModule) {
+    if (plugin.module.empty()) return m_host.LoadModule(defaultModule);
+    try {
+        return m_host.LoadModule(m_session.Resolve(plugin.module));
+    } catch (const cli::Error& error) {
+        throw cli::Error(m_session.file.string(), plugin.place + "/module", error.what());
+    }
+}
+
+std::vector<ParameterSetting> Player::Settings(const std::vector<SessionValue>& values, const Module& module) {
+    std::vector<ParameterSetting> settings;
+    for (const SessionValue& value : values) {
+        const Parameter& parameter = ParameterOf(m_session, value, module.registration.parameters);
+        settings.push_back({value.name, ToParameterValue(m_session, value, parameter)});
+        if (parameter.kind != ParameterKind::Image) continue;
+        const auto& path = std::get<std::string>(settings.back().value);
+        if (!path.empty()) m_host.AddImage(path, ReadPictureAt(path, value.place));
+    }
+    return settings;
+}
+
+picture_io::Picture Player::ReadPictureAt(const std::string& path, const std::string& place) const {
+    try {
+        return picture_io::ReadPicture(m_session.Resolve(path));
+    } catch (const cli::Error& error) {
+        throw cli::Error(m_session.file.string(), place, error.what());
+    }
+}
+
+void Player::PreparePendingChange(const SessionEvent& event) {
+    PendingChange change;
+    change.field = event.field;
+    if (const auto* set = std::get_if<SetEvent>(&event.what)) {
+        change.container = set->container;
+        change.settings = Settings(set->values, *m_containers[set->container].module);
+    } else if (const auto* button = std::get_if<ButtonEvent>(&event.what)) {
+        CheckButton(event, button->name, *m_containers[button->container].module);
+        change.container = button->container;
+        change.button = button->name;
+    } else if (const auto* film = std::get_if<VideoEvent>(&event.what)) {
+        CheckFrame(event, *film);
+        change.container = film->container;
+        change.film = film->change;
+    } else if (const auto* save = std::get_if<SaveEvent>(&event.what)) {
+        change.save = save->name;
+    } else {
+        return;
+    }
+    m_deeds.push_back(std::move(change));
+}
+
+void Player::CheckButton(const SessionEvent& event, const std::string& name, const Module& module) const {
+    if (module.registration.FindButton(name)) return;
+    std::vector<std::string> names;
+    for (const Button& button : module.registration.buttons) names.push_back(button.name);
+    throw cli::Error(m_session.file.string(), event.place + "/button",
+                     "there is no button " + cli::Quoted(name) + cli::NearestHint(name, names));
+}
+
+void Player::CheckFrame(const SessionEvent& event, const VideoEvent& film) const {
+    const std::int64_t last = m_containers[film.container].film->Clock().Frames() - 1;
+    if (film.change.frame.value_or(0) <= last) return;
+    throw cli::Error(
+        m_session.file.string(), event.place + "/film/frame",
+        "the film's last frame is " + std::to_string(last) + ", not " + std::to_string(*film.change.frame));
+}
+
+void Player::ChangeVideo(std::size_t container, const VideoChange& change) {
+    m_containers[container].film->Change(change, m_field);
+}
+
+// Those of the field to come; returns what it saves.
+std::vector<std::string> Player::DoPendingChanges() {
+    std::vector<std::string> saves;
+    for (; m_nextPendingChange < m_deeds.size() && m_deeds[m_nextPendingChange].field == m_field;
+         ++m_nextPendingChange) {
+        const PendingChange& change = m_deeds[m_nextPendingChange];
+        const ObjectId container = m_containers[change.container].id;
+        for (const ParameterSetting& setting : change.settings)
+            m_host.SetParameter(container, setting.name, setting.value);
+        if (!change.button.empty()) m_host.PushButton(container, change.button);
+        if (change.film) ChangeVideo(change.container, *change.film);
+        if (!change.save.empty()) saves.push_back(change.save);
+    }
+    return saves;
+}
+
+std::vector<std::string> Player::PlayField(Rendering rendering) {
+    for (; m_nextPointer < m_pointer.size() && m_pointer[m_nextPointer].field == m_field; ++m_nextPointer) {
+        const PointerStep& step = m_pointer[m_nextPointer];
+        m_host.QueuePointer(KindOf(step.action), step.x, step.y);
+    }
+    std::vector<std::string> saves = DoPendingChanges();
+    const bool isLast = m_field + 1 == m_session.fields;
+    const bool isDrawn = rendering == Rendering::Wanted || !saves.empty() || isLast;
+    std::exception_ptr damaged;
+    try {
+        if (isDrawn) ShowVideos();
+    } catch (const cli::Error&) {
+        damaged = std::current_exception();
+    }
+    m_host.SetDrawing(isDrawn);
+    m_host.RunField();
+    ++m_field;
+    if (damaged) std::rethrow_exception(damaged);
+    return saves;
+}
+
+void Player::ShowVideos() {
+    for (const Container& container : m_containers)
+        if (container.film) container.film->Show(m_host, m_field);
+}
+
+ObjectId Player::OverlayContainer() const {
+    for (const Container& container : m_containers)
+        if (container.module != nullptr) return container.id;
+    return noObject;
+}
+
+}  // namespace kel

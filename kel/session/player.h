@@ -1,0 +1,83 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "kel/scene/host.h"
+#include "kel/session/player_pointer.h"
+#include "kel/session/session.h"
+#include "kel/session/video_on_container.h"
+
+namespace kel {
+
+// Plays a session on a host.
+//
+// Borrows both for its life; the host is fresh, with the session's window. All that can be wrong with a session is
+// found by the constructor: modules, pictures, films, names and values of parameters, buttons, the pointer's timetable.
+// Only a damaged frame in the middle of a film shows when it is its turn.
+class Player {
+public:
+    // defaultModule: for the plug-ins that name no module. Throws Error.
+    Player(const Session& session, Host& host, const std::filesystem::path& defaultModule);
+
+    [[nodiscard]] bool IsOver() const { return m_field >= m_session.fields; }
+    [[nodiscard]] std::int64_t NextField() const { return m_field; }
+
+    // A container of the session.
+    struct Container {
+        ObjectId id = noObject;
+        const Module* module = nullptr;   // borrowed from the host; null without a plug-in
+        std::unique_ptr<VideoShow> film;  // null without a film
+    };
+    // In the order of the session.
+    [[nodiscard]] std::span<const Container> Containers() const { return m_containers; }
+
+    // Changes a film as an event of the next field would. The index is that of a container with a film.
+    void ChangeVideo(std::size_t container, const VideoChange& change);
+
+    enum class Rendering { Wanted, NotWanted };
+
+    // Plays the next field and returns the names under which its picture is to be saved. The host's picture is of this
+    // field when it is wanted, when the session saves it, and after the last field; otherwise it is not drawn. After
+    // the session's end fields go on without events. Throws Error for a damaged frame of a film, with the field played.
+    std::vector<std::string> PlayField(Rendering rendering);
+
+    // The container whose canvas is the overlay: the first with a plug-in; noObject when there is none.
+    [[nodiscard]] ObjectId OverlayContainer() const;
+
+private:
+    // What happens in a field besides the pointer. One of the four is there.
+    struct PendingChange {
+        std::int64_t field = 0;
+        std::size_t container = 0;
+        std::vector<ParameterSetting> settings;
+        std::string button;
+        std::optional<VideoChange> film;
+        std::string save;
+    };
+
+    void BuildContainer(const SessionContainer& container, const std::filesystem::path& defaultModule);
+    std::unique_ptr<VideoShow> OpenVideo(const SessionContainer& container, ObjectId id) const;
+    const Module& LoadModule(const SessionPlugin& plugin, const std::filesystem::path& defaultModule);
+    std::vector<ParameterSetting> Settings(const std::vector<SessionValue>& values, const Module& module);
+    picture_io::Picture ReadPictureAt(const std::string& path, const std::string& place) const;
+    void PreparePendingChange(const SessionEvent& event);
+    void CheckFrame(const SessionEvent& event, const VideoEvent& film) const;
+    std::vector<std::string> DoPendingChanges();
+    void ShowVideos();
+    void CheckButton(const SessionEvent& event, const std::string& name, const Module& module) const;
+
+    const Session& m_session;
+    Host& m_host;
+    std::vector<Container> m_containers;  // as in the session
+    std::vector<PointerStep> m_pointer;
+    std::vector<PendingChange> m_deeds;
+    std::size_t m_nextPointer = 0;
+    std::size_t m_nextPendingChange = 0;
+    std::int64_t m_field = 0;
+};
+
+}  // namespace kel

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "kel/video/av_objects.h"
+#include "picture_io/picture.h"
+
+namespace kel {
+
+// Makes pictures of decoded frames.
+//
+// Colours are taken as the film declares them: matrix and range. Where it declares none, the matrix is the usual one of
+// the size (colour_matrix.h), and the range is the narrow one of video, except that grey alone is full. Alpha stays as
+// it is; frames without it are opaque.
+class PictureConverter {
+public:
+    // width, height: of the pictures; frames of another size are scaled. Throws Error with the reason alone.
+    [[nodiscard]] picture_io::Picture Convert(const AVFrame& frame, std::int32_t width, std::int32_t height);
+
+private:
+    void Prepare(const AVFrame& frame, std::int32_t width, std::int32_t height);
+
+    AvScaler m_scaler;
+    AvFrame m_rgba;
+};
+
+}  // namespace kel

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+
+#include "kel/video/picture_converter.h"
+#include "kel/video/video_file.h"
+#include "kel/video/video_index.h"
+
+namespace kel {
+
+// What VideoReader is made of.
+class VideoDecoder {
+public:
+    // Decodes the first frame. Throws Error.
+    explicit VideoDecoder(const std::filesystem::path& file);
+
+    [[nodiscard]] const VideoFile& File() const { return m_file; }
+    [[nodiscard]] const VideoIndex& Index() const { return m_index; }
+    [[nodiscard]] std::int32_t Width() const { return m_width; }
+    [[nodiscard]] std::int32_t Height() const { return m_height; }
+    [[nodiscard]] bool HasAlpha() const { return m_hasAlpha; }
+
+    // index: of a frame that is there. Throws Error when it is damaged.
+    [[nodiscard]] picture_io::Picture Read(std::int64_t index);
+
+private:
+    enum class From { Here, Key, Start };
+
+    void OpenCodec();
+    [[nodiscard]] From BestWay(std::int64_t time) const;
+    bool DecodeFrom(From from, std::int64_t time);
+    void Go(From from, std::int64_t time);
+    bool DecodeUntil(std::int64_t time);
+    bool NextFrame();
+    void Feed();
+
+    VideoFile m_file;
+    VideoIndex m_index;
+    AvCodec m_codec;
+    AvPacket m_packet;
+    AvFrame m_frame;                     // the last one decoded
+    std::optional<std::int64_t> m_time;  // of m_frame; none: nothing is decoded, or it is of no use
+    std::int32_t m_width = 0;
+    std::int32_t m_height = 0;
+    bool m_hasAlpha = false;
+    PictureConverter m_converter;
+};
+
+}  // namespace kel

@@ -1,0 +1,159 @@
+#include "kel/video/video_encoder.h"
+
+#include <algorithm>
+#include <cmath>
+#include <new>
+#include <string>
+
+#include "cli/error.h"
+#include "kel/video/colour_matrix.h"
+
+namespace kel {
+namespace {
+
+[[noreturn]] void Refuse(const std::filesystem::path& file, const std::string& reason) {
+    throw cli::Error(file.string(), {}, reason);
+}
+
+const VideoFormat* FormatFor(const std::filesystem::path& file, const VideoSettings& settings) {
+    const VideoFormat* format = FormatOfVideo(file);
+    if (format == nullptr) Refuse(file, "films end in .mov, .mkv, .mp4 or .webm");
+    if (settings.alpha && format->withAlpha == AV_PIX_FMT_NONE)
+        Refuse(file, std::string(format->ending) + " films have no alpha; .mov and .mkv have");
+    if (std::min(settings.width, settings.height) < format->smallestSide)
+        Refuse(file, std::string(format->ending) + " films have sides of at least " +
+                         std::to_string(format->smallestSide) + " pixels");
+    if (!(settings.framesPerSecond > 0)) Refuse(file, "a film needs a rate of frames above 0");
+    return format;
+}
+
+// 29.97 and its like stand for a thousandth less than a whole number.
+AVRational RateOf(double framesPerSecond) {
+    constexpr double nearness = 0.001;
+    constexpr int finest = 100000;
+    const double whole = std::round(framesPerSecond * 1.001);
+    if (std::abs(framesPerSecond - whole) > nearness && std::abs(framesPerSecond * 1.001 - whole) < nearness)
+        return {static_cast<int>(whole) * 1000, 1001};
+    return av_d2q(framesPerSecond, finest);
+}
+
+// Two by two pixels share one colour in YUV420P.
+std::int32_t SideFor(AVPixelFormat format, std::int32_t side) {
+    return format == AV_PIX_FMT_YUV420P ? side + side % 2 : side;
+}
+
+// FFV1 cuts pictures into parts that are coded side by side; a part of no pixels would come back as nonsense.
+int SlicesFor(std::int32_t width, std::int32_t height) {
+    constexpr std::int32_t large = 16;
+    return std::min(width, height) < large ? 1 : 4;
+}
+
+}  // namespace
+
+void VideoEncoder::CloseOutput::operator()(AVFormatContext* output) const {
+    avio_closep(&output->pb);
+    avformat_free_context(output);
+}
+
+VideoEncoder::VideoEncoder(const std::filesystem::path& file, const VideoSettings& settings)
+    : m_file(file),
+      m_format(FormatFor(file, settings)),
+      m_settings(settings),
+      m_frame(NewFrame()),
+      m_packet(NewPacket()) {
+    SilenceAv();
+    AVFormatContext* output = nullptr;
+    Check(avformat_alloc_output_context2(&output, nullptr, m_format->container, nullptr));
+    m_output.reset(output);
+    OpenCodec(settings);
+    OpenFile();
+}
+
+void VideoEncoder::OpenCodec(const VideoSettings& settings) {
+    const AVCodec* codec = avcodec_find_encoder_by_name(m_format->codec);
+    if (codec == nullptr)
+        Refuse(m_file.File(), "cannot be written: there is no encoder " + std::string(m_format->codec));
+    m_codec.reset(avcodec_alloc_context3(codec));
+    if (!m_codec) throw std::bad_alloc();
+    m_codec->pix_fmt = settings.alpha ? m_format->withAlpha : m_format->opaque;
+    m_codec->width = SideFor(m_codec->pix_fmt, settings.width);
+    m_codec->height = SideFor(m_codec->pix_fmt, settings.height);
+    m_codec->framerate = RateOf(settings.framesPerSecond);
+    m_codec->time_base = av_inv_q(m_codec->framerate);
+    m_codec->gop_size = m_format->keyEvery;
+    if (codec->id == AV_CODEC_ID_FFV1) m_codec->slices = SlicesFor(m_codec->width, m_codec->height);
+    m_codec->flags |= AV_CODEC_FLAG_BITEXACT;
+    if (m_codec->pix_fmt == AV_PIX_FMT_YUV420P) {
+        const bool isHigh = UsualMatrix(m_codec->width, m_codec->height) == AVCOL_SPC_BT709;
+        m_codec->colorspace = isHigh ? AVCOL_SPC_BT709 : AVCOL_SPC_SMPTE170M;
+        m_codec->color_primaries = isHigh ? AVCOL_PRI_BT709 : AVCOL_PRI_SMPTE170M;
+        m_codec->color_trc = isHigh ? AVCOL_TRC_BT709 : AVCOL_TRC_SMPTE170M;
+        m_codec->color_range = AVCOL_RANGE_MPEG;
+    }
+    if ((m_output->oformat->flags & AVFMT_GLOBALHEADER) != 0) m_codec->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
+    for (const CodecOption& option : m_format->options)
+        if (option.name != nullptr) Check(av_opt_set(m_codec.get(), option.name, option.value, AV_OPT_SEARCH_CHILDREN));
+    Check(avcodec_open2(m_codec.get(), codec, nullptr));
+    m_frame->format = m_codec->pix_fmt;
+    m_frame->width = m_codec->width;
+    m_frame->height = m_codec->height;
+    m_frame->colorspace = m_codec->colorspace;
+    m_frame->color_range = m_codec->color_range;
+    if (av_frame_get_buffer(m_frame.get(), 0) < 0) throw std::bad_alloc();
+}
+
+void VideoEncoder::OpenFile() {
+    AVStream* stream = avformat_new_stream(m_output.get(), nullptr);
+    if (stream == nullptr) throw std::bad_alloc();
+    Check(avcodec_parameters_from_context(stream->codecpar, m_codec.get()));
+    stream->time_base = m_codec->time_base;
+    stream->avg_frame_rate = m_codec->framerate;
+    m_output->flags |= AVFMT_FLAG_BITEXACT;  // no date and no names: the same pictures give the same file
+    Check(avio_open(&m_output->pb, ("file:" + m_file.Temporary().string()).c_str(), AVIO_FLAG_WRITE));
+    Check(avformat_write_header(m_output.get(), nullptr));
+}
+
+void VideoEncoder::Write(const picture_io::Picture& picture) {
+    if (picture.width != m_settings.width || picture.height != m_settings.height)
+        Refuse(m_file.File(), "a film's pictures are all of one size");
+    Check(av_frame_make_writable(m_frame.get()));  // the encoder may still hold the last one
+    m_packer.Pack(picture, *m_frame);
+    m_frame->pts = m_count++;
+    Encode(m_frame.get());
+}
+
+void VideoEncoder::Encode(const AVFrame* frame) {
+    Check(avcodec_send_frame(m_codec.get(), frame));
+    for (;;) {
+        const int result = avcodec_receive_packet(m_codec.get(), m_packet.get());
+        if (result == AVERROR(EAGAIN) || result == AVERROR_EOF) return;
+        Check(result);
+        WritePacket();
+    }
+}
+
+void VideoEncoder::WritePacket() {
+    const AVStream& stream = *m_output->streams[0];
+    if (m_packet->duration == 0) m_packet->duration = 1;
+    av_packet_rescale_ts(m_packet.get(), m_codec->time_base, stream.time_base);
+    m_packet->stream_index = 0;
+    Check(av_interleaved_write_frame(m_output.get(), m_packet.get()));
+}
+
+void VideoEncoder::Close() {
+    if (m_count == 0) Refuse(m_file.File(), "cannot be written: a film needs at least one picture");
+    Encode(nullptr);
+    Check(av_write_trailer(m_output.get()));
+    avio_flush(m_output->pb);
+    Check(0);
+    Check(avio_closep(&m_output->pb));  // a full disk may show only now
+}
+
+void VideoEncoder::Check(int result) const {
+    // Writing is buffered, so a failed write is noted in the file and not in what the call gives back.
+    if (result >= 0 && m_output && m_output->pb != nullptr) result = m_output->pb->error;
+    if (result == AVERROR(ENOMEM)) throw std::bad_alloc();
+    if (result < 0) Refuse(m_file.File(), "cannot be written: " + AvReason(result));
+}
+
+}  // namespace kel

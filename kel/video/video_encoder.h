@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+
+#include "cli/staged_file.h"
+#include "kel/video/av_objects.h"
+#include "kel/video/picture_packer.h"
+#include "kel/video/video_format.h"
+#include "kel/video/video_writer.h"
+
+namespace kel {
+
+// What VideoWriter is made of.
+class VideoEncoder {
+public:
+    VideoEncoder(const std::filesystem::path& file, const VideoSettings& settings);
+
+    void Write(const picture_io::Picture& picture);
+    void Close();
+    void Commit() { m_file.Commit(); }
+
+private:
+    // Closes the file when it ends.
+    struct CloseOutput {
+        void operator()(AVFormatContext* output) const;
+    };
+
+    void OpenCodec(const VideoSettings& settings);
+    void OpenFile();
+    void Encode(const AVFrame* frame);
+    void WritePacket();
+    // Throws when the step failed, or any write to the file so far.
+    void Check(int result) const;
+
+    cli::StagedFile m_file;
+    const VideoFormat* m_format;  // of the table; never null
+    VideoSettings m_settings;
+    std::unique_ptr<AVFormatContext, CloseOutput> m_output;
+    AvCodec m_codec;
+    AvFrame m_frame;
+    AvPacket m_packet;
+    PicturePacker m_packer;
+    std::int64_t m_count = 0;  // frames
+};
+
+}  // namespace kel

@@ -1,0 +1,79 @@
+#include "kel/video/video_file.h"
+
+#include <cmath>
+
+#include "cli/error.h"
+#include "kel/video/matroska_length.h"
+
+namespace kel {
+namespace {
+
+// Formats and protocols that lead on to other files or to the network stay closed: a film is one file.
+AvInput OpenInput(const std::filesystem::path& file, int& result) {
+    AVDictionary* options = nullptr;
+    av_dict_set(&options, "format_whitelist", "mov,mp4,matroska,webm", 0);
+    av_dict_set(&options, "protocol_whitelist", "file", 0);
+    AVFormatContext* input = nullptr;
+    result = avformat_open_input(&input, ("file:" + file.string()).c_str(), nullptr, &options);
+    av_dict_free(&options);
+    return AvInput(input);
+}
+
+}  // namespace
+
+VideoFile::VideoFile(const std::filesystem::path& file) : m_file(file) {
+    SilenceAv();
+    Open();
+}
+
+void VideoFile::Open() {
+    std::error_code ignored;
+    if (std::filesystem::is_directory(m_file, ignored)) Refuse("is a folder");
+    int result = 0;
+    m_input = OpenInput(m_file, result);
+    if (result == AVERROR_INVALIDDATA || result == AVERROR(EINVAL))
+        Refuse("is no MP4, MOV, MKV or WebM film, or a damaged one");
+    if (result < 0) Refuse("cannot be read: " + AvReason(result));
+    result = avformat_find_stream_info(m_input.get(), nullptr);
+    if (result < 0) Refuse("cannot be read: " + AvReason(result));
+    m_stream = av_find_best_stream(m_input.get(), AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
+    if (m_stream < 0 || (Stream().disposition & AV_DISPOSITION_ATTACHED_PIC) != 0) Refuse("has no moving pictures");
+    for (unsigned index = 0; index < m_input->nb_streams; ++index)
+        if (index != static_cast<unsigned>(m_stream)) m_input->streams[index]->discard = AVDISCARD_ALL;
+}
+
+bool VideoFile::Read(AVPacket& packet) {
+    for (;;) {
+        av_packet_unref(&packet);
+        const int result = av_read_frame(m_input.get(), &packet);
+        // The end of the bytes counts as the end of the film only where the container is content with it.
+        if (result == AVERROR_EOF && (m_input->pb == nullptr || m_input->pb->error >= 0)) return false;
+        if (result < 0) Refuse("breaks off: " + AvReason(result));
+        if (packet.stream_index == m_stream) return true;
+    }
+}
+
+bool VideoFile::Seek(std::int64_t time) {
+    return av_seek_frame(m_input.get(), m_stream, time, AVSEEK_FLAG_BACKWARD) >= 0;
+}
+
+void VideoFile::Rewind() { Open(); }
+
+const AVStream& VideoFile::Stream() const { return *m_input->streams[m_stream]; }
+
+const AVCodecParameters& VideoFile::Codec() const { return *Stream().codecpar; }
+
+double VideoFile::SecondsPerUnit() const { return av_q2d(Stream().time_base); }
+
+double VideoFile::DeclaredFramesPerSecond() const {
+    const AVRational rate = Stream().avg_frame_rate.num > 0 ? Stream().avg_frame_rate : Stream().r_frame_rate;
+    return rate.num > 0 && rate.den > 0 ? av_q2d(rate) : 0.0;
+}
+
+bool VideoFile::IsCutOff() const { return IsCutOffMatroska(m_file); }
+
+void VideoFile::Refuse(const std::string& reason) const { throw cli::Error(m_file.string(), {}, reason); }
+
+std::int64_t TimeOf(const AVPacket& packet) { return packet.pts == AV_NOPTS_VALUE ? packet.dts : packet.pts; }
+
+}  // namespace kel

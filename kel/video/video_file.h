@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+
+#include "kel/video/av_objects.h"
+
+namespace kel {
+
+// An opened film: its container and the one stream of pictures that is looked at, packet by packet. Times are in the
+// stream's own unit. Everything throws Error with the file's name and the reason.
+class VideoFile {
+public:
+    explicit VideoFile(const std::filesystem::path& file);
+
+    // The next packet of the stream; false at the end. Throws also where the file breaks off.
+    bool Read(AVPacket& packet);
+    // Goes to the last key frame at or before `time`, as far as the container knows; false: it cannot.
+    bool Seek(std::int64_t time);
+    // Starts again with the first packet.
+    void Rewind();
+
+    [[nodiscard]] const AVCodecParameters& Codec() const;
+    [[nodiscard]] double SecondsPerUnit() const;
+    [[nodiscard]] double DeclaredFramesPerSecond() const;  // 0: the container does not say
+
+    // The container says that there is more than the file has. What it says only bit by bit shows when it is read.
+    [[nodiscard]] bool IsCutOff() const;
+
+    [[noreturn]] void Refuse(const std::string& reason) const;
+
+private:
+    void Open();
+    [[nodiscard]] const AVStream& Stream() const;
+
+    std::filesystem::path m_file;
+    AvInput m_input;
+    int m_stream = 0;
+};
+
+// The time at which a packet's picture is shown; AV_NOPTS_VALUE when it has none.
+[[nodiscard]] std::int64_t TimeOf(const AVPacket& packet);
+
+}  // namespace kel

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+
+#include "picture_io/picture.h"
+
+namespace kel {
+
+class VideoDecoder;
+
+// A film on disk, read frame by frame: MP4, MOV, MKV or WebM. Sound is left out. One thread at a time.
+//
+// Frames are numbered from 0 in the order in which they are shown, and a number always gives the same pixels, however
+// it was come to. Pixels are as stored: neither turned nor stretched for an aspect of the pixels.
+class VideoReader {
+public:
+    // Passes through the whole file once, to know all frames, and decodes the first. Throws Error, one line with file
+    // and reason, for what is no film, breaks off, has no frames, or frames beyond largestVideoPixels.
+    explicit VideoReader(const std::filesystem::path& file);
+    ~VideoReader();
+    VideoReader(VideoReader&&) noexcept;
+    VideoReader& operator=(VideoReader&&) noexcept;
+    VideoReader(const VideoReader&) = delete;
+    VideoReader& operator=(const VideoReader&) = delete;
+
+    static constexpr std::int64_t largestVideoPixels = std::int64_t{8192} * 8192;
+
+    [[nodiscard]] std::int32_t Width() const;       // pixels, of the first frame; later ones are scaled to it
+    [[nodiscard]] std::int32_t Height() const;      // pixels
+    [[nodiscard]] double FramesPerSecond() const;   // above 0; the mean where frames come unevenly
+    [[nodiscard]] std::int64_t FrameCount() const;  // at least 1; counted, not guessed
+    [[nodiscard]] bool HasAlpha() const;            // false: every frame is opaque
+
+    // The frame shown at a time, counted from the first frame; the first before it, the last after the end.
+    [[nodiscard]] std::int64_t FrameAt(double seconds) const;
+
+    // Alpha is straight, as films have it; without alpha the picture is opaque. Numbers outside 0 .. FrameCount() - 1
+    // give the first and the last frame. Cheap for the frame read last and for the following ones; any other is decoded
+    // from the key frame before it. Throws Error when the frame is damaged; others can still be read.
+    [[nodiscard]] picture_io::Picture ReadFrame(std::int64_t index);
+
+private:
+    std::unique_ptr<VideoDecoder> m_decoder;
+};
+
+}  // namespace kel

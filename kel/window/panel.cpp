@@ -1,0 +1,159 @@
+#include "kel/window/panel.h"
+
+#include <imgui.h>
+
+#include <algorithm>
+
+#include "kel/window/panel_style.h"
+#include "kel/window/video_panel.h"
+
+namespace kel {
+namespace {
+
+// For what the mouse rests on.
+void Tip(const std::string& text, const std::string& chord = {}) {
+    if ((text.empty() && chord.empty()) || !ImGui::IsItemHovered(ImGuiHoveredFlags_AllowWhenDisabled)) return;
+    ImGui::BeginTooltip();
+    ImGui::PushTextWrapPos(320);
+    if (!text.empty()) ImGui::TextUnformatted(text.c_str());
+    if (!chord.empty()) ImGui::TextDisabled("Key: %s", chord.c_str());
+    ImGui::PopTextWrapPos();
+    ImGui::EndTooltip();
+}
+
+// The width of one of so many buttons side by side.
+float ShareOfWidth(std::size_t count) {
+    const float gaps = ImGui::GetStyle().ItemSpacing.x * static_cast<float>(count - 1);
+    return (ImGui::GetContentRegionAvail().x - gaps) / static_cast<float>(count);
+}
+
+void ShowButtons(Workspace& workspace, const FittedKeys& keys) {
+    const auto& buttons = workspace.Chosen()->registration->buttons;
+    constexpr std::size_t perRow = 3;
+    float width = 0;
+    for (std::size_t i = 0; i < buttons.size(); ++i) {
+        if (i % perRow == 0)
+            width = ShareOfWidth(std::min(perRow, buttons.size() - i));
+        else
+            ImGui::SameLine();
+        ImGui::PushID(static_cast<int>(i));
+        if (ImGui::Button(buttons[i].label.c_str(), {width, 38})) workspace.Push(buttons[i].name);
+        Tip({}, keys.ChordOfButton(buttons[i].name));
+        ImGui::PopID();
+    }
+}
+
+ImVec4 ColourOf(const ColourBytes& colour) {
+    return ImGui::ColorConvertU32ToFloat4(IM_COL32(colour[0], colour[1], colour[2], 255));
+}
+
+// The colours that keys set, as buttons.
+void ShowSwatches(Workspace& workspace, const FittedKeys& keys, std::size_t parameter) {
+    constexpr std::size_t perRow = 8;
+    std::size_t shown = 0;
+    const float side = ShareOfWidth(perRow);
+    for (const FittedKeys::Key& key : keys.keys) {
+        if (!key.module || key.module->kind != ModuleKey::Kind::Set || key.module->settings.size() != 1) continue;
+        const ModuleKey::Setting& setting = key.module->settings[0];
+        const auto* colour = std::get_if<ColourBytes>(&setting.value);
+        if (setting.parameter != parameter || colour == nullptr) continue;
+        if (shown % perRow != 0) ImGui::SameLine();
+        const std::string id = "##swatch" + std::to_string(shown++);
+        const bool isChosen = workspace.Value(parameter) == setting.value;
+        ImGui::PushStyleVar(ImGuiStyleVar_FrameBorderSize, isChosen ? 3.0F : 0.0F);
+        ImGui::PushStyleColor(ImGuiCol_Border, ImVec4(1, 1, 1, 1));
+        constexpr auto flags = ImGuiColorEditFlags_NoTooltip | ImGuiColorEditFlags_NoDragDrop;
+        if (ImGui::ColorButton(id.c_str(), ColourOf(*colour), flags, {side, side})) workspace.Do(*key.module);
+        ImGui::PopStyleColor();
+        ImGui::PopStyleVar();
+        Tip(key.about, ChordText(key.chord));
+    }
+}
+
+// Those of the module's parameters that are shown now.
+std::vector<PanelModel::Control> ShownControls(const Workspace& workspace, const PanelModel::Group& group) {
+    std::vector<PanelModel::Control> shown = group.controls;
+    std::erase_if(shown, [&](const PanelModel::Control& control) { return !workspace.IsShown(control.parameter); });
+    return shown;
+}
+
+void ShowWorkspaceButton(const char* label, float width, WorkspaceAction action, const FittedKeys& keys,
+                         std::vector<WorkspaceAction>& asked) {
+    if (ImGui::Button(label, {width, 0})) asked.push_back(action);
+    Tip({}, keys.ChordOf(action));
+}
+
+void ShowWorkspaceButtons(const FittedKeys& keys, std::vector<WorkspaceAction>& asked) {
+    const float width = ShareOfWidth(2);
+    ShowWorkspaceButton("Save picture", width, WorkspaceAction::SavePicture, keys, asked);
+    ImGui::SameLine();
+    ShowWorkspaceButton("Save strokes", width, WorkspaceAction::SaveOverlay, keys, asked);
+    ShowWorkspaceButton("Full screen", width, WorkspaceAction::FullScreen, keys, asked);
+    ImGui::SameLine();
+    ShowWorkspaceButton("Keys", width, WorkspaceAction::Help, keys, asked);
+}
+
+}  // namespace
+
+void Panel::ShowPlugIns(Workspace& workspace) {
+    if (workspace.PlugIns().size() < 2) return;
+    ImGui::SetNextItemWidth(-1);
+    if (!ImGui::BeginCombo("##plug-in", workspace.Chosen()->name.c_str())) return;
+    for (std::size_t i = 0; i < workspace.PlugIns().size(); ++i) {
+        ImGui::PushID(static_cast<int>(i));
+        if (ImGui::Selectable(workspace.PlugIns()[i].name.c_str(), i == workspace.ChosenIndex())) workspace.Choose(i);
+        ImGui::PopID();
+    }
+    ImGui::EndCombo();
+}
+
+void Panel::ShowParameters(Workspace& workspace, const FittedKeys& keys) {
+    const Registration& registration = *workspace.Chosen()->registration;
+    if (m_modelled != &registration) {
+        m_model = MakePanelModel(registration, ThePanelLayout());
+        m_modelled = &registration;
+    }
+    for (const PanelModel::Group& group : m_model.groups) {
+        const auto controls = ShownControls(workspace, group);
+        if (controls.empty()) continue;
+        ImGui::Spacing();
+        if (!ImGui::CollapsingHeader(group.title.c_str(), ImGuiTreeNodeFlags_DefaultOpen)) continue;
+        for (const PanelModel::Control& control : controls) {
+            ImGui::PushID(static_cast<int>(control.parameter));
+            ImGui::BeginGroup();
+            if (registration.parameters[control.parameter].kind == ParameterKind::Colour)
+                ShowSwatches(workspace, keys, control.parameter);
+            m_controls.Show(workspace, control.parameter);
+            ImGui::EndGroup();
+            Tip(control.tip);
+            ImGui::PopID();
+        }
+    }
+}
+
+std::vector<WorkspaceAction> Panel::Show(Workspace& workspace, const FittedKeys& keys, WindowSize window) {
+    std::vector<WorkspaceAction> asked;
+    ImGui::SetNextWindowPos({static_cast<float>(window.width - panelWidth), 0});
+    ImGui::SetNextWindowSize({panelWidth, static_cast<float>(window.height - statusHeight)});
+    constexpr auto flags = ImGuiWindowFlags_NoTitleBar | ImGuiWindowFlags_NoResize | ImGuiWindowFlags_NoMove |
+                           ImGuiWindowFlags_NoCollapse | ImGuiWindowFlags_NoNav |
+                           ImGuiWindowFlags_NoBringToFrontOnFocus;
+    ImGui::Begin("panel", nullptr, flags);
+    ShowPlugIns(workspace);
+    ShowVideoPanel(workspace, keys, asked);
+    if (workspace.Chosen() != nullptr) {
+        ShowButtons(workspace, keys);
+        const float footer = 2 * ImGui::GetFrameHeightWithSpacing() + 3 * ImGui::GetStyle().ItemSpacing.y;
+        ImGui::BeginChild("parameters", {0, -footer});
+        ShowParameters(workspace, keys);
+        ImGui::EndChild();
+    } else {
+        ImGui::TextDisabled("This scene has no plug-in to draw with.");
+    }
+    ImGui::Separator();
+    ShowWorkspaceButtons(keys, asked);
+    ImGui::End();
+    return asked;
+}
+
+}  // namespace kel

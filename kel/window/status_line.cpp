@@ -1,0 +1,78 @@
+#include "kel/window/status_line.h"
+
+#include <imgui.h>
+
+#include "kel/window/panel_style.h"
+
+namespace kel {
+namespace {
+
+constexpr auto newsTime = std::chrono::seconds(6);
+constexpr std::size_t mostNews = 5;
+const ImVec4 warning{1.0F, 0.55F, 0.25F, 1.0F};
+const ImVec4 recordingRed{1.0F, 0.30F, 0.30F, 1.0F};
+
+constexpr auto plainWindow = ImGuiWindowFlags_NoDecoration | ImGuiWindowFlags_NoMove | ImGuiWindowFlags_NoNav |
+                             ImGuiWindowFlags_NoBringToFrontOnFocus | ImGuiWindowFlags_NoFocusOnAppearing;
+
+double Milliseconds(std::chrono::nanoseconds time) { return std::chrono::duration<double, std::milli>(time).count(); }
+
+void ShowFigures(const Host& host, const FieldPacer& pacer, StatusLine::Clock::time_point now) {
+    const FieldTimes times = host.Times();
+    ImGui::Text("%.0f fields/s", pacer.Rate(now));
+    ImGui::SameLine(0, 24);
+    ImGui::TextDisabled("field callback %.2f ms, slowest %.2f ms", Milliseconds(times.last),
+                        Milliseconds(times.slowest));
+    if (pacer.Missed() == 0) return;
+    ImGui::SameLine(0, 24);
+    const auto missed = static_cast<long long>(pacer.Missed());
+    const char* form = missed == 1 ? "%lld field missed" : "%lld fields missed";
+    if (pacer.HasMissedLately(now))
+        ImGui::TextColored(warning, form, missed);
+    else
+        ImGui::TextDisabled(form, missed);
+    if (ImGui::IsItemHovered()) ImGui::SetTooltip("Fields that came too late for their picture to be shown.");
+}
+
+}  // namespace
+
+void StatusLine::Tell(const std::string& news, Clock::time_point now) {
+    m_news.push_back({news, now + newsTime});
+    if (m_news.size() > mostNews) m_news.pop_front();
+}
+
+void StatusLine::Show(Workspace& workspace, const FieldPacer& pacer, WindowSize window, Clock::time_point now) {
+    ImGui::SetNextWindowPos({0, static_cast<float>(window.height - statusHeight)});
+    ImGui::SetNextWindowSize({static_cast<float>(window.width), statusHeight});
+    ImGui::PushStyleVar(ImGuiStyleVar_WindowPadding, {14, 7});
+    ImGui::PushStyleColor(ImGuiCol_WindowBg, ImGui::GetStyleColorVec4(ImGuiCol_FrameBg));
+    ImGui::Begin("status", nullptr, plainWindow);
+    ShowFigures(workspace.TheHost(), pacer, now);
+    const std::string file = workspace.File().filename().string();
+    const float recordingWidth = workspace.IsRecording() ? 60 : 0;
+    ImGui::SameLine(static_cast<float>(window.width) - ImGui::CalcTextSize(file.c_str()).x - 14 - recordingWidth);
+    if (workspace.IsRecording()) {
+        ImGui::TextColored(recordingRed, "REC");
+        ImGui::SameLine(0, 16);
+    }
+    ImGui::TextDisabled("%s", file.c_str());
+    ImGui::End();
+    ImGui::PopStyleColor();
+    ImGui::PopStyleVar();
+}
+
+void StatusLine::ShowNews(WindowSize window, Clock::time_point now) {
+    while (!m_news.empty() && m_news.front().until < now) m_news.pop_front();
+    if (m_news.empty()) return;
+    ImGui::SetNextWindowPos({16, static_cast<float>(window.height - statusHeight - 12)}, ImGuiCond_Always, {0, 1});
+    ImGui::SetNextWindowBgAlpha(0.85F);
+    ImGui::PushStyleVar(ImGuiStyleVar_WindowRounding, 8);
+    ImGui::Begin("news", nullptr, plainWindow | ImGuiWindowFlags_AlwaysAutoResize | ImGuiWindowFlags_NoInputs);
+    ImGui::PushTextWrapPos(static_cast<float>(window.width - panelWidth - 60));
+    for (const News& news : m_news) ImGui::TextUnformatted(news.text.c_str());
+    ImGui::PopTextWrapPos();
+    ImGui::End();
+    ImGui::PopStyleVar();
+}
+
+}  // namespace kel

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <vector>
+
+#include "kel/workspace/fitted_keys.h"
+#include "kel/workspace/workspace.h"
+
+namespace kel {
+
+// The film's controls, in the window that is being made: play, step, seek, loop. Nothing where the scene has no film.
+void ShowVideoPanel(Workspace& workspace, const FittedKeys& keys, std::vector<WorkspaceAction>& asked);
+
+}  // namespace kel

@@ -1,0 +1,303 @@
+#include "kel/window/workspace_window.h"
+
+#include <SDL.h>
+#include <backends/imgui_impl_sdl.h>
+#include <imgui.h>
+
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "cli/error.h"
+#include "kel/scene/gl.h"
+#include "kel/window/help_page.h"
+#include "kel/window/panel.h"
+#include "kel/window/panel_style.h"
+#include "kel/window/sdl_window.h"
+#include "kel/window/status_line.h"
+#include "kel/workspace/fitted_keys.h"
+#include "kel/workspace/picture_area.h"
+
+namespace kel {
+namespace {
+
+using Clock = FieldPacer::Clock;
+
+// The next recording when another file is opened: "match.json" is followed by "match-2.json".
+std::filesystem::path NumberedRecording(const std::filesystem::path& file, int number) {
+    if (file.empty() || number == 1) return file;
+    return file.parent_path() / (file.stem().string() + "-" + std::to_string(number) + file.extension().string());
+}
+
+class WorkspaceWindow {
+public:
+    explicit WorkspaceWindow(const WindowOptions& options);
+    void Run();
+
+private:
+    void FitTheKeys(KeyFit fit);
+    void Open(const std::filesystem::path& file);
+    void StartPacing() { m_pacer = FieldPacer(m_workspace->FieldsPerSecond(), Clock::now()); }
+    [[nodiscard]] WindowSize Free() const;
+
+    void TakeEvents();
+    void TakeEvent(const SDL_Event& event);
+    void TakePointer(PointerKind kind, std::int32_t x, std::int32_t y);
+    void TakeKey(const SDL_KeyboardEvent& event);
+    void TakeText(const char* text);
+    void TakeDrop(char* file);
+    void DoKey(const FittedKeys::Key& key);
+    void DoAction(WorkspaceAction action);
+
+    void ShowPicture();
+    void ShowPanel();
+    void ShowSessionProgress();
+    void ShowFrame();
+
+    WindowOptions m_options;
+    SdlWindow m_window{"kel"};
+    std::unique_ptr<Workspace> m_workspace;
+    const Registration* m_fitted = nullptr;
+    FittedKeys m_keys;
+    FieldPacer m_pacer{50, Clock::now()};  // the scene's own rate once it runs
+    PictureArea m_area;
+    Panel m_panel;
+    StatusLine m_status;
+    std::vector<SDL_Event> m_keysUp;
+    int m_opened = 1;
+    bool m_isDrawing = false;  // the pointer was pressed on the picture
+    bool m_hasPanel = true;
+    bool m_hasHelp = false;
+    bool m_isOver = false;
+};
+
+WorkspaceWindow::WorkspaceWindow(const WindowOptions& options) : m_options(options) {
+    m_options.workspace.gl = GlSource::Current;
+    const WindowSize room = m_window.Room();
+    m_options.workspace.largest = {std::max(room.width - panelWidth, 64), std::max(room.height - statusHeight, 64)};
+    m_workspace = std::make_unique<Workspace>(m_options.file, m_options.workspace);
+    FitTheKeys(m_options.areKeysGiven ? KeyFit::All : KeyFit::WhatFits);
+    const WindowSize scene = m_workspace->TheHost().Window();
+    const PictureArea shown = FitPicture(scene, {std::min(scene.width, m_options.workspace.largest.width),
+                                                 std::min(scene.height, m_options.workspace.largest.height)});
+    m_window.SetTitle(m_workspace->File().filename().string() + " - kel");
+    m_window.Show({shown.width + panelWidth, std::max(shown.height, 560) + statusHeight});
+}
+
+void WorkspaceWindow::FitTheKeys(KeyFit fit) {
+    m_fitted = m_workspace->Chosen() == nullptr ? nullptr : m_workspace->Chosen()->registration;
+    m_keys = FitKeys(m_options.keys, m_fitted, fit);
+}
+
+void WorkspaceWindow::Open(const std::filesystem::path& file) {
+    WorkspaceOptions options = m_options.workspace;
+    options.recording = NumberedRecording(options.recording, m_opened + 1);
+    try {
+        m_workspace = OpenInstead(m_workspace, file, options);
+    } catch (const cli::Error& error) {
+        return m_status.Tell(error.what(), Clock::now());
+    }
+    ++m_opened;
+    m_panel = {};
+    m_isDrawing = false;
+    StartPacing();
+    FitTheKeys(KeyFit::WhatFits);
+    m_window.SetTitle(m_workspace->File().filename().string() + " - kel");
+}
+
+WindowSize WorkspaceWindow::Free() const {
+    const WindowSize size = m_window.Size();
+    if (!m_hasPanel) return size;
+    return {std::max(size.width - panelWidth, 1), std::max(size.height - statusHeight, 1)};
+}
+
+void WorkspaceWindow::TakeEvents() {
+    SDL_Event event;
+    while (SDL_PollEvent(&event) != 0) {
+        // The panel looks at keys once a frame: one that is up again by then is held down for it until it has looked.
+        if (event.type == SDL_KEYUP)
+            m_keysUp.push_back(event);
+        else
+            ImGui_ImplSDL2_ProcessEvent(&event);
+        TakeEvent(event);
+    }
+}
+
+void WorkspaceWindow::TakeEvent(const SDL_Event& event) {
+    switch (event.type) {
+        case SDL_QUIT:
+            m_isOver = true;
+            break;
+        case SDL_MOUSEBUTTONDOWN:
+            if (event.button.button == SDL_BUTTON_LEFT) TakePointer(PointerKind::Press, event.button.x, event.button.y);
+            break;
+        case SDL_MOUSEBUTTONUP:
+            if (event.button.button == SDL_BUTTON_LEFT)
+                TakePointer(PointerKind::Release, event.button.x, event.button.y);
+            break;
+        case SDL_MOUSEMOTION:
+            TakePointer(PointerKind::Move, event.motion.x, event.motion.y);
+            break;
+        case SDL_KEYDOWN:
+            TakeKey(event.key);
+            break;
+        case SDL_TEXTINPUT:
+            TakeText(event.text.text);
+            break;
+        case SDL_DROPFILE:
+            TakeDrop(event.drop.file);
+            break;
+        default:
+            break;
+    }
+}
+
+// What begins on the picture belongs to it until the button is up, wherever the pointer goes.
+void WorkspaceWindow::TakePointer(PointerKind kind, std::int32_t x, std::int32_t y) {
+    const bool isOnPicture = m_area.Contains(x, y) && !ImGui::GetIO().WantCaptureMouse;
+    if (!m_isDrawing && (!isOnPicture || kind == PointerKind::Release)) return;
+    if (kind == PointerKind::Press && m_hasHelp) m_hasHelp = false;
+    if (kind != PointerKind::Move) m_isDrawing = kind == PointerKind::Press;
+    const ScenePixel at = SceneAt(m_area, m_workspace->TheHost().Window(), x, y);
+    m_workspace->Point(kind, at.x, at.y);
+}
+
+void WorkspaceWindow::TakeKey(const SDL_KeyboardEvent& event) {
+    if (ImGui::GetIO().WantTextInput) return;
+    KeyChord chord;
+    chord.key = SDL_GetKeyName(event.keysym.sym);
+    if (IsSign(chord)) return;  // comes as text
+    chord.control = (event.keysym.mod & KMOD_CTRL) != 0;
+    chord.shift = (event.keysym.mod & KMOD_SHIFT) != 0;
+    chord.alt = (event.keysym.mod & KMOD_ALT) != 0;
+    const FittedKeys::Key* key = m_keys.Find(chord);
+    if (key == nullptr) return;
+    // A key held down goes on stepping, and does anything else once.
+    const bool isStep = key->action == WorkspaceAction::Step || key->action == WorkspaceAction::StepBack ||
+                        (key->module && key->module->kind == ModuleKey::Kind::Step);
+    if (event.repeat == 0 || isStep) DoKey(*key);
+}
+
+void WorkspaceWindow::TakeText(const char* text) {
+    if (ImGui::GetIO().WantTextInput) return;
+    const KeyChord chord{text, false, false, false};
+    if (!IsSign(chord)) return;
+    if (const FittedKeys::Key* key = m_keys.Find(chord)) DoKey(*key);
+}
+
+void WorkspaceWindow::TakeDrop(char* file) {
+    const std::filesystem::path dropped = file;
+    SDL_free(file);
+    Open(dropped);
+}
+
+void WorkspaceWindow::DoKey(const FittedKeys::Key& key) {
+    if (key.action) return DoAction(*key.action);
+    if (!key.module || m_workspace->Chosen() == nullptr) return;
+    try {
+        m_workspace->Do(*key.module);
+    } catch (const cli::Error& error) {
+        m_status.Tell(error.what(), Clock::now());
+    }
+}
+
+void WorkspaceWindow::DoAction(WorkspaceAction action) {
+    switch (action) {
+        case WorkspaceAction::SavePicture:
+            return m_workspace->SavePicture();
+        case WorkspaceAction::SaveOverlay:
+            return m_workspace->SaveOverlay();
+        case WorkspaceAction::FullScreen:
+            return m_window.SetFullScreen(!m_window.IsFullScreen());
+        case WorkspaceAction::Panel:
+            m_hasPanel = !m_hasPanel;
+            return;
+        case WorkspaceAction::Help:
+            m_hasHelp = !m_hasHelp;
+            return;
+        case WorkspaceAction::Close:
+            if (!m_hasHelp && m_window.IsFullScreen()) m_window.SetFullScreen(false);
+            m_hasHelp = false;
+            return;
+        case WorkspaceAction::Quit:
+            m_isOver = true;
+            return;
+        default:
+            return m_workspace->DoVideo(action);
+    }
+}
+
+void WorkspaceWindow::ShowPicture() {
+    const WindowSize size = m_window.Size();
+    m_area = FitPicture(m_workspace->TheHost().Window(), Free());
+    glBindFramebuffer(GL_FRAMEBUFFER, 0);
+    glDisable(GL_SCISSOR_TEST);
+    glViewport(0, 0, size.width, size.height);
+    glClearColor(0.03F, 0.035F, 0.04F, 1);
+    glClear(GL_COLOR_BUFFER_BIT);
+    m_workspace->TheHost().ShowFrame({m_area.x, size.height - m_area.y - m_area.height, m_area.width, m_area.height});
+    glDisable(GL_DEPTH_TEST);
+    glDisable(GL_ALPHA_TEST);
+}
+
+void WorkspaceWindow::ShowSessionProgress() {
+    if (!m_workspace->IsPlayingSession()) return;
+    ImGui::SetNextWindowPos({static_cast<float>(m_area.x) + static_cast<float>(m_area.width) / 2,
+                             static_cast<float>(m_area.y) + static_cast<float>(m_area.height) / 2},
+                            ImGuiCond_Always, {0.5F, 0.5F});
+    ImGui::SetNextWindowSize({320, 0});
+    ImGui::Begin("progress", nullptr, ImGuiWindowFlags_NoDecoration | ImGuiWindowFlags_NoInputs);
+    ImGui::TextUnformatted("Playing the session");
+    ImGui::ProgressBar(static_cast<float>(m_workspace->SessionProgress()), {-1, 0});
+    ImGui::End();
+}
+
+void WorkspaceWindow::ShowPanel() {
+    const WindowSize size = m_window.Size();
+    const auto now = Clock::now();
+    if (m_hasPanel) {
+        for (const WorkspaceAction action : m_panel.Show(*m_workspace, m_keys, size)) DoAction(action);
+        if (auto refusal = m_panel.TakeRefusal()) m_status.Tell(*refusal, now);
+        m_status.Show(*m_workspace, m_pacer, size, now);
+    }
+    for (const std::string& news : m_workspace->TakeNews()) m_status.Tell(news, now);
+    m_status.ShowNews(size, now);
+    ShowSessionProgress();
+    if (m_hasHelp) ShowHelpPage(m_keys, m_area);
+    const Registration* chosen = m_workspace->Chosen() == nullptr ? nullptr : m_workspace->Chosen()->registration;
+    if (chosen != m_fitted) FitTheKeys(KeyFit::WhatFits);
+}
+
+void WorkspaceWindow::ShowFrame() {
+    ShowPicture();
+    m_window.BeginFrame();
+    ShowPanel();
+    m_window.EndFrame();
+    for (const SDL_Event& event : std::exchange(m_keysUp, {})) ImGui_ImplSDL2_ProcessEvent(&event);
+}
+
+void WorkspaceWindow::Run() {
+    constexpr auto sessionShare = std::chrono::milliseconds(30);  // between two looks at the window's events
+    StartPacing();
+    while (!m_isOver) {
+        TakeEvents();
+        if (m_workspace->IsPlayingSession()) {
+            m_workspace->PlaySession(sessionShare);
+            StartPacing();
+            ShowFrame();
+            continue;
+        }
+        const int due = m_pacer.Due(Clock::now());
+        if (due > 0) {
+            m_workspace->RunFields(due);
+            ShowFrame();
+        }
+        std::this_thread::sleep_until(m_pacer.Next());
+    }
+}
+
+}  // namespace
+
+void RunWorkspaceWindow(const WindowOptions& options) { WorkspaceWindow(options).Run(); }
+
+}  // namespace kel

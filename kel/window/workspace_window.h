@@ -1,0 +1,20 @@
+#pragma once
+
+#include <filesystem>
+
+#include "kel/workspace/keys_table.h"
+#include "kel/workspace/workspace.h"
+
+namespace kel {
+
+struct WindowOptions {
+    std::filesystem::path file;  // a picture, a film or a session
+    WorkspaceOptions workspace;  // what it says of OpenGL and of sizes is the window's own business
+    KeysTable keys;
+    bool areKeysGiven = false;  // by the operator: keys that the module has no use for are errors
+};
+
+// Opens the workspace in a window and returns when the operator has closed it. Throws Error when that cannot be done.
+void RunWorkspaceWindow(const WindowOptions& options);
+
+}  // namespace kel

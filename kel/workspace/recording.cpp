@@ -1,0 +1,122 @@
+#include "kel/workspace/recording.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <set>
+
+#include "kel/session/session_json.h"
+
+namespace kel {
+namespace {
+
+using nlohmann::ordered_json;
+namespace fs = std::filesystem;
+
+std::string Dump(const ordered_json& json, int indent = -1) {
+    return json.dump(indent, ' ', false, ordered_json::error_handler_t::replace);
+}
+
+// A path of the scene's file, for a file that lies elsewhere.
+void MakeAbsolute(ordered_json& path, const Session& session) {
+    const auto text = path.get<std::string>();
+    if (!text.empty()) path = fs::absolute(session.Resolve(text)).lexically_normal().string();
+}
+
+// The values that are paths of images.
+void MakeImagesAbsolute(ordered_json& values, const Registration& module, const Session& session) {
+    for (auto& [name, value] : values.items()) {
+        const Parameter* parameter = module.FindParameter(name);
+        if (parameter != nullptr && parameter->kind == ParameterKind::Image) MakeAbsolute(value, session);
+    }
+}
+
+// Every container gets a name, which events may need.
+std::vector<std::string> NameContainers(ordered_json& containers) {
+    std::set<std::string> taken;
+    for (const ordered_json& container : containers) taken.insert(container.value("name", ""));
+    std::vector<std::string> names;
+    for (ordered_json& container : containers) {
+        if (!container.contains("name")) {
+            std::string name = "container " + std::to_string(names.size() + 1);
+            while (!taken.insert(name).second) name += '+';
+            container["name"] = name;
+        }
+        names.push_back(container["name"].get<std::string>());
+    }
+    return names;
+}
+
+}  // namespace
+
+Recording::Recording(const WorkspaceScene& scene, const std::vector<const Registration*>& modules,
+                     const fs::path& module) {
+    ordered_json json = ordered_json::parse(scene.text);
+    const Session& session = scene.session;
+    ordered_json& containers = json["containers"];
+    m_names = NameContainers(containers);
+    for (std::size_t i = 0; i < containers.size(); ++i) {
+        ordered_json& container = containers[i];
+        for (const char* key : {"picture", "film"})
+            if (container.contains(key)) MakeAbsolute(container[key], session);
+        if (modules[i] == nullptr) continue;
+        ordered_json& plugin = container["plugin"];
+        if (plugin.contains("module"))
+            MakeAbsolute(plugin["module"], session);
+        else if (!module.empty())
+            plugin["module"] = fs::absolute(module).lexically_normal().string();
+        if (plugin.contains("parameters")) MakeImagesAbsolute(plugin["parameters"], *modules[i], session);
+    }
+    // The parsed events know their containers; they stand in the order of their fields, those of the file in its own.
+    ordered_json events = json.value("events", ordered_json::array());
+    for (const SessionEvent& event : session.events) {
+        const auto* set = std::get_if<SetEvent>(&event.what);
+        if (set == nullptr) continue;
+        ordered_json& written = json[ordered_json::json_pointer(event.place)];
+        MakeImagesAbsolute(written["set"], *modules[set->container], session);
+    }
+    events = json.value("events", ordered_json::array());
+    for (const char* key : {"$schema", "events", "fields"}) json.erase(key);
+    m_scene = Dump(json, 2);
+    m_scene.erase(m_scene.rfind('}'));
+    m_scene.erase(m_scene.find_last_not_of(" \n") + 1);
+    m_scene += ",\n  \"events\": [";
+    for (const ordered_json& event : events) AddLine(Dump(event));
+}
+
+void Recording::AddLine(const std::string& event) {
+    m_events.append(m_events.empty() ? "\n    " : ",\n    ").append(event);
+}
+
+void Recording::AddPointer(std::int64_t field, const FieldPointer::Event& event) {
+    constexpr std::int32_t farthest = 100'000;  // what a session takes
+    const char* kind = event.kind == PointerKind::Press  ? "press"
+                       : event.kind == PointerKind::Move ? "move"
+                                                         : "release";
+    AddLine(Dump({{"field", field},
+                  {kind, {std::clamp(event.x, -farthest, farthest), std::clamp(event.y, -farthest, farthest)}}}));
+}
+
+void Recording::AddSetting(std::int64_t field, std::size_t container, const Parameter& parameter,
+                           const ParameterValue& value) {
+    AddLine(Dump({{"field", field},
+                  {"container", m_names[container]},
+                  {"set", {{parameter.name, JsonValue(parameter, value)}}}}));
+}
+
+void Recording::AddButton(std::int64_t field, std::size_t container, const std::string& button) {
+    AddLine(Dump({{"field", field}, {"container", m_names[container]}, {"button", button}}));
+}
+
+void Recording::AddVideo(std::int64_t field, std::size_t container, const VideoChange& change) {
+    ordered_json film = ordered_json::object();
+    if (change.frame) film["frame"] = *change.frame;
+    if (change.play) film["play"] = *change.play;
+    if (change.loop) film["loop"] = *change.loop;
+    AddLine(Dump({{"field", field}, {"container", m_names[container]}, {"film", film}}));
+}
+
+std::string Recording::Text(std::int64_t fields) const {
+    return m_scene + m_events + "\n  ],\n  \"fields\": " + std::to_string(std::max<std::int64_t>(fields, 1)) + "\n}\n";
+}
+
+}  // namespace kel

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "kel/module_loading/module.h"
+#include "kel/video/video_clock.h"
+#include "kel/workspace/field_pointer.h"
+#include "kel/workspace/workspace_scene.h"
+
+namespace kel {
+
+// What happens at the workspace, as the session that plays it again: the scene with the events it had, and the
+// operator's after them. The text is a whole session at any time.
+class Recording {
+public:
+    // modules: what each of the scene's containers carries, null: nothing; used for the time of the call.
+    // module: what a plug-in without a module of its own was given; empty: what `kel play` takes by itself.
+    Recording(const WorkspaceScene& scene, const std::vector<const Registration*>& modules,
+              const std::filesystem::path& module);
+
+    // Fields never go back. The container is an index into the scene's.
+    void AddPointer(std::int64_t field, const FieldPointer::Event& event);
+    void AddSetting(std::int64_t field, std::size_t container, const Parameter& parameter, const ParameterValue& value);
+    void AddButton(std::int64_t field, std::size_t container, const std::string& button);
+    void AddVideo(std::int64_t field, std::size_t container, const VideoChange& change);
+
+    // fields: how many have been played; at least 1 is said.
+    [[nodiscard]] std::string Text(std::int64_t fields) const;
+
+private:
+    void AddLine(const std::string& event);
+
+    std::string m_scene;               // all of the file up to the events
+    std::string m_events;              // one a line
+    std::vector<std::string> m_names;  // of the containers
+};
+
+}  // namespace kel

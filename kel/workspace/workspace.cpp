@@ -1,0 +1,248 @@
+#include "kel/workspace/workspace.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "cli/error.h"
+#include "kel/workspace/panel_model.h"
+
+namespace kel {
+namespace {
+
+constexpr std::int64_t mostRecordedFields = 1'000'000;  // what a session takes
+constexpr std::int32_t farthestPixel = 100'000;
+constexpr auto recordingInterval = std::chrono::milliseconds(400);
+
+bool HasEvents(const Session& session) { return !session.events.empty(); }
+
+}  // namespace
+
+Workspace::Workspace(const std::filesystem::path& file, const WorkspaceOptions& options)
+    : m_file(file), m_saver(options.saves) {
+    m_host = std::make_unique<Host>(WindowSize{16, 16}, options.gl);
+    m_scene = OpenWorkspaceScene(file, m_host->LoadModule(options.module).registration, options.largest);
+    const Session& session = m_scene.session;
+    m_host->ResizeWindow({session.window.width, session.window.height});
+    m_player = std::make_unique<Player>(session, *m_host, options.module);
+    m_firstOwnField = HasEvents(session) ? session.fields : 0;
+    for (std::size_t i = 0; i < session.containers.size(); ++i) {
+        const Player::Container& container = m_player->Containers()[i];
+        if (container.module == nullptr) continue;
+        std::string name = session.containers[i].name;
+        if (name.empty()) name = "container " + std::to_string(i + 1);
+        m_plugIns.push_back({i, container.id, std::move(name), &container.module->registration});
+    }
+    if (!options.recording.empty()) StartRecording(options);
+}
+
+Workspace::~Workspace() {
+    if (m_recording) WriteRecording();
+}
+
+void Workspace::StartRecording(const WorkspaceOptions& options) {
+    std::vector<const Registration*> modules;
+    for (const Player::Container& container : m_player->Containers())
+        modules.push_back(container.module == nullptr ? nullptr : &container.module->registration);
+    m_recording =
+        std::make_unique<Recording>(m_scene, modules, options.isModuleGiven ? options.module : std::filesystem::path());
+    m_recordingFile = std::make_unique<RecordingFile>(options.recording, m_recording->Text(m_firstOwnField));
+}
+
+void Workspace::WriteRecording() { m_recordingFile->Write(m_recording->Text(std::max(m_firstOwnField, NextField()))); }
+
+const Workspace::PlugIn* Workspace::Chosen() const { return m_plugIns.empty() ? nullptr : &m_plugIns[m_chosen]; }
+
+double Workspace::SessionProgress() const {
+    return m_firstOwnField == 0 ? 1.0 : static_cast<double>(NextField()) / static_cast<double>(m_firstOwnField);
+}
+
+void Workspace::PlaySession(std::chrono::milliseconds atMost) {
+    const auto end = std::chrono::steady_clock::now() + atMost;
+    while (IsPlayingSession() && std::chrono::steady_clock::now() < end) {
+        try {
+            (void)m_player->PlayField(Player::Rendering::NotWanted);
+        } catch (const cli::Error& error) {
+            m_news.emplace_back(error.what());
+        }
+    }
+}
+
+void Workspace::Point(PointerKind kind, std::int32_t x, std::int32_t y) {
+    if (IsPlayingSession()) return;
+    m_pointer.Add({kind, std::clamp(x, -farthestPixel, farthestPixel), std::clamp(y, -farthestPixel, farthestPixel)});
+}
+
+void Workspace::Set(std::size_t parameter, const ParameterValue& value) {
+    if (IsPlayingSession()) return;
+    const Parameter& which = Chosen()->registration->parameters[parameter];
+    if (const std::string refusal = which.Refusal(value); !refusal.empty())
+        throw cli::Error(which.label + ": " + refusal);
+    ParameterValue taken = value;
+    if (which.kind == ParameterKind::Image && !std::get<std::string>(value).empty()) {
+        const auto path = std::filesystem::absolute(std::get<std::string>(value)).lexically_normal();
+        m_host->AddImage(path.string(), picture_io::ReadPicture(path));
+        taken = path.string();
+    }
+    m_deeds.push_back({m_chosen, parameter, taken, {}});
+}
+
+ParameterValue Workspace::Value(std::size_t parameter) const {
+    for (auto deed = m_deeds.rbegin(); deed != m_deeds.rend(); ++deed)
+        if (deed->plugIn == m_chosen && deed->parameter == parameter) return deed->value;
+    return m_host->GetParameter(Chosen()->id, Chosen()->registration->parameters[parameter].name);
+}
+
+bool Workspace::IsShown(std::size_t parameter) const {
+    return m_host->IsParameterShown(Chosen()->id, Chosen()->registration->parameters[parameter].name);
+}
+
+void Workspace::Push(const std::string& button) {
+    if (!IsPlayingSession()) m_deeds.push_back({m_chosen, std::nullopt, {}, button});
+}
+
+void Workspace::Do(const ModuleKey& key) {
+    switch (key.kind) {
+        case ModuleKey::Kind::Button:
+            return Push(key.button);
+        case ModuleKey::Kind::Toggle: {
+            const bool isOn = Value(key.settings[0].parameter) == key.settings[1].value;
+            return Set(key.settings[0].parameter, key.settings[isOn ? 0 : 1].value);
+        }
+        case ModuleKey::Kind::Step:
+            for (const ModuleKey::Setting& setting : key.settings) {
+                if (!IsShown(setting.parameter)) continue;
+                const Parameter& parameter = Chosen()->registration->parameters[setting.parameter];
+                return Set(setting.parameter, SteppedValue(parameter, Value(setting.parameter), key.by));
+            }
+            return;
+        case ModuleKey::Kind::Set:
+            for (const ModuleKey::Setting& setting : key.settings) Set(setting.parameter, setting.value);
+    }
+}
+
+const Player::Container* Workspace::VideoContainer() const {
+    const auto containers = m_player->Containers();
+    const auto found =
+        std::ranges::find_if(containers, [](const auto& container) { return container.film != nullptr; });
+    return found == containers.end() ? nullptr : &*found;
+}
+
+const VideoShow* Workspace::Video() const {
+    const Player::Container* container = VideoContainer();
+    return container == nullptr ? nullptr : container->film.get();
+}
+
+std::int64_t Workspace::VideoFrame() const { return Video()->Clock().FrameAt(NextField()); }
+
+void Workspace::ChangeVideo(const VideoChange& change) {
+    const Player::Container* container = VideoContainer();
+    if (container == nullptr || IsPlayingSession()) return;
+    const auto index = static_cast<std::size_t>(container - m_player->Containers().data());
+    m_player->ChangeVideo(index, change);
+    if (m_recording) m_recording->AddVideo(NextField(), index, change);
+}
+
+void Workspace::DoVideo(WorkspaceAction action) {
+    const VideoShow* film = Video();
+    if (film == nullptr) return;
+    const VideoClock& clock = film->Clock();
+    const std::int64_t frame = VideoFrame();
+    const std::int64_t last = clock.Frames() - 1;
+    const bool isRunning = clock.IsRunning(NextField());
+    if (action == WorkspaceAction::Pause && isRunning)
+        ChangeVideo({frame, false, std::nullopt});
+    else if (action == WorkspaceAction::Pause)
+        ChangeVideo({frame == last ? 0 : frame, true, std::nullopt});
+    else if (action == WorkspaceAction::Step)
+        ChangeVideo({std::min(frame + 1, last), false, std::nullopt});
+    else if (action == WorkspaceAction::StepBack)
+        ChangeVideo({std::max<std::int64_t>(frame - 1, 0), false, std::nullopt});
+    else if (action == WorkspaceAction::Start)
+        ChangeVideo({0, std::nullopt, std::nullopt});
+    else if (action == WorkspaceAction::Loop)
+        ChangeVideo({std::nullopt, std::nullopt, !clock.Loops()});
+}
+
+void Workspace::DeliverPendingChanges() {
+    for (const PendingChange& deed : std::exchange(m_deeds, {})) {
+        const PlugIn& plugIn = m_plugIns[deed.plugIn];
+        if (!deed.parameter) {
+            m_host->PushButton(plugIn.id, deed.button);
+            if (m_recording) m_recording->AddButton(NextField(), plugIn.container, deed.button);
+            continue;
+        }
+        const Parameter& parameter = plugIn.registration->parameters[*deed.parameter];
+        m_host->SetParameter(plugIn.id, parameter.name, deed.value);
+        if (m_recording) m_recording->AddSetting(NextField(), plugIn.container, parameter, deed.value);
+    }
+}
+
+void Workspace::DeliverPointer(int fieldsDue) {
+    const auto event = m_pointer.TakeField(fieldsDue);
+    if (!event) return;
+    m_host->QueuePointer(event->kind, event->x, event->y);
+    if (m_recording) m_recording->AddPointer(NextField(), *event);
+}
+
+void Workspace::RunFields(int fields) {
+    for (int due = fields; due > 0; --due) {
+        if (m_recording && NextField() == mostRecordedFields) {
+            WriteRecording();
+            m_recordingFile.reset();
+            m_recording.reset();
+            m_news.emplace_back("The recording is full and ends here.");
+        }
+        DeliverPointer(due);
+        DeliverPendingChanges();
+        try {
+            (void)m_player->PlayField(due == 1 ? Player::Rendering::Wanted : Player::Rendering::NotWanted);
+        } catch (const cli::Error& error) {
+            m_news.emplace_back(error.what());
+        }
+    }
+    const auto now = std::chrono::steady_clock::now();
+    if (!m_recording || now < m_nextWrite) return;
+    m_nextWrite = now + recordingInterval;
+    WriteRecording();
+}
+
+std::string Workspace::SaveName(const char* ending) const { return m_file.stem().string() + ending; }
+
+void Workspace::SavePicture() { m_saver.Save(m_host->ReadFrame(), SaveName("-picture")); }
+
+void Workspace::SaveOverlay() {
+    try {
+        if (const PlugIn* plugIn = Chosen()) m_saver.Save(m_host->ReadCanvas(plugIn->id), SaveName("-overlay"));
+    } catch (const cli::Error& error) {
+        m_news.emplace_back(error.what());
+    }
+}
+
+std::vector<std::string> Workspace::TakeNews() {
+    for (std::string& line : m_saver.TakeNews()) m_news.push_back(std::move(line));
+    if (m_recordingFile)
+        if (std::string trouble = m_recordingFile->Trouble(); trouble != m_toldTrouble) {
+            if (!trouble.empty()) m_news.push_back(trouble);
+            m_toldTrouble = std::move(trouble);
+        }
+    return std::exchange(m_news, {});
+}
+
+std::unique_ptr<Workspace> OpenInstead(std::unique_ptr<Workspace>& workspace, const std::filesystem::path& file,
+                                       const WorkspaceOptions& options) {
+    workspace->StepAside();
+    std::unique_ptr<Workspace> next;
+    try {
+        next = std::make_unique<Workspace>(file, options);
+    } catch (...) {
+        workspace->StepBack();
+        throw;
+    }
+    next->StepAside();
+    workspace->StepBack();
+    workspace.reset();
+    next->StepBack();
+    return next;
+}
+
+}  // namespace kel

@@ -1,0 +1,138 @@
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "kel/scene/host.h"
+#include "kel/session/player.h"
+#include "kel/workspace/field_pointer.h"
+#include "kel/workspace/keys_table.h"
+#include "kel/workspace/picture_saver.h"
+#include "kel/workspace/recording.h"
+#include "kel/workspace/recording_file.h"
+#include "kel/workspace/workspace_scene.h"
+
+namespace kel {
+
+struct WorkspaceOptions {
+    GlSource gl = GlSource::Own;
+    std::filesystem::path module;     // for plug-ins that name none
+    bool isModuleGiven = false;       // by the operator: a recording names it
+    WindowSize largest{1280, 720};    // of the window of a picture or a film
+    std::filesystem::path recording;  // empty: none
+    std::filesystem::path saves = ".";
+};
+
+// The operator's workspace without its display: a picture, a film or a session with its plug-ins, what the hand and the
+// panel do to them, field by field, and the recording of it. The window draws it and brings it the events.
+//
+// A session's own events are played first, as fast as they go; the operator's count from then on. Errors are thrown as
+// Error where said; what goes wrong while fields run becomes news.
+class Workspace {
+public:
+    // Throws Error, and another host is not disturbed while it stands aside.
+    Workspace(const std::filesystem::path& file, const WorkspaceOptions& options);
+    ~Workspace();  // writes the recording to its end
+    Workspace(const Workspace&) = delete;
+    Workspace& operator=(const Workspace&) = delete;
+    Workspace(Workspace&&) = delete;
+    Workspace& operator=(Workspace&&) = delete;
+
+    // A plug-in of the scene.
+    struct PlugIn {
+        std::size_t container = 0;  // index in the scene
+        ObjectId id = noObject;
+        std::string name;                            // of its container
+        const Registration* registration = nullptr;  // borrowed from the host
+    };
+    [[nodiscard]] std::span<const PlugIn> PlugIns() const { return m_plugIns; }
+    // The one that the panel and the keys are for; null when the scene has none.
+    [[nodiscard]] const PlugIn* Chosen() const;
+    [[nodiscard]] std::size_t ChosenIndex() const { return m_chosen; }
+    void Choose(std::size_t plugIn) { m_chosen = plugIn; }
+
+    [[nodiscard]] Host& TheHost() { return *m_host; }
+    [[nodiscard]] const std::filesystem::path& File() const { return m_file; }
+    [[nodiscard]] double FieldsPerSecond() const { return m_scene.session.fieldsPerSecond; }
+    [[nodiscard]] std::int64_t NextField() const { return m_player->NextField(); }
+
+    // True while the session's own events are played; nothing of the operator counts. Progress runs from 0 to 1.
+    [[nodiscard]] bool IsPlayingSession() const { return NextField() < m_firstOwnField; }
+    [[nodiscard]] double SessionProgress() const;
+    void PlaySession(std::chrono::milliseconds atMost);
+
+    // The operator. All of it takes effect in the next field.
+    //   x, y  pixels of the scene's window
+    void Point(PointerKind kind, std::int32_t x, std::int32_t y);
+    // Of the chosen plug-in, which is there; `parameter` is the index in the order of registration. Throws Error when
+    // the value is not taken, or is the path of an image that cannot be read.
+    void Set(std::size_t parameter, const ParameterValue& value);
+    [[nodiscard]] ParameterValue Value(std::size_t parameter) const;  // with what waits for the next field
+    [[nodiscard]] bool IsShown(std::size_t parameter) const;
+    void Push(const std::string& button);
+    void Do(const ModuleKey& key);
+
+    // The scene's first film; null: there is none.
+    [[nodiscard]] const VideoShow* Video() const;
+    [[nodiscard]] std::int64_t VideoFrame() const;  // that the next field shows
+    void ChangeVideo(const VideoChange& change);
+    // Pause, Step, StepBack, Start and Loop; without a film nothing happens.
+    void DoVideo(WorkspaceAction action);
+
+    // Runs as many fields at once, at least 1; the host's picture is of the last one.
+    void RunFields(int fields);
+
+    void SavePicture();
+    void SaveOverlay();
+
+    // Lines for the operator since the last call: what was saved, what went wrong.
+    [[nodiscard]] std::vector<std::string> TakeNews();
+    [[nodiscard]] bool IsRecording() const { return m_recording != nullptr; }
+
+    // For another workspace to be made while this one is kept; see Host.
+    void StepAside() { m_host->StepAside(); }
+    void StepBack() { m_host->StepBack(); }
+
+private:
+    struct PendingChange {
+        std::size_t plugIn = 0;
+        std::optional<std::size_t> parameter;
+        ParameterValue value;
+        std::string button;
+    };
+
+    void StartRecording(const WorkspaceOptions& options);
+    void WriteRecording();
+    void DeliverPendingChanges();
+    void DeliverPointer(int fieldsDue);
+    [[nodiscard]] const Player::Container* VideoContainer() const;
+    [[nodiscard]] std::string SaveName(const char* ending) const;
+
+    std::filesystem::path m_file;
+    std::unique_ptr<Host> m_host;
+    WorkspaceScene m_scene;
+    std::unique_ptr<Player> m_player;
+    std::vector<PlugIn> m_plugIns;
+    std::size_t m_chosen = 0;
+    std::int64_t m_firstOwnField = 0;
+    FieldPointer m_pointer;
+    std::vector<PendingChange> m_deeds;
+    std::unique_ptr<Recording> m_recording;
+    std::unique_ptr<RecordingFile> m_recordingFile;
+    std::chrono::steady_clock::time_point m_nextWrite;
+    std::string m_toldTrouble;
+    PictureSaver m_saver;
+    std::vector<std::string> m_news;
+};
+
+// Opens another file and only then closes `workspace`, which is lost only when that has worked. Throws Error otherwise.
+[[nodiscard]] std::unique_ptr<Workspace> OpenInstead(std::unique_ptr<Workspace>& workspace,
+                                                     const std::filesystem::path& file,
+                                                     const WorkspaceOptions& options);
+
+}  // namespace kel

@@ -1,0 +1,131 @@
+#include "kel/workspace/workspace_scene.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <numbers>
+
+#include "cli/error.h"
+#include "cli/file_bytes.h"
+#include "kel/session/session_json.h"
+#include "kel/session/session_values.h"
+#include "kel/video/video_reader.h"
+#include "kel/workspace/panel_layout.h"
+
+namespace kel {
+namespace {
+
+using nlohmann::ordered_json;
+namespace fs = std::filesystem;
+
+constexpr double fieldOfView = 40;
+constexpr double usualFieldsPerSecond = 50;
+constexpr double usualSide = 1280;  // pixels: small pictures are enlarged to it, where there is room
+
+// How much nearer to the camera than the picture the pane stands. It is smaller by as much, so that both meet the same
+// pixels.
+constexpr double paneNearness = 0.001;
+
+// What is drawn on.
+struct Backdrop {
+    std::string key;  // of a container: "picture" or "film"
+    WindowSize size;
+    double fieldsPerSecond = usualFieldsPerSecond;
+};
+
+enum class FileKind { Picture, Video, Session };
+
+FileKind KindOf(const fs::path& file) {
+    std::error_code failure;
+    if (fs::is_directory(file, failure)) throw cli::Error(file.string(), {}, "is a folder");
+    std::array<char, 64> bytes{};
+    errno = 0;
+    std::ifstream stream(file, std::ios::binary);
+    if (!stream) throw cli::Error(file.string(), {}, "cannot be read: " + std::generic_category().message(errno));
+    stream.read(bytes.data(), bytes.size());
+    const std::string_view start(bytes.data(), static_cast<std::size_t>(stream.gcount()));
+    if (start.starts_with("\x89PNG") || start.starts_with("\xFF\xD8\xFF")) return FileKind::Picture;
+    const std::size_t letter = start.find_first_not_of(" \t\r\n");
+    const bool isObject = letter != std::string_view::npos && start[letter] == '{';
+    return isObject || file.extension() == ".json" ? FileKind::Session : FileKind::Video;
+}
+
+// A film's frames change with a field, every time: its rate is taken as often as comes nearest to the usual one.
+double FieldsPerSecondFor(double framesPerSecond) {
+    return std::clamp(framesPerSecond * std::max(1.0, std::round(usualFieldsPerSecond / framesPerSecond)), 1.0, 1000.0);
+}
+
+Backdrop PictureBackdrop(const fs::path& file) {
+    const picture_io::Picture picture = picture_io::ReadPicture(file);
+    return {"picture", {picture.width, picture.height}};
+}
+
+Backdrop VideoBackdrop(const fs::path& file) {
+    const VideoReader film(file);
+    return {"film", {film.Width(), film.Height()}, FieldsPerSecondFor(film.FramesPerSecond())};
+}
+
+// Of the workspace's values for the pen those that the module takes.
+ordered_json PenValues(const Registration& module) {
+    ordered_json values = ordered_json::object();
+    for (const SessionValue& value : ThePanelLayout().pen) {
+        const Parameter* parameter = module.FindParameter(value.name);
+        if (parameter == nullptr) continue;
+        try {
+            values[value.name] = JsonValue(*parameter, ToParameterValue(Session{}, value, *parameter));
+        } catch (const cli::Error&) {
+            continue;  // another module's parameter of the same name
+        }
+    }
+    return values;
+}
+
+ordered_json SceneAround(const fs::path& file, const Backdrop& backdrop, const Registration& module,
+                         WindowSize largest) {
+    const auto [width, height] = backdrop.size;
+    const double side = std::max(width, height);
+    const double distance = height / 2.0 / std::tan(fieldOfView / 2 / 180 * std::numbers::pi);
+    const WindowSize window = WindowFor(backdrop.size, largest);
+    const double paneScale = 1 - paneNearness;
+    return {{"window", {{"width", window.width}, {"height", window.height}}},
+            {"fieldsPerSecond", backdrop.fieldsPerSecond},
+            {"camera", {{"position", {0, 0, distance}}, {"target", {0, 0, 0}}, {"fieldOfView", fieldOfView}}},
+            {"containers",
+             {{{"name", backdrop.key}, {"size", {width, height}}, {backdrop.key, fs::absolute(file).string()}},
+              {{"name", "pane"},
+               {"size", {side, side}},
+               {"position", {0, 0, distance * paneNearness}},
+               {"scale", {paneScale, paneScale, 1}},
+               {"plugin", {{"parameters", PenValues(module)}}}}}}};
+}
+
+}  // namespace
+
+WindowSize WindowFor(WindowSize picture, WindowSize largest) {
+    const double width = picture.width;
+    const double height = picture.height;
+    const double enlarged = std::max(1.0, usualSide / std::max(width, height));
+    const double scale = std::min({enlarged, largest.width / width, largest.height / height});
+    const auto side = [&](double length) { return std::max(1, static_cast<int>(std::lround(length * scale))); };
+    return {side(width), side(height)};
+}
+
+WorkspaceScene OpenWorkspaceScene(const fs::path& file, const Registration& module, WindowSize largest) {
+    WorkspaceScene scene;
+    const FileKind kind = KindOf(file);
+    if (kind == FileKind::Session) {
+        scene.session = ReadSession(file);
+        const auto bytes = cli::ReadFileBytes(file);
+        scene.text.assign(bytes.begin(), bytes.end());
+        return scene;
+    }
+    const Backdrop backdrop = kind == FileKind::Picture ? PictureBackdrop(file) : VideoBackdrop(file);
+    scene.text =
+        SceneAround(file, backdrop, module, largest).dump(2, ' ', false, ordered_json::error_handler_t::replace);
+    scene.session = ParseSession(scene.text, file);
+    return scene;
+}
+
+}  // namespace kel

@@ -1,0 +1,104 @@
+#include <doctest/doctest.h>
+
+#include <random>
+
+#include "tests/chalkpane/brush/brush_fixture.h"
+#include "tests/reference/picture.h"
+#include "tests/reference/stroke_engine.h"
+
+using namespace chalkpane;
+
+namespace {
+
+struct Draw {
+    std::mt19937 random;
+
+    int Below(int count) { return static_cast<int>(random() % static_cast<unsigned>(count)); }
+    bool OneIn(int count) { return Below(count) == 0; }
+    double Between(double low, double high) { return std::uniform_real_distribution<double>(low, high)(random); }
+};
+
+reference::StrokeSettings RandomSettings(Draw& draw) {
+    reference::StrokeSettings settings;
+    const double spacings[] = {0.15, 0.05, 0.6, 1.5, 0.0};
+    settings.spacing = spacings[draw.Below(5)];
+    settings.adjustSpacing = draw.OneIn(4);
+    settings.spacingType = draw.Below(3);
+    settings.buildUp = draw.OneIn(2);
+    settings.matchPath = draw.OneIn(3);
+    settings.blendMode = draw.OneIn(3) ? draw.Below(22) : 0;
+    const int sourceTypes[] = {0, 0, 0, 5, 6, 2};
+    settings.sourceType = sourceTypes[draw.Below(6)];
+    settings.opacity = draw.Between(0.1, 1.0);
+    settings.decay = draw.OneIn(3) ? draw.Between(0.0, 0.3) : 0.0;
+    return settings;
+}
+
+void Give(BasicBrush& brush, const reference::StrokeSettings& settings) {
+    ValueOf(brush, 1).setEnumeration(static_cast<std::uint8_t>(settings.sourceType));
+    ValueOf(brush, 3).setDouble(settings.opacity);
+    ValueOf(brush, 4).setDouble(settings.decay);
+    ValueOf(brush, 5).setDouble(settings.spacing);
+    ValueOf(brush, 6).setBoolean(settings.adjustSpacing);
+    ValueOf(brush, 7).setEnumeration(static_cast<std::uint8_t>(settings.spacingType));
+    ValueOf(brush, 8).setBoolean(settings.matchPath);
+    ValueOf(brush, 9).setBoolean(settings.buildUp);
+    ValueOf(brush, 12).setEnumeration(static_cast<std::uint8_t>(settings.blendMode));
+}
+
+std::unique_ptr<BrushSource> ReferenceSource(BasicBrush& brush, const reference::StrokeSettings& settings,
+                                             const Colour& paint, std::int32_t depth) {
+    auto source = MakeBrushSource(static_cast<std::uint8_t>(settings.sourceType), FileName(), depth);
+    for (const auto& value : brush.SourceValues()) source->setParameter(value.get());
+    source->SetColour(paint);
+    source->Prepare(0, dynamic_cast<GraphValue*>(&ValueOf(brush, 10)), Matrix3());
+    return source;
+}
+
+}  // namespace
+
+TEST_CASE("random strokes leave the pixels and rectangles of the plain reference, bit by bit") {
+    std::size_t dabs = 0;
+    for (unsigned seed = 1; seed <= 160; ++seed) {
+        CAPTURE(seed);
+        Draw draw{std::mt19937(seed)};
+        const reference::StrokeSettings settings = RandomSettings(draw);
+        const std::int32_t depth = draw.Below(2);
+        Image canvas = NewCanvas(48, 48, depth);
+        reference::FillWithNoise(canvas, seed);
+        canvas.Premultiply(canvas);
+        const auto expected = canvas.Clone();
+
+        BasicBrush brush("Reference");
+        brush.SetTarget(&canvas);
+        Give(brush, settings);
+        SourceValueOf(brush, 3).setDouble(draw.OneIn(2) ? 1.0 : draw.Between(0.3, 3.0));
+        SourceValueOf(brush, 4).setFloat(static_cast<float>(draw.Between(0, 90)));
+        SourceValueOf(brush, 8).setEnumeration(static_cast<std::uint8_t>(draw.OneIn(3) ? draw.Below(3) : 0));
+        brush.SetSize(draw.Below(6));
+        const Colour paint{static_cast<std::uint16_t>(draw.Below(16384)), static_cast<std::uint16_t>(draw.Below(16384)),
+                           static_cast<std::uint16_t>(draw.Below(16384))};
+        brush.SetColour(paint);
+        const auto source = ReferenceSource(brush, settings, paint, depth);
+        reference::StrokeEngine reference(settings, *source, *expected);
+
+        double x = draw.Between(-5, 53);
+        double y = draw.Between(-5, 53);
+        double pressure = draw.Between(0.3, 1.0);
+        REQUIRE_EQ(brush.BeginStroke(x, y, pressure), reference.Begin(x, y, pressure));
+        const double stride = draw.OneIn(2) ? 2.0 : 15.0;
+        for (int i = 0; i < 12; ++i) {
+            if (!draw.OneIn(3) && i < 6) {
+                x += draw.Between(-stride, stride);
+                y += draw.Between(-stride, stride);
+                pressure = draw.Between(0.0, 1.0);
+            }
+            CAPTURE(i);
+            REQUIRE_EQ(brush.ContinueStroke(x, y, pressure), reference.Continue(x, y, pressure));
+        }
+        REQUIRE_EQ(brush.EndStroke(x, y, pressure), reference.End(x, y, pressure));
+        REQUIRE(reference::Same(reference::Picture(canvas), reference::Picture(*expected)));
+        dabs += reference.dabs.size();
+    }
+    CHECK_GT(dabs, 5000);
+}

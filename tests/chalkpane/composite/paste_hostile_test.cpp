@@ -1,0 +1,155 @@
+#include <doctest/doctest.h>
+
+#include <limits>
+
+#include "chalkpane/composite/brush_paster.h"
+#include "chalkpane/composite/eraser.h"
+#include "chalkpane/composite/paster.h"
+#include "tests/chalkpane/composite/paste_fixture.h"
+
+// Pastes that no brush makes: nothing may be touched that is not there.
+namespace chalkpane {
+
+namespace {
+
+constexpr std::int32_t lowest = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t highest = std::numeric_limits<std::int32_t>::max();
+
+const std::array hostileRects{Rect(lowest, lowest, highest, highest),
+                              Rect(highest, highest, lowest, lowest),
+                              Rect(lowest, 0, lowest, 5),
+                              Rect(highest, highest, highest, highest),
+                              Rect(3, 9, 2, 0),
+                              Rect(3, 0, 2, 9),
+                              Rect(),
+                              Rect(-100, -100, 4, 4)};
+
+// Every operation there is, on the images as they come.
+void PasteAll(const Image& source, const Image* mask, Image& target, const Rect& rect, const Image* clip) {
+    for (const Clip clipInverted : {Clip::Limiting, Clip::Inverted}) {
+        for (const auto mode : {std::uint8_t{0}, std::uint8_t{16}, std::uint8_t{200}}) {
+            BrushPaster paster;
+            paster.SetMode(mode);
+            paster.SetOpacity(0.8);
+            paster.Paste(source, mask, target, PasteBehaviour::Over, rect, 0, clip, clipInverted);
+            paster.Paste(source, mask, target, PasteBehaviour::Replace, rect, 0, clip, clipInverted);
+            paster.PasteToMask(source, mask, target, rect);
+            paster.PasteValueToMask(source, mask, target, rect, 65535);
+        }
+        Eraser eraser;
+        eraser.SetOpacity(0.1);
+        eraser.Paste(source, mask, target, rect, 0, clip, clipInverted);
+        Paster layer;
+        layer.SetOpacity(0.5);
+        layer.Paste(source, target, rect, 0, clip, clipInverted);
+        layer.PasteOnto(source, target, rect, 0);
+        layer.PasteMaskOnto(source, target, rect);
+        layer.PasteValueOnto(65535, source, target, rect);
+        layer.Replace(source, target, rect, 0, clip, clipInverted);
+    }
+}
+
+}  // namespace
+
+TEST_CASE("any rectangle is survived") {
+    for (const std::int32_t depth : {0, 1}) {
+        const Image source = NoiseImage({-4, -4, 9, 9}, 1, depth, 1);
+        const Image mask = NoiseImage({2, 2, 5, 30}, 2, depth, 2);
+        const Image clip = NoiseImage({4, -9, 30, 4}, 1, depth, 3);
+        for (const Rect& rect : hostileRects) {
+            Image target = NoiseImage({0, 0, 19, 19}, 1, depth, 4);
+            PasteAll(source, &mask, target, rect, &clip);
+            PasteAll(source, nullptr, target, rect, nullptr);
+        }
+    }
+}
+
+TEST_CASE("a rectangle without end is cut to the images") {
+    const Image source = FlatImage({-4, -4, 9, 9}, 1, 0, {255, 255, 255, 255});
+    const Image mask = FlatImage({2, 2, 5, 30}, 2, 0, {255});
+    Image target({0, 0, 19, 19}, 1, 0, 1);
+    BrushPaster().Paste(source, &mask, target, PasteBehaviour::Over, {lowest, lowest, highest, highest}, 0, nullptr,
+                        Clip::Limiting);
+    for (int y = 0; y < 20; ++y)
+        for (int x = 0; x < 20; ++x) CHECK_EQ(ValuesAt(target, x, y)[3], Rect(2, 2, 5, 9).Contains(x, y) ? 254 : 0);
+}
+
+TEST_CASE("images of another depth or format change nothing") {
+    const Rect rect{0, 0, 9, 9};
+    for (int i = 0; i < 64; ++i) {
+        const auto depthOf = [i](int bit) { return i >> bit & 1; };
+        const Image source = NoiseImage(rect, depthOf(4) + 1, depthOf(0), 1);
+        const Image mask = NoiseImage(rect, 2, depthOf(1), 2);
+        const Image clip = NoiseImage(rect, 2, depthOf(2), 3);
+        Image target = NoiseImage(rect, depthOf(5) + 1, depthOf(3), 4);
+        const reference::Picture before(target);
+        if (depthOf(0) != depthOf(3)) {
+            PasteAll(source, &mask, target, rect, &clip);
+            CAPTURE(i);
+            CHECK(SamePixels(target, before));
+        } else {
+            PasteAll(source, &mask, target, rect, &clip);  // survives
+        }
+    }
+}
+
+TEST_CASE("empty images are survived") {
+    const Image nothing(Rect(), 1, 0, 0);
+    const Image nothingMask(Rect(), 2, 0, 0);
+    Image target = NoiseImage({0, 0, 9, 9}, 1, 0, 1);
+    Image emptyTarget(Rect(), 1, 0, 0);
+    PasteAll(nothing, nullptr, target, target, nullptr);
+    PasteAll(target, &nothingMask, target, target, nullptr);
+    PasteAll(target, nullptr, target, target, &nothingMask);
+    PasteAll(target, nullptr, emptyTarget, {lowest, lowest, highest, highest}, nullptr);
+}
+
+// Sums stored modulo the word leave such values in pictures.
+TEST_CASE("14-bit words beyond full scale overflow nothing") {
+    const Rect rect{0, 0, 15, 15};
+    std::mt19937 random(5);
+    const auto wild = [&](std::int32_t type) {
+        Image image(rect, type, 1, static_cast<std::uint8_t>(random() & 1));
+        for (std::int32_t y = image.y0; y <= image.y1; ++y)
+            for (auto& word : image.Row14(y)) word = static_cast<std::uint16_t>(random() % 3 == 0 ? 65535 : random());
+        return image;
+    };
+    for (int i = 0; i < 20; ++i) {
+        const Image source = wild(1);
+        const Image sourceMask = wild(2);
+        const Image mask = wild(2);
+        const Image clip = wild(2);
+        Image target = wild(1);
+        Image targetMask = wild(2);
+        for (const Image* from : {&source, &sourceMask}) {
+            PasteAll(*from, &mask, target, rect, &clip);
+            PasteAll(*from, &mask, targetMask, rect, nullptr);
+            PasteAll(*from, nullptr, targetMask, rect, nullptr);
+        }
+    }
+}
+
+TEST_CASE("opacities without sense are survived") {
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    const Image source = NoiseImage({0, 0, 9, 9}, 1, 1, 1);
+    const Image mask = NoiseImage({0, 0, 9, 9}, 2, 1, 2);
+    Image target = NoiseImage({0, 0, 9, 9}, 1, 1, 3);
+    Image targetMask = NoiseImage({0, 0, 9, 9}, 2, 1, 3);
+    for (const double opacity : {infinity, -infinity, 1e300, 1e-300, std::numeric_limits<double>::quiet_NaN()}) {
+        BrushPaster paster;
+        paster.SetOpacity(opacity);
+        paster.Paste(source, &mask, target, PasteBehaviour::Over, target, 0, &mask, Clip::Inverted);
+        paster.PasteToMask(source, &mask, targetMask, target);
+        Eraser eraser;
+        eraser.SetOpacity(opacity);
+        eraser.Paste(source, &mask, target, target, 0, nullptr, Clip::Limiting);
+        Paster layer;
+        layer.SetOpacity(opacity);
+        layer.SetFactor(std::numeric_limits<float>::infinity());
+        layer.Paste(source, target, target, 0, nullptr, Clip::Limiting);
+        layer.Replace(source, target, target, 0, nullptr, Clip::Limiting);
+        layer.PasteMaskOnto(mask, targetMask, target);
+    }
+}
+
+}  // namespace chalkpane

@@ -1,0 +1,95 @@
+#include "chalkpane/filters/effects/add_noise_effect.h"
+
+#include <limits>
+
+#include "tests/chalkpane/filters/reference_comparison.h"
+#include "tests/reference/effects.h"
+
+using namespace chalkpane;
+using namespace chalkpane::test;
+
+TEST_CASE("Noise is its plain reference, in every distribution and on both sets of channels") {
+    for (const int uniform : {0, 1}) {
+        for (const int rgb : {0, 1}) {
+            for (const int density : {1, 37, 100}) {
+                CAPTURE(uniform);
+                CAPTURE(rgb);
+                CAPTURE(density);
+                AddNoiseEffect filter;
+                SetNumber(filter, "Level", 0.2);
+                SetNumber(filter, "Distribution", uniform);
+                SetNumber(filter, "Channels", rgb);
+                SetNumber(filter, "Density %", density);
+                CompareWithReference(filter, [&](const Image& source, const Rect* region, bool /*expand*/) {
+                    return reference::AddNoise(source, 0.2F, uniform != 0, rgb != 0, density, region);
+                });
+            }
+        }
+    }
+}
+
+TEST_CASE("Two runs of noise on one picture are equal") {
+    const Image source = NoisePicture({0, 0, 30, 30}, Image::colourType, 0, 0, 3);
+    AddNoiseEffect filter;
+    SetNumber(filter, "Level", 0.5);
+    const auto first = Applied(filter, source);
+    CHECK(SamePixels(*first, *Applied(filter, source)));
+    CHECK_FALSE(SamePixels(*first, source));
+    CHECK_FALSE(filter.CanRunInParallel());
+}
+
+// Seed 0: a = 3, b = 1, c = 1. First result: t = 3 * 1 = 3, c = 0 + 1 * 30903, 30906 % 100 = 6 passes. Second: a = 1,
+// b = 3, t = 3, c = 30903 * 30903 = 954995409, sum 954995412. Its low 15 bits: 954995412 - 29144 * 32768 = 4820. Noise:
+// 4820 / 32767 - 0.5 = -0.352901.
+// 8 bits at level 1: 200 - 0.352901 * 255 = 110.01 -> 110. 14 bits: 12000 - 0.352901 * 32766 = 436.8 -> 436.
+TEST_CASE("Noise at 16 bits is twice as strong, measured against full scale") {
+    for (const int depth : {0, 1}) {
+        Image source(1, 1, Image::colourType, depth, 0);
+        for (int c = 0; c < 4; ++c) reference::Put(source, 0, 0, c, depth == 0 ? 200 : 12000);
+        AddNoiseEffect filter;
+        SetNumber(filter, "Level", 1);
+        SetNumber(filter, "Distribution", 1);
+        const auto result = Applied(filter, source);
+        for (int c = 0; c < 3; ++c) CHECK_EQ(reference::Get(*result, 0, 0, c), depth == 0 ? 110 : 436);
+        CHECK_EQ(reference::Get(*result, 0, 0, 3), depth == 0 ? 200 : 12000);
+    }
+}
+
+// The first draw of seed 0 leaves 6, which is at most 6 and above 5.
+TEST_CASE("A pixel passes the density test when its draw is at most the density") {
+    Image source(1, 1, Image::colourType, 0, 0);
+    reference::Put(source, 0, 0, 1, 128);
+    AddNoiseEffect filter;
+    SetNumber(filter, "Level", 1);
+    SetNumber(filter, "Distribution", 1);
+    SetNumber(filter, "Density %", 5);
+    CHECK_EQ(reference::Get(*Applied(filter, source), 0, 0, 1), 128);
+    SetNumber(filter, "Density %", 6);
+    CHECK_EQ(reference::Get(*Applied(filter, source), 0, 0, 1), 38);  // 128 - 0.352901 * 255 = 38.01
+}
+
+TEST_CASE("No level, or no density, is a plain copy, whatever the region") {
+    const Image source = NoisePicture({0, 0, 8, 8}, Image::colourType, 1, 1, 3);
+    const Rect region(2, 2, 4, 4);
+    AddNoiseEffect filter;
+    CHECK(SamePixels(*Applied(filter, source, &region), source));
+    SetNumber(filter, "Level", 1);
+    CHECK(Applied(filter, source, &region)->Bounds() == region);
+    SetNumber(filter, "Density %", 0);
+    CHECK(SamePixels(*Applied(filter, source, &region), source));
+}
+
+TEST_CASE("Noise takes any setting") {
+    const double infinity = std::numeric_limits<double>::infinity();
+    for (const int depth : {0, 1}) {
+        const Image source = NoisePicture({0, 0, 8, 8}, Image::colourType, depth, 1, 3);
+        for (const double level : {-1e30, -1.0, 1e30, infinity, -infinity, std::nan("")}) {
+            AddNoiseEffect filter;
+            SetNumber(filter, "Level", level);
+            SetNumber(filter, "Density %", -3);
+            CHECK(Applied(filter, source));
+            SetNumber(filter, "Density %", 2147483647);
+            CHECK(Applied(filter, source));
+        }
+    }
+}

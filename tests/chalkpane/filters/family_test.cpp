@@ -1,0 +1,146 @@
+#include <doctest/doctest.h>
+
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "chalkpane/base/multi_processor.h"
+#include "chalkpane/base/random.h"
+#include "chalkpane/filters/filter_registry.h"
+#include "tests/chalkpane/filters/filter_pictures.h"
+
+// What holds for every filter of the registry, whatever it does.
+
+using namespace chalkpane;
+using namespace chalkpane::test;
+
+namespace {
+
+// Gives every parameter of a filter the end of its range that `low` names, or with `setting` that number.
+void SetAll(Filter& filter, bool low, const double* setting) {
+    const DataSet* const values = filter.MakeValues(false, nullptr, nullptr);
+    for (const auto& value : *values) {
+        double from = 0.0;
+        double to = 1.0;
+        value->getParameter()->getRange(from, to);
+        const double number = setting != nullptr ? *setting : (low ? from : to);
+        const bool whole = std::abs(number) < 1e9;
+        value->setDouble(number);
+        value->setFloat(static_cast<float>(number));
+        value->setInteger(whole ? static_cast<std::int32_t>(number) : (number > 0 ? 1 << 30 : -(1 << 30)));
+        value->setBoolean(!low);
+        value->setEnumeration(low ? std::uint8_t{0} : std::uint8_t{3});
+        value->setColour({16383, 8000, 10});
+        filter.setParameter(value.get());
+    }
+}
+
+// A run whose random draws start over, so that two runs can be compared.
+std::unique_ptr<Image> Run(Filter& filter, const Image& source, const Rect* region, bool expand) {
+    SeedRandom(11);
+    filter.Advance(&source, 3, 0, 0, 0, 0);
+    return Applied(filter, source, region, expand);
+}
+
+// One pixel, a column, a row, a small picture and none at all, in every format.
+const std::vector<Image>& OddPictures() {
+    static const std::vector<Image> pictures = [] {
+        std::vector<Image> made;
+        for (const std::int32_t depth : {0, 1}) {
+            for (const std::int32_t type : {Image::colourType, Image::maskType}) {
+                for (const Rect& bounds :
+                     {Rect(0, 0, 0, 0), Rect(-3, 5, -3, 17), Rect(-7, -9, 9, -9), Rect(2, 3, 14, 11)})
+                    made.push_back(NoisePicture(bounds, type, depth, type == Image::colourType ? 1 : 0, 31));
+                made.emplace_back(Rect(), type, depth, std::uint8_t{0});
+            }
+        }
+        return made;
+    }();
+    return pictures;
+}
+
+}  // namespace
+
+TEST_CASE("The family has 32 filters in six menus") {
+    const auto& registry = FilterRegistry::Instance();
+    CHECK_EQ(registry.Filters().size(), 32);
+    std::vector<std::string> names;
+    for (const auto& category : registry.Categories()) names.push_back(category.name);
+    CHECK(names == std::vector<std::string>{"Blurs", "Color Correctors", "Distort", "Effects", "Filters", "Grain"});
+}
+
+TEST_CASE("A clone equals its filter, a fresh object of another class does not") {
+    const auto& filters = FilterRegistry::Instance().Filters();
+    for (std::size_t i = 0; i < filters.size(); ++i) {
+        CAPTURE(filters[i]->Name());
+        const auto clone = filters[i]->Clone();
+        CHECK(clone->Equals(*filters[i]));
+        CHECK(clone->Differs(*filters[(i + 1) % filters.size()]));
+        CHECK_EQ(clone->Name(), filters[i]->Name());
+        CHECK(filters[i]->CreateNew()->Equals(*filters[i]));
+    }
+}
+
+TEST_CASE("Every filter survives odd pictures, regions and every setting at its ends and beyond") {
+    MultiProcessor::Restart(1);
+    const double notANumber = std::nan("");
+    const double huge = 1e30;
+    const double negative = -1e30;
+    // A number for every setting (null: the end of its range), and with it the options of the low or of the high end.
+    struct Setting {
+        const double* number;
+        bool low;
+    };
+    constexpr bool low = true;
+    const Setting settings[] = {{nullptr, low},      {nullptr, !low}, {&notANumber, low},
+                                {&notANumber, !low}, {&huge, !low},   {&negative, low}};
+    for (const Filter* prototype : FilterRegistry::Instance().Filters()) {
+        CAPTURE(prototype->Name());
+        for (const Setting& setting : settings) {
+            CAPTURE(setting.number == nullptr ? 0.0 : *setting.number);
+            CAPTURE(setting.low);
+            const auto filter = prototype->CreateNew();
+            SetAll(*filter, setting.low, setting.number);
+            for (const Image& source : OddPictures()) {
+                const Rect onePixel(source.x0, source.y1, source.x0, source.y1);
+                const Rect outside(1000, 1000, 1010, 1010);
+                for (const Rect* region : {static_cast<const Rect*>(nullptr), &onePixel, &outside}) {
+                    const auto result = Run(*filter, source, region, setting.number == nullptr && setting.low);
+                    CHECK((result || prototype->Label() == "Smart Blur"));
+                }
+            }
+        }
+    }
+    MultiProcessor::Restart(0);
+}
+
+TEST_CASE("One worker and many give the same bytes for every filter at both depths") {
+    const auto runAll = [](std::int32_t workers) {
+        MultiProcessor::Restart(workers);
+        std::vector<std::unique_ptr<Image>> results;
+        for (const Filter* prototype : FilterRegistry::Instance().Filters()) {
+            for (const std::int32_t depth : {0, 1}) {
+                const Image source =
+                    NoisePicture({-20, 7, 349, 330}, Image::colourType, prototype->PreferredDepth(depth), 1, 5);
+                const auto filter = prototype->CreateNew();
+                const double setting = 1.0;
+                SetAll(*filter, false, &setting);
+                results.push_back(Run(*filter, source, nullptr, true));
+            }
+        }
+        MultiProcessor::Restart(0);
+        return results;
+    };
+    const auto serial = runAll(1);
+    const auto parallel = runAll(3);
+    for (std::size_t i = 0; i < serial.size(); ++i) {
+        const Filter& filter = *FilterRegistry::Instance().Filters()[i / 2];
+        CAPTURE(filter.Name());
+        if (filter.Label() == "Smart Blur") continue;  // makes nothing
+        REQUIRE(serial[i]);
+        REQUIRE(parallel[i]);
+        CHECK(SamePixels(*serial[i], *parallel[i]));
+    }
+}

@@ -1,0 +1,138 @@
+#include "tests/kel/window/virtual_display.h"
+
+#include <X11/XKBlib.h>
+#include <X11/Xlib.h>
+#include <X11/Xutil.h>
+#include <X11/extensions/XTest.h>
+#include <X11/keysym.h>
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdlib>
+#include <stdexcept>
+
+namespace kel::testing {
+namespace {
+
+constexpr int startTime = 60'000;  // milliseconds
+
+// What the server writes once it listens: its number and an end of line.
+std::string ReadLine(int end) {
+    std::string line;
+    for (;;) {
+        pollfd waiting{end, POLLIN, 0};
+        char letter = 0;
+        if (poll(&waiting, 1, startTime) != 1 || read(end, &letter, 1) != 1)
+            throw std::runtime_error("Xvfb does not start");
+        if (letter == '\n') return line;
+        line += letter;
+    }
+}
+
+}  // namespace
+
+bool VirtualDisplay::IsPossible() { return std::system("command -v Xvfb >/dev/null 2>&1") == 0; }
+
+VirtualDisplay::VirtualDisplay() {
+    std::array<int, 2> ends{};
+    if (pipe(ends.data()) != 0) throw std::runtime_error("no pipe");
+    m_server = fork();
+    if (m_server == 0) {
+        const int nowhere = open("/dev/null", O_WRONLY);
+        dup2(nowhere, STDERR_FILENO);
+        close(ends[0]);
+        const std::string number = std::to_string(ends[1]);
+        execlp("Xvfb", "Xvfb", "-displayfd", number.c_str(), "-screen", "0", "1600x1000x24", "-nolisten", "tcp",
+               "-noreset", nullptr);
+        _exit(127);
+    }
+    close(ends[1]);
+    m_name = ":" + ReadLine(ends[0]);
+    close(ends[0]);
+    m_display = XOpenDisplay(m_name.c_str());
+    if (m_display == nullptr) throw std::runtime_error("no connection to " + m_name);
+}
+
+VirtualDisplay::~VirtualDisplay() {
+    if (m_display != nullptr) XCloseDisplay(m_display);
+    if (m_server <= 0) return;
+    kill(m_server, SIGTERM);
+    waitpid(m_server, nullptr, 0);
+}
+
+void VirtualDisplay::MovePointer(std::int32_t x, std::int32_t y) {
+    XTestFakeMotionEvent(m_display, 0, x, y, CurrentTime);
+    XSync(m_display, False);
+}
+
+void VirtualDisplay::PressButton(bool down) {
+    XTestFakeButtonEvent(m_display, 1, down ? True : False, CurrentTime);
+    XSync(m_display, False);
+}
+
+void VirtualDisplay::TypeKey(const std::string& name, bool control) {
+    const KeySym symbol = XStringToKeysym(name.c_str());
+    const KeyCode code = XKeysymToKeycode(m_display, symbol);
+    if (symbol == NoSymbol || code == 0) throw std::runtime_error("no key " + name);
+    const bool shift = XkbKeycodeToKeysym(m_display, code, 0, 0) != symbol;
+    const auto send = [&](KeyCode key, bool down) {
+        XTestFakeKeyEvent(m_display, key, down ? True : False, CurrentTime);
+    };
+    const KeyCode shiftKey = XKeysymToKeycode(m_display, XK_Shift_L);
+    const KeyCode controlKey = XKeysymToKeycode(m_display, XK_Control_L);
+    if (shift) send(shiftKey, true);
+    if (control) send(controlKey, true);
+    send(code, true);
+    send(code, false);
+    if (control) send(controlKey, false);
+    if (shift) send(shiftKey, false);
+    XSync(m_display, False);
+}
+
+void VirtualDisplay::TypeText(const std::string& letters) {
+    for (const char letter : letters) TypeKey(std::string(1, letter));
+}
+
+std::optional<WindowPlace> VirtualDisplay::FindWindow(const std::string& titleEnd) const {
+    Window root = 0;
+    Window parent = 0;
+    Window* children = nullptr;
+    unsigned count = 0;
+    if (XQueryTree(m_display, DefaultRootWindow(m_display), &root, &parent, &children, &count) == 0) return {};
+    std::optional<WindowPlace> place;
+    for (unsigned i = 0; i < count && !place; ++i) {
+        char* title = nullptr;
+        XWindowAttributes attributes{};
+        if (XFetchName(m_display, children[i], &title) == 0 || title == nullptr) continue;
+        const bool isIt = std::string(title).ends_with(titleEnd);
+        XFree(title);
+        if (isIt && XGetWindowAttributes(m_display, children[i], &attributes) != 0 &&
+            attributes.map_state == IsViewable)
+            place = WindowPlace{attributes.x, attributes.y, attributes.width, attributes.height};
+    }
+    if (children != nullptr) XFree(children);
+    return place;
+}
+
+picture_io::Picture VirtualDisplay::Screen() const {
+    XWindowAttributes root{};
+    XGetWindowAttributes(m_display, DefaultRootWindow(m_display), &root);
+    XImage* image = XGetImage(m_display, DefaultRootWindow(m_display), 0, 0, static_cast<unsigned>(root.width),
+                              static_cast<unsigned>(root.height), AllPlanes, ZPixmap);
+    if (image == nullptr) throw std::runtime_error("no picture of the screen");
+    picture_io::Picture screen(root.width, root.height);
+    for (int y = 0; y < root.height; ++y)
+        for (int x = 0; x < root.width; ++x) {
+            const unsigned long pixel = XGetPixel(image, x, y);
+            const auto byte = [&](unsigned shift) { return static_cast<std::uint8_t>(pixel >> shift & 0xFFU); };
+            screen.Set(x, y, {byte(16), byte(8), byte(0), 255});
+        }
+    XDestroyImage(image);
+    return screen;
+}
+
+}  // namespace kel::testing

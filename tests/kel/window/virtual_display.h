@@ -1,0 +1,52 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "picture_io/picture.h"
+
+struct _XDisplay;
+
+namespace kel::testing {
+
+struct WindowPlace {
+    std::int32_t x = 0;  // pixels of the screen
+    std::int32_t y = 0;
+    std::int32_t width = 0;
+    std::int32_t height = 0;
+};
+
+// A display of its own without a screen anybody sees, 1600 x 1000, with a pointer and a keyboard.
+class VirtualDisplay {
+public:
+    [[nodiscard]] static bool IsPossible();  // there is an Xvfb
+
+    VirtualDisplay();
+    ~VirtualDisplay();
+    VirtualDisplay(const VirtualDisplay&) = delete;
+    VirtualDisplay& operator=(const VirtualDisplay&) = delete;
+    VirtualDisplay(VirtualDisplay&&) = delete;
+    VirtualDisplay& operator=(VirtualDisplay&&) = delete;
+
+    [[nodiscard]] const std::string& Name() const { return m_name; }  // ":3"
+
+    void MovePointer(std::int32_t x, std::int32_t y);
+    void PressButton(bool down);
+    // A key by its name in X, such as "r", "bracketright", "question"; with the modifiers it takes.
+    void TypeKey(const std::string& name, bool control = false);
+    void TypeText(const std::string& letters);
+
+    // The window whose title ends so; nothing while none is on the screen.
+    [[nodiscard]] std::optional<WindowPlace> FindWindow(const std::string& titleEnd) const;
+    [[nodiscard]] picture_io::Picture Screen() const;
+
+private:
+    pid_t m_server = -1;
+    std::string m_name;
+    _XDisplay* m_display = nullptr;
+};
+
+}  // namespace kel::testing

@@ -1,0 +1,310 @@
+#include <doctest/doctest.h>
+#include <signal.h>
+
+#include <array>
+#include <cmath>
+#include <nlohmann/json.hpp>
+#include <numbers>
+#include <thread>
+
+#include "kel/workspace/picture_area.h"
+#include "tests/cli/temporary_folder.h"
+#include "tests/kel/pixels.h"
+#include "tests/kel/video/counted_video.h"
+#include "tests/kel/window/kel_window.h"
+
+namespace kel {
+namespace {
+
+using testing::KelWindow;
+using testing::Pixel;
+using testing::WaitUntil;
+
+constexpr Pixel paper{70, 90, 110, 255};
+constexpr Pixel ink{255, 45, 45, 255};  // what key 3 sets
+
+// The picture's place on the screen: all that has its colour, with what is drawn inside it.
+PictureArea FindPaper(const picture_io::Picture& screen) {
+    std::int32_t left = screen.width;
+    std::int32_t top = screen.height;
+    std::int32_t right = -1;
+    std::int32_t bottom = -1;
+    for (std::int32_t y = 0; y < screen.height; ++y)
+        for (std::int32_t x = 0; x < screen.width; ++x) {
+            if (testing::Difference(screen.At(x, y), paper) > 2) continue;
+            left = std::min(left, x);
+            right = std::max(right, x);
+            top = std::min(top, y);
+            bottom = std::max(bottom, y);
+        }
+    return {left, top, right - left + 1, bottom - top + 1};
+}
+
+// A window on a plain sheet of paper, recorded into run.json.
+class PaperWindow : public KelWindow {
+public:
+    explicit PaperWindow(std::vector<std::string> more = {}) {
+        picture_io::WritePicture(testing::Plain(400, 300, paper), folder / "paper.png");
+        std::vector<std::string> arguments = {"paper.png", "--record", "run.json"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        Start(arguments);
+        WaitUntil("the window is on the screen", [&] { return display.FindWindow("paper.png - kel").has_value(); });
+        // The window comes to the middle of the screen, with room for the whole picture, pixel by pixel.
+        WaitUntil("the window shows the picture", [&] {
+            const auto scene = Recorded("run.json")["window"];
+            const auto place = display.FindWindow("paper.png - kel");
+            const picture_io::Picture screen = display.Screen();
+            area = FindPaper(screen);
+            const bool isInTheMiddle = place && place->x == (screen.width - place->width) / 2 && area.x == place->x;
+            return isInTheMiddle && area.width == scene["width"] && area.height == scene["height"];
+        });
+    }
+
+    void MoveOnPaper(double x, double y) {  // shares of its width and height
+        display.MovePointer(area.x + static_cast<std::int32_t>(std::lround(x * area.width)),
+                            area.y + static_cast<std::int32_t>(std::lround(y * area.height)));
+    }
+    // The window has come to know a key by then.
+    void SetByKey(const std::string& key, const std::string& parameter) {
+        const std::size_t before = ValuesSet(parameter).size();
+        display.TypeKey(key);
+        WaitUntil(key + " sets " + parameter, [&] { return ValuesSet(parameter).size() > before; });
+    }
+    // How many fields have passed since that happened last.
+    void WaitForFields(const std::string& since, std::int64_t fields) {
+        WaitUntil("fields after a " + since, [&] {
+            const std::int64_t field = FieldOf("run.json", since);
+            return field >= 0 && Recorded("run.json")["fields"].get<std::int64_t>() >= field + fields;
+        });
+    }
+    // Long enough for the window to have taken what was done to it.
+    void WaitForSomeFields() {
+        const auto now = Recorded("run.json")["fields"].get<std::int64_t>();
+        WaitUntil("some fields pass", [&] { return Recorded("run.json")["fields"].get<std::int64_t>() > now + 40; });
+    }
+    [[nodiscard]] nlohmann::json ValuesSet(const std::string& parameter) const {
+        auto values = nlohmann::json::array();
+        const nlohmann::json session = Recorded("run.json");
+        for (const auto& event : session["events"])
+            if (event.contains("set") && event["set"].contains(parameter)) values.push_back(event["set"][parameter]);
+        return values;
+    }
+    [[nodiscard]] picture_io::Picture SaveOverlay(const std::string& name) {
+        display.TypeKey("o");
+        WaitUntil("the overlay is saved", [&] { return std::filesystem::exists(folder / name); });
+        return picture_io::ReadPicture(folder / name);
+    }
+
+    PictureArea area;
+};
+
+// As a hand draws it: not quite round. Radii are pixels of the screen.
+void DrawRing(PaperWindow& window, double radius, double wobble) {
+    constexpr int places = 72;
+    const double centreX = window.area.x + window.area.width / 2.0;
+    const double centreY = window.area.y + window.area.height / 2.0;
+    for (int i = 0; i <= places; ++i) {
+        const double angle = 2 * std::numbers::pi * i / places;
+        const double reach = radius + wobble * std::cos(5 * angle);
+        window.display.MovePointer(static_cast<std::int32_t>(std::lround(centreX + reach * std::cos(angle))),
+                                   static_cast<std::int32_t>(std::lround(centreY + reach * std::sin(angle))));
+        if (i == 0) window.display.PressButton(true);
+        std::this_thread::sleep_for(std::chrono::milliseconds(22));  // a hand's pace; nothing depends on it
+    }
+    window.display.PressButton(false);
+}
+
+constexpr std::size_t directions = 72;
+
+// How far the middle of a ring's ink lies from the middle of the picture, in every direction; 0 where there is none.
+std::array<double, directions> LookAtRing(const picture_io::Picture& screen, const PictureArea& area) {
+    std::array<double, directions> nearest{};
+    std::array<double, directions> farthest{};
+    for (std::int32_t y = area.y; y < area.y + area.height; ++y)
+        for (std::int32_t x = area.x; x < area.x + area.width; ++x) {
+            if (testing::Difference(screen.At(x, y), ink) > 60) continue;
+            const double right = x + 0.5 - area.x - area.width / 2.0;
+            const double down = y + 0.5 - area.y - area.height / 2.0;
+            const double turn = std::atan2(down, right) / (2 * std::numbers::pi) + 0.5;
+            const auto direction = std::min(directions - 1, static_cast<std::size_t>(turn * directions));
+            const double distance = std::hypot(right, down);
+            if (nearest[direction] == 0 || distance < nearest[direction]) nearest[direction] = distance;
+            farthest[direction] = std::max(farthest[direction], distance);
+        }
+    for (std::size_t i = 0; i < directions; ++i) nearest[i] = (nearest[i] + farthest[i]) / 2;
+    return nearest;
+}
+
+// How much the distances swing so many times in a turn. An ellipse swings twice, one beside the middle once, and what
+// is drawn with DrawRing five times.
+double Swing(const std::array<double, directions>& distances, int times) {
+    double cosines = 0;
+    double sines = 0;
+    for (std::size_t i = 0; i < directions; ++i) {
+        const double angle = 2 * std::numbers::pi * times * static_cast<double>(i) / directions;
+        cosines += distances[i] * std::cos(angle);
+        sines += distances[i] * std::sin(angle);
+    }
+    return 2 * std::hypot(cosines, sines) / directions;
+}
+
+}  // namespace
+
+TEST_CASE("A ring drawn with a real pointer becomes a clean ellipse, and its recording plays to the same canvas") {
+    PaperWindow window;
+    window.SetByKey("3", "BrushColor");
+    window.SetByKey("r", "RecoShapes");
+    const double radius = window.area.height * 0.25;
+    const double wobble = radius * 0.04;
+    DrawRing(window, radius, wobble);
+    window.WaitForFields("release", 50 + 30);  // the delay of 50 fields, and some to be sure
+    const picture_io::Picture screen = window.display.Screen();
+    const auto ring = LookAtRing(screen, window.area);
+    for (const double distance : ring) CHECK_LT(std::abs(distance - radius), radius * 0.1);
+    CHECK_LT(Swing(ring, 5), wobble / 4);
+    CHECK_LT(Swing(ring, 7), wobble / 4);
+
+    const picture_io::Picture live = window.SaveOverlay("paper-overlay-001.png");
+    window.Signal(SIGKILL);
+    CHECK_EQ(window.WaitForEnd(), 128 + SIGKILL);
+    CHECK_EQ(window.PlayedOverlay("run.json") == live, true);
+}
+
+TEST_CASE("A killed window leaves a recording that plays up to the last second") {
+    PaperWindow window;
+    window.SetByKey("4", "BrushColor");
+    window.MoveOnPaper(0.2, 0.3);
+    window.display.PressButton(true);
+    for (int i = 0; i <= 20; ++i) {
+        window.MoveOnPaper(0.2 + 0.03 * i, 0.3 + 0.02 * i);
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    WaitUntil("the stroke is recorded", [&] { return window.FieldOf("run.json", "press") >= 0; });
+    window.WaitForFields("move", 5);
+    const std::int64_t fields = window.Recorded("run.json")["fields"].get<std::int64_t>();
+    window.Signal(SIGKILL);  // with the button down
+    CHECK_EQ(window.WaitForEnd(), 128 + SIGKILL);
+    CHECK_GE(window.Recorded("run.json")["fields"].get<std::int64_t>(), fields);
+    const picture_io::Picture played = window.PlayedOverlay("run.json");
+    CHECK_EQ(played == picture_io::Picture(played.width, played.height), false);
+}
+
+TEST_CASE("A window that is closed has recorded all, keys and panel away and the help page among what it does") {
+    PaperWindow window;
+    const std::int32_t withPanel = window.area.width;
+    window.display.TypeKey("Tab");
+    WaitUntil("the panel is away", [&] { return FindPaper(window.display.Screen()).width > withPanel; });
+    window.display.TypeKey("Tab");
+    WaitUntil("the panel is back", [&] { return FindPaper(window.display.Screen()).width == withPanel; });
+    const auto middle = [&] {
+        return window.display.Screen().At(window.area.x + window.area.width / 2,
+                                          window.area.y + window.area.height / 2);
+    };
+    window.display.TypeKey("question");
+    WaitUntil("the keys are shown", [&] { return testing::Difference(middle(), paper) > 30; });
+    window.display.TypeKey("Escape");
+    WaitUntil("the keys are gone", [&] { return testing::Difference(middle(), paper) <= 2; });
+    window.SetByKey("bracketright", "BrushWidth");
+    window.SetByKey("e", "BrushType");
+    window.display.TypeKey("z");
+    window.display.TypeKey("q", true);
+    CHECK_EQ(window.WaitForEnd(), 0);
+    CHECK_EQ(cli::testing::ReadText(window.folder / "stderr"), "");
+    // The push of the button came just before the end.
+    CHECK_GE(window.FieldOf("run.json", "button"), 0);
+    const nlohmann::json session = window.Recorded("run.json");
+    CHECK_EQ(session["fields"].get<std::int64_t>() > window.FieldOf("run.json", "button"), true);
+}
+
+TEST_CASE("What was drawn leaves as pictures when the window has been closed") {
+    PaperWindow window({"--out", "drawn.png", "--overlay", "strokes.png"});
+    window.SetByKey("3", "BrushColor");
+    window.MoveOnPaper(0.3, 0.5);
+    window.display.PressButton(true);
+    WaitUntil("the press is recorded", [&] { return window.FieldOf("run.json", "press") >= 0; });
+    window.MoveOnPaper(0.7, 0.5);
+    window.display.PressButton(false);
+    WaitUntil("the release is recorded", [&] { return window.FieldOf("run.json", "release") >= 0; });
+    window.WaitForSomeFields();
+    const picture_io::Picture live = window.SaveOverlay("paper-overlay-001.png");
+    window.display.TypeKey("q", true);
+    CHECK_EQ(window.WaitForEnd(), 0);
+    CHECK_EQ(picture_io::ReadPicture(window.folder / "strokes.png") == live, true);
+    const picture_io::Picture drawn = picture_io::ReadPicture(window.folder / "drawn.png");
+    CHECK_LE(testing::Difference(drawn.At(drawn.width / 2, drawn.height / 2), ink), 60);
+    CHECK_LE(testing::Difference(drawn.At(drawn.width / 2, drawn.height / 4), paper), 2);
+}
+
+TEST_CASE("A value typed into the panel is taken within its limits and not beyond them") {
+    PaperWindow window;
+    const auto place = window.display.FindWindow("paper.png - kel");
+    // The field of the third row of the first group, the brush's width.
+    const auto type = [&](const std::string& text) {
+        window.display.MovePointer(place->x + place->width - 46, place->y + 222);
+        window.display.PressButton(true);
+        window.display.PressButton(false);
+        window.WaitForSomeFields();
+        window.display.TypeText(text);
+        window.display.TypeKey("Return");
+        window.WaitForSomeFields();
+    };
+    type("31");
+    CHECK_EQ(window.ValuesSet("BrushWidth"), nlohmann::json::array());
+    type("7");
+    CHECK_EQ(window.ValuesSet("BrushWidth"), nlohmann::json::array({7}));
+    CHECK_EQ(window.ValuesSet("BrushColor"), nlohmann::json::array());  // the digits were no keys
+}
+
+TEST_CASE("A film plays in the window, and a frozen frame stays drawable") {
+    KelWindow window;
+    testing::WriteCountedVideo(window.folder / "film.mkv", 60, 320, 240, 25);
+    window.Start({"film.mkv", "--record", "run.json"});
+    WaitUntil("the window is on the screen", [&] { return window.display.FindWindow("film.mkv - kel").has_value(); });
+    WaitUntil("fields run", [&] {
+        return std::filesystem::exists(window.folder / "run.json") && window.Recorded("run.json")["fields"] > 5;
+    });
+    window.display.TypeKey("space");
+    WaitUntil("the film is paused", [&] { return window.FieldOf("run.json", "film") >= 0; });
+    window.display.TypeKey("3");
+    const auto place = window.display.FindWindow("film.mkv - kel");
+    window.display.MovePointer(place->x + 200, place->y + 300);
+    window.display.PressButton(true);
+    WaitUntil("the press is recorded", [&] { return window.FieldOf("run.json", "press") >= 0; });
+    window.display.MovePointer(place->x + 400, place->y + 320);
+    window.display.PressButton(false);
+    WaitUntil("the release is recorded", [&] { return window.FieldOf("run.json", "release") >= 0; });
+    WaitUntil("ink is seen", [&] {
+        const picture_io::Picture screen = window.display.Screen();
+        for (std::int32_t x = place->x + 250; x < place->x + 350; ++x)
+            if (testing::Difference(screen.At(x, place->y + 305 + (x - place->x - 250) / 10), ink) < 60) return true;
+        return false;
+    });
+    window.display.TypeKey("o");
+    WaitUntil("the overlay is saved", [&] { return std::filesystem::exists(window.folder / "film-overlay-001.png"); });
+    const picture_io::Picture live = picture_io::ReadPicture(window.folder / "film-overlay-001.png");
+    window.Signal(SIGTERM);
+    CHECK_EQ(window.WaitForEnd(), 0);
+    CHECK_EQ(window.PlayedOverlay("run.json") == live, true);
+}
+
+TEST_CASE("What is wrong with the command line is told in one line before a window opens") {
+    KelWindow window;
+    cli::testing::WriteText(window.folder / "keys.json", R"({"keys": [{"key": "U", "button": "Und"}]})");
+    cli::testing::WriteText(window.folder / "bad.json", R"({"keys": [{"key": "U", "workspace": "paus"}]})");
+    picture_io::WritePicture(testing::Plain(40, 30, paper), window.folder / "paper.png");
+    const auto complaint = [&](const std::vector<std::string>& arguments) {
+        window.Start(arguments);
+        CHECK_EQ(window.WaitForEnd(), 2);
+        return cli::testing::ReadText(window.folder / "stderr");
+    };
+    CHECK_EQ(complaint({"paper.png", "--keys", "keys.json"}),
+             "kel: keys.json: /keys/0/button: there is no button \"Und\"; did you mean \"Undo\"?\n");
+    CHECK_EQ(complaint({"paper.png", "--keys", "bad.json"}),
+             "kel: bad.json: /keys/0/workspace: the workspace has no \"paus\"; did you mean \"pause\"?\n");
+    CHECK_EQ(complaint({"gone.png"}), "kel: gone.png: cannot be read: No such file or directory\n");
+    CHECK_EQ(complaint({"paper.png", "--record", "nowhere/run.json"}).starts_with("kel: nowhere/run.json: "), true);
+    CHECK_EQ(complaint({"paper.png", "--out", "film.avi"}).starts_with("kel: film.avi: "), true);
+    CHECK_EQ(complaint({"paper.png", "--fill", "fill.mov"}).starts_with("kel: fill.mov: --fill and --key"), true);
+}
+
+}  // namespace kel

@@ -1,0 +1,102 @@
+#include <doctest/doctest.h>
+
+#include <vector>
+
+#include "kel/workspace/field_pacer.h"
+#include "kel/workspace/field_pointer.h"
+#include "kel/workspace/picture_area.h"
+
+namespace kel {
+namespace {
+
+using std::chrono::milliseconds;
+using Time = FieldPacer::Clock::time_point;
+
+const Time start{std::chrono::hours(1)};
+
+FieldPointer::Event Move(std::int32_t x) { return {PointerKind::Move, x, 0}; }
+FieldPointer::Event Press(std::int32_t x) { return {PointerKind::Press, x, 0}; }
+FieldPointer::Event Release(std::int32_t x) { return {PointerKind::Release, x, 0}; }
+
+FieldPointer Waiting(const std::vector<FieldPointer::Event>& events) {
+    FieldPointer pointer;
+    for (const auto& event : events) pointer.Add(event);
+    return pointer;
+}
+
+}  // namespace
+
+TEST_CASE("Fields are due one by one, and none is missed while they are kept") {
+    FieldPacer pacer(50, start);
+    CHECK_EQ(pacer.Due(start - milliseconds(1)), 0);
+    for (int field = 0; field < 100; ++field) {
+        CHECK_EQ(pacer.Due(start + milliseconds(20 * field + 3)), 1);
+        CHECK_EQ(pacer.Due(start + milliseconds(20 * field + 4)), 0);
+    }
+    CHECK_EQ(pacer.Missed(), 0);
+    CHECK_EQ(pacer.Rate(start + milliseconds(1990)), 50.0);
+    CHECK_FALSE(pacer.HasMissedLately(start + milliseconds(1990)));
+}
+
+TEST_CASE("Late fields are run together, and those without a picture are missed") {
+    FieldPacer pacer(50, start);
+    CHECK_EQ(pacer.Due(start), 1);
+    // At 75 ms the fields of 20, 40 and 60 ms are due; the last of them is seen.
+    CHECK_EQ(pacer.Due(start + milliseconds(75)), 3);
+    CHECK_EQ(pacer.Missed(), 2);
+    CHECK(pacer.HasMissedLately(start + milliseconds(100)));
+    CHECK_FALSE(pacer.HasMissedLately(start + milliseconds(9000)));
+    CHECK_EQ(pacer.Next() == start + milliseconds(80), true);
+}
+
+TEST_CASE("After a long sleep the fields go on from now") {
+    FieldPacer pacer(50, start);
+    CHECK_EQ(pacer.Due(start), 1);
+    // 500 fields of ten seconds, of which ten are run.
+    CHECK_EQ(pacer.Due(start + milliseconds(10'000)), 10);
+    CHECK_EQ(pacer.Missed(), 499);
+    CHECK_EQ(pacer.Next() == start + milliseconds(10'020), true);
+}
+
+TEST_CASE("A field has the last place of the pointer, or one press or release") {
+    FieldPointer pointer = Waiting({Move(1), Move(2), Press(3), Move(4), Move(5), Release(6), Move(7)});
+    CHECK_EQ(pointer.TakeField(1) == Press(3), true);
+    CHECK_EQ(pointer.TakeField(1) == Release(6), true);
+    CHECK_EQ(pointer.TakeField(1) == Move(7), true);
+    CHECK_EQ(pointer.TakeField(1).has_value(), false);
+}
+
+TEST_CASE("What waited while the machine was busy is spread over the fields that are due") {
+    FieldPointer pointer = Waiting({Move(1), Move(2), Move(3), Move(4), Move(5), Move(6), Move(7)});
+    CHECK_EQ(pointer.TakeField(3) == Move(3), true);  // three of seven
+    CHECK_EQ(pointer.TakeField(2) == Move(5), true);  // two of four
+    CHECK_EQ(pointer.TakeField(1) == Move(7), true);
+    CHECK_EQ(pointer.TakeField(1).has_value(), false);
+}
+
+TEST_CASE("A picture fills what is free as far as its proportions go, in the middle") {
+    const PictureArea wide = FitPicture({1280, 720}, {640, 480});
+    CHECK_EQ(wide.x, 0);
+    CHECK_EQ(wide.y, 60);
+    CHECK_EQ(wide.width, 640);
+    CHECK_EQ(wide.height, 360);
+    CHECK(wide.Contains(0, 60));
+    CHECK_FALSE(wide.Contains(0, 59));
+    CHECK_FALSE(wide.Contains(640, 100));
+    const PictureArea tall = FitPicture({100, 400}, {300, 200});
+    CHECK_EQ(tall.x, 125);
+    CHECK_EQ(tall.width, 50);
+}
+
+TEST_CASE("A pixel of the window is one of the scene") {
+    const PictureArea same{10, 20, 100, 50};
+    CHECK_EQ(SceneAt(same, {100, 50}, 10, 20) == ScenePixel{0, 0}, true);
+    CHECK_EQ(SceneAt(same, {100, 50}, 109, 69) == ScenePixel{99, 49}, true);
+    CHECK_EQ(SceneAt(same, {100, 50}, 9, 70) == ScenePixel{-1, 50}, true);
+    // Twice as large: the middle of window pixel 3 is 1.75 scene pixels from the left.
+    CHECK_EQ(SceneAt({0, 0, 200, 100}, {100, 50}, 3, 4) == ScenePixel{1, 2}, true);
+    // Half as large: the middle of window pixel 3 is 7 scene pixels from the left.
+    CHECK_EQ(SceneAt({0, 0, 50, 25}, {100, 50}, 3, 0) == ScenePixel{7, 1}, true);
+}
+
+}  // namespace kel

@@ -1,0 +1,337 @@
+#include "kel/workspace/workspace.h"
+
+#include <doctest/doctest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "kel/workspace/embedded_text.h"
+#include "kel/workspace/fitted_keys.h"
+#include "tests/cli/temporary_folder.h"
+#include "tests/cli/thrown.h"
+#include "tests/kel/pixels.h"
+#include "tests/kel/video/counted_video.h"
+
+namespace kel {
+namespace {
+
+using cli::testing::ReadText;
+using cli::testing::TemporaryFolder;
+using cli::testing::Thrown;
+using cli::testing::WriteText;
+using nlohmann::json;
+
+// A folder with a grey picture of 64 x 48, and how a workspace is opened on it.
+class Place {
+public:
+    Place() {
+        picture_io::WritePicture(testing::Plain(64, 48, {90, 90, 90, 255}), folder / "grey.png");
+        options.module = CHALKPANE_MODULE;
+        options.largest = {320, 240};
+        options.recording = folder / "run.json";
+        options.saves = folder.Path();
+    }
+    [[nodiscard]] json Recorded() const { return json::parse(ReadText(options.recording)); }
+
+    TemporaryFolder folder;
+    WorkspaceOptions options;
+};
+
+struct Stroke {
+    std::int32_t fromX, fromY, toX, toY;
+};
+
+// One field for each of some places along the way.
+void Draw(Workspace& workspace, const Stroke& stroke) {
+    constexpr int steps = 8;
+    workspace.Point(PointerKind::Press, stroke.fromX, stroke.fromY);
+    workspace.RunFields(1);
+    for (int i = 1; i <= steps; ++i) {
+        workspace.Point(PointerKind::Move, stroke.fromX + (stroke.toX - stroke.fromX) * i / steps,
+                        stroke.fromY + (stroke.toY - stroke.fromY) * i / steps);
+        workspace.RunFields(1);
+    }
+    workspace.Point(PointerKind::Release, stroke.toX, stroke.toY);
+    workspace.RunFields(1);
+}
+
+picture_io::Picture CanvasOf(Workspace& workspace) { return workspace.TheHost().ReadCanvas(workspace.Chosen()->id); }
+
+// What `kel play` makes of a session.
+picture_io::Picture PlayedCanvas(const std::filesystem::path& file) {
+    const Session session = ReadSession(file);
+    Host host({session.window.width, session.window.height});
+    Player player(session, host, CHALKPANE_MODULE);
+    while (!player.IsOver()) (void)player.PlayField(Player::Rendering::NotWanted);
+    return host.ReadCanvas(player.OverlayContainer());
+}
+
+std::size_t IndexOf(const Workspace& workspace, const std::string& parameter) {
+    const auto& parameters = workspace.Chosen()->registration->parameters;
+    return static_cast<std::size_t>(workspace.Chosen()->registration->FindParameter(parameter) - parameters.data());
+}
+
+}  // namespace
+
+TEST_CASE("What is recorded at the workspace plays to the same canvas, byte for byte") {
+    const Place place;
+    picture_io::Picture live;
+    {
+        Workspace workspace(place.folder / "grey.png", place.options);
+        workspace.RunFields(1);
+        Draw(workspace, {40, 60, 280, 60});
+        workspace.Set(IndexOf(workspace, "BrushColor"), ColourBytes{255, 0, 0, 255});
+        workspace.Set(IndexOf(workspace, "BrushWidth"), std::int32_t{12});
+        Draw(workspace, {40, 120, 280, 180});
+        Draw(workspace, {40, 200, 280, 40});
+        workspace.Push("Undo");
+        workspace.RunFields(3);
+        // Two events between two fields: the release has to wait for the next one.
+        workspace.Point(PointerKind::Press, 100, 100);
+        workspace.Point(PointerKind::Move, 120, 140);
+        workspace.Point(PointerKind::Release, 140, 150);
+        workspace.RunFields(4);
+        live = CanvasOf(workspace);
+    }
+    CHECK_EQ(live == picture_io::Picture(live.width, live.height), false);
+    CHECK_EQ(PlayedCanvas(place.options.recording) == live, true);
+    CHECK_EQ(place.Recorded()["fields"], 1 + 10 + 10 + 10 + 3 + 4);
+}
+
+TEST_CASE("A shape that is recognised at the workspace is recognised by the play of its recording") {
+    const Place place;
+    picture_io::Picture live;
+    {
+        Workspace workspace(place.folder / "grey.png", place.options);
+        workspace.Set(IndexOf(workspace, "RecoShapes"), std::int32_t{1});
+        workspace.RunFields(1);
+        Draw(workspace, {60, 60, 200, 150});
+        workspace.RunFields(10);
+        const picture_io::Picture drawn = CanvasOf(workspace);
+        for (int i = 0; i < 10; ++i) workspace.RunFields(10);
+        live = CanvasOf(workspace);
+        CHECK_EQ(live == drawn, false);
+    }
+    CHECK_EQ(PlayedCanvas(place.options.recording) == live, true);
+}
+
+TEST_CASE("Over a picture that is not square dabs are round on the screen") {
+    Place place;
+    place.options.recording.clear();
+    Workspace workspace(place.folder / "grey.png", place.options);
+    CHECK_EQ(workspace.TheHost().Window().width, 320);
+    CHECK_EQ(workspace.TheHost().Window().height, 240);
+    workspace.Set(IndexOf(workspace, "BrushWidth"), std::int32_t{30});
+    workspace.RunFields(2);
+    Draw(workspace, {160, 120, 160, 120});
+    workspace.RunFields(1);
+    const picture_io::Picture seen = workspace.TheHost().ReadFrame();
+    const auto isDrawn = [&](std::int32_t x, std::int32_t y) {
+        return seen.At(x, y) != testing::Pixel{90, 90, 90, 255};
+    };
+    const auto reach = [&](std::int32_t stepX, std::int32_t stepY) {
+        std::int32_t steps = 0;
+        while (isDrawn(160 + stepX * steps, 120 + stepY * steps)) ++steps;
+        return steps;
+    };
+    // 30 of 1024 canvas pixels on 320 window pixels are 9.4.
+    for (const std::int32_t steps : {reach(1, 0), reach(-1, 0), reach(0, 1), reach(0, -1)}) {
+        CHECK_GE(steps, 8);
+        CHECK_LE(steps, 12);
+    }
+    CHECK_EQ(seen.At(2, 2), testing::Pixel{90, 90, 90, 255});
+    CHECK_EQ(seen.At(317, 237), testing::Pixel{90, 90, 90, 255});
+}
+
+TEST_CASE("Keys act on the chosen plug-in, and steps in one field add up") {
+    const Place place;
+    Workspace workspace(place.folder / "grey.png", place.options);
+    const KeysTable table = ParseKeys(std::string(DefaultKeysText()), "keys.json");
+    const FittedKeys keys = FitKeys(table, workspace.Chosen()->registration, KeyFit::All);
+    const auto press = [&](const char* chord) { workspace.Do(*keys.Find(ParseKeyChord(chord))->module); };
+    workspace.RunFields(1);
+    const std::size_t width = IndexOf(workspace, "BrushWidth");
+    for (int i = 0; i < 3; ++i) press("]");
+    CHECK_EQ(workspace.Value(width) == ParameterValue(std::int32_t{8}), true);
+    workspace.RunFields(1);
+    CHECK_EQ(workspace.Value(width) == ParameterValue(std::int32_t{8}), true);
+    press("E");
+    workspace.RunFields(1);
+    CHECK_EQ(workspace.Value(IndexOf(workspace, "BrushType")) == ParameterValue(std::int32_t{1}), true);
+    CHECK_FALSE(workspace.IsShown(width));
+    press("[");  // now of the eraser, whose width is the one shown
+    workspace.RunFields(1);
+    CHECK_EQ(workspace.Value(width) == ParameterValue(std::int32_t{8}), true);
+    CHECK_EQ(workspace.Value(IndexOf(workspace, "EraserWidth")) == ParameterValue(std::int32_t{9}), true);
+    press("E");
+    press("3");
+    workspace.RunFields(1);
+    CHECK_EQ(workspace.Value(IndexOf(workspace, "BrushType")) == ParameterValue(std::int32_t{0}), true);
+    CHECK_EQ(workspace.Value(IndexOf(workspace, "BrushColor")) == ParameterValue(ColourBytes{255, 0x2D, 0x2D, 255}),
+             true);
+}
+
+TEST_CASE("A value beyond its limits and an image that is not there change nothing") {
+    const Place place;
+    Workspace workspace(place.folder / "grey.png", place.options);
+    workspace.RunFields(1);
+    const std::size_t width = IndexOf(workspace, "BrushWidth");
+    CHECK_EQ(Thrown([&] { workspace.Set(width, std::int32_t{31}); }), "Brush Width: 31 is above the maximum 30");
+    CHECK_EQ(workspace.Value(width) == ParameterValue(std::int32_t{5}), true);
+    const std::string gone = (place.folder / "gone.png").string();
+    CHECK_EQ(Thrown([&] { workspace.Set(IndexOf(workspace, "BrushImage"), gone); }).starts_with(gone + ": "), true);
+    CHECK_EQ(workspace.Value(IndexOf(workspace, "BrushImage")) == ParameterValue(std::string()), true);
+}
+
+TEST_CASE("A session's own events have happened before the operator's, and are in the recording too") {
+    const Place place;
+    WriteText(place.folder / "show.json",
+              json{{"$schema", "x"},
+                   {"window", {{"width", 64}, {"height", 64}}},
+                   {"camera", {{"position", {0, 0, 137.37}}, {"target", {0, 0, 0}}}},
+                   {"containers", {{{"size", {100, 100}}, {"picture", "grey.png"}, {"plugin", json::object()}}}},
+                   {"events", {{{"field", 2}, {"fields", 5}, {"stroke", {{9, 9}, {50, 9}}}}}},
+                   {"fields", 20}}
+                  .dump());
+    picture_io::Picture live;
+    {
+        Workspace workspace(place.folder / "show.json", place.options);
+        CHECK(workspace.IsPlayingSession());
+        workspace.Point(PointerKind::Press, 1, 1);  // too early: does not count
+        while (workspace.IsPlayingSession()) workspace.PlaySession(std::chrono::milliseconds(5));
+        CHECK_EQ(workspace.NextField(), 20);
+        CHECK_EQ(workspace.SessionProgress(), 1.0);
+        workspace.RunFields(1);
+        const picture_io::Picture before = CanvasOf(workspace);
+        CHECK_EQ(before == picture_io::Picture(1024, 1024), false);
+        Draw(workspace, {10, 40, 50, 50});
+        live = CanvasOf(workspace);
+        CHECK_EQ(live == before, false);
+    }
+    CHECK_EQ(PlayedCanvas(place.options.recording) == live, true);
+    const json recorded = place.Recorded();
+    CHECK_EQ(recorded["events"][0]["stroke"].size(), 2);
+    CHECK_EQ(recorded["containers"][0]["name"], "container 1");
+    CHECK_EQ(recorded["containers"][0]["picture"], (place.folder / "grey.png").string());
+    CHECK_FALSE(recorded.contains("$schema"));
+}
+
+TEST_CASE("A film is paused, stepped and looped while one draws, and its recording shows the same frames") {
+    Place place;
+    testing::WriteCountedVideo(place.folder / "counted.mkv", 12, 64, 48, 25);
+    std::vector<std::int64_t> live;
+    {
+        Workspace workspace(place.folder / "counted.mkv", place.options);
+        CHECK_EQ(workspace.FieldsPerSecond(), 50.0);
+        const auto run = [&](int fields) {
+            for (int i = 0; i < fields; ++i) {
+                workspace.RunFields(1);
+                live.push_back(testing::NumberOf(workspace.TheHost().ReadFrame()));
+            }
+        };
+        run(4);
+        CHECK_EQ(live == std::vector<std::int64_t>{0, 0, 1, 1}, true);
+        workspace.DoVideo(WorkspaceAction::Pause);
+        run(2);
+        workspace.DoVideo(WorkspaceAction::Step);
+        run(1);
+        workspace.DoVideo(WorkspaceAction::StepBack);
+        workspace.DoVideo(WorkspaceAction::StepBack);
+        run(1);
+        CHECK_EQ(live == std::vector<std::int64_t>{0, 0, 1, 1, 2, 2, 3, 1}, true);
+        Draw(workspace, {40, 200, 280, 210});
+        workspace.ChangeVideo({11, std::nullopt, std::nullopt});
+        workspace.DoVideo(WorkspaceAction::Loop);
+        live.clear();
+        workspace.DoVideo(WorkspaceAction::Pause);  // goes on, from the start since it stands at the end
+        run(2);
+        CHECK_EQ(live == std::vector<std::int64_t>{0, 0}, true);
+        workspace.ChangeVideo({10, std::nullopt, std::nullopt});
+        run(5);
+        CHECK_EQ(live == std::vector<std::int64_t>{0, 0, 10, 10, 11, 11, 0}, true);
+    }
+    const Session session = ReadSession(place.options.recording);
+    Host host({session.window.width, session.window.height});
+    Player player(session, host, CHALKPANE_MODULE);
+    std::vector<std::int64_t> played;
+    while (!player.IsOver()) {
+        (void)player.PlayField(Player::Rendering::Wanted);
+        played.push_back(testing::NumberOf(host.ReadFrame()));
+    }
+    CHECK_EQ(std::vector<std::int64_t>(played.end() - 7, played.end()) == live, true);
+}
+
+TEST_CASE("Another file takes the workspace over, and one that is wrong leaves it as it was") {
+    const GlContext context;
+    Place place;
+    place.options.gl = GlSource::Current;
+    WriteText(place.folder / "wrong.json", R"({"window": {"width": 8, "height": 8}, "camera": {"position": [0, 0, 9],
+        "target": [0, 0, 0]}, "containers": [{"size": [9, 9], "plugin": {"parameters": {"BrushWith": 3}}}]})");
+    auto workspace = std::make_unique<Workspace>(place.folder / "grey.png", place.options);
+    workspace->RunFields(1);
+    Draw(*workspace, {40, 60, 280, 60});
+    const picture_io::Picture drawn = CanvasOf(*workspace);
+    WorkspaceOptions next = place.options;
+    next.recording = place.folder / "next.json";
+    const std::string refusal = Thrown([&] { workspace = OpenInstead(workspace, place.folder / "wrong.json", next); });
+    CHECK_NE(refusal.find("unknown parameter; did you mean \"BrushWidth\"?"), std::string::npos);
+    CHECK_EQ(CanvasOf(*workspace) == drawn, true);
+    workspace->RunFields(1);
+    workspace = OpenInstead(workspace, place.folder / "grey.png", next);
+    workspace->RunFields(2);
+    CHECK_EQ(CanvasOf(*workspace) == picture_io::Picture(1024, 1024), true);
+    workspace.reset();
+    CHECK_EQ(PlayedCanvas(place.options.recording) == drawn, true);
+}
+
+TEST_CASE("The recording is a whole session at any time, and is refused where it cannot be written") {
+    Place place;
+    {
+        Workspace workspace(place.folder / "grey.png", place.options);
+        CHECK_EQ(ReadSession(place.options.recording).fields, 1);
+        Draw(workspace, {40, 60, 280, 60});
+    }
+    const Session session = ReadSession(place.options.recording);
+    CHECK_EQ(session.fields, 10);
+    CHECK_EQ(session.events.size(), 10);
+    place.options.recording = place.folder / "nowhere/run.json";
+    const std::string refusal = Thrown([&] { const Workspace workspace(place.folder / "grey.png", place.options); });
+    CHECK_NE(refusal.find("nowhere/run.json: cannot be written"), std::string::npos);
+}
+
+TEST_CASE("Pictures are saved under names that are free") {
+    const Place place;
+    WriteText(place.folder / "grey-overlay-001.png", "taken");
+    {
+        Workspace workspace(place.folder / "grey.png", place.options);
+        workspace.RunFields(1);
+        Draw(workspace, {40, 60, 280, 60});
+        workspace.SavePicture();
+        workspace.SaveOverlay();
+        workspace.SaveOverlay();
+        CHECK_EQ(workspace.TheHost().WrongUses().empty(), true);
+        const picture_io::Picture canvas = CanvasOf(workspace);
+        std::vector<std::string> news;
+        while (news.size() < 3)
+            for (const std::string& line : workspace.TakeNews()) news.push_back(line);
+        CHECK_EQ(picture_io::ReadPicture(place.folder / "grey-overlay-002.png") == canvas, true);
+        CHECK_EQ(picture_io::ReadPicture(place.folder / "grey-overlay-003.png") == canvas, true);
+        CHECK_EQ(picture_io::ReadPicture(place.folder / "grey-picture-001.png") == workspace.TheHost().ReadFrame(),
+                 true);
+    }
+    CHECK_EQ(ReadText(place.folder / "grey-overlay-001.png"), "taken");
+}
+
+TEST_CASE("What is no picture, film or session is refused by its name") {
+    const Place place;
+    WriteText(place.folder / "notes.txt", "Kick-off at three.");
+    const auto refusal = [&](const char* name) {
+        const std::string text = Thrown([&] { const Workspace workspace(place.folder / name, place.options); });
+        return text.starts_with((place.folder / name).string() + ": ") ? text : "no name: " + text;
+    };
+    CHECK_NE(refusal("notes.txt").find("notes.txt: "), std::string::npos);
+    CHECK_NE(refusal("gone.png").find("cannot be read"), std::string::npos);
+    CHECK_NE(refusal("").find("is a folder"), std::string::npos);
+    CHECK_FALSE(std::filesystem::exists(place.options.recording));
+}
+
+}  // namespace kel
