@@ -1,5 +1,7 @@
 #include "cli/file_bytes.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -22,6 +24,27 @@ using File = std::unique_ptr<std::FILE, CloseFile>;
     throw Error(file.string(), {}, what + ": " + std::generic_category().message(number));
 }
 
+void CheckKind(const std::filesystem::path& file, const struct stat& status) {
+    if (S_ISDIR(status.st_mode)) throw Error(file.string(), {}, "is a folder");
+    if (!S_ISREG(status.st_mode)) throw Error(file.string(), {}, "is not a regular file");
+}
+
+// Opened before it is looked at, so that what is read is what was checked; without waiting, as a pipe would.
+File OpenRegular(const std::filesystem::path& file) {
+    const int handle = ::open(file.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    if (handle < 0) {
+        const int failure = errno;
+        RequireRegularFile(file);  // a socket does not even open
+        Refuse(file, "cannot be read", failure);
+    }
+    File stream(::fdopen(handle, "rb"));
+    if (!stream) ::close(handle);
+    struct stat status {};
+    if (!stream || ::fstat(handle, &status) != 0) Refuse(file, "cannot be read", errno);
+    CheckKind(file, status);
+    return stream;
+}
+
 // 0, or the error's number.
 int WriteAll(const std::filesystem::path& file, const std::vector<std::uint8_t>& bytes) {
     File stream(std::fopen(file.c_str(), "wb"));
@@ -32,18 +55,24 @@ int WriteAll(const std::filesystem::path& file, const std::vector<std::uint8_t>&
 
 }  // namespace
 
-std::vector<std::uint8_t> ReadFileBytes(const std::filesystem::path& file) {
-    const File stream(std::fopen(file.c_str(), "rb"));
-    if (!stream) Refuse(file, "cannot be read", errno);
+void RequireRegularFile(const std::filesystem::path& file) {
+    struct stat status {};
+    if (::stat(file.c_str(), &status) == 0) CheckKind(file, status);
+}
+
+std::vector<std::uint8_t> ReadFileBytes(const std::filesystem::path& file, std::size_t largest) {
+    const File stream = OpenRegular(file);
     std::vector<std::uint8_t> bytes;
     constexpr std::size_t step = std::size_t{1} << 16;
-    for (std::size_t got = step; got == step;) {
+    for (std::size_t got = step; got == step && bytes.size() <= largest;) {
         const std::size_t before = bytes.size();
         bytes.resize(before + step);
         got = std::fread(bytes.data() + before, 1, step, stream.get());
         bytes.resize(before + got);
     }
     if (std::ferror(stream.get()) != 0) Refuse(file, "cannot be read", errno);
+    if (bytes.size() > largest)
+        throw Error(file.string(), {}, "is larger than " + std::to_string(largest >> 20U) + " MiB");
     return bytes;
 }
 

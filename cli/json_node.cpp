@@ -1,14 +1,12 @@
 #include "cli/json_node.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
-#include <fstream>
 #include <set>
 #include <sstream>
-#include <system_error>
 
 #include "cli/error.h"
+#include "cli/file_bytes.h"
 
 namespace cli {
 namespace {
@@ -16,6 +14,14 @@ namespace {
 using nlohmann::json;
 
 constexpr std::size_t largestFile = 64U << 20U;  // bytes
+
+// What a value takes in memory at most, of which its text may be a hundredth: `[],` is an allocation of its own.
+constexpr std::size_t largestTree = std::size_t{1} << 30U;  // bytes
+constexpr std::size_t bytesOfValue = 48;                    // in a list that grows by doubling
+constexpr std::size_t bytesOfList = 48;
+constexpr std::size_t bytesOfObject = 64;
+constexpr std::size_t bytesOfText = 48;  // and its letters
+constexpr std::size_t bytesOfKey = 192;  // in the object and among the keys seen; and its letters, twice
 
 std::string EscapePointer(std::string_view key) {
     std::string escaped;
@@ -43,7 +49,8 @@ std::string ShownNumber(double number) {
     return text.str();
 }
 
-// Follows the parser, to know the place of what it is reading and to refuse what JSON lets pass.
+// Follows the parser, to know the place of what it is reading and to refuse what JSON lets pass: keys that stand twice,
+// and more than there should be room for.
 class JsonWatcher {
 public:
     explicit JsonWatcher(const std::filesystem::path& file) : m_file(file) {}
@@ -53,6 +60,7 @@ public:
             case json::parse_event_t::object_start:
             case json::parse_event_t::array_start:
                 if (m_open.size() == nestingLimit) throw Error(m_file.string(), Place(), "nested too deeply");
+                Count(bytesOfValue + (event == json::parse_event_t::array_start ? bytesOfList : bytesOfObject));
                 m_open.push_back({event == json::parse_event_t::array_start, 0, {}, {}});
                 break;
             case json::parse_event_t::object_end:
@@ -62,10 +70,13 @@ public:
                 break;
             case json::parse_event_t::key:
                 m_open.back().key = parsed.get<std::string>();
+                Count(bytesOfKey + 2 * m_open.back().key.size());
                 if (!m_open.back().keys.insert(m_open.back().key).second)
                     throw Error(m_file.string(), Place(), "the key stands twice");
                 break;
             case json::parse_event_t::value:
+                Count(parsed.is_string() ? bytesOfValue + bytesOfText + parsed.get_ref<const std::string&>().size()
+                                         : bytesOfValue);
                 Advance();
                 break;
         }
@@ -89,12 +100,19 @@ private:
         std::set<std::string> keys;
     };
 
+    void Count(std::size_t bytes) {
+        m_bytes += bytes;
+        if (m_bytes > largestTree)
+            throw Error(m_file.string(), Place(), "up to here the file holds more than 1 GiB of memory has room for");
+    }
+
     void Advance() {
         if (!m_open.empty() && m_open.back().isArray) ++m_open.back().index;
     }
 
     const std::filesystem::path& m_file;
     std::vector<Level> m_open;
+    std::size_t m_bytes = 0;
 };
 
 // `byte` counts from 1 and is the last one that the parser read.
@@ -191,16 +209,8 @@ nlohmann::json ParseJson(const std::string& text, const std::filesystem::path& f
 }
 
 std::string ReadJsonText(const std::filesystem::path& file) {
-    std::error_code failure;
-    if (std::filesystem::is_directory(file, failure)) throw Error(file.string(), {}, "is a folder");
-    errno = 0;
-    std::ifstream stream(file, std::ios::binary);
-    if (!stream) throw Error(file.string(), {}, "cannot be read: " + std::generic_category().message(errno));
-    std::string text(largestFile + 1, '\0');
-    stream.read(text.data(), static_cast<std::streamsize>(text.size()));
-    text.resize(static_cast<std::size_t>(stream.gcount()));
-    if (text.size() > largestFile) throw Error(file.string(), {}, "is larger than 64 MiB");
-    return text;
+    const auto bytes = ReadFileBytes(file, largestFile);
+    return {bytes.begin(), bytes.end()};
 }
 
 }  // namespace cli

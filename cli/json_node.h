@@ -69,7 +69,8 @@ void ReadKeys(const JsonNode& node, std::span<const JsonKey<T>> keys, T& into) {
     }
 }
 
-// Parses JSON. Beyond what the language asks, a key may stand only once in an object and nesting is limited. Throws
+// Parses JSON. Beyond what the language asks, a key may stand only once in an object and nesting and the memory
+// that the values take are limited while they are read. Throws
 // Error with line and column, or with the pointer where JSON itself has nothing to complain about.
 [[nodiscard]] nlohmann::json ParseJson(const std::string& text, const std::filesystem::path& file);
 

@@ -16,19 +16,22 @@ constexpr double farthest = 1e6;                   // scene units
 constexpr double farthestPixel = 100'000;          // the pointer may leave the window, within reason
 constexpr std::int64_t longest = 1'000'000;        // fields
 constexpr std::int64_t farthestFrame = 9'999'999;  // two days of film
-constexpr double secondsAfterTheLastEvent = 2.0;   // for what a module finishes some time after the pointer's release
+constexpr std::size_t mostContainers = 1000;
+constexpr double secondsAfterTheLastEvent = 2.0;  // for what a module finishes some time after the pointer's release
 
 template <std::size_t Count>
-std::array<double, Count> Numbers(const cli::JsonNode& node, double limit) {
+std::array<double, Count> Numbers(const cli::JsonNode& node, double minimum, double maximum) {
+    // Before a place is made for each: there may be millions.
+    if (node.Value().is_array() && node.Value().size() > Count)
+        node.Refuse("must have " + std::to_string(Count) + " numbers");
     const auto elements = node.Elements(Count);
-    if (elements.size() != Count) node.Refuse("must have " + std::to_string(Count) + " numbers");
     std::array<double, Count> numbers{};
-    for (std::size_t i = 0; i < Count; ++i) numbers[i] = elements[i].Number(-limit, limit);
+    for (std::size_t i = 0; i < Count; ++i) numbers[i] = elements[i].Number(minimum, maximum);
     return numbers;
 }
 
 SessionPoint Point(const cli::JsonNode& node) {
-    const auto [x, y] = Numbers<2>(node, farthestPixel);
+    const auto [x, y] = Numbers<2>(node, -farthestPixel, farthestPixel);
     return {x, y};
 }
 
@@ -38,10 +41,10 @@ constexpr auto windowKeys = std::to_array<cli::JsonKey<SessionWindow>>({
 });
 
 constexpr auto cameraKeys = std::to_array<cli::JsonKey<SessionCamera>>({
-    {"position", true, [](const auto& node, auto& camera) { camera.position = Numbers<3>(node, farthest); }},
+    {"position", true, [](const auto& node, auto& camera) { camera.position = Numbers<3>(node, -farthest, farthest); }},
     {"target", true,
      [](const auto& node, auto& camera) {
-         camera.target = Numbers<3>(node, farthest);
+         camera.target = Numbers<3>(node, -farthest, farthest);
          if (camera.target == camera.position) node.Refuse("must be another point than the camera's position");
      }},
     {"fieldOfView", false, [](const auto& node, auto& camera) { camera.fieldOfView = node.Number(1, 170); }},
@@ -76,15 +79,10 @@ constexpr auto pluginKeys = std::to_array<cli::JsonKey<SessionPlugin>>({
 
 constexpr auto containerKeys = std::to_array<cli::JsonKey<SessionContainer>>({
     {"name", false, [](const auto& node, auto& container) { container.name = node.Text(); }},
-    {"size", true,
-     [](const auto& node, auto& container) {
-         const auto sides = node.Elements(2);
-         if (sides.size() != 2) node.Refuse("must have 2 numbers");
-         for (std::size_t i = 0; i < 2; ++i) container.size[i] = sides[i].Number(0, farthest);
-     }},
-    {"position", false, [](const auto& node, auto& container) { container.position = Numbers<3>(node, farthest); }},
-    {"rotation", false, [](const auto& node, auto& container) { container.rotation = Numbers<3>(node, farthest); }},
-    {"scale", false, [](const auto& node, auto& container) { container.scale = Numbers<3>(node, farthest); }},
+    {"size", true, [](const auto& node, auto& container) { container.size = Numbers<2>(node, 0, farthest); }},
+    {"position", false, [](const auto& node, auto& container) { container.position = Numbers<3>(node, -farthest, farthest); }},
+    {"rotation", false, [](const auto& node, auto& container) { container.rotation = Numbers<3>(node, -farthest, farthest); }},
+    {"scale", false, [](const auto& node, auto& container) { container.scale = Numbers<3>(node, -farthest, farthest); }},
     {"picture", false, [](const auto& node, auto& container) { container.picture = node.Text(); }},
     {"film", false,
      [](const auto& node, auto& container) {
@@ -254,6 +252,8 @@ const EventKind& KindOf(const cli::JsonNode& node) {
 
 void ReadContainers(const cli::JsonNode& node, Session& session) {
     std::set<std::string> names;
+    if (node.Value().is_array() && node.Value().size() > mostContainers)
+        node.Refuse("must have at most " + std::to_string(mostContainers) + " elements");
     for (const cli::JsonNode& element : node.Elements(1)) {
         SessionContainer& container = session.containers.emplace_back();
         container.place = element.Place();

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "cli/error.h"
+#include "cli/file_bytes.h"
 #include "kel/video/matroska_length.h"
 
 namespace kel {
@@ -27,8 +28,7 @@ VideoFile::VideoFile(const std::filesystem::path& file) : m_file(file) {
 }
 
 void VideoFile::Open() {
-    std::error_code ignored;
-    if (std::filesystem::is_directory(m_file, ignored)) Refuse("is a folder");
+    cli::RequireRegularFile(m_file);
     int result = 0;
     m_input = OpenInput(m_file, result);
     if (result == AVERROR_INVALIDDATA || result == AVERROR(EINVAL))

@@ -38,8 +38,7 @@ struct Backdrop {
 enum class FileKind { Picture, Video, Session };
 
 FileKind KindOf(const fs::path& file) {
-    std::error_code failure;
-    if (fs::is_directory(file, failure)) throw cli::Error(file.string(), {}, "is a folder");
+    cli::RequireRegularFile(file);
     std::array<char, 64> bytes{};
     errno = 0;
     std::ifstream stream(file, std::ios::binary);

@@ -68,7 +68,7 @@ TEST_CASE("A picture turned upside down twice is the picture") {
 TEST_CASE("A file that is missing is refused with its name and the reason") {
     CHECK_EQ(Thrown([] { (void)ReadPicture("/nowhere/at all.png"); }),
              "/nowhere/at all.png: cannot be read: No such file or directory");
-    CHECK_EQ(Thrown([] { (void)ReadPicture("/"); }), "/: cannot be read: Is a directory");
+    CHECK_EQ(Thrown([] { (void)ReadPicture("/"); }), "/: is a folder");
 }
 
 TEST_CASE("A file that is no picture is refused") {

@@ -1,0 +1,45 @@
+#include "cli/json_node.h"
+
+#include <doctest/doctest.h>
+
+#include "tests/cli/thrown.h"
+
+namespace cli {
+namespace {
+
+std::string Refusal(const std::string& text) {
+    return testing::Thrown([&] { (void)ParseJson(text, "f.json"); });
+}
+
+std::string Repeated(std::string_view text, std::size_t count) {
+    std::string repeated;
+    repeated.reserve(text.size() * count);
+    for (std::size_t i = 0; i < count; ++i) repeated += text;
+    return repeated;
+}
+
+}  // namespace
+
+TEST_CASE("Nesting is limited to 32 levels") {
+    CHECK_EQ(Refusal(Repeated("[", 32) + Repeated("]", 32)), "nothing");
+    CHECK_EQ(Refusal(Repeated("[", 33) + Repeated("]", 33)), "f.json: " + Repeated("/0", 32) + ": nested too deeply");
+}
+
+TEST_CASE("A key stands once in an object, and may stand in another") {
+    CHECK_EQ(Refusal(R"([{"a": 1}, {"a": 2}])"), "nothing");
+    CHECK_EQ(Refusal(R"({"b": {"a": 1, "a": 2}})"), "f.json: /b/a: the key stands twice");
+}
+
+// A list in a list counts 48 + 48 bytes, so 2^30 / 96 = 11184810.7 of them fit, and 33.6 MB of text hold more than
+// that. Read as they come, 62 MB of them would take 3 GB.
+TEST_CASE("A small text that would take gigabytes is refused while it is read") {
+    CHECK_EQ(Refusal('[' + Repeated("[],", 11'300'000) + "0]"),
+             "f.json: /11184809: up to here the file holds more than 1 GiB of memory has room for");
+}
+
+TEST_CASE("A million points are read") {
+    const auto json = ParseJson('[' + Repeated("[1.5,2.5,1],", 1'000'000) + "[]]", "f.json");
+    CHECK_EQ(json.size(), 1'000'001);
+}
+
+}  // namespace cli
