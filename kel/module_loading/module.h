@@ -4,36 +4,30 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 #include "kel/module_loading/parameter.h"
+#include "module/abi/entry_points.h"
 
 namespace kel {
 
-// The entry points of a module. The instance block is `void*` here: only its parameter fields are the host's business.
+// The entry points of a module, with the types that the module declares them with.
 struct EntryPoints {
-    using InitEx = std::int32_t (*)();
-    using InitFunction = void* (*)(void*);
-    using Callback = void (*)(void*);
-    using GuiStatus = std::int32_t (*)(void*);
-    using NumberCallback = void (*)(void*, std::int32_t);
-    // instance, a, button, pressed, state, x, y, b, c
-    using MouseCallback = std::int32_t (*)(void*, std::int32_t, std::int32_t, std::int32_t, std::int32_t, std::int32_t,
-                                           std::int32_t, std::int32_t, std::int32_t);
-    using RenderCallback = bool (*)(void*, std::int32_t, float);
-
-    InitEx initEx = nullptr;
-    InitFunction initFunction = nullptr;
-    Callback cleanupFunction = nullptr;
-    GuiStatus guiStatus = nullptr;
-    NumberCallback changedCallback = nullptr;  // number of the parameter, counted from 1
-    NumberCallback execAction = nullptr;       // number of the action
-    Callback execPerField = nullptr;
-    MouseCallback mouseCallback = nullptr;
-    Callback keyboardCallback = nullptr;
-    RenderCallback preRender = nullptr;
-    RenderCallback postRender = nullptr;
+    decltype(&PLUGIN_INIT_EX) initEx = nullptr;
+    decltype(&PLUGIN_INIT_FUNCTION) initFunction = nullptr;
+    decltype(&PLUGIN_CLEANUP_FUNCTION) cleanupFunction = nullptr;
+    decltype(&PLUGIN_GUI_STATUS) guiStatus = nullptr;
+    decltype(&PLUGIN_CHANGED_CALLBACK) changedCallback = nullptr;
+    decltype(&PLUGIN_EXEC_ACTION) execAction = nullptr;
+    decltype(&PLUGIN_EXEC_PER_FIELD) execPerField = nullptr;
+    decltype(&PLUGIN_MOUSE_CALLBACK) mouseCallback = nullptr;
+    decltype(&PLUGIN_KEYBOARD_CALLBACK) keyboardCallback = nullptr;
+    decltype(&PLUGIN_PRE_RENDER_OPENGL) preRender = nullptr;
+    decltype(&PLUGIN_POST_RENDER_OPENGL) postRender = nullptr;
 };
+using RenderCallback = decltype(EntryPoints::preRender);
+static_assert(std::is_same_v<RenderCallback, decltype(EntryPoints::postRender)>);
 
 // What a module registers in PLUGIN_INIT_EX.
 struct Registration {

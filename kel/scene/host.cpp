@@ -63,7 +63,7 @@ void CheckValue(const Instance& instance, std::size_t index, const ParameterValu
 
 void SendGuiStatus(HostState& state, Instance& instance) {
     state.CallInstance(instance, Callback::GuiStatus,
-                       [](const EntryPoints& module, void* block) { module.guiStatus(block); });
+                       [](const EntryPoints& module, chalkpane::PluginInstance* block) { module.guiStatus(block); });
 }
 
 template <typename Function>
@@ -74,8 +74,9 @@ void ForEachInstance(HostState& state, Function function) {
 }
 
 void EndInstance(HostState& state, Instance& instance) {
-    state.CallInstance(instance, Callback::CleanupFunction,
-                       [](const EntryPoints& module, void* block) { module.cleanupFunction(block); });
+    state.CallInstance(
+        instance, Callback::CleanupFunction,
+        [](const EntryPoints& module, chalkpane::PluginInstance* block) { module.cleanupFunction(block); });
 }
 
 void Register(HostState& state, Module& module) {
@@ -91,21 +92,23 @@ void Deliver(HostState& state, const QueuedSetting& setting) {
     Instance& instance = FindInstance(state, setting.container);
     if (instance.Value(setting.parameter) == setting.value) return;
     instance.SetValue(setting.parameter, setting.value);
-    state.CallInstance(instance, Callback::Changed, [&](const EntryPoints& module, void* block) {
+    state.CallInstance(instance, Callback::Changed, [&](const EntryPoints& module, chalkpane::PluginInstance* block) {
         module.changedCallback(block, static_cast<std::int32_t>(setting.parameter) + 1);
     });
     SendGuiStatus(state, instance);
 }
 
 void Deliver(HostState& state, const QueuedAction& action) {
-    state.CallInstance(FindInstance(state, action.container), Callback::ExecAction,
-                       [&](const EntryPoints& module, void* block) { module.execAction(block, action.action); });
+    state.CallInstance(
+        FindInstance(state, action.container), Callback::ExecAction,
+        [&](const EntryPoints& module, chalkpane::PluginInstance* block) { module.execAction(block, action.action); });
 }
 
 void Deliver(HostState& state, QueuedKey) {
     ForEachInstance(state, [&](Instance& instance) {
-        state.CallInstance(instance, Callback::Keyboard,
-                           [](const EntryPoints& module, void* block) { module.keyboardCallback(block); });
+        state.CallInstance(
+            instance, Callback::Keyboard,
+            [](const EntryPoints& module, chalkpane::PluginInstance* block) { module.keyboardCallback(block); });
     });
 }
 
@@ -115,7 +118,7 @@ void DeliverButton(HostState& state, const QueuedPointer& event) {
     constexpr std::int32_t activeWindow = 1;
     const std::int32_t pressed = event.kind == PointerKind::Press ? 1 : 0;
     ForEachInstance(state, [&](Instance& instance) {
-        state.CallInstance(instance, Callback::Mouse, [&](const EntryPoints& module, void* block) {
+        state.CallInstance(instance, Callback::Mouse, [&](const EntryPoints& module, chalkpane::PluginInstance* block) {
             module.mouseCallback(block, 0, leftButton, pressed, activeWindow, event.x, event.y, 0, 0);
         });
     });
@@ -196,8 +199,9 @@ void Host::Attach(ObjectId container, const Module& module, const std::vector<Pa
         instance->SetValue(index, setting.value);
     }
     attached.instance = std::move(instance);
-    m_state->CallInstance(*attached.instance, Callback::InitFunction,
-                          [](const EntryPoints& entry, void* block) { entry.initFunction(block); });
+    m_state->CallInstance(
+        *attached.instance, Callback::InitFunction,
+        [](const EntryPoints& entry, chalkpane::PluginInstance* block) { entry.initFunction(block); });
     SendGuiStatus(*m_state, *attached.instance);
     m_state->redraw = true;
 }
@@ -264,8 +268,9 @@ void Host::RunField() {
     DeliverOperator();
     const auto start = std::chrono::steady_clock::now();
     ForEachInstance(*m_state, [&](Instance& instance) {
-        m_state->CallInstance(instance, Callback::PerField,
-                              [](const EntryPoints& module, void* block) { module.execPerField(block); });
+        m_state->CallInstance(
+            instance, Callback::PerField,
+            [](const EntryPoints& module, chalkpane::PluginInstance* block) { module.execPerField(block); });
     });
     FieldTimes& times = m_state->times;
     const bool isFirst = times.last.count() == 0;

@@ -26,7 +26,9 @@ public:
 
     [[nodiscard]] const Module& TheModule() const { return m_module; }
     [[nodiscard]] ObjectId Container() const { return m_container; }
-    [[nodiscard]] void* Block() const { return m_block.get(); }
+    [[nodiscard]] chalkpane::PluginInstance* Block() const {
+        return static_cast<chalkpane::PluginInstance*>(static_cast<void*>(m_block.get()));
+    }
 
     // Index of the parameter in the order of registration, from 0; -1: there is none of that name.
     [[nodiscard]] std::ptrdiff_t IndexOf(std::string_view parameter) const;

@@ -122,9 +122,11 @@ void Prepare(HostState& state, const ContainerObject& container, const Matrix& c
     glLoadMatrixd(WorldMatrix(container.placement).data());
 }
 
-void CallRender(HostState& state, Instance& instance, Callback which, EntryPoints::RenderCallback EntryPoints::*entry) {
+void CallRender(HostState& state, Instance& instance, Callback which, RenderCallback EntryPoints::*entry) {
     // What the word and the float mean is the host's business; this one has nothing to say by them.
-    state.CallInstance(instance, which, [&](const EntryPoints& module, void* block) { (module.*entry)(block, 0, 0); });
+    state.CallInstance(instance, which, [&](const EntryPoints& module, chalkpane::PluginInstance* block) {
+        (module.*entry)(block, 0, 0);
+    });
     if (glGetError() == GL_NO_ERROR) return;
     state.wrongUses.Report(WrongUse::OpenGlRefused, "OpenGL refused what was asked for in a render callback");
     while (glGetError() != GL_NO_ERROR) continue;

@@ -6,12 +6,17 @@
 #define CHALKPANE_EXPORT __attribute__((visibility("default")))
 
 namespace chalkpane {
+// The instance block. Its fields are the module's own affair; to the host it is so many bytes, with the parameter
+// values at their places in front.
 struct PluginInstance;
-}
+}  // namespace chalkpane
 
-// What the module exports; nothing else leaves it. All calls come on the host's render thread, never two at a time, and
+// What a module exports; nothing else leaves it. All calls come on the host's render thread, never two at a time, and
 // none lets an exception out. `instance` is the block that the host allocates (PLUGIN_INIT_EX says how large) and
 // fills with the parameter values; it stays the host's.
+//
+// The host, which finds the functions by name, takes their types from these declarations and calls them through no
+// other type.
 extern "C" {
 
 // Registers the plug-in and its parameters, once. Returns 0.

@@ -1,7 +1,9 @@
 #include "tests/probe_module/probe_module.h"
 
+#include "module/abi/entry_points.h"
+
 // A module for the host's tests: all entry points, and behind each whatever the test has put there.
-#define EXPORTED extern "C" __attribute__((visibility("default")))
+using chalkpane::PluginInstance;
 
 namespace {
 
@@ -14,38 +16,38 @@ void Run(Hook ProbeHooks::*hook, Arguments... arguments) {
 
 }  // namespace
 
-EXPORTED void ProbeHooksAre(ProbeHooks* now) { hooks = now; }
+extern "C" CHALKPANE_EXPORT void ProbeHooksAre(ProbeHooks* now) { hooks = now; }
 
-EXPORTED std::int32_t PLUGIN_INIT_EX() {
+std::int32_t PLUGIN_INIT_EX() noexcept {
     Run(&ProbeHooks::registration);
     return hooks != nullptr ? hooks->initAnswer : 0;
 }
-EXPORTED void* PLUGIN_INIT_FUNCTION(void* block) {
+PluginInstance* PLUGIN_INIT_FUNCTION(PluginInstance* block) noexcept {
     Run(&ProbeHooks::construct, block);
     return block;
 }
-EXPORTED void PLUGIN_CLEANUP_FUNCTION(void*) { Run(&ProbeHooks::cleanup); }
-EXPORTED std::int32_t PLUGIN_GUI_STATUS(void*) {
+void PLUGIN_CLEANUP_FUNCTION(PluginInstance*) noexcept { Run(&ProbeHooks::cleanup); }
+std::int32_t PLUGIN_GUI_STATUS(PluginInstance*) noexcept {
     Run(&ProbeHooks::guiStatus);
     return 0;
 }
-EXPORTED void PLUGIN_CHANGED_CALLBACK(void*, std::int32_t parameter) { Run(&ProbeHooks::changed, parameter); }
-EXPORTED void PLUGIN_EXEC_ACTION(void*, std::int32_t action) { Run(&ProbeHooks::action, action); }
-EXPORTED void PLUGIN_EXEC_PER_FIELD(void*) { Run(&ProbeHooks::perField); }
+void PLUGIN_CHANGED_CALLBACK(PluginInstance*, std::int32_t parameter) noexcept { Run(&ProbeHooks::changed, parameter); }
+void PLUGIN_EXEC_ACTION(PluginInstance*, std::int32_t action) noexcept { Run(&ProbeHooks::action, action); }
+void PLUGIN_EXEC_PER_FIELD(PluginInstance*) noexcept { Run(&ProbeHooks::perField); }
 #ifndef PROBE_WITHOUT_MOUSE
-EXPORTED std::int32_t PLUGIN_MOUSE_CALLBACK(void*, std::int32_t, std::int32_t button, std::int32_t pressed,
-                                            std::int32_t state, std::int32_t x, std::int32_t y, std::int32_t,
-                                            std::int32_t) {
+std::int32_t PLUGIN_MOUSE_CALLBACK(PluginInstance*, std::int32_t, std::int32_t button, std::int32_t pressed,
+                                   std::int32_t state, std::int32_t x, std::int32_t y, std::int32_t,
+                                   std::int32_t) noexcept {
     if (button == 1 && state == 1) Run(&ProbeHooks::mouse, pressed != 0, x, y);
     return 1;
 }
 #endif
-EXPORTED void PLUGIN_KEYBOARD_CALLBACK(void*) { Run(&ProbeHooks::keyboard); }
-EXPORTED bool PLUGIN_PRE_RENDER_OPENGL(void*, std::int32_t, float) {
+void PLUGIN_KEYBOARD_CALLBACK(PluginInstance*) noexcept { Run(&ProbeHooks::keyboard); }
+std::int32_t PLUGIN_PRE_RENDER_OPENGL(PluginInstance*, std::int32_t, float) noexcept {
     Run(&ProbeHooks::preRender);
-    return true;
+    return 1;
 }
-EXPORTED bool PLUGIN_POST_RENDER_OPENGL(void*, std::int32_t, float) {
+std::int32_t PLUGIN_POST_RENDER_OPENGL(PluginInstance*, std::int32_t, float) noexcept {
     Run(&ProbeHooks::postRender);
-    return true;
+    return 1;
 }
