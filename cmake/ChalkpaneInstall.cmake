@@ -4,7 +4,8 @@ include(CMakePackageConfigHelpers)
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Chalkpane)
 set(module_dir ${CMAKE_INSTALL_LIBDIR}/chalkpane)
 
-install(TARGETS chalkpane_engine EXPORT ChalkpaneTargets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(TARGETS chalkpane_engine EXPORT ChalkpaneTargets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        FILE_SET public_headers DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(TARGETS Chalkpane LIBRARY DESTINATION ${module_dir})
 foreach(program kel chalkpane)
   if(TARGET ${program})
@@ -14,7 +15,6 @@ endforeach()
 if(TARGET kel)
   install(FILES examples/pitch.json examples/pitch.png DESTINATION ${CMAKE_INSTALL_DATADIR}/chalkpane)
 endif()
-install(DIRECTORY chalkpane DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
 install(EXPORT ChalkpaneTargets NAMESPACE Chalkpane:: DESTINATION ${package_dir})
 configure_package_config_file(cmake/ChalkpaneConfig.cmake.in ${PROJECT_BINARY_DIR}/ChalkpaneConfig.cmake
                               INSTALL_DESTINATION ${package_dir})

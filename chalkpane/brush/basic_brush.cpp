@@ -4,6 +4,7 @@
 #include <new>
 #include <utility>
 
+#include "chalkpane/brush/profiles/profile_cache.h"
 #include "chalkpane/brush/profiles/profile_preset.h"
 #include "chalkpane/brush/sources/brush_source.h"
 #include "chalkpane/composite/brush_paster.h"
@@ -29,7 +30,9 @@ ParameterValue* ValueOf(const DataSet& values, const ParameterList& list, std::u
 }  // namespace
 
 BasicBrush::BasicBrush(std::string_view brushName)
-    : values(NewValues(ClassParameters())), sourceValues(NewValues(BrushSource::ClassParameters())) {
+    : values(NewValues(ClassParameters())),
+      profileCache(ProfileCache::Shared()),
+      sourceValues(NewValues(BrushSource::ClassParameters())) {
     FilterRegistry::Instance();
     SharedPaster();
     SharedEraser();

@@ -6,7 +6,6 @@
 #include <string_view>
 #include <vector>
 
-#include "chalkpane/brush/profiles/profile_cache.h"
 #include "chalkpane/brush/spline_iterator.h"
 #include "chalkpane/image/image.h"
 #include "chalkpane/image/rect.h"
@@ -19,6 +18,7 @@ namespace chalkpane {
 
 class BrushSource;
 class Filter;
+class ProfileCache;
 
 // Turns a path of pointer samples into dabs on an image.
 //
@@ -159,8 +159,8 @@ private:
     float lastDabX = 0.0F;
     float lastDabY = 0.0F;
     float lastDabPressure = 0.0F;
-    bool firstDabPending = false;  // the first dab waits until the path has a direction
-    std::shared_ptr<ProfileCache> profileCache = ProfileCache::Shared();  // keeps masks from one source to the next
+    bool firstDabPending = false;                // the first dab waits until the path has a direction
+    std::shared_ptr<ProfileCache> profileCache;  // keeps masks from one source to the next
     std::unique_ptr<BrushSource> source;
     std::vector<std::unique_ptr<Filter>> filters;
     std::uint8_t sourceType = 0;

@@ -1,6 +1,6 @@
 #include <cstdio>
 
-#include "chalkpane/brush/basic_brush.h"
+#include <chalkpane/brush/basic_brush.h>
 
 int main() {
     chalkpane::Image canvas(256, 256, chalkpane::Image::colourType, 0, 1);

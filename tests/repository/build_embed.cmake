@@ -1,5 +1,6 @@
 cmake_minimum_required(VERSION 3.25)
-# Installs the built tree into a fresh prefix, builds examples/embed against it alone, and runs it.
+# Installs the built tree into a fresh prefix, checks which headers lie there, compiles each of them alone, and builds
+# and runs examples/embed, all against the installed files and nothing else.
 set(prefix ${BUILD}/embed/prefix)
 file(REMOVE_RECURSE ${BUILD}/embed)
 function(run)
@@ -11,6 +12,35 @@ function(run)
 endfunction()
 
 run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${prefix})
+
+include(${ROOT}/chalkpane/public_headers.cmake)
+file(GLOB_RECURSE installed RELATIVE ${prefix}/include ${prefix}/include/*)
+list(SORT installed)
+list(SORT chalkpane_public_headers)
+if(NOT installed STREQUAL chalkpane_public_headers)
+  message(FATAL_ERROR "installed headers: ${installed}\nwanted: ${chalkpane_public_headers}")
+endif()
+
+# One source a header, which includes it twice: a header brings what it needs, and only once.
+set(sources "")
+foreach(header ${installed})
+  string(REPLACE / _ source ${header})
+  file(WRITE ${BUILD}/embed/headers/${source}.cpp "#include <${header}>\n#include <${header}>\n")
+  list(APPEND sources ${source}.cpp)
+endforeach()
+list(JOIN sources "\n    " sources)
+file(WRITE ${BUILD}/embed/headers/CMakeLists.txt "cmake_minimum_required(VERSION 3.25)
+project(ChalkpaneHeaders LANGUAGES CXX)
+find_package(Chalkpane REQUIRED)
+add_library(headers OBJECT
+    ${sources})
+target_compile_options(headers PRIVATE -O0 -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+target_link_libraries(headers PRIVATE Chalkpane::engine)
+")
+run(${CMAKE_COMMAND} -S ${BUILD}/embed/headers -B ${BUILD}/embed/headers/build -G Ninja -DCMAKE_CXX_COMPILER=${CXX}
+    -DCMAKE_PREFIX_PATH=${prefix})
+run(${CMAKE_COMMAND} --build ${BUILD}/embed/headers/build)
+
 run(${CMAKE_COMMAND} -S ${ROOT}/examples/embed -B ${BUILD}/embed/build -G Ninja -DCMAKE_BUILD_TYPE=Release
     -DCMAKE_CXX_COMPILER=${CXX} -DCMAKE_PREFIX_PATH=${prefix})
 run(${CMAKE_COMMAND} --build ${BUILD}/embed/build)
