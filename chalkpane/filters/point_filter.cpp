@@ -52,8 +52,8 @@ struct Point14 : PixelFormat14 {
 template <typename F>
 void ProcessEachPixel(PointFilter& filter, std::int32_t firstX, std::int32_t y, std::span<typename F::Channel> pixels) {
     using Channel = typename F::Channel;
-    std::int32_t x = firstX;
-    for (std::size_t i = 0; i + 3 < pixels.size(); i += 4, ++x) {
+    for (std::size_t i = 0; i + 3 < pixels.size(); i += 4) {
+        const std::int32_t x = firstX + static_cast<std::int32_t>(i / 4);
         const auto pixel = pixels.subspan(i, 4);
         float b = ToByteScale<F>(pixel[0]);
         float g = ToByteScale<F>(pixel[1]);
@@ -84,8 +84,8 @@ void RunRow(std::int32_t y, void* userData, std::int32_t /*worker*/) {
     const RowJob& job = *static_cast<const RowJob*>(userData);
     const std::size_t channels = job.source.IsMask() ? 1 : 4;
     const auto cut = [channels](auto row, std::int32_t x0, std::int32_t first, std::int32_t last) {
-        return row.subspan(static_cast<std::size_t>(first - x0) * channels,
-                           static_cast<std::size_t>(last - first + 1) * channels);
+        return row.subspan(static_cast<std::size_t>(std::int64_t{first} - x0) * channels,
+                           static_cast<std::size_t>(std::int64_t{last} - first + 1) * channels);
     };
     const auto sourceRow = cut(F::Row(job.source, y), job.source.x0, job.firstColumn, job.lastColumn);
     const auto resultRow = F::Row(job.result, y);

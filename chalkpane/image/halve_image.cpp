@@ -14,6 +14,7 @@ namespace {
 // The four kinds of image, as the loops below see them: `channels` values of one type a pixel.
 struct Colour8 : PixelFormat8 {
     static constexpr std::size_t channels = 4;
+    static constexpr double sampleRounding = 0.0;
     static std::array<Channel, 4> Sample(const Image& image, double x, double y, std::int32_t edgeMode) {
         const Pixel8 pixel = SampleBilinear8(image, x, y, edgeMode);
         return {pixel.blue, pixel.green, pixel.red, pixel.alpha};
@@ -21,6 +22,7 @@ struct Colour8 : PixelFormat8 {
 };
 struct Colour14 : PixelFormat14 {
     static constexpr std::size_t channels = 4;
+    static constexpr double sampleRounding = 0.5;  // DIFFERS: 8 bits truncate
     static std::array<Channel, 4> Sample(const Image& image, double x, double y, std::int32_t edgeMode) {
         const Pixel14 pixel = SampleBilinear14(image, x, y, edgeMode);
         return {pixel.blue, pixel.green, pixel.red, pixel.alpha};
@@ -28,12 +30,14 @@ struct Colour14 : PixelFormat14 {
 };
 struct Mask8 : PixelFormat8 {
     static constexpr std::size_t channels = 1;
+    static constexpr double sampleRounding = 0.0;
     static std::array<Channel, 1> Sample(const Image& image, double x, double y, std::int32_t edgeMode) {
         return {SampleMaskBilinear8(image, x, y, edgeMode)};
     }
 };
 struct Mask14 : PixelFormat14 {
     static constexpr std::size_t channels = 1;
+    static constexpr double sampleRounding = 0.5;  // DIFFERS: 8 bits truncate
     static std::array<Channel, 1> Sample(const Image& image, double x, double y, std::int32_t edgeMode) {
         return {SampleMask14(image, x, y, edgeMode)};
     }
@@ -102,7 +106,8 @@ std::unique_ptr<Image> Reduce(const Image& source) {
                     static_cast<std::int32_t>(left + (std::int64_t{source.Width()} + 1) / 2 - 1),
                     static_cast<std::int32_t>(bottom + (std::int64_t{source.Height()} + 1) / 2 - 1));
     auto reduced = std::make_unique<Image>(rect, source.type, source.depth, source.flag);
-    for (std::int32_t y = reduced->y0; y <= reduced->y1; ++y) ReduceLine<F>(source, *reduced, y);
+    for (std::int64_t y = reduced->y0; y <= reduced->y1; ++y)
+        ReduceLine<F>(source, *reduced, static_cast<std::int32_t>(y));
     return reduced;
 }
 
@@ -186,7 +191,7 @@ private:
             const Channel* own = PixelAt<F>(m_source, x, y);
             Channel* target = PixelAt<F>(result, x, y);
             for (std::size_t c = 0; c < F::channels; ++c)
-                target[c] = static_cast<Channel>(own[c] + (sample[c] - own[c]) * m_mix.fraction + 0.5);
+                target[c] = static_cast<Channel>(own[c] + (sample[c] - own[c]) * m_mix.fraction + F::sampleRounding);
         }
     }
 

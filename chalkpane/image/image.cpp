@@ -143,10 +143,10 @@ void UnpremultiplyRow(std::span<std::uint8_t> row) {
 void UnpremultiplyRow(std::span<std::uint16_t> row) {
     for (std::size_t i = 0; i + 3 < row.size(); i += 4) {
         if (row[i + 3] == 0 || row[i + 3] == PixelFormat14::fullScale) continue;
-        const auto factor = static_cast<float>(16383.0 / row[i + 3]);
+        const double factor = 16383.0 / row[i + 3];  // the row that pastes and filters use narrows it to 32 bits
         for (auto& colour : row.subspan(i, 3))
-            colour = static_cast<std::uint16_t>(std::min(
-                static_cast<std::int32_t>(colour * static_cast<double>(factor) + 0.5), PixelFormat14::fullScale));
+            colour = static_cast<std::uint16_t>(
+                std::min(static_cast<std::int32_t>(colour * factor + 0.5), PixelFormat14::fullScale));
     }
 }
 

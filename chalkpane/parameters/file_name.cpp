@@ -56,7 +56,7 @@ std::string normaliseDirectory(std::string_view directory, LeadingSeparators lea
 std::string FileName::relativeTo(std::string_view base) const {
     const SplitPath own(name);
     const SplitPath from(base);
-    if (own.drive != from.drive) return name;
+    if (!std::ranges::equal(own.drive, from.drive, {}, toLower, toLower)) return name;
     const std::string ownDirectory = normaliseDirectory(own.directory, LeadingSeparators::Collapse);
     const std::string fromDirectory = normaliseDirectory(from.directory, LeadingSeparators::Collapse);
 

@@ -79,7 +79,7 @@ bool ShapePoint::read(TextScanner& scanner) {
 }
 
 void ShapePointList::write(TextOut& out) const {
-    out << "\n";  // between the set word and the first point: "truePoint" would be one word
+    if (!points.empty()) out << "\n";  // between the set word and the first point: "truePoint" would be one word
     for (const auto& point : points) point->write(out);
 }
 

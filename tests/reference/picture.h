@@ -127,7 +127,7 @@ inline Picture Blended(const Picture& source, double blend) {
                 const int next = hy + (y % 2 != 0 ? 1 : 0);
                 if (x == source.x1 || y == source.y1 || !half.Has(hx, hy) || !half.Has(right, next)) {
                     const int sample = half.Sample(x / 2.0, y / 2.0, c, 4);
-                    result.At(x, y, c) = static_cast<int>(s + (sample - s) * (1 - blend) + 0.5);
+                    result.At(x, y, c) = static_cast<int>(s + (sample - s) * (1 - blend) + (source.deep ? 0.5 : 0.0));
                     continue;
                 }
                 int n = 1;

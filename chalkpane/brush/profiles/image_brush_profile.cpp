@@ -54,7 +54,7 @@ void ImageBrushProfile::TakeMask(const Image& picture, std::int32_t radius, std:
             converted = transformer.Apply(*converted, resized);
             if (!resized.IsValid()) return;
         }
-        converted->MoveTo(0, 0);
+        converted->MoveTo(0, 0);  // KEEP: the mask lies at (0, 0), not around it; dabs are placed from there
         auto taken = std::make_unique<Image>(converted->Bounds(), ImageDefinition::maskType, depth, std::uint8_t{0});
         Paster paster;
         paster.SetOpacity(1.0);

@@ -58,7 +58,7 @@ Rect CutoutBrushSource::NextFrame(const Grid& grid) {
     }
     const auto left = static_cast<std::int32_t>(frames->x0 + column * grid.width);
     const auto top = static_cast<std::int32_t>(frames->y1 - row * grid.height);
-    return {left, top - grid.height + 1, left + grid.width - 1, top};
+    return {left, top - (grid.height - 1), left + (grid.width - 1), top};
 }
 
 bool CutoutBrushSource::MakeDab(double x, double y, double angle, std::unique_ptr<Image>& colourOut,

@@ -18,11 +18,12 @@ inline void FillWithPixel(Image& image, const DabPixel& pixel) {
             for (std::size_t channel = 0; channel < 4; ++channel)
                 row[i + channel] = static_cast<typename decltype(row)::value_type>(pixel[channel]);
     };
-    for (std::int32_t y = image.y0; y <= image.y1; ++y) {
+    for (std::int64_t y = image.y0; y <= image.y1; ++y) {
+        const auto line = static_cast<std::int32_t>(y);
         if (image.depth == 0)
-            fill(image.Row8(y));
+            fill(image.Row8(line));
         else
-            fill(image.Row14(y));
+            fill(image.Row14(line));
     }
 }
 

@@ -80,9 +80,10 @@ struct BlurJob {
         const std::int32_t last = std::min(intermediate.x1, source.x1);
         const auto offset = static_cast<std::size_t>(first - source.x0) * channels;
         for (std::size_t tap = 0; tap < taps.size(); ++tap) {
-            const std::int32_t row = y - reach + static_cast<std::int32_t>(tap);
+            const std::int64_t row = std::int64_t{y} - reach + static_cast<std::int64_t>(tap);
             const bool inside = row >= source.y0 && row <= source.y1;
-            scratch.rows[tap] = (inside ? ImageRow<F>(source, row).data() : zeros.data()) + offset;
+            scratch.rows[tap] =
+                (inside ? ImageRow<F>(source, static_cast<std::int32_t>(row)).data() : zeros.data()) + offset;
         }
         // Columns outside the source stay the zeros that the new image has.
         const auto out = ImageRow<F>(intermediate, y)

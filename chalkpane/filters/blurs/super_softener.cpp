@@ -89,11 +89,12 @@ struct StripJob {
     [[nodiscard]] std::size_t Channels() const { return static_cast<std::size_t>(ChannelCount(from)); }
     [[nodiscard]] std::int32_t StripLines() const { return static_cast<std::int32_t>(FloatLine::lanes / Channels()); }
 
-    Lines& Ready(std::int32_t worker, std::int32_t first, std::int32_t last) {
+    // Positions in a line are counted from its first pixel, so that pictures at the end of the plane have some.
+    Lines& Ready(std::int32_t worker, std::int32_t pixels) {
         const std::int32_t reach = SoftenReach(softness, passes);
         Lines& lines = workers[static_cast<std::size_t>(worker)];
-        lines.line.Reset(first - reach, last + reach);
-        lines.spare.Reset(first - reach, last + reach);
+        lines.line.Reset(-reach, pixels - 1 + reach);
+        lines.spare.Reset(-reach, pixels - 1 + reach);
         return lines;
     }
 
@@ -127,7 +128,8 @@ struct StripJob {
     template <std::size_t size>
     void SoftenRowsOf(std::int32_t strip, std::int32_t worker) {
         const std::int32_t bottom = to.y0 + strip * StripLines();
-        const auto count = static_cast<std::size_t>(std::min(StripLines(), to.y1 - bottom + 1));
+        const auto count =
+            static_cast<std::size_t>(std::min<std::int64_t>(StripLines(), std::int64_t{to.y1} - bottom + 1));
         std::array<const Channel*, FloatLine::lanes> sources;
         std::array<Channel*, FloatLine::lanes> targets;
         for (std::size_t i = 0; i < count; ++i) {
@@ -135,10 +137,12 @@ struct StripJob {
             sources[i] = ImageRow<F>(from, y).data();
             targets[i] = ImageRow<F>(to, y).data();
         }
-        auto& [line, spare, staged] = Ready(worker, std::min(from.x0, to.x0), std::max(from.x1, to.x1));
-        LoadRows<size>(std::span(sources).first(count), static_cast<std::size_t>(from.Width()), line.At(from.x0));
+        const Rect both = from.Union(to);
+        auto& [line, spare, staged] = Ready(worker, both.Width());
+        LoadRows<size>(std::span(sources).first(count), static_cast<std::size_t>(from.Width()),
+                       line.At(from.x0 - both.x0));
         SoftenLine(line, spare, softness, passes);
-        StoreRows<size>(line.At(to.x0), line.gain, static_cast<std::size_t>(to.Width()),
+        StoreRows<size>(line.At(to.x0 - both.x0), line.gain, static_cast<std::size_t>(to.Width()),
                         std::span(targets).first(count));
     }
     void SoftenRows(std::int32_t strip, std::int32_t worker) {
@@ -152,24 +156,26 @@ struct StripJob {
         const std::size_t size = std::min(groupChannels, static_cast<std::size_t>(to.Width()) * Channels() - first);
         auto& [line, spare, stagedRows] = workers[static_cast<std::size_t>(worker)];
         auto& staged = stagedRows;
-        const std::int32_t bottom = std::min(from.y0, to.y0);
-        staged.resize(static_cast<std::size_t>(std::max(from.y1, to.y1) - bottom + 1) * groupChannels);
-        const auto stagedRow = [&staged, bottom](std::int32_t y) {
-            return staged.data() + static_cast<std::size_t>(y - bottom) * groupChannels;
+        const Rect both = from.Union(to);
+        staged.resize(static_cast<std::size_t>(both.Height()) * groupChannels);
+        const auto stagedRow = [&staged](std::int32_t position) {
+            return staged.data() + static_cast<std::size_t>(position) * groupChannels;
         };
-        for (std::int32_t y = from.y0; y <= from.y1; ++y)
-            std::copy_n(ImageRow<F>(from, y).data() + first, size, stagedRow(y));
+        const std::int32_t fromStart = from.y0 - both.y0;
+        const std::int32_t toStart = to.y0 - both.y0;
+        for (std::int32_t i = 0; i < from.Height(); ++i)
+            std::copy_n(ImageRow<F>(from, from.y0 + i).data() + first, size, stagedRow(fromStart + i));
         for (std::size_t strip = 0; strip < size; strip += FloatLine::lanes) {
-            Ready(worker, bottom, std::max(from.y1, to.y1));
-            for (std::int32_t y = from.y0; y <= from.y1; ++y)
+            Ready(worker, both.Height());
+            for (std::int32_t y = fromStart; y < fromStart + from.Height(); ++y)
                 for (std::size_t i = 0; i < FloatLine::lanes; i += 4) Load<F>(stagedRow(y) + strip + i, line.At(y) + i);
             SoftenLine(line, spare, softness, passes);
-            for (std::int32_t y = to.y0; y <= to.y1; ++y)
+            for (std::int32_t y = toStart; y < toStart + to.Height(); ++y)
                 for (std::size_t i = 0; i < FloatLine::lanes; i += 4)
                     Store<F>(line.At(y) + i, line.gain, stagedRow(y) + strip + i);
         }
-        for (std::int32_t y = to.y0; y <= to.y1; ++y)
-            std::copy_n(stagedRow(y), size, ImageRow<F>(to, y).data() + first);
+        for (std::int32_t i = 0; i < to.Height(); ++i)
+            std::copy_n(stagedRow(toStart + i), size, ImageRow<F>(to, to.y0 + i).data() + first);
     }
 
     // linesAtOnce: lines that one call of `direction` does, each of `lineLength` pixels.

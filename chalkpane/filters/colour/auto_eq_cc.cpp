@@ -15,9 +15,10 @@ using Counts = std::vector<std::int64_t>;
 template <typename F>
 Counts BrightestCounts(const Image& source, const Rect& work) {
     Counts counts(static_cast<std::size_t>(F::fullScale) + 1);
-    for (std::int32_t y = work.y0; y <= work.y1; ++y) {
-        const auto row = ImageRow<F>(source, y).subspan(static_cast<std::size_t>(work.x0 - source.x0) * 4,
-                                                        static_cast<std::size_t>(work.Width()) * 4);
+    const std::size_t offset = static_cast<std::size_t>(std::int64_t{work.x0} - source.x0) * 4;
+    for (std::int64_t y = work.y0; y <= work.y1; ++y) {
+        const auto row = ImageRow<F>(source, static_cast<std::int32_t>(y))
+                             .subspan(offset, static_cast<std::size_t>(work.Width()) * 4);
         for (std::size_t i = 0; i < row.size(); i += 4)
             ++counts[static_cast<std::size_t>(std::max({row[i], row[i + 1], row[i + 2]}) & F::fullScale)];
     }

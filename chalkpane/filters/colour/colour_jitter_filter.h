@@ -23,10 +23,12 @@ public:
     ColourJitterFilter(const ColourJitterFilter& other) : RowFilter(other), m_hue(other.m_hue) {}
 
     // KEEP: the turn of the run before is tested, not the setting; once a turn of nothing was drawn the filter rests.
-    [[nodiscard]] bool IsIdentity(const Image& /*source*/) const { return std::fabs(m_turn) < 1e-05F; }
-    // The one draw of the run.
-    void BeginRun(const Image& /*source*/) override {
+    // The one draw of a run comes before it is known whether the region meets the source: one that misses draws too.
+    void Apply(const Image& source, std::unique_ptr<Image>& result, bool fast, const Rect* region,
+               bool expand) override {
+        if (std::fabs(m_turn) < 1e-05F) return ApplyAsCopy(source, result);
         m_turn = (m_hue * (static_cast<float>(Random()) / 32767.0F)) / 360.0F;
+        RowFilter::Apply(source, result, fast, region, expand);
     }
 
     template <typename F>

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <algorithm>
-
 #include "chalkpane/filters/row_filter.h"
 
 namespace chalkpane {
@@ -24,11 +22,20 @@ public:
 
     template <typename F>
     void Row(std::span<typename F::Channel> pixels) const {
-        // Far beyond the scale one threshold is like another.
-        const std::int32_t threshold =
-            std::clamp(Truncated(m_amount * static_cast<float>(F::fullScale)), -1000000, 1000000);
+        const std::int32_t threshold = Truncated(m_amount * static_cast<float>(F::fullScale));
+        // From a threshold far off the scale channels are farther away than 32 bits can say.
+        constexpr std::int32_t nearby = 1 << 30;
+        if (-nearby <= threshold && threshold <= nearby)
+            Solarise<F>(pixels, threshold);
+        else
+            Solarise<F>(pixels, std::int64_t{threshold});
+    }
+
+private:
+    template <typename F, typename Number>
+    void Solarise(std::span<typename F::Channel> pixels, Number threshold) const {
         const auto solarised = [threshold, up = m_up, down = m_down](std::int32_t channel) {
-            const std::int32_t above = channel - threshold;
+            const Number above = channel - threshold;
             const float slope = above > 0 ? down : up;
             const auto distance = static_cast<float>(above > 0 ? above : -above);
             return Limited<F>(distance * slope);
@@ -40,7 +47,6 @@ public:
         });
     }
 
-private:
     float m_amount = 0.5F;  // DIFFERS from the default's 0
     float m_up = 0.0F;
     float m_down = 0.0F;

@@ -33,6 +33,7 @@ bool TintFilter::IsIdentity(const Image& /*source*/) const {
     return m_amount <= leastAmount && m_shadow <= leastAmount && m_midtone <= leastAmount && m_highlight <= leastAmount;
 }
 
+// KEEP: 32-bit floats throughout; in doubles some entries of a 14-bit table would be one higher.
 TintFilter::Entry TintFilter::TintAt(const Colour& colour, std::int32_t luma, std::int32_t fullScale) const {
     std::int32_t tintLuma = LumaByte(colour.red, colour.green, colour.blue);
     const bool black = tintLuma == 0;

@@ -55,11 +55,14 @@ void TurbulenceEffect::MapRow(std::int32_t x, std::int32_t y, std::span<float> s
     const float inverse = 1.0F / static_cast<float>(m_latticeSize);
     const float amplitude = 2.0F * m_amount;
     const auto row = static_cast<float>(y);
+    std::int64_t first = x;  // past the last column there may be no more of the plane
     constexpr std::size_t block = 256;
     std::array<float, block> places;
     while (!sourceX.empty()) {
         const std::size_t count = std::min(block, sourceX.size());
-        const auto columnAt = [x](std::size_t i) { return static_cast<float>(x + static_cast<std::int32_t>(i)); };
+        const auto columnAt = [start = static_cast<std::int32_t>(first)](std::size_t i) {
+            return static_cast<float>(start + static_cast<std::int32_t>(i));
+        };
         for (std::size_t i = 0; i < count; ++i) places[i] = columnAt(i) * inverse;
         NoiseLattice::Shared().TurbulenceRow(std::span(places).first(count), row * inverse, sourceX.first(count),
                                              sourceY.first(count));
@@ -67,7 +70,7 @@ void TurbulenceEffect::MapRow(std::int32_t x, std::int32_t y, std::span<float> s
             sourceX[i] = columnAt(i) + amplitude * sourceX[i];
             sourceY[i] = row + amplitude * sourceY[i];
         }
-        x += static_cast<std::int32_t>(count);
+        first += static_cast<std::int64_t>(count);
         sourceX = sourceX.subspan(count);
         sourceY = sourceY.subspan(count);
     }

@@ -19,6 +19,7 @@ void ApplyInColourArea(const Image& source, std::unique_ptr<Image>& result, cons
 }
 
 // Degrees in radians, for directions that are settings of type float.
+// KEEP: 32-bit floats, product included.
 [[nodiscard]] inline float Radians(float degrees) { return degrees * 0.017453292F; }
 
 }  // namespace chalkpane

@@ -29,7 +29,7 @@ struct Light {
         normalZ = Truncated(static_cast<float>(6 * fullScale) / (3.0F * bumpHeight));
     }
 
-    // The shade of a slope.
+    // The shade of a slope. KEEP: root and quotient in 32-bit floats.
     [[nodiscard]] std::int32_t On(std::int64_t nx, std::int64_t ny) const {
         if (nx == 0 && ny == 0) return static_cast<std::int32_t>(z);
         const std::int64_t lit = nx * x + ny * y + normalZ * z;
@@ -70,7 +70,7 @@ struct EmbossJob {
     void MeasureRow(std::int32_t y, Heights& heights) const {
         const std::int32_t first = std::max(result.x0, source.x0 + 1) - 1;
         const std::int32_t last = std::min(result.x1, source.x1 - 1) + 1;
-        const auto offset = static_cast<std::size_t>(first - source.x0) * 4;
+        const auto offset = static_cast<std::size_t>(std::int64_t{first} - source.x0) * 4;
         const Channel* const below = ImageRow<F>(source, y - 1).data() + offset;
         const Channel* const here = ImageRow<F>(source, y).data() + offset;
         const Channel* const above = ImageRow<F>(source, y + 1).data() + offset;
@@ -106,7 +106,7 @@ struct EmbossJob {
         const std::int64_t lastBump =
             bumpy ? std::min<std::int64_t>(result.x1, std::int64_t{source.x1} - 1) : firstBump - 1;
         if (firstBump <= lastBump) MeasureRow(y, heights);
-        const Channel* from = ImageRow<F>(source, y).data() + static_cast<std::size_t>(result.x0 - source.x0) * 4;
+        const Channel* from = ImageRow<F>(source, y).data() + (std::int64_t{result.x0} - source.x0) * 4;
         Channel* to = ImageRow<F>(result, y).data();
         for (std::int64_t x = result.x0; x <= result.x1; ++x, from += 4, to += 4) {
             auto shade = static_cast<std::int32_t>(light.z);

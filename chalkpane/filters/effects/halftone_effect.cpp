@@ -178,7 +178,7 @@ void HalftoneEffect::ColourBlock(std::int32_t x, std::int32_t y, std::span<typen
             if constexpr (F::bits == 8)  // whole levels
                 channel = static_cast<typename F::Channel>(
                     m_shades[static_cast<std::size_t>(channel - thresholds[i] - lowestDifference)]);
-            else
+            else  // KEEP: at 14 bits a level keeps its fraction here, while the luma of grey mode is truncated
                 channel = static_cast<typename F::Channel>(
                     FromByteScale<F>(Screened(ToByteScale<F>(channel), thresholds[i])));
         }
@@ -187,11 +187,12 @@ void HalftoneEffect::ColourBlock(std::int32_t x, std::int32_t y, std::span<typen
 }
 
 template <typename F>
-void HalftoneEffect::Row(std::int32_t x, std::int32_t y, std::span<typename F::Channel> pixels) const {
+void HalftoneEffect::Row(std::int64_t x, std::int32_t y, std::span<typename F::Channel> pixels) const {
     for (; pixels.size() >= 4; pixels = pixels.subspan(std::min(4 * block, pixels.size()))) {
         const auto part = pixels.first(std::min(4 * block, pixels.size()));
-        m_colour ? ColourBlock<F>(x, y, part) : GreyBlock<F>(x, y, part);
-        x += static_cast<std::int32_t>(part.size() / 4);
+        m_colour ? ColourBlock<F>(static_cast<std::int32_t>(x), y, part)
+                 : GreyBlock<F>(static_cast<std::int32_t>(x), y, part);
+        x += static_cast<std::int64_t>(part.size() / 4);
     }
 }
 

@@ -62,7 +62,7 @@ private:
     void Places(std::int32_t x, std::int32_t y, std::size_t count, const Turn& turn, Block& places) const;
     void Thresholds(std::int32_t x, std::int32_t y, std::size_t count, const Turn& turn, Block& thresholds) const;
     template <typename F>
-    void Row(std::int32_t x, std::int32_t y, std::span<typename F::Channel> pixels) const;
+    void Row(std::int64_t x, std::int32_t y, std::span<typename F::Channel> pixels) const;
     template <typename F>
     void GreyBlock(std::int32_t x, std::int32_t y, std::span<typename F::Channel> pixels) const;
     template <typename F>

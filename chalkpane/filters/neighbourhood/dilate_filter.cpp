@@ -42,9 +42,10 @@ ByteTable SlopeTable(std::int64_t softness) {
 // One channel of luma between the thresholds.
 Image LumaMask(const Image& source, const Rect& work, const ByteTable& table) {
     Image mask(work, Image::maskType, 0, 0);
-    for (std::int32_t y = mask.y0; y <= mask.y1; ++y) {
-        const auto out = mask.Row8(y);
-        const auto* pixel = reinterpret_cast<const std::uint8_t*>(source.Address(mask.x0, y));
+    for (std::int64_t y = mask.y0; y <= mask.y1; ++y) {
+        const auto line = static_cast<std::int32_t>(y);
+        const auto out = mask.Row8(line);
+        const auto* pixel = reinterpret_cast<const std::uint8_t*>(source.Address(mask.x0, line));
         for (auto& level : out) {
             level =
                 table[source.IsMask() ? pixel[0] : static_cast<std::uint8_t>(LumaByte(pixel[2], pixel[1], pixel[0]))];
@@ -55,10 +56,11 @@ Image LumaMask(const Image& source, const Rect& work, const ByteTable& table) {
 }
 
 void StoreGrey(const Image& blurred, const ByteTable& table, Image& result) {
-    for (std::int32_t y = result.y0; y <= result.y1; ++y) {
-        const auto out = result.Row8(y);
-        for (std::int32_t x = result.x0; x <= result.x1; ++x) {
-            const std::uint8_t level = table[blurred.GetMaskEdge8(x, y, edgeTransparent)];
+    for (std::int64_t y = result.y0; y <= result.y1; ++y) {
+        const auto line = static_cast<std::int32_t>(y);
+        const auto out = result.Row8(line);
+        for (std::int64_t x = result.x0; x <= result.x1; ++x) {
+            const std::uint8_t level = table[blurred.GetMaskEdge8(static_cast<std::int32_t>(x), line, edgeTransparent)];
             const auto i = static_cast<std::size_t>(x - result.x0) * static_cast<std::size_t>(result.pixelBytes);
             out[i] = level;
             if (result.IsMask()) continue;

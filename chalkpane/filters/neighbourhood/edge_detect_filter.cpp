@@ -60,21 +60,23 @@ struct EdgeJob {
           slopes(static_cast<std::size_t>(std::max(MultiProcessor::Instance().ProcessorCount(), 1)),
                  std::vector<std::uint16_t>(static_cast<std::size_t>(to.Width()) * channels)) {}
 
-    [[nodiscard]] const Channel* At(std::int32_t x, std::int32_t y) const {
-        return ImageRow<F>(source, std::clamp(y, source.y0, source.y1)).data() +
-               static_cast<std::size_t>(std::clamp(x, source.x0, source.x1) - source.x0) * channels;
+    // Neighbours of a pixel at the end of the plane have places that 32 bits cannot say.
+    [[nodiscard]] const Channel* At(std::int64_t x, std::int64_t y) const {
+        const auto row = static_cast<std::int32_t>(std::clamp<std::int64_t>(y, source.y0, source.y1));
+        return ImageRow<F>(source, row).data() +
+               static_cast<std::size_t>(std::clamp<std::int64_t>(x, source.x0, source.x1) - source.x0) * channels;
     }
 
-    void RimSlopes(std::int32_t x, std::int32_t y, std::uint16_t* out) const {
+    void RimSlopes(std::int64_t x, std::int64_t y, std::uint16_t* out) const {
         for (std::size_t c = 0; c < channels; ++c) {
-            const auto at = [&](std::int32_t dx, std::int32_t dy) { return std::int32_t{At(x + dx, y + dy)[c]}; };
+            const auto at = [&](std::int64_t dx, std::int64_t dy) { return std::int32_t{At(x + dx, y + dy)[c]}; };
             out[c] = static_cast<std::uint16_t>(Slope(
                 {at(-1, 1), at(0, 1), at(1, 1), at(-1, 0), at(1, 0), at(-1, -1), at(0, -1), at(1, -1)}, Place::Rim));
         }
     }
 
     // `count` channels from x on, all of them inside.
-    void InsideSlopes(std::int32_t x, std::int32_t y, std::size_t count, std::uint16_t* __restrict out) const {
+    void InsideSlopes(std::int64_t x, std::int64_t y, std::size_t count, std::uint16_t* __restrict out) const {
         const Channel* const upper = At(x, y + 1);
         const Channel* const here = At(x, y);
         const Channel* const lower = At(x, y - 1);
@@ -88,13 +90,14 @@ struct EdgeJob {
 
     void Row(std::int32_t y, std::int32_t worker) {
         std::uint16_t* const row = slopes[static_cast<std::size_t>(worker)].data();
-        const auto place = [&](std::int32_t x) { return row + static_cast<std::size_t>(x - result.x0) * channels; };
+        const auto place = [&](std::int64_t x) { return row + static_cast<std::size_t>(x - result.x0) * channels; };
         const bool rowInside = y > source.y0 && y < source.y1;
-        const std::int32_t first = rowInside ? std::max(result.x0, source.x0 + 1) : result.x1 + 1;
-        const std::int32_t last = rowInside ? std::min(result.x1, source.x1 - 1) : result.x1;
-        for (std::int32_t x = result.x0; x < std::min(first, result.x1 + 1); ++x) RimSlopes(x, y, place(x));
+        const std::int64_t end = std::int64_t{result.x1} + 1;
+        const std::int64_t first = rowInside ? std::max<std::int64_t>(result.x0, std::int64_t{source.x0} + 1) : end;
+        const std::int64_t last = rowInside ? std::min<std::int64_t>(end, source.x1) - 1 : end - 1;
+        for (std::int64_t x = result.x0; x < std::min(first, end); ++x) RimSlopes(x, y, place(x));
         if (first <= last) InsideSlopes(first, y, static_cast<std::size_t>(last - first + 1) * channels, place(first));
-        for (std::int32_t x = std::max(last + 1, first); x <= result.x1; ++x) RimSlopes(x, y, place(x));
+        for (std::int64_t x = std::max(last + 1, first); x < end; ++x) RimSlopes(x, y, place(x));
         Store(y, row);
     }
 
@@ -104,7 +107,7 @@ struct EdgeJob {
             for (std::size_t i = 0; i < out.size(); ++i) out[i] = table[row[i]];
             return;
         }
-        std::int32_t x = result.x0;
+        std::int64_t x = result.x0;
         for (std::size_t i = 0; i < out.size(); i += 4, ++x) {
             const Channel alpha = At(x, y)[3];
             const Channel limit = limitToAlpha ? alpha : static_cast<Channel>(F::fullScale);

@@ -29,12 +29,17 @@ struct MedianJob {
           radius(pixels),
           channels(static_cast<std::size_t>(ChannelCount(from))),
           paddedRow((static_cast<std::size_t>(to.Width()) + 2 * static_cast<std::size_t>(pixels)) * channels),
-          firstRow(std::clamp(to.y0 - pixels, from.y0, from.y1)),
+          firstRow(Inside(std::int64_t{to.y0} - pixels, from.y0, from.y1)),
           windows(static_cast<std::size_t>(std::max(MultiProcessor::Instance().ProcessorCount(), 1)),
                   std::vector<const std::uint8_t*>(2 * static_cast<std::size_t>(pixels) + 1)) {
-        const std::int32_t lastRow = std::clamp(to.y1 + pixels, from.y0, from.y1);
+        const std::int64_t lastRow = Inside(std::int64_t{to.y1} + pixels, from.y0, from.y1);
         padded.resize(paddedRow * static_cast<std::size_t>(lastRow - firstRow + 1));
-        for (std::int32_t y = firstRow; y <= lastRow; ++y) PadRow(y);
+        for (std::int64_t y = firstRow; y <= lastRow; ++y) PadRow(static_cast<std::int32_t>(y));
+    }
+
+    // The place inside the source that stands for one beyond its edge.
+    static std::int32_t Inside(std::int64_t place, std::int32_t first, std::int32_t last) {
+        return static_cast<std::int32_t>(std::clamp<std::int64_t>(place, first, last));
     }
 
     [[nodiscard]] std::uint8_t* PaddedRow(std::int32_t y) {
@@ -44,8 +49,9 @@ struct MedianJob {
     void PadRow(std::int32_t y) {
         std::uint8_t* to = PaddedRow(y);
         const auto row = source.Row8(y);
-        for (std::int32_t x = result.x0 - radius; x <= result.x1 + radius; ++x, to += channels) {
-            const auto column = static_cast<std::size_t>(std::clamp(x, source.x0, source.x1) - source.x0);
+        const std::int64_t end = std::int64_t{result.x1} + radius + 1;
+        for (std::int64_t x = std::int64_t{result.x0} - radius; x < end; ++x, to += channels) {
+            const auto column = static_cast<std::size_t>(Inside(x, source.x0, source.x1) - source.x0);
             std::memcpy(to, row.data() + column * channels, channels);
         }
     }
@@ -53,7 +59,8 @@ struct MedianJob {
     void Row(std::int32_t y, std::int32_t worker) {
         auto& window = windows[static_cast<std::size_t>(worker)];
         for (std::size_t i = 0; i < window.size(); ++i)
-            window[i] = PaddedRow(std::clamp(y - radius + static_cast<std::int32_t>(i), source.y0, source.y1));
+            window[i] =
+                PaddedRow(Inside(std::int64_t{y} - radius + static_cast<std::int64_t>(i), source.y0, source.y1));
         MedianRow(window, static_cast<std::int32_t>(channels), radius, result.Row8(y));
     }
 };

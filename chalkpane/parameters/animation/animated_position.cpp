@@ -184,6 +184,7 @@ void AnimatedPosition3d::addKeyWithHandles(std::int32_t frame, const SmoothPathP
 
 bool AnimatedPosition3d::readKeyValue(TextScanner& scanner, double time, double inHandle, double outHandle) {
     if (!AnimatedPath::readKeyValue(scanner, time, inHandle, outHandle)) return false;
+    // KEEP: a first key that is read smooth stays so while it is alone, since others are to follow it.
     const std::int32_t last = keyCount() - 1;
     for (std::int32_t i = last - 1; last > 0 && i <= last; ++i)
         if (storedAt(i).smooth) smoothHandles(i);

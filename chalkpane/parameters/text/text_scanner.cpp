@@ -69,7 +69,7 @@ void TextScanner::skipBlanks() {
 }
 
 bool TextScanner::nextToken() {
-    if (pending || malformed) return pending;  // behind a malformed token nothing can be trusted
+    if (pending || malformed) return pending;  // KEEP: behind a malformed token nothing is read
     skipBlanks();
     if (current == endOfInput) return false;
     pending = readToken();

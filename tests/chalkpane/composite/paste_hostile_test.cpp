@@ -64,6 +64,26 @@ TEST_CASE("any rectangle is survived") {
     }
 }
 
+TEST_CASE("pictures at the ends of the plane are pasted") {
+    for (const Rect& bounds : {Rect(highest - 12, highest - 5, highest, highest),
+                               Rect(lowest, lowest, lowest + 12, lowest + 5), Rect(highest, lowest, highest, lowest)}) {
+        for (const std::int32_t depth : {0, 1}) {
+            const auto placed = [&](std::int32_t type, unsigned seed) {
+                Image image = NoiseImage({0, 0, bounds.Width() - 1, bounds.Height() - 1}, type, depth, seed);
+                image.MoveTo(bounds.x0, bounds.y0);
+                return image;
+            };
+            const Image source = placed(1, 1);
+            const Image mask = placed(2, 2);
+            for (const std::int32_t type : {1, 2}) {
+                Image target = placed(type, 3);
+                PasteAll(source, &mask, target, bounds, &mask);
+                PasteAll(source, nullptr, target, {lowest, lowest, highest, highest}, nullptr);
+            }
+        }
+    }
+}
+
 TEST_CASE("a rectangle without end is cut to the images") {
     const Image source = FlatImage({-4, -4, 9, 9}, 1, 0, {255, 255, 255, 255});
     const Image mask = FlatImage({2, 2, 5, 30}, 2, 0, {255});

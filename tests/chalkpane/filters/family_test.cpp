@@ -44,6 +44,14 @@ std::unique_ptr<Image> Run(Filter& filter, const Image& source, const Rect* regi
     return Applied(filter, source, region, expand);
 }
 
+// The picture of random channels, of bounds that may end where the plane does.
+Image EndPicture(const Rect& bounds, std::int32_t type, std::int32_t depth) {
+    Image picture = NoisePicture({0, 0, bounds.Width() - 1, bounds.Height() - 1}, type, depth,
+                                 type == Image::colourType ? 1 : 0, 31);
+    picture.MoveTo(bounds.x0, bounds.y0);
+    return picture;
+}
+
 // One pixel, a column, a row, a small picture and none at all, in every format.
 const std::vector<Image>& OddPictures() {
     static const std::vector<Image> pictures = [] {
@@ -114,6 +122,34 @@ TEST_CASE("Every filter survives odd pictures, regions and every setting at its 
         }
     }
     MultiProcessor::Restart(0);
+}
+
+// Loops that count up to the last row or column in the plane's own 32 bits never end there.
+TEST_CASE("Every filter works at the ends of the plane") {
+    constexpr std::int32_t last = std::numeric_limits<std::int32_t>::max();
+    constexpr std::int32_t first = std::numeric_limits<std::int32_t>::min();
+    const double one = 1.0;
+    const double three = 3.0;
+    for (const Filter* prototype : FilterRegistry::Instance().Filters()) {
+        CAPTURE(prototype->Name());
+        for (const double* setting : {static_cast<const double*>(nullptr), &one, &three}) {
+            CAPTURE(setting == nullptr ? 0.0 : *setting);
+            const auto filter = prototype->CreateNew();
+            SetAll(*filter, false, setting);
+            for (const Rect& bounds : {Rect(last - 9, last - 7, last, last), Rect(first, first, first + 9, first + 7),
+                                       Rect(last, first, last, first + 3), Rect(first, last, first + 30, last)}) {
+                for (const std::int32_t type : {Image::colourType, Image::maskType}) {
+                    for (const std::int32_t depth : {0, 1}) {
+                        const Image source = EndPicture(bounds, type, depth);
+                        const Rect corner(bounds.x1, bounds.y1, bounds.x1, bounds.y1);
+                        for (const Rect* region : {static_cast<const Rect*>(nullptr), &corner})
+                            for (const bool expand : {false, true})
+                                CHECK((Run(*filter, source, region, expand) || prototype->Label() == "Smart Blur"));
+                    }
+                }
+            }
+        }
+    }
 }
 
 TEST_CASE("One worker and many give the same bytes for every filter at both depths") {

@@ -146,6 +146,26 @@ TEST_CASE("A blended level lies between the picture and its half") {
     CHECK_EQ(at(2, 2), 0);
 }
 
+// 2 x 2 with 3 at (0, 0), blend 0.5. H, sampled at (0.5, 0.5): 3 / 4 = 0.75, rounded 1. (0, 0): (1 - 3) * 128 + 3 * 256
+// = 512, >> 8 = 2. The others have no full block: 0 + (1 - 0) * 0.5 = 0.5, which 8 bits truncate to 0 and 14 bits round
+// to
+// 1. There H is the pixel itself, 3, so (0, 0) is 3, and the others are 0 + 3 * 0.5 + 0.5 = 2.
+TEST_CASE("At 8 bits the last row and column of a blended level truncate") {
+    Image image(2, 2, mask, 0, 0);
+    image.SetAlpha8(0, 0, 3);
+    const auto blended = HalveImage(image, 0.5);
+    CHECK_EQ(blended->GetMaskEdge8(0, 0, 0), 2);
+    CHECK_EQ(blended->GetMaskEdge8(1, 0, 0), 0);
+    CHECK_EQ(blended->GetMaskEdge8(0, 1, 0), 0);
+    CHECK_EQ(blended->GetMaskEdge8(1, 1, 0), 0);
+    Image deep(2, 2, mask, 1, 0);
+    deep.Row14(0)[0] = 3;
+    const auto rounded = HalveImage(deep, 0.5);
+    CHECK_EQ(rounded->GetMaskEdge14(0, 0, 0), 3);
+    CHECK_EQ(rounded->GetMaskEdge14(1, 0, 0), 2);
+    CHECK_EQ(rounded->GetMaskEdge14(1, 1, 0), 2);
+}
+
 TEST_CASE("A flat picture of even size stays flat in a blended level, up to the last row and column") {
     for (const Kind& kind : kinds)
         for (const double blend : {0.1, 0.5, 0.9}) {

@@ -350,6 +350,8 @@ TEST_CASE("Premultiplying shifts, and leaves what is opaque") {
 }
 
 // 8 bits: 60 * 652 >> 8 = 152. 14 bits: 7 * 16383 / 14 = 8191.5, but the factor is the 32-bit float below: 8191.
+// 14 bits: 7 * (16383 / 14) = 7 * 1170.2142857... = 8191.5, rounded 8192. (The factor in 32 bits is 1170.2142333984375,
+// by which 7 becomes 8191.4996.) 15 * 1170.2 is beyond full scale. 4000 * (16383 / 8191) = 8000.49, rounded 8000.
 TEST_CASE("Unpremultiplying leaves what has no alpha and what is opaque") {
     Image image(4, 1, colour, 0, 0);
     SetPixel8(image, 0, 0, {60, 200, 0, 100});
@@ -366,7 +368,7 @@ TEST_CASE("Unpremultiplying leaves what has no alpha and what is opaque") {
     SetPixel14(deep, 1, 0, {7, 15, 0, 0});
     SetPixel14(deep, 2, 0, {4000, 12000, 0, 8191});
     deep.Unpremultiply(deep);
-    CHECK(deep.GetPixel14(0, 0) == Pixel14{8191, 16383, 0, 14});
+    CHECK(deep.GetPixel14(0, 0) == Pixel14{8192, 16383, 0, 14});
     CHECK(deep.GetPixel14(1, 0) == Pixel14{7, 15, 0, 0});
     CHECK(deep.GetPixel14(2, 0) == Pixel14{8000, 16383, 0, 8191});
 }

@@ -32,6 +32,7 @@ TEST_CASE("Directories are normalised, with or without a leading pair of separat
 TEST_CASE("A name below the base begins with a dot") {
     CHECK_EQ(Relative("C:\\work\\show\\art\\a.png", "C:\\work\\show\\"), ".\\art\\a.png");
     CHECK_EQ(Relative("C:\\WORK\\Show\\a.png", "C:\\work\\show\\"), ".\\a.png");
+    CHECK_EQ(Relative("c:\\shows\\news\\today\\sub\\b.tga", "C:\\shows\\news\\today\\"), ".\\sub\\b.tga");
 }
 
 TEST_CASE("A name beside the base climbs once per directory that is left of the base") {

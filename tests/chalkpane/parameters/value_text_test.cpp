@@ -96,6 +96,9 @@ TEST_CASE("The text of a graph has a line per point and per handle, with margins
     GraphValue value(undeclared);
     value.setGraph(ShapePointList());
     CHECK_EQ(Text(value), "| true\nPoint  true   0.000000   0.000000;\nPoint  true   1.000000   1.000000;\n|");
+    GraphValue empty(undeclared);
+    CHECK(Read(empty, "true"));
+    CHECK_EQ(Text(empty), "| true|");  // no points, no line
     value.list()[1].setInHandle(0.5, 1.0);
     CHECK_EQ(Text(value),
              "| true\nPoint  true   0.000000   0.000000;\nPoint  true   1.000000   1.000000;\n"

@@ -271,6 +271,18 @@ TEST_CASE("Colour jitter draws once a run, and rests after a draw of nothing") {
     CHECK_FALSE(SamePixels(*Applied(*filter.Clone(), source), source));  // a copy starts afresh
 }
 
+// The generator's first states after 1: 1 * 214013 + 2531011 = 2745024, >> 16 = 41; 2745024 * 214013 + 2531011 wraps to
+// 3357800067, of which bits 16 .. 30 are 18467.
+TEST_CASE("Colour jitter draws even where its region misses the picture") {
+    const Image source = NoisePicture({0, 0, 3, 3}, Image::colourType, 0, 0, 8);
+    const Rect missed(9, 9, 9, 9);
+    SeedRandom(1);
+    ColourJitterFilter filter;
+    const auto blank = Applied(filter, source, &missed);
+    CHECK(blank->Bounds() == source.Bounds());
+    CHECK_EQ(Random(), 18467);
+}
+
 // 4 levels: 8 bits ((4 * i) >> 8) * 255 / 3: 63 -> 0, 64 -> 85, 128 -> 170, 255 -> 3 * 85 = 255.
 TEST_CASE("Posterizing leaves a few levels") {
     PosterizeEffect filter;
@@ -286,6 +298,21 @@ TEST_CASE("Solarizing turns black to white and the threshold to black") {
     CHECK_EQ(Run8(filter, {255, 0, 0, 9}).blue, 255);
     SetNumber(filter, "Amount", 0);  // T = 0, up infinite, down = 1: 0 * infinity is no number
     CHECK(Run8(filter, {0, 1, 255, 9}) == Pixel8{0, 1, 255, 9});
+}
+
+// Amount 100 at 14 bits: T = 1638300, up = 1 / 100. (1638300 - 16383) / 100 = 16219.17; (1638300 - 0) / 100 = 16383.
+// At 8 bits T = 25500: (25500 - 55) / 100 = 254.45, (25500 - 0) / 100 = 255. Amount -100 at 8 bits: T = -25500 and down
+// = 1 / 101: (55 + 25500) / 101 = 253.02. Amount 1e9 at 8 bits: T would be 2.55e11 and is the largest number of 32
+// bits, 2147483647; up = 1e-9: 2.147 for all.
+TEST_CASE("Solarizing with a threshold far off the scale keeps to its formula") {
+    SolarizeEffect filter;
+    SetNumber(filter, "Amount", 100);
+    CHECK(Run14(filter, {16383, 0, 0, 9}) == Pixel14{16219, 16383, 16383, 9});
+    CHECK(Run8(filter, {55, 0, 0, 9}) == Pixel8{254, 255, 255, 9});
+    SetNumber(filter, "Amount", -100);
+    CHECK_EQ(Run8(filter, {55, 0, 0, 9}).blue, 253);
+    SetNumber(filter, "Amount", 1e9);
+    CHECK(Run8(filter, {255, 1, 0, 9}) == Pixel8{2, 2, 2, 9});
 }
 
 // Full main tint with red alone: Lt = (77 * 16383) >> 8 = 4927. Luma of (90, 90, 90) is 90: 90 * 16383 / 4927 + 0.5 =
