@@ -30,11 +30,14 @@ const std::string empty(30, '.');
 
 }  // namespace
 
-TEST_CASE("A progress line shows its first step and its last, and wipes itself") {
+TEST_CASE("A progress line shows its first step and its last, and wipes itself" *
+          doctest::skip(!testing::TerminalIsPossible())) {
     CHECK_EQ(Shown(4, {0, 4}), "\r[" + empty + "] field 0 of 4\r[" + full + "] field 4 of 4\r\033[K");
     CHECK_EQ(Shown(2, {1}), "\r[###############...............] field 1 of 2\r\033[K");
 }
 
-TEST_CASE("Of nothing, all is done") { CHECK_EQ(Shown(0, {0}), "\r[" + full + "] field 0 of 0\r\033[K"); }
+TEST_CASE("Of nothing, all is done" * doctest::skip(!testing::TerminalIsPossible())) {
+    CHECK_EQ(Shown(0, {0}), "\r[" + full + "] field 0 of 0\r\033[K");
+}
 
 }  // namespace cli

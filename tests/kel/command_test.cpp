@@ -122,7 +122,8 @@ TEST_CASE("kel play replaces what stood there only when all went well") {
     CHECK_EQ(cli::testing::ReadText(bad.Path("out.png")), "old");
 }
 
-TEST_CASE("kel play counts fields on a terminal and is silent elsewhere") {
+TEST_CASE("kel play counts fields on a terminal and is silent elsewhere" *
+          doctest::skip(!cli::testing::TerminalIsPossible())) {
     const KelFolder folder;
     const std::string shown = cli::testing::RunOnTerminal(folder, KEL_PROGRAM, "play s.json --out out.png");
     CAPTURE(shown);

@@ -181,7 +181,8 @@ TEST_CASE("An output that fails leaves what stood there") {
     CHECK(folder.Open("out.png") == before);
 }
 
-TEST_CASE("chalkpane filter shows its progress on a terminal, and wipes it") {
+TEST_CASE("chalkpane filter shows its progress on a terminal, and wipes it" *
+          doctest::skip(!cli::testing::TerminalIsPossible())) {
     const WorkingFolder folder;
     const std::string shown =
         cli::testing::RunOnTerminal(folder, CHALKPANE_PROGRAM, "filter bytes.png out.png" + invert + invert);

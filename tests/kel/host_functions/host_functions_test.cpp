@@ -3,6 +3,7 @@
 #include <array>
 
 #include "module/abi/host_api.h"
+#include "tests/kel/misused_host.h"
 #include "tests/kel/probe.h"
 
 namespace kel {
@@ -100,7 +101,7 @@ TEST_CASE("What cannot be unprojected answers 0") {
 }
 
 TEST_CASE("Scene and camera are found by their names alone") {
-    testing::ProbedHost probed;
+    testing::MisusedHost probed;
     std::int32_t camera = 0;
     std::int32_t other = 0;
     bool valid = false;

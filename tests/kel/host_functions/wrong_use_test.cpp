@@ -6,7 +6,7 @@
 #include <thread>
 
 #include "module/abi/host_api.h"
-#include "tests/kel/probe.h"
+#include "tests/kel/misused_host.h"
 
 namespace kel {
 namespace {
@@ -17,13 +17,13 @@ constexpr std::array<std::uint8_t, 64> pixels{};
 
 // The reports after a field with this in the field callback, or in the pre render.
 std::vector<std::string> ReportsOf(const std::function<void()>& call) {
-    testing::ProbedHost probed;
+    testing::MisusedHost probed;
     probed.InField(call);
     return probed.host->WrongUses();
 }
 
 std::vector<std::string> ReportsInRender(const std::function<void()>& call) {
-    testing::ProbedHost probed;
+    testing::MisusedHost probed;
     probed.InRender(call);
     return probed.host->WrongUses();
 }
@@ -63,21 +63,21 @@ TEST_CASE("Asking whether an unknown id is valid is no wrong use") {
 }
 
 TEST_CASE("An id of another kind is as good as none") {
-    testing::ProbedHost probed;
+    testing::MisusedHost probed;
     const std::string id = std::to_string(probed.container);
     probed.InField([&] { _api__rebuild_texture(probed.container); });
     CheckOne(probed.host->WrongUses(), "_api__rebuild_texture: there is no image " + id);
 }
 
 TEST_CASE("A registration outside PLUGIN_INIT_EX registers nothing") {
-    testing::ProbedHost probed;
+    testing::MisusedHost probed;
     probed.InField([] { qoRegisterParameterBool("Late", "Late", 1); });
     CheckOne(probed.host->WrongUses(), "qoRegisterParameterBool: called outside PLUGIN_INIT_EX");
     CHECK_EQ(probed.host->LoadModule(PROBE_MODULE).registration.FindParameter("Late"), nullptr);
 }
 
 TEST_CASE("A registration outside any callback is survived") {
-    testing::ProbedHost probed;
+    testing::MisusedHost probed;
     qoRegisterTotalSize(12);
     CHECK_EQ(probed.host->WrongUses().size(), 1);
 }
@@ -90,6 +90,7 @@ TEST_CASE("A scene function in PLUGIN_INIT_EX is refused") {
         image = _api__create_image(-1, 4, 4, rgba);
     };
     testing::UseHooks(&hooks);
+    const testing::UnheardReports unheard;
     Host host({8, 8});
     host.LoadModule(PROBE_MODULE);
     CHECK_EQ(image, noObject);
@@ -171,7 +172,7 @@ TEST_CASE("An image of an impossible size or format has a negative id") {
 }
 
 TEST_CASE("A texture unit that does not exist is reported") {
-    testing::ProbedHost probed;
+    testing::MisusedHost probed;
     probed.InField([&] { _api__container_delete_multi_texture(probed.container, 4); });
     CheckOne(probed.host->WrongUses(), "_api__container_delete_multi_texture: there is no texture unit 4");
 }
@@ -186,7 +187,7 @@ TEST_CASE("A texture unit that does not exist is not made active") {
 }
 
 TEST_CASE("A texture without an image, and a container given a texture that is none, are reported") {
-    testing::ProbedHost probed;
+    testing::MisusedHost probed;
     std::int32_t texture = 5;
     probed.InField([&] {
         _api__texture_create_texture(&texture, 99);
@@ -209,7 +210,7 @@ TEST_CASE("A texture setting that does not exist is reported") {
 }
 
 TEST_CASE("What OpenGL refuses in a render is reported, and the render goes on") {
-    testing::ProbedHost probed(8);
+    testing::MisusedHost probed(8);
     probed.InRender([] { kelGL_glEnable(0xFFFFFFFF); });
     CheckOne(probed.host->WrongUses(), "OpenGL refused what was asked for in a render callback");
     CHECK(probed.host->ReadFrame().At(4, 4) == std::array<std::uint8_t, 4>{255, 255, 255, 255});
@@ -227,7 +228,7 @@ TEST_CASE("Results without a place to put them are reported") {
 }
 
 TEST_CASE("A call on another thread, or without a host, is refused and survived") {
-    testing::ProbedHost probed;
+    testing::MisusedHost probed;
     std::int32_t answer = 5;
     probed.InField([&] { std::thread([&] { answer = _api__scene_redraw(); }).join(); });
     CHECK_EQ(answer, 0);
@@ -238,7 +239,7 @@ TEST_CASE("A call on another thread, or without a host, is refused and survived"
 }
 
 TEST_CASE("A texture deleted while a container shows it is shown no more") {
-    testing::ProbedHost probed(8);
+    testing::MisusedHost probed(8);
     std::int32_t texture = noObject;
     probed.InField([&] {
         const std::int32_t image = _api__create_image(-1, 4, 4, rgba);

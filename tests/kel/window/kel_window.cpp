@@ -3,6 +3,7 @@
 #include <doctest/doctest.h>
 #include <fcntl.h>
 #include <signal.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -37,6 +38,7 @@ void KelWindow::Start(const std::vector<std::string>& arguments) {
     const std::string complaints = (folder / "stderr").string();
     m_program = fork();
     if (m_program != 0) return;
+    prctl(PR_SET_PDEATHSIG, SIGKILL);  // however the test ends, nothing of it runs on
     setenv("DISPLAY", display.Name().c_str(), 1);
     setenv("SDL_VIDEODRIVER", "x11", 1);
     // The desktop's libraries unload their drivers before the end, which leaves leaks without a name to know them by;
@@ -58,7 +60,7 @@ void KelWindow::Signal(int number) const { kill(m_program, number); }
 
 int KelWindow::WaitForEnd() {
     int status = 0;
-    waitpid(m_program, &status, 0);
+    WaitUntil("the program ends", [&] { return waitpid(m_program, &status, WNOHANG) != 0; });
     m_program = -1;
     return CodeOf(status);
 }
