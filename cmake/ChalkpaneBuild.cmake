@@ -38,11 +38,15 @@ function(chalkpane_build_soon target)
   target_compile_options(${target} PRIVATE $<$<CONFIG:Release>:-O1>)
 endfunction()
 
+# The test programs that `./test quick` runs, and all programs that the guides use, as `./run` builds them.
+add_custom_target(quick_tests)
+add_custom_target(programs)
+
 # One test program per subsystem: every source of the folder, or of those named below it and its own, run by CTest under
-# the name.
-#   chalkpane_test(image LIBRARIES chalkpane_engine [FOLDERS those] [SOURCES more.cpp] [ARGUMENTS for the program])
+# the name. `./test quick` runs it too, unless it is SLOW: takes more than some ten seconds, or needs much else built.
+#   chalkpane_test(image LIBRARIES chalkpane_engine [FOLDERS those] [SOURCES more.cpp] [ARGUMENTS for the program] [SLOW])
 function(chalkpane_test name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LIBRARIES;FOLDERS;SOURCES;ARGUMENTS")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "SLOW" "" "LIBRARIES;FOLDERS;SOURCES;ARGUMENTS")
   if(arg_FOLDERS)
     list(TRANSFORM arg_FOLDERS PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
     list(TRANSFORM arg_FOLDERS APPEND /*.cpp)
@@ -62,4 +66,8 @@ function(chalkpane_test name)
   endif()
   add_test(NAME ${name} COMMAND ${name}_test ${arg_ARGUMENTS})
   set_tests_properties(${name} PROPERTIES TIMEOUT 1500)
+  if(NOT arg_SLOW)
+    set_tests_properties(${name} PROPERTIES LABELS quick)
+    add_dependencies(quick_tests ${name}_test)
+  endif()
 endfunction()

@@ -1,4 +1,5 @@
 // Draws the picture that the filters are shown on, and writes it as a PNG:  make_still OUT.png
+// Four times as large, `make_still OUT.png 4`, it is the photo of photo.json.
 //
 // A house by a lake in the evening, with a striped ball and a cat whom the flash gave red eyes: smooth slopes, hard
 // edges, fine detail and a colour of every kind. 240 x 160 pixels; all numbers are in these, y downwards.
