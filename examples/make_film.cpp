@@ -2,7 +2,7 @@
 //
 // Four seconds, 25 frames each, of 640 by 360: discs in two colours run over a pitch, and a ball among them. The
 // squares in the top left corner count: eight of them, white for one and black for nought, the highest first, say the
-// number of the frame also after a lossy codec, so that whoever shows the film can be held to the frame.
+// number of the frame also after a lossy codec, so that whoever shows the film can be checked to the frame.
 
 #include <array>
 #include <cmath>

@@ -1,6 +1,6 @@
 // Draws the two pictures of examples/test-card.json and writes them as PNG:  make_test_card CARD.png FRONT.png
 //
-// The card holds what a laid-over stroke can be wrong on: bars of full colours, ramps from black to white and between
+// The card holds what a composited stroke can be wrong on: bars of full colours, ramps from black to white and between
 // colours, plain black and plain white. The front is a disc with a soft edge that hides a part of the strokes behind
 // it.
 
