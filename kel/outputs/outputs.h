@@ -1,19 +1,19 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
-#include <variant>
 #include <vector>
 
+#include "kel/outputs/field_views.h"
+#include "kel/outputs/output_sink.h"
 #include "kel/scene/host.h"
-#include "kel/video/video_writer.h"
 #include "picture_io/output_files.h"
 
 namespace kel {
 
-// What is to be written of a show, each by its path; empty: not wanted. A path's ending says how: a film of all fields
-// (.mov, .mkv, .mp4, .webm), a picture of each field (f%05d.png), or one picture of the last field (.png, .jpg, .jpeg).
-// docs/output.md tells all.
+// What is to be written of a show, each by its path; empty: not wanted. A path's ending says how (OutputFormats): a
+// video of all fields, a picture of each field (f%05d.png), or one picture of the last field. docs/output.md tells all.
 struct OutputOptions {
     std::string out;      // the rendered picture
     std::string frames;   // the same once more; numbered pictures only
@@ -28,9 +28,9 @@ struct OutputOptions {
 // Writes them, field by field. All files appear together at the end or not at all.
 class Outputs {
 public:
-    // Checks all names and begins the films, so that nothing is played in vain.
+    // Checks all names and opens the sinks, so that nothing is played in vain.
     //   fields  how many there will be; 0: not known
-    // The window keeps its size as long as a film is written. Throws Error, here and in every call.
+    // The window keeps its size as long as a video is written. Throws Error, here and in every call.
     Outputs(const OutputOptions& options, WindowSize window, double fieldsPerSecond, std::int64_t fields);
 
     // A picture that the caller makes itself. Announced before the first field, staged when it is there.
@@ -46,26 +46,14 @@ public:
     void Finish(Host& host, ObjectId drawn);
 
 private:
-    enum class View { Rendered, Canvas, Overlay, Fill, Key };
-    using LastPicture = std::string;  // its path
-    struct Output {
-        View view;
-        std::variant<LastPicture, picture_io::NumberedName, VideoWriter> way;
-    };
-    class FieldViews;
+    void Add(std::unique_ptr<OutputSink> sink);
+    void Give(OutputSink& sink, std::int64_t number, Host& host, ObjectId drawn);
 
-    void Add(View view, const std::string& path);
-    void AddVideo(View view, const std::string& path);
-    void AddNumbered(View view, const std::string& path);
-    static bool HasAlpha(View view) { return view == View::Overlay || view == View::Canvas; }
-
-    WindowSize m_window;
-    double m_fieldsPerSecond;
-    AlphaForm m_alpha;
-    std::int64_t m_announcedFields;
+    SinkSettings m_settings;
+    FieldViews m_views;
     std::int64_t m_field = 0;
     picture_io::OutputFiles m_files;
-    std::vector<Output> m_outputs;
+    std::vector<std::unique_ptr<OutputSink>> m_sinks;
 };
 
 }  // namespace kel

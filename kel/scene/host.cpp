@@ -255,6 +255,7 @@ void Host::DeliverOperator() {
 
 void Host::Render() {
     m_state->redraw = false;
+    ++m_state->pictureNumber;
     RenderScene(*m_state, *m_state->frame, Look::AsItIs);
 }
 
@@ -290,6 +291,8 @@ bool Host::IsParameterShown(ObjectId container, std::string_view name) const {
     const Instance& instance = FindInstance(*m_state, container);
     return instance.IsShown(FindParameter(instance, name));
 }
+
+std::uint64_t Host::PictureNumber() const { return m_state->pictureNumber; }
 
 picture_io::Picture Host::ReadFrame() const { return m_state->frame->Read(); }
 

@@ -98,6 +98,9 @@ public:
     // by quickly. On, as at the start: asks for a redraw, so that the next field's picture is whole.
     void SetDrawing(bool on);
 
+    // Of the picture last rendered. As long as it stays the same, so does that picture, to the last pixel, and with it
+    // what ReadOverlay answers.
+    [[nodiscard]] std::uint64_t PictureNumber() const;
     // The picture last rendered; opaque.
     [[nodiscard]] picture_io::Picture ReadFrame() const;
     // Lays that picture over `area` of the framebuffer `target`, 0 being the current context's window, smoothly scaled

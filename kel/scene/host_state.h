@@ -72,6 +72,7 @@ struct HostState {
     std::deque<QueuedPointer> pointerQueue;
     std::deque<std::variant<QueuedSetting, QueuedAction, QueuedKey>> operatorQueue;
     bool redraw = true;
+    std::uint64_t pictureNumber = 0;  // of what was last rendered
     bool drawing = true;
 
     Callback callback = Callback::None;

@@ -4,9 +4,12 @@
 #include <cmath>
 #include <new>
 #include <string>
+#include <vector>
 
 #include "cli/error.h"
+#include "cli/word_list.h"
 #include "kel/video/colour_matrix.h"
+#include "kel/video/video_format.h"
 
 namespace kel {
 namespace {
@@ -15,16 +18,25 @@ namespace {
     throw cli::Error(file.string(), {}, reason);
 }
 
-const VideoFormat* FormatFor(const std::filesystem::path& file, const VideoSettings& settings) {
+// Of all formats, or of those that keep alpha: ".mov, .mkv, .mp4 or .webm".
+std::string VideoEndings(bool withAlpha, const char* beforeLast) {
+    std::vector<std::string> endings;
+    for (const VideoFormat& format : VideoFormats())
+        if (format.hasAlpha || !withAlpha) endings.emplace_back(format.ending);
+    return cli::WordList(endings, beforeLast);
+}
+
+const VideoFormat& FormatFor(const std::filesystem::path& file, const VideoSettings& settings) {
     const VideoFormat* format = FormatOfVideo(file);
-    if (format == nullptr) Refuse(file, "films end in .mov, .mkv, .mp4 or .webm");
-    if (settings.alpha && format->withAlpha == AV_PIX_FMT_NONE)
-        Refuse(file, std::string(format->ending) + " films have no alpha; .mov and .mkv have");
-    if (std::min(settings.width, settings.height) < format->smallestSide)
-        Refuse(file, std::string(format->ending) + " films have sides of at least " +
-                         std::to_string(format->smallestSide) + " pixels");
+    if (format == nullptr) Refuse(file, "films end in " + VideoEndings(false, "or"));
+    if (settings.alpha && !format->hasAlpha)
+        Refuse(file, std::string(format->ending) + " films have no alpha; " + VideoEndings(true, "and") + " have");
+    const int smallestSide = format->codec->smallestSide;
+    if (std::min(settings.width, settings.height) < smallestSide)
+        Refuse(file, std::string(format->ending) + " films have sides of at least " + std::to_string(smallestSide) +
+                         " pixels");
     if (!(settings.framesPerSecond > 0)) Refuse(file, "a film needs a rate of frames above 0");
-    return format;
+    return *format;
 }
 
 // 29.97 and its like stand for a thousandth less than a whole number.
@@ -57,30 +69,30 @@ void VideoEncoder::CloseOutput::operator()(AVFormatContext* output) const {
 
 VideoEncoder::VideoEncoder(const std::filesystem::path& file, const VideoSettings& settings)
     : m_file(file),
-      m_format(FormatFor(file, settings)),
+      m_codecSettings(*FormatFor(file, settings).codec),
       m_settings(settings),
       m_frame(NewFrame()),
       m_packet(NewPacket()) {
     SilenceAv();
     AVFormatContext* output = nullptr;
-    Check(avformat_alloc_output_context2(&output, nullptr, m_format->container, nullptr));
+    Check(avformat_alloc_output_context2(&output, nullptr, m_codecSettings.container, nullptr));
     m_output.reset(output);
     OpenCodec(settings);
     OpenFile();
 }
 
 void VideoEncoder::OpenCodec(const VideoSettings& settings) {
-    const AVCodec* codec = avcodec_find_encoder_by_name(m_format->codec);
+    const AVCodec* codec = avcodec_find_encoder_by_name(m_codecSettings.encoder);
     if (codec == nullptr)
-        Refuse(m_file.File(), "cannot be written: there is no encoder " + std::string(m_format->codec));
+        Refuse(m_file.File(), "cannot be written: there is no encoder " + std::string(m_codecSettings.encoder));
     m_codec.reset(avcodec_alloc_context3(codec));
     if (!m_codec) throw std::bad_alloc();
-    m_codec->pix_fmt = settings.alpha ? m_format->withAlpha : m_format->opaque;
+    m_codec->pix_fmt = settings.alpha ? m_codecSettings.withAlpha : m_codecSettings.opaque;
     m_codec->width = SideFor(m_codec->pix_fmt, settings.width);
     m_codec->height = SideFor(m_codec->pix_fmt, settings.height);
     m_codec->framerate = RateOf(settings.framesPerSecond);
     m_codec->time_base = av_inv_q(m_codec->framerate);
-    m_codec->gop_size = m_format->keyEvery;
+    m_codec->gop_size = m_codecSettings.keyEvery;
     if (codec->id == AV_CODEC_ID_FFV1) m_codec->slices = SlicesFor(m_codec->width, m_codec->height);
     m_codec->flags |= AV_CODEC_FLAG_BITEXACT;
     if (m_codec->pix_fmt == AV_PIX_FMT_YUV420P) {
@@ -91,7 +103,7 @@ void VideoEncoder::OpenCodec(const VideoSettings& settings) {
         m_codec->color_range = AVCOL_RANGE_MPEG;
     }
     if ((m_output->oformat->flags & AVFMT_GLOBALHEADER) != 0) m_codec->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
-    for (const CodecOption& option : m_format->options)
+    for (const CodecOption& option : m_codecSettings.options)
         if (option.name != nullptr) Check(av_opt_set(m_codec.get(), option.name, option.value, AV_OPT_SEARCH_CHILDREN));
     Check(avcodec_open2(m_codec.get(), codec, nullptr));
     m_frame->format = m_codec->pix_fmt;

@@ -6,7 +6,7 @@
 #include "cli/staged_file.h"
 #include "kel/video/av_objects.h"
 #include "kel/video/picture_packer.h"
-#include "kel/video/video_format.h"
+#include "kel/video/video_codec.h"
 #include "kel/video/video_writer.h"
 
 namespace kel {
@@ -34,7 +34,7 @@ private:
     void Check(int result) const;
 
     cli::StagedFile m_file;
-    const VideoFormat* m_format;  // of the table; never null
+    const VideoCodec& m_codecSettings;  // of the table
     VideoSettings m_settings;
     std::unique_ptr<AVFormatContext, CloseOutput> m_output;
     AvCodec m_codec;

@@ -1,30 +1,26 @@
 #pragma once
 
-#include <array>
 #include <filesystem>
-
-#include "kel/video/av_objects.h"
+#include <span>
 
 namespace kel {
 
-struct CodecOption {
-    const char* name = nullptr;
-    const char* value = nullptr;
-};
+struct VideoCodec;  // kel/video/video_codec.h
 
-// One way to write a film, chosen by the ending of its name.
+// One way to write a video, chosen by the ending of its name. VideoFormats is the only list of them: messages, help
+// texts and checks are made from it.
 struct VideoFormat {
-    const char* ending;
-    const char* container;
-    const char* codec;
-    AVPixelFormat opaque;
-    AVPixelFormat withAlpha;  // AV_PIX_FMT_NONE: alpha cannot be kept
-    int keyEvery;             // frames
-    int smallestSide;         // pixels; the codec gives smaller pictures back wrong
-    std::array<CodecOption, 4> options;
+    const char* ending;  // in lower case, such as ".mov"
+    const char* name;    // of the codec, as people call it
+    bool isExact;        // every pixel comes back as it was
+    bool hasAlpha;       // alpha can be kept
+    bool isLive;         // one processor core writes 1280 x 720 pixels 50 times a second
+    const VideoCodec* codec;
 };
 
-// Null: no film ends like that.
+[[nodiscard]] std::span<const VideoFormat> VideoFormats();
+
+// Null: no video ends like that.
 [[nodiscard]] const VideoFormat* FormatOfVideo(const std::filesystem::path& file);
 
 }  // namespace kel

@@ -4,10 +4,6 @@
 
 namespace kel {
 
-bool IsVideoName(const std::filesystem::path& file) { return FormatOfVideo(file) != nullptr; }
-
-bool KeepsAlpha(const std::filesystem::path& film) { return FormatOfVideo(film)->withAlpha != AV_PIX_FMT_NONE; }
-
 VideoWriter::VideoWriter(const std::filesystem::path& file, const VideoSettings& settings)
     : m_encoder(std::make_unique<VideoEncoder>(file, settings)) {}
 VideoWriter::~VideoWriter() = default;

@@ -14,15 +14,10 @@ struct VideoSettings {
     std::int32_t width = 0;        // pixels, of every picture
     std::int32_t height = 0;       // pixels
     double framesPerSecond = 0.0;  // above 0
-    bool alpha = false;            // the film has it; otherwise alpha is dropped and colours stay
+    bool alpha = false;            // the video has it; otherwise alpha is dropped and colours stay
 };
 
-// True: the name ends in .mov, .mkv, .mp4 or .webm.
-[[nodiscard]] bool IsVideoName(const std::filesystem::path& file);
-// True: such a film keeps alpha. The name is a film's.
-[[nodiscard]] bool KeepsAlpha(const std::filesystem::path& film);
-
-// A film being written, picture by picture: QuickTime Animation in .mov, FFV1 in .mkv, H.264 in .mp4, VP9 in .webm.
+// A video being written, picture by picture, in the format that the name's ending chooses (kel/video/video_format.h).
 // docs/output.md says what each of them keeps. One thread at a time.
 //
 // The file is written under another name in the same folder and appears at its place with Commit, whole or not at all.
@@ -37,7 +32,7 @@ public:
     VideoWriter(const VideoWriter&) = delete;
     VideoWriter& operator=(const VideoWriter&) = delete;
 
-    // The next picture, of the film's size. Four bytes a pixel are taken as they are, whatever their alpha means.
+    // The next picture, of the video's size. Four bytes a pixel are taken as they are, whatever their alpha means.
     void Write(const picture_io::Picture& picture);
     // Writes the end of the file. A full disk shows here at the latest.
     void Close();

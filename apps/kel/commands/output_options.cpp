@@ -1,19 +1,24 @@
 #include "apps/kel/commands/output_options.h"
 
+#include <string>
+
+#include "kel/outputs/output_format.h"
+
 namespace kel {
 
 void AddOutputOptions(CLI::App& command, OutputOptions& options) {
     command
-        .add_option(
-            "--out", options.out,
-            "Writes the rendered picture: a film (.mov, .mkv, .mp4, .webm), a picture of every field (f%05d.png), "
-            "or the last one (.png, .jpg)")
+        .add_option("--out", options.out,
+                    "Writes the rendered picture: a film (" + OutputEndings(IsVideoOutput, "") +
+                        "), a picture of every field (f%05d.png), or the last one (" +
+                        OutputEndings(IsPictureOutput, "") + ")")
         ->type_name("FILE");
     command
-        .add_option(
-            "--overlay", options.overlay,
-            "Writes the strokes alone, with alpha: a film (.mov, .mkv) or a picture of every field (f%05d.png) in "
-            "the window's size, or the canvas as it is at the end (.png)")
+        .add_option("--overlay", options.overlay,
+                    "Writes the strokes alone, with alpha: a film (" + OutputEndings(IsAlphaVideoOutput, "") +
+                        ") or a picture of every field (f%05d.png) in the window's size, or the canvas as it is at "
+                        "the end (" +
+                        OutputEndings(IsAlphaPictureOutput, "") + ")")
         ->type_name("FILE");
     command.add_option("--fill", options.fill, "Writes the colors of the strokes, for a mixer; goes with --key")
         ->type_name("FILE");

@@ -1,0 +1,50 @@
+#include "kel/outputs/field_views.h"
+
+#include <algorithm>
+
+namespace kel {
+namespace {
+
+// The colours alone; straight colours where nothing is covered mean nothing.
+picture_io::Picture Opaque(picture_io::Picture picture) {
+    for (std::size_t alpha = 3; alpha < picture.rgba.size(); alpha += 4) picture.rgba[alpha] = 255;
+    return picture;
+}
+
+picture_io::Picture AlphaAsGrey(picture_io::Picture picture) {
+    for (std::size_t pixel = 0; pixel < picture.rgba.size(); pixel += 4) {
+        std::fill_n(picture.rgba.begin() + static_cast<std::ptrdiff_t>(pixel), 3, picture.rgba[pixel + 3]);
+        picture.rgba[pixel + 3] = 255;
+    }
+    return picture;
+}
+
+}  // namespace
+
+SharedPicture FieldViews::Show(View view, Host& host, ObjectId drawn) {
+    if (m_pictureNumber != host.PictureNumber()) {
+        m_views = {};
+        m_pictureNumber = host.PictureNumber();
+    }
+    SharedPicture& shown = m_views[static_cast<std::size_t>(view)];
+    if (!shown) shown = std::make_shared<const picture_io::Picture>(Make(view, host, drawn));
+    return shown;
+}
+
+picture_io::Picture FieldViews::Make(View view, Host& host, ObjectId drawn) {
+    switch (view) {
+        case View::Rendered:
+            return host.ReadFrame();
+        case View::Overlay:
+            return host.ReadOverlay(m_alpha);
+        case View::Fill:
+            return Opaque(*Show(View::Overlay, host));
+        case View::Key:
+            return AlphaAsGrey(*Show(View::Overlay, host));
+        case View::Canvas:
+            break;
+    }
+    return host.ReadCanvas(drawn, AlphaForm::Straight);
+}
+
+}  // namespace kel

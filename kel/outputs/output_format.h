@@ -1,0 +1,38 @@
+#pragma once
+
+#include <filesystem>
+#include <span>
+#include <string>
+
+namespace kel {
+
+enum class OutputMedium { Picture, Video };
+
+// What the ending of an output's name stands for. OutputFormats is the only list of them: messages, help texts and
+// checks are made from it.
+struct OutputFormat {
+    const char* ending;  // in lower case, such as ".mov"
+    const char* name;    // as people call it
+    OutputMedium medium;
+    bool isExact;   // every pixel comes back as it was
+    bool hasAlpha;  // can hold the strokes alone
+    bool isLive;    // can be written while one draws
+};
+
+[[nodiscard]] std::span<const OutputFormat> OutputFormats();
+
+// Null: no output ends like that.
+[[nodiscard]] const OutputFormat* FormatOfOutput(const std::filesystem::path& file);
+
+// The endings of those that `which` takes: ".png, .mov or .mkv". beforeLast: the word before the last one, or "".
+[[nodiscard]] std::string OutputEndings(bool (*which)(const OutputFormat&), const char* beforeLast);
+
+// For OutputEndings.
+[[nodiscard]] bool IsAnyOutput(const OutputFormat& format);
+[[nodiscard]] bool IsPictureOutput(const OutputFormat& format);
+[[nodiscard]] bool IsVideoOutput(const OutputFormat& format);
+[[nodiscard]] bool IsAlphaOutput(const OutputFormat& format);
+[[nodiscard]] bool IsAlphaVideoOutput(const OutputFormat& format);
+[[nodiscard]] bool IsAlphaPictureOutput(const OutputFormat& format);
+
+}  // namespace kel

@@ -1,0 +1,14 @@
+#include "kel/outputs/video_sink.h"
+
+namespace kel {
+
+void VideoSink::Open(const SinkSettings& settings) {
+    settings.files->AnnounceOther(m_path);
+    const bool hasAlpha = m_view == View::Overlay;
+    m_writer.emplace(m_path,
+                     VideoSettings{settings.size.width, settings.size.height, settings.fieldsPerSecond, hasAlpha});
+}
+
+void VideoSink::TakeField(const OutputField& field) { m_writer->Write(*field.Of(m_view)); }
+
+}  // namespace kel

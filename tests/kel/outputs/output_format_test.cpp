@@ -1,0 +1,51 @@
+#include "kel/outputs/output_format.h"
+
+#include <doctest/doctest.h>
+
+#include <set>
+#include <string>
+
+#include "tests/cli/temporary_folder.h"
+#include "tests/kel/kel_folder.h"
+
+namespace kel {
+namespace {
+
+bool Contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
+
+}  // namespace
+
+TEST_CASE("An ending stands for one output, in either case of letters") {
+    std::set<std::string> endings;
+    for (const OutputFormat& format : OutputFormats()) {
+        CAPTURE(format.ending);
+        CHECK(endings.insert(format.ending).second);
+        CHECK_EQ(FormatOfOutput("folder.x/name" + std::string(format.ending)), &format);
+    }
+    CHECK_EQ(FormatOfOutput("A.PNG"), FormatOfOutput("a.png"));
+    CHECK_EQ(FormatOfOutput("a.txt"), nullptr);
+    CHECK_EQ(FormatOfOutput("png"), nullptr);
+    CHECK_EQ(FormatOfOutput(""), nullptr);
+}
+
+TEST_CASE("Endings are listed as a sentence has them") {
+    CHECK_EQ(OutputEndings(IsAlphaOutput, "or"), ".png, .mov or .mkv");
+    CHECK_EQ(OutputEndings(IsAlphaVideoOutput, "and"), ".mov and .mkv");
+    CHECK_EQ(OutputEndings(IsAlphaPictureOutput, "or"), ".png");
+    CHECK_EQ(OutputEndings(IsPictureOutput, ""), ".png, .jpg, .jpeg");
+    CHECK_EQ(OutputEndings(IsVideoOutput, "or"), ".mov, .mkv, .mp4 or .webm");
+}
+
+TEST_CASE("The page about outputs and the help know every ending and its codec") {
+    const std::string page = cli::testing::ReadText(KEL_SOURCE_FOLDER "/docs/output.md");
+    const testing::KelFolder folder;
+    const std::string help = folder.Run("play --help").output;
+    for (const OutputFormat& format : OutputFormats()) {
+        CAPTURE(format.ending);
+        CHECK(Contains(page, "`" + std::string(format.ending) + "`"));
+        CHECK(Contains(page, format.name));
+        CHECK(Contains(help, format.ending));
+    }
+}
+
+}  // namespace kel
