@@ -1,21 +1,15 @@
-#include <cstring>
-
 #include "module/abi/host_api.h"
 #include "module/canvas_texture.h"
 #include "module/gl_constants.h"
 #include "module/texture_combiners.h"
-#include "module/undo_history.h"
 
 namespace chalkpane {
 namespace {
 
-void UploadDirtyRect(const PluginInstance& instance, const std::byte* pixels, std::int32_t width, std::int32_t height) {
-    Rect canvas;
-    canvas.SetSize(width, height);
-    const Rect changed = instance.dirtyRect.Intersection(canvas);
+void UploadRect(const PluginInstance& instance, const Rect& changed, const std::byte* pixels, std::int32_t width) {
     if (!changed.IsValid()) return;
     // y grows upward and memory begins at the top.
-    const std::int32_t row = instance.canvasHeight - changed.y1 - 1;
+    const std::int32_t row = instance.telestrator.canvasHeight - changed.y1 - 1;
     const auto firstPixel =
         static_cast<std::size_t>(row) * static_cast<std::size_t>(width) + static_cast<std::size_t>(changed.x0);
     // The row length lets the host read the region out of the canvas without a copy.
@@ -48,13 +42,6 @@ void SetTextureMatrix(const PluginInstance& instance, std::int32_t unit) {
     kelGL_glMatrixMode(gl::modelView);
 }
 
-void CommitShape(PluginInstance& instance, const CanvasPixels& pixels) {
-    std::memcpy(pixels.bytes, instance.shapeSurface->GetPixels().bytes, pixels.byteSize);
-    instance.shapeCommitPending = false;
-    instance.fullUploadPending = true;
-    PushUndoSnapshot(instance);
-}
-
 // The strokes alone are to be seen: the container is blended against the scene behind it.
 bool BlendsAgainstScene(const PluginInstance& instance) { return instance.Transparent != 0 && instance.TexUnit == 0; }
 
@@ -71,21 +58,22 @@ void SaveAndSetBlending(PluginInstance& instance) {
 }  // namespace
 
 void UploadCanvas(PluginInstance& instance, const std::byte* pixels, std::int32_t width, std::int32_t height) {
-    if (instance.fullUploadPending) {
-        _api__image_subtexload(instance.canvasImage.id, -1, 0, 0, width, height, gl::Word(gl::rgba),
-                               gl::Word(gl::unsignedByte), pixels);
-        instance.fullUploadPending = false;
+    const Telestrator::Change change = instance.telestrator.TakeChange();
+    if (!change.whole) {
+        UploadRect(instance, change.rect, pixels, width);
         return;
     }
-    UploadDirtyRect(instance, pixels, width, height);
+    _api__image_subtexload(instance.canvasImage.id, -1, 0, 0, width, height, gl::Word(gl::rgba),
+                           gl::Word(gl::unsignedByte), pixels);
 }
 
 bool PreRender(PluginInstance& instance) {
-    if (!instance.canvasSurface) return false;
-    const CanvasPixels pixels = instance.canvasSurface->GetPixels();
-    if (instance.shapeCommitPending) CommitShape(instance, pixels);
+    Telestrator& telestrator = instance.telestrator;
+    if (!telestrator.HasCanvas()) return false;
+    telestrator.Commit();
     if (instance.canvasTexture.IsValid() && instance.canvasImage.IsValid()) {
         SetCombiners(instance);
+        const CanvasPixels pixels = telestrator.canvasSurface->GetPixels();
         UploadCanvas(instance, pixels.bytes, pixels.width, pixels.height);
         SetTextureMatrix(instance, instance.TexUnit);
         SetTextureMatrix(instance, NextUnit(instance.TexUnit));
@@ -96,7 +84,7 @@ bool PreRender(PluginInstance& instance) {
 }
 
 void PostRender(PluginInstance& instance) {
-    if (!BlendsAgainstScene(instance) || !instance.canvasSurface) return;
+    if (!BlendsAgainstScene(instance) || !instance.telestrator.HasCanvas()) return;
     if (instance.savedBlendEnabled == 0) kelGL_glDisable(gl::blend);
     if (instance.savedAlphaTestEnabled != 0) kelGL_glEnable(gl::alphaTest);
     kelGL_glBlendFunc(static_cast<std::uint32_t>(instance.savedBlendSrc),

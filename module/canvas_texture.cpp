@@ -4,9 +4,7 @@
 #include "module/brush_mode.h"
 #include "module/container_mapping.h"
 #include "module/gl_constants.h"
-#include "module/memory_guard.h"
-#include "module/shape_recognition.h"
-#include "module/undo_history.h"
+#include "module/memory_report.h"
 
 namespace chalkpane {
 namespace {
@@ -17,15 +15,10 @@ constexpr std::int32_t optimised = 1;
 constexpr std::int32_t finestQuality = 2;
 constexpr std::int32_t vertexMapping = 1;
 
-std::unique_ptr<TelestratorSurface> NewSurface(const PluginInstance& instance) {
-    auto surface = std::make_unique<TelestratorSurface>();
-    surface->CreateCanvasImage(instance.canvasWidth, instance.canvasHeight);
-    return surface;
-}
-
 void CreateTexture(PluginInstance& instance) {
     if (instance.canvasTexture.IsValid()) _api__texture_delete_texture(&instance.canvasTexture.id);
-    const std::int32_t image = _api__create_image(-1, instance.canvasWidth, instance.canvasHeight, gl::Word(gl::rgba));
+    const std::int32_t image =
+        _api__create_image(-1, instance.telestrator.canvasWidth, instance.telestrator.canvasHeight, gl::Word(gl::rgba));
     instance.canvasImage.id = image < 0 ? -1 : image;
     _api__rebuild_texture(instance.canvasImage.id);
     _api__texture_create_texture(&instance.canvasTexture.id, instance.canvasImage.id);
@@ -46,10 +39,7 @@ void DeleteHostObject(ObjectHandle& object, void (*deleteObject)(std::int32_t*))
 }
 
 void UndoCreation(PluginInstance& instance) {
-    instance.canvasSurface.reset();
-    instance.shapeSurface.reset();
-    instance.undoRing.reset();
-    instance.currentSnapshot.reset();
+    instance.telestrator.DropCanvas();
     DeleteHostObject(instance.canvasTexture, _api__texture_delete_texture);
     DeleteHostObject(instance.canvasImage, _api__image_delete_image);
     ObjectHandle::OwnContainer().DeleteTexture();
@@ -60,15 +50,15 @@ void UndoCreation(PluginInstance& instance) {
 std::int32_t NextUnit(std::int32_t unit) { return TruncateToInt(unit + 1.0); }
 
 bool CreateCanvas(PluginInstance& instance) noexcept {
-    const bool created = WithinMemory([&] {
-        instance.canvasSurface = NewSurface(instance);
-        instance.shapeSurface = NewSurface(instance);
-        FillUndoRing(instance);
+    Telestrator& telestrator = instance.telestrator;
+    const bool created = telestrator.memory.Run([&] {
+        telestrator.MakeSurfaces(SettingsOf(instance));
         ConfigureBrushes(instance);
         CreateTexture(instance);
-        SizeRecognitionBuffers(instance, instance.RecoShapes != 0);
+        telestrator.SizeRecognitionBuffers(instance.RecoShapes != 0);
         ReadBoundingBox(instance, ObjectHandle::OwnContainer());
     });
+    ReportMemoryFailures(instance);
     if (!created) UndoCreation(instance);
     return created;
 }
@@ -84,7 +74,7 @@ void ApplyTextureUnit(PluginInstance& instance) {
         bind(NextUnit(instance.TexUnit));
     }
     instance.lastTexUnit = instance.TexUnit;
-    instance.fullUploadPending = true;
+    instance.telestrator.fullUploadPending = true;
 }
 
 }  // namespace chalkpane

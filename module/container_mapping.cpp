@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "module/abi/host_api.h"
+#include "module/plane_geometry.h"
 
 namespace chalkpane {
 namespace {
@@ -42,7 +43,7 @@ bool ReadBoundingBox(PluginInstance& instance, ObjectHandle container) {
                                      &instance.boxMaxY, &unreadMaxZ);
     const double width = double{instance.boxMaxX} - instance.boxMinX;
     const double height = double{instance.boxMaxY} - instance.boxMinY;
-    instance.aspect = static_cast<float>(width / height);
+    instance.telestrator.aspect = static_cast<float>(width / height);
     return width > narrowestBox && height > narrowestBox;
 }
 
@@ -75,8 +76,8 @@ Vector3 MapPointerToContainer(const PluginInstance& instance, ObjectHandle conta
 CanvasPosition MapPointerToCanvas(const PluginInstance& instance, ObjectHandle container, std::int32_t x,
                                   std::int32_t y) {
     const Vector3 point = MapPointerToContainer(instance, container, x, y);
-    const double lastColumn = instance.canvasWidth - 1;
-    const double lastRow = instance.canvasHeight - 1;
+    const double lastColumn = instance.telestrator.canvasWidth - 1;
+    const double lastRow = instance.telestrator.canvasHeight - 1;
     const double boxWidth = double{instance.boxMaxX} - instance.boxMinX;
     const double boxHeight = double{instance.boxMaxY} - instance.boxMinY;
     return {(double{point.x} - instance.boxMinX) * lastColumn / boxWidth,

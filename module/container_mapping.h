@@ -14,11 +14,6 @@ bool ReadBoundingBox(PluginInstance& instance, ObjectHandle container);
 [[nodiscard]] Vector3 MapPointerToContainer(const PluginInstance& instance, ObjectHandle container, std::int32_t x,
                                             std::int32_t y);
 
-struct CanvasPosition {
-    double x = 0;  // rightwards, 0 .. canvasWidth - 1 inside the box
-    double y = 0;  // downwards, 0 at the top of the container
-};
-
 // Not clamped: a position beyond the box lies beyond the canvas, and not finite where the mapping has no answer.
 [[nodiscard]] CanvasPosition MapPointerToCanvas(const PluginInstance& instance, ObjectHandle container, std::int32_t x,
                                                 std::int32_t y);

@@ -10,7 +10,6 @@
 #include "module/plugin_instance.h"
 #include "module/pointer_input.h"
 #include "module/registration.h"
-#include "module/undo_history.h"
 
 using chalkpane::PluginInstance;
 
@@ -28,24 +27,24 @@ PluginInstance* PLUGIN_INIT_FUNCTION(PluginInstance* instance) noexcept {
 
 void PLUGIN_CLEANUP_FUNCTION(PluginInstance* instance) noexcept {
     if (instance->canvasTexture.IsValid()) _api__texture_delete_texture(&instance->canvasTexture.id);
-    instance->canvasSurface.reset();
-    instance->shapeSurface.reset();
-    instance->strokePoints.reset();
-    instance->currentSnapshot.reset();
-    instance->houghAccumulator.reset();
-    std::destroy_at(instance);  // and the ring with it
+    std::destroy_at(instance);
 }
 
 std::int32_t PLUGIN_GUI_STATUS(PluginInstance* instance) noexcept { return chalkpane::ShowParameters(*instance); }
 
 void PLUGIN_CHANGED_CALLBACK(PluginInstance* instance, std::int32_t parameter) noexcept {
-    constexpr std::int32_t brushType = 5;
-    if (parameter == brushType) chalkpane::ApplyBrushMode(*instance);
+    if (parameter == chalkpane::brushTypeNumber) chalkpane::ApplyBrushMode(*instance);
 }
 
 void PLUGIN_EXEC_ACTION(PluginInstance* instance, std::int32_t action) noexcept {
-    if (action == 0) chalkpane::ClearCanvas(*instance);
-    if (action == 1) chalkpane::RestoreUndoSnapshot(*instance);
+    switch (static_cast<chalkpane::PluginAction>(action)) {
+        case chalkpane::PluginAction::Clear:
+            instance->telestrator.ClearCanvas();
+            break;
+        case chalkpane::PluginAction::Undo:
+            instance->telestrator.RestoreUndoSnapshot();
+            break;
+    }
 }
 
 void PLUGIN_EXEC_PER_FIELD(PluginInstance* instance) noexcept { chalkpane::StepField(*instance); }
@@ -53,7 +52,7 @@ void PLUGIN_EXEC_PER_FIELD(PluginInstance* instance) noexcept { chalkpane::StepF
 std::int32_t PLUGIN_MOUSE_CALLBACK(PluginInstance* instance, std::int32_t /*a*/, std::int32_t button,
                                    std::int32_t pressed, std::int32_t state, std::int32_t x, std::int32_t y,
                                    std::int32_t /*b*/, std::int32_t /*c*/) noexcept {
-    if (!instance->canvasSurface || button != 1 || state != 1) return 1;
+    if (!instance->telestrator.HasCanvas() || button != 1 || state != 1) return 1;
     const auto event = pressed != 0 ? chalkpane::PointerEvent::Press : chalkpane::PointerEvent::Release;
     return chalkpane::HandlePointerEvent(*instance, event, x, y);
 }

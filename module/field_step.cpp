@@ -2,47 +2,14 @@
 
 #include <cstring>
 
-#include "chalkpane/image/pixel_format.h"
 #include "module/abi/host_api.h"
 #include "module/brush_mode.h"
 #include "module/canvas_texture.h"
-#include "module/memory_guard.h"
+#include "module/memory_report.h"
 #include "module/pointer_input.h"
-#include "module/stroke_finish.h"
-#include "module/undo_history.h"
 
 namespace chalkpane {
 namespace {
-
-// Remembers the value once both surfaces have it; where memory ran out, the next field tries again.
-void SetWidth(PluginInstance& instance, std::int32_t width, std::int32_t& lastWidth) {
-    if (width == lastWidth) return;
-    const bool applied = WithinMemory([&] {
-        instance.canvasSurface->SetBrushWidth(width);
-        instance.shapeSurface->SetBrushWidth(width);
-    });
-    if (applied) lastWidth = width;
-}
-
-void FollowWidth(PluginInstance& instance) {
-    if (instance.BrushType == 0) SetWidth(instance, instance.BrushWidth, instance.lastBrushWidth);
-    if (instance.BrushType == 1) SetWidth(instance, instance.EraserWidth, instance.lastEraserWidth);
-}
-
-// The canvas is blue first in memory and goes to OpenGL as red first: hence the bytes in reverse.
-void FollowColour(PluginInstance& instance) {
-    if (instance.BrushColor == instance.lastBrushColor) return;
-    const auto expandedByte = [&](int index) {
-        const std::uint32_t value = (instance.BrushColor >> (8 * index)) & 0xFFU;
-        return static_cast<std::uint16_t>(value * 64 + (value >> 2));
-    };
-    const bool applied = WithinMemory([&] {
-        for (TelestratorSurface* surface : {instance.canvasSurface.get(), instance.shapeSurface.get()}) {
-            surface->SetBrushColour(expandedByte(2), expandedByte(1), expandedByte(0));
-        }
-    });
-    if (applied) instance.lastBrushColor = instance.BrushColor;
-}
 
 // Names are compared and kept as far as the buffer holds them.
 void FollowBrushImage(PluginInstance& instance) {
@@ -55,33 +22,35 @@ void FollowBrushImage(PluginInstance& instance) {
     std::memcpy(lastName.data(), instance.BrushImage, strnlen(instance.BrushImage, longest));
 }
 
-void CountDown(PluginInstance& instance) {
-    constexpr std::int32_t rest = -2;
-    if (instance.shapeCountdown <= rest) return;
-    if (--instance.shapeCountdown == 0) FinishStroke(instance);
-}
-
 void StepWithCanvas(PluginInstance& instance) {
+    Telestrator& telestrator = instance.telestrator;
     if (instance.TexUnit != instance.lastTexUnit) ApplyTextureUnit(instance);
-    FollowWidth(instance);
-    FollowColour(instance);
+    telestrator.FollowSettings(SettingsOf(instance));
     if (instance.Active != 0 && instance.pointerDown) PollPointer(instance);
     FollowBrushImage(instance);
-    CountDown(instance);
+    telestrator.CountDown(SettingsOf(instance));
+}
+
+// False: the ring could not follow, and the field ends here without a redraw.
+bool Step(PluginInstance& instance) {
+    Telestrator& telestrator = instance.telestrator;
+    const bool hadCanvas = telestrator.HasCanvas();
+    if (hadCanvas && !telestrator.AdjustUndoRing(SettingsOf(instance))) return false;
+    if (hadCanvas || CreateCanvas(instance)) StepWithCanvas(instance);
+    return true;
 }
 
 }  // namespace
 
 void StepField(PluginInstance& instance) noexcept {
     _api__tessmar_get_window_size(&instance.windowWidth, &instance.windowHeight);
-    const bool hadCanvas = instance.canvasSurface != nullptr;
-    if (hadCanvas && !AdjustUndoRing(instance)) return;  // without a redraw
-    if (hadCanvas || CreateCanvas(instance)) StepWithCanvas(instance);
-    _api__scene_redraw();
+    const bool goesOn = Step(instance);
+    ReportMemoryFailures(instance);
+    if (goesOn) _api__scene_redraw();
 }
 
 std::int32_t ShowParameters(const PluginInstance& instance) {
-    const bool colour = instance.BrushType == 0;
+    const bool colour = SettingsOf(instance).brushType == BrushType::Colour;
     qoSendGuiParameterShow("BrushImage", colour ? 1 : 0);
     qoSendGuiParameterShow("BrushWidth", colour ? 1 : 0);
     qoSendGuiParameterShow("EraserWidth", colour ? 0 : 1);

@@ -3,13 +3,9 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
-#include <vector>
 
-#include "chalkpane/image/rect.h"
-#include "module/geometry.h"
 #include "module/object_handle.h"
-#include "module/telestrator_surface.h"
+#include "telestrator/telestrator.h"
 
 namespace chalkpane {
 
@@ -22,7 +18,7 @@ struct PluginParameters {
     std::int32_t TexUnit;      // 0: the canvas is the base texture; above 0: multi-texture unit
     std::int32_t Transparent;  // with TexUnit 0: the base picture cuts out the strokes
     float Alpha;               // hidden from the operator; nothing reads it
-    std::int32_t BrushType;    // 0: colour, 1: erase
+    std::int32_t BrushType;    // as the enumeration of that name
     const char* BrushImage;    // name of a host image; the host's text, null for none
     std::int32_t BrushWidth;   // canvas pixels; also the spacing of the stored stroke points
     std::int32_t EraserWidth;  // canvas pixels
@@ -40,68 +36,62 @@ struct PluginParameters {
     std::int32_t MaxUndos;
 };
 
-// Width and height of every canvas, in pixels.
-constexpr std::int32_t canvasSize = 1024;
-
-// Whole-canvas copies.
-using Snapshot = std::unique_ptr<std::byte[]>;
-using UndoRing = std::vector<Snapshot>;
-
 struct PluginInstance : PluginParameters {
     PluginInstance() = delete;
     // `values`: what the host had written into the block.
-    explicit PluginInstance(const PluginParameters& values) : PluginParameters(values) {}
+    explicit PluginInstance(const PluginParameters& values) : PluginParameters(values) {
+        telestrator.aspect = 0;  // until the container's box is known
+    }
     PluginInstance(const PluginInstance&) = delete;
     PluginInstance& operator=(const PluginInstance&) = delete;
     PluginInstance(PluginInstance&&) = delete;
     PluginInstance& operator=(PluginInstance&&) = delete;
     ~PluginInstance() = default;
 
-    std::unique_ptr<TelestratorSurface> canvasSurface;  // receives the live stroke; what the operator sees
-    std::unique_ptr<TelestratorSurface> shapeSurface;   // holds only finished results
-    bool pointerInsideStroke = false;                   // a stroke runs on this container
+    Telestrator telestrator;           // what is drawn; its aspect is width over height of the box below
+    bool pointerInsideStroke = false;  // a stroke runs on this container
     std::int32_t lastTexUnit = -1;
-    ObjectHandle canvasImage;    // backs the texture
-    ObjectHandle canvasTexture;  // shows the canvas
-    std::int32_t lastBrushWidth = -1;
-    std::int32_t lastEraserWidth = -1;
-    std::uint32_t lastBrushColor = 0;
+    ObjectHandle canvasImage;       // backs the texture
+    ObjectHandle canvasTexture;     // shows the canvas
     std::int32_t windowWidth = -1;  // refreshed every field
     std::int32_t windowHeight = -1;
     std::int32_t lastPointerX = -1;  // window pixels
     std::int32_t lastPointerY = -1;
     std::int32_t unusedWord = -1;  // keeps its place in the block
-    std::int32_t canvasWidth = canvasSize;
-    std::int32_t canvasHeight = canvasSize;
-    bool pointerDown = false;  // the button was down at the last pointer callback
-    float boxMinX = 0;         // the container's box in its own coordinates
+    bool pointerDown = false;      // the button was down at the last pointer callback
+    float boxMinX = 0;             // the container's box in its own coordinates
     float boxMaxX = 0;
     float boxMinY = 0;
     float boxMaxY = 0;
-    Rect dirtyRect;  // what the last stroke event changed
-    bool fullUploadPending = false;
     ObjectHandle brushImageHandle;
     std::array<char, 1000> lastBrushImageName{};  // ends with a zero; longer names are kept cut
     std::int32_t savedAlphaTestEnabled = 0;
     std::int32_t savedBlendEnabled = 0;
     std::int32_t savedBlendSrc = 0;
     std::int32_t savedBlendDst = 0;
-    Vector3 lastStrokePoint;  // end of the resampled stroke
-    bool shapeCommitPending = false;
-    std::int32_t strokePointCount = 0;
-    // Room for canvasWidth * canvasHeight points (x in canvas pixels, y in canvas pixels divided by `aspect`, 0): in
-    // this space a unit of x is as long on the container as a unit of y, so round things are round.
-    std::unique_ptr<Vector3[]> strokePoints;
-    std::int32_t shapeCountdown = -1;  // fields until the recognition; -1 and -2: none is due
     std::int32_t secondUnusedWord = 0;
-    std::int32_t undoIndex = 0;                           // the most recent state in the ring
-    std::unique_ptr<UndoRing> undoRing;                   // null until there is a canvas
-    Snapshot currentSnapshot;                             // the canvas as of the last commit
-    std::unique_ptr<std::uint32_t[]> houghAccumulator;    // houghCounters of them
-    float aspect = 0;                                     // width over height of the box
-    bool recognitionBuffersReady = false;                 // strokePoints and houghAccumulator exist
     std::array<std::array<Vector3, 4>, 2> unusedQuads{};  // keep their place in the block
 };
+
+// The parameters as the telestrator takes them.
+[[nodiscard]] inline TelestratorSettings SettingsOf(const PluginParameters& values) {
+    TelestratorSettings settings;
+    settings.brushType = static_cast<BrushType>(values.BrushType);
+    settings.brushWidth = values.BrushWidth;
+    settings.eraserWidth = values.EraserWidth;
+    settings.brushColour = values.BrushColor;
+    settings.recogniseShapes = values.RecoShapes != 0;
+    settings.recogniseEllipse = values.RecoEllipse != 0;
+    settings.recogniseCircle = values.RecoCircle != 0;
+    settings.recogniseCross = values.RecoCross != 0;
+    settings.shapeDelay = values.ShapeDelay;
+    settings.arrow = values.Arrow != 0;
+    settings.arrowLength = values.ArrowLength;
+    settings.arrowWidth = values.ArrowWidth;
+    settings.crossDiameter = values.CrossDia;
+    settings.maxUndos = values.MaxUndos;
+    return settings;
+}
 
 // What the host is told to allocate.
 constexpr std::int32_t instanceBlockSize = 1392;
@@ -116,25 +106,32 @@ struct InstanceBlockLayout {
     std::int32_t activeToBrushType[5];
     Address brushImage;
     std::int32_t brushWidthToMaxUndos[14];
-    Address surfaces[2];
+    struct {
+        Address surfaces[2];
+        std::int32_t lastBrushWidthToCanvasHeight[5];
+        std::int32_t dirtyRect[4];
+        std::int8_t fullUploadPending;
+        float lastStrokePoint[3];
+        std::int8_t shapeCommitPending;
+        std::int32_t strokePointCount;
+        std::uint32_t memoryFailures;
+        Address strokePoints;
+        std::int32_t shapeCountdownAndUndoIndex[2];
+        Address undoRingToHoughAccumulator[3];
+        float aspect;
+        std::int8_t recognitionBuffersReady;
+    } telestrator;
     std::int8_t pointerInsideStroke;
-    std::int32_t lastTexUnitToCanvasHeight[13];
+    std::int32_t lastTexUnitToUnusedWord[8];
     std::int8_t pointerDown;
-    std::int32_t boxAndDirtyRect[8];
-    std::int8_t fullUploadPending;
+    float box[4];
     std::int32_t brushImageHandle;
     char lastBrushImageName[1000];
-    std::int32_t savedStateAndLastStrokePoint[7];
-    std::int8_t shapeCommitPending;
-    std::int32_t strokePointCount;
-    Address strokePoints;
-    std::int32_t shapeCountdownToUndoIndex[3];
-    Address undoRingToHoughAccumulator[3];
-    float aspect;
-    std::int8_t recognitionBuffersReady;
+    std::int32_t savedStateAndSecondUnusedWord[5];
     float unusedQuads[24];
 };
 static_assert(sizeof(PluginInstance) <= instanceBlockSize);
+static_assert(offsetof(InstanceBlockLayout<std::uintptr_t>, telestrator) == sizeof(PluginParameters));
 static_assert(sizeof(InstanceBlockLayout<std::uint32_t>) <= instanceBlockSize);
 static_assert(sizeof(InstanceBlockLayout<std::uint64_t>) <= instanceBlockSize);
 static_assert(sizeof(InstanceBlockLayout<std::uintptr_t>) == sizeof(PluginInstance),

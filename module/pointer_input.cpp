@@ -2,9 +2,7 @@
 
 #include "module/abi/host_api.h"
 #include "module/container_mapping.h"
-#include "module/stroke_points.h"
-#include "module/surface_pen.h"
-#include "module/undo_history.h"
+#include "module/memory_report.h"
 
 namespace chalkpane {
 namespace {
@@ -12,34 +10,6 @@ namespace {
 void RememberPosition(PluginInstance& instance, std::int32_t x, std::int32_t y) {
     instance.lastPointerX = x;
     instance.lastPointerY = y;
-}
-
-// The canvas takes every stroke. The shape surface takes those that are final as drawn: freehand lines that nothing
-// will replace, and the eraser's.
-void PaintStroke(PluginInstance& instance, StrokeStage stage, const CanvasPosition& position) {
-    instance.dirtyRect = Paint(instance.canvasSurface.get(), stage, position.x, position.y);
-    if (instance.RecoShapes == 0 || instance.BrushType == 1) {
-        Paint(instance.shapeSurface.get(), stage, position.x, position.y);
-    }
-}
-
-void Press(PluginInstance& instance, const CanvasPosition& position) {
-    PaintStroke(instance, StrokeStage::Begin, position);
-    // While the countdown runs the earlier points stay: two strokes in quick succession form one shape, a cross.
-    if (instance.shapeCountdown < 0) instance.strokePointCount = 0;
-    instance.shapeCountdown = -1;
-    AddStrokePoint(instance, position.x, position.y, true);
-}
-
-void Release(PluginInstance& instance, const CanvasPosition& position) {
-    PaintStroke(instance, StrokeStage::End, position);
-    AddStrokePoint(instance, position.x, position.y, true);
-    if (instance.RecoShapes == 0) {
-        PushUndoSnapshot(instance);
-    } else {
-        instance.shapeCountdown = instance.ShapeDelay;
-    }
-    instance.pointerInsideStroke = false;
 }
 
 // KEEP: the test of y looks at whether a stroke runs and the test of x does not.
@@ -65,11 +35,14 @@ std::int32_t HandlePointerEvent(PluginInstance& instance, PointerEvent event, st
     if (!ReadBoundingBox(instance, own)) return _api__scene_redraw();
     const CanvasPosition position = MapPointerToCanvas(instance, own, x, y);
     instance.pointerDown = event == PointerEvent::Press;
+    const TelestratorSettings settings = SettingsOf(instance);
     if (event == PointerEvent::Press) {
-        Press(instance, position);
+        instance.telestrator.Press(settings, position);
     } else {
-        Release(instance, position);
+        instance.telestrator.Release(settings, position);
+        instance.pointerInsideStroke = false;
     }
+    ReportMemoryFailures(instance);
     RememberPosition(instance, x, y);
     return _api__scene_redraw();
 }
@@ -81,9 +54,7 @@ void PollPointer(PluginInstance& instance) noexcept {
     if (!PointerRests(instance, x, y)) {
         const ObjectHandle own = ObjectHandle::OwnContainer();
         if (ReadBoundingBox(instance, own)) {
-            const CanvasPosition position = MapPointerToCanvas(instance, own, x, y);
-            PaintStroke(instance, StrokeStage::Continue, position);
-            AddStrokePoint(instance, position.x, position.y, false);
+            instance.telestrator.Move(SettingsOf(instance), MapPointerToCanvas(instance, own, x, y));
         }
     }
     RememberPosition(instance, x, y);

@@ -4,17 +4,15 @@
 #include <cmath>
 #include <cstring>
 
-#include "module/shape_recognition.h"
-#include "module/stroke_finish.h"
 #include "tests/module/module_fixture.h"
-#include "tests/module/stroke_shapes.h"
+#include "tests/telestrator/stroke_shapes.h"
 
 namespace chalkpane {
 namespace {
 
 using testing::DefaultParameters;
-using testing::Points;
 using testing::ModuleFixture;
+using testing::Points;
 
 class QuietFixture : public ModuleFixture {
 public:
@@ -27,7 +25,7 @@ public:
 
 // The texture is what the uploads made of it: it has to be the canvas.
 bool TextureIsCanvas(const QuietFixture& fixture) {
-    const CanvasPixels pixels = fixture.plugin.canvasSurface->GetPixels();
+    const CanvasPixels pixels = fixture.plugin.telestrator.canvasSurface->GetPixels();
     return std::memcmp(fixture.host.texture.data(), pixels.bytes, pixels.byteSize) == 0;
 }
 
@@ -38,8 +36,8 @@ void FieldWhileDrawing(benchmark::State& state, std::int32_t brushType) {
     values.BrushWidth = static_cast<std::int32_t>(state.range(0));
     values.EraserWidth = static_cast<std::int32_t>(state.range(0));
     QuietFixture fixture(values);
-    if (brushType == 1) fixture.plugin.canvasSurface->canvas->FillChannel(1.0);
-    fixture.plugin.fullUploadPending = true;
+    if (brushType == 1) fixture.plugin.telestrator.canvasSurface->canvas->FillChannel(1.0);
+    fixture.plugin.telestrator.fullUploadPending = true;
     PLUGIN_CHANGED_CALLBACK(&fixture.plugin, 5);
     fixture.Press(512 + 300, 512);
     fixture.PreRender();
@@ -62,31 +60,32 @@ void ChangeOfWidth(benchmark::State& state) {
         fixture.plugin.BrushWidth = width;
         fixture.Field();
     }
-    if (fixture.plugin.shapeSurface->width != width) state.SkipWithError("the width did not reach the brush");
+    if (fixture.plugin.telestrator.shapeSurface->width != width)
+        state.SkipWithError("the width did not reach the brush");
 }
 BENCHMARK(ChangeOfWidth)->Unit(benchmark::kMicrosecond);
 
 void Undo(benchmark::State& state) {
     QuietFixture fixture(DefaultParameters());
-    fixture.plugin.canvasSurface->BeginStroke(500, 500, 1);
+    fixture.plugin.telestrator.canvasSurface->BeginStroke(500, 500, 1);
     for (auto _ : state) PLUGIN_EXEC_ACTION(&fixture.plugin, 1);
-    if (!testing::IsBlank(*fixture.plugin.canvasSurface)) state.SkipWithError("the stroke is still there");
+    if (!testing::IsBlank(*fixture.plugin.telestrator.canvasSurface)) state.SkipWithError("the stroke is still there");
 }
 BENCHMARK(Undo)->Unit(benchmark::kMicrosecond);
 
 void Clear(benchmark::State& state) {
     QuietFixture fixture(DefaultParameters());
-    fixture.plugin.canvasSurface->BeginStroke(500, 500, 1);
+    fixture.plugin.telestrator.canvasSurface->BeginStroke(500, 500, 1);
     for (auto _ : state) PLUGIN_EXEC_ACTION(&fixture.plugin, 0);
-    if (!testing::IsBlank(*fixture.plugin.canvasSurface)) state.SkipWithError("the canvas is not blank");
+    if (!testing::IsBlank(*fixture.plugin.telestrator.canvasSurface)) state.SkipWithError("the canvas is not blank");
 }
 BENCHMARK(Clear)->Unit(benchmark::kMicrosecond);
 
 void Commit(benchmark::State& state) {
     QuietFixture fixture(DefaultParameters());
-    fixture.plugin.shapeSurface->BeginStroke(500, 500, 1);
+    fixture.plugin.telestrator.shapeSurface->BeginStroke(500, 500, 1);
     for (auto _ : state) {
-        fixture.plugin.shapeCommitPending = true;
+        fixture.plugin.telestrator.shapeCommitPending = true;
         fixture.PreRender();
     }
     if (!TextureIsCanvas(fixture)) state.SkipWithError("the texture is not the canvas");
@@ -111,9 +110,9 @@ Points StrokeFor(Taker taker, int count) {
 }
 
 bool TookAsWanted(PluginInstance& plugin, Taker taker) {
-    if (RecognizeEllipse(plugin)) return taker == Taker::Ellipse;
-    if (RecognizeCircle(plugin)) return taker == Taker::Circle;
-    if (RecognizeCross(plugin)) return taker == Taker::Cross;
+    if (RecognizeEllipse(testing::Input(plugin))) return taker == Taker::Ellipse;
+    if (RecognizeCircle(testing::Input(plugin))) return taker == Taker::Circle;
+    if (RecognizeCross(testing::Input(plugin))) return taker == Taker::Cross;
     return taker == Taker::Nobody;
 }
 
@@ -126,12 +125,12 @@ void Finish(benchmark::State& state, Taker taker) {
     QuietFixture fixture(values);
     const Points points = StrokeFor(taker, static_cast<int>(state.range(0)));
     for (auto _ : state) {
-        testing::StoreStroke(fixture.plugin, points);
+        testing::StoreStroke(fixture.plugin.telestrator, points);
         const auto start = std::chrono::steady_clock::now();
-        FinishStroke(fixture.plugin);
+        testing::FinishStroke(fixture.plugin);
         state.SetIterationTime(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
     }
-    testing::StoreStroke(fixture.plugin, points);
+    testing::StoreStroke(fixture.plugin.telestrator, points);
     if (!TookAsWanted(fixture.plugin, taker)) state.SkipWithError("another recogniser took the stroke");
 }
 #define FINISH_BENCHMARK(name, taker) \
@@ -141,7 +140,7 @@ FINISH_BENCHMARK(circle, Taker::Circle);
 FINISH_BENCHMARK(cross, Taker::Cross);
 FINISH_BENCHMARK(nobody, Taker::Nobody);
 
-// The finest pen: its walk round the ellipse has a vertex at every hundredth of a pixel.
+// The finest pen: its iteration round the ellipse has a vertex at every hundredth of a pixel.
 void FinishEllipseAtWidth(benchmark::State& state) {
     PluginParameters values = DefaultParameters();
     values.RecoShapes = 1;
@@ -149,10 +148,10 @@ void FinishEllipseAtWidth(benchmark::State& state) {
     QuietFixture fixture(values);
     const Points points = StrokeFor(Taker::Ellipse, 300);
     for (auto _ : state) {
-        testing::StoreStroke(fixture.plugin, points);
-        FinishStroke(fixture.plugin);
+        testing::StoreStroke(fixture.plugin.telestrator, points);
+        testing::FinishStroke(fixture.plugin);
     }
-    testing::StoreStroke(fixture.plugin, points);
+    testing::StoreStroke(fixture.plugin.telestrator, points);
     if (!TookAsWanted(fixture.plugin, Taker::Ellipse)) state.SkipWithError("the ellipse was declined");
 }
 BENCHMARK(FinishEllipseAtWidth)->Arg(1)->Arg(2)->Arg(30)->Unit(benchmark::kMillisecond);

@@ -179,19 +179,19 @@ TEST_CASE("Creation asks the host for image and texture in a fixed order") {
 TEST_CASE("Creation makes the recognition buffers only where they are asked for") {
     ModuleFixture without(With(1, 1));
     without.Field();
-    CHECK_FALSE(without.plugin.recognitionBuffersReady);
+    CHECK_FALSE(without.plugin.telestrator.recognitionBuffersReady);
     PluginParameters values = With(1, 1);
     values.RecoShapes = 1;
     ModuleFixture with(values);
     with.Field();
-    CHECK(with.plugin.recognitionBuffersReady);
+    CHECK(with.plugin.telestrator.recognitionBuffersReady);
 }
 
 TEST_CASE("The first picture is spread over the box before any pointer event") {
     ModuleFixture fixture(With(1, 1));
     fixture.host.box = {-80, -20, 0, 80, 20, 0};
     fixture.Field();
-    CHECK_EQ(fixture.plugin.aspect, 4.0F);
+    CHECK_EQ(fixture.plugin.telestrator.aspect, 4.0F);
     fixture.PreRender();
     CHECK_EQ(fixture.host.CallsOf("glScalef"), Lines{"glScalef 0.625 2.5 1", "glScalef 0.625 2.5 1"});
 }
@@ -213,8 +213,8 @@ TEST_CASE("A change of unit takes the former off, binds the new on two, and uplo
     CHECK_EQ(fixture.host.CallsOf("_api__container_delete_multi_texture"), Lines{});
     CHECK_EQ(fixture.host.CallsOf("_api__container_set_multi_texture"),
              Lines{"_api__container_set_multi_texture 7 0 50"});
-    CHECK(fixture.plugin.fullUploadPending);
-    fixture.plugin.fullUploadPending = false;
+    CHECK(fixture.plugin.telestrator.fullUploadPending);
+    fixture.plugin.telestrator.fullUploadPending = false;
     fixture.plugin.TexUnit = 2;
     fixture.host.TakeCalls();
     ApplyTextureUnit(fixture.plugin);
@@ -223,7 +223,7 @@ TEST_CASE("A change of unit takes the former off, binds the new on two, and uplo
                    "_api__container_set_multi_texture 7 2 50", "_api__container_delete_multi_texture 7 3",
                    "_api__container_set_multi_texture 7 3 50"});
     CHECK_EQ(fixture.plugin.lastTexUnit, 2);
-    CHECK(fixture.plugin.fullUploadPending);
+    CHECK(fixture.plugin.telestrator.fullUploadPending);
     // Back to the base texture: unit 3 is not taken off.
     fixture.plugin.TexUnit = 0;
     ApplyTextureUnit(fixture.plugin);
@@ -236,8 +236,8 @@ TEST_CASE("The changed rectangle alone is uploaded, rows counted from the top, a
     ModuleFixture fixture(With(1, 1));
     fixture.Field();
     fixture.PreRender();
-    fixture.plugin.dirtyRect = Rect(10, 100, 14, 103);
-    const CanvasPixels pixels = fixture.plugin.canvasSurface->GetPixels();
+    fixture.plugin.telestrator.dirtyRect = Rect(10, 100, 14, 103);
+    const CanvasPixels pixels = fixture.plugin.telestrator.canvasSurface->GetPixels();
     for (std::size_t i = 0; i < pixels.byteSize; ++i) pixels.bytes[i] = static_cast<std::byte>(i * 7 + i / 4096);
     const Lines upload{"glPixelStorei" + Words({GL_UNPACK_ROW_LENGTH, 1024}),
                        "_api__image_subtexload" + Words({40, -1, 10, 920, 5, 4, GL_RGBA, GL_UNSIGNED_BYTE}),
@@ -263,7 +263,7 @@ TEST_CASE("After each event the texture is the canvas") {
     fixture.PreRender();
     const auto same = [&] {
         fixture.PreRender();
-        const CanvasPixels pixels = fixture.plugin.canvasSurface->GetPixels();
+        const CanvasPixels pixels = fixture.plugin.telestrator.canvasSurface->GetPixels();
         return std::memcmp(fixture.host.texture.data(), pixels.bytes, pixels.byteSize) == 0;
     };
     fixture.Press(200, 300);
@@ -282,16 +282,16 @@ TEST_CASE("Rectangles without pixels upload nothing; those beyond the canvas are
     ModuleFixture fixture(With(1, 1));
     fixture.Field();
     fixture.PreRender();
-    const CanvasPixels pixels = fixture.plugin.canvasSurface->GetPixels();
+    const CanvasPixels pixels = fixture.plugin.telestrator.canvasSurface->GetPixels();
     constexpr std::int32_t far = std::numeric_limits<std::int32_t>::max();
     for (const Rect& rect : {Rect(), Rect(5, 5, 4, 10), Rect(5, 5, 10, 4), Rect(5, 5, -far, 10), Rect(2000, 0, 2005, 9),
                              Rect(-20, -20, -1, -1)}) {
-        fixture.plugin.dirtyRect = rect;
+        fixture.plugin.telestrator.dirtyRect = rect;
         fixture.host.TakeCalls();
         UploadCanvas(fixture.plugin, pixels.bytes, pixels.width, pixels.height);
         CHECK(fixture.host.calls.empty());
     }
-    fixture.plugin.dirtyRect = Rect(-far, -far, far, far);
+    fixture.plugin.telestrator.dirtyRect = Rect(-far, -far, far, far);
     UploadCanvas(fixture.plugin, pixels.bytes, pixels.width, pixels.height);
     CHECK_EQ(fixture.host.CallsOf("_api__image_subtexload"),
              Lines{"_api__image_subtexload" + Words({40, -1, 0, 0, 1024, 1024, GL_RGBA, GL_UNSIGNED_BYTE})});
@@ -303,16 +303,16 @@ TEST_CASE("A commit copies the shapes over the canvas, uploads all of it and pus
     fixture.PreRender();
     fixture.Press(200, 300);
     fixture.Release(200, 300);
-    fixture.plugin.shapeSurface->BeginStroke(600, 600, 1);
-    fixture.plugin.shapeCommitPending = true;
+    fixture.plugin.telestrator.shapeSurface->BeginStroke(600, 600, 1);
+    fixture.plugin.telestrator.shapeCommitPending = true;
     fixture.host.TakeCalls();
     fixture.PreRender();
-    CHECK_FALSE(fixture.plugin.shapeCommitPending);
-    CHECK_FALSE(fixture.plugin.fullUploadPending);
+    CHECK_FALSE(fixture.plugin.telestrator.shapeCommitPending);
+    CHECK_FALSE(fixture.plugin.telestrator.fullUploadPending);
     CHECK_EQ(fixture.host.CallsOf("_api__image_subtexload"), Lines{fullUpload});  // in place of the partial one
-    CHECK_EQ(PixelsOf(*fixture.plugin.canvasSurface), PixelsOf(*fixture.plugin.shapeSurface));
-    const CanvasPixels pixels = fixture.plugin.canvasSurface->GetPixels();
-    CHECK_EQ(std::memcmp(fixture.plugin.currentSnapshot.get(), pixels.bytes, pixels.byteSize), 0);
+    CHECK_EQ(PixelsOf(*fixture.plugin.telestrator.canvasSurface), PixelsOf(*fixture.plugin.telestrator.shapeSurface));
+    const CanvasPixels pixels = fixture.plugin.telestrator.canvasSurface->GetPixels();
+    CHECK_EQ(std::memcmp(fixture.plugin.telestrator.currentSnapshot.get(), pixels.bytes, pixels.byteSize), 0);
 }
 
 TEST_CASE("Without a canvas nothing is set, saved or restored") {

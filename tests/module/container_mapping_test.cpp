@@ -126,7 +126,7 @@ void CheckAgainstCamera(const Camera& camera, const Placement& placement) {
 
 TEST_CASE("A container seen straight on maps like the camera says") { CheckAgainstCamera({}, {}); }
 
-TEST_CASE("A turned, stretched and shifted container maps like the camera says") {
+TEST_CASE("A rotated, stretched and shifted container maps like the camera says") {
     Camera camera;
     camera.eye = {80, 120, 260};
     camera.target = {10, 5, 0};
@@ -191,7 +191,7 @@ TEST_CASE("The aspect is width over height of the box, z ignored") {
     ModuleFixture fixture;
     fixture.host.box = {-80, -10, -5, 80, 30, 77};
     CHECK(ReadBoundingBox(fixture.plugin, {7}));
-    CHECK_EQ(fixture.plugin.aspect, 4.0F);  // 160 / 40
+    CHECK_EQ(fixture.plugin.telestrator.aspect, 4.0F);  // 160 / 40
     CHECK_EQ(fixture.plugin.boxMinX, -80.0F);
     CHECK_EQ(fixture.plugin.boxMaxX, 80.0F);
     CHECK_EQ(fixture.plugin.boxMinY, -10.0F);
@@ -210,7 +210,7 @@ TEST_CASE("A box maps only when both sides exceed 0.0001") {
     CHECK_FALSE(maps(-1, 1));
     CHECK_FALSE(maps(std::numeric_limits<float>::quiet_NaN(), 1));
     CHECK_FALSE(maps(1, 0));
-    CHECK(std::isinf(fixture.plugin.aspect));
+    CHECK(std::isinf(fixture.plugin.telestrator.aspect));
 }
 
 TEST_CASE("A failed unprojection maps whatever the window coordinates give") {

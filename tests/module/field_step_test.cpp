@@ -28,12 +28,12 @@ TEST_CASE("The first field makes the canvas, binds it and asks for a redraw") {
     REQUIRE_GE(calls.size(), 5);
     CHECK_EQ(calls.front(), "_api__tessmar_get_window_size");
     CHECK_EQ(calls.back(), "_api__scene_redraw");
-    CHECK_NE(fixture.plugin.canvasSurface, nullptr);
-    CHECK_NE(fixture.plugin.shapeSurface, nullptr);
+    CHECK_NE(fixture.plugin.telestrator.canvasSurface, nullptr);
+    CHECK_NE(fixture.plugin.telestrator.shapeSurface, nullptr);
     CHECK_EQ(fixture.plugin.windowWidth, 1023);
     CHECK_EQ(fixture.plugin.lastTexUnit, 1);
-    CHECK_EQ(fixture.plugin.lastBrushWidth, 5);
-    CHECK_EQ(fixture.plugin.lastBrushColor, 0xF0000000U);
+    CHECK_EQ(fixture.plugin.telestrator.lastBrushWidth, 5);
+    CHECK_EQ(fixture.plugin.telestrator.lastBrushColor, 0xF0000000U);
 }
 
 TEST_CASE("A field in which nothing changed asks only for the window and a redraw") {
@@ -59,19 +59,19 @@ TEST_CASE("The brush width reaches both surfaces in colour mode, the eraser's in
     fixture.plugin.BrushWidth = 12;
     fixture.plugin.EraserWidth = 33;
     fixture.Field();
-    CHECK_EQ(fixture.plugin.canvasSurface->width, 12);
-    CHECK_EQ(fixture.plugin.shapeSurface->width, 12);
-    CHECK_EQ(fixture.plugin.lastEraserWidth, -1);
+    CHECK_EQ(fixture.plugin.telestrator.canvasSurface->width, 12);
+    CHECK_EQ(fixture.plugin.telestrator.shapeSurface->width, 12);
+    CHECK_EQ(fixture.plugin.telestrator.lastEraserWidth, -1);
     fixture.plugin.BrushType = 1;
     fixture.plugin.BrushWidth = 13;
     fixture.Field();
-    CHECK_EQ(fixture.plugin.canvasSurface->width, 33);
-    CHECK_EQ(fixture.plugin.shapeSurface->width, 33);
-    CHECK_EQ(fixture.plugin.lastBrushWidth, 12);
+    CHECK_EQ(fixture.plugin.telestrator.canvasSurface->width, 33);
+    CHECK_EQ(fixture.plugin.telestrator.shapeSurface->width, 33);
+    CHECK_EQ(fixture.plugin.telestrator.lastBrushWidth, 12);
     fixture.plugin.BrushType = 2;  // no such type: nothing follows
     fixture.plugin.EraserWidth = 34;
     fixture.Field();
-    CHECK_EQ(fixture.plugin.canvasSurface->width, 33);
+    CHECK_EQ(fixture.plugin.telestrator.canvasSurface->width, 33);
 }
 
 // The colour's bytes in memory are red 0x11, green 0x22, blue 0x33. b * 64 + b / 4: 17 -> 1088 + 4 = 1092;
@@ -80,12 +80,13 @@ TEST_CASE("The colour goes to both surfaces in reverse, widened to 14 bits") {
     ModuleFixture fixture(FewUndos());
     fixture.plugin.BrushColor = 0xFF332211;
     fixture.Field();
-    for (const TelestratorSurface* surface : {fixture.plugin.canvasSurface.get(), fixture.plugin.shapeSurface.get()}) {
+    for (const TelestratorSurface* surface :
+         {fixture.plugin.telestrator.canvasSurface.get(), fixture.plugin.telestrator.shapeSurface.get()}) {
         CHECK_EQ(surface->colour, Colour{3276, 2184, 1092});
     }
-    for (int i = 0; i < 50; ++i) fixture.plugin.canvasSurface->BeginStroke(300, 300, 1);
+    for (int i = 0; i < 50; ++i) fixture.plugin.telestrator.canvasSurface->BeginStroke(300, 300, 1);
     // In memory: red, green, blue, alpha for OpenGL. Soft dabs approach the full colour from below.
-    const std::byte* pixel = fixture.plugin.canvasSurface->canvas->Address(300, 300);
+    const std::byte* pixel = fixture.plugin.telestrator.canvasSurface->canvas->Address(300, 300);
     const std::array<int, 4> wanted{0x11, 0x22, 0x33, 255};
     for (std::size_t i = 0; i < 4; ++i) CHECK_LE(std::abs(static_cast<int>(pixel[i]) - wanted[i]), 2);
 }
@@ -94,7 +95,7 @@ TEST_CASE("A colour of 0 is what the brush starts with") {
     ModuleFixture fixture(FewUndos());
     fixture.plugin.BrushColor = 0;
     fixture.Field();
-    CHECK_EQ(fixture.plugin.canvasSurface->colour, Colour{0, 0, 0});
+    CHECK_EQ(fixture.plugin.telestrator.canvasSurface->colour, Colour{0, 0, 0});
 }
 
 TEST_CASE("An empty image name or none looks nothing up") {
@@ -119,9 +120,9 @@ TEST_CASE("A new image name takes effect at the next field, once") {
     CHECK_EQ(fixture.host.CountCalls("_api__get_image_objectid"), 1);
     CHECK_EQ(fixture.plugin.brushImageHandle.id, 60);
     CHECK_EQ(std::string(fixture.plugin.lastBrushImageName.data()), "ball");
-    REQUIRE_NE(fixture.plugin.canvasSurface->brushImage, nullptr);
-    CHECK_EQ(fixture.plugin.canvasSurface->brushImage->GetPixel8(1, 0), Pixel8{5, 6, 7, 8});
-    CHECK_EQ(fixture.plugin.shapeSurface->brushImage, nullptr);  // shapes are not drawn with it
+    REQUIRE_NE(fixture.plugin.telestrator.canvasSurface->brushImage, nullptr);
+    CHECK_EQ(fixture.plugin.telestrator.canvasSurface->brushImage->GetPixel8(1, 0), Pixel8{5, 6, 7, 8});
+    CHECK_EQ(fixture.plugin.telestrator.shapeSurface->brushImage, nullptr);  // shapes are not drawn with it
 }
 
 TEST_CASE("The image is fetched data first, then size, then format") {
@@ -136,7 +137,7 @@ TEST_CASE("The image is fetched data first, then size, then format") {
         fixture.host.TakeCalls(),
         Lines{"_api__tessmar_get_window_size", "_api__get_image_objectid ball", "_api__object_valid 60",
               "_api__get_image_data 60", "_api__get_image_size 60", "_api__get_image_format 60", "_api__scene_redraw"});
-    CHECK_EQ(fixture.plugin.canvasSurface->brushImage, nullptr);
+    CHECK_EQ(fixture.plugin.telestrator.canvasSurface->brushImage, nullptr);
 }
 
 TEST_CASE("An image that is gone again resets both surfaces") {
@@ -147,11 +148,11 @@ TEST_CASE("An image that is gone again resets both surfaces") {
     fixture.host.brushImagePixels = {1, 2, 3, 4};
     fixture.plugin.BrushImage = "ball";
     fixture.Field();
-    REQUIRE_NE(fixture.plugin.canvasSurface->brushImage, nullptr);
+    REQUIRE_NE(fixture.plugin.telestrator.canvasSurface->brushImage, nullptr);
     fixture.plugin.BrushImage = "";
     fixture.Field();
     CHECK_EQ(fixture.plugin.brushImageHandle.id, -1);
-    CHECK_EQ(fixture.plugin.canvasSurface->brushImage, nullptr);
+    CHECK_EQ(fixture.plugin.telestrator.canvasSurface->brushImage, nullptr);
 }
 
 // The buffer holds 1000 bytes, the last of them a zero: 999 of the name.
@@ -180,9 +181,10 @@ TEST_CASE("Only parameter 5 reconfigures at once") {
     fixture.Field();
     fixture.plugin.BrushType = 1;
     for (const std::int32_t number : {0, 1, 4, 6, 20, -5}) PLUGIN_CHANGED_CALLBACK(&fixture.plugin, number);
-    CHECK_EQ(fixture.plugin.canvasSurface->sourceMode, 0);
+    CHECK_EQ(fixture.plugin.telestrator.canvasSurface->sourceMode, 0);
     PLUGIN_CHANGED_CALLBACK(&fixture.plugin, 5);
-    for (const TelestratorSurface* surface : {fixture.plugin.canvasSurface.get(), fixture.plugin.shapeSurface.get()}) {
+    for (const TelestratorSurface* surface :
+         {fixture.plugin.telestrator.canvasSurface.get(), fixture.plugin.telestrator.shapeSurface.get()}) {
         CHECK_EQ(surface->sourceMode, 1);
         CHECK_EQ(surface->width, 10);
         CHECK_EQ(surface->spacing, 0.15);
@@ -203,7 +205,7 @@ TEST_CASE("An unknown brush type leaves the brushes as they are") {
     PLUGIN_CHANGED_CALLBACK(&fixture.plugin, 5);
     fixture.plugin.BrushType = 7;
     PLUGIN_CHANGED_CALLBACK(&fixture.plugin, 5);
-    CHECK_EQ(fixture.plugin.canvasSurface->sourceMode, 1);
+    CHECK_EQ(fixture.plugin.telestrator.canvasSurface->sourceMode, 1);
 }
 
 TEST_CASE("The circle radius has no effect on anything") {
@@ -224,9 +226,40 @@ TEST_CASE("The circle radius has no effect on anything") {
         fixture.Release(500, 400);
         fixture.Field();
         fixture.PreRender();
-        return PixelsOf(*fixture.plugin.canvasSurface);
+        return PixelsOf(*fixture.plugin.telestrator.canvasSurface);
     };
     CHECK_EQ(strokeWith(0), strokeWith(777));
+}
+
+TEST_CASE("Actions before the first field and unknown actions do nothing") {
+    PluginParameters values = DefaultParameters();
+    values.MaxUndos = 2;
+    ModuleFixture fixture(values);
+    PLUGIN_EXEC_ACTION(&fixture.plugin, 0);
+    PLUGIN_EXEC_ACTION(&fixture.plugin, 1);
+    CHECK(fixture.host.calls.empty());
+    CHECK_FALSE(fixture.plugin.telestrator.fullUploadPending);
+    fixture.Field();
+    fixture.Press(100, 100);
+    fixture.Release(150, 100);
+    const Pixels drawn = PixelsOf(*fixture.plugin.telestrator.canvasSurface);
+    PLUGIN_EXEC_ACTION(&fixture.plugin, 2);
+    PLUGIN_EXEC_ACTION(&fixture.plugin, -1);
+    CHECK(PixelsOf(*fixture.plugin.telestrator.canvasSurface) == drawn);
+    PLUGIN_EXEC_ACTION(&fixture.plugin, 0);
+    CHECK(IsBlank(*fixture.plugin.telestrator.canvasSurface));
+    PLUGIN_EXEC_ACTION(&fixture.plugin, 1);
+    CHECK(PixelsOf(*fixture.plugin.telestrator.canvasSurface) == drawn);
+}
+
+TEST_CASE("The ring follows MaxUndos in a field that has other changes to follow") {
+    ModuleFixture fixture;
+    fixture.Field();
+    fixture.plugin.MaxUndos = 5;
+    fixture.plugin.TexUnit = 2;
+    fixture.Field();
+    CHECK_EQ(fixture.plugin.telestrator.undoRing->size(), 5);
+    CHECK_EQ(fixture.plugin.lastTexUnit, 2);
 }
 
 }  // namespace

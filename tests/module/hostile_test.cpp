@@ -6,9 +6,9 @@
 #include <random>
 #include <vector>
 
-#include "module/stroke_finish.h"
+#include "telestrator/telestrator.h"
 #include "tests/module/module_fixture.h"
-#include "tests/module/stroke_shapes.h"
+#include "tests/telestrator/stroke_shapes.h"
 
 namespace chalkpane::testing {
 namespace {
@@ -40,7 +40,7 @@ void DrawAndRender(ModuleFixture& fixture) {
     }
 }
 
-TEST_CASE("A container matrix of nothing, of infinities or of no numbers paints nothing") {
+TEST_CASE("A container matrix of nothing, of infinities or of NaN paints nothing") {
     for (const float value : {0.0F, nan, infinity, -infinity, 1e38F}) {
         for (std::size_t element = 0; element <= 16; ++element) {
             if (element < 16 && value == 0.0F) continue;  // a single zero is an ordinary matrix
@@ -51,13 +51,13 @@ TEST_CASE("A container matrix of nothing, of infinities or of no numbers paints 
             else
                 fixture.host.containerMatrix[element] = value;
             DrawAndRender(fixture);
-            if (element == 16) CHECK(IsBlank(*fixture.plugin.canvasSurface));
+            if (element == 16) CHECK(IsBlank(*fixture.plugin.telestrator.canvasSurface));
             CHECK_FALSE(fixture.plugin.pointerInsideStroke);
         }
     }
 }
 
-TEST_CASE("A camera matrix of no numbers paints nothing") {
+TEST_CASE("A camera matrix of NaN paints nothing") {
     for (const float value : {0.0F, nan, infinity}) {
         ModuleFixture fixture(Recognising());
         fixture.Field();
@@ -84,10 +84,11 @@ TEST_CASE("A line far beyond the canvas is smoothed and drawn nowhere") {
     fixture.Field();
     Points points;
     for (int i = 0; i < 3000; ++i) points.emplace_back(1e8 + 100.0 * i, -2e9 + 500.0 * i, 0.0);
-    StoreStroke(fixture.plugin, points);
+    StoreStroke(fixture.plugin.telestrator, points);
     FinishStroke(fixture.plugin);
-    CHECK_EQ(fixture.plugin.strokePointCount, 752);  // the first, 750 of the fourths (1 .. 2997), and the last
-    CHECK(IsBlank(*fixture.plugin.shapeSurface));
+    CHECK_EQ(fixture.plugin.telestrator.strokePointCount,
+             752);  // the first, 750 of the fourths (1 .. 2997), and the last
+    CHECK(IsBlank(*fixture.plugin.telestrator.shapeSurface));
 }
 
 TEST_CASE("Windows of no size, and of sizes beyond reason, are survived") {
@@ -126,12 +127,12 @@ TEST_CASE("A press over a degenerate box while a shape waits makes the aspect in
     fixture.Release(600, 300);
     fixture.host.box = {-50, 5, 0, 50, 5, 0};
     fixture.Press(300, 300);
-    CHECK(std::isinf(fixture.plugin.aspect));
+    CHECK(std::isinf(fixture.plugin.telestrator.aspect));
     fixture.Fields(4);
-    CHECK(fixture.plugin.shapeCommitPending);
-    CHECK(IsBlank(*fixture.plugin.shapeSurface));
+    CHECK(fixture.plugin.telestrator.shapeCommitPending);
+    CHECK(IsBlank(*fixture.plugin.telestrator.shapeSurface));
     fixture.PreRender();
-    CHECK(IsBlank(*fixture.plugin.canvasSurface));
+    CHECK(IsBlank(*fixture.plugin.telestrator.canvasSurface));
 }
 
 TEST_CASE("Two far jumps at width 1 fill the buffer and the recognisers decline") {
@@ -145,7 +146,7 @@ TEST_CASE("Two far jumps at width 1 fill the buffer and the recognisers decline"
     fixture.Move(900, 900);
     fixture.Move(100, 900);
     fixture.Release(100, 100);
-    CHECK_EQ(fixture.plugin.strokePointCount, 1024 * 1024);
+    CHECK_EQ(fixture.plugin.telestrator.strokePointCount, 1024 * 1024);
     CHECK_FALSE(fixture.plugin.pointerInsideStroke);
 }
 
@@ -175,7 +176,7 @@ TEST_CASE("Recognition cleared inside a stroke gives the shape surface an end wi
     fixture.Field();
     fixture.PreRender();
     CHECK_FALSE(fixture.plugin.pointerInsideStroke);
-    CHECK_FALSE(fixture.plugin.shapeCommitPending);
+    CHECK_FALSE(fixture.plugin.telestrator.shapeCommitPending);
 }
 
 TEST_CASE("Recognition set inside a stroke joins what is stored") {
@@ -187,10 +188,10 @@ TEST_CASE("Recognition set inside a stroke joins what is stored") {
     fixture.plugin.RecoShapes = 1;
     fixture.Move(500, 300);
     fixture.Release(600, 300);
-    CHECK_EQ(fixture.plugin.strokePointCount, 1);
+    CHECK_EQ(fixture.plugin.telestrator.strokePointCount, 1);
     fixture.Fields(2);
     fixture.PreRender();
-    CHECK_FALSE(fixture.plugin.shapeCommitPending);
+    CHECK_FALSE(fixture.plugin.telestrator.shapeCommitPending);
 }
 
 TEST_CASE("Brush pictures of no size, below none, beyond all memory or without data are no pictures") {
@@ -211,7 +212,7 @@ TEST_CASE("Brush pictures of no size, below none, beyond all memory or without d
             fixture.host.brushImagePixels.assign(16, 1);
             fixture.plugin.BrushImage = "ball";
             fixture.Field();
-            CHECK_EQ(fixture.plugin.canvasSurface->brushImage, nullptr);
+            CHECK_EQ(fixture.plugin.telestrator.canvasSurface->brushImage, nullptr);
             DrawAndRender(fixture);
         }
     }
@@ -287,7 +288,7 @@ TEST_CASE("Parameters of any value are survived") {
             fixture.PreRender();
             fixture.PostRender();
         }
-        CHECK_NE(plugin.canvasSurface, nullptr);
+        CHECK_NE(plugin.telestrator.canvasSurface, nullptr);
     }
 }
 

@@ -6,12 +6,11 @@
 
 #include "module/brush_mode.h"
 #include "module/canvas_texture.h"
-#include "module/shape_recognition.h"
-#include "module/stroke_finish.h"
-#include "module/undo_history.h"
-#include "tests/module/allocation_failure.h"
+#include "telestrator/recognition/shape_recognition.h"
+#include "telestrator/telestrator.h"
 #include "tests/module/module_fixture.h"
-#include "tests/module/stroke_shapes.h"
+#include "tests/telestrator/allocation_failure.h"
+#include "tests/telestrator/stroke_shapes.h"
 
 namespace chalkpane::testing {
 namespace {
@@ -38,14 +37,14 @@ void WarmUp() {
 
 void CheckStillPaints(ModuleFixture& fixture) {
     fixture.Fields(2);
-    REQUIRE_NE(fixture.plugin.canvasSurface, nullptr);
+    REQUIRE_NE(fixture.plugin.telestrator.canvasSurface, nullptr);
     PLUGIN_EXEC_ACTION(&fixture.plugin, 0);
     fixture.plugin.BrushType = 0;
     PLUGIN_CHANGED_CALLBACK(&fixture.plugin, 5);
     fixture.Press(600, 600);
     fixture.Move(640, 600);
     fixture.Release(660, 600);
-    CHECK_GT(AlphaAt(*fixture.plugin.canvasSurface, 620, 600), 0);
+    CHECK_GT(AlphaAt(*fixture.plugin.telestrator.canvasSurface, 620, 600), 0);
     CHECK_EQ(fixture.PreRender(), 1);
     CHECK_EQ(fixture.PostRender(), 1);
 }
@@ -89,11 +88,11 @@ const auto firstField = [](ModuleFixture& fixture) { fixture.Field(); };
 TEST_CASE("A canvas that cannot be made leaves nothing behind, and the next field tries again") {
     const auto nothing = [](ModuleFixture&) {};
     FailEach(0, nothing, firstField, [](ModuleFixture& fixture, const std::string& printed) {
-        if (fixture.plugin.canvasSurface) return;  // failed behind the creation
+        if (fixture.plugin.telestrator.canvasSurface) return;  // failed behind the creation
         CHECK_EQ(printed, noMemoryMessage);
-        CHECK_EQ(fixture.plugin.shapeSurface, nullptr);
-        CHECK_EQ(fixture.plugin.undoRing, nullptr);
-        CHECK_EQ(fixture.plugin.currentSnapshot, nullptr);
+        CHECK_EQ(fixture.plugin.telestrator.shapeSurface, nullptr);
+        CHECK_EQ(fixture.plugin.telestrator.undoRing, nullptr);
+        CHECK_EQ(fixture.plugin.telestrator.currentSnapshot, nullptr);
         CHECK_EQ(fixture.plugin.canvasTexture.id, -1);
         CHECK_EQ(fixture.plugin.canvasImage.id, -1);
     });
@@ -131,7 +130,7 @@ TEST_CASE("A field without a canvas goes straight to its redraw") {
         fixture.Field();
     }
     CHECK_EQ(output.Stop(), noMemoryMessage);
-    CHECK_EQ(fixture.plugin.canvasSurface, nullptr);
+    CHECK_EQ(fixture.plugin.telestrator.canvasSurface, nullptr);
     CHECK_EQ(fixture.plugin.lastTexUnit, -1);
     CHECK_EQ(fixture.host.redraws, 1);
 }
@@ -141,12 +140,12 @@ TEST_CASE("Recognition buffers that cannot be made leave their flag clear") {
         0, firstField, [](ModuleFixture& fixture) { SizeRecognitionBuffers(fixture.plugin, true); },
         [](ModuleFixture& fixture, const std::string& printed) {
             CHECK_EQ(printed, noMemoryMessage);
-            CHECK_FALSE(fixture.plugin.recognitionBuffersReady);
-            CHECK_EQ(fixture.plugin.strokePoints, nullptr);
-            CHECK_EQ(fixture.plugin.houghAccumulator, nullptr);
-            CHECK_FALSE(RecognizeEllipse(fixture.plugin));
-            CHECK_FALSE(RecognizeCircle(fixture.plugin));
-            CHECK_FALSE(RecognizeCross(fixture.plugin));
+            CHECK_FALSE(fixture.plugin.telestrator.recognitionBuffersReady);
+            CHECK_EQ(fixture.plugin.telestrator.strokePoints, nullptr);
+            CHECK_EQ(fixture.plugin.telestrator.houghAccumulator, nullptr);
+            CHECK_FALSE(RecognizeEllipse(Input(fixture.plugin)));
+            CHECK_FALSE(RecognizeCircle(Input(fixture.plugin)));
+            CHECK_FALSE(RecognizeCross(Input(fixture.plugin)));
         });
 }
 
@@ -161,12 +160,12 @@ TEST_CASE("A ring that cannot grow stays as far as it came and ends the field wi
         firstField,
         [](ModuleFixture& fixture, const std::string& printed) {
             CHECK_EQ(printed, noMemoryMessage);
-            CHECK_GE(fixture.plugin.undoRing->size(), 2);
-            CHECK_LT(fixture.plugin.undoRing->size(), 5);
+            CHECK_GE(fixture.plugin.telestrator.undoRing->size(), 2);
+            CHECK_LT(fixture.plugin.telestrator.undoRing->size(), 5);
             CHECK_EQ(fixture.plugin.lastTexUnit, 1);  // the steps behind it did not run
             CHECK_EQ(fixture.host.redraws, 1);        // the first field's
             fixture.Field();
-            CHECK_EQ(fixture.plugin.undoRing->size(), 5);
+            CHECK_EQ(fixture.plugin.telestrator.undoRing->size(), 5);
             CHECK_EQ(fixture.plugin.lastTexUnit, 2);
         });
 }
@@ -181,7 +180,7 @@ TEST_CASE("A brush mode that cannot be applied is survived") {
         [](ModuleFixture& fixture) { ApplyBrushMode(fixture.plugin); },
         [](ModuleFixture& fixture, const std::string& printed) {
             CHECK((printed.empty() || printed == noMemoryMessage));
-            CHECK_NE(fixture.plugin.canvasSurface, nullptr);
+            CHECK_NE(fixture.plugin.telestrator.canvasSurface, nullptr);
         });
 }
 
@@ -196,7 +195,7 @@ TEST_CASE("A changed width that cannot be applied is tried again") {
         [](ModuleFixture& fixture, const std::string& printed) {
             CHECK((printed.empty() || printed == noMemoryMessage));
             fixture.Field();
-            CHECK_EQ(fixture.plugin.lastBrushWidth, 17);
+            CHECK_EQ(fixture.plugin.telestrator.lastBrushWidth, 17);
         });
 }
 
@@ -211,7 +210,7 @@ TEST_CASE("A changed colour that cannot be applied is tried again") {
         [](ModuleFixture& fixture, const std::string& printed) {
             CHECK((printed.empty() || printed == noMemoryMessage));
             fixture.Field();
-            CHECK_EQ(fixture.plugin.lastBrushColor, 0xFF112233U);
+            CHECK_EQ(fixture.plugin.telestrator.lastBrushColor, 0xFF112233U);
         });
 }
 
@@ -276,13 +275,13 @@ TEST_CASE("A finish that runs out of memory ends, whatever the stroke was") {
             [&](ModuleFixture& fixture) {
                 fixture.plugin.RecoCircle = 1;
                 fixture.Field();
-                StoreStroke(fixture.plugin, points);
+                StoreStroke(fixture.plugin.telestrator, points);
             },
             [](ModuleFixture& fixture) { FinishStroke(fixture.plugin); },
             [](ModuleFixture& fixture, const std::string& printed) {
                 CHECK((printed.empty() || printed.substr(0, noMemoryMessage.size()) == noMemoryMessage));
-                CHECK(fixture.plugin.shapeCommitPending);
-                fixture.plugin.shapeCommitPending = false;
+                CHECK(fixture.plugin.telestrator.shapeCommitPending);
+                fixture.plugin.telestrator.shapeCommitPending = false;
             },
             Kind::Dabs);
     }

@@ -7,11 +7,12 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
-#include <vector>
 
 #include "module/abi/entry_points.h"
+#include "module/memory_report.h"
 #include "module/plugin_instance.h"
 #include "tests/module/recording_host.h"
+#include "tests/telestrator/telestrator_fixture.h"
 
 namespace chalkpane::testing {
 
@@ -84,33 +85,19 @@ private:
     bool cleanedUp_ = false;
 };
 
-using Pixels = std::vector<std::byte>;
-
-inline Pixels PixelsOf(const TelestratorSurface& surface) {
-    const CanvasPixels pixels = surface.GetPixels();
-    return {pixels.bytes, pixels.bytes + pixels.byteSize};
+// What the telestrator of an instance does on its own, told as the module tells it.
+inline void SizeRecognitionBuffers(PluginInstance& plugin, bool wanted) {
+    plugin.telestrator.SizeRecognitionBuffers(wanted);
+    ReportMemoryFailures(plugin);
 }
-
-inline bool IsBlank(const TelestratorSurface& surface) {
-    const CanvasPixels pixels = surface.GetPixels();
-    for (std::size_t i = 0; i < pixels.byteSize; ++i) {
-        if (pixels.bytes[i] != std::byte{0}) return false;
-    }
-    return true;
+[[nodiscard]] inline ShapeInput Input(PluginInstance& plugin) {
+    static TelestratorSettings settings;  // the input borrows them
+    settings = SettingsOf(plugin);
+    return plugin.telestrator.RecognitionInput(settings);
 }
-
-// Alpha at canvas pixel (x, y) in the sense of the pointer: y from the top of the container.
-inline int AlphaAt(const TelestratorSurface& surface, std::int32_t x, std::int32_t y) {
-    return surface.canvas->GetPixel8(x, y).alpha;
-}
-
-// A blank surface with the same brush settings as that of an instance in colour mode.
-inline std::unique_ptr<TelestratorSurface> ReferenceSurface(std::int32_t width) {
-    auto surface = std::make_unique<TelestratorSurface>();
-    surface->CreateCanvasImage(canvasSize, canvasSize);
-    surface->SetBrushWidth(width);
-    surface->SetBrushColour(0, 0, 0);
-    return surface;
+inline void FinishStroke(PluginInstance& plugin) {
+    plugin.telestrator.FinishStroke(SettingsOf(plugin));
+    ReportMemoryFailures(plugin);
 }
 
 // Collects what goes to standard output.

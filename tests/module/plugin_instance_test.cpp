@@ -2,8 +2,8 @@
 
 #include <doctest/doctest.h>
 
-#include "tests/module/allocation_failure.h"
 #include "tests/module/module_fixture.h"
+#include "tests/telestrator/allocation_failure.h"
 
 namespace chalkpane::testing {
 namespace {
@@ -38,37 +38,37 @@ TEST_CASE("Construction leaves the parameters alone and sets every other field")
     CHECK_EQ(plugin.MaxUndos, 3);
     CHECK_EQ(plugin.CircleRadius, 77);
 
-    CHECK_EQ(plugin.canvasSurface, nullptr);
-    CHECK_EQ(plugin.shapeSurface, nullptr);
+    CHECK_EQ(plugin.telestrator.canvasSurface, nullptr);
+    CHECK_EQ(plugin.telestrator.shapeSurface, nullptr);
     CHECK_FALSE(plugin.pointerInsideStroke);
     CHECK_EQ(plugin.lastTexUnit, -1);
     CHECK_EQ(plugin.canvasImage.id, -1);
     CHECK_EQ(plugin.canvasTexture.id, -1);
-    CHECK_EQ(plugin.lastBrushWidth, -1);
-    CHECK_EQ(plugin.lastEraserWidth, -1);
-    CHECK_EQ(plugin.lastBrushColor, 0U);
+    CHECK_EQ(plugin.telestrator.lastBrushWidth, -1);
+    CHECK_EQ(plugin.telestrator.lastEraserWidth, -1);
+    CHECK_EQ(plugin.telestrator.lastBrushColor, 0U);
     CHECK_EQ(plugin.windowWidth, -1);
     CHECK_EQ(plugin.windowHeight, -1);
     CHECK_EQ(plugin.lastPointerX, -1);
     CHECK_EQ(plugin.lastPointerY, -1);
-    CHECK_EQ(plugin.canvasWidth, 1024);
-    CHECK_EQ(plugin.canvasHeight, 1024);
+    CHECK_EQ(plugin.telestrator.canvasWidth, 1024);
+    CHECK_EQ(plugin.telestrator.canvasHeight, 1024);
     CHECK_FALSE(plugin.pointerDown);
-    CHECK_EQ(plugin.dirtyRect, Rect(0, 0, -1, -1));
-    CHECK_FALSE(plugin.fullUploadPending);
+    CHECK_EQ(plugin.telestrator.dirtyRect, Rect(0, 0, -1, -1));
+    CHECK_FALSE(plugin.telestrator.fullUploadPending);
     CHECK_EQ(plugin.brushImageHandle.id, -1);
     CHECK_EQ(std::string(plugin.lastBrushImageName.data()), "");
-    CHECK_EQ(plugin.lastStrokePoint, Vector3());
-    CHECK_FALSE(plugin.shapeCommitPending);
-    CHECK_EQ(plugin.strokePointCount, 0);
-    CHECK_EQ(plugin.strokePoints, nullptr);
-    CHECK_EQ(plugin.shapeCountdown, -1);
-    CHECK_EQ(plugin.undoIndex, 0);
-    CHECK_EQ(plugin.undoRing, nullptr);
-    CHECK_EQ(plugin.currentSnapshot, nullptr);
-    CHECK_EQ(plugin.houghAccumulator, nullptr);
-    CHECK_EQ(plugin.aspect, 0.0F);
-    CHECK_FALSE(plugin.recognitionBuffersReady);
+    CHECK_EQ(plugin.telestrator.lastStrokePoint, Vector3());
+    CHECK_FALSE(plugin.telestrator.shapeCommitPending);
+    CHECK_EQ(plugin.telestrator.strokePointCount, 0);
+    CHECK_EQ(plugin.telestrator.strokePoints, nullptr);
+    CHECK_EQ(plugin.telestrator.shapeCountdown, -1);
+    CHECK_EQ(plugin.telestrator.undoIndex, 0);
+    CHECK_EQ(plugin.telestrator.undoRing, nullptr);
+    CHECK_EQ(plugin.telestrator.currentSnapshot, nullptr);
+    CHECK_EQ(plugin.telestrator.houghAccumulator, nullptr);
+    CHECK_EQ(plugin.telestrator.aspect, 0.0F);
+    CHECK_FALSE(plugin.telestrator.recognitionBuffersReady);
 }
 
 TEST_CASE("Construction allocates nothing and asks the host nothing") {

@@ -52,12 +52,15 @@ void AddCanvases(Report& report, const std::string& name, kel::HostState& state)
     state.objects.ForEach<kel::ContainerObject>([&](kel::ObjectId, const kel::ContainerObject& container) {
         ++number;
         if (!container.instance) return;
-        const auto& block = *static_cast<const PluginInstance*>(container.instance->Block());
+        const Telestrator& telestrator = container.instance->Block()->telestrator;
         const std::string place = name + "/container " + std::to_string(number);
-        if (block.canvasSurface) report.Add(place + "/canvas", Hash().Add(block.canvasSurface->canvas));
-        if (block.shapeSurface) report.Add(place + "/shapes", Hash().Add(block.shapeSurface->canvas));
-        report.Add(place + "/state",
-                   Hash().Add(block.undoIndex).Add(block.strokePointCount).Add(block.shapeCountdown).Add(block.aspect));
+        if (telestrator.canvasSurface) report.Add(place + "/canvas", Hash().Add(telestrator.canvasSurface->canvas));
+        if (telestrator.shapeSurface) report.Add(place + "/shapes", Hash().Add(telestrator.shapeSurface->canvas));
+        report.Add(place + "/state", Hash()
+                                         .Add(telestrator.undoIndex)
+                                         .Add(telestrator.strokePointCount)
+                                         .Add(telestrator.shapeCountdown)
+                                         .Add(telestrator.aspect));
     });
 }
 

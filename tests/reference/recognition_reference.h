@@ -4,7 +4,7 @@
 #include <span>
 #include <vector>
 
-#include "module/geometry.h"
+#include "telestrator/geometry.h"
 
 namespace chalkpane::reference {
 

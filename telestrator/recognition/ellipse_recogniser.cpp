@@ -1,0 +1,112 @@
+#include <algorithm>
+#include <cmath>
+
+#include "telestrator/recognition/ellipse_fit.h"
+#include "telestrator/recognition/shape_recognition.h"
+
+namespace chalkpane {
+namespace {
+
+constexpr double widestHalfAxis = 65536;
+constexpr double widestLimit = 1024;  // the canvas's height
+
+// Draws a fitted ellipse in steps of a hundredth of a pixel, with a vertex wherever they have come far enough from
+// the last one. So the spacing of the vertices depends on the threshold alone, also near the ends of the axes.
+class EllipseIterator {
+public:
+    EllipseIterator(const ShapePen& pen, const EllipseFit& fit, const Vector3& centroid)
+        : pen_(pen), fit_(fit), centroid_(centroid), aspect_(pen.Aspect()) {}
+
+    // KEEP: the first half may set vertices at half the distance of the second, rounded down, and its first quarter
+    // runs a little beyond x = 0.
+    void Draw(std::int32_t brushWidth) {
+        const double a = fit_.halfWidth;
+        const Vector3 start = PointAt(a, 1);
+        last_ = start;
+        pen_.Draw(StrokeStage::Begin, start.x, start.y);
+        IterateQuarter(a, -overlap, -stride, 1, brushWidth / 2);
+        IterateQuarter(0, -a - overlap, -stride, 1, brushWidth / 2);
+        IterateQuarter(-a, overlap, stride, -1, brushWidth);
+        IterateQuarter(0, a + overlap, stride, -1, brushWidth);
+        pen_.Draw(StrokeStage::End, start.x, start.y);
+    }
+
+private:
+    static constexpr double stride = 0.01;
+    static constexpr double overlap = 0.005;
+
+    // The point of the rotated ellipse above (`sign` 1) or below (-1) its centre at x, from the centroid.
+    [[nodiscard]] Vector3 LocalPoint(double x, double sign) const {
+        const double bSquared = fit_.halfHeight * fit_.halfHeight;
+        const double t = std::min(x * x / (fit_.halfWidth * fit_.halfWidth), 1.0);
+        return {x + fit_.centre.x, sign * std::sqrt(bSquared - t * bSquared) + fit_.centre.y, 0};
+    }
+
+    // The same in canvas pixels.
+    [[nodiscard]] Vector3 PointAt(double x, double sign) const { return RotatedBack(LocalPoint(x, sign)); }
+
+    [[nodiscard]] Vector3 RotatedBack(const Vector3& local) const {
+        const double radius = local.Length();
+        const double angle = std::atan2(double{local.y}, double{local.x}) - fit_.angle;
+        return {radius * std::cos(angle) + centroid_.x, (radius * std::sin(angle) + centroid_.y) * aspect_, 0};
+    }
+
+    void IterateQuarter(double from, double limit, double step, double sign, std::int32_t threshold) {
+        for (double x = from; step < 0 ? x > limit : x < limit; x += step) {
+            const Vector3 local = LocalPoint(x, sign);
+            if (IsSurelyWithin(local, threshold)) continue;
+            const Vector3 point = RotatedBack(local);
+            if (!((point - last_).Length() > threshold)) continue;
+            pen_.Draw(StrokeStage::Continue, point.x, point.y);
+            last_ = point;
+        }
+    }
+
+    // Spares the many steps between two vertices their angle functions. The plain rotation differs from `RotatedBack`
+    // by the rounding of a few floats, far less than the margin; in doubt the answer is no.
+    [[nodiscard]] bool IsSurelyWithin(const Vector3& local, double threshold) const {
+        const double dx = local.x * cosine_ + local.y * sine_ + centroid_.x - last_.x;
+        const double dy = (local.y * cosine_ - local.x * sine_ + centroid_.y) * aspect_ - last_.y;
+        const double within = threshold - margin_;
+        return within > 0 && dx * dx + dy * dy < within * within;
+    }
+
+    [[nodiscard]] double Margin() const {
+        const double extent = fit_.halfWidth + fit_.halfHeight + fit_.centre.Length() + centroid_.Length();
+        return 1e-6 * extent * std::max(1.0, std::abs(aspect_));
+    }
+
+    ShapePen pen_;
+    EllipseFit fit_;
+    Vector3 centroid_;
+    double aspect_;
+    Vector3 last_;
+    double cosine_ = std::cos(fit_.angle);
+    double sine_ = std::sin(fit_.angle);
+    double margin_ = Margin();
+};
+
+bool IsAccepted(const EllipseFit& fit, std::span<const Vector3> points) {
+    if (fit.count < static_cast<std::int32_t>(points.size()) / 4) return false;
+    if (!(fit.halfWidth < widestHalfAxis && fit.halfHeight < widestHalfAxis)) return false;
+    // An open arc is no ellipse.
+    const double gap = (points.back() - points.front()).Length();
+    return !(gap > std::min(fit.halfWidth, fit.halfHeight));
+}
+
+}  // namespace
+
+bool RecognizeEllipse(const ShapeInput& input) {
+    const std::span<const Vector3> points = input.points;
+    if (!input.settings.recogniseEllipse || points.empty()) return false;
+    const Vector3 centroid = Centroid(points);
+    if (!SurroundsOnAllSides(points, centroid)) return false;
+    EllipseFit fit;
+    const bool fitted =
+        input.pen.Memory().Run([&] { fit = FitEllipse(points, centroid, input.settings.brushWidth, widestLimit); });
+    if (!fitted || !IsAccepted(fit, points)) return false;
+    EllipseIterator(input.pen, fit, centroid).Draw(input.settings.brushWidth);
+    return true;
+}
+
+}  // namespace chalkpane

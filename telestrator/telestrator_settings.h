@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstdint>
+
+namespace chalkpane {
+
+// What a stroke does to the canvas. The values are stored ones; with any other the brushes stay as they are.
+enum class BrushType : std::int32_t { Colour = 0, Eraser = 1 };
+
+// What the operator sets. It is handed over with each operation, since it may change between any two of them; the
+// telestrator keeps none of it but what it compares with. Any value is survived.
+struct TelestratorSettings {
+    BrushType brushType = BrushType::Colour;
+    std::int32_t brushWidth = 5;              // canvas pixels; also the spacing of the stored stroke points
+    std::int32_t eraserWidth = 10;            // canvas pixels
+    std::uint32_t brushColour = 0xF0000000U;  // four bytes in memory order red, green, blue, alpha
+    bool recogniseShapes = false;             // a finished line becomes a shape or a smoothed line
+    bool recogniseEllipse = true;
+    bool recogniseCircle = false;
+    bool recogniseCross = true;
+    std::int32_t shapeDelay = 50;    // fields from the release to the recognition
+    bool arrow = true;               // smoothed lines end in an arrow head
+    std::int32_t arrowLength = 30;   // canvas pixels
+    std::int32_t arrowWidth = 20;    // canvas pixels
+    std::int32_t crossDiameter = 0;  // above 0: fixed size of the cross, canvas pixels
+    std::int32_t maxUndos = 10;      // 0 .. 10, clamped
+};
+
+}  // namespace chalkpane
