@@ -42,6 +42,13 @@ endfunction()
 add_custom_target(quick_tests)
 add_custom_target(programs)
 
+# The test of that name once more, without the forms for wider registers.
+function(chalkpane_test_plain name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "ARGUMENTS")
+  add_test(NAME ${name}_plain COMMAND ${name}_test ${arg_ARGUMENTS})
+  set_tests_properties(${name}_plain PROPERTIES TIMEOUT 1500 ENVIRONMENT CHALKPANE_CPU_FEATURES=plain)
+endfunction()
+
 # One test program per subsystem: every source of the folder, or of those named below it and its own, run by CTest under
 # the name. `./test quick` runs it too, unless it is SLOW: takes more than some ten seconds, or needs much else built.
 #   chalkpane_test(image LIBRARIES chalkpane_engine [FOLDERS those] [SOURCES more.cpp] [ARGUMENTS for the program] [SLOW])

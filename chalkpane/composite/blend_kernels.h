@@ -6,13 +6,14 @@
 #include <cstring>
 #include <string_view>
 
+#include "chalkpane/base/call_widest.h"
 #include "chalkpane/composite/blend_formulas.h"
 #include "chalkpane/composite/blending_modes.h"
 
 namespace chalkpane::blend {
 
-// The loops over a row that make kernels of the formulas, and the one table of all modes. The loop over channels exists
-// twice, for the baseline and for wider registers, from one body that the compiler vectorises; results are the same.
+// The loops over a row that make kernels of the formulas, and the one table of all modes. The loop over channels is
+// one body that the compiler vectorises, for the baseline and for wider registers; results are the same.
 
 using ChannelFormula = std::int32_t (*)(std::int32_t s, std::int32_t d);
 template <typename F>
@@ -65,16 +66,8 @@ template <ChannelFormula formula, typename Channel>
 }
 
 template <typename F, ChannelFormula formula, typename Channel = typename F::Channel>
-void EachChannelPlain(const Channel* source, const Channel* destination, Channel* output, std::int32_t count) {
-    BlendEachChannel<formula, Channel>({source, destination, output, count});
-}
-
-template <typename F, ChannelFormula formula, typename Channel = typename F::Channel>
-#if defined(__x86_64__) || defined(__i386__)
-[[gnu::target("avx2")]]
-#endif
-void EachChannelWide(const Channel* source, const Channel* destination, Channel* output, std::int32_t count) {
-    BlendEachChannel<formula, Channel>({source, destination, output, count});
+void EachChannel(const Channel* source, const Channel* destination, Channel* output, std::int32_t count) {
+    CallWidest([=] { BlendEachChannel<formula, Channel>({source, destination, output, count}); });
 }
 
 template <typename F, PixelFormula<F> formula, typename Channel = typename F::Channel>
@@ -91,11 +84,6 @@ void CopyRow(const Channel* source, const Channel* destination, Channel* output,
                  sizeof(Channel) * 4 * static_cast<std::size_t>(count));
 }
 
-enum class Registers { plain, wide };
-template <typename F, Registers registers, ChannelFormula formula>
-inline constexpr BlendKernel<F> eachChannel =
-    registers == Registers::wide ? &EachChannelWide<F, formula> : &EachChannelPlain<F, formula>;
-
 template <typename F>
 struct BlendMode {
     std::string_view name;
@@ -103,30 +91,30 @@ struct BlendMode {
 };
 
 // In index order: a brush holds the index. The names are what the operator reads.
-template <typename F, Registers R, typename C = ChannelFormulas<F>, typename P = PixelFormulas<F>>
+template <typename F, typename C = ChannelFormulas<F>, typename P = PixelFormulas<F>>
 inline constexpr std::array<BlendMode<F>, blendModeCount> blendModes{{
     {"Normal", &CopyRow<F, From::source>},
-    {"Add", eachChannel<F, R, C::Add>},
-    {"Subtract", eachChannel<F, R, C::Subtract>},
-    {"Difference", eachChannel<F, R, C::Difference>},
-    {"Multiply", eachChannel<F, R, C::Multiply>},
-    {"Darken Only", eachChannel<F, R, C::DarkenOnly>},
-    {"Burn", eachChannel<F, R, C::Burn>},
-    {"Color Burn", eachChannel<F, R, C::ColourBurn>},
-    {"Screen", eachChannel<F, R, C::Screen>},
-    {"Lighten Only", eachChannel<F, R, C::LightenOnly>},
-    {"Dodge", eachChannel<F, R, C::Dodge>},
-    {"Color Dodge", eachChannel<F, R, C::ColourDodge>},
+    {"Add", &EachChannel<F, C::Add>},
+    {"Subtract", &EachChannel<F, C::Subtract>},
+    {"Difference", &EachChannel<F, C::Difference>},
+    {"Multiply", &EachChannel<F, C::Multiply>},
+    {"Darken Only", &EachChannel<F, C::DarkenOnly>},
+    {"Burn", &EachChannel<F, C::Burn>},
+    {"Color Burn", &EachChannel<F, C::ColourBurn>},
+    {"Screen", &EachChannel<F, C::Screen>},
+    {"Lighten Only", &EachChannel<F, C::LightenOnly>},
+    {"Dodge", &EachChannel<F, C::Dodge>},
+    {"Color Dodge", &EachChannel<F, C::ColourDodge>},
     {"Hue", &EachPixel<F, P::Hue>},
     {"Saturation", &EachPixel<F, P::Saturation>},
     {"Value", &EachPixel<F, P::Value>},
     {"Color", &EachPixel<F, P::Colour>},
-    {"Overlay", eachChannel<F, R, C::Overlay>},
-    {"Soft Light", eachChannel<F, R, C::SoftLight>},
-    {"Hard Light", eachChannel<F, R, C::HardLight>},
-    {"Pin Light", eachChannel<F, R, C::PinLight>},
-    {"Exclusion", eachChannel<F, R, C::Exclusion>},
-    {"Negation", eachChannel<F, R, C::Negation>},
+    {"Overlay", &EachChannel<F, C::Overlay>},
+    {"Soft Light", &EachChannel<F, C::SoftLight>},
+    {"Hard Light", &EachChannel<F, C::HardLight>},
+    {"Pin Light", &EachChannel<F, C::PinLight>},
+    {"Exclusion", &EachChannel<F, C::Exclusion>},
+    {"Negation", &EachChannel<F, C::Negation>},
     {"", &EachPixel<F, P::Dissolve>},
     {"", &CopyRow<F, From::destination>},
     {"", &EachPixel<F, P::SourceAlpha>},
@@ -135,16 +123,11 @@ inline constexpr std::array<BlendMode<F>, blendModeCount> blendModes{{
     {"", &EachPixel<F, P::InvertedLuma>},
 }};
 
-template <typename F, Registers R>
+template <typename F>
 constexpr std::array<BlendKernel<F>, blendModeCount> KernelsOf() {
     std::array<BlendKernel<F>, blendModeCount> kernels{};
-    for (std::size_t mode = 0; mode < kernels.size(); ++mode) kernels[mode] = blendModes<F, R>[mode].kernel;
+    for (std::size_t mode = 0; mode < kernels.size(); ++mode) kernels[mode] = blendModes<F>[mode].kernel;
     return kernels;
 }
-
-// The same kernels for wider registers, to be called only where the processor has them.
-extern const std::array<BlendKernel<PixelFormat8>, blendModeCount> wideBlendKernels8;
-extern const std::array<BlendKernel<PixelFormat14>, blendModeCount> wideBlendKernels14;
-[[nodiscard]] bool HasWideRegisters();
 
 }  // namespace chalkpane::blend

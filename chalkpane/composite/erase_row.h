@@ -47,9 +47,7 @@ extern template const SpanKernels<PixelFormat14>& EraserKernels<PixelFormat14>()
 //   opacity  0 .. 256
 void EraseRow8Plain(std::uint8_t* target, const std::uint8_t* mask, std::ptrdiff_t maskStep, std::ptrdiff_t count,
                     std::int32_t opacity);
-#if defined(__x86_64__)
-// Needs AVX2. The mask has one byte a pixel.
+// Needs AVX2, and is there where `builtWithAvx2`. The mask has one byte a pixel.
 void EraseRow8Avx2(std::uint8_t* target, const std::uint8_t* mask, std::ptrdiff_t count, std::int32_t opacity);
-#endif
 
 }  // namespace chalkpane

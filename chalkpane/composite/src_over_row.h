@@ -13,11 +13,9 @@ namespace chalkpane {
 //   opacity         0 .. 255
 void SrcOverRow8Plain(std::uint8_t* target, const std::uint8_t* source, const std::uint8_t* mask,
                       std::ptrdiff_t maskStep, std::ptrdiff_t count, std::int32_t opacity);
-#if defined(__x86_64__)
-// Needs AVX2. The mask has one byte a pixel.
+// Needs AVX2, and is there where `builtWithAvx2`. The mask has one byte a pixel.
 void SrcOverRow8Avx2(std::uint8_t* target, const std::uint8_t* source, const std::uint8_t* mask, std::ptrdiff_t count,
                      std::int32_t opacity);
-#endif
 // The fastest that runs here.
 void SrcOverRow8(std::uint8_t* target, const std::uint8_t* source, const std::uint8_t* mask, std::ptrdiff_t maskStep,
                  std::ptrdiff_t count, std::int32_t opacity);

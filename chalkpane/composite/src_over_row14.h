@@ -14,11 +14,9 @@ namespace chalkpane {
 //   opacity         0 .. 16383
 void SrcOverRow14Plain(std::uint16_t* target, const std::uint16_t* source, const std::uint16_t* mask,
                        std::ptrdiff_t maskStep, std::ptrdiff_t count, std::int32_t opacity);
-#if defined(__x86_64__)
-// Needs AVX2. The mask has one word a pixel.
+// Needs AVX2, and is there where `builtWithAvx2`. The mask has one word a pixel.
 void SrcOverRow14Avx2(std::uint16_t* target, const std::uint16_t* source, const std::uint16_t* mask,
                       std::ptrdiff_t count, std::int32_t opacity);
-#endif
 // The fastest that runs here.
 void SrcOverRow14(std::uint16_t* target, const std::uint16_t* source, const std::uint16_t* mask,
                   std::ptrdiff_t maskStep, std::ptrdiff_t count, std::int32_t opacity);

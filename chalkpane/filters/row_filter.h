@@ -6,7 +6,7 @@
 #include <memory>
 #include <span>
 
-#include "chalkpane/base/cpu_features.h"
+#include "chalkpane/base/call_widest.h"
 #include "chalkpane/filters/byte_scale.h"
 #include "chalkpane/filters/colour_loop.h"
 #include "chalkpane/filters/filter_class.h"
@@ -42,19 +42,8 @@ public:
 private:
     template <typename F>
     void RunRow(std::span<typename F::Channel> pixels) const {
-#if defined(__x86_64__)
-        if (HasAvx2()) return RunRowAvx2<F>(AsSelf(), pixels);
-#endif
-        AsSelf().template Row<F>(pixels);
+        CallWidest([&] { AsSelf().template Row<F>(pixels); });
     }
-#if defined(__x86_64__)
-    // The same row, with all that it calls, compiled for AVX2: the same operations on more pixels at once.
-    template <typename F>
-    [[gnu::target("avx2"), gnu::flatten]] static void RunRowAvx2(const Self& self,
-                                                                 std::span<typename F::Channel> pixels) {
-        self.template Row<F>(pixels);
-    }
-#endif
 
     [[nodiscard]] const Self& AsSelf() const { return static_cast<const Self&>(*this); }
 };

@@ -95,25 +95,18 @@ struct PlainInner {
     }
 };
 
-#if defined(__x86_64__)
-// DIFFERS: at 14 bits only moves have a vector form.
+// Needs AVX2, and is there where `builtWithAvx2`.
 template <typename F, int channels>
-struct VectorInner : PlainInner<F, channels> {
-    [[gnu::target("avx2")]] static void Moved(const typename F::Channel* lower, const typename F::Channel* upper,
-                                              typename F::Channel* target, std::ptrdiff_t count, const Fractions& f) {
-        ResampleMoved<F, channels>(lower, upper, target, count, f);
-    }
+struct Avx2Inner {
+    static void Along(const ResampleSource<typename F::Channel>& source, const ResampleIterator& walk,
+                      typename F::Channel* target, std::ptrdiff_t count);
+    static void Moved(const typename F::Channel* lower, const typename F::Channel* upper, typename F::Channel* target,
+                      std::ptrdiff_t count, const Fractions& f);
 };
-template <int channels>
-struct VectorInner<PixelFormat8, channels> {
-    static void Along(const ResampleSource<std::uint8_t>& source, const ResampleIterator& walk, std::uint8_t* target,
-                      std::ptrdiff_t count);
-    static void Moved(const std::uint8_t* lower, const std::uint8_t* upper, std::uint8_t* target, std::ptrdiff_t count,
-                      const Fractions& f);
-};
-extern template struct VectorInner<PixelFormat8, 1>;
-extern template struct VectorInner<PixelFormat8, 4>;
-#endif
+extern template struct Avx2Inner<PixelFormat8, 1>;
+extern template struct Avx2Inner<PixelFormat8, 4>;
+extern template struct Avx2Inner<PixelFormat14, 1>;
+extern template struct Avx2Inner<PixelFormat14, 4>;
 
 template <typename F, int channels, typename Inner>
 void ResampleInner(const ResampleSource<typename F::Channel>& source, const ResampleIterator& walk,

@@ -107,9 +107,8 @@ template <typename F>
 ResampleRowFunctions<F> ResampleRowFor(std::int32_t channels) {
     ResampleRowFunctions<F> functions{channels == 1 ? &ResampleRow<F, 1, PlainInner<F, 1>>
                                                     : &ResampleRow<F, 4, PlainInner<F, 4>>};
-#if defined(__x86_64__)
-    functions.vector = channels == 1 ? &ResampleRow<F, 1, VectorInner<F, 1>> : &ResampleRow<F, 4, VectorInner<F, 4>>;
-#endif
+    if constexpr (builtWithAvx2)
+        functions.vector = channels == 1 ? &ResampleRow<F, 1, Avx2Inner<F, 1>> : &ResampleRow<F, 4, Avx2Inner<F, 4>>;
     return functions;
 }
 

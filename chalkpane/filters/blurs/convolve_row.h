@@ -25,4 +25,10 @@ void ConvolveRowPlain(std::span<const std::uint8_t* const> sources, std::span<co
 void ConvolveRowPlain(std::span<const std::uint16_t* const> sources, std::span<const std::uint16_t> taps,
                       std::span<std::uint16_t> out);
 
+// Need AVX2, and are there where `builtWithAvx2`. They return how many channels, from the left, they did: whole blocks.
+std::size_t ConvolveRowAvx2(std::span<const std::uint8_t* const> sources, std::span<const std::uint8_t> taps,
+                            std::span<std::uint8_t> row);
+std::size_t ConvolveRowAvx2(std::span<const std::uint16_t* const> sources, std::span<const std::uint16_t> taps,
+                            std::span<std::uint16_t> row);
+
 }  // namespace chalkpane

@@ -3,16 +3,13 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstring>
 #include <vector>
 
 #include "chalkpane/base/multi_processor.h"
 #include "chalkpane/filters/blurs/float_line.h"
 #include "chalkpane/filters/work_area.h"
 #include "chalkpane/image/image_rows.h"
-
-#if defined(__x86_64__)
-#include <immintrin.h>
-#endif
 
 namespace chalkpane {
 namespace {
@@ -23,47 +20,42 @@ constexpr std::array<std::string_view, 4> qualities{"Coarse", "Low", "High", "Be
 // Far beyond what a control offers; keeps lines and grown pictures of a sane size.
 constexpr double largestSoftness = 10000.0;
 
-#if defined(__x86_64__)
-__m128i LoadFour(const std::uint8_t* channels) {
-    const __m128i zero = _mm_setzero_si128();
-    return _mm_unpacklo_epi16(_mm_unpacklo_epi8(_mm_loadu_si32(channels), zero), zero);
-}
-__m128i LoadFour(const std::uint16_t* channels) {
-    return _mm_unpacklo_epi16(_mm_loadu_si64(channels), _mm_setzero_si128());
-}
-void StoreFour(__m128i four, std::uint8_t* channels) {
-    const __m128i words = _mm_packs_epi32(four, four);
-    _mm_storeu_si32(channels, _mm_packus_epi16(words, words));
-}
-void StoreFour(__m128i four, std::uint16_t* channels) { _mm_storeu_si64(channels, _mm_packs_epi32(four, four)); }
+// Four channels at a time, which are a pixel or neighbours in a mask; as vectors, which every machine has of that size.
+using FourFloats = float __attribute__((vector_size(16)));
+using FourIntegers = std::int32_t __attribute__((vector_size(16)));
+template <typename F>
+struct FourChannels;
+template <>
+struct FourChannels<PixelFormat8> {
+    using Type = std::uint8_t __attribute__((vector_size(4)));
+};
+template <>
+struct FourChannels<PixelFormat14> {
+    using Type = std::uint16_t __attribute__((vector_size(8)));
+};
 
-// Four channels at a time, which are a pixel or neighbours in a mask.
 template <typename F>
 void Load(const typename F::Channel* channels, float* lanes) {
-    _mm_storeu_ps(lanes, _mm_cvtepi32_ps(LoadFour(channels)));
+    using Four = typename FourChannels<F>::Type;
+    Four four;
+    std::memcpy(&four, channels, sizeof four);
+    const FourFloats floats = __builtin_convertvector(__builtin_convertvector(four, FourIntegers), FourFloats);
+    std::memcpy(lanes, &floats, sizeof floats);
 }
 // Rounded and limited; what is not a number after endless passes is 0.
 template <typename F>
 void Store(const float* lanes, float gain, typename F::Channel* channels) {
-    const __m128 rounded = _mm_add_ps(_mm_div_ps(_mm_loadu_ps(lanes), _mm_set1_ps(gain)), _mm_set1_ps(0.5F));
-    const __m128 positive = _mm_max_ps(rounded, _mm_setzero_ps());
-    StoreFour(_mm_cvttps_epi32(_mm_min_ps(positive, _mm_set1_ps(F::fullScale))), channels);
+    using Four = typename FourChannels<F>::Type;
+    const FourFloats zero{};
+    const FourFloats fullScale = zero + static_cast<float>(F::fullScale);
+    FourFloats floats;
+    std::memcpy(&floats, lanes, sizeof floats);
+    const FourFloats rounded = floats / gain + 0.5F;
+    const FourFloats positive = rounded > zero ? rounded : zero;
+    const FourFloats limited = positive < fullScale ? positive : fullScale;
+    const Four four = __builtin_convertvector(__builtin_convertvector(limited, FourIntegers), Four);
+    std::memcpy(channels, &four, sizeof four);
 }
-#else
-template <typename F>
-void Load(const typename F::Channel* channels, float* lanes) {
-    for (std::size_t i = 0; i < 4; ++i) lanes[i] = static_cast<float>(channels[i]);
-}
-template <typename F>
-void Store(const float* lanes, float gain, typename F::Channel* channels) {
-    constexpr auto fullScale = static_cast<float>(F::fullScale);
-    for (std::size_t i = 0; i < 4; ++i) {
-        const float rounded = lanes[i] / gain + 0.5F;
-        const float positive = rounded > 0.0F ? rounded : 0.0F;
-        channels[i] = static_cast<typename F::Channel>(positive < fullScale ? positive : fullScale);
-    }
-}
-#endif
 
 // One direction of the blur. Lines are handled in strips: as many as fill the lanes of a FloatLine.
 template <typename F>

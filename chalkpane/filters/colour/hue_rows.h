@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 
@@ -12,5 +13,10 @@ namespace chalkpane {
 // 8-bit channels are widened on the way in and narrowed on the way out.
 void TurnHues(std::span<std::uint8_t> pixels, float turn, const float* byValue);
 void TurnHues(std::span<std::uint16_t> pixels, float turn, const float* byValue);
+
+// Need AVX2, and are there where `builtWithAvx2`. They turn as many pixels as come in eights and return how many
+// channels that were.
+std::size_t TurnHuesAvx2(std::span<std::uint8_t> pixels, float turn, const float* byValue);
+std::size_t TurnHuesAvx2(std::span<std::uint16_t> pixels, float turn, const float* byValue);
 
 }  // namespace chalkpane

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 
@@ -17,5 +18,11 @@ void SampleRow8(const Image& image, std::span<const float> x, std::span<const fl
                 std::span<Pixel8> pixels);
 void SampleRow14(const Image& image, std::span<const float> x, std::span<const float> y, std::int32_t edgeMode,
                  std::span<Pixel14> pixels);
+
+// Need AVX2, and are there where `builtWithAvx2`. They return how many pixels, from the left, they did: whole fours.
+std::size_t SampleRow8Avx2(const Image& image, std::span<const float> x, std::span<const float> y,
+                           std::int32_t edgeMode, std::span<Pixel8> pixels);
+std::size_t SampleRow14Avx2(const Image& image, std::span<const float> x, std::span<const float> y,
+                            std::int32_t edgeMode, std::span<Pixel14> pixels);
 
 }  // namespace chalkpane

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 
@@ -23,5 +24,10 @@ void MedianRow(std::span<const std::uint8_t* const> rows, std::int32_t channels,
 // through other small ones for many channels at once where the machine has AVX2.
 void MedianRowByHistogram(std::span<const std::uint8_t* const> rows, std::int32_t channels, std::int32_t radius,
                           std::span<std::uint8_t> out);
+
+// By counting through the windows of 32 channels at once. Needs AVX2, and is there where `builtWithAvx2`.
+inline constexpr std::int32_t largestCountedRadius = 7;  // whose windows count in bytes
+inline constexpr std::size_t leastCountedChannels = 32;  // in a row
+void MedianRowAvx2(std::span<const std::uint8_t* const> rows, std::int32_t channels, std::span<std::uint8_t> out);
 
 }  // namespace chalkpane

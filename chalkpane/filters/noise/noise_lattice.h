@@ -38,7 +38,11 @@ private:
         float s1, c1, s2, c2;
         Turns();
     };
+    // Need AVX2, and are there where `builtWithAvx2`. They return how many places, from the left, they did: eights.
     struct Eight;
+    [[nodiscard]] std::size_t NoiseRowAvx2(std::span<const float> x, float y, std::span<float> noise) const;
+    [[nodiscard]] std::size_t TurbulenceRowAvx2(std::span<const float> x, float y, std::span<float> sumX,
+                                                std::span<float> sumY) const;
 
     [[nodiscard]] float Corner(std::int32_t column, std::int32_t row, float dx, float dy) const;
 

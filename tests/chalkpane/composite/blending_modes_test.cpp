@@ -1,4 +1,5 @@
 #include "chalkpane/composite/blending_modes.h"
+#include "tests/chalkpane/scoped_cpu_features.h"
 
 #include <doctest/doctest.h>
 
@@ -9,11 +10,12 @@
 #include <type_traits>
 #include <vector>
 
+#include "chalkpane/base/cpu_features.h"
 #include "chalkpane/base/random.h"
-#include "chalkpane/composite/blend_kernels.h"
 #include "tests/reference/blending.h"
 
 using namespace chalkpane;
+using chalkpane::test::ScopedCpuFeatures;
 
 namespace {
 
@@ -107,17 +109,18 @@ struct AllPairs {
 };
 
 template <typename F>
-const auto& Kernels(blend::Registers registers) {
+const auto& Kernels() {
     if constexpr (deep<F>)
-        return registers == blend::Registers::wide ? blend::wideBlendKernels14 : BlendKernels14;
+        return BlendKernels14;
     else
-        return registers == blend::Registers::wide ? blend::wideBlendKernels8 : BlendKernels8;
+        return BlendKernels8;
 }
 
-// Runs all kernels of a table over the rows and compares with the reference.
+// Runs all kernels over the rows and compares with the reference.
 template <typename F>
-void CheckKernels(blend::Registers registers, const Row<F>& source, const Row<F>& destination) {
-    const auto& kernels = Kernels<F>(registers);
+void CheckKernels(CpuFeatures features, const Row<F>& source, const Row<F>& destination) {
+    const ScopedCpuFeatures scope(features);
+    const auto& kernels = Kernels<F>();
     for (std::size_t mode = 0; mode < kernels.size(); ++mode) {
         SeedRandom(4711);
         Row<F> output(source.size());
@@ -132,41 +135,36 @@ constexpr std::uint32_t seed = 20240611;
 
 TEST_CASE("Every pair of 8-bit channels blends as in the plain reference in all 28 modes") {
     const AllPairs pairs;
-    CheckKernels<PixelFormat8>(blend::Registers::plain, pairs.source, pairs.destination);
+    CheckKernels<PixelFormat8>(CpuFeatures::Plain, pairs.source, pairs.destination);
 }
 
 TEST_CASE("Random 8-bit pixels blend as in the plain reference in all 28 modes") {
     CAPTURE(seed);
-    CheckKernels<PixelFormat8>(blend::Registers::plain, NoiseRow<PixelFormat8>(100000, seed),
+    CheckKernels<PixelFormat8>(CpuFeatures::Plain, NoiseRow<PixelFormat8>(100000, seed),
                                NoiseRow<PixelFormat8>(100000, seed + 1));
 }
 
 TEST_CASE("Random 14-bit pixels blend as in the plain reference in all 28 modes") {
     CAPTURE(seed);
-    CheckKernels<PixelFormat14>(blend::Registers::plain, NoiseRow<PixelFormat14>(200000, seed),
+    CheckKernels<PixelFormat14>(CpuFeatures::Plain, NoiseRow<PixelFormat14>(200000, seed),
                                 NoiseRow<PixelFormat14>(200000, seed + 1));
 }
 
 TEST_CASE("Wide registers give what the plain kernels give") {
-    if (!blend::HasWideRegisters()) return;
+    if (!HasAvx2()) return;
     const AllPairs pairs;
-    CheckKernels<PixelFormat8>(blend::Registers::wide, pairs.source, pairs.destination);
-    CheckKernels<PixelFormat14>(blend::Registers::wide, NoiseRow<PixelFormat14>(200000, seed + 2),
+    CheckKernels<PixelFormat8>(CpuFeatures::All, pairs.source, pairs.destination);
+    CheckKernels<PixelFormat14>(CpuFeatures::All, NoiseRow<PixelFormat14>(200000, seed + 2),
                                 NoiseRow<PixelFormat14>(200000, seed + 3));
-    // They are kernels of their own wherever a mode works channel by channel, and rows take them.
-    for (const std::size_t mode : {1u, 4u, 8u, 16u, 21u}) {
-        CHECK((blend::wideBlendKernels8[mode] != BlendKernels8[mode]));
-        CHECK((blend::wideBlendKernels14[mode] != BlendKernels14[mode]));
-    }
 }
 
 TEST_CASE_TEMPLATE("Rows of any length blend to their end and no further", F, PixelFormat8, PixelFormat14) {
     CAPTURE(seed);
     const auto source = NoiseRow<F>(64, seed + 4);
     const auto destination = NoiseRow<F>(64, seed + 5);
-    for (const auto registers : {blend::Registers::plain, blend::Registers::wide}) {
-        if (registers == blend::Registers::wide && !blend::HasWideRegisters()) continue;
-        const auto& kernels = Kernels<F>(registers);
+    for (const auto features : {CpuFeatures::Plain, CpuFeatures::All}) {
+        const ScopedCpuFeatures scope(features);
+        const auto& kernels = Kernels<F>();
         for (std::size_t mode = 0; mode < kernels.size(); ++mode) {
             for (std::int32_t count = -1; count <= 40; ++count) {
                 SeedRandom(1);

@@ -176,26 +176,36 @@ bool IsSmall(const ResampleSource<std::uint8_t>& source) {
     ResampleAlong<PixelFormat8, 1>(source, at, target, count);
 }
 
+// The compiler finds the vector form of a 14-bit move by itself.
+template <int channels>
+[[gnu::target("avx2")]] void MoveChannels(const std::uint16_t* lower, const std::uint16_t* upper, std::uint16_t* target,
+                                          std::ptrdiff_t count, const Fractions& f) {
+    ResampleMoved<PixelFormat14, channels>(lower, upper, target, count, f);
+}
+
 }  // namespace
 
-template <int channels>
-void VectorInner<PixelFormat8, channels>::Along(const ResampleSource<std::uint8_t>& source,
-                                                const ResampleIterator& walk, std::uint8_t* target,
-                                                std::ptrdiff_t count) {
-    if constexpr (channels == 1)
+template <typename F, int channels>
+void Avx2Inner<F, channels>::Along(const ResampleSource<typename F::Channel>& source, const ResampleIterator& walk,
+                                   typename F::Channel* target, std::ptrdiff_t count) {
+    if constexpr (F::bits == 14)
+        ResampleAlong<F, channels>(source, walk, target, count);  // DIFFERS: only moves have a vector form
+    else if constexpr (channels == 1)
         AlongMask(source, walk, target, count);
     else
         AlongColour(source, walk, target, count);
 }
 
-template <int channels>
-void VectorInner<PixelFormat8, channels>::Moved(const std::uint8_t* lower, const std::uint8_t* upper,
-                                                std::uint8_t* target, std::ptrdiff_t count, const Fractions& f) {
+template <typename F, int channels>
+void Avx2Inner<F, channels>::Moved(const typename F::Channel* lower, const typename F::Channel* upper,
+                                   typename F::Channel* target, std::ptrdiff_t count, const Fractions& f) {
     MoveChannels<channels>(lower, upper, target, count, f);
 }
 
-template struct VectorInner<PixelFormat8, 1>;
-template struct VectorInner<PixelFormat8, 4>;
+template struct Avx2Inner<PixelFormat8, 1>;
+template struct Avx2Inner<PixelFormat8, 4>;
+template struct Avx2Inner<PixelFormat14, 1>;
+template struct Avx2Inner<PixelFormat14, 4>;
 
 }  // namespace chalkpane
 
