@@ -90,7 +90,9 @@ struct BlendMode {
     BlendKernel<F> kernel;
 };
 
-// In index order: a brush holds the index. The names are what the operator reads.
+// In index order: a brush holds the index. The names are what the operator reads; a mode without one is for internal
+// use.
+inline constexpr std::string_view unnamed;
 template <typename F, typename C = ChannelFormulas<F>, typename P = PixelFormulas<F>>
 inline constexpr std::array<BlendMode<F>, blendModeCount> blendModes{{
     {"Normal", &CopyRow<F, From::source>},
@@ -115,13 +117,14 @@ inline constexpr std::array<BlendMode<F>, blendModeCount> blendModes{{
     {"Pin Light", &EachChannel<F, C::PinLight>},
     {"Exclusion", &EachChannel<F, C::Exclusion>},
     {"Negation", &EachChannel<F, C::Negation>},
-    {"", &EachPixel<F, P::Dissolve>},
-    {"", &CopyRow<F, From::destination>},
-    {"", &EachPixel<F, P::SourceAlpha>},
-    {"", &EachPixel<F, P::SourceLuma>},
-    {"", &EachPixel<F, P::InvertedAlpha>},
-    {"", &EachPixel<F, P::InvertedLuma>},
+    {unnamed, &EachPixel<F, P::Dissolve>},
+    {unnamed, &CopyRow<F, From::destination>},
+    {unnamed, &EachPixel<F, P::SourceAlpha>},
+    {unnamed, &EachPixel<F, P::SourceLuma>},
+    {unnamed, &EachPixel<F, P::InvertedAlpha>},
+    {unnamed, &EachPixel<F, P::InvertedLuma>},
 }};
+static_assert(blendModes<Format8>.back().kernel != nullptr, "fewer rows than blendModeCount");
 
 template <typename F>
 constexpr std::array<BlendKernel<F>, blendModeCount> KernelsOf() {

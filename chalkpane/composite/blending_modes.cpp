@@ -11,8 +11,8 @@ using blend::Format14;
 using blend::Format8;
 using blend::KernelsOf;
 
-constexpr std::array<std::string_view, namedBlendModeCount> BlendModeNames = [] {
-    std::array<std::string_view, namedBlendModeCount> names;
+constexpr std::array<std::string_view, blendModeCount> BlendModeNames = [] {
+    std::array<std::string_view, blendModeCount> names;
     for (std::size_t mode = 0; mode < names.size(); ++mode) names[mode] = blend::blendModes<Format8>[mode].name;
     return names;
 }();

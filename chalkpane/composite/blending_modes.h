@@ -16,10 +16,10 @@ namespace chalkpane {
 // All of it is without state and may run on several rows at once; mode 22 shares the engine's random numbers.
 
 inline constexpr std::int32_t blendModeCount = 28;
-inline constexpr std::int32_t namedBlendModeCount = 22;
 
-// Display names of modes 0 .. 21. Modes 22 .. 27 have no name: they are for internal use, reached by number alone.
-extern const std::array<std::string_view, namedBlendModeCount> BlendModeNames;
+// Display names, in index order. Empty for a mode that has none, as 22 .. 27: it is for internal use, reached by its
+// number alone.
+extern const std::array<std::string_view, blendModeCount> BlendModeNames;
 
 // One mode over one row. `output` may be the same row as `destination`, no other overlap is allowed; a pixel is read
 // wholly before it is written.

@@ -27,8 +27,9 @@ const std::vector<ChoiceRow>& ChoiceRows() {
 }
 
 std::vector<std::string> BlendModeWords() {
-    std::vector<std::string> words(BlendModeNames.begin(), BlendModeNames.end());
-    for (std::int32_t mode = namedBlendModeCount; mode < blendModeCount; ++mode) words.push_back(std::to_string(mode));
+    std::vector<std::string> words;
+    for (const std::string_view name : BlendModeNames)
+        words.push_back(name.empty() ? std::to_string(words.size()) : std::string(name));
     return words;
 }
 

@@ -66,8 +66,8 @@ void BlendRow(benchmark::State& state) {
         benchmark::ClobberMemory();
     }
     state.SetItemsProcessed(state.iterations() * state.range(1));
-    state.SetLabel(mode < namedBlendModeCount ? std::string(BlendModeNames[static_cast<std::size_t>(mode)])
-                                              : "unnamed");
+    const std::string_view name = BlendModeNames[static_cast<std::size_t>(mode)];
+    state.SetLabel(name.empty() ? "unnamed" : std::string(name));
     if (!AsTheReferenceDoes<F>(mode, source, destination)) state.SkipWithError("differs from the plain reference");
 }
 BENCHMARK(BlendRow<PixelFormat8>)->ArgsProduct({benchmark::CreateDenseRange(0, blendModeCount - 1, 1), {64, 1024}});

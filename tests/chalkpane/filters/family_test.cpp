@@ -115,6 +115,8 @@ TEST_CASE("Every filter survives odd pictures, regions and every setting at its 
                 const Rect onePixel(source.x0, source.y1, source.x0, source.y1);
                 const Rect outside(1000, 1000, 1010, 1010);
                 for (const Rect* region : {static_cast<const Rect*>(nullptr), &onePixel, &outside}) {
+                    // It takes no region, and at its largest size it softens 2000 x 2000 pixels for each picture.
+                    if (region != nullptr && setting.number == &huge && prototype->Label() == "Film Grain") continue;
                     const auto result = Run(*filter, source, region, setting.number == nullptr && setting.low);
                     CHECK((result || prototype->Label() == "Smart Blur"));
                 }

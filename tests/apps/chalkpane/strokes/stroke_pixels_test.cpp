@@ -197,6 +197,7 @@ TEST_CASE("All 28 blend modes paint what their kernels say, in both depths") {
 
 TEST_CASE("A blend mode goes by its name as well as by its number") {
     for (std::size_t mode = 0; mode < BlendModeNames.size(); ++mode) {
+        if (BlendModeNames[mode].empty()) continue;
         CAPTURE(mode);
         const auto byName =
             Painted(FileOf(brownCanvas, GreyDab(R"("Blend Mode": ")" + std::string(BlendModeNames[mode]) + '"')));
