@@ -1,6 +1,7 @@
 #include "kel/session/player.h"
 
 #include <exception>
+#include <utility>
 
 #include "cli/error.h"
 #include "cli/nearest_name.h"
@@ -23,8 +24,13 @@ PointerKind KindOf(PointerAction action) {
 
 }  // namespace
 
-Player::Player(const Session& session, Host& host, const std::filesystem::path& defaultModule)
-    : m_session(session), m_host(host), m_pointer(PointerTrack(session)) {
+Player::Player(const Session& session, Host& host, const std::filesystem::path& defaultModule,
+               SessionPermissions permissions)
+    : m_session(session),
+      m_host(host),
+      m_permissions(std::move(permissions)),
+      m_access(m_session, m_permissions),
+      m_pointer(PointerTrack(session)) {
     Camera camera;
     camera.position = session.camera.position;
     camera.target = session.camera.target;
@@ -52,17 +58,20 @@ void Player::BuildContainer(const SessionContainer& container, const std::filesy
 }
 
 std::unique_ptr<VideoShow> Player::OpenVideo(const SessionContainer& container, ObjectId id) const {
+    const std::string place = container.place + "/film";
+    const std::filesystem::path file = m_access.InputFile(container.film, place);
     try {
-        return std::make_unique<VideoShow>(m_session.Resolve(container.film), id, m_session.fieldsPerSecond);
+        return std::make_unique<VideoShow>(file, id, m_session.fieldsPerSecond);
     } catch (const cli::Error& error) {
-        throw cli::Error(m_session.file.string(), container.place + "/film", error.what());
+        throw cli::Error(m_session.file.string(), place, error.what());
     }
 }
 
 const Module& Player::LoadModule(const SessionPlugin& plugin, const std::filesystem::path& defaultModule) {
     if (plugin.module.empty()) return m_host.LoadModule(defaultModule);
+    const std::filesystem::path file = m_access.ModuleFile(plugin);
     try {
-        return m_host.LoadModule(m_session.Resolve(plugin.module));
+        return m_host.LoadModule(file);
     } catch (const cli::Error& error) {
         throw cli::Error(m_session.file.string(), plugin.place + "/module", error.what());
     }
@@ -81,8 +90,9 @@ std::vector<ParameterSetting> Player::Settings(const std::vector<SessionValue>& 
 }
 
 picture_io::Picture Player::ReadPictureAt(const std::string& path, const std::string& place) const {
+    const std::filesystem::path file = m_access.InputFile(path, place);
     try {
-        return picture_io::ReadPicture(m_session.Resolve(path));
+        return picture_io::ReadPicture(file);
     } catch (const cli::Error& error) {
         throw cli::Error(m_session.file.string(), place, error.what());
     }

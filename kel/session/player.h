@@ -9,6 +9,7 @@
 #include "kel/scene/host.h"
 #include "kel/session/player_pointer.h"
 #include "kel/session/session.h"
+#include "kel/session/session_access.h"
 #include "kel/session/video_on_container.h"
 
 namespace kel {
@@ -20,8 +21,9 @@ namespace kel {
 // Only a damaged frame in the middle of a film shows when it is its turn.
 class Player {
 public:
-    // defaultModule: for the plug-ins that name no module. Throws Error.
-    Player(const Session& session, Host& host, const std::filesystem::path& defaultModule);
+    // defaultModule: for the plug-ins that name no module. Throws Error, also for a file that the session does not get.
+    Player(const Session& session, Host& host, const std::filesystem::path& defaultModule,
+           SessionPermissions permissions = {});
 
     [[nodiscard]] bool IsOver() const { return m_field >= m_session.fields; }
     [[nodiscard]] std::int64_t NextField() const { return m_field; }
@@ -72,6 +74,8 @@ private:
 
     const Session& m_session;
     Host& m_host;
+    SessionPermissions m_permissions;
+    SessionAccess m_access;
     std::vector<Container> m_containers;  // as in the session
     std::vector<PointerStep> m_pointer;
     std::vector<PendingChange> m_deeds;

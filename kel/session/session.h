@@ -15,8 +15,8 @@ namespace kel {
 // A session: a scene, and what the operator does in it field by field. docs/session.md describes the file.
 //
 // Everything here has been checked as far as the file alone tells. Names and values of parameters and buttons are
-// checked against the module (kel/session/session_values.h), pictures when they are read. A `place` is the JSON pointer to
-// where something stands in the file, for messages.
+// checked against the module (kel/session/session_values.h), pictures when they are read. A `place` is the JSON pointer
+// to where something stands in the file, for messages.
 
 using SessionVector = std::array<double, 3>;
 
@@ -102,7 +102,8 @@ struct Session {
     std::filesystem::path file;
     SessionWindow window;
     double fieldsPerSecond = 50.0;
-    std::int64_t fields = 1;  // how many are played: 0 .. fields - 1
+    std::int64_t fields = 1;   // how many are played: 0 .. fields - 1
+    bool isRecording = false;  // written by the window; may name files anywhere that its operator owns
     SessionCamera camera;
     std::vector<SessionContainer> containers;  // at least one
     std::vector<SessionEvent> events;          // by field; those of one field in the order of the file

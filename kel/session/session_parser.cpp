@@ -172,7 +172,9 @@ void ReadStroke(const cli::JsonNode& node, EventDraft& draft) {
 void ReadSave(const cli::JsonNode& node, EventDraft& draft) {
     const std::filesystem::path name = node.Text();
     if (!picture_io::IsPictureName(name)) node.Refuse("must be a file name that ends in .png, .jpg or .jpeg");
-    if (name.has_parent_path()) node.Refuse("must be a file name without a folder; `kel play --saves` says where to");
+    if (name.has_parent_path() || name.string().find('\\') != std::string::npos)
+        node.Refuse("must be a file name without a folder; `kel play --saves` says where to");
+    if (name.string().starts_with('.')) node.Refuse("must not begin with a dot");
     draft.event.what = SaveEvent{name.string()};
 }
 
@@ -294,6 +296,7 @@ void ReadLength(const cli::JsonNode& node, Session& session) {
 // Later rows rely on earlier ones: events name containers, and the length is held against the events.
 constexpr auto sessionKeys = std::to_array<cli::JsonKey<Session>>({
     {"$schema", false, [](const auto& node, auto&) { (void)node.Text(); }},
+    {"recording", false, [](const auto& node, auto& session) { session.isRecording = node.Truth(); }},
     {"window", true,
      [](const auto& node, auto& session) { cli::ReadKeys<SessionWindow>(node, windowKeys, session.window); }},
     {"fieldsPerSecond", false, [](const auto& node, auto& session) { session.fieldsPerSecond = node.Number(1, 1000); }},

@@ -49,9 +49,11 @@ std::vector<std::string> NameContainers(ordered_json& containers) {
 }  // namespace
 
 Recording::Recording(const WorkspaceScene& scene, const std::vector<const Registration*>& modules,
-                     const fs::path& module) {
+                     const fs::path& module, const SessionPermissions& permissions) {
     ordered_json json = ordered_json::parse(scene.text);
     const Session& session = scene.session;
+    const SessionAccess access(session, permissions);
+    json["recording"] = true;
     ordered_json& containers = json["containers"];
     m_names = NameContainers(containers);
     for (std::size_t i = 0; i < containers.size(); ++i) {
@@ -60,10 +62,10 @@ Recording::Recording(const WorkspaceScene& scene, const std::vector<const Regist
             if (container.contains(key)) MakeAbsolute(container[key], session);
         if (modules[i] == nullptr) continue;
         ordered_json& plugin = container["plugin"];
-        if (plugin.contains("module"))
+        if (!plugin.contains("module") && !module.empty())
+            plugin["module"] = module.filename().string();
+        else if (plugin.contains("module") && !access.TrustedModule(plugin["module"].get<std::string>()))
             MakeAbsolute(plugin["module"], session);
-        else if (!module.empty())
-            plugin["module"] = fs::absolute(module).lexically_normal().string();
         if (plugin.contains("parameters")) MakeImagesAbsolute(plugin["parameters"], *modules[i], session);
     }
     // The parsed events know their containers; they stand in the order of their fields, those of the file in its own.

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "kel/module_loading/module.h"
+#include "kel/session/session_access.h"
 #include "kel/video/video_clock.h"
 #include "kel/workspace/field_pointer.h"
 #include "kel/workspace/workspace_scene.h"
@@ -16,9 +17,11 @@ namespace kel {
 class Recording {
 public:
     // modules: what each of the scene's containers carries, null: nothing; used for the time of the call.
-    // module: what a plug-in without a module of its own was given; empty: what `kel play` takes by itself.
+    // module: what a plug-in without a module of its own was given; empty: what `kel play` takes by itself. The
+    // operator's and installed modules are written by their names alone, under which `kel play` knows those that it is
+    // given.
     Recording(const WorkspaceScene& scene, const std::vector<const Registration*>& modules,
-              const std::filesystem::path& module);
+              const std::filesystem::path& module, const SessionPermissions& permissions);
 
     // Fields never go back. The container is an index into the scene's.
     void AddPointer(std::int64_t field, const FieldPointer::Event& event);

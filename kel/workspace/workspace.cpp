@@ -23,7 +23,9 @@ Workspace::Workspace(const std::filesystem::path& file, const WorkspaceOptions& 
     m_scene = OpenWorkspaceScene(file, m_host->LoadModule(options.module).registration, options.largest);
     const Session& session = m_scene.session;
     m_host->ResizeWindow({session.window.width, session.window.height});
-    m_player = std::make_unique<Player>(session, *m_host, options.module);
+    SessionPermissions permissions = options.permissions;
+    permissions.files.push_back(file);
+    m_player = std::make_unique<Player>(session, *m_host, options.module, std::move(permissions));
     m_firstOwnField = HasEvents(session) ? session.fields : 0;
     for (std::size_t i = 0; i < session.containers.size(); ++i) {
         const Player::Container& container = m_player->Containers()[i];
@@ -43,8 +45,8 @@ void Workspace::StartRecording(const WorkspaceOptions& options) {
     std::vector<const Registration*> modules;
     for (const Player::Container& container : m_player->Containers())
         modules.push_back(container.module == nullptr ? nullptr : &container.module->registration);
-    m_recording =
-        std::make_unique<Recording>(m_scene, modules, options.isModuleGiven ? options.module : std::filesystem::path());
+    m_recording = std::make_unique<Recording>(
+        m_scene, modules, options.isModuleGiven ? options.module : std::filesystem::path(), options.permissions);
     m_recordingFile = std::make_unique<RecordingFile>(options.recording, m_recording->Text(m_firstOwnField));
 }
 

@@ -6,10 +6,15 @@ namespace kel {
 
 namespace {
 
+std::filesystem::path ProgramFolder() {
+    std::error_code failure;
+    return std::filesystem::read_symlink("/proc/self/exe", failure).parent_path();
+}
+
 // Beside this program, or else in `installed`, a folder as seen from the program's.
 std::filesystem::path Find(const char* name, const char* installedFolder) {
     std::error_code failure;
-    const auto folder = std::filesystem::read_symlink("/proc/self/exe", failure).parent_path();
+    const auto folder = ProgramFolder();
     const auto beside = folder / name;
     const auto installed = (folder / installedFolder / name).lexically_normal();
     if (!std::filesystem::exists(beside, failure) && std::filesystem::exists(installed, failure)) return installed;
@@ -19,6 +24,12 @@ std::filesystem::path Find(const char* name, const char* installedFolder) {
 }  // namespace
 
 std::filesystem::path FindModule() { return Find("Chalkpane.qop", KEL_INSTALLED_MODULE_FOLDER); }
+
+std::vector<std::filesystem::path> ModuleFolders() {
+    const auto folder = ProgramFolder();
+    if (folder.empty()) return {};
+    return {folder, (folder / KEL_INSTALLED_MODULE_FOLDER).lexically_normal()};
+}
 
 std::filesystem::path FindExampleScene() { return Find("pitch.json", KEL_INSTALLED_SHARE_FOLDER); }
 

@@ -15,10 +15,12 @@ void AddPlayCommand(CLI::App& program) {
         ->add_option("--frames", options->outputs.frames,
                      "Writes every field's picture, such as frames/f%05d.png, beside what --out writes")
         ->type_name("PATTERN");
-    command->add_option("--saves", options->saves, "Where the session's own save events write (default: here)")
+    command
+        ->add_option("--saves", options->savesFolder,
+                     "Where the session's own save events write (default: a folder named after the session)")
         ->type_name("FOLDER");
-    command->add_option("--module", options->module, "The module of plug-ins that name none (default: Chalkpane.qop)")
-        ->type_name("MODULE");
+    command->add_flag("--overwrite", options->overwrite, "Lets the session's saves replace files that are there");
+    AddSessionOptions(*command, options->access);
     command->callback([options] { PlaySession(*options); });
 }
 

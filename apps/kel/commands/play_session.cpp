@@ -1,20 +1,27 @@
 #include "apps/kel/commands/play_session.h"
 
 #include <CLI/CLI.hpp>
+#include <memory>
 
-#include "apps/kel/commands/module_path.h"
 #include "cli/error.h"
 #include "cli/interrupt_guard.h"
 #include "cli/progress_line.h"
 #include "kel/session/player.h"
+#include "kel/session/session_saves.h"
 
 namespace kel {
 namespace {
 
-void AnnounceSaves(const PlayOptions& options, const Session& session, Outputs& outputs) {
-    if (!options.saves) return;
+// Null where nothing that the session saves is wanted.
+std::unique_ptr<SessionSaves> SavesOf(const PlayOptions& options, const Session& session) {
+    if (!options.areSavesWritten) return nullptr;
+    const auto existing = options.overwrite ? SessionSaves::Existing::Replaced : SessionSaves::Existing::Kept;
+    return std::make_unique<SessionSaves>(session, options.savesFolder, existing);
+}
+
+void Announce(const SessionSaves& saves, const Session& session, Outputs& outputs) {
     for (const SessionEvent& event : session.events)
-        if (const auto* save = std::get_if<SaveEvent>(&event.what)) outputs.Announce(*options.saves / save->name);
+        if (const auto* save = std::get_if<SaveEvent>(&event.what)) outputs.Announce(saves.FileOf(save->name));
 }
 
 }  // namespace
@@ -22,12 +29,14 @@ void AnnounceSaves(const PlayOptions& options, const Session& session, Outputs& 
 void PlaySession(const PlayOptions& options) {
     const Session session = ReadSession(options.session);
     const WindowSize window{session.window.width, session.window.height};
-    // Every file that the play will write is checked before the first field.
+    // Every file that the play will write is checked before the first field. What fails leaves the folder of the saves
+    // last, when nothing is in it any more.
+    const std::unique_ptr<SessionSaves> saves = SavesOf(options, session);
     Outputs outputs(options.outputs, window, session.fieldsPerSecond, session.fields);
-    AnnounceSaves(options, session, outputs);
+    if (saves) Announce(*saves, session, outputs);
 
     Host host(window);
-    Player player(session, host, options.module.empty() ? FindModule() : std::filesystem::path(options.module));
+    Player player(session, host, options.access.DefaultModule(), options.access.Permissions());
     if (options.outputs.WantDrawings() && player.OverlayContainer() == noObject)
         throw cli::Error(options.session, "/containers", "no container has a plug-in, so there is no overlay");
 
@@ -38,9 +47,9 @@ void PlaySession(const PlayOptions& options) {
         while (!player.IsOver()) {
             if (cli::InterruptGuard::IsInterrupted())
                 throw CLI::RuntimeError("interrupted", cli::InterruptGuard::exitCode);
-            const auto saves = player.PlayField(picture);
-            if (options.saves)
-                for (const std::string& name : saves) outputs.Stage(host.ReadFrame(), *options.saves / name);
+            const auto names = player.PlayField(picture);
+            if (saves)
+                for (const std::string& name : names) outputs.Stage(host.ReadFrame(), saves->FileOf(name));
             if (picture == Player::Rendering::Wanted) outputs.TakeField(host);
             progress.Show(player.NextField());
         }

@@ -17,7 +17,7 @@ namespace {
 struct WindowLine {
     std::string file;
     std::string keys;
-    std::string module;
+    SessionOptions access;
     std::string recording;
     std::string saves = ".";
     OutputOptions outputs;
@@ -61,8 +61,9 @@ void Window(const WindowLine& line) {
     options.areKeysGiven = !line.keys.empty();
     options.keys =
         options.areKeysGiven ? ReadKeysFile(line.keys) : ParseKeys(std::string(DefaultKeysText()), "keys.json");
-    options.workspace.isModuleGiven = !line.module.empty();
-    options.workspace.module = options.workspace.isModuleGiven ? std::filesystem::path(line.module) : FindModule();
+    options.workspace.isModuleGiven = line.access.IsModuleGiven();
+    options.workspace.module = line.access.DefaultModule();
+    options.workspace.permissions = line.access.Permissions();
     options.workspace.recording = line.recording;
     options.workspace.saves = line.saves;
     if (!WantOutputs(line.outputs)) {
@@ -73,8 +74,14 @@ void Window(const WindowLine& line) {
     std::optional<ScratchFolder> scratch;
     if (line.recording.empty()) options.workspace.recording = scratch.emplace().Path() / "recording.json";
     RunWorkspaceWindow(options);
-    // The outputs are made afterwards from the recording, so that writing them slows no field down.
-    PlaySession({options.workspace.recording.string(), line.outputs, std::nullopt, line.module});
+    // The outputs are made afterwards from the recording, so that writing them slows no field down. All that it names
+    // has been read and loaded before.
+    PlayOptions again;
+    again.session = options.workspace.recording.string();
+    again.outputs = line.outputs;
+    again.access = {line.access.modules, true, true};
+    again.areSavesWritten = false;
+    PlaySession(again);
 }
 
 }  // namespace
@@ -86,8 +93,7 @@ void AddWindowCommand(CLI::App& program) {
     command->add_option("--record", line->recording, "Writes what happens as a session, which kel play plays again")
         ->type_name("SESSION");
     command->add_option("--keys", line->keys, "What the keys do, a JSON file (docs/window.md)")->type_name("FILE");
-    command->add_option("--module", line->module, "The module of plug-ins that name none (default: Chalkpane.qop)")
-        ->type_name("MODULE");
+    AddSessionOptions(*command, line->access);
     command->add_option("--saves", line->saves, "Where pictures are saved (default: here)")->type_name("FOLDER");
     AddOutputOptions(*command, line->outputs);
     command->footer("The outputs are written when the window has been closed.");

@@ -25,13 +25,18 @@ using testing::WorstDifference;
 constexpr std::int64_t cardFields = 30;
 constexpr int rounding = 2;  // of 255: that of the rendered picture, of the overlay's colour and of its alpha
 
-json TestCard() {
-    json session = json::parse(cli::testing::ReadText(KEL_SOURCE_FOLDER "/examples/test-card.json"));
-    for (json& container : session["containers"])
-        if (container.contains("picture"))
-            container["picture"] = KEL_SOURCE_FOLDER "/examples/" + container["picture"].get<std::string>();
-    return session;
-}
+json TestCard() { return json::parse(cli::testing::ReadText(KEL_SOURCE_FOLDER "/examples/test-card.json")); }
+
+// With the card's pictures, which a session reads beside itself.
+class CardFolder : public KelFolder {
+public:
+    CardFolder() : KelFolder(TestCard()) {
+        const json card = TestCard();
+        for (const json& container : card["containers"])
+            if (const std::string name = container.value("picture", ""); !name.empty())
+                Write(name, cli::testing::ReadText(KEL_SOURCE_FOLDER "/examples/" + name));
+    }
+};
 
 // The card as it is before anybody draws on it.
 picture_io::Picture CleanCard(const KelFolder& folder) {
@@ -88,7 +93,7 @@ std::size_t Covered(const picture_io::Picture& overlay) {
 }  // namespace
 
 TEST_CASE("An overlay that was written lies over the picture as the rendered strokes do") {
-    const KelFolder folder(TestCard());
+    const CardFolder folder;
     const picture_io::Picture clean = CleanCard(folder);
     struct Way {
         std::string name;
@@ -116,7 +121,7 @@ TEST_CASE("An overlay that was written lies over the picture as the rendered str
 
 // The mixer's arithmetic: picture * (1 - key) + fill, or + fill * key where the fill is straight.
 TEST_CASE("Fill and key lie over the picture as the rendered strokes do") {
-    const KelFolder folder(TestCard());
+    const CardFolder folder;
     const picture_io::Picture clean = CleanCard(folder);
     for (const AlphaForm form : {AlphaForm::Premultiplied, AlphaForm::Straight}) {
         CAPTURE(form == AlphaForm::Straight);
@@ -142,7 +147,7 @@ TEST_CASE("Fill and key lie over the picture as the rendered strokes do") {
 }
 
 TEST_CASE("A lossy film of a session has its size, its fields and about its colours") {
-    const KelFolder folder(TestCard());
+    const CardFolder folder;
     REQUIRE_EQ(folder.Run("play s.json --out out.mp4").exitCode, 0);
     REQUIRE_EQ(folder.Run("play s.json --out last.png").exitCode, 0);
     VideoReader film(folder.Path("out.mp4"));
@@ -161,7 +166,7 @@ TEST_CASE("A lossy film of a session has its size, its fields and about its colo
 }
 
 TEST_CASE("Numbered pictures are the same by --out and by --frames, and the film has them too") {
-    const KelFolder folder(TestCard());
+    const CardFolder folder;
     REQUIRE_EQ(folder.Run("play s.json --out a%05d.png --frames b%05d.png").exitCode, 0);
     REQUIRE_EQ(folder.Run("play s.json --out c.mov --frames d%05d.png").exitCode, 0);
     Frames film(folder, "c.mov");
@@ -175,7 +180,7 @@ TEST_CASE("Numbered pictures are the same by --out and by --frames, and the film
 }
 
 TEST_CASE("The overlay as one picture is the canvas, straight in any case") {
-    const KelFolder folder(TestCard());
+    const CardFolder folder;
     REQUIRE_EQ(folder.Run("play s.json --overlay a.png").exitCode, 0);
     REQUIRE_EQ(folder.Run("play s.json --overlay b.png --straight").exitCode, 0);
     CHECK_EQ(folder.Open("a.png").width, 1024);
@@ -183,7 +188,7 @@ TEST_CASE("The overlay as one picture is the canvas, straight in any case") {
 }
 
 TEST_CASE("Fill and key as one picture are those of the last field") {
-    const KelFolder folder(TestCard());
+    const CardFolder folder;
     REQUIRE_EQ(folder.Run("play s.json --fill fill.png --key key.png").exitCode, 0);
     REQUIRE_EQ(folder.Run("play s.json --overlay overlay%05d.png").exitCode, 0);
     const picture_io::Picture overlay = Frames(folder, "overlay%05d.png").At(cardFields - 1);
@@ -223,7 +228,7 @@ TEST_CASE("Outputs that cannot be are refused before anything is played") {
 
 // The limit counts blocks of 512 or 1024 bytes; the films are larger than 8 of either.
 TEST_CASE("A disk that is full ends a play with one clear line and no file") {
-    const KelFolder folder(TestCard());
+    const CardFolder folder;
     for (const std::string name : {"out.mov", "out.mkv", "out.mp4", "out.webm", "out%05d.png"}) {
         CAPTURE(name);
         const std::ptrdiff_t entries = folder.Entries();

@@ -97,11 +97,12 @@ Played Play(const Session& session, Player::Rendering wanted = Player::Rendering
     return {host.ReadFrame(), host.ReadCanvas(player.OverlayContainer())};
 }
 
-std::string PlayerRefusal(const json& session, const std::filesystem::path& file = "s.json") {
+std::string PlayerRefusal(const json& session, const std::filesystem::path& file = "s.json",
+                          const SessionPermissions& permissions = {}) {
     return Thrown([&] {
         const Session parsed = ParseSession(session.dump(), file);
         Host host({64, 64});
-        const Player player(parsed, host, CHALKPANE_MODULE);
+        const Player player(parsed, host, CHALKPANE_MODULE, permissions);
     });
 }
 
@@ -313,13 +314,18 @@ TEST_CASE("A brush image is found beside the session, by the name that the sessi
     CHECK_EQ(play.found, std::pair(40, 30));
 }
 
-TEST_CASE("A module that a session names is looked for beside it") {
+TEST_CASE("A module that a session names is looked for beside it, where that is allowed") {
+    SessionPermissions permissions;
+    permissions.allowModules = true;
     json session = PlainSession();
     session["containers"][0]["plugin"]["module"] = "none.qop";
-    CHECK_EQ(PlayerRefusal(session, "shows/s.json"),
+    CHECK_EQ(PlayerRefusal(session, "shows/s.json", permissions),
              "shows/s.json: /containers/0/plugin/module: shows/none.qop: there is no such module");
     session["containers"][0]["plugin"]["module"] = CHALKPANE_MODULE;
-    CHECK_EQ(PlayerRefusal(session), "nothing");
+    CHECK_EQ(PlayerRefusal(session, "s.json", permissions), "nothing");
+    CHECK_EQ(PlayerRefusal(session),
+             "s.json: /containers/0/plugin/module: a module is a program, and sessions do not "
+             "choose programs: --module \"" CHALKPANE_MODULE "\" allows this one, --allow-modules any");
 }
 
 }  // namespace kel

@@ -215,6 +215,25 @@ TEST_CASE("A session's own events have happened before the operator's, and are i
     CHECK_FALSE(recorded.contains("$schema"));
 }
 
+TEST_CASE("A recording names the operator's module by its name, which plays where that module is given") {
+    Place place;
+    place.options.isModuleGiven = true;
+    place.options.permissions.modules = {CHALKPANE_MODULE};
+    { const Workspace workspace(place.folder / "grey.png", place.options); }
+    const json recorded = place.Recorded();
+    CHECK_EQ(recorded["recording"], true);
+    CHECK_EQ(recorded["containers"][1]["plugin"]["module"], "Chalkpane.qop");
+    const Session session = ReadSession(place.options.recording);
+    Host host({64, 48});
+    CHECK_NE(cli::testing::Thrown([&] {
+                 const Player player(session, host, CHALKPANE_MODULE);
+             }).find("sessions do not choose programs"),
+             std::string::npos);
+    CHECK_EQ(
+        cli::testing::Thrown([&] { const Player player(session, host, CHALKPANE_MODULE, place.options.permissions); }),
+        "nothing");
+}
+
 TEST_CASE("A film is paused, stepped and looped while one draws, and its recording shows the same frames") {
     Place place;
     testing::WriteCountedVideo(place.folder / "counted.mkv", 12, 64, 48, 25);
