@@ -7,13 +7,12 @@
 #include <string_view>
 
 #include "chalkpane/base/call_widest.h"
-#include "chalkpane/composite/blend_formulas.h"
 #include "chalkpane/composite/blending_modes.h"
 
 namespace chalkpane::blend {
 
-// The loops over a row that make kernels of the formulas, and the one table of all modes. The loop over channels is
-// one body that the compiler vectorises, for the baseline and for wider registers; results are the same.
+// The loops over a row that make kernels of the formulas. The loop over channels is one body that the compiler
+// vectorises, for the baseline and for wider registers; results are the same.
 
 using ChannelFormula = std::int32_t (*)(std::int32_t s, std::int32_t d);
 template <typename F>
@@ -89,48 +88,5 @@ struct BlendMode {
     std::string_view name;
     BlendKernel<F> kernel;
 };
-
-// In index order: a brush holds the index. The names are what the operator reads; a mode without one is for internal
-// use.
-inline constexpr std::string_view unnamed;
-template <typename F, typename C = ChannelFormulas<F>, typename P = PixelFormulas<F>>
-inline constexpr std::array<BlendMode<F>, blendModeCount> blendModes{{
-    {"Normal", &CopyRow<F, From::source>},
-    {"Add", &EachChannel<F, C::Add>},
-    {"Subtract", &EachChannel<F, C::Subtract>},
-    {"Difference", &EachChannel<F, C::Difference>},
-    {"Multiply", &EachChannel<F, C::Multiply>},
-    {"Darken Only", &EachChannel<F, C::DarkenOnly>},
-    {"Burn", &EachChannel<F, C::Burn>},
-    {"Color Burn", &EachChannel<F, C::ColourBurn>},
-    {"Screen", &EachChannel<F, C::Screen>},
-    {"Lighten Only", &EachChannel<F, C::LightenOnly>},
-    {"Dodge", &EachChannel<F, C::Dodge>},
-    {"Color Dodge", &EachChannel<F, C::ColourDodge>},
-    {"Hue", &EachPixel<F, P::Hue>},
-    {"Saturation", &EachPixel<F, P::Saturation>},
-    {"Value", &EachPixel<F, P::Value>},
-    {"Color", &EachPixel<F, P::Colour>},
-    {"Overlay", &EachChannel<F, C::Overlay>},
-    {"Soft Light", &EachChannel<F, C::SoftLight>},
-    {"Hard Light", &EachChannel<F, C::HardLight>},
-    {"Pin Light", &EachChannel<F, C::PinLight>},
-    {"Exclusion", &EachChannel<F, C::Exclusion>},
-    {"Negation", &EachChannel<F, C::Negation>},
-    {unnamed, &EachPixel<F, P::Dissolve>},
-    {unnamed, &CopyRow<F, From::destination>},
-    {unnamed, &EachPixel<F, P::SourceAlpha>},
-    {unnamed, &EachPixel<F, P::SourceLuma>},
-    {unnamed, &EachPixel<F, P::InvertedAlpha>},
-    {unnamed, &EachPixel<F, P::InvertedLuma>},
-}};
-static_assert(blendModes<Format8>.back().kernel != nullptr, "fewer rows than blendModeCount");
-
-template <typename F>
-constexpr std::array<BlendKernel<F>, blendModeCount> KernelsOf() {
-    std::array<BlendKernel<F>, blendModeCount> kernels{};
-    for (std::size_t mode = 0; mode < kernels.size(); ++mode) kernels[mode] = blendModes<F>[mode].kernel;
-    return kernels;
-}
 
 }  // namespace chalkpane::blend

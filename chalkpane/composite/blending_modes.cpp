@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "chalkpane/composite/blend_kernels.h"
+#include "chalkpane/composite/blend_formulas.h"
 
 namespace chalkpane {
 

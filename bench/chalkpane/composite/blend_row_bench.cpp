@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "chalkpane/base/random.h"
-#include "chalkpane/composite/blend_kernels.h"
+#include "chalkpane/composite/blend_formulas.h"
 #include "chalkpane/composite/blending_modes.h"
 #include "chalkpane/image/unpremultiply_row.h"
 #include "tests/reference/blending.h"
