@@ -1,5 +1,6 @@
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstring>
@@ -155,6 +156,52 @@ void FinishEllipseAtWidth(benchmark::State& state) {
     if (!TookAsWanted(fixture.plugin, Taker::Ellipse)) state.SkipWithError("the ellipse was declined");
 }
 BENCHMARK(FinishEllipseAtWidth)->Arg(1)->Arg(2)->Arg(30)->Unit(benchmark::kMillisecond);
+
+// The slowest fields: a stroke whose stored points fill the buffer, nearly all of them far from the canvas.
+enum class FarStroke { Straight, ThereAndBack, AtEndOfRange, Jumps };
+
+Points FarPoints(FarStroke kind) {
+    constexpr int room = canvasSize * canvasSize;
+    Points points;
+    points.reserve(room);
+    for (int i = 0; i < room; ++i) {
+        switch (kind) {
+            case FarStroke::Straight:
+                points.emplace_back(500 + 5.0 * i, 500, 0);
+                break;
+            case FarStroke::ThereAndBack:
+                points.emplace_back(500 + 5.0 * std::min(i, room - i), 500, 0);
+                break;
+            case FarStroke::AtEndOfRange:
+                points.emplace_back(1e9, 1e9 + 64.0 * i, 0);
+                break;
+            case FarStroke::Jumps:
+                points.emplace_back(i / 4 % 2 == 0 ? 1e9 : -1e9, -1e6 - i, 0);
+                break;
+        }
+    }
+    return points;
+}
+
+void FinishFar(benchmark::State& state, FarStroke kind) {
+    PluginParameters values = DefaultParameters();
+    values.RecoShapes = 1;
+    QuietFixture fixture(values);
+    const Points points = FarPoints(kind);
+    for (auto _ : state) {
+        testing::StoreStroke(fixture.plugin.telestrator, points);
+        const auto start = std::chrono::steady_clock::now();
+        testing::FinishStroke(fixture.plugin);
+        state.SetIterationTime(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+    }
+    if (fixture.plugin.telestrator.strokePointCount != canvasSize * canvasSize / 4 + 2) {
+        state.SkipWithError("the stroke was not smoothed");
+    }
+}
+BENCHMARK_CAPTURE(FinishFar, straight, FarStroke::Straight)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(FinishFar, thereAndBack, FarStroke::ThereAndBack)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(FinishFar, atEndOfRange, FarStroke::AtEndOfRange)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(FinishFar, jumps, FarStroke::Jumps)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace chalkpane

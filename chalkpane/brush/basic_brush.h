@@ -135,6 +135,13 @@ private:
     Rect StepAlongPath(const StrokePoint& sample, bool& painted);
     [[nodiscard]] std::int32_t NextCandidate(std::int32_t step, double squaredSpacing) const;
     Rect PaintDab(StrokePoint place, bool repeat);
+    void MeasureTouchingArea();
+    // True: a dab there touches nothing of the target and leaves nothing else behind, so it need not be made.
+    [[nodiscard]] bool Misses(const StrokePoint& place) const;
+    // Passes over a stretch of the path all of whose dabs miss. True: that was one, and the last dab is where it would
+    // be.
+    bool PassStretchOver(double squaredSpacing, double pressureFactor);
+    void PlaceUnpaintedDab(const StrokePoint& place, double pressureFactor);
     double AngleAlongPath(const StrokePoint& place, bool repeat);
     Rect PaintOnTarget(Dab& dab);
     void PaintOnMask(Dab& dab);
@@ -159,8 +166,18 @@ private:
     float lastDabX = 0.0F;
     float lastDabY = 0.0F;
     float lastDabPressure = 0.0F;
-    bool firstDabPending = false;                // the first dab waits until the path has a direction
-    std::shared_ptr<ProfileCache> profileCache;  // keeps masks from one source to the next
+    bool firstDabPending = false;  // the first dab waits until the path has a direction
+    // Where a dab's middle may lie to touch the target; everywhere when each dab has to be made.
+    struct TouchingArea {
+        double minX = 0.0;
+        double minY = 0.0;
+        double maxX = 0.0;
+        double maxY = 0.0;
+    };
+    TouchingArea touching;
+    static constexpr std::int32_t mostStepsPassedOver = 2000000;
+    std::int32_t stepsToPassOver = mostStepsPassedOver;  // before the stroke touches the target again
+    std::shared_ptr<ProfileCache> profileCache;          // keeps masks from one source to the next
     std::unique_ptr<BrushSource> source;
     std::vector<std::unique_ptr<Filter>> filters;
     std::uint8_t sourceType = 0;

@@ -31,6 +31,8 @@ Rect BasicBrush::BeginStroke(double x, double y, double pressure) {
     currentOpacity = opacity;
     lastAngle = 0.0;
     firstDabPending = matchPath;
+    stepsToPassOver = mostStepsPassedOver;
+    MeasureTouchingArea();
     Rect changed;
     if (matchPath) {
         lastDabX = static_cast<float>(x);
@@ -83,6 +85,8 @@ Rect BasicBrush::StepAlongPath(const StrokePoint& sample, bool& painted) {
         }
     }
     double squaredSpacing = Square(pathSpacing);
+    MeasureTouchingArea();
+    if (PassStretchOver(squaredSpacing, pressureFactor)) return {};
     Rect changed;
     for (std::int32_t step = NextCandidate(0, squaredSpacing); step < SplineIterator::steps;
          step = NextCandidate(step + 1, squaredSpacing)) {
@@ -128,7 +132,7 @@ Rect BasicBrush::PaintDab(StrokePoint place, bool repeat) {
     lastDabPressure = static_cast<float>(place.pressure);
     firstDabPending = false;
     Rect changed;
-    if (source) {
+    if (source && !Misses(place)) {
         dab.opacity = currentOpacity * place.pressure;
         dab.erases = source->IsEraser() || (source->CanErase() && paintEraserFlag);
         try {

@@ -55,8 +55,10 @@ constexpr double sumSpan = [] {
     return most - least;
 }();
 
-// Bounds on how far the walked points can lie apart.
-struct Reach {
+}  // namespace
+
+// Bounds on how far the points of two steps can lie apart.
+struct SplineIterator::Reach {
     double perStep = 0.0;   // between neighbouring steps, without rounding
     double rounding = 0.0;  // of any two steps, besides
 };
@@ -64,7 +66,7 @@ struct Reach {
 // The curve's derivative is a mean of the differences between neighbouring samples, and a step of the gathered t is at
 // most 0.001 + 6e-8. Rounded weights move the first sample's place by what their sum is off, and the differences from
 // it by 6e-8 at each of two steps.
-Reach ReachOf(const std::array<float, 4>& xs, const std::array<float, 4>& ys) {
+SplineIterator::Reach SplineIterator::ReachOfSamples() const {
     double squaredLongest = 0.0;
     double squaredSpread = 0.0;
     for (std::size_t i = 1; i < 4; ++i) {
@@ -79,8 +81,6 @@ Reach ReachOf(const std::array<float, 4>& xs, const std::array<float, 4>& ys) {
     const double place = std::abs(static_cast<double>(xs[0])) + std::abs(static_cast<double>(ys[0]));
     return {0.0010001 * std::sqrt(squaredLongest), 1.01 * sumSpan * place + 2e-7 * std::sqrt(squaredSpread)};
 }
-
-}  // namespace
 
 void SplineIterator::Fill(const StrokePoint& sample) {
     xs.fill(static_cast<float>(sample.x));
@@ -118,11 +118,17 @@ StrokePoint SplineIterator::PointAt(std::int32_t step) const {
 }
 
 std::int32_t SplineIterator::FirstBeyond(std::int32_t step, float x, float y, double squaredLimit) const {
-    const Reach reach = ReachOf(xs, ys);
+    std::int32_t tested = 0;
+    return FirstBeyond(ReachOfSamples(), step, x, y, squaredLimit, tested);
+}
+
+std::int32_t SplineIterator::FirstBeyond(const Reach& reach, std::int32_t step, float x, float y, double squaredLimit,
+                                         std::int32_t& tested) const {
     const double surely = 0.999999 * std::sqrt(squaredLimit) - reach.rounding;
     const double worthIt = surely - 2 * reach.perStep;
     const double squaredWorthIt = worthIt > 0.0 ? worthIt * worthIt : -1.0;
     while (step < steps) {
+        ++tested;
         const double distance = SquaredDistance(weightTable.ofStep[static_cast<std::size_t>(step)], xs, ys, x, y);
         if (distance > squaredLimit) return step;
         if (distance <= squaredWorthIt) {
@@ -134,6 +140,51 @@ std::int32_t SplineIterator::FirstBeyond(std::int32_t step, float x, float y, do
         }
     }
     return steps;
+}
+
+// A step is found whatever came before when it lies further than twice the limit from the step before it: either that
+// one was found, and what is left behind is more than the limit, or it lies within the limit of what was found last.
+std::int32_t SplineIterator::SurelyBeyond(double squaredLimit) const {
+    constexpr std::int32_t tried = 16;
+    const double twice = 2.000001 * std::sqrt(squaredLimit) + 1e-5;
+    StrokePoint place = PointAt(steps - 1);
+    for (std::int32_t step = steps - 1; step > steps - 1 - tried; --step) {
+        const StrokePoint before = PointAt(step - 1);
+        const auto squaredFrom = [&](double x, double y) {
+            return (place.x - x) * (place.x - x) + (place.y - y) * (place.y - y);
+        };
+        if (squaredFrom(before.x, before.y) > twice * twice &&
+            squaredFrom(static_cast<float>(before.x), static_cast<float>(before.y)) > squaredLimit)
+            return step;
+        place = before;
+    }
+    return steps;
+}
+
+std::int32_t SplineIterator::LastBeyond(float x, float y, double squaredLimit, std::int32_t& budget) const {
+    if (budget <= 0) return steps - 1;
+    const Reach reach = ReachOfSamples();
+    std::int32_t tested = 0;
+    std::int32_t last = steps;
+    const auto find = [&](std::int32_t from) { return FirstBeyond(reach, from, x, y, squaredLimit, tested); };
+    for (std::int32_t step = find(0); step < steps; step = find(step + 1)) {
+        const StrokePoint place = PointAt(step);
+        x = static_cast<float>(place.x);
+        y = static_cast<float>(place.y);
+        last = step;
+    }
+    budget -= tested;
+    return last;
+}
+
+bool SplineIterator::StaysBeside(double minX, double minY, double maxX, double maxY) const {
+    // A point is a mean of the samples, but for the rounding of its weights.
+    const auto staysBeside = [](const Samples& samples, double low, double high) {
+        const auto [least, greatest] = std::minmax_element(samples.begin(), samples.end());
+        const double rounding = 1e-6 * std::max(std::abs(double{*least}), std::abs(double{*greatest}));
+        return *greatest + rounding < low || *least - rounding > high;
+    };
+    return staysBeside(xs, minX, maxX) || staysBeside(ys, minY, maxY);
 }
 
 }  // namespace chalkpane

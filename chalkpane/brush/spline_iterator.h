@@ -41,7 +41,23 @@ public:
     // get so far are passed over. A limit that is not a number is never exceeded.
     [[nodiscard]] std::int32_t FirstBeyond(std::int32_t step, float x, float y, double squaredLimit) const;
 
+    // The last of the steps that `FirstBeyond` finds when each one found becomes, narrowed to floats, the point to get
+    // away from; `steps` when it finds none. Takes from `budget` what it took in tested steps; with nothing left, the
+    // curve's last step is the answer.
+    [[nodiscard]] std::int32_t LastBeyond(float x, float y, double squaredLimit, std::int32_t& budget) const;
+    // A step near the curve's end that is among those whatever (x, y) was; `steps` when there is none surely.
+    [[nodiscard]] std::int32_t SurelyBeyond(double squaredLimit) const;
+
+    // True: all points of the curve lie surely left of minX, right of maxX, above minY or below maxY, on one side all.
+    [[nodiscard]] bool StaysBeside(double minX, double minY, double maxX, double maxY) const;
+
 private:
+    struct Reach;
+
+    [[nodiscard]] Reach ReachOfSamples() const;
+    [[nodiscard]] std::int32_t FirstBeyond(const Reach& reach, std::int32_t step, float x, float y, double squaredLimit,
+                                           std::int32_t& tested) const;
+
     using Samples = std::array<float, 4>;  // oldest first
 
     Samples xs{};

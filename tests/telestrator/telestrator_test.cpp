@@ -210,7 +210,7 @@ TEST_CASE("Events with NaN, infinite and huge positions are survived, and the ne
     constexpr double infinity = std::numeric_limits<double>::infinity();
     TelestratorFixture fixture(RecognisingSettings());
     fixture.Field();
-    const std::array<double, 10> values{nan, infinity, -infinity, 1e300, -3000.0, 70000.0, 3e9, 0.0, -0.0, 512.0};
+    const std::array<double, 10> values{nan, infinity, -infinity, 1e300, -1e9, 1e9, 2147483647.0, 0.0, -0.0, 512.0};
     for (const double x : values) {
         for (const double y : values) {
             fixture.Press(x, y);

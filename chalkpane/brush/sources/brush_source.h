@@ -86,6 +86,9 @@ public:
     void DabPlaced(double x, double y, double angle);
     void DabPlacedOnMask(double x, double y, double angle);
 
+    // True: no dab is kept to be dragged along.
+    [[nodiscard]] bool HoldsNothing() const { return pickup == 0; }
+
     // 0: 8 bits; not 0: 14 bits in 16-bit words.
     void SetTargetDepth(std::int32_t depth) { targetDepth = depth; }
     // Used as the profile, resized to the dab; not owned, read by `Prepare`. Null: the profile type decides.

@@ -102,3 +102,52 @@ TEST_CASE("random strokes leave the pixels and rectangles of the plain reference
     }
     CHECK_GT(dabs, 5000);
 }
+
+// The dabs out there are not made; that their places are kept shows in the pixels when the stroke comes back.
+TEST_CASE("strokes that leave the canvas and come back leave the pixels and rectangles of the plain reference") {
+    const double distances[] = {30, 200, 5000, 1e5, 1e6, 2e7, 1e8, 5e8};  // none gets beyond `farthest`
+    std::size_t dabs = 0;
+    for (unsigned seed = 1; seed <= 160; ++seed) {
+        CAPTURE(seed);
+        Draw draw{std::mt19937(seed)};
+        reference::StrokeSettings settings = RandomSettings(draw);
+        settings.sourceType = draw.OneIn(2) ? 0 : 5;
+        if (!draw.OneIn(8)) settings.decay = 0.0;
+        if (!draw.OneIn(8)) settings.matchPath = settings.adjustSpacing = false;
+        const std::int32_t depth = draw.Below(2);
+        Image canvas = NewCanvas(48, 48, depth);
+        reference::FillWithNoise(canvas, seed);
+        canvas.Premultiply(canvas);
+        const auto expected = canvas.Clone();
+        BasicBrush brush("Reference");
+        brush.SetTarget(&canvas);
+        Give(brush, settings);
+        SourceValueOf(brush, 3).setDouble(draw.OneIn(2) ? 1.0 : draw.Between(0.3, 3.0));
+        brush.SetSize(draw.Below(6));
+        const Colour paint{16000, 2000, 9000};
+        brush.SetColour(paint);
+        const auto source = ReferenceSource(brush, settings, paint, depth);
+        reference::StrokeEngine reference(settings, *source, *expected);
+
+        REQUIRE_EQ(brush.BeginStroke(24, 24, 1), reference.Begin(24, 24, 1));
+        const double far = distances[draw.Below(8)];
+        const double stride = draw.OneIn(2) ? far / 20 : 6.0;
+        const bool aside = draw.OneIn(2);
+        double x = 24;
+        double y = 24;
+        for (int i = 0; i < 24; ++i) {
+            const bool out = i >= 4 && i < 16;
+            if (i == 4) (aside ? x : y) += draw.OneIn(2) ? far : -far;
+            if (i == 16) x = y = 20;
+            x += draw.Between(-1, 1) * (out ? stride : 8);
+            y += draw.Between(-1, 1) * (out ? stride : 8);
+            const double pressure = draw.Between(0.3, 1.0);
+            CAPTURE(i);
+            REQUIRE_EQ(brush.ContinueStroke(x, y, pressure), reference.Continue(x, y, pressure));
+        }
+        REQUIRE_EQ(brush.EndStroke(x, y, 1), reference.End(x, y, 1));
+        REQUIRE(reference::Same(reference::Picture(canvas), reference::Picture(*expected)));
+        dabs += reference.dabs.size();
+    }
+    CHECK_GT(dabs, 50000);
+}

@@ -121,3 +121,71 @@ TEST_CASE("a limit that is not a number is never exceeded, and one below zero al
     CHECK_EQ(walk.FirstBeyond(0, 0, 0, std::numeric_limits<double>::infinity()), SplineIterator::steps);
     CHECK_EQ(walk.FirstBeyond(7, 0, 0, -1.0), 7);
 }
+
+TEST_CASE(
+    "the last of a chain of steps, each beyond the one before, is found whatever the scale, and a sure step is one") {
+    constexpr unsigned seed = 21;
+    CAPTURE(seed);
+    std::mt19937 random(seed);
+    const double scales[] = {0.0, 0.3, 4, 60, 1000, 1e5, 2e7, 1e9};
+    std::uniform_real_distribution<double> unit(-1, 1);
+    int sureSteps = 0;
+    for (int round = 0; round < 1500; ++round) {
+        const double scale = scales[random() % std::size(scales)];
+        const double place = scales[random() % std::size(scales)];
+        SplineIterator curve;
+        for (int i = 0; i < 4; ++i) curve.Push({place + scale * unit(random), place - scale * unit(random), 1});
+        const double limits[] = {0.0, 0.2, 2.7, 37.8, scale * scale * 1e-6};
+        const double limit = limits[random() % std::size(limits)];
+        CAPTURE(round);
+        CAPTURE(scale);
+        CAPTURE(place);
+        CAPTURE(limit);
+        const std::int32_t sure = curve.SurelyBeyond(limit);
+        sureSteps += sure < SplineIterator::steps ? 1 : 0;
+        for (const double away : {0.0, 0.5, 3.0, scale}) {
+            auto x = static_cast<float>(place + away);
+            auto y = static_cast<float>(place);
+            const auto startX = x;
+            const auto startY = y;
+            std::int32_t last = SplineIterator::steps;
+            bool sureWasFound = sure == SplineIterator::steps;
+            for (std::int32_t step = 0; step < SplineIterator::steps; ++step) {
+                const StrokePoint point = curve.PointAt(step);
+                const double dx = point.x - x;
+                const double dy = point.y - y;
+                if (!(dx * dx + dy * dy > limit)) continue;
+                x = static_cast<float>(point.x);
+                y = static_cast<float>(point.y);
+                last = step;
+                sureWasFound = sureWasFound || step == sure;
+            }
+            std::int32_t budget = 1000000;
+            REQUIRE_EQ(curve.LastBeyond(startX, startY, limit, budget), last);
+            REQUIRE(sureWasFound);
+        }
+    }
+    CHECK_GT(sureSteps, 300);
+}
+
+TEST_CASE("without a budget of steps the curve's last one is the answer") {
+    const SplineIterator curve = IterateThrough({{0, 0, 1}, {10, 0, 1}, {20, 0, 1}, {30, 0, 1}});
+    std::int32_t budget = 5;
+    const std::int32_t last = curve.LastBeyond(0, 0, 4.0, budget);
+    CHECK_LT(last, SplineIterator::steps - 1);
+    CHECK_LE(budget, 0);
+    CHECK_EQ(curve.LastBeyond(0, 0, 4.0, budget), SplineIterator::steps - 1);
+}
+
+// A curve lies in the box of its samples; 100 to 130 is right of 99 but not surely of 100, since weights are rounded.
+TEST_CASE("a curve stays beside a rectangle when all its samples lie on one side") {
+    const SplineIterator curve = IterateThrough({{100, 0, 1}, {110, 500, 1}, {120, -500, 1}, {130, 0, 1}});
+    CHECK(curve.StaysBeside(0, -1000, 99, 1000));
+    CHECK_FALSE(curve.StaysBeside(0, -1000, 100, 1000));
+    CHECK(curve.StaysBeside(131, -1000, 200, 1000));
+    CHECK(curve.StaysBeside(0, 501, 1000, 1000));
+    CHECK(curve.StaysBeside(0, -1000, 1000, -501));
+    CHECK_FALSE(curve.StaysBeside(105, -10, 115, 10));
+    constexpr double everywhere = std::numeric_limits<double>::infinity();
+    CHECK_FALSE(curve.StaysBeside(-everywhere, -everywhere, everywhere, everywhere));
+}

@@ -1,0 +1,68 @@
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "chalkpane/brush/basic_brush.h"
+#include "chalkpane/brush/sources/colour_brush_source.h"
+
+namespace chalkpane {
+
+// A stroke may run far from its target. Dabs out there change no pixel, but their places decide where the dabs fall
+// when the stroke comes back: so the places are found as ever and only the dabs are left out. That costs far less than
+// dabs, but not nothing. No hand draws beside the target for as long as the budget of steps lasts; what does is not
+// worth a pause of the program, and from there on the spacing is measured from the end of each stretch.
+
+namespace {
+
+constexpr double everywhere = std::numeric_limits<double>::infinity();
+
+// True: a dab of this source leaves nothing behind but its pixels.
+bool LeavesNothingBehind(const BrushSource* source) {
+    return source != nullptr && source->HoldsNothing() && dynamic_cast<const ColourBrushSource*>(source) != nullptr;
+}
+
+}  // namespace
+
+void BasicBrush::MeasureTouchingArea() {
+    touching = {-everywhere, -everywhere, everywhere, everywhere};
+    if (matchPath || adjustSpacing || firstDabPending || maskPlaneOn || decay != 0.0 || !filters.empty()) return;
+    if (!LeavesNothingBehind(source.get())) return;
+    constexpr double room = 4.0;  // for the roundings of a dab's place
+    const Rect& dab = source->DabArea();
+    const double half = room + std::max({std::abs(dab.x0), std::abs(dab.x1), std::abs(dab.y0), std::abs(dab.y1)});
+    touching = {target->x0 - half, target->y0 - half, target->x1 + half, target->y1 + half};
+}
+
+bool BasicBrush::Misses(const StrokePoint& place) const {
+    return place.x < touching.minX || place.x > touching.maxX || place.y < touching.minY || place.y > touching.maxY;
+}
+
+bool BasicBrush::PassStretchOver(double squaredSpacing, double pressureFactor) {
+    if (history.Rests() || !history.StaysBeside(touching.minX, touching.minY, touching.maxX, touching.maxY)) {
+        stepsToPassOver = mostStepsPassedOver;
+        return false;
+    }
+    std::int32_t last = history.SurelyBeyond(squaredSpacing);
+    if (last != SplineIterator::steps) {
+        stepsToPassOver = mostStepsPassedOver;
+        PlaceUnpaintedDab(history.PointAt(last), pressureFactor);
+        for (++last; last < SplineIterator::steps; ++last) {
+            const StrokePoint place = history.PointAt(last);
+            const double dx = place.x - lastDabX;
+            const double dy = place.y - lastDabY;
+            if (dx * dx + dy * dy > squaredSpacing) PlaceUnpaintedDab(place, pressureFactor);
+        }
+        return true;
+    }
+    last = history.LastBeyond(lastDabX, lastDabY, squaredSpacing, stepsToPassOver);
+    if (last != SplineIterator::steps) PlaceUnpaintedDab(history.PointAt(last), pressureFactor);
+    return true;
+}
+
+void BasicBrush::PlaceUnpaintedDab(const StrokePoint& place, double pressureFactor) {
+    lastDabX = static_cast<float>(place.x);
+    lastDabY = static_cast<float>(place.y);
+    lastDabPressure = static_cast<float>(place.pressure * pressureFactor);
+}
+
+}  // namespace chalkpane
