@@ -28,6 +28,7 @@ const std::vector<ChoiceRow>& ChoiceRows() {
 
 std::vector<std::string> BlendModeWords() {
     std::vector<std::string> words;
+    words.reserve(BlendModeNames.size());
     for (const std::string_view name : BlendModeNames)
         words.push_back(name.empty() ? std::to_string(words.size()) : std::string(name));
     return words;

@@ -32,6 +32,7 @@ void KelWindow::Start(const std::vector<std::string>& arguments) {
     std::vector<std::string> words = {KEL_PROGRAM, "window"};
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char*> line;
+    line.reserve(words.size() + 1);
     for (std::string& word : words) line.push_back(word.data());
     line.push_back(nullptr);
     const std::string home = folder.Path().string();
