@@ -195,10 +195,12 @@ void _api__get_image_format(std::int32_t id, std::int32_t* format) {
 }
 std::int32_t _api__create_image(std::int32_t reserved, std::int32_t width, std::int32_t height, std::int32_t format) {
     Record("_api__create_image", reserved, width, height, format);
+    if (CurrentHost().createdImage >= 0) ++CurrentHost().images;
     return CurrentHost().createdImage;
 }
 void _api__image_delete_image(std::int32_t* image) {
     Record("_api__image_delete_image", *image);
+    if (*image >= 0) --CurrentHost().images;
     *image = -1;
 }
 void _api__rebuild_texture(std::int32_t image) { Record("_api__rebuild_texture", image); }
@@ -210,10 +212,12 @@ void _api__image_subtexload(std::int32_t image, std::int32_t reserved, std::int3
 }
 void _api__texture_create_texture(std::int32_t* texture, std::int32_t image) {
     Record("_api__texture_create_texture", image);
+    if (CurrentHost().createdTexture >= 0) ++CurrentHost().textures;
     *texture = CurrentHost().createdTexture;
 }
 void _api__texture_delete_texture(std::int32_t* texture) {
     Record("_api__texture_delete_texture", *texture);
+    if (*texture >= 0) --CurrentHost().textures;
     *texture = -1;
 }
 void _api__set_texture_map_type(std::int32_t texture, std::int32_t value) {

@@ -45,6 +45,8 @@ public:
     bool allIdsInvalid = false;
     std::int32_t createdImage = 40;  // negative: creation fails
     std::int32_t createdTexture = 50;
+    std::int32_t images = 0;    // made by the module and not deleted
+    std::int32_t textures = 0;  // likewise
     std::int32_t redrawAnswer = 33;
     std::int32_t redraws = 0;  // counted also while nothing is recorded
     std::int32_t showAnswer = 44;
