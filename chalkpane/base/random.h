@@ -11,6 +11,19 @@ namespace chalkpane {
 namespace detail {
 inline std::atomic<std::uint32_t> randomState{1};
 constexpr std::uint32_t NextRandomState(std::uint32_t state) { return state * 214013u + 2531011u; }
+constexpr std::int32_t RandomOfState(std::uint32_t state) { return static_cast<std::int32_t>((state >> 16) & 0x7fff); }
+
+// The state so many draws on. One step is a * state + c; two are one with a * a and a * c + c, and so on by doubling.
+constexpr std::uint32_t JumpedRandomState(std::uint32_t state, std::uint32_t draws) {
+    std::uint32_t a = 214013u;
+    std::uint32_t c = 2531011u;
+    for (; draws != 0; draws >>= 1) {
+        if ((draws & 1u) != 0) state = state * a + c;
+        c = a * c + c;
+        a = a * a;
+    }
+    return state;
+}
 }  // namespace detail
 
 // 0 .. 32767.
@@ -19,7 +32,17 @@ inline std::int32_t Random() {
     while (
         !detail::randomState.compare_exchange_weak(state, detail::NextRandomState(state), std::memory_order_relaxed)) {
     }
-    return static_cast<std::int32_t>((detail::NextRandomState(state) >> 16) & 0x7fff);
+    return detail::RandomOfState(detail::NextRandomState(state));
+}
+
+// Takes the next `draws` numbers at once: the state before them, from which the caller makes them by NextRandomState
+// and RandomOfState. To all others they are drawn.
+inline std::uint32_t TakeRandom(std::uint32_t draws) {
+    std::uint32_t state = detail::randomState.load(std::memory_order_relaxed);
+    while (!detail::randomState.compare_exchange_weak(state, detail::JumpedRandomState(state, draws),
+                                                      std::memory_order_relaxed)) {
+    }
+    return state;
 }
 
 // What `SeedRandom` takes to go on from here.

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <cstdlib>
 #include <string_view>
+#include <type_traits>
 
-#include "chalkpane/base/random.h"
 #include "chalkpane/composite/blend_kernels.h"
 #include "chalkpane/composite/hsv.h"
 #include "chalkpane/image/pixel_format.h"
@@ -52,25 +52,52 @@ struct ChannelFormulas {
     static constexpr std::int32_t above = full + 1;
     static constexpr std::int32_t half = above / 2;
     using Int = std::int32_t;
+    using Channel = typename F::Channel;
+
+    // Conditions by bits: of a conditional the compiler makes a jump around the division, and then no vectors.
+    static constexpr Int Select(bool condition, Int yes, Int no) {
+        const Int chosen = -static_cast<Int>(condition);
+        return (yes & chosen) | (no & ~chosen);
+    }
+    static constexpr Int AtLeastOne(Int n) { return n - ((n - 1) >> 31); }  // of what is not negative
+    // More than any quotient where n is negative, otherwise 0.
+    static constexpr Int Beyond(Int n) { return (n >> 31) & (1 << 30); }
 
     static constexpr Int Screened(Int s, Int d) { return F::Scale(full - s, full - d); }
 
-    static constexpr Int Add(Int s, Int d) { return std::min(s + d, Int{full}); }
-    static constexpr Int Subtract(Int s, Int d) { return std::max(d - s, 0); }
+    // Truncated, by the division that registers have. The quotient of whole numbers n and d, if it is not whole itself,
+    // lies at least 1 / d below the next whole one, and what is rounded to p bits goes astray by n / d / 2^p at most:
+    // less, where n is below 2^p. With 8 bits n is at most 255 * 256, with 14 bits (and words beyond) 65535 * 16384.
+    static constexpr Int Quotient(Int n, Int d) {
+        using Real = std::conditional_t<F::bits == 8, float, double>;
+        return static_cast<Int>(static_cast<Real>(n) / static_cast<Real>(d));
+    }
+
+    // In the channel's own type: what a sum loses by wrapping makes it smaller than its parts.
+    static constexpr Channel Add(Channel s, Channel d) {
+        const auto sum = static_cast<Channel>(s + d);
+        return std::min(sum < s ? Channel{full} : sum, Channel{full});
+    }
+    static constexpr Channel Subtract(Channel s, Channel d) { return static_cast<Channel>(std::max(s, d) - s); }
     static constexpr Int Difference(Int s, Int d) { return s > d ? s - d : d - s; }
     static constexpr Int Multiply(Int s, Int d) { return F::Scale(s, d); }
     static constexpr Int DarkenOnly(Int s, Int d) { return std::min(s, d); }
     // KEEP: Burn and Dodge divide by the destination, the Color forms by the source.
     static constexpr Int Burn(Int s, Int d) {
-        if (F::burnSparesFullDestination && d == full) return s;
-        return std::clamp((s - full) * above / (d + 1) + full, 0, Int{full});
+        const Int burnt = std::clamp(Quotient((s - full) * above, d + 1) + full, 0, Int{full});
+        return F::burnSparesFullDestination ? Select(d == full, s, burnt) : burnt;
     }
-    static constexpr Int ColourBurn(Int s, Int d) { return s == 0 ? 0 : std::max((d - full) * above / s + full, 0); }
+    // A source of nothing is divided by 1, which is then pushed below all.
+    static constexpr Int ColourBurn(Int s, Int d) {
+        return std::max(Quotient((d - full) * above, AtLeastOne(s)) + full - Beyond(s - 1), 0);
+    }
     static constexpr Int Screen(Int s, Int d) { return full - Screened(s, d); }
     static constexpr Int LightenOnly(Int s, Int d) { return std::max(s, d); }
-    static constexpr Int Dodge(Int s, Int d) { return std::min(s * above / std::max(above - d, 1), Int{full}); }
+    static constexpr Int Dodge(Int s, Int d) {
+        return std::min(Quotient(s * above, std::max(above - d, 1)), Int{full});
+    }
     static constexpr Int ColourDodge(Int s, Int d) {
-        return s >= full ? Int{full} : std::min(d * above / (full - s), Int{full});
+        return std::min(Quotient(d * above, AtLeastOne(std::max(full - s, 0))) + Beyond(full - 1 - s), Int{full});
     }
     static constexpr Int Overlay(Int s, Int d) { return d < half ? 2 * F::Scale(s, d) : full - 2 * Screened(s, d); }
     static constexpr Int SoftLight(Int s, Int d) {
@@ -120,12 +147,6 @@ struct PixelFormulas {
         const Hsv above = HsvOf(s);
         SetHsv(out, s, {above.hue, above.saturation, HsvOf(d).value});
     }
-    // The source with its alpha thrown to all or nothing; no number is drawn where there is nothing to throw.
-    static void Dissolve(const Channel* s, const Channel* /*d*/, Channel* out) {
-        const bool shown = s[3] != 0 && s[3] >= (Random() & F::randomMask);
-        SetColour(out, s);
-        SetAlpha(out, shown ? F::fullScale : 0);
-    }
     static void SourceAlpha(const Channel* s, const Channel* d, Channel* out) {
         SetColour(out, d);
         SetAlpha(out, s[3]);
@@ -162,17 +183,17 @@ inline constexpr std::array<BlendMode<F>, blendModeCount> blendModes{{
     {"Lighten Only", &EachChannel<F, C::LightenOnly>},
     {"Dodge", &EachChannel<F, C::Dodge>},
     {"Color Dodge", &EachChannel<F, C::ColourDodge>},
-    {"Hue", &EachPixel<F, P::Hue>},
-    {"Saturation", &EachPixel<F, P::Saturation>},
-    {"Value", &EachPixel<F, P::Value>},
-    {"Color", &EachPixel<F, P::Colour>},
+    {"Hue", &HsvRow<F, HsvMode::Hue, P::Hue>},
+    {"Saturation", &HsvRow<F, HsvMode::Saturation, P::Saturation>},
+    {"Value", &HsvRow<F, HsvMode::Value, P::Value>},
+    {"Color", &HsvRow<F, HsvMode::HueAndSaturation, P::Colour>},
     {"Overlay", &EachChannel<F, C::Overlay>},
     {"Soft Light", &EachChannel<F, C::SoftLight>},
     {"Hard Light", &EachChannel<F, C::HardLight>},
     {"Pin Light", &EachChannel<F, C::PinLight>},
     {"Exclusion", &EachChannel<F, C::Exclusion>},
     {"Negation", &EachChannel<F, C::Negation>},
-    {unnamed, &EachPixel<F, P::Dissolve>},
+    {unnamed, &DissolveRow<F>},
     {unnamed, &CopyRow<F, From::destination>},
     {unnamed, &EachPixel<F, P::SourceAlpha>},
     {unnamed, &EachPixel<F, P::SourceLuma>},

@@ -28,3 +28,18 @@ TEST_CASE("No number leaves 0 to 32767") {
         REQUIRE(number <= 32767);
     }
 }
+
+TEST_CASE("Numbers taken at once are those drawn one by one, and the next draw goes on behind them") {
+    for (const std::uint32_t draws : {0u, 1u, 2u, 3u, 255u, 1024u, 65537u}) {
+        CAPTURE(draws);
+        SeedRandom(77);
+        std::uint32_t state = TakeRandom(draws);
+        const std::int32_t behind = Random();
+        SeedRandom(77);
+        for (std::uint32_t i = 0; i < draws; ++i) {
+            state = detail::NextRandomState(state);
+            REQUIRE_EQ(detail::RandomOfState(state), Random());
+        }
+        CHECK_EQ(Random(), behind);
+    }
+}

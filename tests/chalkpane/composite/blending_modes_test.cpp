@@ -1,4 +1,5 @@
 #include "chalkpane/composite/blending_modes.h"
+#include "chalkpane/composite/blend_formulas.h"
 #include "tests/chalkpane/scoped_cpu_features.h"
 
 #include <doctest/doctest.h>
@@ -156,6 +157,41 @@ TEST_CASE("Wide registers give what the plain kernels give") {
     CheckKernels<PixelFormat8>(CpuFeatures::All, pairs.source, pairs.destination);
     CheckKernels<PixelFormat14>(CpuFeatures::All, NoiseRow<PixelFormat14>(200000, seed + 2),
                                 NoiseRow<PixelFormat14>(200000, seed + 3));
+}
+
+// At 8 bits all quotients there are; at 14 bits those of a fifth of the channels for each divisor.
+TEST_CASE("The quotients of the burning and dodging modes are those of whole numbers") {
+    const auto check = [](auto formulas, std::int32_t full, std::int32_t stride) {
+        std::int64_t wrong = 0;
+        for (std::int32_t divisor = 1; divisor <= full + 1; ++divisor)
+            for (std::int32_t channel = divisor % stride; channel <= full; channel += stride) {
+                const std::int32_t n = channel * (full + 1);
+                wrong += formulas.Quotient(n, divisor) != n / divisor || formulas.Quotient(-n, divisor) != -n / divisor;
+            }
+        CHECK_EQ(wrong, 0);
+    };
+    check(blend::ChannelFormulas<blend::Format8>(), 255, 1);
+    check(blend::ChannelFormulas<blend::Format14>(), 16383, 5);
+}
+
+// Words of all 16 bits: sums and products beyond full scale have defined results, too.
+TEST_CASE("Words above full scale blend alike with wide registers and without") {
+    std::mt19937 random(seed);
+    Row<PixelFormat14> source(40000);
+    Row<PixelFormat14> destination(40000);
+    for (auto* row : {&source, &destination})
+        for (auto& word : *row) word = static_cast<std::uint16_t>(random());
+    Row<PixelFormat14> plain(source.size());
+    Row<PixelFormat14> wide(source.size());
+    for (std::size_t mode = 0; mode < static_cast<std::size_t>(blendModeCount); ++mode) {
+        CAPTURE(mode);
+        for (auto* output : {&plain, &wide}) {
+            const ScopedCpuFeatures scope(output == &plain ? CpuFeatures::Plain : CpuFeatures::All);
+            SeedRandom(1);
+            BlendKernels14[mode](source.data(), destination.data(), output->data(), 10000);
+        }
+        CHECK((plain == wide));
+    }
 }
 
 TEST_CASE_TEMPLATE("Rows of any length blend to their end and no further", F, PixelFormat8, PixelFormat14) {
