@@ -2,9 +2,12 @@
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
 #include <vector>
 
+#include "chalkpane/base/cpu_features.h"
 #include "chalkpane/base/multi_processor.h"
+#include "chalkpane/filters/neighbourhood/median_columns.h"
 #include "chalkpane/filters/neighbourhood/median_row.h"
 #include "chalkpane/filters/work_area.h"
 #include "chalkpane/image/image_rows.h"
@@ -14,14 +17,22 @@ namespace {
 
 // The source's rows with the edge repeated on both sides, as wide as the window of the whole result needs.
 struct MedianJob {
+    // What a worker keeps from one row to the next.
+    struct Worker {
+        std::vector<const std::uint8_t*> window;  // the rows of the window at hand
+        std::optional<MedianColumns> columns;     // where large windows are counted by columns
+        std::int64_t countedRow = 0;              // whose window `columns` holds
+    };
+
     const Image& source;
     Image& result;
     std::int32_t radius;
     std::size_t channels;
-    std::size_t paddedRow;                                  // bytes
-    std::vector<std::uint8_t> padded;                       // the rows that some window touches, the lowest first
-    std::int32_t firstRow;                                  // of `padded`
-    std::vector<std::vector<const std::uint8_t*>> windows;  // per worker: the rows of the window at hand
+    std::size_t paddedRow;             // bytes
+    std::int32_t firstRow;             // of `padded`
+    std::int64_t rows;                 // that some window touches
+    std::vector<std::uint8_t> padded;  // those rows, the lowest first
+    std::vector<Worker> workers;
 
     MedianJob(const Image& from, Image& to, std::int32_t pixels)
         : source(from),
@@ -30,11 +41,15 @@ struct MedianJob {
           channels(static_cast<std::size_t>(ChannelCount(from))),
           paddedRow((static_cast<std::size_t>(to.Width()) + 2 * static_cast<std::size_t>(pixels)) * channels),
           firstRow(Inside(std::int64_t{to.y0} - pixels, from.y0, from.y1)),
-          windows(static_cast<std::size_t>(std::max(MultiProcessor::Instance().ProcessorCount(), 1)),
-                  std::vector<const std::uint8_t*>(2 * static_cast<std::size_t>(pixels) + 1)) {
-        const std::int64_t lastRow = Inside(std::int64_t{to.y1} + pixels, from.y0, from.y1);
-        padded.resize(paddedRow * static_cast<std::size_t>(lastRow - firstRow + 1));
-        for (std::int64_t y = firstRow; y <= lastRow; ++y) PadRow(static_cast<std::int32_t>(y));
+          rows(std::int64_t{Inside(std::int64_t{to.y1} + pixels, from.y0, from.y1)} - firstRow + 1),
+          padded(paddedRow * static_cast<std::size_t>(rows)),
+          workers(static_cast<std::size_t>(std::max(MultiProcessor::Instance().ProcessorCount(), 1))) {
+        for (Worker& worker : workers) worker.window.resize(2 * static_cast<std::size_t>(pixels) + 1);
+        const auto pad = [](std::int32_t row, void* userData, std::int32_t /*worker*/) {
+            auto& job = *static_cast<MedianJob*>(userData);
+            job.PadRow(static_cast<std::int32_t>(std::int64_t{job.firstRow} + row));
+        };
+        RunInBands(0, static_cast<std::int32_t>(rows - 1), to.Width(), pad, this);
     }
 
     // The place inside the source that stands for one beyond its edge.
@@ -43,25 +58,59 @@ struct MedianJob {
     }
 
     [[nodiscard]] std::uint8_t* PaddedRow(std::int32_t y) {
-        return padded.data() + paddedRow * static_cast<std::size_t>(y - firstRow);
+        return padded.data() + paddedRow * static_cast<std::size_t>(std::int64_t{y} - firstRow);
+    }
+    // The row of the window around row y that stands so far above it.
+    [[nodiscard]] const std::uint8_t* WindowRow(std::int64_t y, std::int64_t above) {
+        return PaddedRow(Inside(y + above, source.y0, source.y1));
     }
 
     void PadRow(std::int32_t y) {
         std::uint8_t* to = PaddedRow(y);
         const auto row = source.Row8(y);
         const std::int64_t end = std::int64_t{result.x1} + radius + 1;
-        for (std::int64_t x = std::int64_t{result.x0} - radius; x < end; ++x, to += channels) {
-            const auto column = static_cast<std::size_t>(Inside(x, source.x0, source.x1) - source.x0);
-            std::memcpy(to, row.data() + column * channels, channels);
+        std::int64_t x = std::int64_t{result.x0} - radius;
+        const auto repeat = [&](std::size_t column, std::int64_t until) {
+            for (; x < until; ++x, to += channels) std::memcpy(to, row.data() + column * channels, channels);
+        };
+        repeat(0, std::min<std::int64_t>(source.x0, end));
+        const std::int64_t inside = std::min<std::int64_t>(std::int64_t{source.x1} + 1, end) - x;
+        if (inside > 0) {
+            const auto bytes = static_cast<std::size_t>(inside) * channels;
+            std::memcpy(to, row.data() + static_cast<std::size_t>(x - source.x0) * channels, bytes);
+            to += bytes;
+            x += inside;
         }
+        repeat(static_cast<std::size_t>(std::int64_t{source.x1} - source.x0), end);
     }
 
-    void Row(std::int32_t y, std::int32_t worker) {
-        auto& window = windows[static_cast<std::size_t>(worker)];
-        for (std::size_t i = 0; i < window.size(); ++i)
-            window[i] =
-                PaddedRow(Inside(std::int64_t{y} - radius + static_cast<std::int64_t>(i), source.y0, source.y1));
-        MedianRow(window, static_cast<std::int32_t>(channels), radius, result.Row8(y));
+    [[nodiscard]] bool CountsByColumns() const {
+        return builtWithAvx2 && HasAvx2() && radius >= MedianColumns::leastRadius;
+    }
+
+    // A worker's rows come in ascending order, mostly each after the other.
+    MedianColumns& ColumnsAround(std::int32_t y, Worker& worker) {
+        if (worker.columns && worker.countedRow + 1 == y) {
+            worker.columns->RemoveRow(WindowRow(worker.countedRow, -radius));
+            worker.columns->AddRow(WindowRow(y, radius));
+        } else {
+            if (worker.columns)
+                worker.columns->Clear();
+            else
+                worker.columns.emplace(paddedRow, static_cast<std::int32_t>(channels), radius);
+            for (std::int32_t above = -radius; above <= radius; ++above) worker.columns->AddRow(WindowRow(y, above));
+        }
+        worker.countedRow = y;
+        return *worker.columns;
+    }
+
+    void Row(std::int32_t y, std::int32_t index) {
+        Worker& worker = workers[static_cast<std::size_t>(index)];
+        if constexpr (builtWithAvx2)
+            if (CountsByColumns()) return ColumnsAround(y, worker).MedianRowAvx2(result.Row8(y));
+        for (std::size_t i = 0; i < worker.window.size(); ++i)
+            worker.window[i] = WindowRow(y, static_cast<std::int64_t>(i) - radius);
+        MedianRow(worker.window, static_cast<std::int32_t>(channels), radius, result.Row8(y));
     }
 };
 

@@ -4,7 +4,7 @@
 #include <array>
 #include <cstddef>
 
-#include "chalkpane/base/cpu_features.h"
+#include "chalkpane/base/call_widest.h"
 
 namespace chalkpane {
 namespace {
@@ -65,7 +65,8 @@ using Nine = std::array<std::uint8_t, 9>;
     return endsBin ? static_cast<std::uint8_t>(v[3] | 15) : v[4];
 }
 
-void MedianRowOfNine(std::span<const std::uint8_t* const> rows, std::ptrdiff_t channels, std::span<std::uint8_t> out) {
+[[gnu::always_inline]] inline void MedianRowOfNine(std::span<const std::uint8_t* const> rows, std::ptrdiff_t channels,
+                                                   std::span<std::uint8_t> out) {
     const std::uint8_t* const below = rows[0] + channels;
     const std::uint8_t* const here = rows[1] + channels;
     const std::uint8_t* const above = rows[2] + channels;
@@ -101,7 +102,7 @@ void MedianRowByHistogram(std::span<const std::uint8_t* const> rows, std::int32_
 
 void MedianRow(std::span<const std::uint8_t* const> rows, std::int32_t channels, std::int32_t radius,
                std::span<std::uint8_t> out) {
-    if (radius == 1) return MedianRowOfNine(rows, channels, out);
+    if (radius == 1) return CallWidest([&] { MedianRowOfNine(rows, channels, out); });
     if constexpr (builtWithAvx2)
         if (HasAvx2() && radius <= largestCountedRadius && out.size() >= leastCountedChannels)
             return MedianRowAvx2(rows, channels, out);

@@ -20,12 +20,12 @@ inline constexpr std::int32_t largestMedianRadius = 127;  // whose window still 
 void MedianRow(std::span<const std::uint8_t* const> rows, std::int32_t channels, std::int32_t radius,
                std::span<std::uint8_t> out);
 
-// The same by moving a histogram along the row, at any radius. `MedianRow` sorts a window of 3 x 3 instead, and counts
-// through other small ones for many channels at once where the machine has AVX2.
+// The same by moving a histogram along the row, at any radius. `MedianRow` sorts a window of 3 x 3 instead.
 void MedianRowByHistogram(std::span<const std::uint8_t* const> rows, std::int32_t channels, std::int32_t radius,
                           std::span<std::uint8_t> out);
 
-// By counting through the windows of 32 channels at once. Needs AVX2, and is there where `builtWithAvx2`.
+// For 32 channels at once: windows of 5 x 5 by sorting, others by counting through them. Needs AVX2, and is there where
+// `builtWithAvx2`.
 inline constexpr std::int32_t largestCountedRadius = 7;  // whose windows count in bytes
 inline constexpr std::size_t leastCountedChannels = 32;  // in a row
 void MedianRowAvx2(std::span<const std::uint8_t* const> rows, std::int32_t channels, std::span<std::uint8_t> out);
