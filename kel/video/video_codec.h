@@ -19,6 +19,7 @@ struct VideoCodec {
     AVPixelFormat withAlpha;  // AV_PIX_FMT_NONE: alpha cannot be kept
     int keyEvery;             // frames
     int smallestSide;         // pixels; the codec gives smaller pictures back wrong
+    bool isStateless;         // the same picture gives the same packet, at once
     std::array<CodecOption, 4> options;
 };
 

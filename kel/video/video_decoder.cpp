@@ -30,6 +30,7 @@ VideoDecoder::VideoDecoder(const std::filesystem::path& file)
     m_width = m_frame->width;
     m_height = m_frame->height;
     m_hasAlpha = FormatHasAlpha(m_frame->format);
+    m_orientation = m_file.Orientation();
     if (std::max(m_width, m_height) > picture_io::largestPictureSide) m_file.Refuse("has frames that are too large");
 }
 
@@ -55,7 +56,7 @@ picture_io::Picture VideoDecoder::Read(std::int64_t index) {
     if (m_time != time && !DecodeFrom(way, time) && (way == From::Start || !DecodeFrom(From::Start, time)))
         m_file.Refuse("frame " + std::to_string(index) + " is damaged");
     try {
-        return m_converter.Convert(*m_frame, m_width, m_height);
+        return Upright(m_converter.Convert(*m_frame, m_width, m_height), m_orientation);
     } catch (const cli::Error& error) {
         m_file.Refuse(error.what());
     }

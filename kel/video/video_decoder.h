@@ -18,8 +18,8 @@ public:
 
     [[nodiscard]] const VideoFile& File() const { return m_file; }
     [[nodiscard]] const VideoIndex& Index() const { return m_index; }
-    [[nodiscard]] std::int32_t Width() const { return m_width; }
-    [[nodiscard]] std::int32_t Height() const { return m_height; }
+    [[nodiscard]] std::int32_t Width() const { return m_orientation.exchangesAxes ? m_height : m_width; }
+    [[nodiscard]] std::int32_t Height() const { return m_orientation.exchangesAxes ? m_width : m_height; }
     [[nodiscard]] bool HasAlpha() const { return m_hasAlpha; }
 
     // index: of a frame that is there. Throws Error when it is damaged.
@@ -42,7 +42,8 @@ private:
     AvPacket m_packet;
     AvFrame m_frame;                     // the last one decoded
     std::optional<std::int64_t> m_time;  // of m_frame; none: nothing is decoded, or it is of no use
-    std::int32_t m_width = 0;
+    PictureOrientation m_orientation;
+    std::int32_t m_width = 0;  // pixels, as stored
     std::int32_t m_height = 0;
     bool m_hasAlpha = false;
     PictureConverter m_converter;

@@ -72,7 +72,8 @@ VideoEncoder::VideoEncoder(const std::filesystem::path& file, const VideoSetting
       m_codecSettings(*FormatFor(file, settings).codec),
       m_settings(settings),
       m_frame(NewFrame()),
-      m_packet(NewPacket()) {
+      m_packet(NewPacket()),
+      m_last(NewPacket()) {
     SilenceAv();
     AVFormatContext* output = nullptr;
     Check(avformat_alloc_output_context2(&output, nullptr, m_codecSettings.container, nullptr));
@@ -134,12 +135,25 @@ void VideoEncoder::Write(const picture_io::Picture& picture) {
     Encode(m_frame.get());
 }
 
+void VideoEncoder::Repeat() {
+    m_frame->pts = m_count++;
+    if (!m_codecSettings.isStateless || m_last->size == 0) return Encode(m_frame.get());
+    Check(av_packet_ref(m_packet.get(), m_last.get()));
+    m_packet->pts = m_frame->pts;
+    m_packet->dts = m_frame->pts;
+    WritePacket();
+}
+
 void VideoEncoder::Encode(const AVFrame* frame) {
     Check(avcodec_send_frame(m_codec.get(), frame));
     for (;;) {
         const int result = avcodec_receive_packet(m_codec.get(), m_packet.get());
         if (result == AVERROR(EAGAIN) || result == AVERROR_EOF) return;
         Check(result);
+        if (m_codecSettings.isStateless) {
+            av_packet_unref(m_last.get());
+            Check(av_packet_ref(m_last.get(), m_packet.get()));
+        }
         WritePacket();
     }
 }

@@ -17,6 +17,7 @@ public:
     VideoEncoder(const std::filesystem::path& file, const VideoSettings& settings);
 
     void Write(const picture_io::Picture& picture);
+    void Repeat();
     void Close();
     void Commit() { m_file.Commit(); }
 
@@ -40,6 +41,7 @@ private:
     AvCodec m_codec;
     AvFrame m_frame;
     AvPacket m_packet;
+    AvPacket m_last;  // as the encoder gave it; of a stateless codec only
     PicturePacker m_packer;
     std::int64_t m_count = 0;  // frames
 };

@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "kel/video/av_objects.h"
+#include "kel/video/picture_orientation.h"
 
 namespace kel {
 
@@ -23,6 +24,9 @@ public:
     [[nodiscard]] const AVCodecParameters& Codec() const;
     [[nodiscard]] double SecondsPerUnit() const;
     [[nodiscard]] double DeclaredFramesPerSecond() const;  // 0: the container does not say
+
+    // How its frames are brought upright.
+    [[nodiscard]] PictureOrientation Orientation() const { return OrientationOf(Stream()); }
 
     // The container says that there is more than the file has. What it says only bit by bit shows when it is read.
     [[nodiscard]] bool IsCutOff() const;

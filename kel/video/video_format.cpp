@@ -9,17 +9,18 @@
 namespace kel {
 namespace {
 
-constexpr VideoCodec quickTimeAnimation{"mov", "qtrle", AV_PIX_FMT_RGB24, AV_PIX_FMT_ARGB, 25, 1, {}};
+constexpr VideoCodec quickTimeAnimation{"mov", "qtrle", AV_PIX_FMT_RGB24, AV_PIX_FMT_ARGB, 25, 1, false, {}};
 constexpr VideoCodec ffv1{
-    "matroska", "ffv1", AV_PIX_FMT_0RGB32, AV_PIX_FMT_RGB32, 1, 2, {{{"level", "3"}, {"slicecrc", "1"}}}};
+    "matroska", "ffv1", AV_PIX_FMT_0RGB32, AV_PIX_FMT_RGB32, 1, 2, true, {{{"level", "3"}, {"slicecrc", "1"}}}};
 constexpr VideoCodec h264{
-    "mp4", "libx264", AV_PIX_FMT_YUV420P, AV_PIX_FMT_NONE, 50, 1, {{{"preset", "veryfast"}, {"crf", "16"}}}};
+    "mp4", "libx264", AV_PIX_FMT_YUV420P, AV_PIX_FMT_NONE, 50, 1, false, {{{"preset", "veryfast"}, {"crf", "16"}}}};
 constexpr VideoCodec vp9{"webm",
                          "libvpx-vp9",
                          AV_PIX_FMT_YUV420P,
                          AV_PIX_FMT_NONE,
                          50,
                          1,
+                         false,
                          {{{"deadline", "realtime"}, {"cpu-used", "6"}, {"crf", "16"}, {"b", "0"}}}};
 
 constexpr bool exact = true;

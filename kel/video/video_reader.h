@@ -13,7 +13,8 @@ class VideoDecoder;
 // A film on disk, read frame by frame: MP4, MOV, MKV or WebM. Sound is left out. One thread at a time.
 //
 // Frames are numbered from 0 in the order in which they are shown, and a number always gives the same pixels, however
-// it was come to. Pixels are as stored: neither turned nor stretched for an aspect of the pixels.
+// it was come to. Pictures stand upright as the file says, in quarters of a rotation, and are not
+// stretched for an aspect of the pixels.
 class VideoReader {
 public:
     // Passes through the whole file once, to know all frames, and decodes the first. Throws Error, one line with file

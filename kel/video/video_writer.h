@@ -34,6 +34,8 @@ public:
 
     // The next picture, of the video's size. Four bytes a pixel are taken as they are, whatever their alpha means.
     void Write(const picture_io::Picture& picture);
+    // The picture before once more, of which there is one: the same file as by Write, sooner.
+    void Repeat();
     // Writes the end of the file. A full disk shows here at the latest.
     void Close();
     // Gives the closed file its name.

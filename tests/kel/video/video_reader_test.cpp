@@ -1,6 +1,7 @@
 #include "kel/video/video_reader.h"
 
 #include <doctest/doctest.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 #include <string>
@@ -117,10 +118,43 @@ TEST_CASE("What is no film is refused in one line with the file and the reason")
     CHECK_EQ(refusal("text.mkv"), start + "text.mkv: is no MP4, MOV, MKV or WebM film, or a damaged one");
     picture_io::WritePicture(testing::Plain(8, 8, testing::red), folder / "picture.png");
     CHECK_EQ(refusal("picture.png"), start + "picture.png: is no MP4, MOV, MKV or WebM film, or a damaged one");
-    // A list of other files is no film: it could name any file or address.
-    cli::testing::WriteText(folder / "list.mp4",
-                            "#EXTM3U\n#EXT-X-TARGETDURATION:1\n#EXTINF:1,\nother.ts\n#EXT-X-ENDLIST\n");
-    CHECK_EQ(refusal("list.mp4"), start + "list.mp4: is no MP4, MOV, MKV or WebM film, or a damaged one");
+}
+
+// The film that is named is there and could be opened: what is refused is the way to it.
+TEST_CASE("A list of other files is no film, whatever it is called") {
+    const TemporaryFolder folder;
+    WriteCountedVideo(folder / "other.mp4", 3, 32, 32);
+    const std::string other = (folder / "other.mp4").string();
+    const std::array<std::string, 5> lists{
+        "#EXTM3U\n#EXT-X-TARGETDURATION:1\n#EXTINF:1,\n" + other + "\n#EXT-X-ENDLIST\n",
+        "ffconcat version 1.0\nfile '" + other + "'\n",
+        "<?xml version=\"1.0\"?><MPD xmlns=\"urn:mpeg:dash:schema:mpd:2011\"><Period><AdaptationSet><Representation>"
+        "<BaseURL>" +
+            other + "</BaseURL></Representation></AdaptationSet></Period></MPD>",
+        "v=0\nm=video 5004 RTP/AVP 96\na=rtpmap:96 H264/90000\nc=IN IP4 127.0.0.1\n",
+        "[Reference]\nRef1=http://127.0.0.1:9/" + other + "\n",
+    };
+    for (const std::string& list : lists)
+        for (const std::string ending : {".mp4", ".mov", ".mkv", ".m3u8", ".ffconcat"}) {
+            CAPTURE(list);
+            CAPTURE(ending);
+            cli::testing::WriteText(folder / ("list" + ending), list);
+            CHECK_EQ(ThrownByOpening(folder / ("list" + ending)),
+                     (folder / ("list" + ending)).string() + ": is no MP4, MOV, MKV or WebM film, or a damaged one");
+        }
+    CHECK_EQ(ThrownByOpening("concat:" + other + "|" + other),
+             "concat:" + other + "|" + other + ": cannot be read: No such file or directory");
+    CHECK_EQ(ThrownByOpening("http://127.0.0.1:9/film.mp4"),
+             "http://127.0.0.1:9/film.mp4: cannot be read: No such file or directory");
+}
+
+// Both would never end.
+TEST_CASE("A pipe and a device are refused at once as films") {
+    const TemporaryFolder folder;
+    const std::filesystem::path pipe = folder / "pipe.mp4";
+    REQUIRE_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    CHECK_EQ(ThrownByOpening(pipe), pipe.string() + ": is not a regular file");
+    CHECK_EQ(ThrownByOpening("/dev/zero"), "/dev/zero: is not a regular file");
 }
 
 TEST_CASE("A film that is cut off is refused") {

@@ -7,6 +7,7 @@
 #include <csignal>
 #include <string>
 
+#include "kel/video/video_format.h"
 #include "kel/video/video_reader.h"
 #include "tests/cli/temporary_folder.h"
 #include "tests/cli/thrown.h"
@@ -208,6 +209,33 @@ TEST_CASE("What cannot become a film is refused in one line") {
              }),
              start + "film.mkv: cannot be written: a film needs at least one picture");
     CHECK_EQ(folder.Entries(), 0);
+}
+
+TEST_CASE("A picture that is repeated gives the same file as one that is written again") {
+    const TemporaryFolder folder;
+    for (const std::string ending : {".mov", ".mkv", ".mp4", ".webm"})
+        for (const bool alpha : {false, true}) {
+            if (alpha && !FormatOfVideo("f" + ending)->hasAlpha) continue;
+            CAPTURE(ending);
+            CAPTURE(alpha);
+            const VideoSettings settings{33, 18, 25, alpha};
+            VideoWriter written(folder / ("written" + ending), settings);
+            VideoWriter repeated(folder / ("repeated" + ending), settings);
+            for (std::int64_t index = 0; index < 60; ++index) {
+                const picture_io::Picture picture = testing::CountedFrame(index / 7, 33, 18);
+                written.Write(picture);
+                if (index % 7 == 0)
+                    repeated.Write(picture);
+                else
+                    repeated.Repeat();
+            }
+            for (VideoWriter* writer : {&written, &repeated}) {
+                writer->Close();
+                writer->Commit();
+            }
+            CHECK(cli::testing::ReadText(folder / ("written" + ending)) ==
+                  cli::testing::ReadText(folder / ("repeated" + ending)));
+        }
 }
 
 }  // namespace kel
