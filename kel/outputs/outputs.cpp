@@ -11,11 +11,14 @@
 namespace kel {
 namespace {
 
-// The drawings as one picture are the canvas.
-View OverlayView(const std::string& path) {
-    const OutputFormat* format = FormatOfOutput(path);
-    const bool isOnePicture = format != nullptr && IsPictureOutput(*format) && !IsNumberedName(path);
-    return isOnePicture ? View::Canvas : View::Overlay;
+// The canvas is of the end, so neither a video nor numbered pictures can show it.
+std::unique_ptr<OutputSink> MakeCanvasSink(const std::string& path) {
+    auto sink = MakeSink(View::Canvas, path);
+    if (sink->WantsEveryField())
+        throw cli::Error(
+            path, {},
+            "--canvas is one picture, of the end; it needs a name in " + OutputEndings(IsAlphaPictureOutput, "or"));
+    return sink;
 }
 
 }  // namespace
@@ -27,7 +30,8 @@ Outputs::Outputs(const OutputOptions& options, WindowSize window, double fieldsP
                          "--fill and --key are written as a pair; the other one is missing");
     if (!options.out.empty()) Add(MakeSink(View::Rendered, options.out));
     if (!options.frames.empty()) Add(std::make_unique<NumberedPicturesSink>(View::Rendered, options.frames));
-    if (!options.overlay.empty()) Add(MakeSink(OverlayView(options.overlay), options.overlay));
+    if (!options.overlay.empty()) Add(MakeSink(View::Overlay, options.overlay));
+    if (!options.canvas.empty()) Add(MakeCanvasSink(options.canvas));
     if (!options.fill.empty()) Add(std::make_unique<FillKeySink>(options.fill, options.key));
 }
 

@@ -17,12 +17,16 @@ namespace kel {
 struct OutputOptions {
     std::string out;      // the rendered picture
     std::string frames;   // the same once more; numbered pictures only
-    std::string overlay;  // the drawings alone, with alpha; as one picture, the canvas
+    std::string overlay;  // the drawings alone, as the window shows them, with alpha
+    std::string canvas;   // the module's own surface at the end, flat, as one picture; straight in any case
     std::string fill;     // the colours of the drawings; with `key`, which is then not empty either
     std::string key;      // their alpha, as grey
     AlphaForm alpha = AlphaForm::Premultiplied;  // of overlay and fill, but not of the canvas
 
-    [[nodiscard]] bool WantDrawings() const { return !overlay.empty() || !fill.empty() || !key.empty(); }
+    [[nodiscard]] bool WantDrawings() const {
+        return !overlay.empty() || !canvas.empty() || !fill.empty() || !key.empty();
+    }
+    [[nodiscard]] bool WantAnything() const { return WantDrawings() || !out.empty() || !frames.empty(); }
 };
 
 // Writes them, field by field. All files appear together at the end or not at all.
@@ -42,7 +46,7 @@ public:
     // The host has just drawn a field.
     void TakeField(Host& host);
     // The host's picture is that of the last field. Writes what shows it, and gives all files their names.
-    //   drawn  the container whose canvas is the overlay as one picture; noObject where none is wanted
+    //   drawn  the container whose canvas is written; noObject where none is wanted
     void Finish(Host& host, ObjectId drawn);
 
 private:

@@ -9,6 +9,13 @@ void VideoSink::Open(const SinkSettings& settings) {
                      VideoSettings{settings.size.width, settings.size.height, settings.fieldsPerSecond, hasAlpha});
 }
 
-void VideoSink::TakeField(const OutputField& field) { m_writer->Write(*field.Of(m_view)); }
+void VideoSink::TakeField(const OutputField& field) {
+    const SharedPicture& picture = field.Of(m_view);
+    if (picture == m_last)
+        m_writer->Repeat();
+    else
+        m_writer->Write(*picture);
+    m_last = picture;
+}
 
 }  // namespace kel

@@ -28,6 +28,7 @@ private:
     std::string m_path;
     bool m_isLive;
     std::optional<VideoWriter> m_writer;  // there once it is open
+    SharedPicture m_last;                 // kept, so that no other picture takes its place in memory
 };
 
 }  // namespace kel

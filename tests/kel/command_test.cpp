@@ -71,7 +71,7 @@ TEST_CASE("kel info --json says the same to programs") {
 
 TEST_CASE("kel play writes the last picture and the strokes alone") {
     const KelFolder folder(SessionWith("/events", redStroke));
-    const Ended ended = folder.Run("play s.json --out out.png --overlay overlay.png");
+    const Ended ended = folder.Run("play s.json --out out.png --canvas overlay.png");
     CHECK_EQ(ended.exitCode, 0);
     CHECK_EQ(ended.output, "");
     CHECK_EQ(ended.complaint, "");
@@ -203,14 +203,14 @@ TEST_CASE("An output that cannot be written is refused before anything is played
     CheckRefused(folder, "play s.json --out o.gif",
                  "o.gif: neither a picture nor a film ends in \".gif\"; there are \".png\", \".jpg\", \".jpeg\", "
                  "\".mov\", \".mkv\", \".mp4\", \".webm\"");
-    CheckRefused(folder, "play s.json --out o.png --overlay ./o.png", "./o.png: two outputs have this name");
+    CheckRefused(folder, "play s.json --out o.png --canvas ./o.png", "./o.png: two outputs have this name");
     CheckRefused(folder, "play s.json --frames none/f%05d.png",
                  "none/f00000.png: cannot be written: there is no folder none");
 }
 
 TEST_CASE("An output that fails at the end leaves no other behind") {
     const KelFolder folder;
-    const Ended ended = folder.Run("play s.json --out o.png --overlay /proc/overlay.png");
+    const Ended ended = folder.Run("play s.json --out o.png --canvas /proc/overlay.png");
     CHECK_EQ(ended.exitCode, 2);
     CHECK(ended.complaint.starts_with("kel: /proc/overlay.png: "));
     CHECK_EQ(folder.Entries(), 1);
@@ -227,7 +227,7 @@ TEST_CASE("The pattern of frames has exactly one padded number, in the file's na
 
 TEST_CASE("An overlay needs a container with a plug-in") {
     const KelFolder folder(SessionWith("/containers/0", {{"size", {100, 100}}}));
-    CheckRefused(folder, "play s.json --overlay o.png",
+    CheckRefused(folder, "play s.json --canvas o.png",
                  "s.json: /containers: no container has a plug-in, so there is no overlay");
     CHECK_EQ(folder.Run("play s.json --out o.png").exitCode, 0);
     CHECK_EQ(testing::Difference(folder.Open("o.png").At(32, 32), testing::white), 0);
@@ -252,7 +252,7 @@ TEST_CASE("All examples play") {
         if (entry.path().extension() != ".json") continue;
         const KelFolder folder;
         CAPTURE(entry.path().string());
-        const Ended ended = folder.Run("play " + entry.path().string() + " --out o.png --overlay overlay.png");
+        const Ended ended = folder.Run("play " + entry.path().string() + " --out o.png --canvas overlay.png");
         CHECK_EQ(ended.exitCode, 0);
         CHECK_EQ(ended.complaint, "");
         const json session = json::parse(cli::testing::ReadText(entry.path()));

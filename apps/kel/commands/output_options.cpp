@@ -15,9 +15,14 @@ void AddOutputOptions(CLI::App& command, OutputOptions& options) {
         ->type_name("FILE");
     command
         .add_option("--overlay", options.overlay,
-                    "Writes the strokes alone, with alpha: a film (" + OutputEndings(IsAlphaVideoOutput, "") +
-                        ") or a picture of every field (f%05d.png) in the window's size, or the canvas as it is at "
-                        "the end (" +
+                    "Writes the strokes alone as the window shows them, with alpha: a film (" +
+                        OutputEndings(IsAlphaVideoOutput, "") +
+                        "), a picture of every field (f%05d.png), or the last one (" +
+                        OutputEndings(IsAlphaPictureOutput, "") + ")")
+        ->type_name("FILE");
+    command
+        .add_option("--canvas", options.canvas,
+                    "Writes the canvas as it is at the end, flat and in its own size, with alpha (" +
                         OutputEndings(IsAlphaPictureOutput, "") + ")")
         ->type_name("FILE");
     command.add_option("--fill", options.fill, "Writes the colors of the strokes, for a mixer; goes with --key")

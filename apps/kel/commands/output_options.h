@@ -6,7 +6,7 @@
 
 namespace kel {
 
-// Adds --out, --overlay, --fill, --key and --straight, which fill `options` while the line is parsed.
+// Adds --out, --overlay, --canvas, --fill, --key and --straight, which fill `options` while the line is parsed.
 void AddOutputOptions(CLI::App& command, OutputOptions& options);
 
 }  // namespace kel

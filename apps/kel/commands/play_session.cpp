@@ -1,6 +1,8 @@
 #include "apps/kel/commands/play_session.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdio>
 #include <memory>
 
 #include "cli/error.h"
@@ -24,6 +26,12 @@ void Announce(const SessionSaves& saves, const Session& session, Outputs& output
         if (const auto* save = std::get_if<SaveEvent>(&event.what)) outputs.Announce(saves.FileOf(save->name));
 }
 
+bool HasSaves(const PlayOptions& options, const Session& session) {
+    return options.areSavesWritten && std::ranges::any_of(session.events, [](const SessionEvent& event) {
+               return std::holds_alternative<SaveEvent>(event.what);
+           });
+}
+
 }  // namespace
 
 void PlaySession(const PlayOptions& options) {
@@ -39,6 +47,9 @@ void PlaySession(const PlayOptions& options) {
     Player player(session, host, options.access.DefaultModule(), options.access.Permissions());
     if (options.outputs.WantDrawings() && player.OverlayContainer() == noObject)
         throw cli::Error(options.session, "/containers", "no container has a plug-in, so there is no overlay");
+    if (!options.outputs.WantAnything() && !HasSaves(options, session))
+        std::fprintf(stderr, "kel: nothing is written: %s\n",
+                     "the session saves no picture, and none of --out, --overlay, --canvas, --fill is given");
 
     const auto picture = outputs.WantEveryField() ? Player::Rendering::Wanted : Player::Rendering::NotWanted;
     const cli::InterruptGuard guard;

@@ -46,8 +46,6 @@ private:
     std::filesystem::path m_path;
 };
 
-bool WantOutputs(const OutputOptions& outputs) { return outputs.WantDrawings() || !outputs.out.empty(); }
-
 // Names and endings are refused before a window opens, not when the drawing is over.
 void CheckOutputs(const OutputOptions& outputs) {
     constexpr WindowSize anySize{64, 64};
@@ -66,7 +64,7 @@ void Window(const WindowLine& line) {
     options.workspace.permissions = line.access.Permissions();
     options.workspace.recording = line.recording;
     options.workspace.saves = line.saves;
-    if (!WantOutputs(line.outputs)) {
+    if (!line.outputs.WantAnything()) {
         RunWorkspaceWindow(options);
         return;
     }

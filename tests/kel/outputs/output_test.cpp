@@ -179,12 +179,37 @@ TEST_CASE("Numbered pictures are the same by --out and by --frames, and the film
     CHECK_EQ(Frames(folder, "a%05d.png").Count(), cardFields);
 }
 
-TEST_CASE("The overlay as one picture is the canvas, straight in any case") {
+TEST_CASE("The overlay as one picture is that of the last field") {
     const CardFolder folder;
-    REQUIRE_EQ(folder.Run("play s.json --overlay a.png").exitCode, 0);
-    REQUIRE_EQ(folder.Run("play s.json --overlay b.png --straight").exitCode, 0);
+    for (const std::string straight : {"", " --straight"}) {
+        REQUIRE_EQ(folder.Run("play s.json --overlay last.png" + straight).exitCode, 0);
+        REQUIRE_EQ(folder.Run("play s.json --overlay all%05d.png" + straight).exitCode, 0);
+        CHECK(folder.Open("last.png") == Frames(folder, "all%05d.png").At(cardFields - 1));
+    }
+}
+
+TEST_CASE("The canvas is one picture in its own size, straight in any case") {
+    const CardFolder folder;
+    REQUIRE_EQ(folder.Run("play s.json --canvas a.png").exitCode, 0);
+    REQUIRE_EQ(folder.Run("play s.json --canvas b.png --straight").exitCode, 0);
     CHECK_EQ(folder.Open("a.png").width, 1024);
     CHECK(folder.Open("a.png") == folder.Open("b.png"));
+    for (const std::string name : {"c.mov", "c%05d.png"})
+        CheckRefused(folder, "play s.json --canvas " + name,
+                     name + ": --canvas is one picture, of the end; it needs a name in .png");
+}
+
+TEST_CASE("A play that writes nothing says so, and one that saves does not") {
+    const CardFolder folder;
+    const auto silent = folder.Run("play s.json");
+    CHECK_EQ(silent.exitCode, 0);
+    CHECK_EQ(silent.complaint,
+             "kel: nothing is written: the session saves no picture, and none of --out, --overlay, --canvas, --fill "
+             "is given\n");
+    const KelFolder saving(SessionWith("/events/0", {{"field", 0}, {"save", "kept.png"}}));
+    const auto saved = saving.Run("play s.json");
+    CHECK_EQ(saved.exitCode, 0);
+    CHECK_EQ(saved.complaint, "");
 }
 
 TEST_CASE("Fill and key as one picture are those of the last field") {

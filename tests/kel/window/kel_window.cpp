@@ -89,7 +89,7 @@ std::int64_t KelWindow::FieldOf(const std::string& recording, const std::string&
 picture_io::Picture KelWindow::PlayedOverlay(const std::string& recording) const {
     const std::string command = "cd '" + folder.Path().string() +
                                 "' && ASAN_OPTIONS=detect_leaks=0 '" KEL_PROGRAM "' play " + recording +
-                                " --overlay played-overlay.png";
+                                " --canvas played-overlay.png";
     REQUIRE_EQ(std::system(command.c_str()), 0);
     return picture_io::ReadPicture(folder / "played-overlay.png");
 }

@@ -217,7 +217,7 @@ TEST_CASE("A window that is closed has recorded all, keys and panel away and the
 }
 
 TEST_CASE("What was drawn leaves as pictures when the window has been closed") {
-    PaperWindow window({"--out", "drawn.png", "--overlay", "strokes.png"});
+    PaperWindow window({"--out", "drawn.png", "--canvas", "strokes.png"});
     window.SetByKey("3", "BrushColor");
     window.MoveOnPaper(0.3, 0.5);
     window.display.PressButton(true);
