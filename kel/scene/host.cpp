@@ -113,13 +113,13 @@ void Deliver(HostState& state, QueuedKey) {
 }
 
 // The left button, which is the only one here.
-void DeliverButton(HostState& state, const QueuedPointer& event) {
+void DeliverButton(HostState& state, const PointerStep& step) {
     constexpr std::int32_t leftButton = 1;
     constexpr std::int32_t activeWindow = 1;
-    const std::int32_t pressed = event.kind == PointerKind::Press ? 1 : 0;
+    const std::int32_t pressed = step.kind == PointerKind::Press ? 1 : 0;
     ForEachInstance(state, [&](Instance& instance) {
         state.CallInstance(instance, Callback::Mouse, [&](const EntryPoints& module, chalkpane::PluginInstance* block) {
-            module.mouseCallback(block, 0, leftButton, pressed, activeWindow, event.x, event.y, 0, 0);
+            module.mouseCallback(block, 0, leftButton, pressed, activeWindow, step.x, step.y, 0, 0);
         });
     });
 }
@@ -211,7 +211,7 @@ void Host::AddImage(const std::string& name, const picture_io::Picture& picture)
 }
 
 void Host::QueuePointer(PointerKind kind, std::int32_t x, std::int32_t y) {
-    m_state->pointerQueue.push_back({kind, x, y});
+    m_state->pointerQueue.Add({kind, x, y});
 }
 
 void Host::SetParameter(ObjectId container, std::string_view name, const ParameterValue& value) {
@@ -229,22 +229,15 @@ void Host::PushButton(ObjectId container, std::string_view name) {
 
 void Host::PressKey() { m_state->operatorQueue.emplace_back(QueuedKey{}); }
 
-bool Host::HasQueuedPointer() const {
-    return std::ranges::any_of(m_state->pointerQueue,
-                               [](const QueuedPointer& event) { return event.kind != PointerKind::Move; });
-}
+bool Host::HasQueuedPointer() const { return m_state->pointerQueue.HasButton(); }
 
-void Host::DeliverPointer() {
-    auto& queue = m_state->pointerQueue;
-    // A second event in the same field would replace the changed rectangle of the first before it was uploaded; so
-    // would the poll of a later move.
-    for (bool delivered = false; !queue.empty() && !delivered; queue.pop_front()) {
-        const QueuedPointer& event = queue.front();
-        m_state->pointerX = event.x;
-        m_state->pointerY = event.y;
-        delivered = event.kind != PointerKind::Move;
-        if (delivered) DeliverButton(*m_state, event);
-    }
+void Host::DeliverPointer(int fieldsDue) {
+    m_state->deliveredPointer = m_state->pointerQueue.TakeField(fieldsDue);
+    if (!m_state->deliveredPointer) return;
+    const PointerStep step = *m_state->deliveredPointer;
+    m_state->pointerX = step.x;
+    m_state->pointerY = step.y;
+    if (step.kind != PointerKind::Move) DeliverButton(*m_state, step);
 }
 
 void Host::DeliverOperator() {
@@ -264,8 +257,8 @@ void Host::SetDrawing(bool on) {
     m_state->drawing = on;
 }
 
-void Host::RunField() {
-    DeliverPointer();
+void Host::RunField(int fieldsDue) {
+    DeliverPointer(fieldsDue);
     DeliverOperator();
     const auto start = std::chrono::steady_clock::now();
     ForEachInstance(*m_state, [&](Instance& instance) {
@@ -279,6 +272,8 @@ void Host::RunField() {
     if (!isFirst) times.slowest = std::max(times.slowest, times.last);
     if (m_state->redraw) Render();
 }
+
+const std::optional<PointerStep>& Host::DeliveredPointer() const { return m_state->deliveredPointer; }
 
 FieldTimes Host::Times() const { return m_state->times; }
 

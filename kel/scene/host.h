@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,6 +12,7 @@
 #include "kel/module_loading/module.h"
 #include "kel/scene/frame_buffer.h"
 #include "kel/scene/gl_context.h"
+#include "kel/scene/pointer_queue.h"
 #include "kel/scene/scene.h"
 #include "picture_io/picture.h"
 
@@ -22,8 +24,6 @@ struct WindowSize {
     std::int32_t width = 0;  // pixels
     std::int32_t height = 0;
 };
-
-enum class PointerKind { Press, Move, Release };
 
 struct ParameterSetting {
     std::string name;
@@ -88,7 +88,11 @@ public:
     [[nodiscard]] bool HasQueuedPointer() const;  // presses and releases that no field has delivered yet
 
     // One field.
-    void RunField();
+    //   fieldsDue  how many fields follow each other at once, this one counted: what waits of the pointer is spread over
+    //              them
+    void RunField(int fieldsDue = 1);
+    // What that field got of the pointer; empty: it did nothing.
+    [[nodiscard]] const std::optional<PointerStep>& DeliveredPointer() const;
 
     // What the operator's panel shows.
     [[nodiscard]] ParameterValue GetParameter(ObjectId container, std::string_view name) const;
@@ -124,7 +128,7 @@ public:
     [[nodiscard]] const std::vector<std::string>& WrongUses() const;
 
 private:
-    void DeliverPointer();
+    void DeliverPointer(int fieldsDue);
     void DeliverOperator();
     void Render();
 

@@ -2,9 +2,9 @@
 
 #include <atomic>
 #include <cstdint>
-#include <deque>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <thread>
 #include <utility>
@@ -15,6 +15,7 @@
 #include "kel/scene/gl_context.h"
 #include "kel/scene/host.h"
 #include "kel/scene/objects.h"
+#include "kel/scene/pointer_queue.h"
 #include "kel/scene/wrong_use.h"
 
 namespace kel {
@@ -33,12 +34,6 @@ enum class Callback : std::uint32_t {
     Keyboard = 1U << 8U,
     PreRender = 1U << 9U,
     PostRender = 1U << 10U,
-};
-
-struct QueuedPointer {
-    PointerKind kind;
-    std::int32_t x;
-    std::int32_t y;
 };
 
 struct QueuedSetting {
@@ -69,8 +64,9 @@ struct HostState {
 
     std::int32_t pointerX = 0;  // window pixels, where the last delivered event was
     std::int32_t pointerY = 0;
-    std::deque<QueuedPointer> pointerQueue;
-    std::deque<std::variant<QueuedSetting, QueuedAction, QueuedKey>> operatorQueue;
+    PointerQueue pointerQueue;
+    std::optional<PointerStep> deliveredPointer;  // in the last field
+    std::vector<std::variant<QueuedSetting, QueuedAction, QueuedKey>> operatorQueue;
     bool redraw = true;
     std::uint64_t pictureNumber = 0;  // of what was last rendered
     bool drawing = true;

@@ -8,22 +8,6 @@
 #include "kel/session/session_values.h"
 
 namespace kel {
-namespace {
-
-PointerKind KindOf(PointerAction action) {
-    switch (action) {
-        case PointerAction::Press:
-            return PointerKind::Press;
-        case PointerAction::Release:
-            return PointerKind::Release;
-        case PointerAction::Move:
-            break;
-    }
-    return PointerKind::Move;
-}
-
-}  // namespace
-
 Player::Player(const Session& session, Host& host, const std::filesystem::path& defaultModule,
                SessionPermissions permissions)
     : m_session(session),
@@ -117,7 +101,7 @@ void Player::PreparePendingChange(const SessionEvent& event) {
     } else {
         return;
     }
-    m_deeds.push_back(std::move(change));
+    m_pendingChanges.push_back(std::move(change));
 }
 
 void Player::CheckButton(const SessionEvent& event, const std::string& name, const Module& module) const {
@@ -141,11 +125,11 @@ void Player::ChangeVideo(std::size_t container, const VideoChange& change) {
 }
 
 // Those of the field to come; returns what it saves.
-std::vector<std::string> Player::DoPendingChanges() {
+std::vector<std::string> Player::DeliverPendingChanges() {
     std::vector<std::string> saves;
-    for (; m_nextPendingChange < m_deeds.size() && m_deeds[m_nextPendingChange].field == m_field;
+    for (; m_nextPendingChange < m_pendingChanges.size() && m_pendingChanges[m_nextPendingChange].field == m_field;
          ++m_nextPendingChange) {
-        const PendingChange& change = m_deeds[m_nextPendingChange];
+        const PendingChange& change = m_pendingChanges[m_nextPendingChange];
         const ObjectId container = m_containers[change.container].id;
         for (const ParameterSetting& setting : change.settings)
             m_host.SetParameter(container, setting.name, setting.value);
@@ -156,12 +140,12 @@ std::vector<std::string> Player::DoPendingChanges() {
     return saves;
 }
 
-std::vector<std::string> Player::PlayField(Rendering rendering) {
+std::vector<std::string> Player::PlayField(Rendering rendering, int fieldsDue) {
     for (; m_nextPointer < m_pointer.size() && m_pointer[m_nextPointer].field == m_field; ++m_nextPointer) {
-        const PointerStep& step = m_pointer[m_nextPointer];
-        m_host.QueuePointer(KindOf(step.action), step.x, step.y);
+        const PointerStep& step = m_pointer[m_nextPointer].step;
+        m_host.QueuePointer(step.kind, step.x, step.y);
     }
-    std::vector<std::string> saves = DoPendingChanges();
+    std::vector<std::string> saves = DeliverPendingChanges();
     const bool isLast = m_field + 1 == m_session.fields;
     const bool isDrawn = rendering == Rendering::Wanted || !saves.empty() || isLast;
     std::exception_ptr damaged;
@@ -171,7 +155,7 @@ std::vector<std::string> Player::PlayField(Rendering rendering) {
         damaged = std::current_exception();
     }
     m_host.SetDrawing(isDrawn);
-    m_host.RunField();
+    m_host.RunField(fieldsDue);
     ++m_field;
     if (damaged) std::rethrow_exception(damaged);
     return saves;

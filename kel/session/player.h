@@ -45,7 +45,8 @@ public:
     // Plays the next field and returns the names under which its picture is to be saved. The host's picture is of this
     // field when it is wanted, when the session saves it, and after the last field; otherwise it is not drawn. After
     // the session's end fields go on without events. Throws Error for a damaged frame of a film, with the field played.
-    std::vector<std::string> PlayField(Rendering rendering);
+    // fieldsDue: as for Host::RunField.
+    std::vector<std::string> PlayField(Rendering rendering, int fieldsDue = 1);
 
     // The container whose canvas is the overlay: the first with a plug-in; noObject when there is none.
     [[nodiscard]] ObjectId OverlayContainer() const;
@@ -68,7 +69,7 @@ private:
     picture_io::Picture ReadPictureAt(const std::string& path, const std::string& place) const;
     void PreparePendingChange(const SessionEvent& event);
     void CheckFrame(const SessionEvent& event, const VideoEvent& film) const;
-    std::vector<std::string> DoPendingChanges();
+    std::vector<std::string> DeliverPendingChanges();
     void ShowVideos();
     void CheckButton(const SessionEvent& event, const std::string& name, const Module& module) const;
 
@@ -77,8 +78,8 @@ private:
     SessionPermissions m_permissions;
     SessionAccess m_access;
     std::vector<Container> m_containers;  // as in the session
-    std::vector<PointerStep> m_pointer;
-    std::vector<PendingChange> m_deeds;
+    std::vector<TimedPointerStep> m_pointer;
+    std::vector<PendingChange> m_pendingChanges;
     std::size_t m_nextPointer = 0;
     std::size_t m_nextPendingChange = 0;
     std::int64_t m_field = 0;

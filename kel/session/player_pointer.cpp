@@ -20,7 +20,7 @@ public:
         if (IsOver(field)) ++field;
         if (field >= m_session.fields)
             Refuse(event, "has to wait for field " + std::to_string(field) + ", after the last one played");
-        Append(field, pointer.action, pointer.at);
+        Append(field, pointer.kind, pointer.at);
     }
 
     void Add(const SessionEvent& event, const StrokeEvent& stroke) {
@@ -31,15 +31,15 @@ public:
         const auto places = SpreadAlong(path, static_cast<std::size_t>(stroke.fields));
         for (std::int64_t i = 0; i <= stroke.fields; ++i)
             Append(event.field + i,
-                   i == 0               ? PointerAction::Press
-                   : i == stroke.fields ? PointerAction::Release
-                                        : PointerAction::Move,
+                   i == 0               ? PointerKind::Press
+                   : i == stroke.fields ? PointerKind::Release
+                                        : PointerKind::Move,
                    places[static_cast<std::size_t>(i)]);
         m_busyUntil = event.LastField();
         m_busyWith = event.place;
     }
 
-    [[nodiscard]] std::vector<PointerStep> Take() { return std::move(m_track); }
+    [[nodiscard]] std::vector<TimedPointerStep> Take() { return std::move(m_track); }
 
 private:
     [[noreturn]] void Refuse(const SessionEvent& event, const std::string& reason) const {
@@ -48,7 +48,7 @@ private:
 
     // True when the pointer was pressed or released in that field, the last one so far.
     [[nodiscard]] bool IsOver(std::int64_t field) const {
-        return !m_track.empty() && m_track.back().field == field && m_track.back().action != PointerAction::Move;
+        return !m_track.empty() && m_track.back().field == field && m_track.back().step.kind != PointerKind::Move;
     }
 
     void CheckFree(const SessionEvent& event) const {
@@ -57,22 +57,23 @@ private:
                    "the pointer is busy with the stroke " + m_busyWith + " until field " + std::to_string(m_busyUntil));
     }
 
-    void Append(std::int64_t field, PointerAction action, const SessionPoint& at) {
+    void Append(std::int64_t field, PointerKind kind, const SessionPoint& at) {
         // Only a move can stand there in the same field, and the later position counts.
         if (!m_track.empty() && m_track.back().field == field) m_track.pop_back();
-        m_track.push_back({field, action, static_cast<std::int32_t>(std::lround(at.x)),
-                           static_cast<std::int32_t>(std::lround(at.y))});
+        m_track.push_back(
+            {field,
+             {kind, static_cast<std::int32_t>(std::lround(at.x)), static_cast<std::int32_t>(std::lround(at.y))}});
     }
 
     const Session& m_session;
-    std::vector<PointerStep> m_track;
+    std::vector<TimedPointerStep> m_track;
     std::int64_t m_busyUntil = -1;
     std::string m_busyWith;
 };
 
 }  // namespace
 
-std::vector<PointerStep> PointerTrack(const Session& session) {
+std::vector<TimedPointerStep> PointerTrack(const Session& session) {
     TrackBuilder builder(session);
     for (const SessionEvent& event : session.events) {
         if (const auto* pointer = std::get_if<PointerEvent>(&event.what))

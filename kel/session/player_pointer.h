@@ -8,12 +8,10 @@
 namespace kel {
 
 // What the pointer does in one field.
-struct PointerStep {
+struct TimedPointerStep {
     std::int64_t field = 0;
-    PointerAction action = PointerAction::Move;
-    std::int32_t x = 0;  // window pixels, from the left
-    std::int32_t y = 0;  // window pixels, from the top
-    friend bool operator==(const PointerStep&, const PointerStep&) = default;
+    PointerStep step;
+    friend bool operator==(const TimedPointerStep&, const TimedPointerStep&) = default;
 };
 
 // All that the pointer does in a session, field by field, strokes resolved into press, moves and release.
@@ -22,6 +20,6 @@ struct PointerStep {
 // in the same field waits for the next one, so that the module uploads what each of them changed. Of several moves in
 // one field the last one counts. Throws Error where a stroke meets another event of the pointer, and where waiting
 // would lead past the session's end.
-[[nodiscard]] std::vector<PointerStep> PointerTrack(const Session& session);
+[[nodiscard]] std::vector<TimedPointerStep> PointerTrack(const Session& session);
 
 }  // namespace kel

@@ -8,6 +8,7 @@
 #include <variant>
 #include <vector>
 
+#include "kel/scene/pointer_queue.h"
 #include "kel/video/video_clock.h"
 
 namespace kel {
@@ -61,10 +62,8 @@ struct SessionContainer {
     std::string place;
 };
 
-enum class PointerAction { Press, Move, Release };
-
 struct PointerEvent {
-    PointerAction action = PointerAction::Move;
+    PointerKind kind = PointerKind::Move;
     SessionPoint at;
 };
 // A path drawn with the pressed pointer: pressed in the event's field, released `fields` later, at even speed.

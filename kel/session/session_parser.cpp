@@ -156,9 +156,9 @@ void ReadVideo(const cli::JsonNode& node, EventDraft& draft) {
     draft.event.what = film;
 }
 
-template <PointerAction action>
+template <PointerKind kind>
 void ReadPointer(const cli::JsonNode& node, EventDraft& draft) {
-    draft.event.what = PointerEvent{action, Point(node)};
+    draft.event.what = PointerEvent{kind, Point(node)};
 }
 
 void ReadStroke(const cli::JsonNode& node, EventDraft& draft) {
@@ -185,10 +185,10 @@ constexpr EventKey fieldKey = {"field", true, [](const cli::JsonNode& node, Even
 template <typename Thing>
 constexpr EventKey containerKey = {"container", false, ReadContainerName<Thing>};
 
-constexpr auto pressKeys = std::to_array<EventKey>({fieldKey, {"press", true, ReadPointer<PointerAction::Press>}});
-constexpr auto moveKeys = std::to_array<EventKey>({fieldKey, {"move", true, ReadPointer<PointerAction::Move>}});
+constexpr auto pressKeys = std::to_array<EventKey>({fieldKey, {"press", true, ReadPointer<PointerKind::Press>}});
+constexpr auto moveKeys = std::to_array<EventKey>({fieldKey, {"move", true, ReadPointer<PointerKind::Move>}});
 constexpr auto releaseKeys =
-    std::to_array<EventKey>({fieldKey, {"release", true, ReadPointer<PointerAction::Release>}});
+    std::to_array<EventKey>({fieldKey, {"release", true, ReadPointer<PointerKind::Release>}});
 constexpr auto strokeKeys = std::to_array<EventKey>({
     fieldKey,
     {"fields", true, [](const auto& node, auto& draft) { draft.fields = node.Integer(1, longest - 1); }},

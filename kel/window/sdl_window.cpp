@@ -5,6 +5,10 @@
 #include <backends/imgui_impl_sdl.h>
 #include <imgui.h>
 
+#include <algorithm>
+#include <array>
+#include <string_view>
+
 #include "cli/error.h"
 #include "kel/window/panel_style.h"
 
@@ -18,21 +22,32 @@ constexpr int frameMargin = 48;  // pixels: what a desktop's window frame takes
 struct CloseWindow {
     void operator()(SDL_Window* window) const { SDL_DestroyWindow(window); }
 };
-struct CloseVideo {
-    bool isOpen = false;
-    CloseVideo() {
+
+// Where there is no display, SDL takes a driver that shows nothing to anybody: a program that waits for ever for events.
+// Whoever wants that names it.
+bool ShowsNothingUnasked() {
+    constexpr std::array<std::string_view, 3> unseen{"offscreen", "dummy", "evdev"};
+    const std::string_view driver = SDL_GetCurrentVideoDriver();
+    const char* asked = SDL_getenv("SDL_VIDEODRIVER");
+    const bool isAskedFor = asked != nullptr && std::string_view(asked).find(driver) != std::string_view::npos;
+    return !isAskedFor && std::ranges::find(unseen, driver) != unseen.end();
+}
+
+class SdlVideo {
+public:
+    SdlVideo() {
         SDL_SetHint(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR, "0");
         SDL_SetHint(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1");  // the first click draws already
         if (SDL_Init(SDL_INIT_VIDEO) != 0) Refuse("there is no display");
-        isOpen = true;
+        if (!ShowsNothingUnasked()) return;
+        SDL_Quit();
+        throw cli::Error("no window: there is no display; DISPLAY and WAYLAND_DISPLAY say where one is");
     }
-    ~CloseVideo() {
-        if (isOpen) SDL_Quit();
-    }
-    CloseVideo(const CloseVideo&) = delete;
-    CloseVideo& operator=(const CloseVideo&) = delete;
-    CloseVideo(CloseVideo&&) = delete;
-    CloseVideo& operator=(CloseVideo&&) = delete;
+    ~SdlVideo() { SDL_Quit(); }
+    SdlVideo(const SdlVideo&) = delete;
+    SdlVideo& operator=(const SdlVideo&) = delete;
+    SdlVideo(SdlVideo&&) = delete;
+    SdlVideo& operator=(SdlVideo&&) = delete;
 };
 
 // The context, and the panel's drawing in it.
@@ -77,7 +92,7 @@ SDL_Window* OpenWindow(const std::string& title) {
 
 struct SdlWindow::Parts {
     explicit Parts(const std::string& title) : window(OpenWindow(title)), context(window.get()) {}
-    CloseVideo video;
+    SdlVideo video;
     std::unique_ptr<SDL_Window, CloseWindow> window;
     PanelContext context;
 };

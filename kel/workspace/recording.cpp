@@ -89,13 +89,13 @@ void Recording::AddLine(const std::string& event) {
     m_events.append(m_events.empty() ? "\n    " : ",\n    ").append(event);
 }
 
-void Recording::AddPointer(std::int64_t field, const FieldPointer::Event& event) {
+void Recording::AddPointer(std::int64_t field, const PointerStep& step) {
     constexpr std::int32_t farthest = 100'000;  // what a session takes
-    const char* kind = event.kind == PointerKind::Press  ? "press"
-                       : event.kind == PointerKind::Move ? "move"
+    const char* kind = step.kind == PointerKind::Press  ? "press"
+                       : step.kind == PointerKind::Move ? "move"
                                                          : "release";
     AddLine(Dump({{"field", field},
-                  {kind, {std::clamp(event.x, -farthest, farthest), std::clamp(event.y, -farthest, farthest)}}}));
+                  {kind, {std::clamp(step.x, -farthest, farthest), std::clamp(step.y, -farthest, farthest)}}}));
 }
 
 void Recording::AddSetting(std::int64_t field, std::size_t container, const Parameter& parameter,

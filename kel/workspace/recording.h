@@ -5,9 +5,9 @@
 #include <vector>
 
 #include "kel/module_loading/module.h"
+#include "kel/scene/pointer_queue.h"
 #include "kel/session/session_access.h"
 #include "kel/video/video_clock.h"
-#include "kel/workspace/field_pointer.h"
 #include "kel/workspace/workspace_scene.h"
 
 namespace kel {
@@ -24,7 +24,7 @@ public:
               const std::filesystem::path& module, const SessionPermissions& permissions);
 
     // Fields never go back. The container is an index into the scene's.
-    void AddPointer(std::int64_t field, const FieldPointer::Event& event);
+    void AddPointer(std::int64_t field, const PointerStep& step);
     void AddSetting(std::int64_t field, std::size_t container, const Parameter& parameter, const ParameterValue& value);
     void AddButton(std::int64_t field, std::size_t container, const std::string& button);
     void AddVideo(std::int64_t field, std::size_t container, const VideoChange& change);

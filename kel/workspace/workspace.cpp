@@ -71,7 +71,8 @@ void Workspace::PlaySession(std::chrono::milliseconds atMost) {
 
 void Workspace::Point(PointerKind kind, std::int32_t x, std::int32_t y) {
     if (IsPlayingSession()) return;
-    m_pointer.Add({kind, std::clamp(x, -farthestPixel, farthestPixel), std::clamp(y, -farthestPixel, farthestPixel)});
+    m_host->QueuePointer(kind, std::clamp(x, -farthestPixel, farthestPixel),
+                         std::clamp(y, -farthestPixel, farthestPixel));
 }
 
 void Workspace::Set(std::size_t parameter, const ParameterValue& value) {
@@ -85,12 +86,12 @@ void Workspace::Set(std::size_t parameter, const ParameterValue& value) {
         m_host->AddImage(path.string(), picture_io::ReadPicture(path));
         taken = path.string();
     }
-    m_deeds.push_back({m_chosen, parameter, taken, {}});
+    m_pendingChanges.push_back({m_chosen, parameter, taken, {}});
 }
 
 ParameterValue Workspace::Value(std::size_t parameter) const {
-    for (auto deed = m_deeds.rbegin(); deed != m_deeds.rend(); ++deed)
-        if (deed->plugIn == m_chosen && deed->parameter == parameter) return deed->value;
+    for (auto change = m_pendingChanges.rbegin(); change != m_pendingChanges.rend(); ++change)
+        if (change->plugIn == m_chosen && change->parameter == parameter) return change->value;
     return m_host->GetParameter(Chosen()->id, Chosen()->registration->parameters[parameter].name);
 }
 
@@ -99,7 +100,7 @@ bool Workspace::IsShown(std::size_t parameter) const {
 }
 
 void Workspace::Push(const std::string& button) {
-    if (!IsPlayingSession()) m_deeds.push_back({m_chosen, std::nullopt, {}, button});
+    if (!IsPlayingSession()) m_pendingChanges.push_back({m_chosen, std::nullopt, {}, button});
 }
 
 void Workspace::Do(const ModuleKey& key) {
@@ -165,25 +166,37 @@ void Workspace::DoVideo(WorkspaceAction action) {
         ChangeVideo({std::nullopt, std::nullopt, !clock.Loops()});
 }
 
-void Workspace::DeliverPendingChanges() {
-    for (const PendingChange& deed : std::exchange(m_deeds, {})) {
-        const PlugIn& plugIn = m_plugIns[deed.plugIn];
-        if (!deed.parameter) {
-            m_host->PushButton(plugIn.id, deed.button);
-            if (m_recording) m_recording->AddButton(NextField(), plugIn.container, deed.button);
-            continue;
-        }
-        const Parameter& parameter = plugIn.registration->parameters[*deed.parameter];
-        m_host->SetParameter(plugIn.id, parameter.name, deed.value);
-        if (m_recording) m_recording->AddSetting(NextField(), plugIn.container, parameter, deed.value);
+void Workspace::Deliver(const PendingChange& change) {
+    const PlugIn& plugIn = m_plugIns[change.plugIn];
+    if (change.parameter)
+        m_host->SetParameter(plugIn.id, plugIn.registration->parameters[*change.parameter].name, change.value);
+    else
+        m_host->PushButton(plugIn.id, change.button);
+}
+
+// What happened in that field, which has just been played.
+void Workspace::Record(std::int64_t field, const std::vector<PendingChange>& changes) {
+    if (const auto& step = m_host->DeliveredPointer()) m_recording->AddPointer(field, *step);
+    for (const PendingChange& change : changes) {
+        const PlugIn& plugIn = m_plugIns[change.plugIn];
+        if (change.parameter)
+            m_recording->AddSetting(field, plugIn.container, plugIn.registration->parameters[*change.parameter],
+                                    change.value);
+        else
+            m_recording->AddButton(field, plugIn.container, change.button);
     }
 }
 
-void Workspace::DeliverPointer(int fieldsDue) {
-    const auto event = m_pointer.TakeField(fieldsDue);
-    if (!event) return;
-    m_host->QueuePointer(event->kind, event->x, event->y);
-    if (m_recording) m_recording->AddPointer(NextField(), *event);
+void Workspace::PlayField(int fieldsDue) {
+    const std::int64_t field = NextField();
+    const std::vector<PendingChange> changes = std::exchange(m_pendingChanges, {});
+    for (const PendingChange& change : changes) Deliver(change);
+    try {
+        (void)m_player->PlayField(fieldsDue == 1 ? Player::Rendering::Wanted : Player::Rendering::NotWanted, fieldsDue);
+    } catch (const cli::Error& error) {
+        m_news.emplace_back(error.what());
+    }
+    if (m_recording) Record(field, changes);
 }
 
 void Workspace::RunFields(int fields) {
@@ -194,13 +207,7 @@ void Workspace::RunFields(int fields) {
             m_recording.reset();
             m_news.emplace_back("The recording is full and ends here.");
         }
-        DeliverPointer(due);
-        DeliverPendingChanges();
-        try {
-            (void)m_player->PlayField(due == 1 ? Player::Rendering::Wanted : Player::Rendering::NotWanted);
-        } catch (const cli::Error& error) {
-            m_news.emplace_back(error.what());
-        }
+        PlayField(due);
     }
     const auto now = std::chrono::steady_clock::now();
     if (!m_recording || now < m_nextWrite) return;

@@ -10,7 +10,6 @@
 
 #include "kel/scene/host.h"
 #include "kel/session/player.h"
-#include "kel/workspace/field_pointer.h"
 #include "kel/workspace/keys_table.h"
 #include "kel/workspace/picture_saver.h"
 #include "kel/workspace/recording.h"
@@ -109,8 +108,9 @@ private:
 
     void StartRecording(const WorkspaceOptions& options);
     void WriteRecording();
-    void DeliverPendingChanges();
-    void DeliverPointer(int fieldsDue);
+    void PlayField(int fieldsDue);
+    void Deliver(const PendingChange& change);
+    void Record(std::int64_t field, const std::vector<PendingChange>& changes);
     [[nodiscard]] const Player::Container* VideoContainer() const;
     [[nodiscard]] std::string SaveName(const char* ending) const;
 
@@ -121,8 +121,7 @@ private:
     std::vector<PlugIn> m_plugIns;
     std::size_t m_chosen = 0;
     std::int64_t m_firstOwnField = 0;
-    FieldPointer m_pointer;
-    std::vector<PendingChange> m_deeds;
+    std::vector<PendingChange> m_pendingChanges;
     std::unique_ptr<Recording> m_recording;
     std::unique_ptr<RecordingFile> m_recordingFile;
     std::chrono::steady_clock::time_point m_nextWrite;

@@ -1,5 +1,6 @@
 #include <doctest/doctest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <nlohmann/json.hpp>
 
@@ -68,6 +69,18 @@ TEST_CASE("kel info --json says the same to programs") {
     CHECK_EQ(info["parameters"][3]["hidden"], true);
     CHECK_EQ(info["buttons"][1], json::parse(R"({"name": "Undo", "label": "Undo", "action": 1})"));
 }
+
+#ifdef KEL_HAS_WINDOW
+TEST_CASE("kel window without a display ends at once with one line") {
+    const KelFolder folder;
+    const Ended ended = folder.Run("window s.json", KEL_PROGRAM,
+                                   "unset DISPLAY WAYLAND_DISPLAY XDG_RUNTIME_DIR SDL_VIDEODRIVER;");
+    CHECK_EQ(ended.exitCode, 2);
+    CHECK(ended.complaint.starts_with("kel: no window: "));
+    CHECK_EQ(std::ranges::count(ended.complaint, '\n'), 1);
+    CHECK_EQ(ended.output, "");
+}
+#endif
 
 TEST_CASE("kel play writes the last picture and the strokes alone") {
     const KelFolder folder(SessionWith("/events", redStroke));

@@ -17,7 +17,7 @@ using nlohmann::json;
 using testing::Parse;
 using testing::PlainSession;
 
-using Track = std::vector<PointerStep>;
+using Track = std::vector<TimedPointerStep>;
 
 json WithEvents(const json& events) {
     json session = PlainSession();
@@ -117,17 +117,17 @@ json WithParameters(const json& parameters) {
 TEST_CASE("A stroke is a press, moves at even speed, and a release") {
     const Track track = TrackOf({{{"field", 3}, {"fields", 4}, {"stroke", {{10, 10}, {30, 10}, {30, 30}}}}});
     // 40 pixels in four fields.
-    CHECK_EQ(track == Track{{3, PointerAction::Press, 10, 10},
-                            {4, PointerAction::Move, 20, 10},
-                            {5, PointerAction::Move, 30, 10},
-                            {6, PointerAction::Move, 30, 20},
-                            {7, PointerAction::Release, 30, 30}},
+    CHECK_EQ(track == Track{{3, {PointerKind::Press, 10, 10}},
+                            {4, {PointerKind::Move, 20, 10}},
+                            {5, {PointerKind::Move, 30, 10}},
+                            {6, {PointerKind::Move, 30, 20}},
+                            {7, {PointerKind::Release, 30, 30}}},
              true);
 }
 
 TEST_CASE("Positions are rounded to the nearest pixel") {
     const Track track = TrackOf({{{"field", 3}, {"fields", 2}, {"stroke", {{0, 0}, {5, -3}}}}});
-    CHECK_EQ(track[1] == PointerStep{4, PointerAction::Move, 3, -2}, true);  // 2.5 and -1.5, away from 0
+    CHECK_EQ(track[1] == TimedPointerStep{4, {PointerKind::Move, 3, -2}}, true);  // 2.5 and -1.5, away from 0
 }
 
 TEST_CASE("What comes after a press or a release waits for the next field") {
@@ -137,16 +137,16 @@ TEST_CASE("What comes after a press or a release waits for the next field") {
                          {{"field", 5}, {"press", {4, 4}}},
                          {{"field", 6}, {"release", {5, 5}}}};
     // The move waits for 6 and gives way to the release there, which is in the same field.
-    CHECK_EQ(TrackOf(events) == Track{{5, PointerAction::Press, 1, 1},
-                                      {6, PointerAction::Release, 3, 3},
-                                      {7, PointerAction::Press, 4, 4},
-                                      {8, PointerAction::Release, 5, 5}},
+    CHECK_EQ(TrackOf(events) == Track{{5, {PointerKind::Press, 1, 1}},
+                                      {6, {PointerKind::Release, 3, 3}},
+                                      {7, {PointerKind::Press, 4, 4}},
+                                      {8, {PointerKind::Release, 5, 5}}},
              true);
 }
 
 TEST_CASE("Of several moves in a field the last one counts") {
     CHECK_EQ(TrackOf({{{"field", 5}, {"move", {1, 1}}}, {{"field", 5}, {"move", {2, 2}}}}) ==
-                 Track{{5, PointerAction::Move, 2, 2}},
+                 Track{{5, {PointerKind::Move, 2, 2}}},
              true);
 }
 

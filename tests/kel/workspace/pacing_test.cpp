@@ -1,9 +1,6 @@
 #include <doctest/doctest.h>
 
-#include <vector>
-
 #include "kel/workspace/field_pacer.h"
-#include "kel/workspace/field_pointer.h"
 #include "kel/workspace/picture_area.h"
 
 namespace kel {
@@ -13,16 +10,6 @@ using std::chrono::milliseconds;
 using Time = FieldPacer::Clock::time_point;
 
 const Time start{std::chrono::hours(1)};
-
-FieldPointer::Event Move(std::int32_t x) { return {PointerKind::Move, x, 0}; }
-FieldPointer::Event Press(std::int32_t x) { return {PointerKind::Press, x, 0}; }
-FieldPointer::Event Release(std::int32_t x) { return {PointerKind::Release, x, 0}; }
-
-FieldPointer Waiting(const std::vector<FieldPointer::Event>& events) {
-    FieldPointer pointer;
-    for (const auto& event : events) pointer.Add(event);
-    return pointer;
-}
 
 }  // namespace
 
@@ -56,22 +43,6 @@ TEST_CASE("After a long sleep the fields go on from now") {
     CHECK_EQ(pacer.Due(start + milliseconds(10'000)), 10);
     CHECK_EQ(pacer.Missed(), 499);
     CHECK_EQ(pacer.Next() == start + milliseconds(10'020), true);
-}
-
-TEST_CASE("A field has the last place of the pointer, or one press or release") {
-    FieldPointer pointer = Waiting({Move(1), Move(2), Press(3), Move(4), Move(5), Release(6), Move(7)});
-    CHECK_EQ(pointer.TakeField(1) == Press(3), true);
-    CHECK_EQ(pointer.TakeField(1) == Release(6), true);
-    CHECK_EQ(pointer.TakeField(1) == Move(7), true);
-    CHECK_EQ(pointer.TakeField(1).has_value(), false);
-}
-
-TEST_CASE("What waited while the machine was busy is spread over the fields that are due") {
-    FieldPointer pointer = Waiting({Move(1), Move(2), Move(3), Move(4), Move(5), Move(6), Move(7)});
-    CHECK_EQ(pointer.TakeField(3) == Move(3), true);  // three of seven
-    CHECK_EQ(pointer.TakeField(2) == Move(5), true);  // two of four
-    CHECK_EQ(pointer.TakeField(1) == Move(7), true);
-    CHECK_EQ(pointer.TakeField(1).has_value(), false);
 }
 
 TEST_CASE("A picture fills what is free as far as its proportions go, in the middle") {

@@ -1,17 +1,23 @@
-#include "kel/workspace/field_pointer.h"
+#include "kel/scene/pointer_queue.h"
+
+#include <algorithm>
 
 namespace kel {
 
-std::optional<FieldPointer::Event> FieldPointer::TakeField(int fieldsDue) {
+std::optional<PointerStep> PointerQueue::TakeField(int fieldsDue) {
     const auto fields = static_cast<std::size_t>(fieldsDue);
     const std::size_t share = (m_waiting.size() + fields - 1) / fields;
-    std::optional<Event> taken;
+    std::optional<PointerStep> taken;
     for (std::size_t i = 0; i < share; ++i) {
         taken = m_waiting.front();
         m_waiting.pop_front();
         if (taken->kind != PointerKind::Move) break;
     }
     return taken;
+}
+
+bool PointerQueue::HasButton() const {
+    return std::ranges::any_of(m_waiting, [](const PointerStep& step) { return step.kind != PointerKind::Move; });
 }
 
 }  // namespace kel
