@@ -17,10 +17,10 @@ void ReportApart(const std::string& what) {
 
 HostCall::HostCall(const char* function, std::uint32_t allowed) : m_function(function) {
     HostState* state = HostState::Current();
-    const bool elsewhere = state != nullptr && state->renderThread != std::this_thread::get_id();
-    if (state == nullptr || elsewhere) {
-        ReportApart(std::string(function) +
-                    (elsewhere ? ": called on another thread than the render thread" : ": called without a host"));
+    if (state == nullptr) {
+        ReportApart(std::string(function) + (HostState::IsAnyAtWork()
+                                                 ? ": called on another thread than the render thread"
+                                                 : ": called without a host"));
         return;
     }
     m_state = state;

@@ -9,9 +9,9 @@ namespace kel {
 
 // One call of a host function by a module: what every such function begins with.
 //
-// Finds the running host, and refuses the call where there is none, on another thread than the render thread, and in a
-// callback that the function is not meant for. Each refusal is reported; the function then answers as it does for
-// nothing and changes nothing.
+// Finds the host at work on this thread, and refuses the call where there is none, on another thread than the render
+// thread, and in a callback that the function is not meant for. Each refusal is reported; the function then answers as
+// it does for nothing and changes nothing.
 class HostCall {
 public:
     // allowed: callbacks, or-ed

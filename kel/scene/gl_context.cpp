@@ -64,15 +64,23 @@ void GlContext::MakeOwn() {
     if (eglBindAPI(EGL_OPENGL_API) == EGL_FALSE) Refuse("eglBindAPI");
     m_context = eglCreateContext(Display(), ChooseConfig(), EGL_NO_CONTEXT, nullptr);
     if (m_context == EGL_NO_CONTEXT) Refuse("eglCreateContext");
+    try {
+        Use();
+    } catch (...) {
+        eglDestroyContext(Display(), m_context);
+        throw;
+    }
+}
+
+void GlContext::Use() const {
+    if (m_context == nullptr || eglGetCurrentContext() == m_context) return;
     // The scene is drawn into a framebuffer object, so the context has no surface of its own.
-    if (eglMakeCurrent(Display(), EGL_NO_SURFACE, EGL_NO_SURFACE, m_context) == EGL_TRUE) return;
-    eglDestroyContext(Display(), m_context);
-    Refuse("eglMakeCurrent");
+    if (eglMakeCurrent(Display(), EGL_NO_SURFACE, EGL_NO_SURFACE, m_context) == EGL_FALSE) Refuse("eglMakeCurrent");
 }
 
 void GlContext::EndOwn() {
     if (m_context == nullptr) return;
-    eglMakeCurrent(Display(), EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+    if (eglGetCurrentContext() == m_context) eglMakeCurrent(Display(), EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
     eglDestroyContext(Display(), m_context);
 }
 

@@ -6,8 +6,8 @@ namespace kel {
 // a window's, which then outlives its user.
 enum class GlSource { Own, Current };
 
-// An OpenGL context of the compatibility profile, current on the thread that made it. An own one needs neither display
-// nor graphics card. Throws Error when this machine has no such OpenGL.
+// An OpenGL context of the compatibility profile, current on the thread that made it, which is the one to use it. An
+// own one needs neither display nor graphics card. Throws Error when this machine has no such OpenGL.
 class GlContext {
 public:
     explicit GlContext(GlSource source = GlSource::Own);
@@ -16,6 +16,9 @@ public:
     GlContext& operator=(const GlContext&) = delete;
     GlContext(GlContext&&) = delete;
     GlContext& operator=(GlContext&&) = delete;
+
+    // Makes it current again, where another one has become so since. A borrowed one is its lender's to keep current.
+    void Use() const;
 
 private:
     void MakeOwn();

@@ -126,31 +126,20 @@ void DeliverButton(HostState& state, const PointerStep& step) {
 
 }  // namespace
 
-std::atomic<HostState*>& HostState::Current() {
-    static std::atomic<HostState*> current{nullptr};
-    return current;
-}
-
-Host::Host(WindowSize window, GlSource source) {
-    if (HostState::Current() != nullptr) throw cli::Error("there already is a host");
-    m_state = std::make_unique<HostState>(window, source);
-    HostState& state = *m_state;
+Host::Host(WindowSize window, GlSource source) : m_state(std::make_unique<HostState>(window, source)) {
     SceneObject scene;
-    scene.camera = state.objects.Add(CameraObject{});
-    state.scene = state.objects.Add(scene);
-    HostState::Current() = &state;
+    scene.camera = m_state->objects.Add(CameraObject{});
+    m_state->scene = m_state->objects.Add(scene);
 }
 
 Host::~Host() {
+    const AtWork work(*m_state);
     ForEachInstance(*m_state, [&](Instance& instance) { EndInstance(*m_state, instance); });
-    HostState::Current() = nullptr;
+    m_state.reset();  // its textures end while the context is current
 }
 
-void Host::StepAside() { HostState::Current() = nullptr; }
-
-void Host::StepBack() { HostState::Current() = m_state.get(); }
-
 const Module& Host::LoadModule(const std::filesystem::path& file) {
+    const AtWork work(*m_state);
     auto module = std::make_unique<Module>(OpenModule(file));
     for (const auto& loaded : m_state->modules)
         if (loaded->file == module->file) return *loaded;
@@ -175,6 +164,7 @@ ObjectId Host::AddContainer(const Placement& placement) {
 }
 
 void Host::SetPicture(ObjectId container, const picture_io::Picture& picture) {
+    const AtWork work(*m_state);
     ContainerObject& shown = FindContainer(*m_state, container);
     Objects& objects = m_state->objects;
     const auto* texture = objects.Find<TextureObject>(shown.picture);
@@ -190,6 +180,7 @@ void Host::SetPicture(ObjectId container, const picture_io::Picture& picture) {
 }
 
 void Host::Attach(ObjectId container, const Module& module, const std::vector<ParameterSetting>& values) {
+    const AtWork work(*m_state);
     ContainerObject& attached = FindContainer(*m_state, container);
     if (attached.instance) throw cli::Error("container " + std::to_string(container) + " already has a plug-in");
     auto instance = std::make_unique<Instance>(module, container);
@@ -210,9 +201,7 @@ void Host::AddImage(const std::string& name, const picture_io::Picture& picture)
     m_state->imageNames[name] = m_state->objects.Add(MakeImage(picture));
 }
 
-void Host::QueuePointer(PointerKind kind, std::int32_t x, std::int32_t y) {
-    m_state->pointerQueue.Add({kind, x, y});
-}
+void Host::QueuePointer(PointerKind kind, std::int32_t x, std::int32_t y) { m_state->pointerQueue.Add({kind, x, y}); }
 
 void Host::SetParameter(ObjectId container, std::string_view name, const ParameterValue& value) {
     const Instance& instance = FindInstance(*m_state, container);
@@ -258,6 +247,7 @@ void Host::SetDrawing(bool on) {
 }
 
 void Host::RunField(int fieldsDue) {
+    const AtWork work(*m_state);
     DeliverPointer(fieldsDue);
     DeliverOperator();
     const auto start = std::chrono::steady_clock::now();
@@ -289,22 +279,31 @@ bool Host::IsParameterShown(ObjectId container, std::string_view name) const {
 
 std::uint64_t Host::PictureNumber() const { return m_state->pictureNumber; }
 
-picture_io::Picture Host::ReadFrame() const { return m_state->frame->Read(); }
+picture_io::Picture Host::ReadFrame() const {
+    const AtWork work(*m_state);
+    return m_state->frame->Read();
+}
 
 void Host::ShowFrame(const FrameArea& area, std::uint32_t target) const {
+    const AtWork work(*m_state);
     ResetState();
     m_state->frame->ShowIn(area, target);
 }
 
 picture_io::Picture Host::ReadCanvas(ObjectId container, AlphaForm form) const {
+    const AtWork work(*m_state);
     return CanvasPicture(*m_state, FindContainer(*m_state, container), form);
 }
 
-picture_io::Picture Host::ReadOverlay(AlphaForm form) { return OverlayPicture(*m_state, form); }
+picture_io::Picture Host::ReadOverlay(AlphaForm form) {
+    const AtWork work(*m_state);
+    return OverlayPicture(*m_state, form);
+}
 
 WindowSize Host::Window() const { return m_state->window; }
 
 void Host::ResizeWindow(WindowSize window) {
+    const AtWork work(*m_state);
     m_state->frame = std::make_unique<FrameBuffer>(window.width, window.height);
     m_state->window = window;
     m_state->redraw = true;

@@ -41,22 +41,18 @@ struct FieldTimes {
 // The renderer: a scene, the modules attached to its containers, an OpenGL context, and the one loop that drives them,
 // field by field. docs/host.md tells the order of a field.
 //
-// One host works at a time, and all its functions are called on the thread that made it. Errors are thrown as Error.
+// All functions of a host are called on the thread that made it, but hosts on several threads run side by side, each
+// with its own OpenGL context and its own modules' instances. Several on one thread take turns, call by call. Errors
+// are thrown as Error.
 class Host {
 public:
-    // Throws when this machine offers no OpenGL, for a side below 1 or above largestPictureSide, and when there already
-    // is a host at work.
+    // Throws when this machine offers no OpenGL, and for a side below 1 or above largestPictureSide.
     explicit Host(WindowSize window, GlSource source = GlSource::Own);
-    ~Host();  // ends all instances; the host is at work
+    ~Host();  // ends all instances
     Host(const Host&) = delete;
     Host& operator=(const Host&) = delete;
     Host(Host&&) = delete;
     Host& operator=(Host&&) = delete;
-
-    // Steps aside, so that another host can be made and work in the same OpenGL context, and comes back to work once
-    // that one is gone or has stepped aside. Nothing else is called in between.
-    void StepAside();
-    void StepBack();
 
     // Loads the module once and lets it register; the same file again gives the same module. Borrowed from the host.
     const Module& LoadModule(const std::filesystem::path& file);
@@ -88,7 +84,8 @@ public:
     [[nodiscard]] bool HasQueuedPointer() const;  // presses and releases that no field has delivered yet
 
     // One field.
-    //   fieldsDue  how many fields follow each other at once, this one counted: what waits of the pointer is spread over
+    //   fieldsDue  how many fields follow each other at once, this one counted: what waits of the pointer is spread
+    //   over
     //              them
     void RunField(int fieldsDue = 1);
     // What that field got of the pointer; empty: it did nothing.
@@ -123,6 +120,9 @@ public:
     void ResizeWindow(WindowSize window);  // asks for a redraw
 
     [[nodiscard]] FieldTimes Times() const;
+
+    // All that the host knows, as the host functions see it (kel/scene/host_state.h).
+    [[nodiscard]] HostState& State() { return *m_state; }
 
     // What modules did wrong so far, one line for each kind; each also went to standard error.
     [[nodiscard]] const std::vector<std::string>& WrongUses() const;

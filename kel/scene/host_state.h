@@ -1,12 +1,10 @@
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 #include <map>
 #include <memory>
 #include <optional>
 #include <string>
-#include <thread>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -75,7 +73,6 @@ struct HostState {
     Registration* registering = nullptr;  // in PLUGIN_INIT_EX
     Instance* calling = nullptr;          // the instance whose callback runs
     FieldTimes times;
-    std::thread::id renderThread = std::this_thread::get_id();
     WrongUseLog wrongUses;
 
     // Runs `call` as the instance's callback.
@@ -88,8 +85,25 @@ struct HostState {
         calling = callingBefore;
     }
 
-    // The running host, which the host functions act on; null: there is none.
-    static std::atomic<HostState*>& Current();
+    // The host at work on this thread, which the host functions act on; null: there is none.
+    static HostState* Current();
+    // True while any thread's host is at work.
+    static bool IsAnyAtWork();
+};
+
+// Around all that a host does: its OpenGL context is current, and the modules that it calls find it. Hosts on several
+// threads work side by side; those of one thread take turns.
+class AtWork {
+public:
+    explicit AtWork(HostState& state);
+    ~AtWork();
+    AtWork(const AtWork&) = delete;
+    AtWork& operator=(const AtWork&) = delete;
+    AtWork(AtWork&&) = delete;
+    AtWork& operator=(AtWork&&) = delete;
+
+private:
+    HostState* m_before;
 };
 
 }  // namespace kel

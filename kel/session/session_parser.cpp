@@ -187,8 +187,7 @@ constexpr EventKey containerKey = {"container", false, ReadContainerName<Thing>}
 
 constexpr auto pressKeys = std::to_array<EventKey>({fieldKey, {"press", true, ReadPointer<PointerKind::Press>}});
 constexpr auto moveKeys = std::to_array<EventKey>({fieldKey, {"move", true, ReadPointer<PointerKind::Move>}});
-constexpr auto releaseKeys =
-    std::to_array<EventKey>({fieldKey, {"release", true, ReadPointer<PointerKind::Release>}});
+constexpr auto releaseKeys = std::to_array<EventKey>({fieldKey, {"release", true, ReadPointer<PointerKind::Release>}});
 constexpr auto strokeKeys = std::to_array<EventKey>({
     fieldKey,
     {"fields", true, [](const auto& node, auto& draft) { draft.fields = node.Integer(1, longest - 1); }},

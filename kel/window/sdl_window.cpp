@@ -23,8 +23,8 @@ struct CloseWindow {
     void operator()(SDL_Window* window) const { SDL_DestroyWindow(window); }
 };
 
-// Where there is no display, SDL takes a driver that shows nothing to anybody: a program that waits for ever for events.
-// Whoever wants that names it.
+// Where there is no display, SDL takes a driver that shows nothing to anybody: a program that waits for ever for
+// events. Whoever wants that names it.
 bool ShowsNothingUnasked() {
     constexpr std::array<std::string_view, 3> unseen{"offscreen", "dummy", "evdev"};
     const std::string_view driver = SDL_GetCurrentVideoDriver();

@@ -93,7 +93,7 @@ void WorkspaceWindow::Open(const std::filesystem::path& file) {
     WorkspaceOptions options = m_options.workspace;
     options.recording = NumberedRecording(options.recording, m_opened + 1);
     try {
-        m_workspace = OpenInstead(m_workspace, file, options);
+        m_workspace = std::make_unique<Workspace>(file, options);
     } catch (const cli::Error& error) {
         return m_status.Tell(error.what(), Clock::now());
     }

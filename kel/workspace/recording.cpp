@@ -91,9 +91,7 @@ void Recording::AddLine(const std::string& event) {
 
 void Recording::AddPointer(std::int64_t field, const PointerStep& step) {
     constexpr std::int32_t farthest = 100'000;  // what a session takes
-    const char* kind = step.kind == PointerKind::Press  ? "press"
-                       : step.kind == PointerKind::Move ? "move"
-                                                         : "release";
+    const char* kind = step.kind == PointerKind::Press ? "press" : step.kind == PointerKind::Move ? "move" : "release";
     AddLine(Dump({{"field", field},
                   {kind, {std::clamp(step.x, -farthest, farthest), std::clamp(step.y, -farthest, farthest)}}}));
 }

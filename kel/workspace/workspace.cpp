@@ -237,21 +237,4 @@ std::vector<std::string> Workspace::TakeNews() {
     return std::exchange(m_news, {});
 }
 
-std::unique_ptr<Workspace> OpenInstead(std::unique_ptr<Workspace>& workspace, const std::filesystem::path& file,
-                                       const WorkspaceOptions& options) {
-    workspace->StepAside();
-    std::unique_ptr<Workspace> next;
-    try {
-        next = std::make_unique<Workspace>(file, options);
-    } catch (...) {
-        workspace->StepBack();
-        throw;
-    }
-    next->StepAside();
-    workspace->StepBack();
-    workspace.reset();
-    next->StepBack();
-    return next;
-}
-
 }  // namespace kel

@@ -35,7 +35,7 @@ struct WorkspaceOptions {
 // Error where said; what goes wrong while fields run becomes news.
 class Workspace {
 public:
-    // Throws Error, and another host is not disturbed while it stands aside.
+    // Throws Error.
     Workspace(const std::filesystem::path& file, const WorkspaceOptions& options);
     ~Workspace();  // writes the recording to its end
     Workspace(const Workspace&) = delete;
@@ -94,10 +94,6 @@ public:
     [[nodiscard]] std::vector<std::string> TakeNews();
     [[nodiscard]] bool IsRecording() const { return m_recording != nullptr; }
 
-    // For another workspace to be made while this one is kept; see Host.
-    void StepAside() { m_host->StepAside(); }
-    void StepBack() { m_host->StepBack(); }
-
 private:
     struct PendingChange {
         std::size_t plugIn = 0;
@@ -129,10 +125,5 @@ private:
     PictureSaver m_saver;
     std::vector<std::string> m_news;
 };
-
-// Opens another file and only then closes `workspace`, which is lost only when that has worked. Throws Error otherwise.
-[[nodiscard]] std::unique_ptr<Workspace> OpenInstead(std::unique_ptr<Workspace>& workspace,
-                                                     const std::filesystem::path& file,
-                                                     const WorkspaceOptions& options);
 
 }  // namespace kel

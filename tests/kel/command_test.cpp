@@ -73,8 +73,8 @@ TEST_CASE("kel info --json says the same to programs") {
 #ifdef KEL_HAS_WINDOW
 TEST_CASE("kel window without a display ends at once with one line") {
     const KelFolder folder;
-    const Ended ended = folder.Run("window s.json", KEL_PROGRAM,
-                                   "unset DISPLAY WAYLAND_DISPLAY XDG_RUNTIME_DIR SDL_VIDEODRIVER;");
+    const Ended ended =
+        folder.Run("window s.json", KEL_PROGRAM, "unset DISPLAY WAYLAND_DISPLAY XDG_RUNTIME_DIR SDL_VIDEODRIVER;");
     CHECK_EQ(ended.exitCode, 2);
     CHECK(ended.complaint.starts_with("kel: no window: "));
     CHECK_EQ(std::ranges::count(ended.complaint, '\n'), 1);

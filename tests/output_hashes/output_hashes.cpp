@@ -79,7 +79,7 @@ void PlaySession(Report& report, const std::string& name, const kel::Session& se
         const auto saves = player.PlayField(kel::Player::Rendering::NotWanted);
         const std::string place = name + "/field " + Digits(field);
         if (field % std::max<std::int64_t>(session.fields / looks, 1) == 0 || player.IsOver())
-            AddCanvases(report, place, *kel::HostState::Current());
+            AddCanvases(report, place, host.State());
         for (const std::string& save : saves) report.Add("gl/" + place + "/" + save, HashOf(host.ReadFrame()));
     }
     report.Add("gl/" + name + "/end/frame", HashOf(host.ReadFrame()));

@@ -1,10 +1,10 @@
 #include <doctest/doctest.h>
 
 #include <array>
+#include <memory>
 
 #include "kel/scene/gl.h"
 #include "kel/scene/host.h"
-#include "tests/cli/thrown.h"
 #include "tests/kel/pixels.h"
 #include "tests/kel/probe.h"
 
@@ -21,27 +21,39 @@ ObjectId AddPlain(Host& host, const testing::Pixel& colour) {
 
 }  // namespace
 
-TEST_CASE("A host that steps aside leaves its place to another, and comes back as it was") {
+TEST_CASE("Two hosts of one thread take turns in one OpenGL context, and each keeps its picture") {
     const GlContext context;
     Host first({16, 16}, GlSource::Current);
     AddPlain(first, testing::red);
     first.RunField();
-    CHECK_EQ(cli::testing::Thrown([] { const Host other({16, 16}, GlSource::Current); }), "there already is a host");
-    first.StepAside();
     {
         Host second({16, 16}, GlSource::Current);
         AddPlain(second, testing::blue);
         second.RunField();
+        CHECK_EQ(first.ReadFrame().At(8, 8), testing::red);
         CHECK_EQ(second.ReadFrame().At(8, 8), testing::blue);
     }
-    first.StepBack();
-    CHECK_EQ(first.ReadFrame().At(8, 8), testing::red);
     first.SetDrawing(true);
     first.RunField();
     CHECK_EQ(first.ReadFrame().At(8, 8), testing::red);
 }
 
-TEST_CASE("A frame is laid over an area of another framebuffer, upright and scaled to it") {
+TEST_CASE("Two hosts of one thread have an OpenGL context each, and one ends while the other goes on") {
+    auto first = std::make_unique<Host>(WindowSize{16, 16});
+    AddPlain(*first, testing::red);
+    first->RunField();
+    Host second({16, 16});
+    AddPlain(second, testing::blue);
+    second.RunField();
+    CHECK_EQ(first->ReadFrame().At(8, 8), testing::red);
+    first.reset();
+    CHECK_EQ(second.ReadFrame().At(8, 8), testing::blue);
+    AddPlain(second, testing::green);  // the same window: what comes later lies in front
+    second.RunField();
+    CHECK_EQ(second.ReadFrame().At(8, 8), testing::green);
+}
+
+TEST_CASE("A frame is shown in an area of another framebuffer, upright and scaled to it") {
     const GlContext context;
     Host host({16, 16}, GlSource::Current);
     const ObjectId container = AddPlain(host, testing::red);

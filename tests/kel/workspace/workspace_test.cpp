@@ -291,11 +291,12 @@ TEST_CASE("Another file takes the workspace over, and one that is wrong leaves i
     const picture_io::Picture drawn = CanvasOf(*workspace);
     WorkspaceOptions next = place.options;
     next.recording = place.folder / "next.json";
-    const std::string refusal = Thrown([&] { workspace = OpenInstead(workspace, place.folder / "wrong.json", next); });
+    const std::string refusal =
+        Thrown([&] { workspace = std::make_unique<Workspace>(place.folder / "wrong.json", next); });
     CHECK_NE(refusal.find("unknown parameter; did you mean \"BrushWidth\"?"), std::string::npos);
     CHECK_EQ(CanvasOf(*workspace) == drawn, true);
     workspace->RunFields(1);
-    workspace = OpenInstead(workspace, place.folder / "grey.png", next);
+    workspace = std::make_unique<Workspace>(place.folder / "grey.png", next);
     workspace->RunFields(2);
     CHECK_EQ(CanvasOf(*workspace) == picture_io::Picture(1024, 1024), true);
     workspace.reset();
