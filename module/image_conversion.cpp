@@ -13,7 +13,7 @@ namespace {
 constexpr std::uint8_t full = 0xFF;
 
 std::uint8_t* ConversionBuffer(std::size_t bytes) {
-    static std::vector<std::uint8_t> buffer;
+    thread_local std::vector<std::uint8_t> buffer;
     if (bytes > buffer.size()) buffer.resize(bytes);
     return buffer.data();
 }

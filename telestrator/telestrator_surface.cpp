@@ -1,6 +1,7 @@
 #include "telestrator/telestrator_surface.h"
 
 #include <cstring>
+#include <mutex>
 #include <new>
 #include <utility>
 #include <vector>
@@ -25,8 +26,10 @@ std::unique_ptr<Image> NewSurfaceImage(std::int32_t width, std::int32_t height) 
 
 // KEEP: a brush image outlives its surface; one of each stays behind, until the program ends.
 void LeaveBehind(std::unique_ptr<Image> image) noexcept {
+    static std::mutex mutex;
     static std::vector<std::unique_ptr<Image>> images;
     if (!image) return;
+    const std::lock_guard lock(mutex);
     try {
         images.emplace_back();
     } catch (const std::bad_alloc&) {

@@ -1,6 +1,7 @@
 #include "chalkpane/base/multi_processor.h"
 
 #include <cstddef>
+#include <mutex>
 #include <system_error>
 
 namespace chalkpane {
@@ -57,6 +58,10 @@ void MultiProcessor::Event::Wait() {
 MultiProcessor& MultiProcessor::Instance() {
     MultiProcessor* current = instance.load(std::memory_order_acquire);
     if (current == nullptr) {
+        static std::mutex construction;
+        const std::lock_guard lock(construction);
+        current = instance.load(std::memory_order_acquire);
+        if (current != nullptr) return *current;
         // Whoever still paints while the module goes away gets a runner without threads, which nothing needs to stop.
         Restart(unloading ? 1 : 0);
         current = instance.load(std::memory_order_acquire);

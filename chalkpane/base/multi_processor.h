@@ -22,11 +22,11 @@ using RowFunction = void (*)(std::int32_t row, void* userData, std::int32_t work
 //
 // There is one instance. Its workers, one per processor, start with it and park on an event between runs, until the
 // module is unloaded or the process ends; then they leave by themselves. The calling thread computes no rows of a
-// parallel run. One thread calls at a time; a call that finds the runner busy, a nested one above all, runs serially.
+// parallel run. A call that finds the runner busy, a nested one or another thread's, runs serially: the rows are the
+// same.
 class MultiProcessor {
 public:
-    // The one instance, with a worker per processor; constructed by the first call, which belongs to the thread that
-    // owns the brushes.
+    // The one instance, with a worker per processor; constructed by the first call, on whichever thread.
     [[nodiscard]] static MultiProcessor& Instance();
     // Replaces the one instance by one with so many workers, for tests, benchmarks and command lines. 1: no threads at
     // all; below 1: one per processor of this machine. Nothing may be running.

@@ -44,7 +44,7 @@ void BrushPaster::Paste(const Image& source, const Image* mask, Image& target, P
 }
 
 BrushPaster& SharedPaster() {
-    static auto& paster = *new BrushPaster;
+    thread_local BrushPaster paster;
     return paster;
 }
 

@@ -43,7 +43,7 @@ private:
     PasteRecord record;  // of the paste under way
 };
 
-// One for the module, never destroyed.
+// One for each thread that paints, since a paste reads the opacity and mode that were set before it.
 BrushPaster& SharedPaster();
 
 }  // namespace chalkpane

@@ -33,7 +33,7 @@ void Eraser::Paste(const Image& source, const Image* mask, Image& target, const 
 }
 
 Eraser& SharedEraser() {
-    static auto& eraser = *new Eraser;
+    thread_local Eraser eraser;
     return eraser;
 }
 

@@ -36,7 +36,7 @@ private:
     double opacity = 1.0;
 };
 
-// One for the module, never destroyed.
+// One for each thread that paints, as the paster is.
 Eraser& SharedEraser();
 
 }  // namespace chalkpane

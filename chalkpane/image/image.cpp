@@ -1,6 +1,7 @@
 #include "chalkpane/image/image.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -13,7 +14,7 @@ namespace chalkpane {
 
 namespace {
 
-std::int32_t livingImages = 0;
+std::atomic<std::int32_t> livingImages{0};
 
 std::int32_t PixelBytes(std::int32_t type, std::int32_t depth) {
     return (type == ImageDefinition::maskType ? 1 : 4) * (depth != 0 ? 2 : 1);
@@ -45,8 +46,14 @@ ImageBuffer* NewBuffer(std::size_t bytes) {
     return created.release();
 }
 
+// Images of several threads may share a buffer, such as the masks of a profile: they read its pixels, and each counts.
+ImageBuffer* Share(ImageBuffer* buffer) {
+    ++std::atomic_ref(buffer->references);
+    return buffer;
+}
+
 void Dismiss(ImageBuffer* buffer) {
-    if (--buffer->references > 0) return;
+    if (--std::atomic_ref(buffer->references) > 0) return;
     std::free(buffer->pixels);
     delete buffer;
 }
@@ -188,15 +195,13 @@ Image::Image(const Rect& rect, std::int32_t imageType, std::int32_t imageDepth, 
     ++livingImages;
 }
 
-Image::Image(const Image& other) : ImageDefinition(other), buffer(other.buffer), origin(other.origin) {
-    ++buffer->references;
+Image::Image(const Image& other) : ImageDefinition(other), buffer(Share(other.buffer)), origin(other.origin) {
     ++livingImages;
 }
 
 Image& Image::operator=(const Image& other) {
     if (this == &other) return *this;
-    ++other.buffer->references;
-    Dismiss(std::exchange(buffer, other.buffer));
+    Dismiss(std::exchange(buffer, Share(other.buffer)));
     origin = other.origin;
     ImageDefinition::operator=(other);
     return *this;

@@ -13,13 +13,16 @@ std::size_t ProfileMasks::ByteSize() const {
 }
 
 std::shared_ptr<ProfileCache> ProfileCache::Shared() {
+    static std::mutex mutex;
     static std::weak_ptr<ProfileCache> current;
+    const std::lock_guard lock(mutex);
     auto cache = current.lock();
     if (!cache) current = cache = std::make_shared<ProfileCache>();
     return cache;
 }
 
 std::shared_ptr<const ProfileMasks> ProfileCache::Find(const ProfileKey& key) {
+    const std::lock_guard lock(mutex);
     const auto found = std::find_if(entries.begin(), entries.end(), [&](const Entry& e) { return e.key == key; });
     if (found == entries.end()) return nullptr;
     entries.splice(entries.begin(), entries, found);
@@ -29,6 +32,7 @@ std::shared_ptr<const ProfileMasks> ProfileCache::Find(const ProfileKey& key) {
 void ProfileCache::Add(const ProfileKey& key, std::shared_ptr<const ProfileMasks> masks) {
     const std::size_t added = masks->ByteSize();
     if (added > maximumBytes) return;
+    const std::lock_guard lock(mutex);
     while (!entries.empty() && (entries.size() >= maximumEntries || bytes + added > maximumBytes)) {
         bytes -= entries.back().bytes;
         entries.pop_back();
@@ -38,6 +42,7 @@ void ProfileCache::Add(const ProfileKey& key, std::shared_ptr<const ProfileMasks
 }
 
 void ProfileCache::Clear() {
+    const std::lock_guard lock(mutex);
     entries.clear();
     bytes = 0;
 }

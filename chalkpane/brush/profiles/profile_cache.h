@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <list>
 #include <memory>
+#include <mutex>
 #include <vector>
 
 #include "chalkpane/image/image.h"
@@ -28,7 +29,7 @@ using ProfileKey = std::vector<std::uint64_t>;
 // brush is, costs no building. Bounded in entries and bytes; the one not used for longest goes first. A set of masks
 // that alone is beyond the bound is not kept.
 // There is one, and it lives as long as anyone holds it: profiles do, and so may the owner of a brush that is to keep
-// it between two profiles. Thread: the plug-in's.
+// it between two profiles. Thread: any; sets of masks are never written again, and threads share them.
 class ProfileCache {
 public:
     static constexpr std::size_t maximumEntries = 32;
@@ -41,7 +42,10 @@ public:
     void Add(const ProfileKey& key, std::shared_ptr<const ProfileMasks> masks);
     void Clear();
 
-    [[nodiscard]] std::size_t Size() const { return entries.size(); }
+    [[nodiscard]] std::size_t Size() const {
+        const std::lock_guard lock(mutex);
+        return entries.size();
+    }
 
 private:
     struct Entry {
@@ -49,6 +53,7 @@ private:
         std::shared_ptr<const ProfileMasks> masks;
         std::size_t bytes;
     };
+    mutable std::mutex mutex;  // of what follows
     std::list<Entry> entries;  // the last used first
     std::size_t bytes = 0;
 };

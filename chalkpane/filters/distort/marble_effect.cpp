@@ -1,9 +1,9 @@
 #include "chalkpane/filters/distort/marble_effect.h"
 
 #include <cmath>
+#include <mutex>
 
 #include "chalkpane/filters/distort/edge_choices.h"
-#include "chalkpane/filters/noise/noise_lattice.h"
 #include "chalkpane/parameters/parameter_def.h"
 
 namespace chalkpane {
@@ -34,9 +34,9 @@ void MarbleEffect::Prepare() {
         m_deltaY[i] = std::cos(angle) * distance;
     }
     // KEEP: a flag of this class alone. Turbulence has its own and builds the shared table once more.
-    static bool built = false;
-    if (!built) NoiseLattice::Shared().Build();
-    built = true;
+    static std::once_flag built;
+    std::call_once(built, NoiseLattice::BuildShared);
+    m_lattice = NoiseLattice::Shared();
 }
 
 void MarbleEffect::MapPoint(std::int32_t x, std::int32_t y, float& sourceX, float& sourceY) const {
@@ -48,7 +48,7 @@ void MarbleEffect::MapRow(std::int32_t x, std::int32_t y, std::span<float> sourc
     const auto row = static_cast<float>(y);
     const auto columnAt = [x](std::size_t i) { return static_cast<float>(x + static_cast<std::int32_t>(i)); };
     for (std::size_t i = 0; i < sourceX.size(); ++i) sourceX[i] = columnAt(i) / scale;
-    NoiseLattice::Shared().NoiseRow(sourceX, row / scale, sourceY);
+    m_lattice->NoiseRow(sourceX, row / scale, sourceY);
     for (std::size_t i = 0; i < sourceX.size(); ++i) {
         const std::size_t ring = RingOf(sourceY[i]);
         sourceX[i] = columnAt(i) + m_deltaX[ring];

@@ -2,10 +2,12 @@
 
 #include <array>
 #include <cstdint>
+#include <memory>
 #include <span>
 
 #include "chalkpane/filters/distort/distort_filter.h"
 #include "chalkpane/filters/filter_class.h"
+#include "chalkpane/filters/noise/noise_lattice.h"
 
 namespace chalkpane {
 
@@ -43,6 +45,7 @@ private:
 
     std::array<float, 256> m_deltaX{};  // pixels, by noise
     std::array<float, 256> m_deltaY{};
+    std::shared_ptr<const NoiseLattice> m_lattice = NoiseLattice::Shared();  // of the run under way
 };
 
 }  // namespace chalkpane

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <mutex>
 
 #include "chalkpane/filters/distort/edge_choices.h"
-#include "chalkpane/filters/noise/noise_lattice.h"
 #include "chalkpane/filters/row_filter.h"
 #include "chalkpane/filters/work_area.h"
 
@@ -41,9 +41,9 @@ void TurbulenceEffect::MapRect(Rect& out, const Rect& rect, bool expand) const {
 
 void TurbulenceEffect::Prepare() {
     // KEEP: a flag of this class alone. Marble has its own and builds the shared table once more.
-    static bool built = false;
-    if (!built) NoiseLattice::Shared().Build();
-    built = true;
+    static std::once_flag built;
+    std::call_once(built, NoiseLattice::BuildShared);
+    m_lattice = NoiseLattice::Shared();
 }
 
 void TurbulenceEffect::MapPoint(std::int32_t x, std::int32_t y, float& sourceX, float& sourceY) const {
@@ -64,8 +64,8 @@ void TurbulenceEffect::MapRow(std::int32_t x, std::int32_t y, std::span<float> s
             return static_cast<float>(start + static_cast<std::int32_t>(i));
         };
         for (std::size_t i = 0; i < count; ++i) places[i] = columnAt(i) * inverse;
-        NoiseLattice::Shared().TurbulenceRow(std::span(places).first(count), row * inverse, sourceX.first(count),
-                                             sourceY.first(count));
+        m_lattice->TurbulenceRow(std::span(places).first(count), row * inverse, sourceX.first(count),
+                                 sourceY.first(count));
         for (std::size_t i = 0; i < count; ++i) {
             sourceX[i] = columnAt(i) + amplitude * sourceX[i];
             sourceY[i] = row + amplitude * sourceY[i];

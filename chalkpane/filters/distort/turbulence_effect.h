@@ -6,6 +6,7 @@
 
 #include "chalkpane/filters/distort/distort_filter.h"
 #include "chalkpane/filters/filter_class.h"
+#include "chalkpane/filters/noise/noise_lattice.h"
 
 namespace chalkpane {
 
@@ -40,6 +41,8 @@ private:
 
     float m_amount = 0.0F;           // pixels; noise of 1 moves by twice as much
     std::int32_t m_latticeSize = 4;  // pixels from one lattice point to the next
+
+    std::shared_ptr<const NoiseLattice> m_lattice = NoiseLattice::Shared();  // of the run under way
 };
 
 }  // namespace chalkpane

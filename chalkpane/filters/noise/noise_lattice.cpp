@@ -1,6 +1,7 @@
 #include "chalkpane/filters/noise/noise_lattice.h"
 
 #include <cmath>
+#include <mutex>
 #include <utility>
 
 #include "chalkpane/base/random.h"
@@ -16,11 +17,25 @@ std::int32_t FloorToInt(float value) {
     return static_cast<float>(truncated) > value ? truncated - 1 : truncated;
 }
 
+std::mutex sharedMutex;
+
+std::shared_ptr<const NoiseLattice>& SharedPlace() {
+    static auto place = std::make_shared<const NoiseLattice>();
+    return place;
+}
+
 }  // namespace
 
-NoiseLattice& NoiseLattice::Shared() {
-    static NoiseLattice lattice;
-    return lattice;
+std::shared_ptr<const NoiseLattice> NoiseLattice::Shared() {
+    const std::lock_guard lock(sharedMutex);
+    return SharedPlace();
+}
+
+void NoiseLattice::BuildShared() {
+    auto built = std::make_shared<NoiseLattice>();
+    built->Build();
+    const std::lock_guard lock(sharedMutex);
+    SharedPlace() = std::move(built);
 }
 
 void NoiseLattice::Build() {

@@ -2,13 +2,14 @@
 
 #include <array>
 #include <cstdint>
+#include <memory>
 #include <span>
 
 namespace chalkpane {
 
 // Gradient noise on a lattice of 256 x 256 that repeats: the pattern behind turbulence and marble. Coordinates,
-// gradients and results are 32-bit floats. One table serves the process; the filters that use it rebuild it from the
-// engine's random generator, on their own thread, before rows read it.
+// gradients and results are 32-bit floats. One table serves the process; the filters that use it build it from the
+// engine's random generator and hold it while their rows read it.
 class NoiseLattice {
 public:
     struct Pair {
@@ -16,7 +17,10 @@ public:
         float y = 0.0F;
     };
 
-    [[nodiscard]] static NoiseLattice& Shared();
+    // The process's table as it is now, which stays whole for whoever holds it; all zeros before the first BuildShared.
+    [[nodiscard]] static std::shared_ptr<const NoiseLattice> Shared();
+    // Puts a fresh table in its place.
+    static void BuildShared();
 
     // Draws 256 gradient angles and 255 swaps from `Random`.
     void Build();

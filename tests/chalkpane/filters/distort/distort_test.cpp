@@ -114,7 +114,7 @@ TEST_CASE("Turbulence reads where the noise sends it") {
                     source, region, expand ? static_cast<int>(a) : 0, e, fast, [&](int x, int y, float& sx, float& sy) {
                         const auto column = static_cast<float>(x);
                         const auto row = static_cast<float>(y);
-                        const auto n = NoiseLattice::Shared().TurbulencePair(column * inverse, row * inverse);
+                        const auto n = NoiseLattice::Shared()->TurbulencePair(column * inverse, row * inverse);
                         sx = column + 2.0F * a * n.x;
                         sy = row + 2.0F * a * n.y;
                     });
@@ -147,7 +147,7 @@ TEST_CASE("Marble reads along the noise's contour lines") {
                 source, region, 0, e == 3 ? 4 : e, false, [&](int x, int y, float& sx, float& sy) {
                     const auto column = static_cast<float>(x);
                     const auto row = static_cast<float>(y);
-                    const float n = NoiseLattice::Shared().Noise2(column / s, row / s);
+                    const float n = NoiseLattice::Shared()->Noise2(column / s, row / s);
                     const int i = std::clamp(static_cast<int>((n + 1.0F) * 127.0F), 0, 255);
                     const float a = static_cast<float>(i) * 6.2831854820251465F * 0.00390625F * 60.0F * t;
                     sx = column - std::sin(a) * f;
