@@ -22,7 +22,11 @@ AtWork::AtWork(HostState& state) : m_before(current) {
 
 AtWork::~AtWork() {
     --hostsAtWork;
-    current = m_before;
+    if (m_before != nullptr && current != nullptr) current = m_before;
+}
+
+HostState::~HostState() {
+    if (current == this) current = nullptr;
 }
 
 }  // namespace kel

@@ -85,7 +85,13 @@ struct HostState {
         calling = callingBefore;
     }
 
-    // The host at work on this thread, which the host functions act on; null: there is none.
+    ~HostState();
+    HostState(const HostState&) = delete;
+    HostState& operator=(const HostState&) = delete;
+    HostState(HostState&&) = delete;
+    HostState& operator=(HostState&&) = delete;
+
+    // The host that is at work on this thread, or was last: the host functions act on it. Null: there is none.
     static HostState* Current();
     // True while any thread's host is at work.
     static bool IsAnyAtWork();

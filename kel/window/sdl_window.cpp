@@ -25,6 +25,10 @@ struct CloseWindow {
 
 // Where there is no display, SDL takes a driver that shows nothing to anybody: a program that waits for ever for
 // events. Whoever wants that names it.
+bool HasDisplay() {
+    constexpr std::array variables{"DISPLAY", "WAYLAND_DISPLAY", "SDL_VIDEODRIVER"};
+    return std::ranges::any_of(variables, [](const char* name) { return SDL_getenv(name) != nullptr; });
+}
 bool ShowsNothingUnasked() {
     constexpr std::array<std::string_view, 3> unseen{"offscreen", "dummy", "evdev"};
     const std::string_view driver = SDL_GetCurrentVideoDriver();
@@ -33,15 +37,20 @@ bool ShowsNothingUnasked() {
     return !isAskedFor && std::ranges::find(unseen, driver) != unseen.end();
 }
 
+[[noreturn]] void RefuseWithoutDisplay() {
+    throw cli::Error("no window: there is no display; DISPLAY and WAYLAND_DISPLAY say where one is");
+}
+
 class SdlVideo {
 public:
     SdlVideo() {
         SDL_SetHint(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR, "0");
         SDL_SetHint(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1");  // the first click draws already
+        if (!HasDisplay()) RefuseWithoutDisplay();
         if (SDL_Init(SDL_INIT_VIDEO) != 0) Refuse("there is no display");
         if (!ShowsNothingUnasked()) return;
         SDL_Quit();
-        throw cli::Error("no window: there is no display; DISPLAY and WAYLAND_DISPLAY say where one is");
+        RefuseWithoutDisplay();
     }
     ~SdlVideo() { SDL_Quit(); }
     SdlVideo(const SdlVideo&) = delete;
