@@ -4,6 +4,7 @@
 #include <immintrin.h>
 
 #include <algorithm>
+#include <array>
 
 // The sums of one block of channels stay in registers while all taps pass over it.
 namespace chalkpane {
@@ -14,12 +15,67 @@ namespace {
     return _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes)));
 }
 
+// Two taps in the bytes of each 16 bits, as the hardware multiplies neighbouring bytes by them and adds the products:
+// without a sign by with one, held within 16 bits with a sign. So two neighbouring taps may come to 128.
+constexpr std::size_t mostPairs = 128;
+struct TapPairs {
+    std::array<std::int32_t, mostPairs> pairs;
+    std::size_t count = 0;  // 0: these taps do not fit
+
+    explicit TapPairs(std::span<const std::uint8_t> taps) {
+        if (taps.size() > 2 * mostPairs) return;
+        for (std::size_t k = 0; k < taps.size(); k += 2) {
+            const std::int32_t first = taps[k];
+            const std::int32_t second = k + 1 < taps.size() ? taps[k + 1] : 0;
+            if (first > 127 || second > 127 || first + second > 128) {
+                count = 0;
+                return;
+            }
+            pairs[count++] = (first | second << 8) * 0x10001;
+        }
+    }
+};
+
+// So many registers of channels, whose sums stay in registers while all rows pass over them.
+template <std::size_t registers>
+[[gnu::target("avx2"), gnu::always_inline]] inline void ConvolvePairs(std::span<const std::uint8_t* const> sources,
+                                                                      const TapPairs& taps, std::size_t at,
+                                                                      std::uint8_t* out) {
+    __m256i low[registers];
+    __m256i high[registers];
+    for (std::size_t i = 0; i < registers; ++i) low[i] = high[i] = _mm256_set1_epi16(128);
+    for (std::size_t k = 0; k < taps.count; ++k) {
+        const __m256i pair = _mm256_set1_epi32(taps.pairs[k]);
+        const std::uint8_t* const first = sources[2 * k] + at;
+        const std::uint8_t* const second = sources[std::min(2 * k + 1, sources.size() - 1)] + at;  // or a tap of 0
+        for (std::size_t i = 0; i < registers; ++i) {
+            const __m256i a = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(first + 32 * i));
+            const __m256i b = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(second + 32 * i));
+            low[i] = _mm256_add_epi16(low[i], _mm256_maddubs_epi16(_mm256_unpacklo_epi8(a, b), pair));
+            high[i] = _mm256_add_epi16(high[i], _mm256_maddubs_epi16(_mm256_unpackhi_epi8(a, b), pair));
+        }
+    }
+    for (std::size_t i = 0; i < registers; ++i) {
+        const __m256i packed = _mm256_packus_epi16(_mm256_srli_epi16(low[i], 8), _mm256_srli_epi16(high[i], 8));
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + at + 32 * i), packed);
+    }
+}
+
+[[gnu::target("avx2")]] std::size_t ConvolveInPairs(std::span<const std::uint8_t* const> sources, const TapPairs& taps,
+                                                    std::uint8_t* out, std::size_t count) {
+    std::size_t i = 0;
+    for (; i + 128 <= count; i += 128) ConvolvePairs<4>(sources, taps, i, out);
+    for (; i + 32 <= count; i += 32) ConvolvePairs<1>(sources, taps, i, out);
+    return i;
+}
+
 }  // namespace
 
 [[gnu::target("avx2")]] std::size_t ConvolveRowAvx2(std::span<const std::uint8_t* const> sources,
                                                     std::span<const std::uint8_t> taps, std::span<std::uint8_t> row) {
     std::uint8_t* const out = row.data();
     const std::size_t count = row.size();
+    if (const TapPairs pairs(taps); pairs.count != 0) return ConvolveInPairs(sources, pairs, out, count);
     const std::size_t middle = taps.size() / 2;
     const std::uint8_t* const* rows = sources.data();
     const std::uint8_t* const* mirrored = rows + taps.size() - 1;

@@ -41,16 +41,19 @@ std::vector<typename F::Channel> Kernel(double softness, std::int32_t reach) {
 // Scratch of one worker.
 template <typename Channel>
 struct Scratch {
-    std::vector<const Channel*> rows;  // one per tap
-    std::vector<Channel> padded;       // a row with a reach of zeros on both sides
+    std::vector<const Channel*> rows;    // one per tap
+    std::vector<const Channel*> shifts;  // `padded` from as many places
+    std::vector<Channel> padded;         // a row with a reach of zeros on both sides
 };
 
+// The first pass goes along the columns, the second along the rows. A row of the second needs no other row of the
+// first, so both go over one row after the other, and what lies between them is one row that stays close to the
+// processor.
 template <typename F>
 struct BlurJob {
     using Channel = typename F::Channel;
 
     const Image& source;
-    Image& intermediate;
     Image& result;
     std::int32_t reach;
     std::size_t channels;
@@ -58,67 +61,56 @@ struct BlurJob {
     std::vector<Channel> zeros;  // a row of the source's length
     std::vector<Scratch<Channel>> workers;
 
-    BlurJob(const Image& from, Image& between, Image& to, double softness, std::int32_t pixels)
+    BlurJob(const Image& from, Image& to, double softness, std::int32_t pixels)
         : source(from),
-          intermediate(between),
           result(to),
           reach(pixels),
           channels(static_cast<std::size_t>(ChannelCount(from))),
           taps(Kernel<F>(softness, pixels)),
           zeros(static_cast<std::size_t>(from.Width()) * channels),
           workers(static_cast<std::size_t>(std::max(MultiProcessor::Instance().ProcessorCount(), 1))) {
-        const std::size_t margin = static_cast<std::size_t>(reach) * channels;
-        const std::size_t row = static_cast<std::size_t>(between.Width()) * channels;
+        const std::size_t row = static_cast<std::size_t>(to.Width()) * channels;
         for (auto& scratch : workers) {
             scratch.rows.resize(taps.size());
-            scratch.padded.resize(row + 2 * margin);
+            scratch.padded.resize(row + 2 * static_cast<std::size_t>(reach) * channels);
+            for (std::size_t tap = 0; tap < taps.size(); ++tap)
+                scratch.shifts.push_back(scratch.padded.data() + tap * channels);
         }
     }
 
     void BlurColumns(std::int32_t y, Scratch<Channel>& scratch) {
-        const std::int32_t first = std::max(intermediate.x0, source.x0);
-        const std::int32_t last = std::min(intermediate.x1, source.x1);
-        const auto offset = static_cast<std::size_t>(first - source.x0) * channels;
+        const std::int32_t first = std::max(result.x0, source.x0);
+        const std::int32_t last = std::min(result.x1, source.x1);
+        const auto offset = static_cast<std::size_t>(std::int64_t{first} - source.x0) * channels;
         for (std::size_t tap = 0; tap < taps.size(); ++tap) {
             const std::int64_t row = std::int64_t{y} - reach + static_cast<std::int64_t>(tap);
             const bool inside = row >= source.y0 && row <= source.y1;
             scratch.rows[tap] =
                 (inside ? ImageRow<F>(source, static_cast<std::int32_t>(row)).data() : zeros.data()) + offset;
         }
-        // Columns outside the source stay the zeros that the new image has.
-        const auto out = ImageRow<F>(intermediate, y)
-                             .subspan(static_cast<std::size_t>(first - intermediate.x0) * channels,
-                                      static_cast<std::size_t>(last - first + 1) * channels);
+        // Columns outside the source stay zeros.
+        const auto out = std::span(scratch.padded)
+                             .subspan(static_cast<std::size_t>(std::int64_t{first} - result.x0 + reach) * channels,
+                                      static_cast<std::size_t>(std::int64_t{last} - first + 1) * channels);
         ConvolveRow(std::span<const Channel* const>(scratch.rows), std::span<const Channel>(taps), out);
     }
 
-    void BlurRow(std::int32_t y, Scratch<Channel>& scratch) {
-        const auto row = ImageRow<F>(intermediate, y);
-        std::copy(row.begin(), row.end(),
-                  scratch.padded.begin() + static_cast<std::ptrdiff_t>(reach) * static_cast<std::ptrdiff_t>(channels));
-        for (std::size_t tap = 0; tap < taps.size(); ++tap) scratch.rows[tap] = scratch.padded.data() + tap * channels;
-        ConvolveRow(std::span<const Channel* const>(scratch.rows), std::span<const Channel>(taps),
+    void Row(std::int32_t y, Scratch<Channel>& scratch) {
+        BlurColumns(y, scratch);
+        ConvolveRow(std::span<const Channel* const>(scratch.shifts), std::span<const Channel>(taps),
                     ImageRow<F>(result, y));
-    }
-
-    // One pass over all rows; rows are independent of one another.
-    template <void (BlurJob::*pass)(std::int32_t, Scratch<Channel>&)>
-    void Run() {
-        const auto row = [](std::int32_t y, void* userData, std::int32_t worker) {
-            auto& job = *static_cast<BlurJob*>(userData);
-            (job.*pass)(y, job.workers[static_cast<std::size_t>(worker)]);
-        };
-        RunInBands(result.y0, result.y1, result.Width(), row, this);
     }
 };
 
 template <typename F>
 std::unique_ptr<Image> Blurred(const Image& source, const Rect& work, double softness, std::int32_t reach) {
-    Image intermediate(work, source.type, source.depth, source.flag);
     auto result = NewImageLike(source, work);
-    BlurJob<F> job(source, intermediate, *result, softness, reach);
-    job.template Run<&BlurJob<F>::BlurColumns>();
-    job.template Run<&BlurJob<F>::BlurRow>();
+    BlurJob<F> job(source, *result, softness, reach);
+    const auto row = [](std::int32_t y, void* userData, std::int32_t worker) {
+        auto& run = *static_cast<BlurJob<F>*>(userData);
+        run.Row(y, run.workers[static_cast<std::size_t>(worker)]);
+    };
+    RunInBands(work.y0, work.y1, work.Width(), row, &job);
     return result;
 }
 
