@@ -139,8 +139,8 @@ private:
     // True: a dab there touches nothing of the target and leaves nothing else behind, so it need not be made.
     [[nodiscard]] bool Misses(const StrokePoint& place) const;
     // Passes over a stretch of the path all of whose dabs miss. True: that was one, and the last dab is where it would
-    // be.
-    bool PassStretchOver(double squaredSpacing, double pressureFactor);
+    // be; `painted` tells whether there was one.
+    bool PassStretchOver(double squaredSpacing, double pressureFactor, bool& painted);
     void PlaceUnpaintedDab(const StrokePoint& place, double pressureFactor);
     double AngleAlongPath(const StrokePoint& place, bool repeat);
     Rect PaintOnTarget(Dab& dab);

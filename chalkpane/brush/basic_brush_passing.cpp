@@ -37,13 +37,14 @@ bool BasicBrush::Misses(const StrokePoint& place) const {
     return place.x < touching.minX || place.x > touching.maxX || place.y < touching.minY || place.y > touching.maxY;
 }
 
-bool BasicBrush::PassStretchOver(double squaredSpacing, double pressureFactor) {
-    if (history.Rests() || !history.StaysBeside(touching.minX, touching.minY, touching.maxX, touching.maxY)) {
+bool BasicBrush::PassStretchOver(double squaredSpacing, double pressureFactor, bool& painted) {
+    if (!history.StaysBeside(touching.minX, touching.minY, touching.maxX, touching.maxY)) {
         stepsToPassOver = mostStepsPassedOver;
         return false;
     }
     std::int32_t last = history.SurelyBeyond(squaredSpacing);
     if (last != SplineIterator::steps) {
+        painted = true;
         stepsToPassOver = mostStepsPassedOver;
         PlaceUnpaintedDab(history.PointAt(last), pressureFactor);
         for (++last; last < SplineIterator::steps; ++last) {
@@ -55,7 +56,9 @@ bool BasicBrush::PassStretchOver(double squaredSpacing, double pressureFactor) {
         return true;
     }
     last = history.LastBeyond(lastDabX, lastDabY, squaredSpacing, stepsToPassOver);
-    if (last != SplineIterator::steps) PlaceUnpaintedDab(history.PointAt(last), pressureFactor);
+    if (last == SplineIterator::steps) return true;
+    PlaceUnpaintedDab(history.PointAt(last), pressureFactor);
+    painted = true;
     return true;
 }
 

@@ -86,7 +86,7 @@ Rect BasicBrush::StepAlongPath(const StrokePoint& sample, bool& painted) {
     }
     double squaredSpacing = Square(pathSpacing);
     MeasureTouchingArea();
-    if (PassStretchOver(squaredSpacing, pressureFactor)) return {};
+    if (PassStretchOver(squaredSpacing, pressureFactor, painted)) return {};
     Rect changed;
     for (std::int32_t step = NextCandidate(0, squaredSpacing); step < SplineIterator::steps;
          step = NextCandidate(step + 1, squaredSpacing)) {
