@@ -35,11 +35,13 @@ bool RecognizeCircle(const ShapeInput& input) {
     constexpr std::size_t fewestPoints = 4;
     const std::span<const Vector3> points = input.points;
     if (!input.settings.recogniseCircle || points.size() < fewestPoints) return false;
+    const auto fewestOnCircle = static_cast<std::int32_t>(points.size()) / 2;
+    if (!MayLieOnACircle(points, input.settings.brushWidth, fewestOnCircle)) return false;
     const CircleVote best = SearchCircle(points, input.counters);
     const Vector3 centre = best.Centre();
     if (!SurroundsOnAllSides(points, centre)) return false;
     const std::int32_t count = CountPointsOnCircle(points, centre, best.radius, input.settings.brushWidth);
-    if (count < static_cast<std::int32_t>(points.size()) / 2) return false;
+    if (count < fewestOnCircle) return false;
     DrawCircle(input.pen, centre, best.radius);
     return true;
 }

@@ -24,4 +24,8 @@ struct CircleVote {
 // workers.
 [[nodiscard]] CircleVote SearchCircle(std::span<const Vector3> points, std::span<std::uint32_t> counters);
 
+// False: surely fewer than `count` of the points lie nearer than `tolerance` to any circle that the search could find,
+// so it need not be made. True says nothing.
+[[nodiscard]] bool MayLieOnACircle(std::span<const Vector3> points, double tolerance, std::int32_t count);
+
 }  // namespace chalkpane

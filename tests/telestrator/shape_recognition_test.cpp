@@ -2,9 +2,14 @@
 
 #include <doctest/doctest.h>
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
+#include <optional>
+#include <random>
 
+#include "telestrator/recognition/circle_search.h"
 #include "telestrator/recognition/ellipse_fit.h"
 #include "tests/reference/recognition_reference.h"
 #include "tests/telestrator/stroke_shapes.h"
@@ -285,6 +290,101 @@ TEST_CASE("An infinite aspect draws nothing and ends") {
     CHECK(RecognizeEllipse(fixture.Input()));
     (void)RecognizeCircle(fixture.Input());
     CHECK(IsBlank(*fixture.telestrator.shapeSurface));
+}
+
+// A path of `count` points with strides of about 5 pixels that winds at random; some points stand twice.
+Points WindingPoints(std::mt19937& random, int count, double bend) {
+    std::uniform_real_distribution<double> unit(-1, 1);
+    Points points{{500, 500, 0}};
+    double heading = unit(random);
+    while (static_cast<int>(points.size()) < count) {
+        heading += bend * unit(random);
+        const Vector3 last = points.back();
+        if (random() % 20 == 0) points.push_back(last);
+        points.emplace_back(last.x + 5 * std::cos(heading), last.y + 5 * std::sin(heading), 0.0);
+    }
+    points.resize(static_cast<std::size_t>(count));
+    return points;
+}
+
+std::optional<Vector3> PlainCrossing(const Points& points) {
+    Vector3 crossing;
+    for (std::size_t i = 0; i < points.size() / 2; ++i) {
+        for (std::size_t j = points.size() - 2; j >= i + 3; --j) {
+            if (SegmentsIntersect(points[i], points[i + 1], points[j], points[j + 1], crossing)) return crossing;
+        }
+    }
+    return std::nullopt;
+}
+
+TEST_CASE("The cross lies where testing each pair of segments in turn finds the first crossing") {
+    constexpr unsigned seed = 23;
+    CAPTURE(seed);
+    std::mt19937 random(seed);
+    TelestratorSettings settings = Recognising();
+    settings.crossDiameter = 40;
+    RecognitionStage fixture({}, 1, settings);
+    int crossed = 0;
+    for (int round = 0; round < 60; ++round) {
+        CAPTURE(round);
+        const int count = 2 + static_cast<int>(random() % 900);
+        const double bends[] = {0.05, 0.4, 1.0, 2.0};
+        const Points points = WindingPoints(random, count, bends[round % 4]);
+        const std::optional<Vector3> wanted = PlainCrossing(points);
+        crossed += wanted ? 1 : 0;
+        StoreStroke(fixture.telestrator, points);
+        fixture.telestrator.shapeSurface->ClearPixels();
+        REQUIRE_EQ(RecognizeCross(fixture.Input()), wanted.has_value());
+        if (!wanted) continue;
+        const double x = wanted->x;
+        const double y = wanted->y;
+        const auto reference = ReferenceSurface(5);
+        reference->BeginStroke(x - 20, y - 20, 1);
+        reference->EndStroke(x + 20, y + 20, 1);
+        reference->BeginStroke(x - 20, y + 20, 1);
+        reference->EndStroke(x + 20, y - 20, 1);
+        REQUIRE(PixelsOf(*fixture.telestrator.shapeSurface) == PixelsOf(*reference));
+    }
+    CHECK_GT(crossed, 10);
+    CHECK_LT(crossed, 50);
+}
+
+std::int32_t PointsNear(const Points& points, const Vector3& centre, double radius, double tolerance) {
+    return static_cast<std::int32_t>(std::count_if(points.begin(), points.end(), [&](const Vector3& point) {
+        return std::abs((centre - point).Length() - radius) < tolerance;
+    }));
+}
+
+TEST_CASE("No points are said to lie on no circle as long as some circle holds them") {
+    constexpr unsigned seed = 24;
+    CAPTURE(seed);
+    std::mt19937 random(seed);
+    std::uniform_real_distribution<double> unit(0, 1);
+    for (int round = 0; round < 300; ++round) {
+        CAPTURE(round);
+        const Points points = round % 2 == 0 ? WindingPoints(random, 80, 0.1)
+                                             : EllipsePoints(1000 * unit(random), 1000 * unit(random),
+                                                             256 * unit(random), 256 * unit(random), unit(random), 80);
+        const double tolerance = 1 + 30 * unit(random);
+        // Any circle whose centre is one of the search's; the best of some is close to the best of all.
+        std::int32_t most = 0;
+        for (int i = 0; i < 400; ++i) {
+            const Vector3 centre(4.0 * static_cast<double>(random() % 256), 4.0 * static_cast<double>(random() % 256),
+                                 0);
+            most = std::max(most, PointsNear(points, centre, 256 * unit(random), tolerance));
+        }
+        REQUIRE(MayLieOnACircle(points, tolerance, most));
+    }
+}
+
+TEST_CASE("Spirals, lines and waves are known to lie on no circle without a search") {
+    for (const Points& points :
+         {SpiralPoints(512, 512, 400, 300), LinePoints(100, 100, 900, 700, 200), WavePoints(100, 500, 800, 300)}) {
+        CHECK_FALSE(MayLieOnACircle(points, 5, static_cast<std::int32_t>(points.size()) / 2));
+    }
+    CHECK(MayLieOnACircle(EllipsePoints(500, 500, 200, 200, 0, 100), 5, 100));
+    CHECK_FALSE(MayLieOnACircle(EllipsePoints(500, 500, 200, 200, 0, 100), 5, 101));
+    CHECK(MayLieOnACircle({}, std::numeric_limits<double>::quiet_NaN(), 5));  // no tolerance to tell by
 }
 
 }  // namespace
