@@ -41,7 +41,7 @@ room(kel/workspace AFTER kel/session)
 room(kel/window AFTER kel/workspace)
 room(apps/kel AFTER kel/window)
 room(apps/chalkpane AFTER chalkpane/brush kel/video)
-room(examples AFTER chalkpane/brush kel/video)
+room(examples AFTER telestrator kel/video)
 room(tests AFTER telestrator module apps/kel apps/chalkpane)
 room(bench AFTER tests)
 
