@@ -64,8 +64,10 @@ set(chalkpane_public_headers
     chalkpane/composite/paster.h
     # brush: strokes on an image
     chalkpane/brush/basic_brush.h
+    chalkpane/brush/brush_choices.h
     chalkpane/brush/image_loader.h
     chalkpane/brush/profiles/brush_profile.h
     chalkpane/brush/profiles/profile_preset.h
     chalkpane/brush/sources/brush_source.h
+    chalkpane/brush/sources/source_types.h
     chalkpane/brush/spline_iterator.h)

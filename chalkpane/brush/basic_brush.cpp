@@ -6,7 +6,7 @@
 
 #include "chalkpane/brush/profiles/profile_cache.h"
 #include "chalkpane/brush/profiles/profile_preset.h"
-#include "chalkpane/brush/sources/brush_source.h"
+#include "chalkpane/brush/sources/source_types.h"
 #include "chalkpane/composite/brush_paster.h"
 #include "chalkpane/composite/eraser.h"
 #include "chalkpane/filters/filter_chain.h"
@@ -22,11 +22,6 @@ std::unique_ptr<DataSet> NewValues(const ParameterList& list) {
     return values;
 }
 
-// The value of that code; null when an owner has taken it out of the set.
-ParameterValue* ValueOf(const DataSet& values, const ParameterList& list, std::uint8_t code) {
-    return values.findValue(list.find(code));
-}
-
 }  // namespace
 
 BasicBrush::BasicBrush(std::string_view brushName)
@@ -36,11 +31,17 @@ BasicBrush::BasicBrush(std::string_view brushName)
     FilterRegistry::Instance();
     SharedPaster();
     SharedEraser();
-    if (ParameterValue* const value = ValueOf(*values, *parameters, 0)) value->setString(std::string(brushName));
+    if (ParameterValue* const value = Value(BrushParameter::Name)) value->setString(std::string(brushName));
     BasicBrush::Update();
 }
 
 BasicBrush::~BasicBrush() = default;
+
+ParameterValue* BasicBrush::Value(BrushParameter code) const { return values->findValue(parameters->find(code)); }
+
+ParameterValue* BasicBrush::SourceValue(SourceParameter code) const {
+    return sourceValues->findValue(BrushSource::ClassParameters().find(code));
+}
 
 void BasicBrush::Update() {
     for (auto& value : extraValues) values->addValue(std::move(value));
@@ -52,31 +53,31 @@ void BasicBrush::Update() {
 
 // A profile's name stands for its type, so the name is looked up each time and the type is what the source reads.
 void BasicBrush::StoreProfile() {
-    const ParameterList& list = BrushSource::ClassParameters();
-    ParameterValue* const typeValue = ValueOf(*sourceValues, list, 9);
+    ParameterValue* const typeValue = SourceValue(SourceParameter::ProfileType);
     std::string profileName;
-    if (const ParameterValue* const value = ValueOf(*sourceValues, list, 0)) value->getString(profileName);
+    if (const ParameterValue* const value = SourceValue(SourceParameter::ProfileName)) value->getString(profileName);
     const auto& presets = ProfilePresets();
     const auto preset = std::find_if(presets.begin(), presets.end(),
                                      [&](const ProfilePreset& candidate) { return candidate.name == profileName; });
     if (preset == presets.end()) {
-        std::uint8_t type = 0;
         if (typeValue == nullptr) return;
+        std::uint8_t type = 0;
         typeValue->getEnumeration(type);
-        typeValue->setEnumeration(ProfileTypeOfName(profileName, type));
+        if (const auto named = ProfileTypeOfName(profileName)) type = static_cast<std::uint8_t>(*named);
+        typeValue->setEnumeration(type);
         return;
     }
-    if (typeValue != nullptr) typeValue->setEnumeration(preset->type);
-    if (preset->type == 1)
-        if (auto* const mask = dynamic_cast<FileNameValue*>(ValueOf(*sourceValues, list, 1)))
+    if (typeValue != nullptr) typeValue->setEnumeration(static_cast<std::uint8_t>(preset->type));
+    if (preset->type == ProfileType::Image)
+        if (auto* const mask = dynamic_cast<FileNameValue*>(SourceValue(SourceParameter::ProfileMask)))
             mask->setFileName(preset->mask);
-    if (preset->type == 0)
-        if (ParameterValue* const graph = ValueOf(*values, *parameters, 10)) graph->setParent(preset->graph);
+    if (preset->type == ProfileType::Graph)
+        if (ParameterValue* const graph = Value(BrushParameter::ProfileGraph)) graph->setParent(preset->graph);
 }
 
 void BasicBrush::RebuildSource() {
     source.reset();
-    sourceDepth = target != nullptr ? target->depth : 0;
+    sourceDepth = target != nullptr ? target->GetDepth() : Depth::Eight;
     try {
         auto made = cutoutImage && useCutoutImage ? MakeCutoutSource(*cutoutImage, sourceDepth)
                                                   : MakeBrushSource(sourceType, cutoutFile, sourceDepth);
@@ -95,33 +96,32 @@ void BasicBrush::RebuildSource() {
 
 void BasicBrush::SetTarget(Image* image) {
     target = image;
-    if (target != nullptr && (target->depth != 0) != (sourceDepth != 0)) RebuildSource();
+    if (target != nullptr && target->GetDepth() != sourceDepth) RebuildSource();
 }
 
 void BasicBrush::SetSize(std::int32_t radius) {
-    if (ParameterValue* const value = ValueOf(*sourceValues, BrushSource::ClassParameters(), 2))
-        value->setInteger(radius);
+    if (ParameterValue* const value = SourceValue(SourceParameter::Size)) value->setInteger(radius);
     Update();
 }
 
 void BasicBrush::SetSourceType(std::int32_t type) {
-    if (ParameterValue* const value = ValueOf(*values, *parameters, 1))
+    if (ParameterValue* const value = Value(BrushParameter::SourceType))
         value->setEnumeration(static_cast<std::uint8_t>(type));
 }
 
 void BasicBrush::SetBlendMode(std::int32_t mode) {
-    if (ParameterValue* const value = ValueOf(*values, *parameters, 12))
+    if (ParameterValue* const value = Value(BrushParameter::BlendMode))
         value->setEnumeration(static_cast<std::uint8_t>(mode));
 }
 
 void BasicBrush::SetSpacing(double fraction, std::int32_t type) {
-    if (ParameterValue* const value = ValueOf(*values, *parameters, 5)) value->setDouble(fraction);
-    if (ParameterValue* const value = ValueOf(*values, *parameters, 7))
+    if (ParameterValue* const value = Value(BrushParameter::Spacing)) value->setDouble(fraction);
+    if (ParameterValue* const value = Value(BrushParameter::SpacingType))
         value->setEnumeration(static_cast<std::uint8_t>(type));
 }
 
 void BasicBrush::SetMatchPath(bool on) {
-    if (ParameterValue* const value = ValueOf(*values, *parameters, 8)) value->setBoolean(on);
+    if (ParameterValue* const value = Value(BrushParameter::MatchPath)) value->setBoolean(on);
 }
 
 void BasicBrush::SetColour(const Colour& newColour) {

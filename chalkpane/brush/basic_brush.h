@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "chalkpane/brush/brush_choices.h"
 #include "chalkpane/brush/spline_iterator.h"
 #include "chalkpane/image/image.h"
 #include "chalkpane/image/rect.h"
@@ -31,23 +32,24 @@ class BasicBrush : public WithParameters<BasicBrush, ParameterisedObject> {
 public:
     static constexpr auto Parameters() {
         using Self = BasicBrush;
+        using Code = BrushParameter;
         // clang-format off
         return std::to_array<ParameterRow<Self>>({
-            //code label             unique name                default range   field                 kind
-            {0,  "Name",             "Brush Name",              "",     {},     &Self::name},
-            {1,  "Source Type",      "Brush Source Type",       0,      {},     &Self::sourceType},
-            {2,  "File",             "Cutout File",             {},     {},     &Self::cutoutFile},
-            {3,  "Opacity",          "Brush Opacity",           1.0,    {0, 1}, &Self::opacity,       percent},
-            {4,  "Decay",            "Brush Decay",             0.0,    {0, 1}, &Self::decay,         percent},
-            {5,  "Spacing",          "Brush Spacing",           0.15,   {},     &Self::spacing},
-            {6,  "Adjust Spacing",   "Brush Adjust Spacing",    false,  {},     &Self::adjustSpacing},
-            {7,  "Spacing Type",     "Brush Space Type",        2,      {},     &Self::spacingType},
-            {8,  "Match Path",       "Brush Match Path",        false,  {},     &Self::matchPath},
-            {9,  "Build Up",         "Brush Build Up",          false,  {},     &Self::buildUp},
-            {10, "Profile Graph",    "Profile Graph",           {},     {},     &Self::profileGraph},
-            {11, "Global Parameters", "Brush Global Parameters", false, {},     nullptr,              {ParameterType::boolean}},
-            {12, "Blend Mode",       "Brush Blend Mode",        0,      {},     &Self::blendMode},
-            {13, "Group",            "Brush Group",             "Other", {},    nullptr,              {ParameterType::string}},
+            //code                  label                unique name                default range    field                 kind
+            {Code::Name,             "Name",              "Brush Name",              "",     {},     &Self::name},
+            {Code::SourceType,       "Source Type",       "Brush Source Type",       0,      {},     &Self::sourceType},
+            {Code::File,             "File",              "Cutout File",             {},     {},     &Self::cutoutFile},
+            {Code::Opacity,          "Opacity",           "Brush Opacity",           1.0,    {0, 1}, &Self::opacity,        percent},
+            {Code::Decay,            "Decay",             "Brush Decay",             0.0,    {0, 1}, &Self::decay,          percent},
+            {Code::Spacing,          "Spacing",           "Brush Spacing",           0.15,   {},     &Self::spacing},
+            {Code::AdjustSpacing,    "Adjust Spacing",    "Brush Adjust Spacing",    false,  {},     &Self::adjustSpacing},
+            {Code::SpacingType,      "Spacing Type",      "Brush Space Type",        2,      {},     &Self::spacingType},
+            {Code::MatchPath,        "Match Path",        "Brush Match Path",        false,  {},     &Self::matchPath},
+            {Code::BuildUp,          "Build Up",          "Brush Build Up",          false,  {},     &Self::buildUp},
+            {Code::ProfileGraph,     "Profile Graph",     "Profile Graph",           {},     {},     &Self::profileGraph},
+            {Code::GlobalParameters, "Global Parameters", "Brush Global Parameters", false,  {},     nullptr,               {ParameterType::boolean}},
+            {Code::BlendMode,        "Blend Mode",        "Brush Blend Mode",        0,      {},     &Self::blendMode},
+            {Code::Group,            "Group",             "Brush Group",             "Other", {},    nullptr,               {ParameterType::string}},
         });
         // clang-format on
     }
@@ -71,17 +73,18 @@ public:
     // Not owned; null: strokes paint nothing. Four channels of either depth; a target of the other depth than the one
     // before has the source made anew.
     void SetTarget(Image* image);
-    // The source's radius in pixels, a dab being 2 * radius + 1 wide. Runs `Update`, alone among the setters.
+    // The radius of a dab in canvas pixels: it is 2 * radius + 1 wide. Above `BrushProfile::maximumRadius`, or below 0,
+    // there are no dabs. Runs `Update`, alone among the setters.
     void SetSize(std::int32_t radius);
-    // 0 colour; 1 image that moves with the brush; 2, 6, 7 image that stays with the canvas; 3 cutout; 4, 8 a colour
-    // sampled from the image; 5 eraser. 6 and 7 replace what they cover instead of lying over it.
+    // A stored value; one without a row in `SourceTypes` paints colour.
     void SetSourceType(std::int32_t type);
+    void SetSourceType(SourceType type) { SetSourceType(static_cast<std::int32_t>(type)); }
     // Index of a blend mode, 0 .. 27.
     void SetBlendMode(std::int32_t mode);
-    // `fraction` of the dab's diameter. spacingType: 0 keeps it; 1 shortens it to a short segment and thins the stroke
-    // there; 2 shortens it only.
+    // `fraction` of the dab's diameter, 2 * radius + 1; a type other than these three shortens as the last one does.
     void SetSpacing(double fraction, std::int32_t type);
-    // Turns each dab along the path.
+    void SetSpacing(double fraction, SpacingType type) { SetSpacing(fraction, static_cast<std::int32_t>(type)); }
+    // Rotates each dab along the path.
     void SetMatchPath(bool on);
     // Takes hold at once. A brush that was never given a colour paints nothing, whatever its source.
     void SetColour(const Colour& newColour);
@@ -99,6 +102,9 @@ public:
     // The values of this brush, and those of its sources, which come and go with `Update` while these stay.
     [[nodiscard]] DataSet& Values() { return *values; }
     [[nodiscard]] DataSet& SourceValues() { return *sourceValues; }
+    // One of them; null when an owner has taken it out of the set. What is set takes hold at the next `Update`.
+    [[nodiscard]] ParameterValue* Value(BrushParameter code) const;
+    [[nodiscard]] ParameterValue* SourceValue(SourceParameter code) const;
     // Null when there was no memory for it. Lives until the next `Update`.
     [[nodiscard]] BrushSource* Source() { return source.get(); }
     // Run over the images of every dab, first to last. The owner adds to it between strokes.
@@ -186,7 +192,7 @@ private:
     double decay = 0.0;  // each dab leaves sqrt(1 - decay) of the opacity
     double currentOpacity = 1.0;
     std::unique_ptr<DataSet> sourceValues;  // outlive the sources, which are made from them
-    std::int32_t sourceDepth = 0;           // of the target that the source was made for
+    Depth sourceDepth = Depth::Eight;       // of the target that the source was made for
 };
 
 }  // namespace chalkpane

@@ -2,7 +2,7 @@
 #include <new>
 
 #include "chalkpane/brush/basic_brush.h"
-#include "chalkpane/brush/sources/brush_source.h"
+#include "chalkpane/brush/sources/source_types.h"
 #include "chalkpane/composite/brush_paster.h"
 #include "chalkpane/composite/eraser.h"
 #include "chalkpane/filters/filter_chain.h"
@@ -77,10 +77,11 @@ Rect BasicBrush::StepAlongPath(const StrokePoint& sample, bool& painted) {
     if (!source) return {};
     double pathSpacing = BaseSpacing(sample);
     double pressureFactor = 1.0;
-    if (spacingType != 0 && history.Moves()) {
+    if (spacingType != static_cast<std::uint8_t>(SpacingType::Keep) && history.Moves()) {
         const double length = history.NewestLength();
         if (pathSpacing > length) {
-            if (spacingType == 1) pressureFactor = std::sqrt(length / pathSpacing);
+            if (spacingType == static_cast<std::uint8_t>(SpacingType::ShortenAndThin))
+                pressureFactor = std::sqrt(length / pathSpacing);
             pathSpacing = length;
         }
     }
@@ -124,7 +125,7 @@ double BasicBrush::AngleAlongPath(const StrokePoint& place, bool repeat) {
 Rect BasicBrush::PaintDab(StrokePoint place, bool repeat) {
     Dab dab;
     dab.angle = AngleAlongPath(place, repeat);
-    // The first dab lands on the start, turned along the first movement.
+    // The first dab lands on the start, rotated along the first movement.
     if (firstDabPending) place = {lastDabX, lastDabY, lastDabPressure};
     dab.place = place;
     lastDabX = static_cast<float>(place.x);
@@ -160,12 +161,11 @@ Rect BasicBrush::PaintOnTarget(Dab& dab) {
         eraser.SetOpacity(dab.opacity);
         eraser.Paste(*dab.colour, dab.mask.get(), *target, area, 0, clip, Clip::Inverted);
     } else {
-        const bool replaces = sourceType == 6 || sourceType == 7;
         BrushPaster& paster = SharedPaster();
         paster.SetOpacity(dab.opacity);
         paster.SetMode(blendMode);
-        paster.Paste(*dab.colour, dab.mask.get(), *target, replaces ? PasteBehaviour::Replace : PasteBehaviour::Over,
-                     area, 0, clip, Clip::Inverted);
+        paster.Paste(*dab.colour, dab.mask.get(), *target, SourceTypeOf(sourceType).behaviour, area, 0, clip,
+                     Clip::Inverted);
     }
     const Rect changed = area.Intersection(*target);
     source->DabPlaced(x, y, dab.angle);

@@ -54,8 +54,26 @@ ImageBuffer* Share(ImageBuffer* buffer) {
 
 void Dismiss(ImageBuffer* buffer) {
     if (--std::atomic_ref(buffer->references) > 0) return;
-    std::free(buffer->pixels);
+    if (!buffer->isLent) std::free(buffer->pixels);
     delete buffer;
+}
+
+// The definition of an image on lent pixels; that of the empty rectangle when they will not do.
+ImageDefinition LentDefinition(const LentPixels& pixels, const Rect& rect, PixelType type, Depth depth,
+                               AlphaForm form) {
+    constexpr std::size_t longestRow = std::numeric_limits<std::int32_t>::max();
+    const auto storedType = static_cast<std::int32_t>(type);
+    const auto storedDepth = static_cast<std::int32_t>(depth);
+    const auto channelBytes = static_cast<std::size_t>(depth == Depth::Eight ? 1 : 2);
+    const Rect area = Addressable(rect, storedType, storedDepth);
+    ImageDefinition definition(area, storedType, storedDepth, static_cast<std::uint8_t>(form));
+    const std::size_t needed = static_cast<std::size_t>(area.Width()) * static_cast<std::size_t>(definition.pixelBytes);
+    const bool isAligned =
+        reinterpret_cast<std::uintptr_t>(pixels.firstRow) % channelBytes == 0 && pixels.rowBytes % channelBytes == 0;
+    if (pixels.firstRow == nullptr || pixels.rowBytes < needed || pixels.rowBytes > longestRow || !isAligned)
+        return {Rect(), storedType, storedDepth, static_cast<std::uint8_t>(form)};
+    if (area.IsValid()) definition.rowBytes = static_cast<std::int32_t>(pixels.rowBytes);
+    return definition;
 }
 
 // Offset of a position from the near edge of `size` pixels, brought inside by the edge mode; -1 for nothing there.
@@ -193,6 +211,30 @@ Image::Image(const Rect& rect, std::int32_t imageType, std::int32_t imageDepth, 
       buffer(NewBuffer(ByteSize())),
       origin(buffer->pixels) {
     ++livingImages;
+}
+
+Image::Image(const ImageDefinition& definition, const LentPixels& pixels)
+    : ImageDefinition(definition), buffer(new ImageBuffer), origin(static_cast<std::byte*>(pixels.firstRow)) {
+    buffer->pixels = origin;
+    buffer->isLent = true;
+    ++livingImages;
+}
+
+Image Image::Colour(std::int32_t width, std::int32_t height, Depth depth, AlphaForm form) {
+    return {width, height, colourType, static_cast<std::int32_t>(depth), static_cast<std::uint8_t>(form)};
+}
+Image Image::Colour(const Rect& rect, Depth depth, AlphaForm form) {
+    return {rect, colourType, static_cast<std::int32_t>(depth), static_cast<std::uint8_t>(form)};
+}
+Image Image::Mask(std::int32_t width, std::int32_t height, Depth depth) {
+    return {width, height, maskType, static_cast<std::int32_t>(depth), std::uint8_t{0}};
+}
+Image Image::Mask(const Rect& rect, Depth depth) {
+    return {rect, maskType, static_cast<std::int32_t>(depth), std::uint8_t{0}};
+}
+
+Image Image::Lend(const LentPixels& pixels, const Rect& rect, PixelType type, Depth depth, AlphaForm form) {
+    return {LentDefinition(pixels, rect, type, depth, form), pixels};
 }
 
 Image::Image(const Image& other) : ImageDefinition(other), buffer(Share(other.buffer)), origin(other.origin) {

@@ -10,36 +10,56 @@
 
 namespace chalkpane {
 
-// Images are rectangles in an integer plane with pixels behind them. All coordinates are plane coordinates, y growing
-// upward; memory row 0 is the top row y = y1, so memory reads like a top-down bitmap. Formats: image/pixel_format.h.
+// Images are rectangles in an integer plane with pixels behind them. All coordinates are plane coordinates in pixels, y
+// growing upward; memory row 0 is the top row y = y1, so memory reads like a top-down bitmap. A colour pixel is four
+// channels in the order blue, green, red, alpha. Formats: image/pixel_format.h.
 // Images are created and destroyed on one thread; several threads may write to distinct rows of one image.
+
+// The channels of a pixel, as an image's `type` stores them. Any stored value but 2 counts as colour.
+enum class PixelType : std::int32_t { Colour = 1, Mask = 2 };
 
 // What pixels an image has, without the pixels.
 class ImageDefinition : public Rect {
 public:
-    static constexpr std::int32_t maskType = 2;
-    static constexpr std::int32_t colourType = 1;
+    static constexpr auto maskType = static_cast<std::int32_t>(PixelType::Mask);
+    static constexpr auto colourType = static_cast<std::int32_t>(PixelType::Colour);
 
+    // The empty rectangle of 8-bit straight colour.
     ImageDefinition() = default;
+    // The numbers are those of the fields below.
     ImageDefinition(const Rect& rect, std::int32_t type, std::int32_t depth, std::uint8_t flag);
 
     [[nodiscard]] bool IsMask() const { return type == maskType; }
+    [[nodiscard]] PixelType GetPixelType() const { return IsMask() ? PixelType::Mask : PixelType::Colour; }
+    [[nodiscard]] Depth GetDepth() const { return DepthOf(depth); }
+    [[nodiscard]] AlphaForm GetAlphaForm() const { return flag != 0 ? AlphaForm::Premultiplied : AlphaForm::Straight; }
     [[nodiscard]] const Rect& Bounds() const { return *this; }
     // Bytes of the whole buffer; 0 for an area without pixels.
     [[nodiscard]] std::size_t ByteSize() const;
 
-    std::int32_t type = colourType;  // 2: one channel, a mask; any other value: four channels
-    std::int32_t depth = 0;          // 0: 8 bits; not 0: 14 bits in 16-bit words
-    std::uint8_t flag = 0;           // set: colour is premultiplied by alpha
-    std::int32_t rowBytes = 0;       // bytes from one row to the next
-    std::int32_t pixelBytes = 0;
+    std::int32_t type = colourType;  // PixelType; 2: one channel, a mask; any other value: four channels
+    std::int32_t depth = 0;          // Depth; 0: 8 bits; not 0: 14 bits in 16-bit words
+    std::uint8_t flag = 0;           // AlphaForm; set: colour is premultiplied by alpha
+    std::int32_t rowBytes = 0;       // bytes from one row to the row below it in the plane; a lent buffer has its own
+    std::int32_t pixelBytes = 0;     // 1, 2, 4 or 8
 };
 
 // Pixel storage shared by one or more images.
 struct ImageBuffer {
     std::int32_t references = 1;
-    std::byte* pixels = nullptr;  // owned, from std::calloc
+    std::byte* pixels = nullptr;  // from std::calloc and owned, unless `isLent`
     void* bitmap = nullptr;       // the platform's bitmap object; there is none here, the pixels are all there is
+    bool isLent = false;          // the pixels are a caller's, who frees them
+};
+
+// A caller's pixels for an image to stand on, see `Image::Lend`.
+//
+// The first row in memory is the top row of the picture, each row below it follows `rowBytes` bytes later, and the
+// bytes between the end of a row and the next are never written. A colour pixel is blue, green, red, alpha:
+// 4 bytes at 8 bits, 4 words of 0 .. 16383 in the machine's byte order at 14. A mask pixel is one byte or word.
+struct LentPixels {
+    void* firstRow = nullptr;
+    std::size_t rowBytes = 0;  // at least a row of pixels; at 14 bits even, as the address of the first row is
 };
 
 struct Pixel8 {
@@ -67,6 +87,24 @@ public:
     Image(std::int32_t width, std::int32_t height, std::int32_t type, std::int32_t depth, std::uint8_t flag,
           bool useBitmap = false);
     Image(const Rect& rect, std::int32_t type, std::int32_t depth, std::uint8_t flag, bool useBitmap = false);
+    // The same by name: four channels, or one, zeroed. A size alone lies at (0, 0).
+    [[nodiscard]] static Image Colour(std::int32_t width, std::int32_t height, Depth depth, AlphaForm form);
+    [[nodiscard]] static Image Colour(const Rect& rect, Depth depth, AlphaForm form);
+    [[nodiscard]] static Image Mask(std::int32_t width, std::int32_t height, Depth depth);
+    [[nodiscard]] static Image Mask(const Rect& rect, Depth depth);
+
+    // An image on pixels that stay the caller's: nothing is copied, cleared or freed, all operations read and write
+    // them in place. They must outlive every image that shares them: this one, its copies, what `Convert` cuts out of
+    // it at its own depth, and whatever a `BasicBrush` or a source was given of it to keep. `Clone`, and `Convert` to
+    // the other depth, give images with pixels of their own.
+    //
+    //   rect   where the picture lies in the plane; (0, 0, width - 1, height - 1) for one that begins at the origin
+    //
+    // Without pixels, or with rows that are too short, longer than 2 GiB or, at 14 bits, at odd addresses, the image is
+    // one of the empty rectangle: `IsValid` says so. Throws std::bad_alloc.
+    [[nodiscard]] static Image Lend(const LentPixels& pixels, const Rect& rect, PixelType type, Depth depth,
+                                    AlphaForm form);
+
     // Shares the buffer: no pixels are copied, a write through one is seen through all.
     Image(const Image& other);
     Image& operator=(const Image& other);
@@ -78,6 +116,9 @@ public:
     // shares the image's pixels (of the rectangle cut out); at another depth it is a new image, 8 to 14 bits by Widen,
     // 14 to 8 by Narrow.
     [[nodiscard]] std::unique_ptr<Image> Convert(const Rect& rect, std::int32_t depth) const;
+    [[nodiscard]] std::unique_ptr<Image> Convert(const Rect& rect, Depth newDepth) const {
+        return Convert(rect, static_cast<std::int32_t>(newDepth));
+    }
 
     // First byte of pixel (x, y); the caller keeps inside.
     [[nodiscard]] std::byte* Address(std::int32_t x, std::int32_t y) const;
@@ -107,11 +148,14 @@ public:
     void CopyRegion(const Image& source, const Rect& rect);
     void ClearAndCopyRegion(const Image& source, const Rect& rect);
 
-    // Living images of the whole module, for leak tests.
+    // Living images of the whole process, for leak tests.
     [[nodiscard]] static std::int32_t LivingImages();
 
     ImageBuffer* buffer = nullptr;  // shared, counted by `references`
     std::byte* origin = nullptr;    // first byte of pixel (x0, y1): inside the buffer, which a cut-out may share
+
+private:
+    Image(const ImageDefinition& definition, const LentPixels& pixels);
 };
 
 }  // namespace chalkpane

@@ -10,6 +10,14 @@ namespace chalkpane {
 // Four channels in memory order blue, green, red, alpha, or one mask channel. An 8-bit channel holds 0 .. 255, a
 // 16-bit channel 14 significant bits, 0 .. 16383. An 8-bit value widens to 14 bits by `Widen`, and narrows by `Narrow`.
 
+// The bits of a channel, as an image's `depth` stores them. Any stored value but 0 counts as 14 bits.
+enum class Depth : std::int32_t { Eight = 0, Fourteen = 1 };
+constexpr Depth DepthOf(std::int32_t stored) { return stored != 0 ? Depth::Fourteen : Depth::Eight; }
+
+// Whether colour channels are multiplied by alpha, as an image's `flag` stores it. A canvas is premultiplied; most
+// picture files are straight.
+enum class AlphaForm : std::uint8_t { Straight = 0, Premultiplied = 1 };
+
 // Rounded product a * b / 255. Arguments may be negative (Soft Light, Exclusion): the shifts are arithmetic.
 constexpr std::int32_t Scale8(std::int32_t a, std::int32_t b) {
     const std::int32_t t = a * b + 128;

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "chalkpane/parameters/parameter_def.h"
@@ -45,6 +46,9 @@ public:
 
     // The parameter of that code, or null. Looks at the entry whose index is the code first, then from the front.
     ParameterDef* find(std::uint8_t code) const;
+    // The same by the name of a code.
+    template <typename Code>
+    requires std::is_enum_v<Code> ParameterDef* find(Code code) const { return find(static_cast<std::uint8_t>(code)); }
 
     std::size_t size() const { return entries.size(); }
     ParameterDef& operator[](std::size_t index) const { return *entries[index]; }

@@ -25,6 +25,15 @@ inline constexpr ParameterKind floatKind{ParameterType::float32};  // for a fiel
 inline constexpr ParameterKind angle0To360{ParameterType::angle0To360};
 inline constexpr ParameterKind angle360{ParameterType::angle360};
 
+// The code of a row: a number, or an enumerator that names it.
+struct ParameterCode {
+    constexpr ParameterCode(std::uint8_t number) : value(number) {}
+    template <typename Named>
+    requires std::is_enum_v<Named>
+    constexpr ParameterCode(Named name) : value(static_cast<std::uint8_t>(name)) {}
+    std::uint8_t value;
+};
+
 // The range that a control offers; {} where there is none.
 struct ParameterRange {
     constexpr ParameterRange() = default;
@@ -50,12 +59,12 @@ struct ParameterRow {
                      float Self::*, double Self::*, Colour Self::*, std::string Self::*, FileName Self::*,
                      DoublePair Self::*, GraphValue * Self::*, ShapePointList Self::*>;
 
-    constexpr ParameterRow(std::uint8_t rowCode, const char* rowLabel, const char* rowName, ParameterDefault rowDefault,
-                           ParameterRange rowRange, Field rowField)
+    constexpr ParameterRow(ParameterCode rowCode, const char* rowLabel, const char* rowName,
+                           ParameterDefault rowDefault, ParameterRange rowRange, Field rowField)
         : ParameterRow(rowCode, rowLabel, rowName, rowDefault, rowRange, rowField, kindOf(rowField)) {}
-    constexpr ParameterRow(std::uint8_t rowCode, const char* rowLabel, const char* rowName, ParameterDefault rowDefault,
-                           ParameterRange rowRange, Field rowField, ParameterKind rowKind)
-        : code(rowCode),
+    constexpr ParameterRow(ParameterCode rowCode, const char* rowLabel, const char* rowName,
+                           ParameterDefault rowDefault, ParameterRange rowRange, Field rowField, ParameterKind rowKind)
+        : code(rowCode.value),
           label(rowLabel),
           name(rowName),
           defaultValue(rowDefault),

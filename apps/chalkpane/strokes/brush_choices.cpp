@@ -1,29 +1,28 @@
 #include "apps/chalkpane/strokes/brush_choices.h"
 
-#include <algorithm>
+#include <array>
+#include <cstddef>
 #include <string_view>
 
+#include "chalkpane/brush/brush_choices.h"
 #include "chalkpane/brush/profiles/profile_preset.h"
+#include "chalkpane/brush/sources/source_types.h"
 #include "chalkpane/composite/blending_modes.h"
 
 namespace chalkpane::app {
 namespace {
 
-// The blend modes have a table of their own.
-struct ChoiceRow {
-    std::string_view parameter;  // its long name
-    std::vector<std::string> words;
-};
+template <std::size_t count>
+std::vector<std::string> WordsOf(const std::array<std::string_view, count>& names) {
+    return {names.begin(), names.end()};
+}
 
-const std::vector<ChoiceRow>& ChoiceRows() {
-    static const std::vector<ChoiceRow> rows = {
-        {"Brush Source Type", {"Color", "Clone", "Image", "Cutout", "Splodge", "Eraser", "Replace", "7", "8"}},
-        {"Brush Space Type", {"Keep", "Shorten and Thin", "Shorten"}},
-        {"Brush Pickup", {"Off", "Once", "Every Dab"}},
-        {"Brush Preset Type", {"Graph", "Image", "One Pixel", "Texture", "Feathered"}},
-        {"Brush Selection Policy", {"Random", "Forward", "Forward and Back"}},
-    };
-    return rows;
+// What has no name of its own is chosen by its number.
+std::vector<std::string> SourceTypeWords() {
+    std::vector<std::string> words;
+    for (const SourceTypeRow& row : SourceTypes())
+        words.push_back(row.name.empty() ? std::to_string(static_cast<int>(row.type)) : std::string(row.name));
+    return words;
 }
 
 std::vector<std::string> BlendModeWords() {
@@ -38,9 +37,12 @@ std::vector<std::string> BlendModeWords() {
 
 std::vector<std::string> BrushChoices(const ParameterDef& definition) {
     if (definition.name == "Brush Blend Mode") return BlendModeWords();
-    const auto& rows = ChoiceRows();
-    const auto found = std::ranges::find(rows, definition.name, &ChoiceRow::parameter);
-    return found != rows.end() ? found->words : std::vector<std::string>();
+    if (definition.name == "Brush Source Type") return SourceTypeWords();
+    if (definition.name == "Brush Space Type") return WordsOf(SpacingTypeNames);
+    if (definition.name == "Brush Pickup") return WordsOf(PickupModeNames);
+    if (definition.name == "Brush Preset Type") return WordsOf(ProfileTypeNames);
+    if (definition.name == "Brush Selection Policy") return WordsOf(SelectionPolicyNames);
+    return {};
 }
 
 std::vector<std::string> ProfileNames() {

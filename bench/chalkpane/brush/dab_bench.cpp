@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "chalkpane/brush/basic_brush.h"
-#include "chalkpane/brush/sources/brush_source.h"
+#include "chalkpane/brush/sources/source_types.h"
 #include "tests/reference/picture.h"
 #include "tests/reference/stroke_engine.h"
 
@@ -16,8 +16,8 @@ constexpr Colour paint{16383, 8192, 1024};
 
 // A canvas as the plug-in has it, at either depth.
 struct Easel {
-    Easel(std::int32_t depth, std::int32_t radius, std::int32_t sourceType = 0)
-        : canvas(1024, 1024, ImageDefinition::colourType, depth, std::uint8_t{1}) {
+    Easel(Depth depth, std::int32_t radius, std::int32_t sourceType = 0)
+        : canvas(Image::Colour(1024, 1024, depth, AlphaForm::Premultiplied)) {
         brush.SetTarget(&canvas);
         brush.SetSourceType(sourceType);
         brush.SetSize(radius);
@@ -27,32 +27,30 @@ struct Easel {
     BasicBrush brush{"Telestrator"};
 };
 
-// True when the same samples leave the pixels of a brush that walks every step.
-bool AsTheReferenceDoes(std::int32_t depth, std::int32_t radius, std::int32_t sourceType) {
+// True when the same samples leave the pixels of a brush that evaluates every step.
+bool AsTheReferenceDoes(Depth depth, std::int32_t radius, std::int32_t sourceType) {
     Easel easel(depth, radius, sourceType);
-    const auto twinCanvas = easel.canvas.Clone();
+    const auto referenceCanvas = easel.canvas.Clone();
     const auto source = MakeBrushSource(static_cast<std::uint8_t>(sourceType), FileName(), depth);
     for (const auto& value : easel.brush.SourceValues()) source->setParameter(value.get());
     source->SetColour(paint);
-    source->Prepare(0,
-                    dynamic_cast<GraphValue*>(easel.brush.Values().findValue(BasicBrush::ClassParameters().find(10))),
-                    Matrix3());
+    source->Prepare(0, dynamic_cast<GraphValue*>(easel.brush.Value(BrushParameter::ProfileGraph)), Matrix3());
     reference::StrokeSettings settings;
     settings.sourceType = sourceType;
-    reference::StrokeEngine reference(settings, *source, *twinCanvas);
+    reference::StrokeEngine reference(settings, *source, *referenceCanvas);
     easel.brush.BeginStroke(300, 300, 1);
     reference.Begin(300, 300, 1);
     for (int i = 1; i < 12; ++i) {
         easel.brush.ContinueStroke(300 + i * 7.3, 300 + std::sin(i) * 9, 1);
         reference.Continue(300 + i * 7.3, 300 + std::sin(i) * 9, 1);
     }
-    return reference::Same(reference::Picture(easel.canvas), reference::Picture(*twinCanvas));
+    return reference::Same(reference::Picture(easel.canvas), reference::Picture(*referenceCanvas));
 }
 
-// Arguments: radius, depth, source type. A dab all included: walk aside, from the place to the pixels.
+// Arguments: radius, depth, source type. A dab all included but for the path: from its place to its pixels.
 void Dab(benchmark::State& state) {
     const auto radius = static_cast<std::int32_t>(state.range(0));
-    const auto depth = static_cast<std::int32_t>(state.range(1));
+    const Depth depth = DepthOf(static_cast<std::int32_t>(state.range(1)));
     const auto sourceType = static_cast<std::int32_t>(state.range(2));
     Easel easel(depth, radius, sourceType);
     double x = 300;
@@ -71,7 +69,7 @@ BENCHMARK(Dab)
 
 // A pointer that holds still: the walk and nothing else.
 void RestingSample(benchmark::State& state) {
-    Easel easel(0, 5);
+    Easel easel(Depth::Eight, 5);
     easel.brush.BeginStroke(300, 300, 1);
     for (auto _ : state) benchmark::DoNotOptimize(easel.brush.ContinueStroke(300, 300, 1));
 }
@@ -79,7 +77,7 @@ BENCHMARK(RestingSample);
 
 // Short of the spacing of a large brush, back and forth.
 void SampleWithoutDab(benchmark::State& state) {
-    Easel easel(0, 60);
+    Easel easel(Depth::Eight, 60);
     easel.brush.SetSpacing(0.15, 0);
     easel.brush.Update();
     easel.brush.SetColour(paint);
@@ -94,7 +92,7 @@ BENCHMARK(SampleWithoutDab);
 
 // One field of a moving pointer on both surfaces. Argument: pixels from sample to sample.
 void Field(benchmark::State& state) {
-    Easel easels[2] = {{0, 5}, {0, 5}};
+    Easel easels[2] = {{Depth::Eight, 5}, {Depth::Eight, 5}};
     const double stride = static_cast<double>(state.range(0));
     double angle = 0;
     for (auto& easel : easels) easel.brush.BeginStroke(500, 500, 1);
@@ -109,7 +107,7 @@ BENCHMARK(Field)->Arg(2)->Arg(10)->Arg(40)->Unit(benchmark::kMicrosecond);
 
 // A change of width and back. Argument: radius.
 void ChangeOfSize(benchmark::State& state) {
-    Easel easel(0, 5);
+    Easel easel(Depth::Eight, 5);
     const auto radius = static_cast<std::int32_t>(state.range(0));
     std::int32_t step = 0;
     for (auto _ : state) {

@@ -13,7 +13,7 @@ namespace {
 
 using namespace chalkpane;
 
-constexpr double turned = 30.0;  // degrees, which leaves a shape its point symmetry alone
+constexpr double rotated = 30.0;  // degrees, which leaves a shape its point symmetry alone
 
 bool EqualsReference(const Image& mask, const reference::MaskGrid& reference) {
     for (std::int32_t y = 0; y < reference.side; ++y) {
@@ -28,13 +28,13 @@ bool EqualsReference(const Image& mask, const reference::MaskGrid& reference) {
 
 enum class Kept { No, Yes };
 
-// Arguments: radius, depth, whether turned.
+// Arguments: radius, depth, whether rotated.
 template <Kept kept>
 void GraphProfile(benchmark::State& state) {
     const auto radius = static_cast<std::int32_t>(state.range(0));
-    const double rotation = state.range(2) != 0 ? turned : 0.0;
+    const double rotation = state.range(2) != 0 ? rotated : 0.0;
     const DabShape shape{radius, 1.0, rotation, 1.0, 0};
-    const auto depth = static_cast<std::int32_t>(state.range(1));
+    const Depth depth = DepthOf(static_cast<std::int32_t>(state.range(1)));
     const GraphBrushProfile first(shape, Matrix3(), depth, nullptr);
     for (auto _ : state) {
         if constexpr (kept == Kept::No) ProfileCache::Shared()->Clear();
@@ -47,21 +47,21 @@ void GraphProfile(benchmark::State& state) {
     if (!EqualsReference(*first.BaseMask(), reference)) state.SkipWithError("differs from the plain reference");
 }
 BENCHMARK(GraphProfile<Kept::No>)
-    ->ArgNames({"radius", "depth", "turned"})
+    ->ArgNames({"radius", "depth", "rotated"})
     ->ArgsProduct({{5, 30, 60}, {0, 1}, {0, 1}})
     ->Unit(benchmark::kMicrosecond);
 BENCHMARK(GraphProfile<Kept::Yes>)
-    ->ArgNames({"radius", "depth", "turned"})
+    ->ArgNames({"radius", "depth", "rotated"})
     ->ArgsProduct({{5, 30}, {0, 1}, {0}})
     ->Unit(benchmark::kMicrosecond);
 
 void TextureProfile(benchmark::State& state) {  // argument: radius
     const auto radius = static_cast<std::int32_t>(state.range(0));
     const DabShape shape{radius, 1.0, 0.0, 1.0, 0};
-    const TextureBrushProfile first(shape, Matrix3(), 0);
+    const TextureBrushProfile first(shape, Matrix3(), Depth::Eight);
     for (auto _ : state) {
         ProfileCache::Shared()->Clear();
-        TextureBrushProfile profile(shape, Matrix3(), 0);
+        TextureBrushProfile profile(shape, Matrix3(), Depth::Eight);
         benchmark::DoNotOptimize(profile.BaseMask());
     }
     const auto reference = reference::ProfileMask(reference::Kind::Texture, {radius, 1.0, 0.0, 1.0, 0}, {}, 0.0);
@@ -72,11 +72,11 @@ BENCHMARK(TextureProfile)->Arg(30)->Unit(benchmark::kMicrosecond);
 // A source set up by hand: its parameters are for its own kind.
 class DabMaker {
 public:
-    DabMaker(std::int32_t radius, std::int32_t depth) {
+    DabMaker(std::int32_t radius, Depth depth) {
         DataSet values;
         for (const auto& definition : BrushSource::ClassParameters())
             values.addParameter(definition.get(), false, nullptr);
-        values.findValue(BrushSource::ClassParameters().find(2))->setInteger(radius);
+        values.findValue(BrushSource::ClassParameters().find(SourceParameter::Size))->setInteger(radius);
         for (const auto& value : values) source.setParameter(value.get());
         source.SetTargetDepth(depth);
         source.SetColour({16383, 8192, 4096});
@@ -90,9 +90,9 @@ enum class Dab { Made, Pasted };
 // Arguments: radius, depth. One dab of a stroke along a slant, so that all of the shifted copies are in use.
 template <Dab dab>
 void ColourDab(benchmark::State& state) {
-    const auto depth = static_cast<std::int32_t>(state.range(1));
+    const Depth depth = DepthOf(static_cast<std::int32_t>(state.range(1)));
     DabMaker maker(static_cast<std::int32_t>(state.range(0)), depth);
-    Image canvas(1024, 1024, ImageDefinition::colourType, depth, 1);
+    Image canvas = Image::Colour(1024, 1024, depth, AlphaForm::Premultiplied);
     double x = 200.0;
     double y = 300.0;
     bool complete = true;

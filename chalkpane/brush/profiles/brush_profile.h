@@ -13,7 +13,7 @@ class GraphValue;
 // What a dab is made of, as its source has it.
 struct DabShape {
     std::int32_t radius = 20;  // pixels; the side of the mask is 2 * (radius + margin) + 1
-    double flatness = 1.0;     // ratio of the two axes: above 1 the dab is narrower along its turned axis
+    double flatness = 1.0;     // ratio of the two axes: above 1 the dab is narrower along its rotated axis
     double rotation = 0.0;     // degrees
     double roundness = 1.0;    // 1 is an ellipse, towards 0 a rectangle, 2 a rhombus; below 0.01 counts as 0.01
     std::int32_t margin = 0;   // pixels added around the shape
@@ -38,9 +38,9 @@ public:
     [[nodiscard]] virtual GraphValue* GetGraph() const { return nullptr; }
     // Of the base mask; the empty rectangle when there is none.
     virtual void GetRect(Rect& out) const = 0;
-    // For a dab at (x, y), turned.
+    // For a dab at (x, y), rotated.
     [[nodiscard]] virtual std::unique_ptr<Image> GetMask(double x, double y, double angle) = 0;
-    // For a dab at (x, y) that is neither turned nor placed between pixels.
+    // For a dab at (x, y) that is neither rotated nor placed between pixels.
     [[nodiscard]] virtual std::unique_ptr<Image> GetMaskFast(double x, double y) = 0;
 
 protected:

@@ -7,7 +7,7 @@
 
 namespace chalkpane {
 
-FeatherBrushProfile::FeatherBrushProfile(const DabShape& shape, const Matrix3& profileMatrix, std::int32_t maskDepth,
+FeatherBrushProfile::FeatherBrushProfile(const DabShape& shape, const Matrix3& profileMatrix, Depth maskDepth,
                                          double coreSize)
     : RoundBrushProfile(profileMatrix, maskDepth), hardness(coreSize) {
     IdentifyContent({static_cast<std::uint64_t>(ProfileContent::Feather), std::bit_cast<std::uint64_t>(hardness)});
@@ -16,7 +16,7 @@ FeatherBrushProfile::FeatherBrushProfile(const DabShape& shape, const Matrix3& p
 
 std::unique_ptr<Image> FeatherBrushProfile::MakeMask(const DabShape& shape) const {
     const Superellipse outline(shape, 0);
-    return MaskOfShape(outline, Depth(), [&](double u, double v) -> std::uint8_t {
+    return MaskOfShape(outline, MaskDepth(), [&](double u, double v) -> std::uint8_t {
         const double q = outline.Distance(u, v);
         if (q > 1) return 0;
         if (q < hardness) return 255;

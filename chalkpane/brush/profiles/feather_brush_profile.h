@@ -8,7 +8,7 @@ namespace chalkpane {
 class FeatherBrushProfile final : public RoundBrushProfile {
 public:
     // coreSize: the part of the radius, 0.0 .. 1.0, that is the full core.
-    FeatherBrushProfile(const DabShape& shape, const Matrix3& profileMatrix, std::int32_t maskDepth, double coreSize);
+    FeatherBrushProfile(const DabShape& shape, const Matrix3& profileMatrix, Depth maskDepth, double coreSize);
 
     [[nodiscard]] std::unique_ptr<Image> MakeMask(const DabShape& shape) const override;
 

@@ -35,7 +35,7 @@ ProfileKey ContentOf(const ShapePointList& curve) {
 
 }  // namespace
 
-GraphBrushProfile::GraphBrushProfile(const DabShape& shape, const Matrix3& profileMatrix, std::int32_t maskDepth,
+GraphBrushProfile::GraphBrushProfile(const DabShape& shape, const Matrix3& profileMatrix, Depth maskDepth,
                                      GraphValue* profileGraph)
     : RoundBrushProfile(profileMatrix, maskDepth), graph(profileGraph) {
     IdentifyContent(ContentOf(CurveOf(graph)));
@@ -45,7 +45,7 @@ GraphBrushProfile::GraphBrushProfile(const DabShape& shape, const Matrix3& profi
 std::unique_ptr<Image> GraphBrushProfile::MakeMask(const DabShape& shape) const {
     const Superellipse outline(shape, 0);
     const ShapePointList& curve = CurveOf(graph);
-    return MaskOfShape(outline, Depth(), [&](double u, double v) -> std::uint8_t {
+    return MaskOfShape(outline, MaskDepth(), [&](double u, double v) -> std::uint8_t {
         const double t = 1 - outline.Distance(u, v);
         if (t < 0) return 0;
         return CoverageByte(curve.evaluate(t) * 255 + 0.5);

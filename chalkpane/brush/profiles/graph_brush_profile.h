@@ -9,8 +9,7 @@ namespace chalkpane {
 class GraphBrushProfile final : public RoundBrushProfile {
 public:
     // profileGraph: not owned, outlives the profile; read now alone. Null: the straight line.
-    GraphBrushProfile(const DabShape& shape, const Matrix3& profileMatrix, std::int32_t maskDepth,
-                      GraphValue* profileGraph);
+    GraphBrushProfile(const DabShape& shape, const Matrix3& profileMatrix, Depth maskDepth, GraphValue* profileGraph);
 
     [[nodiscard]] GraphValue* GetGraph() const override { return graph; }
     [[nodiscard]] std::unique_ptr<Image> MakeMask(const DabShape& shape) const override;

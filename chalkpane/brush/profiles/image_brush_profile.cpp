@@ -12,10 +12,10 @@ namespace chalkpane {
 namespace {
 
 // The picture as one channel of the depth wanted; null when nothing of it remains.
-std::unique_ptr<Image> AsMask(const Image& picture, std::int32_t depth) {
+std::unique_ptr<Image> AsMask(const Image& picture, Depth depth) {
     auto converted = picture.Convert(Rect(), depth);
     if (!converted || converted->IsMask()) return converted;
-    auto mask = std::make_unique<Image>(converted->Bounds(), ImageDefinition::maskType, depth, std::uint8_t{0});
+    auto mask = std::make_unique<Image>(Image::Mask(converted->Bounds(), depth));
     converted->CopyAlphaToMask(*mask);
     return mask;
 }
@@ -26,19 +26,19 @@ ImageBrushProfile::ImageBrushProfile(const DabShape& shape, const Matrix3& profi
     : matrix(profileMatrix), rotation(shape.rotation) {}
 
 ImageBrushProfile::ImageBrushProfile(const Image& picture, const DabShape& shape, const Matrix3& profileMatrix,
-                                     std::int32_t maskDepth)
+                                     Depth maskDepth)
     : ImageBrushProfile(shape, profileMatrix) {
     TakeMask(picture, shape.radius, maskDepth, Resizing::ToTheDab);
 }
 
 ImageBrushProfile::ImageBrushProfile(const std::string& fileName, const DabShape& shape, const Matrix3& profileMatrix,
-                                     std::int32_t maskDepth)
+                                     Depth maskDepth)
     : ImageBrushProfile(shape, profileMatrix) {
     const auto picture = LoadImageFile(fileName);
     if (picture) TakeMask(*picture, shape.radius, maskDepth, Resizing::None);
 }
 
-void ImageBrushProfile::TakeMask(const Image& picture, std::int32_t radius, std::int32_t depth, Resizing resizing) {
+void ImageBrushProfile::TakeMask(const Image& picture, std::int32_t radius, Depth depth, Resizing resizing) {
     const bool isResized = resizing == Resizing::ToTheDab;
     if (isResized && (radius < 0 || radius > maximumRadius)) return;
     if (picture.Width() < 1 || picture.Height() < 1) return;
@@ -55,7 +55,7 @@ void ImageBrushProfile::TakeMask(const Image& picture, std::int32_t radius, std:
             if (!resized.IsValid()) return;
         }
         converted->MoveTo(0, 0);  // KEEP: the mask lies at (0, 0), not around it; dabs are placed from there
-        auto taken = std::make_unique<Image>(converted->Bounds(), ImageDefinition::maskType, depth, std::uint8_t{0});
+        auto taken = std::make_unique<Image>(Image::Mask(converted->Bounds(), depth));
         Paster paster;
         paster.SetOpacity(1.0);
         paster.PasteMaskOnto(*converted, *taken, *taken);

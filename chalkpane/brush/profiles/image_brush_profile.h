@@ -15,16 +15,15 @@ class ImageBrushProfile final : public BrushProfile {
 public:
     // From a picture, which is only read now and resized to the dab unless it has its size. No mask for a radius below
     // 0 or above `maximumRadius`, or where nothing of the picture remains.
-    ImageBrushProfile(const Image& picture, const DabShape& shape, const Matrix3& profileMatrix,
-                      std::int32_t maskDepth);
+    ImageBrushProfile(const Image& picture, const DabShape& shape, const Matrix3& profileMatrix, Depth maskDepth);
     // From a file, which keeps its own size; no mask when it could not be read.
     ImageBrushProfile(const std::string& fileName, const DabShape& shape, const Matrix3& profileMatrix,
-                      std::int32_t maskDepth);
+                      Depth maskDepth);
 
     void GetRect(Rect& out) const override { RectOf(mask.get(), out); }
-    // Turned by `angle` beyond the turn of the shape.
+    // Rotated by `angle` beyond the rotation of the shape.
     [[nodiscard]] std::unique_ptr<Image> GetMask(double x, double y, double angle) override;
-    // Turned as the shape is.
+    // Rotated as the shape is.
     [[nodiscard]] std::unique_ptr<Image> GetMaskFast(double x, double y) override;
 
     [[nodiscard]] const Matrix3& PositionMatrix() const { return matrix; }
@@ -32,7 +31,7 @@ public:
 private:
     enum class Resizing { ToTheDab, None };
     ImageBrushProfile(const DabShape& shape, const Matrix3& profileMatrix);
-    void TakeMask(const Image& picture, std::int32_t radius, std::int32_t depth, Resizing resizing);
+    void TakeMask(const Image& picture, std::int32_t radius, Depth depth, Resizing resizing);
     [[nodiscard]] std::unique_ptr<Image> Transformed();
 
     std::unique_ptr<Image> mask;

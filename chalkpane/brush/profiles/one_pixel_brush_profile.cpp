@@ -4,13 +4,12 @@
 
 namespace chalkpane {
 
-OnePixelBrushProfile::OnePixelBrushProfile(std::int32_t maskRadius, const Matrix3& profileMatrix,
-                                           std::int32_t maskDepth)
+OnePixelBrushProfile::OnePixelBrushProfile(std::int32_t maskRadius, const Matrix3& profileMatrix, Depth maskDepth)
     : radius(maskRadius), matrix(profileMatrix) {
     if (radius < 0 || radius > maximumRadius) return;
     const std::int32_t side = 2 * radius + 1;
     try {
-        mask = std::make_unique<Image>(side, side, ImageDefinition::maskType, maskDepth, std::uint8_t{0});
+        mask = std::make_unique<Image>(Image::Mask(side, side, maskDepth));
         mask->FillChannel(1.0);
     } catch (const std::bad_alloc&) {
         mask = nullptr;

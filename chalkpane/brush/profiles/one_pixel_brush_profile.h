@@ -8,11 +8,11 @@
 
 namespace chalkpane {
 
-// A full square, of one pixel unless a radius makes it larger. Never turned and never between pixels.
+// A full square, of one pixel unless a radius makes it larger. Never rotated and never between pixels.
 class OnePixelBrushProfile final : public BrushProfile {
 public:
     // maskRadius: pixels; below 0 or above `maximumRadius` there is no mask.
-    OnePixelBrushProfile(std::int32_t maskRadius, const Matrix3& profileMatrix, std::int32_t maskDepth);
+    OnePixelBrushProfile(std::int32_t maskRadius, const Matrix3& profileMatrix, Depth maskDepth);
 
     void GetRect(Rect& out) const override { RectOf(mask.get(), out); }
     [[nodiscard]] std::unique_ptr<Image> GetMask(double x, double y, double angle) override;

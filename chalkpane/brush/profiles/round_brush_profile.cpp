@@ -33,9 +33,9 @@ std::unique_ptr<Image> RoundBrushProfile::GetMask(double x, double y, double ang
     transformer.SetMatrix(Matrix3::Translation(-halfWidth, -halfHeight) *
                           Matrix3::Rotation(-angle * std::numbers::pi / 180) *
                           Matrix3::Translation(halfWidth, halfHeight));
-    Rect turnedRect;
-    const auto turned = transformer.Apply(copy, turnedRect);
-    return turnedRect.IsValid() ? MovedShare(turned.get(), placeX, placeY) : nullptr;
+    Rect rotatedRect;
+    const auto rotated = transformer.Apply(copy, rotatedRect);
+    return rotatedRect.IsValid() ? MovedShare(rotated.get(), placeX, placeY) : nullptr;
 }
 
 std::unique_ptr<Image> RoundBrushProfile::GetMaskFast(double x, double y) {
@@ -52,7 +52,7 @@ void RoundBrushProfile::Prepare(const DabShape& shape, const Matrix3& newMatrix)
     ProfileKey key = content;
     for (const double number : {shape.flatness, shape.rotation, shape.roundness})
         key.push_back(std::bit_cast<std::uint64_t>(number));
-    for (const std::int32_t number : {shape.radius, shape.margin, depth != 0 ? 1 : 0})
+    for (const std::int32_t number : {shape.radius, shape.margin, static_cast<std::int32_t>(depth)})
         key.push_back(static_cast<std::uint32_t>(number));
     if (!content.empty()) masks = cache->Find(key);
     if (masks) return;
@@ -82,7 +82,7 @@ std::shared_ptr<const ProfileMasks> RoundBrushProfile::Build(const DabShape& sha
 
 std::unique_ptr<Image> RoundBrushProfile::MakeMask(const DabShape& shape) const {
     const Superellipse cone(shape, 0);
-    return MaskOfShape(cone, Depth(), [&](double u, double v) {
+    return MaskOfShape(cone, MaskDepth(), [&](double u, double v) {
         return CoverageByte(std::max(1 - cone.RoundDistance(u, v), 0.0) * 255 + 0.5);
     });
 }

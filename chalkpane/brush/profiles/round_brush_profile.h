@@ -17,11 +17,10 @@ class RoundBrushProfile : public BrushProfile {
 public:
     // Nothing is built until `Prepare`.
     //   profileMatrix  takes the positions of dabs to the target
-    //   maskDepth      0: 8 bits; not 0: 14 bits
-    RoundBrushProfile(const Matrix3& profileMatrix, std::int32_t maskDepth) : matrix(profileMatrix), depth(maskDepth) {}
+    RoundBrushProfile(const Matrix3& profileMatrix, Depth maskDepth) : matrix(profileMatrix), depth(maskDepth) {}
 
     void GetRect(Rect& out) const override { RectOf(BaseMask(), out); }
-    // A turned mask is resampled, any other shares the nearest of the shifted copies.
+    // A rotated mask is resampled, any other shares the nearest of the shifted copies.
     [[nodiscard]] std::unique_ptr<Image> GetMask(double x, double y, double angle) override;
     // KEEP: by the radius alone, past the matrix, and half a pixel from where `GetMask` puts it.
     [[nodiscard]] std::unique_ptr<Image> GetMaskFast(double x, double y) override;
@@ -38,7 +37,7 @@ public:
     }
 
 protected:
-    [[nodiscard]] std::int32_t Depth() const { return depth; }
+    [[nodiscard]] Depth MaskDepth() const { return depth; }
     [[nodiscard]] const ProfileMasks* Masks() const { return masks.get(); }
     // What determines the mask beside the shape and the depth: first a word of the class's own. Without a call the
     // masks are shared with nobody.
@@ -53,7 +52,7 @@ private:
     double offsetX = 0.0;                       // of the dab's point in the base mask, through the matrix
     double offsetY = 0.0;
     Matrix3 matrix;
-    std::int32_t depth;
+    Depth depth;
     ProfileKey content;
     Transformer transformer;
 };

@@ -24,8 +24,8 @@ Superellipse::Superellipse(const DabShape& shape, std::int32_t extraSide)
     isSquare = isUpright && flatness == 1.0;
 }
 
-std::unique_ptr<Image> MaskOfBytes(const std::vector<std::uint8_t>& values, std::int32_t side, std::int32_t depth) {
-    auto mask = std::make_unique<Image>(side, side, ImageDefinition::maskType, depth, std::uint8_t{0});
+std::unique_ptr<Image> MaskOfBytes(const std::vector<std::uint8_t>& values, std::int32_t side, Depth depth) {
+    auto mask = std::make_unique<Image>(Image::Mask(side, side, depth));
     auto value = values.begin();
     for (std::int32_t y = 0; y < side; ++y)
         for (std::int32_t x = 0; x < side; ++x) mask->SetAlpha8(x, y, *value++);

@@ -27,7 +27,7 @@ public:
     // Calls `valueOf(u, v)`, which has to depend on the sizes of u and v alone and treat the two alike, for pixels in
     // canvas units from the middle, and returns its answers row by row, the bottom row first.
     //
-    // The square is symmetric about its middle; a shape that is not turned also about its axes, and one that is not
+    // The square is symmetric about its middle; a shape that is not rotated also about its axes, and one that is not
     // flattened either about its diagonals. Mirrored pixels get the very same sizes of u and v, so one of them is
     // computed and the others are copies, to the last bit.
     template <typename ValueOf>
@@ -71,7 +71,7 @@ private:
     double flatness;
     double exponent;
     double root;
-    bool isUpright;  // not turned
+    bool isUpright;  // not rotated
     bool isSquare;   // nor flattened
 };
 
@@ -98,11 +98,11 @@ std::vector<std::uint8_t> Superellipse::Map(ValueOf valueOf) const {
 
 // A mask of `side` squared with its lower left pixel at (0, 0), from coverage in 8 bits, the bottom row first.
 [[nodiscard]] std::unique_ptr<Image> MaskOfBytes(const std::vector<std::uint8_t>& values, std::int32_t side,
-                                                 std::int32_t depth);
+                                                 Depth depth);
 
 // The mask of a shape whose pixels depend on their distance alone. Null where there is nothing to draw, or no memory.
 template <typename ValueOf>
-std::unique_ptr<Image> MaskOfShape(const Superellipse& shape, std::int32_t depth, ValueOf valueOf) {
+std::unique_ptr<Image> MaskOfShape(const Superellipse& shape, Depth depth, ValueOf valueOf) {
     if (shape.Side() < 1) return nullptr;
     try {
         return MaskOfBytes(shape.Map(valueOf), shape.Side(), depth);

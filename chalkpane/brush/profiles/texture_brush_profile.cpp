@@ -15,7 +15,7 @@ std::uint8_t Speckle() {
 
 }  // namespace
 
-TextureBrushProfile::TextureBrushProfile(const DabShape& shape, const Matrix3& profileMatrix, std::int32_t maskDepth)
+TextureBrushProfile::TextureBrushProfile(const DabShape& shape, const Matrix3& profileMatrix, Depth maskDepth)
     : RoundBrushProfile(profileMatrix, maskDepth) {
     IdentifyContent({static_cast<std::uint64_t>(ProfileContent::Texture)});
     RoundBrushProfile::Prepare(shape, profileMatrix);
@@ -32,7 +32,7 @@ std::unique_ptr<Image> TextureBrushProfile::MakeMask(const DabShape& shape) cons
             outline.Map([&](double u, double v) -> std::uint8_t { return 1 - outline.Distance(u, v) >= 0 ? 1 : 0; });
         for (auto& value : values)  // numbers are drawn inside the shape alone
             if (value != 0) value = Speckle();
-        return MaskOfBytes(values, outline.Side(), Depth());
+        return MaskOfBytes(values, outline.Side(), MaskDepth());
     } catch (const std::bad_alloc&) {
         return nullptr;
     }

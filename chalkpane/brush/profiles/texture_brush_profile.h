@@ -8,7 +8,7 @@ namespace chalkpane {
 // Making one leaves the engine's random generator where drawing the speckle leaves it.
 class TextureBrushProfile final : public RoundBrushProfile {
 public:
-    TextureBrushProfile(const DabShape& shape, const Matrix3& profileMatrix, std::int32_t maskDepth);
+    TextureBrushProfile(const DabShape& shape, const Matrix3& profileMatrix, Depth maskDepth);
 
     [[nodiscard]] std::unique_ptr<Image> MakeMask(const DabShape& shape) const override;
 };

@@ -1,18 +1,12 @@
 #include "chalkpane/brush/sources/brush_source.h"
 
 #include <cmath>
-#include <string_view>
-#include <utility>
 
 #include "chalkpane/brush/profiles/feather_brush_profile.h"
 #include "chalkpane/brush/profiles/graph_brush_profile.h"
 #include "chalkpane/brush/profiles/image_brush_profile.h"
 #include "chalkpane/brush/profiles/one_pixel_brush_profile.h"
 #include "chalkpane/brush/profiles/texture_brush_profile.h"
-#include "chalkpane/brush/sources/colour_brush_source.h"
-#include "chalkpane/brush/sources/cutout_brush_source.h"
-#include "chalkpane/brush/sources/image_brush_source.h"
-#include "chalkpane/brush/sources/splodge_brush_source.h"
 
 namespace chalkpane {
 
@@ -46,7 +40,7 @@ void BrushSource::DabPlacedOnMask(double x, double y, double angle) {
 }
 
 void BrushSource::Renew(Pickup& held, DabMaker make, double x, double y, double angle) {
-    if (pickup != 2) return;
+    if (GetPickupMode() != PickupMode::EveryDab) return;
     held.image = nullptr;
     std::unique_ptr<Image> colour;
     std::unique_ptr<Image> mask;
@@ -56,15 +50,15 @@ void BrushSource::Renew(Pickup& held, DabMaker make, double x, double y, double 
 std::unique_ptr<BrushProfile> BrushSource::MakeProfile(std::int32_t margin, GraphValue* graph, const Matrix3& matrix) {
     const DabShape shape{size, flatness, rotation, roundness, margin};
     if (maskImage != nullptr) return std::make_unique<ImageBrushProfile>(*maskImage, shape, matrix, targetDepth);
-    switch (profileType) {
-        case 1:
+    switch (GetProfileType()) {
+        case ProfileType::Image:
             return std::make_unique<ImageBrushProfile>(profileMask.string(), shape, matrix, targetDepth);
-        case 2:
+        case ProfileType::OnePixel:
             size = 0;  // so the spacing of its dabs is that of one pixel
             return std::make_unique<OnePixelBrushProfile>(margin, matrix, targetDepth);
-        case 3:
+        case ProfileType::Texture:
             return std::make_unique<TextureBrushProfile>(shape, matrix, targetDepth);
-        case 4:
+        case ProfileType::Feather:
             return std::make_unique<FeatherBrushProfile>(shape, matrix, targetDepth, feather);
         default:
             return std::make_unique<GraphBrushProfile>(shape, matrix, targetDepth, graph);
@@ -73,7 +67,7 @@ std::unique_ptr<BrushProfile> BrushSource::MakeProfile(std::int32_t margin, Grap
 
 bool BrushSource::ReusePickup(const Pickup& held, double x, double y, double angle, std::unique_ptr<Image>& colourOut,
                               std::unique_ptr<Image>& maskOut) {
-    if (pickup == 0 || !held.image) return false;
+    if (GetPickupMode() == PickupMode::Off || !held.image) return false;
     const Image& image = *held.image;
     const double centreX = image.x0 + image.Width() * 0.5;
     const double centreY = image.y0 + image.Height() * 0.5;
@@ -86,51 +80,15 @@ bool BrushSource::ReusePickup(const Pickup& held, double x, double y, double ang
 }
 
 void BrushSource::StorePickup(Pickup& held, const Image& colourImage, double x, double y, double angle) const {
-    if (pickup == 0) return;
+    if (GetPickupMode() == PickupMode::Off) return;
     held = {std::make_unique<Image>(colourImage), x, y, angle};
 }
 
-std::uint8_t ProfileTypeOfName(const std::string& name, std::uint8_t current) {
-    constexpr std::pair<std::string_view, std::uint8_t> types[] = {{"Texture", 3}, {"Feathered", 4}, {"OnePixel", 2}};
-    for (const auto& [typeName, type] : types)
-        if (name == typeName) return type;
-    return current;
-}
-
-std::unique_ptr<BrushSource> MakeBrushSource(std::uint8_t sourceType, const FileName& cutoutFile,
-                                             std::int32_t targetDepth) {
-    std::unique_ptr<BrushSource> source;
-    switch (sourceType) {
-        case 1:
-            source = std::make_unique<ImageBrushSource>(ImageFollows::Brush);
-            break;
-        case 2:
-        case 6:
-        case 7:
-            source = std::make_unique<ImageBrushSource>(ImageFollows::Canvas);
-            break;
-        case 3:
-            source = std::make_unique<CutoutBrushSource>(cutoutFile, targetDepth);
-            break;
-        case 4:
-        case 8:
-            source = std::make_unique<SplodgeBrushSource>(ImageFollows::Brush);
-            break;
-        case 5:
-            source = std::make_unique<ColourBrushSource>(ColourUse::Erase);
-            break;
-        default:
-            source = std::make_unique<ColourBrushSource>(ColourUse::Paint);
-            break;
-    }
-    source->SetTargetDepth(targetDepth);
-    return source;
-}
-
-std::unique_ptr<BrushSource> MakeCutoutSource(const Image& cutout, std::int32_t targetDepth) {
-    auto source = std::make_unique<CutoutBrushSource>(cutout, targetDepth);
-    source->SetTargetDepth(targetDepth);
-    return source;
+std::optional<ProfileType> ProfileTypeOfName(std::string_view name) {
+    if (name == "Texture") return ProfileType::Texture;
+    if (name == "Feathered") return ProfileType::Feather;
+    if (name == "OnePixel") return ProfileType::OnePixel;
+    return std::nullopt;
 }
 
 }  // namespace chalkpane

@@ -3,8 +3,10 @@
 #include <array>
 #include <cstdint>
 #include <memory>
-#include <string>
+#include <optional>
+#include <string_view>
 
+#include "chalkpane/brush/brush_choices.h"
 #include "chalkpane/brush/profiles/brush_profile.h"
 #include "chalkpane/image/image.h"
 #include "chalkpane/parameters/parameter_table.h"
@@ -24,20 +26,21 @@ class BrushSource : public WithParameters<BrushSource, ParameterisedObject> {
 public:
     static constexpr auto Parameters() {
         using Self = BrushSource;
+        using Code = SourceParameter;
         return std::to_array<ParameterRow<Self>>({
-            {0, "Profile Name", "Brush Profile Type", "Soft", {}, nullptr, {ParameterType::string}},
-            {1, "Profile Mask", "Profile Mask", {}, {}, &Self::profileMask},
-            {2, "Size", "Brush Size", 20, {}, &Self::size},
-            {3, "Flatness", "Brush Flatness", 1.0, {}, &Self::flatness},
-            {4, "Rotation", "Brush Rotation", 0.0, {}, &Self::rotation},
-            {5, "Roundness", "Brush Roundness", 1.0, {0, 2}, &Self::roundness},
-            {6, "Feather", "Profile Feather", 0.0, {}, &Self::feather, percent},
-            {7, "Offset", "Brush Offset", {}, {}, &Self::offset},
-            {8, "Pickup", "Brush Pickup", 0, {}, &Self::pickup},
-            {9, "Profile Type", "Brush Preset Type", 0, {}, &Self::profileType},
-            {10, "Rows", "Brush Image Rows", 1, {}, &Self::rows},
-            {11, "Columns", "Brush Image Cols", 1, {}, &Self::columns},
-            {12, "Selection Policy", "Brush Selection Policy", 0, {}, &Self::selectionPolicy},
+            {Code::ProfileName, "Profile Name", "Brush Profile Type", "Soft", {}, nullptr, {ParameterType::string}},
+            {Code::ProfileMask, "Profile Mask", "Profile Mask", {}, {}, &Self::profileMask},
+            {Code::Size, "Size", "Brush Size", 20, {}, &Self::size},
+            {Code::Flatness, "Flatness", "Brush Flatness", 1.0, {}, &Self::flatness},
+            {Code::Rotation, "Rotation", "Brush Rotation", 0.0, {}, &Self::rotation},
+            {Code::Roundness, "Roundness", "Brush Roundness", 1.0, {0, 2}, &Self::roundness},
+            {Code::Feather, "Feather", "Profile Feather", 0.0, {}, &Self::feather, percent},
+            {Code::Offset, "Offset", "Brush Offset", {}, {}, &Self::offset},
+            {Code::Pickup, "Pickup", "Brush Pickup", 0, {}, &Self::pickup},
+            {Code::ProfileType, "Profile Type", "Brush Preset Type", 0, {}, &Self::profileType},
+            {Code::Rows, "Rows", "Brush Image Rows", 1, {}, &Self::rows},
+            {Code::Columns, "Columns", "Brush Image Cols", 1, {}, &Self::columns},
+            {Code::SelectionPolicy, "Selection Policy", "Brush Selection Policy", 0, {}, &Self::selectionPolicy},
         });
     }
 
@@ -56,7 +59,7 @@ public:
     // The dab for the mask plane; the paint dab where a source knows no other.
     virtual bool MakeMaskDab(double x, double y, double angle, std::unique_ptr<Image>& colourOut,
                              std::unique_ptr<Image>& maskOut);
-    // A mask that is not turned; null: none.
+    // A mask that is not rotated; null: none.
     [[nodiscard]] virtual std::unique_ptr<Image> MakePlainMask(double x, double y) = 0;
     // True when the paint dab serves for the mask plane as well.
     [[nodiscard]] virtual bool MaskSameAsPaint() const { return true; }
@@ -87,10 +90,14 @@ public:
     void DabPlacedOnMask(double x, double y, double angle);
 
     // True: no dab is kept to be dragged along.
-    [[nodiscard]] bool HoldsNothing() const { return pickup == 0; }
+    [[nodiscard]] bool HoldsNothing() const { return GetPickupMode() == PickupMode::Off; }
 
-    // 0: 8 bits; not 0: 14 bits in 16-bit words.
-    void SetTargetDepth(std::int32_t depth) { targetDepth = depth; }
+    void SetTargetDepth(Depth depth) { targetDepth = depth; }
+    // The radius of a dab in canvas pixels: parameter "Brush Size".
+    [[nodiscard]] std::int32_t Radius() const { return size; }
+    [[nodiscard]] ProfileType GetProfileType() const { return static_cast<ProfileType>(profileType); }
+    [[nodiscard]] PickupMode GetPickupMode() const { return static_cast<PickupMode>(pickup); }
+    [[nodiscard]] SelectionPolicy GetSelectionPolicy() const { return static_cast<SelectionPolicy>(selectionPolicy); }
     // Used as the profile, resized to the dab; not owned, read by `Prepare`. Null: the profile type decides.
     void SetMaskImage(const Image* image) { maskImage = image; }
     // The area of a dab, and the same after the brush's filters: kept for the brush.
@@ -113,7 +120,7 @@ protected:
     // Never null; what could not be built gives no masks.
     [[nodiscard]] std::unique_ptr<BrushProfile> MakeProfile(std::int32_t margin, GraphValue* graph,
                                                             const Matrix3& matrix);
-    // True when a dab is held: then the images are that dab moved and turned to its new place, and a mask. Without a
+    // True when a dab is held: then the images are that dab moved and rotated to its new place, and a mask. Without a
     // mask there is no dab, and the colours are null too.
     bool ReusePickup(const Pickup& held, double x, double y, double angle, std::unique_ptr<Image>& colourOut,
                      std::unique_ptr<Image>& maskOut);
@@ -126,36 +133,28 @@ private:
     void Renew(Pickup& held, DabMaker make, double x, double y, double angle);
 
 protected:
-    std::uint8_t profileType = 0;  // 0 graph, 1 image, 2 one pixel, 3 texture, 4 feather
+    std::uint8_t profileType = 0;  // ProfileType
     FileName profileMask;          // image file for type 1
-    std::int32_t size = 20;        // radius in pixels
+    std::int32_t size = 20;        // the radius of a dab, pixels
     double flatness = 1.0;
     float rotation = 0.0F;             // degrees
     float roundness = 1.0F;            // 0 .. 2
     double feather = 0.0;              // hardness of a FeatherBrushProfile
     DoublePair offset;                 // of the source image, canvas pixels
-    std::uint8_t pickup = 0;           // 0 off, 1 once per stroke, 2 every dab
+    std::uint8_t pickup = 0;           // PickupMode
     std::int32_t rows = 1;             // frames of a cutout, down; below 1 counts as 1
     std::int32_t columns = 1;          // frames of a cutout, across; below 1 counts as 1
-    std::uint8_t selectionPolicy = 0;  // 0 random, 1 forward, 2 forward and back
+    std::uint8_t selectionPolicy = 0;  // SelectionPolicy
     Pickup paintPickup;
     Pickup maskPickup;
     Transformer transformer;
     Rect targetArea;
     Rect dabArea;
     const Image* maskImage = nullptr;  // not owned
-    std::int32_t targetDepth = 0;
+    Depth targetDepth = Depth::Eight;
 };
 
-// The profile type that a profile's name stands for: "Texture", "Feathered" and "OnePixel"; any other name leaves the
-// type as it is.
-[[nodiscard]] std::uint8_t ProfileTypeOfName(const std::string& name, std::uint8_t current);
-
-// 0 colour; 1 image that goes with the brush; 2, 6, 7 image that stays with the canvas; 3 cutout from a file; 4, 8 a
-// colour sampled from the image; 5 eraser; any other paints colour. Never null. Depth as in `SetTargetDepth`.
-[[nodiscard]] std::unique_ptr<BrushSource> MakeBrushSource(std::uint8_t sourceType, const FileName& cutoutFile,
-                                                           std::int32_t targetDepth);
-// A cutout around an image, whose pixels it shares where the depth is the target's.
-[[nodiscard]] std::unique_ptr<BrushSource> MakeCutoutSource(const Image& cutout, std::int32_t targetDepth);
+// The profile type that a profile's name stands for: "Texture", "Feathered" and "OnePixel"; any other has none.
+[[nodiscard]] std::optional<ProfileType> ProfileTypeOfName(std::string_view name);
 
 }  // namespace chalkpane

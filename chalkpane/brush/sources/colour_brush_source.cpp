@@ -9,8 +9,8 @@ namespace chalkpane {
 namespace {
 
 // KEEP: 8 bits take the upper bits of the word, low byte of what is beyond full scale.
-DabPixel PixelOf(const Colour& colour, std::int32_t depth) {
-    if (depth != 0) return {colour.blue, colour.green, colour.red, PixelFormat14::fullScale};
+DabPixel PixelOf(const Colour& colour, Depth depth) {
+    if (depth == Depth::Fourteen) return {colour.blue, colour.green, colour.red, PixelFormat14::fullScale};
     const auto narrow = [](std::uint16_t word) { return static_cast<std::uint16_t>(word >> 6); };
     return {narrow(colour.blue), narrow(colour.green), narrow(colour.red), PixelFormat8::fullScale};
 }
@@ -37,12 +37,12 @@ bool ColourBrushSource::MakeDab(double x, double y, double angle, std::unique_pt
 std::unique_ptr<Image> ColourBrushSource::ColourImage(const Image& mask) {
     const std::int32_t width = mask.Width();
     const std::int32_t height = mask.Height();
-    if (!filled || filled->depth != mask.depth || filled->Width() < width || filled->Height() < height) {
+    if (!filled || filled->GetDepth() != mask.GetDepth() || filled->Width() < width || filled->Height() < height) {
         const std::int32_t keptWidth = filled ? filled->Width() : 0;
         const std::int32_t keptHeight = filled ? filled->Height() : 0;
-        filled = std::make_unique<Image>(std::max(width, keptWidth), std::max(height, keptHeight),
-                                         ImageDefinition::colourType, mask.depth, std::uint8_t{0});
-        FillWithPixel(*filled, PixelOf(colour, mask.depth));
+        filled = std::make_unique<Image>(Image::Colour(std::max(width, keptWidth), std::max(height, keptHeight),
+                                                       mask.GetDepth(), AlphaForm::Straight));
+        FillWithPixel(*filled, PixelOf(colour, mask.GetDepth()));
     }
     auto dab = std::make_unique<Image>(*filled);
     static_cast<Rect&>(*dab) = mask;  // one colour everywhere, so any part of the kept image will do

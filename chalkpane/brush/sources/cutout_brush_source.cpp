@@ -9,14 +9,14 @@
 
 namespace chalkpane {
 
-CutoutBrushSource::CutoutBrushSource(const FileName& cutoutFile, std::int32_t depth) {
+CutoutBrushSource::CutoutBrushSource(const FileName& cutoutFile, Depth depth) {
     const auto picture = LoadImageFile(cutoutFile.string());
     if (picture) TakeFrames(*picture, depth);
 }
 
-CutoutBrushSource::CutoutBrushSource(const Image& cutout, std::int32_t depth) { TakeFrames(cutout, depth); }
+CutoutBrushSource::CutoutBrushSource(const Image& cutout, Depth depth) { TakeFrames(cutout, depth); }
 
-void CutoutBrushSource::TakeFrames(const Image& cutout, std::int32_t depth) {
+void CutoutBrushSource::TakeFrames(const Image& cutout, Depth depth) {
     const std::int64_t pixels = std::int64_t{cutout.Width()} * cutout.Height();
     if (cutout.Width() < 1 || cutout.Height() < 1 || pixels > Transformer::maximumPixels) return;
     try {
@@ -25,7 +25,7 @@ void CutoutBrushSource::TakeFrames(const Image& cutout, std::int32_t depth) {
         if (frames->IsMask()) {
             frameMask = std::make_unique<Image>(*frames);
         } else {
-            frameMask = std::make_unique<Image>(frames->Bounds(), ImageDefinition::maskType, depth, std::uint8_t{0});
+            frameMask = std::make_unique<Image>(Image::Mask(frames->Bounds(), depth));
             frames->CopyAlphaToMask(*frameMask);
         }
     } catch (const std::bad_alloc&) {
@@ -45,12 +45,14 @@ Rect CutoutBrushSource::NextFrame(const Grid& grid) {
     const auto count = static_cast<std::uint64_t>(grid.rows) * static_cast<std::uint64_t>(grid.columns);
     std::int64_t column = 0;
     std::int64_t row = 0;
-    if (selectionPolicy == 0) {
+    const SelectionPolicy policy = GetSelectionPolicy();
+    if (policy == SelectionPolicy::Random) {
         column = Random() % grid.columns;
         row = Random() % grid.rows;
     } else {
-        const std::uint64_t period = selectionPolicy == 2 ? count * 2 - 2 : count;
-        if (selectionPolicy <= 2) frameIndex = static_cast<std::uint32_t>((std::uint64_t{frameIndex} + 1) % period);
+        const std::uint64_t period = policy == SelectionPolicy::ForwardAndBack ? count * 2 - 2 : count;
+        if (policy <= SelectionPolicy::ForwardAndBack)
+            frameIndex = static_cast<std::uint32_t>((std::uint64_t{frameIndex} + 1) % period);
         const std::uint64_t shown = frameIndex % period;
         const auto frame = static_cast<std::int64_t>(shown < count ? shown : period - shown);
         column = frame % grid.columns;
@@ -67,7 +69,7 @@ bool CutoutBrushSource::MakeDab(double x, double y, double angle, std::unique_pt
     const Grid grid = Frames();
     if (grid.width < 1 || grid.height < 1) return false;
     const Rect cell = grid.IsWhole() ? frames->Bounds() : NextFrame(grid);
-    // Turned as all masks are: clockwise where y grows upward.
+    // Rotated as all masks are: clockwise where y grows upward.
     transformer.SetMatrix(Matrix3::Translation(-(cell.x0 + cell.Width() * 0.5), -(cell.y0 + cell.Height() * 0.5)) *
                           Matrix3::Rotation(-angle * std::numbers::pi / 180) * Matrix3::Translation(x, y));
     const auto placed = [&](const Image& whole) {

@@ -13,9 +13,9 @@ namespace chalkpane {
 // none, and so does a file that could not be read; the size is then 20.
 class CutoutBrushSource final : public BrushSource {
 public:
-    CutoutBrushSource(const FileName& cutoutFile, std::int32_t depth);
+    CutoutBrushSource(const FileName& cutoutFile, Depth depth);
     // Shares the pixels where the depth is the same.
-    CutoutBrushSource(const Image& cutout, std::int32_t depth);
+    CutoutBrushSource(const Image& cutout, Depth depth);
 
     bool MakeDab(double x, double y, double angle, std::unique_ptr<Image>& colourOut,
                  std::unique_ptr<Image>& maskOut) override;
@@ -42,7 +42,7 @@ private:
         std::int32_t height;
         [[nodiscard]] bool IsWhole() const { return rows == 1 && columns == 1; }
     };
-    void TakeFrames(const Image& cutout, std::int32_t depth);
+    void TakeFrames(const Image& cutout, Depth depth);
     [[nodiscard]] Grid Frames() const;
     [[nodiscard]] Rect NextFrame(const Grid& grid);
 

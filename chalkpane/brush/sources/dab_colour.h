@@ -20,7 +20,7 @@ inline void FillWithPixel(Image& image, const DabPixel& pixel) {
     };
     for (std::int64_t y = image.y0; y <= image.y1; ++y) {
         const auto line = static_cast<std::int32_t>(y);
-        if (image.depth == 0)
+        if (image.GetDepth() == Depth::Eight)
             fill(image.Row8(line));
         else
             fill(image.Row14(line));

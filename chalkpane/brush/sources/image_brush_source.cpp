@@ -73,16 +73,15 @@ bool ImageBrushSource::BeginDab(Pickup& held, double x, double y, double angle, 
     if (ReusePickup(held, x, y, angle, colourOut, maskOut)) return colourOut != nullptr;
     maskOut = GetMask(x, y, angle);
     if (!maskOut) return false;
-    colourOut =
-        std::make_unique<Image>(maskOut->Bounds(), ImageDefinition::colourType, maskOut->depth, std::uint8_t{0});
+    colourOut = std::make_unique<Image>(Image::Colour(maskOut->Bounds(), maskOut->GetDepth(), AlphaForm::Straight));
     StorePickup(held, *colourOut, x, y, angle);
     isNew = true;
     return true;
 }
 
-const Image* ImageBrushSource::AtDepth(std::unique_ptr<Image>& picture, std::int32_t depth) {
+const Image* ImageBrushSource::AtDepth(std::unique_ptr<Image>& picture, Depth depth) {
     if (!picture || picture->IsMask()) return nullptr;
-    if ((picture->depth != 0) != (depth != 0)) picture = picture->Convert(Rect(), depth);
+    if (picture->GetDepth() != depth) picture = picture->Convert(Rect(), depth);
     return picture.get();
 }
 
@@ -100,7 +99,7 @@ bool ImageBrushSource::MakeDabFrom(std::unique_ptr<Image>& picture, Pickup& held
                                    std::unique_ptr<Image>& colourOut, std::unique_ptr<Image>& maskOut) {
     bool isNew = false;
     if (!BeginDab(held, x, y, angle, colourOut, maskOut, isNew)) return false;
-    const Image* source = isNew ? AtDepth(picture, colourOut->depth) : nullptr;
+    const Image* source = isNew ? AtDepth(picture, colourOut->GetDepth()) : nullptr;
     const auto read = source != nullptr ? OffsetAt(x, y) : std::nullopt;
     if (!read) return true;
     Rect wanted = *colourOut;

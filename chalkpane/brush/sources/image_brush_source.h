@@ -44,7 +44,7 @@ protected:
     bool BeginDab(Pickup& held, double x, double y, double angle, std::unique_ptr<Image>& colourOut,
                   std::unique_ptr<Image>& maskOut, bool& isNew);
     // The picture at the depth of the dab, which it takes on for good; null where there is none to read.
-    [[nodiscard]] static const Image* AtDepth(std::unique_ptr<Image>& picture, std::int32_t depth);
+    [[nodiscard]] static const Image* AtDepth(std::unique_ptr<Image>& picture, Depth depth);
 
     std::unique_ptr<Image> sourceImage;      // null: none
     std::unique_ptr<Image> maskSourceImage;  // null: none

@@ -25,7 +25,7 @@ bool SplodgeBrushSource::MakeDab(double x, double y, double angle, std::unique_p
                                  std::unique_ptr<Image>& maskOut) {
     bool isNew = false;
     if (!BeginDab(paintPickup, x, y, angle, colourOut, maskOut, isNew)) return false;
-    const Image* source = isNew ? AtDepth(sourceImage, colourOut->depth) : nullptr;
+    const Image* source = isNew ? AtDepth(sourceImage, colourOut->GetDepth()) : nullptr;
     const auto read = source != nullptr ? OffsetAt(x, y) : std::nullopt;
     if (!read) return true;
     const std::int64_t middleX = std::int64_t{colourOut->x0} + colourOut->Width() / 2 + read->x;

@@ -18,7 +18,7 @@ F& Append(BasicBrush& brush) {
 
 // The same stroke with and without a chain.
 struct Strokes {
-    explicit Strokes(int depth) : plain(NewCanvas(96, 64, depth)), filtered(NewCanvas(96, 64, depth)) {}
+    explicit Strokes(Depth depth) : plain(NewCanvas(96, 64, depth)), filtered(NewCanvas(96, 64, depth)) {}
     void Paint() {
         for (auto [brush, canvas, changed] : {std::tuple(&without, &plain, &plainRect), {&with, &filtered, &rect}}) {
             brush->SetTarget(canvas);
@@ -41,8 +41,8 @@ struct Strokes {
 }  // namespace
 
 TEST_CASE("a stroke through a filter that moves pixels and mask is the stroke moved") {
-    for (const int depth : {0, 1}) {
-        CAPTURE(depth);
+    for (const Depth depth : {Depth::Eight, Depth::Fourteen}) {
+        CAPTURE(static_cast<int>(depth));
         Strokes strokes(depth);
         Append<ShiftForTest>(strokes.with);
         strokes.Paint();
@@ -51,7 +51,7 @@ TEST_CASE("a stroke through a filter that moves pixels and mask is the stroke mo
         CHECK_EQ(strokes.rect, moved);
         for (std::int32_t y = 0; y < 64; ++y)
             for (std::int32_t x = 10; x < 96; ++x) {
-                if (depth == 0)
+                if (depth == Depth::Eight)
                     REQUIRE_EQ(strokes.filtered.GetPixel8(x, y), strokes.plain.GetPixel8(x - 10, y));
                 else
                     REQUIRE_EQ(strokes.filtered.GetPixel14(x, y), strokes.plain.GetPixel14(x - 10, y));
@@ -61,7 +61,7 @@ TEST_CASE("a stroke through a filter that moves pixels and mask is the stroke mo
 
 // Where only the colour moves, no more of it is seen than the mask at the old place lets through.
 TEST_CASE("a dab whose colour moved away from its mask covers what both have") {
-    Strokes strokes(0);
+    Strokes strokes(Depth::Eight);
     auto& shift = Append<ShiftForTest>(strokes.with);
     shift.m_filtersMask = false;
     shift.m_distance = 5;
@@ -76,7 +76,7 @@ TEST_CASE("a dab whose colour moved away from its mask covers what both have") {
 
 // Inverted in turn, the colour (255, 64, 0) is (0, 191, 255) and then itself again. The recorder changes nothing.
 TEST_CASE("a stroke runs through all active filters of its chain in order") {
-    Strokes strokes(0);
+    Strokes strokes(Depth::Eight);
     InvertForTest& first = Append<InvertForTest>(strokes.with);
     InvertForTest& second = Append<InvertForTest>(strokes.with);
     Append<ShiftForTest>(strokes.with).m_distance = 0;
@@ -97,7 +97,7 @@ TEST_CASE("a stroke runs through all active filters of its chain in order") {
 // The colour (255, 64, 0) inverted is (0, 191, 255), and 7 + 3 pixels are 10: what comes is the stroke of a pen of that
 // colour, moved by 10 with its mask.
 TEST_CASE("a chain of three inverts the stroke, and moves its pixels and its mask twice") {
-    Strokes strokes(0);
+    Strokes strokes(Depth::Eight);
     Append<InvertForTest>(strokes.with);
     Append<ShiftForTest>(strokes.with).m_distance = 7;
     Append<ShiftForTest>(strokes.with).m_distance = 3;
@@ -115,7 +115,7 @@ TEST_CASE("a chain of three inverts the stroke, and moves its pixels and its mas
 }
 
 TEST_CASE("a stroke of 14 bits goes through a filter that knows 8 bits alone") {
-    Strokes strokes(1);
+    Strokes strokes(Depth::Fourteen);
     auto& shift = Append<ShiftForTest>(strokes.with);
     shift.m_bytesOnly = true;
     strokes.Paint();

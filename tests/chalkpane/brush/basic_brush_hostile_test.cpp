@@ -45,7 +45,7 @@ TEST_CASE("a brush that found no memory for its source paints nothing until it d
     brush.SetSize(3);
     CHECK_EQ(brush.Source(), nullptr);
     brush.SetColour(whitePaint);
-    ValueOf(brush, 9).setBoolean(true);
+    ValueOf(brush, BrushParameter::BuildUp).setBoolean(true);
     CHECK_FALSE(brush.BeginStroke(10, 10, 1).IsValid());
     CHECK_FALSE(brush.ContinueStroke(10, 10, 1).IsValid());
     CHECK_FALSE(brush.ContinueStroke(40, 10, 1).IsValid());
@@ -159,7 +159,7 @@ TEST_CASE("sizes that cannot be built paint nothing and are recovered from") {
     for (const char* profile : {"Soft", "Texture", "Feathered"}) {
         for (const int size : {-1, -7, minimum, maximum, 1 << 30, 70000, 5000}) {
             CAPTURE(size);
-            SourceValueOf(brush, 0).setString(profile);
+            SourceValueOf(brush, SourceParameter::ProfileName).setString(profile);
             brush.SetSize(size);
             brush.SetColour(whitePaint);
             brush.BeginStroke(10, 10, 1);
@@ -182,17 +182,19 @@ TEST_CASE("numbers that are none in every setting are survived") {
             brush.SetSourceType(sourceType);
             brush.SetBlendMode(sourceType);
             brush.SetMatchPath(true);
-            ValueOf(brush, 3).setDouble(odd);
-            ValueOf(brush, 4).setDouble(odd);
-            ValueOf(brush, 6).setBoolean(true);
-            SourceValueOf(brush, 3).setDouble(odd);
-            SourceValueOf(brush, 4).setFloat(static_cast<float>(std::isfinite(odd) ? 1e30 : odd));
-            SourceValueOf(brush, 5).setFloat(static_cast<float>(std::isfinite(odd) ? 1e30 : odd));
-            SourceValueOf(brush, 6).setDouble(odd);
-            SourceValueOf(brush, 7).setDoubleXY(odd, odd);
-            SourceValueOf(brush, 8).setEnumeration(2);
-            SourceValueOf(brush, 10).setInteger(0);
-            SourceValueOf(brush, 11).setInteger(0);
+            ValueOf(brush, BrushParameter::Opacity).setDouble(odd);
+            ValueOf(brush, BrushParameter::Decay).setDouble(odd);
+            ValueOf(brush, BrushParameter::AdjustSpacing).setBoolean(true);
+            SourceValueOf(brush, SourceParameter::Flatness).setDouble(odd);
+            SourceValueOf(brush, SourceParameter::Rotation)
+                .setFloat(static_cast<float>(std::isfinite(odd) ? 1e30 : odd));
+            SourceValueOf(brush, SourceParameter::Roundness)
+                .setFloat(static_cast<float>(std::isfinite(odd) ? 1e30 : odd));
+            SourceValueOf(brush, SourceParameter::Feather).setDouble(odd);
+            SourceValueOf(brush, SourceParameter::Offset).setDoubleXY(odd, odd);
+            SourceValueOf(brush, SourceParameter::Pickup).setEnumeration(2);
+            SourceValueOf(brush, SourceParameter::Rows).setInteger(0);
+            SourceValueOf(brush, SourceParameter::Columns).setInteger(0);
             brush.SetSize(2);
             brush.SetColour(whitePaint);
             brush.BeginStroke(10, 10, 1);

@@ -2,6 +2,7 @@
 
 #include <random>
 
+#include "chalkpane/brush/sources/source_types.h"
 #include "tests/chalkpane/brush/brush_fixture.h"
 #include "tests/reference/picture.h"
 #include "tests/reference/stroke_engine.h"
@@ -35,23 +36,23 @@ reference::StrokeSettings RandomSettings(Draw& draw) {
 }
 
 void Give(BasicBrush& brush, const reference::StrokeSettings& settings) {
-    ValueOf(brush, 1).setEnumeration(static_cast<std::uint8_t>(settings.sourceType));
-    ValueOf(brush, 3).setDouble(settings.opacity);
-    ValueOf(brush, 4).setDouble(settings.decay);
-    ValueOf(brush, 5).setDouble(settings.spacing);
-    ValueOf(brush, 6).setBoolean(settings.adjustSpacing);
-    ValueOf(brush, 7).setEnumeration(static_cast<std::uint8_t>(settings.spacingType));
-    ValueOf(brush, 8).setBoolean(settings.matchPath);
-    ValueOf(brush, 9).setBoolean(settings.buildUp);
-    ValueOf(brush, 12).setEnumeration(static_cast<std::uint8_t>(settings.blendMode));
+    ValueOf(brush, BrushParameter::SourceType).setEnumeration(static_cast<std::uint8_t>(settings.sourceType));
+    ValueOf(brush, BrushParameter::Opacity).setDouble(settings.opacity);
+    ValueOf(brush, BrushParameter::Decay).setDouble(settings.decay);
+    ValueOf(brush, BrushParameter::Spacing).setDouble(settings.spacing);
+    ValueOf(brush, BrushParameter::AdjustSpacing).setBoolean(settings.adjustSpacing);
+    ValueOf(brush, BrushParameter::SpacingType).setEnumeration(static_cast<std::uint8_t>(settings.spacingType));
+    ValueOf(brush, BrushParameter::MatchPath).setBoolean(settings.matchPath);
+    ValueOf(brush, BrushParameter::BuildUp).setBoolean(settings.buildUp);
+    ValueOf(brush, BrushParameter::BlendMode).setEnumeration(static_cast<std::uint8_t>(settings.blendMode));
 }
 
 std::unique_ptr<BrushSource> ReferenceSource(BasicBrush& brush, const reference::StrokeSettings& settings,
-                                             const Colour& paint, std::int32_t depth) {
+                                             const Colour& paint, Depth depth) {
     auto source = MakeBrushSource(static_cast<std::uint8_t>(settings.sourceType), FileName(), depth);
     for (const auto& value : brush.SourceValues()) source->setParameter(value.get());
     source->SetColour(paint);
-    source->Prepare(0, dynamic_cast<GraphValue*>(&ValueOf(brush, 10)), Matrix3());
+    source->Prepare(0, dynamic_cast<GraphValue*>(&ValueOf(brush, BrushParameter::ProfileGraph)), Matrix3());
     return source;
 }
 
@@ -63,7 +64,7 @@ TEST_CASE("random strokes leave the pixels and rectangles of the plain reference
         CAPTURE(seed);
         Draw draw{std::mt19937(seed)};
         const reference::StrokeSettings settings = RandomSettings(draw);
-        const std::int32_t depth = draw.Below(2);
+        const Depth depth = DepthOf(draw.Below(2));
         Image canvas = NewCanvas(48, 48, depth);
         reference::FillWithNoise(canvas, seed);
         canvas.Premultiply(canvas);
@@ -72,9 +73,10 @@ TEST_CASE("random strokes leave the pixels and rectangles of the plain reference
         BasicBrush brush("Reference");
         brush.SetTarget(&canvas);
         Give(brush, settings);
-        SourceValueOf(brush, 3).setDouble(draw.OneIn(2) ? 1.0 : draw.Between(0.3, 3.0));
-        SourceValueOf(brush, 4).setFloat(static_cast<float>(draw.Between(0, 90)));
-        SourceValueOf(brush, 8).setEnumeration(static_cast<std::uint8_t>(draw.OneIn(3) ? draw.Below(3) : 0));
+        SourceValueOf(brush, SourceParameter::Flatness).setDouble(draw.OneIn(2) ? 1.0 : draw.Between(0.3, 3.0));
+        SourceValueOf(brush, SourceParameter::Rotation).setFloat(static_cast<float>(draw.Between(0, 90)));
+        SourceValueOf(brush, SourceParameter::Pickup)
+            .setEnumeration(static_cast<std::uint8_t>(draw.OneIn(3) ? draw.Below(3) : 0));
         brush.SetSize(draw.Below(6));
         const Colour paint{static_cast<std::uint16_t>(draw.Below(16384)), static_cast<std::uint16_t>(draw.Below(16384)),
                            static_cast<std::uint16_t>(draw.Below(16384))};

@@ -53,17 +53,17 @@ TEST_CASE("the parameters of a brush stand in their order with their defaults") 
 
     BasicBrush brush("Chalk");
     std::string text;
-    ValueOf(brush, 0).getString(text);
+    ValueOf(brush, BrushParameter::Name).getString(text);
     CHECK_EQ(text, "Chalk");
-    ValueOf(brush, 13).getString(text);
+    ValueOf(brush, BrushParameter::Group).getString(text);
     CHECK_EQ(text, "Other");
     double number = 0;
-    ValueOf(brush, 5).getDouble(number);
+    ValueOf(brush, BrushParameter::Spacing).getDouble(number);
     CHECK_EQ(number, 0.15);
-    ValueOf(brush, 3).getDouble(number);
+    ValueOf(brush, BrushParameter::Opacity).getDouble(number);
     CHECK_EQ(number, 1.0);
     std::uint8_t index = 0;
-    ValueOf(brush, 7).getEnumeration(index);
+    ValueOf(brush, BrushParameter::SpacingType).getEnumeration(index);
     CHECK_EQ(index, 2);
 }
 
@@ -131,7 +131,7 @@ TEST_CASE("every dab fades the rest of the stroke by the square root of what dec
     const auto secondDab = [](double decay) {
         Image canvas = NewCanvas();
         BasicBrush brush("Pixel");
-        ValueOf(brush, 4).setDouble(decay);
+        ValueOf(brush, BrushParameter::Decay).setDouble(decay);
         brush.SetSpacing(3.0, 0);
         MakePixelBrush(brush, canvas);
         brush.BeginStroke(4.5, 4.5, 1);
@@ -150,7 +150,7 @@ TEST_CASE("every dab fades the rest of the stroke by the square root of what dec
 TEST_CASE("a new stroke has its whole opacity again") {
     Image canvas = NewCanvas();
     BasicBrush brush("Pixel");
-    ValueOf(brush, 4).setDouble(1.0);
+    ValueOf(brush, BrushParameter::Decay).setDouble(1.0);
     MakePixelBrush(brush, canvas);
     brush.BeginStroke(4.5, 4.5, 1);
     brush.BeginStroke(9.5, 4.5, 1);
@@ -164,7 +164,7 @@ TEST_CASE("opacity is the brush's times the pressure") {
     MakePixelBrush(brush, canvas);
     brush.BeginStroke(4.5, 4.5, 0.5);
     CHECK_EQ(Alpha(canvas, 4, 4), 126);
-    ValueOf(brush, 3).setDouble(0.5);
+    ValueOf(brush, BrushParameter::Opacity).setDouble(0.5);
     brush.Update();
     brush.BeginStroke(8.5, 4.5, 1);
     CHECK_EQ(Alpha(canvas, 8, 4), 126);
@@ -271,7 +271,7 @@ TEST_CASE("a brush that matches the path turns its dabs along the movement") {
         brush.SetTarget(&canvas);
         brush.SetMatchPath(true);
         brush.SetSpacing(3.0, 0);
-        SourceValueOf(brush, 3).setDouble(5.0);
+        SourceValueOf(brush, SourceParameter::Flatness).setDouble(5.0);
         brush.SetSize(5);
         brush.SetColour(whitePaint);
         brush.BeginStroke(30.5, 30.5, 1);
@@ -294,10 +294,10 @@ TEST_CASE("adjusted spacing takes the angle with the x difference first") {
     const auto dabs = [](double dx, double dy) {
         Image canvas = NewCanvas();
         BasicBrush brush("Chalk");
-        ValueOf(brush, 6).setBoolean(true);
+        ValueOf(brush, BrushParameter::AdjustSpacing).setBoolean(true);
         brush.SetSpacing(1.0, 0);
         brush.SetTarget(&canvas);
-        SourceValueOf(brush, 3).setDouble(2.0);
+        SourceValueOf(brush, SourceParameter::Flatness).setDouble(2.0);
         brush.SetSize(2);
         brush.SetColour(whitePaint);
         DabRecorder& recorder = Record(brush);
@@ -315,7 +315,7 @@ TEST_CASE("a pointer held still builds up only when asked, and only once its las
         CAPTURE(buildUp);
         Image canvas = NewCanvas();
         BasicBrush brush("Chalk");
-        ValueOf(brush, 9).setBoolean(buildUp);
+        ValueOf(brush, BrushParameter::BuildUp).setBoolean(buildUp);
         brush.SetSpacing(0.15, 0);
         brush.SetTarget(&canvas);
         brush.SetSize(20);
@@ -342,7 +342,7 @@ TEST_CASE("a pointer held still builds up only when asked, and only once its las
 TEST_CASE("build up compares samples as they are stored") {
     Image canvas = NewCanvas();
     BasicBrush brush("Chalk");
-    ValueOf(brush, 9).setBoolean(true);
+    ValueOf(brush, BrushParameter::BuildUp).setBoolean(true);
     brush.SetTarget(&canvas);
     brush.Update();
     brush.SetColour(whitePaint);
@@ -381,8 +381,8 @@ TEST_CASE("settings take hold at the next update, a size at once") {
     brush.BeginStroke(4.5, 4.5, 1);
     CHECK_EQ(Alpha(canvas, 4, 4), 0);
 
-    SourceValueOf(brush, 0).setString("Soft");
-    SourceValueOf(brush, 9).setEnumeration(0);
+    SourceValueOf(brush, SourceParameter::ProfileName).setString("Soft");
+    SourceValueOf(brush, SourceParameter::ProfileType).setEnumeration(0);
     brush.SetSize(3);
     CHECK_EQ(brush.BeginStroke(20.5, 20.5, 1).Width(), 7);
 }
@@ -452,10 +452,10 @@ TEST_CASE("a cutout outlives the picture it was made of") {
 TEST_CASE("a profile's name picks its type, and an unknown name keeps the type there was") {
     BasicBrush brush("Chalk");
     const auto typeAfter = [&](const char* name) {
-        SourceValueOf(brush, 0).setString(name);
+        SourceValueOf(brush, SourceParameter::ProfileName).setString(name);
         brush.Update();
         std::uint8_t type = 99;
-        SourceValueOf(brush, 9).getEnumeration(type);
+        SourceValueOf(brush, SourceParameter::ProfileType).getEnumeration(type);
         return static_cast<int>(type);
     };
     CHECK_EQ(typeAfter("Soft"), 0);
@@ -469,26 +469,27 @@ TEST_CASE("a profile's name picks its type, and an unknown name keeps the type t
 TEST_CASE("a preset stands before the built-in names and brings its mask or its graph") {
     BasicBrush brush("Chalk");
     GraphValue curve(&BasicBrush::ClassParameters()[10]);
-    ProfilePresets() = {{"Texture", 1, FileName("grain.png"), nullptr}, {"Curved", 0, FileName(), &curve}};
-    SourceValueOf(brush, 0).setString("Texture");
+    ProfilePresets() = {{"Texture", ProfileType::Image, FileName("grain.png"), nullptr},
+                        {"Curved", ProfileType::Graph, FileName(), &curve}};
+    SourceValueOf(brush, SourceParameter::ProfileName).setString("Texture");
     brush.Update();
     std::uint8_t type = 99;
-    SourceValueOf(brush, 9).getEnumeration(type);
+    SourceValueOf(brush, SourceParameter::ProfileType).getEnumeration(type);
     CHECK_EQ(type, 1);
     FileName mask;
-    FileNameValue::ask(SourceValueOf(brush, 1), mask);
+    FileNameValue::ask(SourceValueOf(brush, SourceParameter::ProfileMask), mask);
     CHECK_EQ(mask, FileName("grain.png"));
-    SourceValueOf(brush, 0).setString("Curved");
+    SourceValueOf(brush, SourceParameter::ProfileName).setString("Curved");
     brush.Update();
-    SourceValueOf(brush, 9).getEnumeration(type);
+    SourceValueOf(brush, SourceParameter::ProfileType).getEnumeration(type);
     CHECK_EQ(type, 0);
-    CHECK_EQ(ValueOf(brush, 10).getParent(), &curve);
-    ValueOf(brush, 10).setParent(nullptr);
+    CHECK_EQ(ValueOf(brush, BrushParameter::ProfileGraph).getParent(), &curve);
+    ValueOf(brush, BrushParameter::ProfileGraph).setParent(nullptr);
     ProfilePresets().clear();
 }
 
 TEST_CASE("a target of the other depth has its dabs in that depth") {
-    Image canvas = NewCanvas(64, 64, 1);
+    Image canvas = NewCanvas(64, 64, Depth::Fourteen);
     Image first = NewCanvas();
     BasicBrush brush("Pixel");
     MakePixelBrush(brush, first);
@@ -569,7 +570,7 @@ TEST_CASE("extra values are handed over once and read") {
     Image mask = NewMask();
     MaskingBrush brush(canvas, mask);
     const std::size_t before = brush.Values().size();
-    auto extra = DataSet::createValue(BasicBrush::ClassParameters().find(3), false, nullptr);
+    auto extra = DataSet::createValue(BasicBrush::ClassParameters().find(BrushParameter::Opacity), false, nullptr);
     extra->setDouble(0.5);
     brush.extraValues.push_back(std::move(extra));
     brush.Update();

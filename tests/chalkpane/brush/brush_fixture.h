@@ -12,26 +12,21 @@
 
 namespace chalkpane {
 
-// By code of the class's table.
-inline ParameterValue& ValueOf(BasicBrush& brush, std::uint8_t code) {
-    return *brush.Values().findValue(BasicBrush::ClassParameters().find(code));
-}
-inline ParameterValue& SourceValueOf(BasicBrush& brush, std::uint8_t code) {
-    return *brush.SourceValues().findValue(BrushSource::ClassParameters().find(code));
-}
+inline ParameterValue& ValueOf(BasicBrush& brush, BrushParameter code) { return *brush.Value(code); }
+inline ParameterValue& SourceValueOf(BasicBrush& brush, SourceParameter code) { return *brush.SourceValue(code); }
 
 constexpr Colour whitePaint{16383, 16383, 16383};
 
 // A canvas of 8 bits as the plug-in has it.
-inline Image NewCanvas(std::int32_t width = 64, std::int32_t height = 64, std::int32_t depth = 0) {
-    return {width, height, ImageDefinition::colourType, depth, std::uint8_t{1}};
+inline Image NewCanvas(std::int32_t width = 64, std::int32_t height = 64, Depth depth = Depth::Eight) {
+    return Image::Colour(width, height, depth, AlphaForm::Premultiplied);
 }
 
 // A white brush whose dab is one whole pixel: the pixel that the dab's place lies in. On an empty canvas such a dab
 // leaves (255 * w) >> 16 in all channels, w being 256 * op: 254 at full opacity, where op is 255.
 inline void MakePixelBrush(BasicBrush& brush, Image& canvas) {
     brush.SetTarget(&canvas);
-    SourceValueOf(brush, 0).setString("OnePixel");
+    SourceValueOf(brush, SourceParameter::ProfileName).setString("OnePixel");
     brush.Update();
     brush.SetColour(whitePaint);
 }

@@ -27,23 +27,25 @@ int Around(const Image& mask, std::int32_t c, std::int32_t xx, std::int32_t yy) 
 }
 
 int GraphAt(const DabShape& shape, std::int32_t xx, std::int32_t yy) {
-    const GraphBrushProfile profile(shape, Matrix3(), 0, nullptr);
+    const GraphBrushProfile profile(shape, Matrix3(), Depth::Eight, nullptr);
     return Around(*profile.BaseMask(), shape.radius + shape.margin, xx, yy);
 }
 
 int FeatherAt(const DabShape& shape, double hardness, std::int32_t xx, std::int32_t yy) {
-    const FeatherBrushProfile profile(shape, Matrix3(), 0, hardness);
+    const FeatherBrushProfile profile(shape, Matrix3(), Depth::Eight, hardness);
     return Around(*profile.BaseMask(), shape.radius + shape.margin, xx, yy);
 }
 
 std::unique_ptr<RoundBrushProfile> Cone(const DabShape& shape) {
-    auto cone = std::make_unique<RoundBrushProfile>(Matrix3(), 0);
+    auto cone = std::make_unique<RoundBrushProfile>(Matrix3(), Depth::Eight);
     cone->Prepare(shape, Matrix3());
     return cone;
 }
 
 // Of radius 2: side 5, and the dab's point 2.5 from the lower left corner.
-GraphBrushProfile Small(const Matrix3& matrix = Matrix3()) { return {{2, 1.0, 0.0, 1.0, 0}, matrix, 0, nullptr}; }
+GraphBrushProfile Small(const Matrix3& matrix = Matrix3()) {
+    return {{2, 1.0, 0.0, 1.0, 0}, matrix, Depth::Eight, nullptr};
+}
 
 // Straight lines from point to point.
 GraphValue GraphOf(std::initializer_list<DoublePair> points) {
@@ -75,9 +77,9 @@ bool EqualsGrid(const Image& mask, const reference::MaskGrid& grid) {
 // w = (0 + 0) * 2 + 1, and one more for speckle. The middle has q = 0, t = 1.
 TEST_CASE("A radius of 0 gives one pixel, or two by two for speckle") {
     const DabShape point{0, 1.0, 0.0, 1.0, 0};
-    const GraphBrushProfile graph(point, Matrix3(), 0, nullptr);
-    const FeatherBrushProfile feather(point, Matrix3(), 0, 0.5);
-    const TextureBrushProfile texture(point, Matrix3(), 0);
+    const GraphBrushProfile graph(point, Matrix3(), Depth::Eight, nullptr);
+    const FeatherBrushProfile feather(point, Matrix3(), Depth::Eight, 0.5);
+    const TextureBrushProfile texture(point, Matrix3(), Depth::Eight);
     CHECK(graph.BaseMask()->Bounds() == Rect(0, 0, 0, 0));
     CHECK(feather.BaseMask()->Bounds() == Rect(0, 0, 0, 0));
     CHECK(texture.BaseMask()->Bounds() == Rect(0, 0, 1, 1));
@@ -121,7 +123,7 @@ TEST_CASE("Rotation turns the dab clockwise") {
 
 // The side grows by twice the margin; the radius of the shape does not.
 TEST_CASE("A margin surrounds the shape") {
-    const GraphBrushProfile profile({2, 1.0, 0.0, 1.0, 3}, Matrix3(), 0, nullptr);
+    const GraphBrushProfile profile({2, 1.0, 0.0, 1.0, 3}, Matrix3(), Depth::Eight, nullptr);
     CHECK(profile.BaseMask()->Bounds() == Rect(0, 0, 10, 10));
     CHECK_EQ(Around(*profile.BaseMask(), 5, 1, 1), 111);
     CHECK_EQ(Around(*profile.BaseMask(), 5, 3, 0), 0);
@@ -161,7 +163,7 @@ TEST_CASE("A feather of hardness 1 ends in a pixel of 0 where q is 1") {
 // sqrt(1 + 1 / 9). The generator from seed 0: state 2531011, answer 38, n = 0.00116, n * n * 255 + 0.5 = 0.50; then
 // 7719 (14.65), 21238 (107.63), 2437 (1.91).
 TEST_CASE("Speckle draws its numbers inside the shape alone, the bottom row first") {
-    const TextureBrushProfile profile({1, 1.0, 0.0, 1.0, 0}, Matrix3(), 0);
+    const TextureBrushProfile profile({1, 1.0, 0.0, 1.0, 0}, Matrix3(), Depth::Eight);
     const Image& mask = *profile.BaseMask();
     CHECK(mask.Bounds() == Rect(0, 0, 3, 3));
     CHECK_EQ(ValuesAt(mask, 1, 1)[0], 0);
@@ -176,14 +178,14 @@ TEST_CASE("Speckle draws its numbers inside the shape alone, the bottom row firs
 TEST_CASE("Two speckles of one size are the same, and leave the generator the same") {
     const DabShape shape{1, 1.0, 0.0, 1.0, 0};
     SeedRandom(99);
-    const TextureBrushProfile first(shape, Matrix3(), 0);
+    const TextureBrushProfile first(shape, Matrix3(), Depth::Eight);
     CHECK_EQ(Random(), 8855);
     SeedRandom(7);
-    const TextureBrushProfile second(shape, Matrix3(), 0);
+    const TextureBrushProfile second(shape, Matrix3(), Depth::Eight);
     CHECK_EQ(Random(), 8855);
     CHECK(Shares(first.BaseMask(), second.BaseMask()));
     ProfileCache::Shared()->Clear();
-    const TextureBrushProfile drawnAnew(shape, Matrix3(), 0);
+    const TextureBrushProfile drawnAnew(shape, Matrix3(), Depth::Eight);
     CHECK_FALSE(Shares(first.BaseMask(), drawnAnew.BaseMask()));
     CHECK_EQ(Random(), 8855);
     CHECK_EQ(ValuesAt(*drawnAnew.BaseMask(), 1, 2)[0], 107);
@@ -191,20 +193,20 @@ TEST_CASE("Two speckles of one size are the same, and leave the generator the sa
 
 // 111 * 64 + 111 / 4 = 7131.
 TEST_CASE("At 14 bits a mask is the 8-bit one widened") {
-    const GraphBrushProfile profile({2, 1.0, 0.0, 1.0, 0}, Matrix3(), 1, nullptr);
+    const GraphBrushProfile profile({2, 1.0, 0.0, 1.0, 0}, Matrix3(), Depth::Fourteen, nullptr);
     CHECK_EQ(profile.BaseMask()->depth, 1);
     CHECK_EQ(Around(*profile.BaseMask(), 2, 1, 1), 7131);
 }
 
 TEST_CASE("A graph profile follows its graph and shows it") {
     GraphValue graph = GraphOf({{0.0, 0.5}, {1.0, 0.5}});
-    const GraphBrushProfile profile({2, 1.0, 0.0, 1.0, 0}, Matrix3(), 0, &graph);
+    const GraphBrushProfile profile({2, 1.0, 0.0, 1.0, 0}, Matrix3(), Depth::Eight, &graph);
     CHECK_EQ(profile.GetGraph(), &graph);
     // 0.5 * 255 + 0.5 = 128 inside; 0 in the corner, where t is below 0.
     CHECK_EQ(Around(*profile.BaseMask(), 2, 0, 0), 128);
     CHECK_EQ(Around(*profile.BaseMask(), 2, 1, 1), 128);
     CHECK_EQ(Around(*profile.BaseMask(), 2, 2, 2), 0);
-    const FeatherBrushProfile feather({2, 1.0, 0.0, 1.0, 0}, Matrix3(), 0, 0.5);
+    const FeatherBrushProfile feather({2, 1.0, 0.0, 1.0, 0}, Matrix3(), Depth::Eight, 0.5);
     CHECK_EQ(feather.GetGraph(), nullptr);
 }
 
@@ -212,7 +214,7 @@ TEST_CASE("A graph profile follows its graph and shows it") {
 // 127 is the low byte. One pixel aside the curve is limited: t = 0.6, at least the line 0.9, so 230 or more.
 TEST_CASE("A point of the graph above 1 stores the low byte of its coverage") {
     GraphValue graph = GraphOf({{0.0, 0.0}, {1.0, 1.5}});
-    const GraphBrushProfile profile({2, 1.0, 0.0, 1.0, 0}, Matrix3(), 0, &graph);
+    const GraphBrushProfile profile({2, 1.0, 0.0, 1.0, 0}, Matrix3(), Depth::Eight, &graph);
     CHECK_EQ(Around(*profile.BaseMask(), 2, 0, 0), 127);
     CHECK_GE(Around(*profile.BaseMask(), 2, 1, 0), 229);
 }
@@ -221,7 +223,7 @@ TEST_CASE("A point of the graph above 1 stores the low byte of its coverage") {
 TEST_CASE("A stepped graph makes steps") {
     GraphValue graph = GraphOf({{0.0, 0.25}, {1.0, 1.0}});
     graph.list().stepped = true;
-    const GraphBrushProfile profile({2, 1.0, 0.0, 1.0, 0}, Matrix3(), 0, &graph);
+    const GraphBrushProfile profile({2, 1.0, 0.0, 1.0, 0}, Matrix3(), Depth::Eight, &graph);
     CHECK_EQ(Around(*profile.BaseMask(), 2, 1, 0), 64);
     CHECK_EQ(Around(*profile.BaseMask(), 2, 0, 0), 255);
 }
@@ -230,14 +232,14 @@ TEST_CASE("A graph that inherits gives its parent's curve") {
     GraphValue parent = GraphOf({{0.0, 0.5}});
     GraphValue graph{ShapePointList()};
     graph.setParent(&parent);
-    const GraphBrushProfile profile({2, 1.0, 0.0, 1.0, 0}, Matrix3(), 0, &graph);
+    const GraphBrushProfile profile({2, 1.0, 0.0, 1.0, 0}, Matrix3(), Depth::Eight, &graph);
     CHECK_EQ(Around(*profile.BaseMask(), 2, 1, 0), 128);
 }
 
 // A quarter of a pixel to the right, one pixel of 255 spreads over two: read at 0.25 and 0.75 from the new centres, so
 // 192 * 255 / 256 = 191 and 64 * 255 / 256 = 63, truncated.
 TEST_CASE("The shifted copies are eighths of a pixel in x, then in y") {
-    const GraphBrushProfile profile({0, 1.0, 0.0, 1.0, 0}, Matrix3(), 0, nullptr);
+    const GraphBrushProfile profile({0, 1.0, 0.0, 1.0, 0}, Matrix3(), Depth::Eight, nullptr);
     CHECK(profile.Shifted(0, 0)->Bounds() == Rect(0, 0, 0, 0));
     REQUIRE(profile.Shifted(2, 0)->Bounds() == Rect(0, 0, 1, 0));
     CHECK_EQ(ValuesAt(*profile.Shifted(2, 0), 0, 0)[0], 191);
@@ -282,7 +284,7 @@ TEST_CASE("An angle of up to 0.0001 degrees does not turn a mask") {
 // turn swaps the two, but for positions that are held in 1/65536 and read in 1/256 of a pixel, which costs a few
 // levels.
 TEST_CASE("A turned mask is turned clockwise about the middle of its copy") {
-    GraphBrushProfile profile({3, 2.0, 0.0, 1.0, 0}, Matrix3(), 0, nullptr);
+    GraphBrushProfile profile({3, 2.0, 0.0, 1.0, 0}, Matrix3(), Depth::Eight, nullptr);
     const auto quarter = profile.GetMask(3.5, 3.5, 90.0);
     CHECK_GT(Around(*quarter, 3, 2, 0), 105);
     CHECK_LT(Around(*quarter, 3, 0, 2), 5);
@@ -322,7 +324,7 @@ TEST_CASE("The matrix moves the position and the offset of a mask") {
 }
 
 TEST_CASE("A profile of one pixel is a full square that is never turned") {
-    OnePixelBrushProfile pixel(0, Matrix3::Scaling(2.0, 2.0), 1);
+    OnePixelBrushProfile pixel(0, Matrix3::Scaling(2.0, 2.0), Depth::Fourteen);
     Rect rect;
     pixel.GetRect(rect);
     CHECK(rect == Rect(0, 0, 0, 0));
@@ -330,7 +332,7 @@ TEST_CASE("A profile of one pixel is a full square that is never turned") {
     CHECK(mask->Bounds() == Rect(21, 6, 21, 6));
     CHECK_EQ(ValuesAt(*mask, 21, 6)[0], 16383);
     CHECK(pixel.GetMaskFast(10.7, -0.5)->Bounds() == Rect(10, 0, 10, 0));
-    OnePixelBrushProfile square(2, Matrix3(), 0);
+    OnePixelBrushProfile square(2, Matrix3(), Depth::Eight);
     const auto large = square.GetMask(10.7, 3.2, 0.0);  // 8.7 and 1.2
     REQUIRE(large->Bounds() == Rect(8, 1, 12, 5));
     for (std::int32_t y = 1; y <= 5; ++y)
@@ -339,10 +341,10 @@ TEST_CASE("A profile of one pixel is a full square that is never turned") {
 
 TEST_CASE("A shape without pixels, or one beyond the largest, has no masks") {
     for (const std::int32_t radius : {-1, -100, 1025, largest, std::numeric_limits<std::int32_t>::min()}) {
-        GraphBrushProfile graph({radius, 1.0, 0.0, 1.0, 0}, Matrix3(), 0, nullptr);
-        FeatherBrushProfile feather({radius, 1.0, 0.0, 1.0, 0}, Matrix3(), 0, 0.5);
-        TextureBrushProfile texture({radius, 1.0, 0.0, 1.0, 0}, Matrix3(), 0);
-        OnePixelBrushProfile pixel(radius, Matrix3(), 0);
+        GraphBrushProfile graph({radius, 1.0, 0.0, 1.0, 0}, Matrix3(), Depth::Eight, nullptr);
+        FeatherBrushProfile feather({radius, 1.0, 0.0, 1.0, 0}, Matrix3(), Depth::Eight, 0.5);
+        TextureBrushProfile texture({radius, 1.0, 0.0, 1.0, 0}, Matrix3(), Depth::Eight);
+        OnePixelBrushProfile pixel(radius, Matrix3(), Depth::Eight);
         for (BrushProfile* profile : std::initializer_list<BrushProfile*>{&graph, &feather, &texture, &pixel}) {
             Rect rect(1, 2, 3, 4);
             profile->GetRect(rect);
@@ -351,9 +353,9 @@ TEST_CASE("A shape without pixels, or one beyond the largest, has no masks") {
             CHECK_FALSE(profile->GetMaskFast(10.0, 10.0));
         }
     }
-    const GraphBrushProfile overflowing({largest, 1.0, 0.0, 1.0, largest}, Matrix3(), 0, nullptr);
+    const GraphBrushProfile overflowing({largest, 1.0, 0.0, 1.0, largest}, Matrix3(), Depth::Eight, nullptr);
     CHECK_FALSE(overflowing.BaseMask());
-    const RoundBrushProfile unprepared(Matrix3(), 0);
+    const RoundBrushProfile unprepared(Matrix3(), Depth::Eight);
     CHECK_FALSE(unprepared.BaseMask());
 }
 
@@ -364,9 +366,9 @@ TEST_CASE("Numbers that are none make masks that can be had") {
     for (const double number : hostile) {
         for (const DabShape& shape : {DabShape{3, number, 0.0, 1.0, 0}, DabShape{3, 1.0, number, 1.0, 0},
                                       DabShape{3, 1.0, 0.0, number, 0}, DabShape{3, number, number, number, 2}}) {
-            CHECK(GraphBrushProfile(shape, Matrix3(), 0, nullptr).BaseMask());
-            CHECK(FeatherBrushProfile(shape, Matrix3(), 0, number).BaseMask());
-            CHECK(TextureBrushProfile(shape, Matrix3(), 1).BaseMask());
+            CHECK(GraphBrushProfile(shape, Matrix3(), Depth::Eight, nullptr).BaseMask());
+            CHECK(FeatherBrushProfile(shape, Matrix3(), Depth::Eight, number).BaseMask());
+            CHECK(TextureBrushProfile(shape, Matrix3(), Depth::Fourteen).BaseMask());
             CHECK(Cone(shape)->BaseMask());
         }
     }
@@ -374,7 +376,7 @@ TEST_CASE("Numbers that are none make masks that can be had") {
 
 TEST_CASE("A mask that cannot be placed is not there") {
     auto profile = Small();
-    OnePixelBrushProfile pixel(0, Matrix3(), 0);
+    OnePixelBrushProfile pixel(0, Matrix3(), Depth::Eight);
     for (const double far : {notANumber, std::numeric_limits<double>::infinity(), 1e300, -1e300, 1.1e9}) {
         CHECK_FALSE(profile.GetMask(far, 0.0, 0.0));
         CHECK_FALSE(profile.GetMask(0.0, far, 30.0));
@@ -400,7 +402,7 @@ TEST_CASE("Masks equal the plain reference for shapes of all kinds") {
                              random() % 4 == 0 ? 1.0 : real(-0.1, 2.0), static_cast<std::int32_t>(random() % 3)};
         const reference::Shape plain{shape.radius, shape.flatness, shape.rotation, shape.roundness, shape.margin};
         const double hardness = random() % 5 == 0 ? 1.0 : real(0.0, 1.0);
-        const auto depth = static_cast<std::int32_t>(random() % 2);
+        const Depth depth = random() % 2 == 0 ? Depth::Eight : Depth::Fourteen;
         ShapePointList curve;
         curve.insert(real(0.0, 1.0), real(0.0, 1.0));
         curve[0].setOutHandle(real(0.0, 0.5), real(0.0, 1.0));

@@ -25,8 +25,8 @@ const ImageBuffer* PixelsOf(const RoundBrushProfile& profile) { return profile.B
 }  // namespace
 
 TEST_CASE("Profiles that are alike share their masks, wherever they lie") {
-    const GraphBrushProfile first(plainShape, Matrix3(), 0, nullptr);
-    const GraphBrushProfile again(plainShape, Matrix3::Translation(5.0, 6.0), 0, nullptr);
+    const GraphBrushProfile first(plainShape, Matrix3(), Depth::Eight, nullptr);
+    const GraphBrushProfile again(plainShape, Matrix3::Translation(5.0, 6.0), Depth::Eight, nullptr);
     CHECK_EQ(PixelsOf(first), PixelsOf(again));
     CHECK_EQ(first.Shifted(3, 5)->buffer, again.Shifted(3, 5)->buffer);
 }
@@ -35,27 +35,27 @@ TEST_CASE("Whatever shapes a mask tells profiles apart") {
     ShapePointList curve;
     curve.insert(0.5, 0.25);
     GraphValue graph(curve);
-    const GraphBrushProfile plain(plainShape, Matrix3(), 0, nullptr);
-    const GraphBrushProfile others[] = {{{5, 1.0, 0.0, 1.0, 0}, Matrix3(), 0, nullptr},
-                                        {{4, 1.5, 0.0, 1.0, 0}, Matrix3(), 0, nullptr},
-                                        {{4, 1.0, 9.0, 1.0, 0}, Matrix3(), 0, nullptr},
-                                        {{4, 1.0, 0.0, 0.5, 0}, Matrix3(), 0, nullptr},
-                                        {{4, 1.0, 0.0, 1.0, 1}, Matrix3(), 0, nullptr},
-                                        {plainShape, Matrix3(), 1, nullptr},
-                                        {plainShape, Matrix3(), 0, &graph}};
+    const GraphBrushProfile plain(plainShape, Matrix3(), Depth::Eight, nullptr);
+    const GraphBrushProfile others[] = {{{5, 1.0, 0.0, 1.0, 0}, Matrix3(), Depth::Eight, nullptr},
+                                        {{4, 1.5, 0.0, 1.0, 0}, Matrix3(), Depth::Eight, nullptr},
+                                        {{4, 1.0, 9.0, 1.0, 0}, Matrix3(), Depth::Eight, nullptr},
+                                        {{4, 1.0, 0.0, 0.5, 0}, Matrix3(), Depth::Eight, nullptr},
+                                        {{4, 1.0, 0.0, 1.0, 1}, Matrix3(), Depth::Eight, nullptr},
+                                        {plainShape, Matrix3(), Depth::Fourteen, nullptr},
+                                        {plainShape, Matrix3(), Depth::Eight, &graph}};
     for (const auto& other : others) CHECK_NE(PixelsOf(plain), PixelsOf(other));
-    const FeatherBrushProfile feather(plainShape, Matrix3(), 0, 0.5);
+    const FeatherBrushProfile feather(plainShape, Matrix3(), Depth::Eight, 0.5);
     CHECK_NE(PixelsOf(feather), PixelsOf(plain));
-    CHECK_NE(PixelsOf(feather), PixelsOf(FeatherBrushProfile(plainShape, Matrix3(), 0, 0.25)));
-    CHECK_NE(PixelsOf(feather), PixelsOf(TextureBrushProfile(plainShape, Matrix3(), 0)));
+    CHECK_NE(PixelsOf(feather), PixelsOf(FeatherBrushProfile(plainShape, Matrix3(), Depth::Eight, 0.25)));
+    CHECK_NE(PixelsOf(feather), PixelsOf(TextureBrushProfile(plainShape, Matrix3(), Depth::Eight)));
 }
 
 TEST_CASE("A graph that is changed makes new masks and leaves the old ones") {
     GraphValue graph{ShapePointList()};
-    const GraphBrushProfile before(plainShape, Matrix3(), 0, &graph);
+    const GraphBrushProfile before(plainShape, Matrix3(), Depth::Eight, &graph);
     const auto middle = before.BaseMask()->GetMaskEdge8(4, 4, edgeTransparent);
     graph.list().clear();
-    const GraphBrushProfile after(plainShape, Matrix3(), 0, &graph);
+    const GraphBrushProfile after(plainShape, Matrix3(), Depth::Eight, &graph);
     CHECK_NE(PixelsOf(before), PixelsOf(after));
     CHECK_EQ(after.BaseMask()->GetMaskEdge8(4, 4, edgeTransparent), 0);  // an empty curve answers 0
     CHECK_EQ(before.BaseMask()->GetMaskEdge8(4, 4, edgeTransparent), middle);
@@ -65,9 +65,9 @@ TEST_CASE("A graph that is changed makes new masks and leaves the old ones") {
 TEST_CASE("The last profile takes the cache and all images with it") {
     const std::int32_t before = Image::LivingImages();
     {
-        const GraphBrushProfile profile(plainShape, Matrix3(), 0, nullptr);
+        const GraphBrushProfile profile(plainShape, Matrix3(), Depth::Eight, nullptr);
         CHECK_EQ(Image::LivingImages(), before + 65);
-        const GraphBrushProfile sharing(plainShape, Matrix3(), 0, nullptr);
+        const GraphBrushProfile sharing(plainShape, Matrix3(), Depth::Eight, nullptr);
         CHECK_EQ(Image::LivingImages(), before + 65);
     }
     CHECK_EQ(Image::LivingImages(), before);
@@ -75,9 +75,9 @@ TEST_CASE("The last profile takes the cache and all images with it") {
 
 TEST_CASE("Whoever holds the cache keeps it between two profiles") {
     const auto cache = ProfileCache::Shared();
-    const ImageBuffer* pixels = PixelsOf(GraphBrushProfile(plainShape, Matrix3(), 0, nullptr));
+    const ImageBuffer* pixels = PixelsOf(GraphBrushProfile(plainShape, Matrix3(), Depth::Eight, nullptr));
     CHECK_EQ(cache->Size(), 1);
-    CHECK_EQ(PixelsOf(GraphBrushProfile(plainShape, Matrix3(), 0, nullptr)), pixels);
+    CHECK_EQ(PixelsOf(GraphBrushProfile(plainShape, Matrix3(), Depth::Eight, nullptr)), pixels);
     CHECK_EQ(cache->Size(), 1);
     cache->Clear();
     CHECK_EQ(cache->Size(), 0);
@@ -118,7 +118,7 @@ TEST_CASE("The cache is bounded in bytes") {
 
 TEST_CASE("Masks that nobody could build are not kept") {
     const auto cache = ProfileCache::Shared();
-    const GraphBrushProfile none({-1, 1.0, 0.0, 1.0, 0}, Matrix3(), 0, nullptr);
+    const GraphBrushProfile none({-1, 1.0, 0.0, 1.0, 0}, Matrix3(), Depth::Eight, nullptr);
     CHECK_EQ(cache->Size(), 0);
 }
 

@@ -1,4 +1,6 @@
-#include "chalkpane/brush/sources/brush_source.h"
+#include "chalkpane/brush/sources/cutout_brush_source.h"
+#include "chalkpane/brush/sources/image_brush_source.h"
+#include "chalkpane/brush/sources/source_types.h"
 
 #include <doctest/doctest.h>
 
@@ -19,7 +21,7 @@ using Values = SourceValues;
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 std::unique_ptr<BrushSource> Source(std::uint8_t type, const Values& values = Values()) {
-    auto source = MakeBrushSource(type, FileName(), 0);
+    auto source = MakeBrushSource(type, FileName(), Depth::Eight);
     values.SetUp(*source);
     return source;
 }
@@ -67,26 +69,62 @@ TEST_CASE("A source declares its thirteen parameters in order") {
 TEST_CASE("The defaults are a round, soft brush of radius 20 in one frame") {
     const Values values;
     std::string name;
-    values[Values::profileName].getString(name);
+    values[SourceParameter::ProfileName].getString(name);
     CHECK_EQ(name, "Soft");
     std::int32_t number = 0;
-    values[Values::size].getInteger(number);
+    values[SourceParameter::Size].getInteger(number);
     CHECK_EQ(number, 20);
-    values[Values::rows].getInteger(number);
+    values[SourceParameter::Rows].getInteger(number);
     CHECK_EQ(number, 1);
-    values[Values::columns].getInteger(number);
+    values[SourceParameter::Columns].getInteger(number);
     CHECK_EQ(number, 1);
     float roundness = 0.0F;
-    values[Values::roundness].getFloat(roundness);
+    values[SourceParameter::Roundness].getFloat(roundness);
     CHECK_EQ(roundness, 1.0F);
     CHECK_EQ(Source(0)->GetSize(), 41.0);
 }
 
-TEST_CASE("Three names stand for profile types and all others leave the type") {
-    CHECK_EQ(ProfileTypeOfName("Texture", 0), 3);
-    CHECK_EQ(ProfileTypeOfName("Feathered", 0), 4);
-    CHECK_EQ(ProfileTypeOfName("OnePixel", 0), 2);
-    for (const char* name : {"Soft", "texture", "Texture ", "", "Graph"}) CHECK_EQ(ProfileTypeOfName(name, 1), 1);
+TEST_CASE("Three names stand for profile types and all others for none") {
+    CHECK(ProfileTypeOfName("Texture") == ProfileType::Texture);
+    CHECK(ProfileTypeOfName("Feathered") == ProfileType::Feather);
+    CHECK(ProfileTypeOfName("OnePixel") == ProfileType::OnePixel);
+    for (const char* name : {"Soft", "texture", "Texture ", "", "Graph"}) CHECK_FALSE(ProfileTypeOfName(name));
+}
+
+TEST_CASE("Choices have the values that parameters store") {
+    CHECK_EQ(static_cast<int>(SourceType::Eraser), 5);
+    CHECK_EQ(static_cast<int>(SpacingType::Shorten), 2);
+    CHECK_EQ(static_cast<int>(PickupMode::EveryDab), 2);
+    CHECK_EQ(static_cast<int>(ProfileType::OnePixel), 2);
+    CHECK_EQ(static_cast<int>(ProfileType::Feather), 4);
+    CHECK_EQ(static_cast<int>(SelectionPolicy::ForwardAndBack), 2);
+    CHECK_EQ(static_cast<int>(BrushParameter::Group), 13);
+    CHECK_EQ(static_cast<int>(SourceParameter::SelectionPolicy), 12);
+}
+
+TEST_CASE("Codes name the parameters of the tables they stand for") {
+    CHECK_EQ(BrushSource::ClassParameters().find(SourceParameter::Size)->name, "Brush Size");
+    CHECK_EQ(BrushSource::ClassParameters().find(SourceParameter::ProfileType)->name, "Brush Preset Type");
+    CHECK_EQ(BrushSource::ClassParameters().find(SourceParameter::SelectionPolicy)->name, "Brush Selection Policy");
+}
+
+TEST_CASE("The table of sources is in the order of stored values and says what each is given and how it is pasted") {
+    const auto rows = SourceTypes();
+    REQUIRE_EQ(rows.size(), 9);
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        CAPTURE(i);
+        CHECK_EQ(static_cast<std::size_t>(rows[i].type), i);
+        const auto source = rows[i].make(FileName(), Depth::Eight);
+        const bool reads = dynamic_cast<const ImageBrushSource*>(source.get()) != nullptr;
+        const bool cuts = dynamic_cast<const CutoutBrushSource*>(source.get()) != nullptr;
+        CHECK_EQ(rows[i].needs == SourceNeeds::Picture, reads);
+        CHECK_EQ(rows[i].needs == SourceNeeds::CutoutFile, cuts);
+        CHECK_EQ(rows[i].behaviour == PasteBehaviour::Replace, i == 6 || i == 7);
+        CHECK_EQ(rows[i].name.empty(), i > 6);
+        CHECK_EQ(&SourceTypeOf(static_cast<std::uint8_t>(i)), &rows[i]);
+    }
+    CHECK_EQ(&SourceTypeOf(9), &rows[0]);
+    CHECK_EQ(&SourceTypeOf(255), &rows[0]);
 }
 
 TEST_CASE("The source type picks the class and its flag") {
@@ -104,7 +142,7 @@ TEST_CASE("The source type picks the class and its flag") {
         {9, true, true, false, true},    {255, true, true, false, true}};
     for (const Row& row : rows) {
         CAPTURE(static_cast<int>(row.type));
-        const auto source = MakeBrushSource(row.type, FileName(), 0);
+        const auto source = MakeBrushSource(row.type, FileName(), Depth::Eight);
         CHECK_EQ(source->MaskSameAsPaint(), row.sameAsPaint);
         CHECK_EQ(source->CanErase(), row.canErase);
         CHECK_EQ(source->IsEraser(), row.isEraser);
@@ -116,7 +154,7 @@ TEST_CASE("The source type picks the class and its flag") {
 TEST_CASE("Types 1, 4 and 8 read at the offset, 2, 6 and 7 under the dab") {
     const Image picture = MapPicture(5, 5);
     const auto values = [] { return std::make_unique<Values>(); }();
-    values->Choice(Values::profileType, 2).Offset(1.0, 0.0);
+    values->Choice(SourceParameter::ProfileType, 2).Offset(1.0, 0.0);
     for (const std::uint8_t type : Bytes{1, 2, 4, 6, 7, 8}) {
         const auto source = Source(type, *values);
         source->SetSourceImage(&picture);
@@ -131,9 +169,9 @@ TEST_CASE("The profile type picks the profile, and a mask image goes before it")
     });
     const auto rectOf = [](std::uint8_t type, const Image* maskImage) {
         Values values;
-        values.Integer(Values::size, 3).Choice(Values::profileType, type);
-        static_cast<FileNameValue&>(values[Values::profileMask]).setFileName(FileName("leaf"));
-        const auto source = MakeBrushSource(0, FileName(), 0);
+        values.Integer(SourceParameter::Size, 3).Choice(SourceParameter::ProfileType, type);
+        static_cast<FileNameValue&>(values[SourceParameter::ProfileMask]).setFileName(FileName("leaf"));
+        const auto source = MakeBrushSource(0, FileName(), Depth::Eight);
         source->SetMaskImage(maskImage);
         values.SetUp(*source);
         Rect rect;
@@ -154,33 +192,33 @@ TEST_CASE("The profile type picks the profile, and a mask image goes before it")
 // Feather 0.5 at radius 2 is full one pixel aside, the graph is 153 there.
 TEST_CASE("The settings of a source reach its profile") {
     Values values;
-    values.Integer(Values::size, 2).Choice(Values::profileType, 4);
-    values[Values::feather].setDouble(0.5);
+    values.Integer(SourceParameter::Size, 2).Choice(SourceParameter::ProfileType, 4);
+    values[SourceParameter::Feather].setDouble(0.5);
     auto source = Source(0, values);
     CHECK_EQ(ValuesAt(*source->MakePlainMask(2.0, 2.0), 3, 2)[0], 255);
-    values.Choice(Values::profileType, 0);
+    values.Choice(SourceParameter::ProfileType, 0);
     CHECK_EQ(ValuesAt(*Source(0, values)->MakePlainMask(2.0, 2.0), 3, 2)[0], 153);
-    values[Values::flatness].setDouble(2.0);
+    values[SourceParameter::Flatness].setDouble(2.0);
     CHECK_EQ(ValuesAt(*Source(0, values)->MakePlainMask(2.0, 2.0), 3, 2)[0], 51);
-    values[Values::rotation].setFloat(90.0F);
+    values[SourceParameter::Rotation].setFloat(90.0F);
     CHECK_EQ(ValuesAt(*Source(0, values)->MakePlainMask(2.0, 2.0), 3, 2)[0], 153);
-    values[Values::flatness].setDouble(1.0);
-    values[Values::roundness].setFloat(2.0F);
+    values[SourceParameter::Flatness].setDouble(1.0);
+    values[SourceParameter::Roundness].setFloat(2.0F);
     CHECK_EQ(ValuesAt(*Source(0, values)->MakePlainMask(2.0, 2.0), 3, 3)[0], 51);
 }
 
 TEST_CASE("A one-pixel profile makes the size 0") {
     Values values;
-    values.Integer(Values::size, 7).Choice(Values::profileType, 2);
+    values.Integer(SourceParameter::Size, 7).Choice(SourceParameter::ProfileType, 2);
     CHECK_EQ(Source(0, values)->GetSize(), 1.0);
     CHECK_EQ(Source(0, values)->GetSizeInDirection(1.0), doctest::Approx(1.0).epsilon(1e-12));
 }
 
 TEST_CASE("A margin widens the dab, and is the radius of a one-pixel profile") {
     for (const std::uint8_t type : Bytes{0, 2}) {
-        const auto source = MakeBrushSource(0, FileName(), 0);
+        const auto source = MakeBrushSource(0, FileName(), Depth::Eight);
         Values values;
-        values.Integer(Values::size, 1).Choice(Values::profileType, type).Give(*source);
+        values.Integer(SourceParameter::Size, 1).Choice(SourceParameter::ProfileType, type).Give(*source);
         source->Prepare(3, nullptr, Matrix3());
         Rect rect;
         source->GetDabRect(rect);
@@ -190,7 +228,7 @@ TEST_CASE("A margin widens the dab, and is the radius of a one-pixel profile") {
 
 TEST_CASE("A source shows the graph of its profile") {
     GraphValue graph{ShapePointList()};
-    const auto source = MakeBrushSource(0, FileName(), 0);
+    const auto source = MakeBrushSource(0, FileName(), Depth::Eight);
     CHECK_EQ(source->GetGraph(), nullptr);
     source->Prepare(0, &graph, Matrix3());
     CHECK_EQ(source->GetGraph(), &graph);
@@ -199,8 +237,8 @@ TEST_CASE("A source shows the graph of its profile") {
 // Size 2: w = 5. Across a dab of flatness 2 it is 5 / sqrt(0 + 4) = 2.5.
 TEST_CASE("The size in a direction shrinks with the flatness") {
     Values values;
-    values.Integer(Values::size, 2);
-    values[Values::flatness].setDouble(2.0);
+    values.Integer(SourceParameter::Size, 2);
+    values[SourceParameter::Flatness].setDouble(2.0);
     const auto source = Source(0, values);
     CHECK_EQ(source->GetSizeInDirection(std::numbers::pi / 2), doctest::Approx(2.5).epsilon(1e-12));
     CHECK_EQ(source->GetSizeInDirection(std::numbers::pi), doctest::Approx(5.0).epsilon(1e-12));
@@ -209,9 +247,9 @@ TEST_CASE("The size in a direction shrinks with the flatness") {
 // With rotation 90 and flatness 2 the formula gives 2.5 at angle 0 as well.
 TEST_CASE("At angle 0 the size is the whole width, however the dab is turned") {
     Values values;
-    values.Integer(Values::size, 2);
-    values[Values::flatness].setDouble(2.0);
-    values[Values::rotation].setFloat(90.0F);
+    values.Integer(SourceParameter::Size, 2);
+    values[SourceParameter::Flatness].setDouble(2.0);
+    values[SourceParameter::Rotation].setFloat(90.0F);
     CHECK_EQ(Source(0, values)->GetSizeInDirection(0.0), 5.0);
     CHECK_LT(Source(0, values)->GetSizeInDirection(1e-9), 2.6);
 }
@@ -219,16 +257,16 @@ TEST_CASE("At angle 0 the size is the whole width, however the dab is turned") {
 // a = 90 / 57.295 - 1 = 0.570817, the width 5 / sqrt(cos^2 + 4 sin^2) = 3.650668; by the true constant 3.650725.
 TEST_CASE("Degrees become radians by 57.295") {
     Values values;
-    values.Integer(Values::size, 2);
-    values[Values::flatness].setDouble(2.0);
-    values[Values::rotation].setFloat(90.0F);
+    values.Integer(SourceParameter::Size, 2);
+    values[SourceParameter::Flatness].setDouble(2.0);
+    values[SourceParameter::Rotation].setFloat(90.0F);
     CHECK_EQ(Source(0, values)->GetSizeInDirection(1.0), doctest::Approx(3.650667962635).epsilon(1e-11));
 }
 
 TEST_CASE("The largest sizes are no overflow and no dab") {
     for (const std::int32_t size : {std::numeric_limits<std::int32_t>::max(), 1025, -1}) {
         Values values;
-        values.Integer(Values::size, size);
+        values.Integer(SourceParameter::Size, size);
         for (const std::uint8_t type : Bytes{0, 1, 4, 5}) {
             const auto source = Source(type, values);
             CHECK_EQ(source->GetSize(), 2.0 * size + 1.0);
@@ -245,7 +283,7 @@ TEST_CASE("The largest sizes are no overflow and no dab") {
 
 TEST_CASE("A source that was not prepared makes no dab") {
     for (const std::uint8_t type : Bytes{0, 1, 3, 4, 5}) {
-        const auto source = MakeBrushSource(type, FileName(), 0);
+        const auto source = MakeBrushSource(type, FileName(), Depth::Eight);
         CHECK_FALSE(DabAt(*source, 5.0, 5.0).made);
         CHECK_FALSE(MaskDabAt(*source, 5.0, 5.0).made);
         CHECK_FALSE(source->MakePlainMask(5.0, 5.0));
@@ -258,7 +296,7 @@ TEST_CASE("A source that was not prepared makes no dab") {
 
 TEST_CASE("A dab that cannot be placed is not made, held or not") {
     Values values;
-    values.Integer(Values::size, 3).Choice(Values::pickup, 2);
+    values.Integer(SourceParameter::Size, 3).Choice(SourceParameter::Pickup, 2);
     const Image picture = MapPicture(5, 5);
     for (const std::uint8_t type : Bytes{0, 1, 2, 4}) {
         const auto source = Source(type, values);
@@ -279,15 +317,15 @@ TEST_CASE("A dab that cannot be placed is not made, held or not") {
 
 TEST_CASE("Numbers that are none in the settings are survived") {
     Values values;
-    values.Integer(Values::size, 3).Offset(notANumber, 1e300);
-    values[Values::flatness].setDouble(notANumber);
-    values[Values::rotation].setFloat(std::numeric_limits<float>::quiet_NaN());
-    values[Values::roundness].setFloat(std::numeric_limits<float>::infinity());
-    values[Values::feather].setDouble(notANumber);
+    values.Integer(SourceParameter::Size, 3).Offset(notANumber, 1e300);
+    values[SourceParameter::Flatness].setDouble(notANumber);
+    values[SourceParameter::Rotation].setFloat(std::numeric_limits<float>::quiet_NaN());
+    values[SourceParameter::Roundness].setFloat(std::numeric_limits<float>::infinity());
+    values[SourceParameter::Feather].setDouble(notANumber);
     const Image picture = MapPicture(5, 5);
     for (const std::uint8_t type : Bytes{0, 1, 4, 5}) {
         for (const std::uint8_t profile : Bytes{0, 1, 2, 3, 4, 200}) {
-            values.Choice(Values::profileType, profile);
+            values.Choice(SourceParameter::ProfileType, profile);
             const auto source = Source(type, values);
             source->SetSourceImage(&picture);
             CHECK_EQ(DabAt(*source, 2.0, 2.0, 20.0).made, profile != 1);

@@ -10,9 +10,9 @@ namespace {
 
 using Values = SourceValues;
 
-void SetUp(ColourBrushSource& source, std::int32_t radius, std::uint8_t pickup = 0, std::int32_t depth = 0) {
+void SetUp(ColourBrushSource& source, std::int32_t radius, std::uint8_t pickup = 0, Depth depth = Depth::Eight) {
     Values values;
-    values.Integer(Values::size, radius).Choice(Values::pickup, pickup).SetUp(source, depth);
+    values.Integer(SourceParameter::Size, radius).Choice(SourceParameter::Pickup, pickup).SetUp(source, depth);
     source.SetColour({16383, 8191, 63});
 }
 
@@ -40,7 +40,7 @@ TEST_CASE("A colour dab is the upper eight bits of the colour, opaque, over its 
 
 TEST_CASE("At 14 bits a colour dab is the colour as it is") {
     ColourBrushSource source(ColourUse::Paint);
-    SetUp(source, 2, 0, 1);
+    SetUp(source, 2, 0, Depth::Fourteen);
     const DabImages dab = DabAt(source, 10.25, 10.5);
     REQUIRE(dab.made);
     CHECK_EQ(dab.mask->depth, 1);
@@ -49,11 +49,11 @@ TEST_CASE("At 14 bits a colour dab is the colour as it is") {
 
 // 20000 / 64 = 312, of which 56 is the low byte.
 TEST_CASE("A colour beyond full scale keeps its low byte at 8 bits and its word at 14") {
-    for (const std::int32_t depth : {0, 1}) {
+    for (const Depth depth : {Depth::Eight, Depth::Fourteen}) {
         ColourBrushSource source(ColourUse::Paint);
         SetUp(source, 1, 0, depth);
         source.SetColour({20000, 0, 0});
-        CHECK_EQ(ValuesAt(*DabAt(source, 5.0, 5.0).colour, 5, 5)[2], depth == 0 ? 56 : 20000);
+        CHECK_EQ(ValuesAt(*DabAt(source, 5.0, 5.0).colour, 5, 5)[2], depth == Depth::Eight ? 56 : 20000);
     }
 }
 

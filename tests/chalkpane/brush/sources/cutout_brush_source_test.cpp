@@ -1,4 +1,5 @@
 #include "chalkpane/brush/sources/cutout_brush_source.h"
+#include "chalkpane/brush/sources/source_types.h"
 
 #include <doctest/doctest.h>
 
@@ -20,11 +21,12 @@ constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 // Set up for frames.
 class Cutout {
 public:
-    Cutout(const Image& picture, std::int32_t rows, std::int32_t columns, std::uint8_t policy, std::int32_t depth = 0)
+    Cutout(const Image& picture, std::int32_t rows, std::int32_t columns, std::uint8_t policy,
+           Depth depth = Depth::Eight)
         : source(picture, depth) {
         Values values;
-        values.Integer(Values::rows, rows).Integer(Values::columns, columns);
-        values.Choice(Values::selectionPolicy, policy).SetUp(source, depth);
+        values.Integer(SourceParameter::Rows, rows).Integer(SourceParameter::Columns, columns);
+        values.Choice(SourceParameter::SelectionPolicy, policy).SetUp(source, depth);
     }
     // Blue and green of the lower left pixel of the next dab, in pictures of MapPicture the column and the row.
     std::pair<int, int> NextCorner() {
@@ -78,7 +80,7 @@ TEST_CASE("A cutout of one channel is its own mask") {
 
 TEST_CASE("A cutout is converted to the depth of the target") {
     const Image picture = MapPicture(4, 4);
-    Cutout cutout(picture, 1, 1, 1, 1);
+    Cutout cutout(picture, 1, 1, 1, Depth::Fourteen);
     const DabImages dab = DabAt(cutout.source, 2.0, 2.0);
     CHECK_EQ(dab.colour->depth, 1);
     CHECK_EQ(dab.mask->depth, 1);
@@ -148,7 +150,7 @@ TEST_CASE("A stroke does not reset the frames") {
 TEST_CASE("The size of a cutout is its longer side, and 20 without a picture") {
     CHECK_EQ(Cutout(MapPicture(6, 4), 1, 1, 0).source.GetSize(), 6.0);
     CHECK_EQ(Cutout(MapPicture(6, 4), 1, 3, 0).source.GetSize(), 4.0);
-    CHECK_EQ(CutoutBrushSource(FileName("nowhere"), 0).GetSize(), 20.0);
+    CHECK_EQ(CutoutBrushSource(FileName("nowhere"), Depth::Eight).GetSize(), 20.0);
 }
 
 TEST_CASE("The dab rectangle of a cutout is the picture's, or a frame's at its corner") {
@@ -183,15 +185,15 @@ TEST_CASE("A cutout comes from a file") {
     SetImageFileLoader([](const std::string& name) -> std::unique_ptr<Image> {
         return name == "art\\star.png" ? MapPicture(5, 3).Clone() : nullptr;
     });
-    const auto source = MakeBrushSource(3, FileName("art/star.png"), 0);
+    const auto source = MakeBrushSource(3, FileName("art/star.png"), Depth::Eight);
     CHECK_EQ(source->GetSize(), 5.0);
-    CHECK_EQ(MakeBrushSource(3, FileName("star.png"), 0)->GetSize(), 20.0);
+    CHECK_EQ(MakeBrushSource(3, FileName("star.png"), Depth::Eight)->GetSize(), 20.0);
     SetImageFileLoader({});
 }
 
 TEST_CASE("A cutout source is made around an image") {
     const Image picture = MapPicture(5, 3);
-    const auto source = MakeCutoutSource(picture, 0);
+    const auto source = MakeCutoutSource(picture, Depth::Eight);
     CHECK_EQ(source->GetSize(), 5.0);
     CHECK(DabAt(*source, 1.0, 1.0).made);
 }

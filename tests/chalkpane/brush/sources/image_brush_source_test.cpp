@@ -14,11 +14,11 @@ namespace {
 using Values = SourceValues;
 
 // Three by three pixels, all channels of a pixel alike:  bottom row 0: 0, 50, 100; row 1: 0, 200, 10; row 2: 0.
-Image Patch(std::int32_t depth = 0) {
-    Image image(3, 3, ImageDefinition::colourType, depth, 0);
+Image Patch(Depth depth = Depth::Eight) {
+    Image image = Image::Colour(3, 3, depth, AlphaForm::Straight);
     const auto set = [&](std::int32_t x, std::int32_t y, std::uint16_t value) {
         for (std::size_t channel = 0; channel < 4; ++channel) {
-            if (depth == 0)
+            if (depth == Depth::Eight)
                 reinterpret_cast<std::uint8_t*>(image.Address(x, y))[channel] = static_cast<std::uint8_t>(value);
             else
                 reinterpret_cast<std::uint16_t*>(image.Address(x, y))[channel] = value;
@@ -42,11 +42,11 @@ Image Plain(std::int32_t side, std::uint8_t value) {
 // What a dab of a single pixel reads at (x, y), with the offset given.
 template <typename Source = ImageBrushSource>
 ChannelValues ReadAt(const Image& picture, std::int32_t x, std::int32_t y, double offsetX, double offsetY,
-                     std::int32_t depth = 0, ImageFollows follows = ImageFollows::Brush) {
+                     Depth depth = Depth::Eight, ImageFollows follows = ImageFollows::Brush) {
     Source source(follows);
     source.SetSourceImage(&picture);
     Values values;
-    values.Choice(Values::profileType, 2).Offset(offsetX, offsetY).SetUp(source, depth);
+    values.Choice(SourceParameter::ProfileType, 2).Offset(offsetX, offsetY).SetUp(source, depth);
     const DabImages dab = DabAt(source, x, y);
     REQUIRE(dab.made);
     REQUIRE(dab.colour->Bounds() == Rect(x, y, x, y));
@@ -62,7 +62,7 @@ TEST_CASE("A dab that follows the canvas copies what is under it, whatever the o
     const Image picture = MapPicture(20, 20);
     source.SetSourceImage(&picture);
     Values values;
-    values.Integer(Values::size, 2).Offset(0.5, -7.0).SetUp(source);
+    values.Integer(SourceParameter::Size, 2).Offset(0.5, -7.0).SetUp(source);
     const DabImages dab = DabAt(source, 10.5, 5.5);
     REQUIRE(dab.made);
     REQUIRE(dab.colour->Bounds() == Rect(8, 3, 12, 7));
@@ -96,7 +96,7 @@ TEST_CASE("Reading between pixels darkens, even by a fraction that has no weight
     CHECK_EQ(ReadAt(white, 2, 2, 0.5, 0.25), ChannelValues{253, 253, 253, 253});
     CHECK_EQ(ReadAt(white, 2, 2, 0.001, 0.0), ChannelValues{253, 253, 253, 253});
     CHECK_EQ(ReadAt(white, 2, 2, 0.0, 0.0), ChannelValues{255, 255, 255, 255});
-    CHECK_EQ(ReadAt(white, 2, 2, 0.5, 0.25, 1), ChannelValues{16255, 16255, 16255, 16255});
+    CHECK_EQ(ReadAt(white, 2, 2, 0.5, 0.25, Depth::Fourteen), ChannelValues{16255, 16255, 16255, 16255});
 }
 
 // Right: b = c = 200, a = d = 0: 200 * 127 * 255 >> 16 = 98, while alpha is 200 * 127 * 255 + 255 * 128 * 255, 225.
@@ -127,17 +127,19 @@ TEST_CASE("Dab and offset both go through the matrix") {
     const Image picture = MapPicture(8, 8);
     source.SetSourceImage(&picture);
     Values values;
-    values.Choice(Values::profileType, 2).Offset(0.5, 0.5).SetUp(source, 0, Matrix3::Scaling(2.0, 2.0));
+    values.Choice(SourceParameter::ProfileType, 2)
+        .Offset(0.5, 0.5)
+        .SetUp(source, Depth::Eight, Matrix3::Scaling(2.0, 2.0));
     const DabImages dab = DabAt(source, 1.0, 1.0);
     REQUIRE(dab.colour->Bounds() == Rect(2, 2, 2, 2));
     CHECK_EQ(ValuesAt(*dab.colour, 2, 2), ChannelValues{30, 30, 50, 255});
 }
 
 TEST_CASE("The picture takes on the depth of the dab") {
-    CHECK_EQ(ReadAt(Patch(), 1, 1, 0.0, 0.0, 1)[0], 200 * 64 + 50);
-    const Image deep = Patch(1);  // 200 at 14 bits
-    CHECK_EQ(ReadAt(deep, 1, 1, 0.0, 0.0, 0)[0], 3);
-    CHECK_EQ(ReadAt(deep, 1, 1, 0.0, 0.0, 1)[0], 200);
+    CHECK_EQ(ReadAt(Patch(), 1, 1, 0.0, 0.0, Depth::Fourteen)[0], 200 * 64 + 50);
+    const Image deep = Patch(Depth::Fourteen);  // 200 at 14 bits
+    CHECK_EQ(ReadAt(deep, 1, 1, 0.0, 0.0, Depth::Eight)[0], 3);
+    CHECK_EQ(ReadAt(deep, 1, 1, 0.0, 0.0, Depth::Fourteen)[0], 200);
 }
 
 TEST_CASE("The picture is a copy, and can be taken away") {
@@ -146,7 +148,7 @@ TEST_CASE("The picture is a copy, and can be taken away") {
     source.SetSourceImage(&picture);
     picture.Clear();
     Values values;
-    values.Choice(Values::profileType, 2).SetUp(source);
+    values.Choice(SourceParameter::ProfileType, 2).SetUp(source);
     CHECK_EQ(ValuesAt(*DabAt(source, 1.0, 1.0).colour, 1, 1)[0], 200);
     source.SetSourceImage(nullptr);
     const DabImages dab = DabAt(source, 1.0, 1.0);
@@ -162,7 +164,7 @@ TEST_CASE("A picture of one channel, or of none, gives a dab of zeros") {
     CHECK_EQ(ReadAt<SplodgeBrushSource>(mask, 1, 1, 0.0, 0.0), nothing);
     const Image empty(0, 0, ImageDefinition::colourType, 0, 0);
     CHECK_EQ(ReadAt(empty, 1, 1, 0.5, 0.5), nothing);
-    CHECK_EQ(ReadAt(empty, 1, 1, 0.0, 0.0, 1), nothing);
+    CHECK_EQ(ReadAt(empty, 1, 1, 0.0, 0.0, Depth::Fourteen), nothing);
     CHECK_EQ(ReadAt<SplodgeBrushSource>(empty, 0, 0, 0.0, 0.0), nothing);
 }
 
@@ -179,7 +181,7 @@ TEST_CASE("Offsets and pictures at the ends of the plane are survived") {
     ImageBrushSource source(ImageFollows::Brush);
     source.SetSourceImage(&picture);
     Values values;
-    values.Integer(Values::size, 3).Offset(reach, reach).SetUp(source);
+    values.Integer(SourceParameter::Size, 3).Offset(reach, reach).SetUp(source);
     const DabImages dab = DabAt(source, reach, reach);
     REQUIRE(dab.made);
     CHECK_EQ(ValuesAt(*dab.colour, 1073741823, 1073741823), nothing);
@@ -196,7 +198,7 @@ TEST_CASE("The mask plane reads its own picture and holds its own dab") {
     source.SetSourceImage(&paint);
     source.SetMaskSourceImage(&forMask);
     Values values;
-    values.Choice(Values::profileType, 2).Choice(Values::pickup, 1).SetUp(source);
+    values.Choice(SourceParameter::ProfileType, 2).Choice(SourceParameter::Pickup, 1).SetUp(source);
     CHECK_EQ(ValuesAt(*DabAt(source, 2.0, 2.0).colour, 2, 2)[0], 200);
     CHECK_EQ(ValuesAt(*MaskDabAt(source, 3.0, 2.0).colour, 3, 2)[0], 30);
     CHECK_EQ(ValuesAt(*MaskDabAt(source, 7.0, 2.0).colour, 7, 2)[0], 30);
@@ -212,7 +214,7 @@ TEST_CASE("With pickup 2 a dab drags what was under the last one") {
     source.SetSourceImage(&picture);
     source.SetMaskSourceImage(&picture);
     Values values;
-    values.Choice(Values::profileType, 2).Choice(Values::pickup, 2).SetUp(source);
+    values.Choice(SourceParameter::ProfileType, 2).Choice(SourceParameter::Pickup, 2).SetUp(source);
     const std::int32_t stops[] = {2, 5, 9, 14};
     const std::int32_t picked[] = {2, 2, 5, 9};
     for (std::size_t i = 0; i < std::size(stops); ++i) {
@@ -231,7 +233,7 @@ TEST_CASE("A dab that is dragged turns with the stroke about its middle") {
     ImageBrushSource source(ImageFollows::Canvas);
     source.SetSourceImage(&picture);
     Values values;
-    values.Integer(Values::size, 2).Choice(Values::pickup, 1).SetUp(source);
+    values.Integer(SourceParameter::Size, 2).Choice(SourceParameter::Pickup, 1).SetUp(source);
     CHECK_EQ(ValuesAt(*DabAt(source, 10.5, 10.5, 10.0).colour, 12, 10)[1], 240);
     const DabImages turned = DabAt(source, 110.5, 10.5, 100.0);
     REQUIRE(turned.made);
@@ -250,7 +252,7 @@ TEST_CASE("A splodge is one pixel of the picture, its colours scaled by its alph
     SplodgeBrushSource source(ImageFollows::Brush);
     source.SetSourceImage(&picture);
     Values values;
-    values.Integer(Values::size, 2).SetUp(source);
+    values.Integer(SourceParameter::Size, 2).SetUp(source);
     const DabImages dab = DabAt(source, 10.5, 10.5);
     REQUIRE(dab.made);
     for (std::int32_t y = 8; y <= 12; ++y)
@@ -268,7 +270,7 @@ TEST_CASE("A splodge at 14 bits scales by alpha over 16383") {
     pixel[0] = 2600;
     pixel[1] = 16383;
     pixel[3] = 6424;
-    const ChannelValues got = ReadAt<SplodgeBrushSource>(picture, 1, 1, 0.0, 0.0, 1);
+    const ChannelValues got = ReadAt<SplodgeBrushSource>(picture, 1, 1, 0.0, 0.0, Depth::Fourteen);
     CHECK_EQ(got, ChannelValues{1019, 6424, 0, 6424});
 }
 
@@ -285,7 +287,7 @@ TEST_CASE("A splodge leaves the mask plane to the picture") {
     const Image picture = MapPicture(9, 9);
     source.SetMaskSourceImage(&picture);
     Values values;
-    values.Integer(Values::size, 1).SetUp(source);
+    values.Integer(SourceParameter::Size, 1).SetUp(source);
     const DabImages dab = MaskDabAt(source, 4.5, 4.5);
     CHECK_EQ(ValuesAt(*dab.colour, 3, 4)[0], 30);
     CHECK_EQ(ValuesAt(*dab.colour, 5, 4)[0], 50);

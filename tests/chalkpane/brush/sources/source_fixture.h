@@ -11,27 +11,13 @@
 
 namespace chalkpane {
 
-// Small numbers to walk through.
+// Small numbers to iterate over.
 using Bytes = std::initializer_list<std::uint8_t>;
 
 // Values for the parameters of a source, as a brush keeps them; the defaults at first.
 class SourceValues {
 public:
-    enum Code : std::uint8_t {
-        profileName,
-        profileMask,
-        size,
-        flatness,
-        rotation,
-        roundness,
-        feather,
-        offset,
-        pickup,
-        profileType,
-        rows,
-        columns,
-        selectionPolicy,
-    };
+    using Code = SourceParameter;
 
     SourceValues() {
         for (const auto& definition : BrushSource::ClassParameters())
@@ -47,14 +33,14 @@ public:
         return *this;
     }
     SourceValues& Offset(double x, double y) {
-        (*this)[offset].setDoubleXY(x, y);
+        (*this)[SourceParameter::Offset].setDoubleXY(x, y);
         return *this;
     }
     void Give(BrushSource& source) const {
         for (const auto& value : values) source.setParameter(value.get());
     }
     // Sets the source up as a brush does.
-    void SetUp(BrushSource& source, std::int32_t depth = 0, const Matrix3& matrix = Matrix3()) const {
+    void SetUp(BrushSource& source, Depth depth = Depth::Eight, const Matrix3& matrix = Matrix3()) const {
         source.SetTargetDepth(depth);
         Give(source);
         source.Prepare(0, nullptr, matrix);
