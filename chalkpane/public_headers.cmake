@@ -4,7 +4,8 @@
 # A public header includes no other headers of the library than public ones; tests/repository checks this, and compiles
 # each of them alone against an installed copy. Paths are from the root of the repository.
 set(chalkpane_public_headers
-    # base: how many workers there are, and the numbers that noise and speckle draw
+    # base: how many workers there are, which processor features are used, and the numbers that noise and speckle draw
+    chalkpane/base/cpu_features.h
     chalkpane/base/multi_processor.h
     chalkpane/base/random.h
     # image: rectangles, pixels, zoom levels

@@ -24,10 +24,11 @@ class ProfileCache;
 // Turns a path of pointer samples into dabs on an image.
 //
 // Coordinates are doubles in the plane of the target, pressure is 0.0 .. 1.0. The setters store; what they store takes
-// hold at the next `Update`, which belongs between strokes. A sample that is not a number, or beyond `farthest` in any
+// hold at the next `Update`, which belongs between strokes. A sample that is NaN, or beyond `farthest` in any
 // of its three values, is ignored: it paints nothing and leaves the stroke where it was.
 // Nothing here throws for want of memory but the constructor and the setters that store; a dab or a source that could
-// not be made is not there. Thread: the plug-in's, one stroke at a time.
+// not be made is not there. Thread: one for all brushes of a process, which
+// share pasters, masks and the paint colour; one stroke at a time. Further down, "the brushes'" names that thread.
 class BasicBrush : public WithParameters<BasicBrush, ParameterisedObject> {
 public:
     static constexpr auto Parameters() {
@@ -112,7 +113,7 @@ public:
 
 protected:
     // The planes of a dab. Painting goes to the target; the mask plane, a second image of one channel that can also
-    // keep paint out, is for brushes built on this one.
+    // limit painting, is for brushes built on this one.
     bool paintEraserFlag = false;
     bool paintPlaneOn = false;  // KEEP: nothing but `SetColour` raises it, so without a colour nothing is painted
     bool maskPlaneOn = false;

@@ -15,7 +15,7 @@ double Square(double number) { return number * number; }
 // The path has a direction from here on; squared canvas pixels.
 constexpr double squaredStart = 5.0;
 
-// False for what could not be placed in whole pixels: not a number, or too far off.
+// False for what could not be placed in whole pixels: NaN, or too far off.
 bool IsUsable(const StrokePoint& sample) {
     const auto fits = [](double number) { return std::abs(number) <= BasicBrush::farthest; };
     return fits(sample.x) && fits(sample.y) && fits(sample.pressure);

@@ -58,7 +58,7 @@ constexpr double sumSpan = [] {
 }  // namespace
 
 // Bounds on how far the points of two steps can lie apart.
-struct SplineIterator::Reach {
+struct SplineIterator::StepBounds {
     double perStep = 0.0;   // between neighbouring steps, without rounding
     double rounding = 0.0;  // of any two steps, besides
 };
@@ -66,7 +66,7 @@ struct SplineIterator::Reach {
 // The curve's derivative is a mean of the differences between neighbouring samples, and a step of the gathered t is at
 // most 0.001 + 6e-8. Rounded weights move the first sample's place by what their sum is off, and the differences from
 // it by 6e-8 at each of two steps.
-SplineIterator::Reach SplineIterator::ReachOfSamples() const {
+SplineIterator::StepBounds SplineIterator::StepBoundsOfSamples() const {
     double squaredLongest = 0.0;
     double squaredSpread = 0.0;
     for (std::size_t i = 1; i < 4; ++i) {
@@ -119,13 +119,13 @@ StrokePoint SplineIterator::PointAt(std::int32_t step) const {
 
 std::int32_t SplineIterator::FirstBeyond(std::int32_t step, float x, float y, double squaredLimit) const {
     std::int32_t tested = 0;
-    return FirstBeyond(ReachOfSamples(), step, x, y, squaredLimit, tested);
+    return FirstBeyond(StepBoundsOfSamples(), step, x, y, squaredLimit, tested);
 }
 
-std::int32_t SplineIterator::FirstBeyond(const Reach& reach, std::int32_t step, float x, float y, double squaredLimit,
+std::int32_t SplineIterator::FirstBeyond(const StepBounds& bounds, std::int32_t step, float x, float y, double squaredLimit,
                                          std::int32_t& tested) const {
-    const double surely = 0.999999 * std::sqrt(squaredLimit) - reach.rounding;
-    const double worthIt = surely - 2 * reach.perStep;
+    const double surely = 0.999999 * std::sqrt(squaredLimit) - bounds.rounding;
+    const double worthIt = surely - 2 * bounds.perStep;
     const double squaredWorthIt = worthIt > 0.0 ? worthIt * worthIt : -1.0;
     while (step < steps) {
         ++tested;
@@ -133,7 +133,7 @@ std::int32_t SplineIterator::FirstBeyond(const Reach& reach, std::int32_t step, 
         if (distance > squaredLimit) return step;
         if (distance <= squaredWorthIt) {
             // What is left to the limit cannot be covered in fewer steps.
-            const double spare = (surely - std::sqrt(distance)) / reach.perStep;
+            const double spare = (surely - std::sqrt(distance)) / bounds.perStep;
             step += spare < steps ? std::max(1, static_cast<std::int32_t>(spare)) : steps;
         } else {
             ++step;
@@ -163,10 +163,10 @@ std::int32_t SplineIterator::SurelyBeyond(double squaredLimit) const {
 
 std::int32_t SplineIterator::LastBeyond(float x, float y, double squaredLimit, std::int32_t& budget) const {
     if (budget <= 0) return steps - 1;
-    const Reach reach = ReachOfSamples();
+    const StepBounds bounds = StepBoundsOfSamples();
     std::int32_t tested = 0;
     std::int32_t last = steps;
-    const auto find = [&](std::int32_t from) { return FirstBeyond(reach, from, x, y, squaredLimit, tested); };
+    const auto find = [&](std::int32_t from) { return FirstBeyond(bounds, from, x, y, squaredLimit, tested); };
     for (std::int32_t step = find(0); step < steps; step = find(step + 1)) {
         const StrokePoint place = PointAt(step);
         x = static_cast<float>(place.x);

@@ -13,7 +13,8 @@ struct StrokePoint {
     double pressure = 0.0;
 };
 
-// The uniform cubic B-spline through the last four samples of a stroke, walked from its parameter 0 to 1 in 1001 steps.
+// The uniform cubic B-spline through the last four samples of a stroke, evaluated at 1001 steps of its parameter from 0
+// to 1.
 //
 // Samples are kept as 32-bit floats and so are the weights of a step; products and sums are doubles. The weights depend
 // on the step alone, so they stand in a table.
@@ -38,7 +39,7 @@ public:
 
     // The first step from `step` on whose point lies further from (x, y) than the square root of `squaredLimit`;
     // `steps` when there is none. The answer is that of testing each step in turn; stretches of the curve that cannot
-    // get so far are passed over. A limit that is not a number is never exceeded.
+    // get so far are passed over. A limit that is NaN is never exceeded.
     [[nodiscard]] std::int32_t FirstBeyond(std::int32_t step, float x, float y, double squaredLimit) const;
 
     // The last of the steps that `FirstBeyond` finds when each one found becomes, narrowed to floats, the point to get
@@ -52,10 +53,10 @@ public:
     [[nodiscard]] bool StaysBeside(double minX, double minY, double maxX, double maxY) const;
 
 private:
-    struct Reach;
+    struct StepBounds;
 
-    [[nodiscard]] Reach ReachOfSamples() const;
-    [[nodiscard]] std::int32_t FirstBeyond(const Reach& reach, std::int32_t step, float x, float y, double squaredLimit,
+    [[nodiscard]] Reach StepBoundsOfSamples() const;
+    [[nodiscard]] std::int32_t FirstBeyond(const StepBounds& bounds, std::int32_t step, float x, float y, double squaredLimit,
                                            std::int32_t& tested) const;
 
     using Samples = std::array<float, 4>;  // oldest first

@@ -17,7 +17,7 @@ namespace chalkpane {
 //   clip     1 channel, or 4 of which alpha counts; null: none
 //
 // Borrows all images for the call. Allocates nothing. All images have one depth, that of `source`. A paste without
-// overlap, with opacity 0 or below or not a number, or of images that do not fit one another changes nothing.
+// overlap, with opacity 0 or below or NaN, or of images that do not fit one another changes nothing.
 // Thread: the brushes'; the rows of `Paste` run on the workers, the other two stay on the caller's.
 class BrushPaster : public BlendingModes {
 public:

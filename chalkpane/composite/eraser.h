@@ -14,7 +14,7 @@ namespace chalkpane {
 //   source   read for its depth alone, which all images share
 //   mask, target, rect, clip   as for `BrushPaster::Paste`
 //
-// Borrows all images for the call. A paste without overlap, with opacity 0 or below or not a number, or of images that
+// Borrows all images for the call. A paste without overlap, with opacity 0 or below or NaN, or of images that
 // do not fit one another changes nothing. Thread: the brushes'; the rows run on the workers.
 class Eraser : public WithParameters<Eraser, ParameterisedObject>, public ImageChannels {
 public:

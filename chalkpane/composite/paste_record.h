@@ -14,7 +14,7 @@ namespace chalkpane {
 enum class Clip : std::uint8_t { Limiting, Inverted };
 
 // What a dab does to the alpha of the target: `Replace` moves it towards the source's pixel, transparency included;
-// `Over` lays the source over it.
+// `Over` composites the source over it.
 enum class PasteBehaviour : std::uint8_t { Replace, Over };
 
 // One paste as its row functions see it; lives as long as the call. The images are not owned.
@@ -41,7 +41,7 @@ inline bool HasDepthOf(const Image& model, const Image* image) {
     return image == nullptr || (image->depth != 0) == (model.depth != 0);
 }
 
-// An opacity in the scale of an operation: truncated, and limited to `limit`. Not a number, and all from 0 down, is 0.
+// An opacity in the scale of an operation: truncated, and limited to `limit`. NaN, and all from 0 down, is 0.
 inline std::int32_t IntegerOpacity(double opacity, double factor, std::int32_t limit) {
     const double scaled = opacity * factor;
     if (!(scaled > 0.0)) return 0;

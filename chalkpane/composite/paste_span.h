@@ -12,8 +12,8 @@
 
 namespace chalkpane {
 
-// How every paster walks its rows: planes are set up once per paste, each row becomes one to three spans, and each span
-// goes to a kernel that was chosen before.
+// How every paster iterates over its rows: planes are set up once per paste, each row becomes one to three spans, and
+// each span goes to a kernel that was chosen before.
 
 // No mask: full coverage everywhere.
 template <typename F>

@@ -11,7 +11,7 @@ std::int32_t CompositeOpacity(double opacity) {
     return IntegerOpacity(opacity, fullOpacity<F> + 0.001, fullOpacity<F>);
 }
 
-// Planes, opacity and kernels for laying `record.source` over `record.target` in `record.rect`.
+// Planes, opacity and kernels for compositing `record.source` over `record.target` in `record.rect`.
 template <typename F>
 PasteJob<F> CompositeJob(const PasteRecord& record, std::int32_t opacity) {
     using Channel = typename F::Channel;
@@ -33,11 +33,11 @@ void CompositeRows(const PasteRecord& record, double opacity) {
 }
 
 // What `Replace` does to a row of the source.
-enum class Filling : std::uint8_t { Nothing, Copy, Lay };
+enum class Filling : std::uint8_t { Nothing, Copy, Composite };
 
 template <typename F>
 struct ReplaceJob {
-    PasteJob<F> lay;
+    PasteJob<F> composite;
     Plane<typename F::Channel> target;
     Rect region;  // all that is written
     Rect kept;    // the part that the source covers, which is not cleared
@@ -56,9 +56,9 @@ void ReplaceRow(std::int32_t row, void* userData, std::int32_t /*worker*/) {
     if (row < kept.y0 || row > kept.y1) return clear(region.x0, region.x1 + std::int64_t{1});
     clear(region.x0, kept.x0);
     clear(kept.x1 + std::int64_t{1}, region.x1 + std::int64_t{1});
-    if (row < job.lay.region.y0 || row > job.lay.region.y1) return;
-    if (job.filling == Filling::Lay) return PasteRow(row, job.lay);
-    const PasteSpan<F> span = job.lay.Span(kept.x0, kept.x1, row);
+    if (row < job.composite.region.y0 || row > job.composite.region.y1) return;
+    if (job.filling == Filling::Composite) return PasteRow(row, job.composite);
+    const PasteSpan<F> span = job.composite.Span(kept.x0, kept.x1, row);
     std::copy_n(span.source, 4 * span.count, span.target);
 }
 
@@ -70,7 +70,7 @@ void ReplaceRows(const PasteRecord& record, const Rect& region, const Rect& kept
     job.kept = kept;
     job.filling = filling;
     if (filling != Filling::Nothing)
-        job.lay = CompositeJob<F>(record, IntegerOpacity(opacity, fullOpacity<F> + 0.01, fullOpacity<F>));
+        job.composite = CompositeJob<F>(record, IntegerOpacity(opacity, fullOpacity<F> + 0.01, fullOpacity<F>));
     RunInBands(region.y0, region.y1, region.Width(), &ReplaceRow<F>, &job);
 }
 
@@ -185,7 +185,7 @@ void Paster::Replace(const Image& source, Image& target, const Rect& rect, std::
     const Rect pasted = PasteRegion(region, nullptr, target, clip, clipInverted).Intersection(source);
     const bool paints = visible && workingOpacity > 0.0 && pasted.IsValid();
     Filling filling = Filling::Nothing;
-    if (paints) filling = clip == nullptr && workingOpacity > copyAbove ? Filling::Copy : Filling::Lay;
+    if (paints) filling = clip == nullptr && workingOpacity > copyAbove ? Filling::Copy : Filling::Composite;
     const Rect kept = paints ? region.Intersection(source) : Rect();
     record = {&source, nullptr, &target, pasted, clip, clipInverted};
     WithFormatOf(source, [&]<typename F>(F) { ReplaceRows<F>(record, region, kept, filling, workingOpacity); });

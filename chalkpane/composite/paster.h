@@ -8,7 +8,7 @@
 
 namespace chalkpane {
 
-// Lays a whole image over another, with an opacity.
+// Composites a whole image over another, with an opacity.
 //
 //   source   4 channels; premultiplied by alpha when its flag is set
 //   target   4 channels for `Paste` and `Replace`, 1 for the others; not the same buffer as another image here
@@ -17,7 +17,7 @@ namespace chalkpane {
 //   clip     1 channel, or 4 of which alpha counts; null: none
 //
 // Borrows all images for the call. All images have one depth. A paste without overlap, or of images that do not fit one
-// another, changes nothing; so does one at opacity 0 or below or not a number, but for `Replace`.
+// another, changes nothing; so does one at opacity 0 or below or NaN, but for `Replace`.
 // Thread: the brushes'; the rows of `Paste` and `Replace` run on the workers, the others stay on the caller's.
 class Paster : public WithParameters<Paster, ParameterisedObject>, public ImageChannels {
 public:

@@ -16,26 +16,26 @@ constexpr typename F::Channel Store(Wide<F> value) {
 }
 
 template <typename F>
-struct Laying {
+struct Compositing {
     static constexpr std::int32_t invertedFull = F::fullScale;
     static constexpr std::int32_t Reduce(std::int32_t c, std::int32_t p) { return ReduceByShift<F>(c, p); }
     static constexpr Wide<F> one = Wide<F>{1} << (2 * F::bits);
 };
 
 template <typename F>
-struct Premultiplied : Laying<F> {
+struct Premultiplied : Compositing<F> {
     static void Pixel(typename F::Channel* d, const typename F::Channel* s, Wide<F> p) {
         const Wide<F> alpha = s[3] + (s[3] >> (F::bits - 1));
-        const Wide<F> k = (Laying<F>::one - alpha * p) >> F::bits;
+        const Wide<F> k = (Compositing<F>::one - alpha * p) >> F::bits;
         for (int c = 0; c < 4; ++c) d[c] = Store<F>((s[c] * p + d[c] * k) >> F::bits);
     }
 };
 
 template <typename F>
-struct Straight : Laying<F> {
+struct Straight : Compositing<F> {
     static void Pixel(typename F::Channel* d, const typename F::Channel* s, Wide<F> p) {
         const Wide<F> w = (s[3] + (s[3] >> (F::bits - 1))) * p;
-        const Wide<F> v = Laying<F>::one - w;
+        const Wide<F> v = Compositing<F>::one - w;
         for (int c = 0; c < 3; ++c) d[c] = Store<F>((s[c] * w + d[c] * v) >> (2 * F::bits));
         d[3] = Store<F>((d[3] * v + w * F::fullScale) >> (2 * F::bits));
     }

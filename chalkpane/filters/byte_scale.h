@@ -13,7 +13,7 @@ template <typename F>
     return static_cast<float>(channel) * (F::bits == 8 ? 1.0F : 0.015564915F);
 }
 
-// Truncated, limited to the channel; what is not a number is 0.
+// Truncated, limited to the channel; NaN is 0.
 template <typename F>
 [[nodiscard]] inline std::int32_t FromByteScale(float value) {
     constexpr auto fullScale = static_cast<float>(F::fullScale);

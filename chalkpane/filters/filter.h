@@ -24,7 +24,7 @@ class LayerProvider;
 // Thread: the caller's; rows go to the workers. One `Apply` of an object at a time.
 class Filter : public ParameterisedObject, public ImageChannels {
 public:
-    static constexpr bool storesNaNAsZero = true;  // settings: what is not a number is stored as 0
+    static constexpr bool storesNaNAsZero = true;  // settings: NaN is stored as 0
 
     virtual ~Filter();
 
@@ -54,7 +54,7 @@ public:
     [[nodiscard]] virtual bool FiltersMask() const { return false; }
     // False: the settings change nothing.
     [[nodiscard]] virtual bool IsActive() const { return true; }
-    // True: random numbers are held still between `BeginStep` and `EndStep`.
+    // True: random numbers are frozen between `BeginStep` and `EndStep`.
     [[nodiscard]] virtual bool NeedsStepHooks() const { return false; }
     virtual void BeginStep() {}
     virtual void EndStep() {}
@@ -97,8 +97,8 @@ public:
     //   others  0, for later
     virtual void Advance(const Image* image, std::int32_t frame, std::int32_t c, std::int32_t d, std::int32_t e,
                          std::int32_t f);
-    // Ties the filter to an image, not owned and possibly null, at a frame and a time, and wakes it. Positions given in
-    // per cent become positions in `rect`, or in the image's bounds where `rect` is null.
+    // Binds the filter to an image, not owned and possibly null, at a frame and a time, and activates it. Positions
+    // given in per cent become positions in `rect`, or in the image's bounds where `rect` is null.
     virtual void Attach(const Image* image, std::int32_t frame, double time, const Rect* rect);
     virtual void Detach();
     // A fresh set with the values of all parameters of the class, in table order, which the filter keeps; arguments as

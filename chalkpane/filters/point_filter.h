@@ -35,7 +35,7 @@ public:
     virtual void EndRun() {}
     // False: the rows are called in ascending order on the calling thread.
     [[nodiscard]] virtual bool CanRunInParallel() const { return true; }
-    // Channels in the scale 0 to 255 at either depth; what leaves it is limited, what is not a number becomes 0.
+    // Channels in the scale 0 to 255 at either depth; what leaves it is clamped, and NaN becomes 0.
     virtual void ProcessPixel(std::int32_t x, std::int32_t y, float& a, float& r, float& g, float& b);
     // True: only `first` .. `last` of row y is to be processed; the rest is copied. An empty span has first above last.
     virtual bool RowSpan(std::int32_t y, std::int32_t& first, std::int32_t& last) const;

@@ -48,7 +48,7 @@ private:
     [[nodiscard]] const Self& AsSelf() const { return static_cast<const Self&>(*this); }
 };
 
-// Truncated and limited to the channel's range; what is not a number is 0.
+// Truncated and limited to the channel's range; NaN is 0.
 template <typename F>
 [[nodiscard]] inline std::int32_t Limited(float value) {
     constexpr auto fullScale = static_cast<float>(F::fullScale);
@@ -80,7 +80,7 @@ inline void MapChannels(std::span<typename F::Channel> pixels, const std::uint16
     }
 }
 
-// Truncates towards zero; what an integer cannot hold becomes the nearest one that can, and what is not a number 0.
+// Truncates towards zero; what an integer cannot hold becomes the nearest one that can, and NaN 0.
 [[nodiscard]] inline std::int32_t Truncated(double value) {
     if (std::isnan(value)) return 0;
     constexpr double low = std::numeric_limits<std::int32_t>::min();

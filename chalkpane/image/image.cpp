@@ -136,7 +136,7 @@ void ConvertRow(std::span<const std::uint16_t> from, std::span<std::uint8_t> to)
     for (std::size_t i = 0; i < from.size(); ++i) to[i] = Narrow(from[i]);
 }
 
-// A full channel as it is stored: what lies outside 0 .. 1, or is not a number, is held at the ends.
+// A full channel as it is stored, clamped to 0 .. 1; NaN is 0.
 template <typename F>
 typename F::Channel FullScaleOf(double value) {
     const double scaled = value * F::fullScale + 0.5;

@@ -9,8 +9,8 @@ namespace chalkpane {
 // A rectangle of pixels in the integer plane, inclusive at both ends: `x0` .. `x1`, `y0` .. `y1`, y growing upward.
 //
 // The empty rectangle is (0, 0, -1, -1). A rectangle counts as empty only when both x1 < x0 and y1 < y0: one that is
-// reversed on a single axis is valid, has no pixels, and callers that walk it simply find none.
-// Sides at the ends of the 32-bit range are held there (`Translate`, `Inflate`), so no operation overflows.
+// reversed on a single axis is valid, has no pixels, and a loop over it does nothing.
+// Sides at the ends of the 32-bit range are clamped to it (`Translate`, `Inflate`), so no operation overflows.
 struct Rect {
     std::int32_t x0 = 0;
     std::int32_t y0 = 0;
@@ -36,7 +36,7 @@ struct Rect {
     [[nodiscard]] constexpr std::int32_t Width() const { return Saturate(std::int64_t{x1} - x0 + 1); }
     [[nodiscard]] constexpr std::int32_t Height() const { return Saturate(std::int64_t{y1} - y0 + 1); }
 
-    // True unless both sides are reversed: the plug-in's dirty rectangle relies on the `or`.
+    // True unless both sides are reversed: a dirty rectangle relies on the `or`.
     [[nodiscard]] constexpr bool IsValid() const { return x1 >= x0 || y1 >= y0; }
 
     // The smallest rectangle holding both; the empty rectangle adds nothing.

@@ -7,7 +7,7 @@
 namespace chalkpane {
 
 // Samples of an image at a position in plane coordinates, pixel (x, y) lying at exactly (x, y). What lies outside is
-// read by the edge mode. A position that is not a number, or beyond the 32-bit range, is held at the end of the range.
+// read by the edge mode. A position beyond the 32-bit range is clamped to it, and NaN to its lower end.
 
 // Four channels, in 16.16 fixed point.
 [[nodiscard]] Pixel8 SampleBilinear8(const Image& image, double x, double y, std::int32_t edgeMode);

@@ -15,8 +15,7 @@ struct Columns {
     std::int64_t last;
 };
 
-// The number of whole columns below or at a real position, held well inside 64 bits; what is no number lies at the
-// left.
+// The number of whole columns below or at a real position, clamped well inside 64 bits; NaN lies at the left.
 std::int64_t WholeColumn(double rounded) {
     constexpr double limit = 4294967296.0;
     return static_cast<std::int64_t>(rounded >= -limit ? std::min(rounded, limit) : -limit);

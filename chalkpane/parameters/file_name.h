@@ -6,7 +6,7 @@
 namespace chalkpane {
 
 // The name of a file: a string in which every "/" became a backslash when it was assigned. Saved with a picture it is
-// told from a base directory, one for the whole module, so that a folder can be moved with all that is in it.
+// relative to a base directory, one for the whole process, so that a folder can be moved with all that is in it.
 class FileName {
 public:
     FileName() = default;

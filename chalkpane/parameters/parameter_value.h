@@ -28,7 +28,7 @@ public:
 // The root of all values: what one object holds for one declared parameter. A value either holds a setting of its own
 // or inherits: from an explicit parent, or else from the default of its declaration.
 //
-// Values are not clamped and not locked; they belong to the plug-in's thread. An accessor of another family than the
+// Values are not clamped and not locked; they belong to their owner's thread. An accessor of another family than the
 // value's own does nothing: a setter is ignored and a getter leaves its output as it was, so initialise the output.
 // A value is destroyed by `destroy()`; `ValuePointer` does so.
 class ParameterValue {

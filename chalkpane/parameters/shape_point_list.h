@@ -52,7 +52,8 @@ public:
     bool equals(const ShapePointList& other) const;
     friend bool operator==(const ShapePointList& a, const ShapePointList& b) { return a.equals(b); }
 
-    // y at x. Held flat outside the points. Limited to 0 .. 1 between points only: a point answers its own y.
+    // y at x; outside the points that of the nearest end. Clamped to 0 .. 1 between points only: a point answers its
+    // own y.
     double evaluate(double x) const;
 
     void clear() { points.clear(); }

@@ -19,7 +19,7 @@ public:
     void getString(std::string& out) const override;
 };
 
-// A path: told from the module's base directory in its text form, and turned absolute on reading.
+// A path: relative to the library's base directory in its text form, made absolute on reading.
 class PathValue final : public StringValue {
 public:
     using StringValue::StringValue;
@@ -69,7 +69,7 @@ public:
     void setFileName(const FileName& name) { set(name); }
     void getFileName(FileName& out) const;
 
-    // Whether the text form tells the name from the module's base directory.
+    // Whether the text form gives the name relative to the base directory.
     bool isRelative() const { return relative; }
     void setRelative(bool newRelative) { relative = newRelative; }
 

@@ -47,7 +47,7 @@ struct Matrix3 {
     }
     // True when every entry, and every entry of the inverse, is a finite number.
     [[nodiscard]] bool IsInvertible() const { return IsFinite() && Determinant() != 0.0 && Inverse().IsFinite(); }
-    // Of a matrix that has none, all entries are infinite or not a number.
+    // Of a matrix that has none, all entries are infinite or NaN.
     [[nodiscard]] constexpr Matrix3 Inverse() const {
         const double determinant = Determinant();
         Matrix3 inverse;

@@ -44,16 +44,16 @@ constexpr typename F::Channel Interpolate(std::uint32_t p00, std::uint32_t p10, 
     return FinishSum<F>(((256 - f.x) * p00 + f.x * p10) * (256 - f.y) + (f.x * p11 + (256 - f.x) * p01) * f.y);
 }
 
-// Any walk.
+// Any iteration.
 //
-//   walk    begins at the first pixel, counted from the area's lower left pixel
+//   iterator    begins at the first pixel, counted from the area's lower left pixel
 //   count   pixels
 template <typename F, int channels>
-void ResampleAlong(const ResampleSource<typename F::Channel>& source, const ResampleIterator& walk,
+void ResampleAlong(const ResampleSource<typename F::Channel>& source, const ResampleIterator& iterator,
                    typename F::Channel* target, std::ptrdiff_t count) {
-    std::int64_t u = walk.u;
-    std::int64_t v = walk.v;
-    for (std::ptrdiff_t x = 0; x < count; ++x, u += walk.stepU, v += walk.stepV, target += channels) {
+    std::int64_t u = iterator.u;
+    std::int64_t v = iterator.v;
+    for (std::ptrdiff_t x = 0; x < count; ++x, u += iterator.stepU, v += iterator.stepV, target += channels) {
         const auto* lower = source.first + (v >> 16) * source.rowStep + (u >> 16) * channels;
         const auto* upper = lower + source.rowStep;
         const Fractions f(u, v);
@@ -85,9 +85,9 @@ template <typename F, int channels>
 
 template <typename F, int channels>
 struct PlainInner {
-    static void Along(const ResampleSource<typename F::Channel>& source, const ResampleIterator& walk,
+    static void Along(const ResampleSource<typename F::Channel>& source, const ResampleIterator& iterator,
                       typename F::Channel* target, std::ptrdiff_t count) {
-        ResampleAlong<F, channels>(source, walk, target, count);
+        ResampleAlong<F, channels>(source, iterator, target, count);
     }
     static void Moved(const typename F::Channel* lower, const typename F::Channel* upper, typename F::Channel* target,
                       std::ptrdiff_t count, const Fractions& f) {
@@ -98,7 +98,7 @@ struct PlainInner {
 // Needs AVX2, and is there where `builtWithAvx2`.
 template <typename F, int channels>
 struct Avx2Inner {
-    static void Along(const ResampleSource<typename F::Channel>& source, const ResampleIterator& walk,
+    static void Along(const ResampleSource<typename F::Channel>& source, const ResampleIterator& iterator,
                       typename F::Channel* target, std::ptrdiff_t count);
     static void Moved(const typename F::Channel* lower, const typename F::Channel* upper, typename F::Channel* target,
                       std::ptrdiff_t count, const Fractions& f);
@@ -109,11 +109,11 @@ extern template struct Avx2Inner<PixelFormat14, 1>;
 extern template struct Avx2Inner<PixelFormat14, 4>;
 
 template <typename F, int channels, typename Inner>
-void ResampleInner(const ResampleSource<typename F::Channel>& source, const ResampleIterator& walk,
+void ResampleInner(const ResampleSource<typename F::Channel>& source, const ResampleIterator& iterator,
                    typename F::Channel* target, std::ptrdiff_t count) {
-    if (walk.stepU != 65536 || walk.stepV != 0) return Inner::Along(source, walk, target, count);
-    const auto* lower = source.first + (walk.v >> 16) * source.rowStep + (walk.u >> 16) * channels;
-    Inner::Moved(lower, lower + source.rowStep, target, count * channels, Fractions(walk.u, walk.v));
+    if (iterator.stepU != 65536 || iterator.stepV != 0) return Inner::Along(source, iterator, target, count);
+    const auto* lower = source.first + (iterator.v >> 16) * source.rowStep + (iterator.u >> 16) * channels;
+    Inner::Moved(lower, lower + source.rowStep, target, count * channels, Fractions(iterator.u, iterator.v));
 }
 
 }  // namespace chalkpane

@@ -57,9 +57,9 @@ struct TwoPixels {
     std::memcpy(target + 4, &second, sizeof second);
 }
 
-[[gnu::target("avx2")]] void AlongColour(const ResampleSource<std::uint8_t>& source, const ResampleIterator& walk,
+[[gnu::target("avx2")]] void AlongColour(const ResampleSource<std::uint8_t>& source, const ResampleIterator& iterator,
                                          std::uint8_t* target, std::ptrdiff_t count) {
-    ResampleIterator at = walk;
+    ResampleIterator at = iterator;
     std::ptrdiff_t x = 0;
     for (; x + 2 <= count; x += 2, target += 8) {
         TwoPixels pixels;
@@ -150,7 +150,7 @@ template <int channels>
     if (count % block != 0) MoveSixteen<channels>(lower + last, upper + last, target + last, weights);
 }
 
-// True when all positions and offsets of the walk fit 32 bits.
+// True when all positions and offsets of the iterator fit 32 bits.
 bool IsSmall(const ResampleSource<std::uint8_t>& source) {
     const std::int64_t width = std::int64_t{source.area.x1} - source.area.x0 + 1;
     const std::int64_t height = std::int64_t{source.area.y1} - source.area.y0 + 1;
@@ -158,14 +158,14 @@ bool IsSmall(const ResampleSource<std::uint8_t>& source) {
            height * -source.rowStep + width < std::numeric_limits<std::int32_t>::max();
 }
 
-[[gnu::target("avx2")]] void AlongMask(const ResampleSource<std::uint8_t>& source, const ResampleIterator& walk,
+[[gnu::target("avx2")]] void AlongMask(const ResampleSource<std::uint8_t>& source, const ResampleIterator& iterator,
                                        std::uint8_t* target, std::ptrdiff_t count) {
-    ResampleIterator at = walk;
+    ResampleIterator at = iterator;
     if (IsSmall(source)) {
-        __m256i u = FirstEight(walk.u, walk.stepU);
-        __m256i v = FirstEight(walk.v, walk.stepV);
-        const __m256i stepU = _mm256_set1_epi32(Low(walk.stepU * 8));
-        const __m256i stepV = _mm256_set1_epi32(Low(walk.stepV * 8));
+        __m256i u = FirstEight(iterator.u, iterator.stepU);
+        __m256i v = FirstEight(iterator.v, iterator.stepV);
+        const __m256i stepU = _mm256_set1_epi32(Low(iterator.stepU * 8));
+        const __m256i stepV = _mm256_set1_epi32(Low(iterator.stepV * 8));
         const __m256i rowStep = _mm256_set1_epi32(Low(source.rowStep));
         for (; count >= 8; count -= 8, target += 8, at.u += 8 * at.stepU, at.v += 8 * at.stepV) {
             _mm_storel_epi64(reinterpret_cast<__m128i*>(target), ResampleEight(source.first, rowStep, u, v));
@@ -186,14 +186,14 @@ template <int channels>
 }  // namespace
 
 template <typename F, int channels>
-void Avx2Inner<F, channels>::Along(const ResampleSource<typename F::Channel>& source, const ResampleIterator& walk,
+void Avx2Inner<F, channels>::Along(const ResampleSource<typename F::Channel>& source, const ResampleIterator& iterator,
                                    typename F::Channel* target, std::ptrdiff_t count) {
     if constexpr (F::bits == 14)
-        ResampleAlong<F, channels>(source, walk, target, count);  // DIFFERS: only moves have a vector form
+        ResampleAlong<F, channels>(source, iterator, target, count);  // DIFFERS: only moves have a vector form
     else if constexpr (channels == 1)
-        AlongMask(source, walk, target, count);
+        AlongMask(source, iterator, target, count);
     else
-        AlongColour(source, walk, target, count);
+        AlongColour(source, iterator, target, count);
 }
 
 template <typename F, int channels>

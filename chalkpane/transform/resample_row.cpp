@@ -30,7 +30,7 @@ constexpr std::int64_t CeilingOfQuotient(std::int64_t a, std::int64_t positive) 
 Columns ColumnsWithin(std::int64_t position, std::int64_t step, std::int64_t low, std::int64_t high,
                       std::ptrdiff_t count) {
     if (step == 0) return position >= low && position < high ? Columns{0, count} : Columns{};
-    // A falling walk is a rising one in the mirrored range.
+    // A falling iteration is a rising one in the mirrored range.
     const bool falls = step < 0;
     const std::int64_t from = falls ? position - high + 1 : low - position;
     const std::int64_t to = falls ? position - low + 1 : high - position;
@@ -41,12 +41,12 @@ Columns ColumnsWithin(std::int64_t position, std::int64_t step, std::int64_t low
 }
 
 // The columns whose upper left neighbour lies in the source area widened by `margin` on the lower and left side.
-Columns ColumnsInArea(const Rect& area, const ResampleIterator& walk, std::int64_t marginLow, std::int64_t marginHigh,
-                      std::ptrdiff_t count) {
+Columns ColumnsInArea(const Rect& area, const ResampleIterator& iterator, std::int64_t marginLow,
+                      std::int64_t marginHigh, std::ptrdiff_t count) {
     const auto fixed = [](std::int64_t value) { return value * 65536; };
-    return ColumnsWithin(walk.u, walk.stepU, fixed(area.x0 - marginLow), fixed(area.x1 + marginHigh), count)
+    return ColumnsWithin(iterator.u, iterator.stepU, fixed(area.x0 - marginLow), fixed(area.x1 + marginHigh), count)
         .Intersection(
-            ColumnsWithin(walk.v, walk.stepV, fixed(area.y0 - marginLow), fixed(area.y1 + marginHigh), count));
+            ColumnsWithin(iterator.v, iterator.stepV, fixed(area.y0 - marginLow), fixed(area.y1 + marginHigh), count));
 }
 
 // One pixel at the border, where neighbours may lie outside the area.
@@ -71,25 +71,26 @@ void ResampleEdge(const ResampleSource<typename F::Channel>& source, std::int64_
 }
 
 template <typename F, int channels, typename Inner>
-void ResampleRow(const ResampleSource<typename F::Channel>& source, const ResampleIterator& walk,
+void ResampleRow(const ResampleSource<typename F::Channel>& source, const ResampleIterator& iterator,
                  typename F::Channel* target, std::ptrdiff_t count) {
     using Channel = typename F::Channel;
-    const Columns reached = ColumnsInArea(source.area, walk, 1, 1, count);
-    Columns inside = reached.Intersection(ColumnsInArea(source.area, walk, 0, 0, count));
+    const Columns reached = ColumnsInArea(source.area, iterator, 1, 1, count);
+    Columns inside = reached.Intersection(ColumnsInArea(source.area, iterator, 0, 0, count));
     if (inside.first >= inside.end) inside = {reached.end, reached.end};
     const auto zero = [&](std::ptrdiff_t first, std::ptrdiff_t end) {
         std::fill(target + first * channels, target + end * channels, Channel{0});
     };
     const auto edges = [&](std::ptrdiff_t first, std::ptrdiff_t end) {
         for (std::ptrdiff_t x = first; x < end; ++x)
-            ResampleEdge<F, channels>(source, walk.u + x * walk.stepU, walk.v + x * walk.stepV, target + x * channels);
+            ResampleEdge<F, channels>(source, iterator.u + x * iterator.stepU, iterator.v + x * iterator.stepV,
+                                      target + x * channels);
     };
     zero(0, reached.first);
     edges(reached.first, inside.first);
     if (inside.first < inside.end) {
-        ResampleIterator inner = walk;  // counted from the area's lower left pixel
-        inner.u += inside.first * walk.stepU - source.area.x0 * std::int64_t{65536};
-        inner.v += inside.first * walk.stepV - source.area.y0 * std::int64_t{65536};
+        ResampleIterator inner = iterator;  // counted from the area's lower left pixel
+        inner.u += inside.first * iterator.stepU - source.area.x0 * std::int64_t{65536};
+        inner.v += inside.first * iterator.stepV - source.area.y0 * std::int64_t{65536};
         ResampleInner<F, channels, Inner>(source, inner, target + inside.first * channels, inside.end - inside.first);
     }
     edges(inside.end, reached.end);

@@ -18,7 +18,7 @@ struct ResampleSource {
     Rect area;                       // what is outside reads as zero
 };
 
-// A walk through the source in 16.16 fixed point, from pixel centre to pixel centre.
+// An iteration over the source in 16.16 fixed point, from pixel centre to pixel centre.
 struct ResampleIterator {
     std::int64_t u = 0;  // where the row begins
     std::int64_t v = 0;
@@ -28,8 +28,9 @@ struct ResampleIterator {
 
 // Fills `count` pixels of `channels` channels, 1 or 4.
 template <typename F>
-using ResampleRowFunction = void (*)(const ResampleSource<typename F::Channel>& source, const ResampleIterator& walk,
-                                     typename F::Channel* target, std::ptrdiff_t count);
+using ResampleRowFunction = void (*)(const ResampleSource<typename F::Channel>& source,
+                                     const ResampleIterator& iterator, typename F::Channel* target,
+                                     std::ptrdiff_t count);
 
 // The two forms of a row function, which give the same bytes; `vector` needs AVX2.
 template <typename F>

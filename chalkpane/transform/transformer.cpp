@@ -19,7 +19,7 @@ constexpr double tolerance = 0.0001;
 
 bool IsNear(double a, double b) { return std::abs(a - b) < tolerance; }
 
-// 16.16, truncated; held where a picture cannot reach any more.
+// 16.16, truncated; clamped to where no picture lies any more.
 std::int64_t ToFixed(double value) {
     constexpr double farAway = 4503599627370496.0;  // 2 to the 52
     return static_cast<std::int64_t>(std::clamp(value * 65536.0, -farAway, farAway));
@@ -39,9 +39,9 @@ struct ResampleJob {
     ResampleSource<typename F::Channel> source;
     Plane<typename F::Channel> target;
     Rect rect;                   // of the target, what is written
-    std::int64_t columnsBefore;  // from the walk's beginning to the first column and row written
+    std::int64_t columnsBefore;  // from the beginning of the iteration to the first column and row written
     std::int64_t rowsBefore;
-    ResampleIterator walk;
+    ResampleIterator iterator;
     std::int64_t rowStepU;
     std::int64_t rowStepV;
     ResampleRowFunction<F> resample;
@@ -51,19 +51,20 @@ template <typename F>
 void ResampleOneRow(std::int32_t row, void* userData, std::int32_t /*worker*/) {
     const auto& job = *static_cast<const ResampleJob<F>*>(userData);
     const std::int64_t y = std::int64_t{row} - job.rect.y0;
-    ResampleIterator walk = job.walk;
-    const bool reachable =
-        Advance(walk.u, job.rowStepU, job.rowsBefore + y) && Advance(walk.v, job.rowStepV, job.rowsBefore + y) &&
-        Advance(walk.u, walk.stepU, job.columnsBefore) && Advance(walk.v, walk.stepV, job.columnsBefore);
-    if (!reachable) walk = {.u = std::numeric_limits<std::int64_t>::min() / 4};
-    job.resample(job.source, walk, job.target.At(0, y), job.rect.Width());
+    ResampleIterator iterator = job.iterator;
+    const bool reachable = Advance(iterator.u, job.rowStepU, job.rowsBefore + y) &&
+                           Advance(iterator.v, job.rowStepV, job.rowsBefore + y) &&
+                           Advance(iterator.u, iterator.stepU, job.columnsBefore) &&
+                           Advance(iterator.v, iterator.stepV, job.columnsBefore);
+    if (!reachable) iterator = {.u = std::numeric_limits<std::int64_t>::min() / 4};
+    job.resample(job.source, iterator, job.target.At(0, y), job.rect.Width());
 }
 
 struct ResampleOrder {
     const Image* source;
     Image* target;
     Rect sourceArea;  // within the source, not empty
-    Rect targetArea;  // where the walk begins at the lower left pixel
+    Rect targetArea;  // where the iteration begins at the lower left pixel
     Matrix3 inverse;
 };
 
@@ -82,7 +83,8 @@ void ResampleAtDepth(const ResampleOrder& order) {
         .rect = rect,
         .columnsBefore = std::int64_t{rect.x0} - wanted.x0,
         .rowsBefore = std::int64_t{rect.y0} - wanted.y0,
-        .walk = {ToFixed(start.x) - 0x8000, ToFixed(start.y) - 0x8000, ToFixed(linear[0][0]), ToFixed(linear[0][1])},
+        .iterator = {ToFixed(start.x) - 0x8000, ToFixed(start.y) - 0x8000, ToFixed(linear[0][0]),
+                     ToFixed(linear[0][1])},
         .rowStepU = ToFixed(linear[1][0]),
         .rowStepV = ToFixed(linear[1][1]),
         .resample = ResampleRowFor<F>(order.source->IsMask() ? 1 : 4).Fastest(),

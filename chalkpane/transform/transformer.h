@@ -10,7 +10,7 @@
 
 namespace chalkpane {
 
-// Moves, scales and turns an image by a matrix, resampling it with fixed-point bilinear interpolation.
+// Moves, scales and rotates an image by a matrix, resampling it with fixed-point bilinear interpolation.
 //
 // Sources and results are images of either depth, of one or four channels. Beyond its edge a source is zero, so edges
 // fade out across one pixel. Sources are borrowed for the call; results belong to the caller. New images throw
@@ -31,7 +31,7 @@ public:
 
     static constexpr std::int64_t maximumPixels = std::int64_t{1} << 28;
 
-    // About the origin: scaled, turned clockwise by `turn` degrees as y grows upward, then moved by `move`.
+    // About the origin: scaled, rotated clockwise by `turn` degrees as y grows upward, then moved by `move`.
     // origin, move: canvas pixels; scale: 1.0 keeps the size.
     void SetTransform(double originX, double originY, double moveX, double moveY, double scaleX, double scaleY,
                       double turn);
@@ -44,7 +44,7 @@ public:
     // The transformed source, and its rectangle in `outRect`. Identity and moves by whole pixels are plain copies.
     [[nodiscard]] std::unique_ptr<Image> Apply(const Image& source, Rect& outRect);
     [[nodiscard]] std::unique_ptr<Image> Apply(MRImage& source, Rect& outRect);
-    // Resamples into `rect` of a target that stands, of the source's format and depth; pixels of `rect` that the
+    // Resamples into `rect` of an existing target, of the source's format and depth; pixels of `rect` that the
     // source does not reach become zero. Without overlap, or where the formats differ, nothing changes.
     void ApplyInto(const Image& source, Image& target, const Rect& rect);
     void ApplyInto(MRImage& source, Image& target, const Rect& rect);

@@ -23,8 +23,8 @@ struct DabShape {
 //
 // Positions are canvas pixels as real numbers, angles degrees. The masks belong to the caller, but share their pixels
 // with the profile and with other masks: they are for reading. Null: there is no mask, because the profile could
-// not be built, or because the position is not a number or too far away to be placed.
-// A profile is immutable once built. Thread: the plug-in's.
+// not be built, or because the position is NaN or too far away to be placed.
+// A profile is immutable once built. Thread: the brushes'.
 class BrushProfile {
 public:
     // Above this radius, margin included, no mask is built: it takes 65 images of that size, and the canvas is smaller.
@@ -49,7 +49,7 @@ protected:
     static void RectOf(const Image* mask, Rect& out) { out = mask != nullptr ? mask->Bounds() : Rect(); }
 };
 
-// Whole pixels of a coordinate, towards zero; nothing when it is not a number or beyond 2 to the 30.
+// Whole pixels of a coordinate, towards zero; nothing when it is NaN or beyond 2 to the 30.
 [[nodiscard]] std::optional<std::int32_t> WholePixels(double coordinate);
 
 // An image that shares the pixels of `image`, with its rectangle moved by whole pixels of (dx, dy); null without an
@@ -57,7 +57,7 @@ protected:
 [[nodiscard]] std::unique_ptr<Image> MovedShare(const Image* image, double dx, double dy);
 
 // The 8 bits that are stored for a computed coverage: truncated, the low byte of what lies outside 0 .. 255, and 0 for
-// what is no number or no integer of 32 bits.
+// NaN and for what is no integer of 32 bits.
 [[nodiscard]] std::uint8_t CoverageByte(double value);
 
 }  // namespace chalkpane

@@ -36,7 +36,7 @@ private:
 
     std::unique_ptr<Image> mask;
     Transformer transformer;
-    Matrix3 matrix;   // KEEP: held like that of the other profiles, but a dab goes where it is asked for
+    Matrix3 matrix;   // KEEP: stored like that of the other profiles, but a dab goes where it is asked for
     double rotation;  // degrees
 };
 

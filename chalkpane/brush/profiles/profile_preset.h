@@ -19,8 +19,8 @@ struct ProfilePreset {
     GraphValue* graph = nullptr;  // for `Graph`: the curve that a brush's own graph inherits from; not owned
 };
 
-// The presets of the module, which stand before the names built in. None come with it: a front end brings its own, and
-// keeps their graphs alive. For the plug-in's thread.
+// The presets of the process, which stand before the names built in. None come with it: a front end brings its own, and
+// keeps their graphs alive. Thread: the brushes'.
 std::vector<ProfilePreset>& ProfilePresets();
 
 }  // namespace chalkpane

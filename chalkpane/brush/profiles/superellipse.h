@@ -48,7 +48,7 @@ private:
         std::int32_t y;
         friend bool operator==(const Pixel&, const Pixel&) = default;
     };
-    // Of the pixels that mirror one another, that which comes first on the walk from the top right.
+    // Of the pixels that mirror one another, that which an iteration from the top right meets first.
     [[nodiscard]] Pixel FirstOfItsKind(std::int32_t x, std::int32_t y) const {
         const std::int32_t mirroredX = side - 1 - x;
         const std::int32_t mirroredY = side - 1 - y;

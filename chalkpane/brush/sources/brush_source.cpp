@@ -39,9 +39,9 @@ void BrushSource::DabPlacedOnMask(double x, double y, double angle) {
     Renew(maskPickup, &BrushSource::MakeMaskDab, x, y, angle);
 }
 
-void BrushSource::Renew(Pickup& held, DabMaker make, double x, double y, double angle) {
+void BrushSource::Renew(Pickup& kept, DabMaker make, double x, double y, double angle) {
     if (GetPickupMode() != PickupMode::EveryDab) return;
-    held.image = nullptr;
+    kept.image = nullptr;
     std::unique_ptr<Image> colour;
     std::unique_ptr<Image> mask;
     (this->*make)(x, y, angle, colour, mask);
@@ -65,23 +65,23 @@ std::unique_ptr<BrushProfile> BrushSource::MakeProfile(std::int32_t margin, Grap
     }
 }
 
-bool BrushSource::ReusePickup(const Pickup& held, double x, double y, double angle, std::unique_ptr<Image>& colourOut,
+bool BrushSource::ReusePickup(const Pickup& kept, double x, double y, double angle, std::unique_ptr<Image>& colourOut,
                               std::unique_ptr<Image>& maskOut) {
-    if (GetPickupMode() == PickupMode::Off || !held.image) return false;
-    const Image& image = *held.image;
+    if (GetPickupMode() == PickupMode::Off || !kept.image) return false;
+    const Image& image = *kept.image;
     const double centreX = image.x0 + image.Width() * 0.5;
     const double centreY = image.y0 + image.Height() * 0.5;
-    transformer.SetTransform(centreX, centreY, centreX + (x - held.x), centreY + (y - held.y), 1.0, 1.0,
-                             angle - held.angle);
+    transformer.SetTransform(centreX, centreY, centreX + (x - kept.x), centreY + (y - kept.y), 1.0, 1.0,
+                             angle - kept.angle);
     Rect moved;
     maskOut = GetMask(x, y, angle);
     colourOut = maskOut ? transformer.Apply(image, moved) : nullptr;
     return true;
 }
 
-void BrushSource::StorePickup(Pickup& held, const Image& colourImage, double x, double y, double angle) const {
+void BrushSource::StorePickup(Pickup& kept, const Image& colourImage, double x, double y, double angle) const {
     if (GetPickupMode() == PickupMode::Off) return;
-    held = {std::make_unique<Image>(colourImage), x, y, angle};
+    kept = {std::make_unique<Image>(colourImage), x, y, angle};
 }
 
 std::optional<ProfileType> ProfileTypeOfName(std::string_view name) {

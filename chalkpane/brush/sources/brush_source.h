@@ -21,7 +21,7 @@ namespace chalkpane {
 // but may share their pixels with the source and with other dabs: they are for reading. Images throw std::bad_alloc
 // when there is no memory for them. What is stored by `setParameter` and the setters takes hold with `Prepare`, which
 // the owner calls once all is set. Profiles, cutouts and dabs have the target's depth: `SetTargetDepth` before
-// `Prepare`. Thread: the plug-in's.
+// `Prepare`. Thread: the brushes'.
 class BrushSource : public WithParameters<BrushSource, ParameterisedObject> {
 public:
     static constexpr auto Parameters() {
@@ -82,7 +82,7 @@ public:
     // Builds the profile. margin: pixels around the shape; graph: not owned, outlives the source; matrix: of positions.
     virtual void Prepare(std::int32_t /*margin*/, GraphValue* /*graph*/, const Matrix3& /*newMatrix*/) {}
 
-    // A stroke begins: what was picked up is let go.
+    // A stroke begins: what was picked up is released.
     void DropPickup();
     // A dab was placed on the paint plane, or on the mask plane: with pickup at every dab, the next one drags what is
     // here.
@@ -107,7 +107,7 @@ public:
     [[nodiscard]] const Rect& TargetArea() const { return targetArea; }
 
 protected:
-    // The colour image of a dab, held while it is dragged along; it shares the dab's pixels.
+    // The colour image of a dab, kept while it is dragged along; it shares the dab's pixels.
     struct Pickup {
         std::unique_ptr<Image> image;
         double x = 0.0;
@@ -120,17 +120,17 @@ protected:
     // Never null; what could not be built gives no masks.
     [[nodiscard]] std::unique_ptr<BrushProfile> MakeProfile(std::int32_t margin, GraphValue* graph,
                                                             const Matrix3& matrix);
-    // True when a dab is held: then the images are that dab moved and rotated to its new place, and a mask. Without a
+    // True when a dab is kept: then the images are that dab moved and rotated to its new place, and a mask. Without a
     // mask there is no dab, and the colours are null too.
-    bool ReusePickup(const Pickup& held, double x, double y, double angle, std::unique_ptr<Image>& colourOut,
+    bool ReusePickup(const Pickup& kept, double x, double y, double angle, std::unique_ptr<Image>& colourOut,
                      std::unique_ptr<Image>& maskOut);
-    void StorePickup(Pickup& held, const Image& colourImage, double x, double y, double angle) const;
+    void StorePickup(Pickup& kept, const Image& colourImage, double x, double y, double angle) const;
 
 private:
     using DabMaker = bool (BrushSource::*)(double x, double y, double angle, std::unique_ptr<Image>& colourOut,
                                            std::unique_ptr<Image>& maskOut);
-    // With pickup at every dab: lets go of what is held and makes a dab again, which holds what is here.
-    void Renew(Pickup& held, DabMaker make, double x, double y, double angle);
+    // With pickup at every dab: releases what is kept and makes a dab again, which keeps what is here.
+    void Renew(Pickup& kept, DabMaker make, double x, double y, double angle);
 
 protected:
     std::uint8_t profileType = 0;  // ProfileType

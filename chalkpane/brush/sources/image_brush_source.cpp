@@ -66,15 +66,15 @@ std::optional<ImageBrushSource::ReadOffset> ImageBrushSource::OffsetAt(double x,
     return ReadOffset{*wholeX, *wholeY, shiftX - *wholeX, shiftY - *wholeY};
 }
 
-bool ImageBrushSource::BeginDab(Pickup& held, double x, double y, double angle, std::unique_ptr<Image>& colourOut,
+bool ImageBrushSource::BeginDab(Pickup& kept, double x, double y, double angle, std::unique_ptr<Image>& colourOut,
                                 std::unique_ptr<Image>& maskOut, bool& isNew) {
     isNew = false;
     if (!profile) return false;
-    if (ReusePickup(held, x, y, angle, colourOut, maskOut)) return colourOut != nullptr;
+    if (ReusePickup(kept, x, y, angle, colourOut, maskOut)) return colourOut != nullptr;
     maskOut = GetMask(x, y, angle);
     if (!maskOut) return false;
     colourOut = std::make_unique<Image>(Image::Colour(maskOut->Bounds(), maskOut->GetDepth(), AlphaForm::Straight));
-    StorePickup(held, *colourOut, x, y, angle);
+    StorePickup(kept, *colourOut, x, y, angle);
     isNew = true;
     return true;
 }
@@ -95,10 +95,10 @@ bool ImageBrushSource::MakeMaskDab(double x, double y, double angle, std::unique
     return MakeDabFrom(maskSourceImage, maskPickup, x, y, angle, colourOut, maskOut);
 }
 
-bool ImageBrushSource::MakeDabFrom(std::unique_ptr<Image>& picture, Pickup& held, double x, double y, double angle,
+bool ImageBrushSource::MakeDabFrom(std::unique_ptr<Image>& picture, Pickup& kept, double x, double y, double angle,
                                    std::unique_ptr<Image>& colourOut, std::unique_ptr<Image>& maskOut) {
     bool isNew = false;
-    if (!BeginDab(held, x, y, angle, colourOut, maskOut, isNew)) return false;
+    if (!BeginDab(kept, x, y, angle, colourOut, maskOut, isNew)) return false;
     const Image* source = isNew ? AtDepth(picture, colourOut->GetDepth()) : nullptr;
     const auto read = source != nullptr ? OffsetAt(x, y) : std::nullopt;
     if (!read) return true;

@@ -39,9 +39,9 @@ protected:
     };
     // Nothing when it is too far to be of any picture.
     [[nodiscard]] std::optional<ReadOffset> OffsetAt(double x, double y) const;
-    // What all dabs begin with: a dab that is held, or a mask and a colour image of zeros, which is held from now on
+    // What all dabs begin with: a dab that is kept, or a mask and a colour image of zeros, which is kept from now on
     // when dabs are to be. False: there is no dab. `isNew`: the colours are still to be read.
-    bool BeginDab(Pickup& held, double x, double y, double angle, std::unique_ptr<Image>& colourOut,
+    bool BeginDab(Pickup& kept, double x, double y, double angle, std::unique_ptr<Image>& colourOut,
                   std::unique_ptr<Image>& maskOut, bool& isNew);
     // The picture at the depth of the dab, which it takes on for good; null where there is none to read.
     [[nodiscard]] static const Image* AtDepth(std::unique_ptr<Image>& picture, Depth depth);
@@ -51,7 +51,7 @@ protected:
     bool followsBrush;
 
 private:
-    bool MakeDabFrom(std::unique_ptr<Image>& picture, Pickup& held, double x, double y, double angle,
+    bool MakeDabFrom(std::unique_ptr<Image>& picture, Pickup& kept, double x, double y, double angle,
                      std::unique_ptr<Image>& colourOut, std::unique_ptr<Image>& maskOut);
 };
 

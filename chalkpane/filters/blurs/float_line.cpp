@@ -21,21 +21,21 @@ inline Quad Load(const float* from) {
 }
 inline void Store(float* to, const Quad& quad) { std::memcpy(to, &quad, sizeof(quad)); }
 
-// One pass over a line, fed with its positions from left to right. What comes out lags behind by `reach`, so that a
+// One pass over a line, fed with its positions from left to right. What comes out lags behind by `radius`, so that a
 // chain of passes runs over short blocks of a line, which stay close to the processor, instead of over the whole of it
 // again and again.
 struct Pass {
-    std::size_t reach;  // positions to either side that go into one
-    double fraction;    // 0: a running box; otherwise three taps with that much of both neighbours
-    float* history;     // a ring of the positions fed, zeros at first
-    std::size_t mask;   // of the ring, whose size is a power of two
+    std::size_t radius;  // positions to either side that go into one
+    double fraction;     // 0: a running box; otherwise three taps with that much of both neighbours
+    float* history;      // a ring of the positions fed, zeros at first
+    std::size_t mask;    // of the ring, whose size is a power of two
     std::size_t fed = 0;
     std::array<float, FloatLine::lanes> sum{};
 
     // KEEP: the sum is one 32-bit float that values enter and leave from left to right; summing afresh at each position
     // would round differently.
     std::size_t FeedBox(float* block, std::size_t count) {
-        const std::size_t width = 2 * reach + 1;  // positions from the one that leaves to the one that enters
+        const std::size_t width = 2 * radius + 1;  // positions from the one that leaves to the one that enters
         const std::size_t end = fed + count;
         float* out = block;
         Quad running[quads];
@@ -48,7 +48,7 @@ struct Pass {
                 Store(entering + 4 * i, value);
                 running[i] = (running[i] + value) - Load(leaving + 4 * i);
             }
-            if (position < reach) continue;
+            if (position < radius) continue;
             for (std::size_t i = 0; i < quads; ++i) Store(out + 4 * i, running[i]);
             out += FloatLine::lanes;
         }
@@ -65,7 +65,7 @@ struct Pass {
             const float* const here = history + ((position - 1) & mask) * FloatLine::lanes;
             const float* const before = history + ((position - 2) & mask) * FloatLine::lanes;
             std::copy_n(block, FloatLine::lanes, behind);
-            if (position < reach) continue;
+            if (position < radius) continue;
             for (std::size_t i = 0; i < FloatLine::lanes; ++i) {
                 const double sides = before[i] + behind[i];
                 out[i] = static_cast<float>(sides * fraction + static_cast<double>(here[i]));
@@ -89,7 +89,7 @@ public:
     Chain(std::vector<Pass> passes, FloatLine& scratch) : m_passes(std::move(passes)) {
         std::size_t positions = 0;
         for (Pass& pass : m_passes) {
-            pass.mask = std::bit_ceil(2 * pass.reach + 1 + block) - 1;
+            pass.mask = std::bit_ceil(2 * pass.radius + 1 + block) - 1;
             positions += pass.mask + 1;
         }
         scratch.Reset(0, static_cast<std::int32_t>(positions) - 1);
@@ -110,7 +110,7 @@ public:
         }
         // Beyond the line there are zeros, for each pass in turn.
         for (std::size_t i = 0; i < m_passes.size(); ++i) {
-            for (std::size_t rest = m_passes[i].reach; rest > 0;) {
+            for (std::size_t rest = m_passes[i].radius; rest > 0;) {
                 const std::size_t n = std::min(block, rest);
                 std::fill_n(m_block.data(), n * FloatLine::lanes, 0.0F);
                 RunBlock(i, n, out);
@@ -150,10 +150,10 @@ std::int32_t BoxRadius(double softness, std::int32_t passes, std::int32_t pass) 
     return static_cast<std::int32_t>((pass + softness) / passes);
 }
 
-std::int32_t SoftenReach(double softness, std::int32_t passes) {
-    std::int32_t reach = SoftnessFraction(softness, passes) > 0.0 ? 1 : 0;
-    for (std::int32_t pass = 0; pass < passes; ++pass) reach += BoxRadius(softness, passes, pass);
-    return reach;
+std::int32_t SoftenSupportRadius(double softness, std::int32_t passes) {
+    std::int32_t radius = SoftnessFraction(softness, passes) > 0.0 ? 1 : 0;
+    for (std::int32_t pass = 0; pass < passes; ++pass) radius += BoxRadius(softness, passes, pass);
+    return radius;
 }
 
 void SoftenLine(FloatLine& line, FloatLine& spare, double softness, std::int32_t passes) {

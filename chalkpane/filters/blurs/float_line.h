@@ -10,8 +10,8 @@ namespace chalkpane {
 // Some rows or columns of pixels side by side, in floats: the working line of the soft blur. Position p holds `lanes`
 // floats, the channels of as many lines as fit, so that one running sum serves all of them at once.
 //
-// Positions run from `left` to `right`, beyond the picture on both sides by what the passes reach; the picture is
-// bordered by zeros there. Values stand multiplied by `gain`.
+// Positions run from `left` to `right`, beyond the picture on both sides by the support radius of the passes; the
+// picture is bordered by zeros there. Values stand multiplied by `gain`.
 class FloatLine {
 public:
     static constexpr std::size_t lanes = 16;
@@ -39,8 +39,8 @@ private:
 // Radius of box pass `pass` of `passes`: the fractions of the softness spread over the passes.
 [[nodiscard]] std::int32_t BoxRadius(double softness, std::int32_t passes, std::int32_t pass);
 
-// How far the passes below reach on either side.
-[[nodiscard]] std::int32_t SoftenReach(double softness, std::int32_t passes);
+// Support radius of all passes together: positions on either side that enter a result.
+[[nodiscard]] std::int32_t SoftenSupportRadius(double softness, std::int32_t passes);
 
 // Runs `passes` box filters over the line, then, with more than two passes, three taps for what the softness has left
 // over after the point. Sums are 32-bit floats built up from left to right. `spare` is scratch of the caller's

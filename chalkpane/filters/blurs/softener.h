@@ -9,8 +9,8 @@ namespace chalkpane {
 
 // "Blur": a bell-shaped blur along columns and then rows, with the picture's edges fading out.
 //
-// An expanded result grows on all sides by the reach; a region's left and right sides fade, because the second pass
-// sees nothing beyond it.
+// An expanded result grows on all sides by the support radius; a region's left and right sides fade, because the second
+// pass sees nothing beyond it.
 class Softener final : public FilterClass<Softener, Filter> {
 public:
     static constexpr FilterIdentity identity{"Softener", "Blur", "Blurs"};
@@ -33,8 +33,8 @@ public:
     [[nodiscard]] Rect OutputRegion(const Rect& rect, const Rect& region) const override;
 
 private:
-    // Pixels that the blur reaches to each side.
-    [[nodiscard]] std::int32_t Reach() const;
+    // Pixels on each side that enter a result.
+    [[nodiscard]] std::int32_t SupportRadius() const;
 
     double m_softness = 0.0;  // pixels
     double m_scale = 1.0;     // of the picture against the one that the softness was chosen on

@@ -42,7 +42,7 @@ void Load(const typename F::Channel* channels, float* lanes) {
     const FourFloats floats = __builtin_convertvector(__builtin_convertvector(four, FourIntegers), FourFloats);
     std::memcpy(lanes, &floats, sizeof floats);
 }
-// Rounded and limited; what is not a number after endless passes is 0.
+// Rounded and limited; NaN, as after very many passes, is 0.
 template <typename F>
 void Store(const float* lanes, float gain, typename F::Channel* channels) {
     using Four = typename FourChannels<F>::Type;
@@ -83,10 +83,10 @@ struct StripJob {
 
     // Positions in a line are counted from its first pixel, so that pictures at the end of the plane have some.
     Lines& Ready(std::int32_t worker, std::int32_t pixels) {
-        const std::int32_t reach = SoftenReach(softness, passes);
+        const std::int32_t radius = SoftenSupportRadius(softness, passes);
         Lines& lines = workers[static_cast<std::size_t>(worker)];
-        lines.line.Reset(-reach, pixels - 1 + reach);
-        lines.spare.Reset(-reach, pixels - 1 + reach);
+        lines.line.Reset(-radius, pixels - 1 + radius);
+        lines.spare.Reset(-radius, pixels - 1 + radius);
         return lines;
     }
 
@@ -205,7 +205,7 @@ void SuperSoftener::setParameter(ParameterValue* value) {
     if (value != nullptr && value->getParameter() != nullptr && value->getParameter()->code == qualityCode) ++m_passes;
 }
 
-std::int32_t SuperSoftener::Reach() const {
+std::int32_t SuperSoftener::SupportRadius() const {
     const double softness = std::min(m_softness, largestSoftness);
     return softness > 0.0 ? static_cast<std::int32_t>(std::ceil(softness)) : 0;
 }
@@ -214,13 +214,17 @@ void SuperSoftener::Apply(const Image& source, std::unique_ptr<Image>& result, b
                           bool expand) {
     const double softness = std::min(m_softness, largestSoftness);
     if (!(softness >= 0.01 && (m_passes > 2 || softness >= 1.0))) return ApplyAsCopy(source, result);
-    ApplyInWorkArea(source, result, region, expand ? Reach() : 0, [&](const Rect& work) {
+    ApplyInWorkArea(source, result, region, expand ? SupportRadius() : 0, [&](const Rect& work) {
         return WithFormatOf(source,
                             [&](auto format) { return Softened<decltype(format)>(source, work, softness, m_passes); });
     });
 }
 
-Rect SuperSoftener::InputRegion(const Rect& /*rect*/, const Rect& region) const { return Grown(region, Reach()); }
-Rect SuperSoftener::OutputRegion(const Rect& /*rect*/, const Rect& region) const { return Grown(region, Reach()); }
+Rect SuperSoftener::InputRegion(const Rect& /*rect*/, const Rect& region) const {
+    return Grown(region, SupportRadius());
+}
+Rect SuperSoftener::OutputRegion(const Rect& /*rect*/, const Rect& region) const {
+    return Grown(region, SupportRadius());
+}
 
 }  // namespace chalkpane

@@ -7,8 +7,8 @@
 
 namespace chalkpane {
 
-// "Super Soften": box filters over rows and then columns, which approach a bell the more passes there are. Its cost
-// does not depend on the softness.
+// "Super Soften": box filters over rows and then columns, which approximate a Gaussian the better the more passes there
+// are. Its cost does not depend on the softness.
 class SuperSoftener final : public FilterClass<SuperSoftener, Filter> {
 public:
     static constexpr FilterIdentity identity{"SuperSoftener", "Super Soften", "Blurs"};
@@ -36,7 +36,7 @@ public:
     [[nodiscard]] Rect OutputRegion(const Rect& rect, const Rect& region) const override;
 
 private:
-    [[nodiscard]] std::int32_t Reach() const;
+    [[nodiscard]] std::int32_t SupportRadius() const;
 
     double m_softness = 0.0;    // pixels
     std::uint8_t m_passes = 3;  // DIFFERS from the default's 1: a fresh object blurs in three passes until told

@@ -7,7 +7,7 @@
 
 namespace chalkpane {
 
-// "Color Dodge": lays one colour over the picture by a mode, all over or in one range of luma.
+// "Color Dodge": composites one colour over the picture by a mode, all over or in one range of luma.
 class ColourDodgeCC final : public RowFilter<ColourDodgeCC> {
 public:
     static constexpr FilterIdentity identity{"ColourDodge", "Color Dodge", "Color Correctors"};

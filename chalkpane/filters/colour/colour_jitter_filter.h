@@ -8,7 +8,7 @@
 
 namespace chalkpane {
 
-// "Colour Jitter": turns all hues by one random part of the setting, drawn anew at each run.
+// "Colour Jitter": rotates all hues by one random part of the setting, drawn anew at each run.
 class ColourJitterFilter final : public RowFilter<ColourJitterFilter> {
 public:
     static constexpr FilterIdentity identity{"ColourJitter", "Colour Jitter", "Color Correctors"};
@@ -19,11 +19,12 @@ public:
     }
 
     ColourJitterFilter() = default;
-    // The drawn turn stays behind: a copy starts like a fresh object.
+    // The drawn rotation is not copied: a copy starts like a fresh object.
     ColourJitterFilter(const ColourJitterFilter& other) : RowFilter(other), m_hue(other.m_hue) {}
 
-    // KEEP: the turn of the run before is tested, not the setting; once a turn of nothing was drawn the filter rests.
-    // The one draw of a run comes before it is known whether the region meets the source: one that misses draws too.
+    // KEEP: the rotation of the run before is tested, not the setting; once a rotation of 0 was drawn the filter stays
+    // inactive. The one draw of a run comes before it is known whether the region meets the source: one that misses
+    // draws too.
     void Apply(const Image& source, std::unique_ptr<Image>& result, bool fast, const Rect* region,
                bool expand) override {
         if (std::fabs(m_turn) < 1e-05F) return ApplyAsCopy(source, result);

@@ -7,8 +7,8 @@
 
 namespace chalkpane {
 
-// "Component Correct": a curve over one component of the colour. Rows go one after the other on the calling thread.
-// Masks have no colour and are copied.
+// "Component Correct": a curve over one component of the colour. Rows run on the workers. Masks have
+// no colour and are copied.
 class ComponentCC final : public FilterClass<ComponentCC, Filter> {
 public:
     static constexpr FilterIdentity identity{"ComponentCorrect", "Component Correct", "Color Correctors"};

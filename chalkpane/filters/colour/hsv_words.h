@@ -58,7 +58,7 @@ struct RgbWords {
     return {word(red), word(green), word(blue)};
 }
 
-// hue less its floor: 0 .. 1, where 1 itself can come out of rounding a tiny negative hue. What is no number is 0.
+// hue less its floor: 0 .. 1, where 1 itself can come out of rounding a tiny negative hue. NaN is 0.
 [[nodiscard]] inline float WrapHue(float hue) {
     const float wrapped = hue - std::floor(hue);
     return wrapped >= 0.0F ? wrapped : 0.0F;

@@ -7,7 +7,7 @@
 
 namespace chalkpane {
 
-// "Hue Rotate": turns all hues, and those of shadows, midtones and highlights besides.
+// "Hue Rotate": rotates all hues, and those of shadows, midtones and highlights besides.
 class HueCC final : public RowFilter<HueCC> {
 public:
     static constexpr FilterIdentity identity{"HueRotate", "Hue Rotate", "Color Correctors"};

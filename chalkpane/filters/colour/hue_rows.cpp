@@ -20,7 +20,7 @@ void Turn(std::span<typename F::Channel> pixels, float turn, const float* byValu
         const float value = static_cast<float>(Wide<F>(std::max(std::max(red, green), blue))) * 6.103888e-05F;
         return std::min(static_cast<std::int32_t>(value * static_cast<float>(F::fullScale)), F::fullScale);
     };
-    const auto turned = [turn](auto& blue, auto& green, auto& red, auto& /*alpha*/, float more) {
+    const auto rotated = [turn](auto& blue, auto& green, auto& red, auto& /*alpha*/, float more) {
         HsvFloat colour = RgbToHsv({Wide<F>(red), Wide<F>(green), Wide<F>(blue)});
         colour.hue = WrapHue(colour.hue + turn + more);
         const RgbWords words = HsvToRgb(colour);
@@ -30,10 +30,10 @@ void Turn(std::span<typename F::Channel> pixels, float turn, const float* byValu
     };
     constexpr float none = 0.0F;
     if (byValue != nullptr)
-        ForEachColour<F>(pixels, byValue, valueOf, turned);
+        ForEachColour<F>(pixels, byValue, valueOf, rotated);
     else
         ForEachColour<F>(
-            pixels, &none, [](auto, auto, auto) { return 0; }, turned);
+            pixels, &none, [](auto, auto, auto) { return 0; }, rotated);
 }
 
 template <typename F>

@@ -6,7 +6,7 @@
 
 namespace chalkpane {
 
-// Turns the hue of every pixel of a row by `turn`, and by what `byValue` says for its value; both in turns.
+// Rotates the hue of every pixel of a row by `turn`, and by what `byValue` says for its value; both in turns.
 //
 //   byValue  256 or 16384 turns by the largest component of a pixel, as the depth has it; null: none
 //

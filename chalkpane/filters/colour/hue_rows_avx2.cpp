@@ -23,7 +23,7 @@ struct Eight {
     return _mm256_cvttps_epi32(Plus(Times(unit, 16383.0F), 0.5F));
 }
 
-[[gnu::target("avx2")]] inline Eight TurnedEight(const Eight& words, float turn, __m256 more) {
+[[gnu::target("avx2")]] inline Eight RotatedEight(const Eight& words, float turn, __m256 more) {
     const __m256 zero = _mm256_setzero_ps();
     const __m256 one = _mm256_set1_ps(1.0F);
     const __m256 red = Unit(words.red);
@@ -65,7 +65,7 @@ struct Eight {
             Word(Choose(is1, q, Choose(is4, t, Choose(_mm256_or_ps(is2, is3), p, value))))};
 }
 
-// Turns by table, for words in the order in which they stand in the lanes.
+// Rotates by table, for words in the order in which they stand in the lanes.
 [[gnu::target("avx2")]] inline __m256 MoreByValue(const Eight& words, std::int32_t fullScale, const float* byValue) {
     if (byValue == nullptr) return _mm256_setzero_ps();
     const __m256 value = Unit(_mm256_max_epi32(_mm256_max_epi32(words.red, words.green), words.blue));
@@ -87,10 +87,10 @@ struct Eight {
         auto* const at = reinterpret_cast<__m256i*>(pixels.data() + i);
         const __m256i loaded = _mm256_loadu_si256(at);
         const Eight words{WideByte(loaded, 0), WideByte(loaded, 8), WideByte(loaded, 16)};
-        const Eight turned = TurnedEight(words, turn, MoreByValue(words, 255, byValue));
-        const __m256i blue = _mm256_srli_epi32(turned.blue, 6);
-        const __m256i green = _mm256_slli_epi32(_mm256_srli_epi32(turned.green, 6), 8);
-        const __m256i red = _mm256_slli_epi32(_mm256_srli_epi32(turned.red, 6), 16);
+        const Eight rotated = RotatedEight(words, turn, MoreByValue(words, 255, byValue));
+        const __m256i blue = _mm256_srli_epi32(rotated.blue, 6);
+        const __m256i green = _mm256_slli_epi32(_mm256_srli_epi32(rotated.green, 6), 8);
+        const __m256i red = _mm256_slli_epi32(_mm256_srli_epi32(rotated.red, 6), 16);
         const __m256i kept = _mm256_and_si256(loaded, alphas);
         _mm256_storeu_si256(at, _mm256_or_si256(_mm256_or_si256(blue, green), _mm256_or_si256(red, kept)));
     }
@@ -108,10 +108,10 @@ struct Eight {
         const __m256i low = _mm256_castps_si256(_mm256_shuffle_ps(first, second, 0x88));
         const __m256i high = _mm256_castps_si256(_mm256_shuffle_ps(first, second, 0xdd));
         const Eight words{_mm256_and_si256(low, lower), _mm256_srli_epi32(low, 16), _mm256_and_si256(high, lower)};
-        const Eight turned = TurnedEight(words, turn, MoreByValue(words, 16383, byValue));
+        const Eight rotated = RotatedEight(words, turn, MoreByValue(words, 16383, byValue));
         const __m256i newLow =
-            _mm256_or_si256(_mm256_and_si256(turned.blue, lower), _mm256_slli_epi32(turned.green, 16));
-        const __m256i newHigh = _mm256_or_si256(_mm256_and_si256(turned.red, lower), _mm256_andnot_si256(lower, high));
+            _mm256_or_si256(_mm256_and_si256(rotated.blue, lower), _mm256_slli_epi32(rotated.green, 16));
+        const __m256i newHigh = _mm256_or_si256(_mm256_and_si256(rotated.red, lower), _mm256_andnot_si256(lower, high));
         _mm256_storeu_si256(at, _mm256_unpacklo_epi32(newLow, newHigh));
         _mm256_storeu_si256(at + 1, _mm256_unpackhi_epi32(newLow, newHigh));
     }

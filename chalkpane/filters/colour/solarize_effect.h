@@ -4,7 +4,7 @@
 
 namespace chalkpane {
 
-// "Solarize": turns the dark part of the scale over, so that black becomes white and the threshold black.
+// "Solarize": inverts the dark part of the scale, so that black becomes white and the threshold black.
 // An amount of exactly 0 or 1 divides by zero; the infinite slope gives full scale, or 0 at the threshold itself.
 class SolarizeEffect final : public RowFilter<SolarizeEffect> {
 public:

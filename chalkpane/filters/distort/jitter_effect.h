@@ -7,8 +7,9 @@
 
 namespace chalkpane {
 
-// "Random Jitter": turns, zooms and moves the whole picture by random parts of the settings, anew at each run. Between
-// `BeginStep` and `EndStep` all runs are alike, so that a picture and its mask stay together. A region limits nothing.
+// "Random Jitter": rotates, zooms and moves the whole picture by random parts of the settings, anew at each run.
+// Between `BeginStep` and `EndStep` all runs are alike, so that a picture and its mask stay together. A region limits
+// nothing.
 class JitterEffect final : public FilterClass<JitterEffect, Filter> {
 public:
     static constexpr FilterIdentity identity{"Random Jitter", "Random Jitter", "Distort"};

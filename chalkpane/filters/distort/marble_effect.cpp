@@ -57,7 +57,7 @@ void MarbleEffect::MapRow(std::int32_t x, std::int32_t y, std::span<float> sourc
 }
 
 std::size_t MarbleEffect::RingOf(float noise) {
-    // Limited as a float, what is no number to 0, before it is truncated.
+    // Clamped as a float, NaN to 0, before it is truncated.
     const float place = (noise + 1.0F) * 127.0F;
     const float positive = place > 0.0F ? place : 0.0F;
     return static_cast<std::size_t>(static_cast<std::int32_t>(positive < 255.0F ? positive : 255.0F));

@@ -12,7 +12,8 @@ namespace chalkpane {
 namespace {
 
 constexpr std::uint8_t edgesCode = 2;
-constexpr std::int32_t largestReach = 1000;  // pixels that a picture may grow by; far beyond what a control offers
+constexpr std::int32_t largestSupportRadius =
+    1000;  // pixels that a picture may grow by; far beyond what a control offers
 
 }  // namespace
 
@@ -31,12 +32,16 @@ void TurbulenceEffect::Apply(const Image& source, std::unique_ptr<Image>& result
     DistortFilter::Apply(source, result, fast, region, expand);
 }
 
-std::int32_t TurbulenceEffect::Reach() const { return std::clamp(Truncated(m_amount), 0, largestReach); }
+std::int32_t TurbulenceEffect::SupportRadius() const {
+    return std::clamp(Truncated(m_amount), 0, largestSupportRadius);
+}
 
-Rect TurbulenceEffect::OutputRegion(const Rect& /*rect*/, const Rect& region) const { return Grown(region, Reach()); }
+Rect TurbulenceEffect::OutputRegion(const Rect& /*rect*/, const Rect& region) const {
+    return Grown(region, SupportRadius());
+}
 
 void TurbulenceEffect::MapRect(Rect& out, const Rect& rect, bool expand) const {
-    out = expand ? Grown(rect, Reach()) : InputRegion(rect, rect);
+    out = expand ? Grown(rect, SupportRadius()) : InputRegion(rect, rect);
 }
 
 void TurbulenceEffect::Prepare() {

@@ -37,7 +37,7 @@ public:
     void Prepare() override;
 
 private:
-    [[nodiscard]] std::int32_t Reach() const;
+    [[nodiscard]] std::int32_t SupportRadius() const;
 
     float m_amount = 0.0F;           // pixels; noise of 1 moves by twice as much
     std::int32_t m_latticeSize = 4;  // pixels from one lattice point to the next

@@ -48,7 +48,7 @@ struct Strength {
     }
 };
 
-// Turns the table into grain around the middle of the scale, row by row of `grain`. Rows that were not drawn have none.
+// Makes grain of the table around the middle of the scale, row by row of `grain`. Rows that were not drawn have none.
 template <typename F>
 struct FillJob {
     Image& grain;
@@ -128,7 +128,7 @@ FilmGrainEffect::FilmGrainEffect(const FilmGrainEffect& other)
       m_blueSize(other.m_blueSize),
       m_randomSeed(other.m_randomSeed) {}
 
-std::int32_t FilmGrainEffect::Reach() const {
+std::int32_t FilmGrainEffect::SupportRadius() const {
     const float largest = std::max({m_redSize, m_greenSize, m_blueSize});
     return Truncated(std::clamp(largest, 0.0F, largestSize));
 }
@@ -139,7 +139,7 @@ void FilmGrainEffect::Advance(const Image* image, std::int32_t frame, std::int32
     GrainRandom random(static_cast<std::uint32_t>(frame) * 65537u + static_cast<std::uint32_t>(m_randomSeed));
     m_grainTable.resize(tableSize);
     for (auto& number : m_grainTable) number = static_cast<std::int16_t>(random.Next() & 0xffffu);
-    const Rect rows = Grown(*image, Reach());
+    const Rect rows = Grown(*image, SupportRadius());
     m_firstRow = rows.y0;
     for (std::size_t channel = 0; channel < channelCount; ++channel) {
         m_rowStart[channel].clear();
@@ -165,7 +165,7 @@ DataSet* FilmGrainEffect::MakeValues(bool animated, const AnimationClock* clock,
 
 template <typename F>
 void FilmGrainEffect::Grain(const Image& source, Image& result) const {
-    Image grain(Grown(source, Reach()), Image::maskType, source.depth, 0);
+    Image grain = Image::Mask(Grown(source, SupportRadius()), source.GetDepth());
     if (!grain.Contains(source)) return;  // at the very end of the plane
     for (std::size_t channel = 0; channel < channelCount; ++channel) {
         const float level = Levels()[channel];

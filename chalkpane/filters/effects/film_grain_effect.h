@@ -29,7 +29,7 @@ public:
     }
 
     FilmGrainEffect() = default;
-    // The grain that was drawn stays behind.
+    // The grain that was drawn is not copied.
     FilmGrainEffect(const FilmGrainEffect& other);
 
     void Apply(const Image& source, std::unique_ptr<Image>& result, bool fast, const Rect* region,
@@ -45,8 +45,8 @@ private:
 
     [[nodiscard]] std::array<float, channelCount> Levels() const { return {m_redLevel, m_greenLevel, m_blueLevel}; }
     [[nodiscard]] std::array<float, channelCount> Sizes() const { return {m_redSize, m_greenSize, m_blueSize}; }
-    // Pixels by which the grain reaches beyond the picture.
-    [[nodiscard]] std::int32_t Reach() const;
+    // Support radius of the blur that softens the grain: pixels by which it extends beyond the picture.
+    [[nodiscard]] std::int32_t SupportRadius() const;
     template <typename F>
     void Grain(const Image& source, Image& result) const;
 

@@ -11,7 +11,7 @@
 
 namespace chalkpane {
 
-// "Halftone": a turned screen of dots or lines, thicker where the picture is darker; one screen in black, or one for
+// "Halftone": a rotated screen of dots or lines, thicker where the picture is darker; one screen in black, or one for
 // each colour.
 class HalftoneEffect final : public FilterClass<HalftoneEffect, PointFilter> {
 public:
@@ -55,9 +55,9 @@ private:
     static constexpr std::size_t block = 256;
     using Block = std::array<std::int32_t, block>;
 
-    // A level of 0 to 255 by a threshold; not limited, and no number where it is 0 / 0.
+    // A level of 0 to 255 by a threshold; not clamped, and NaN where it is 0 / 0.
     [[nodiscard]] float Screened(float level, std::int32_t threshold) const;
-    // The thresholds of a turned screen for `count` pixels of row y from x on.
+    // The thresholds of a rotated screen for `count` pixels of row y from x on.
     template <bool far>
     void Places(std::int32_t x, std::int32_t y, std::size_t count, const Turn& turn, Block& places) const;
     void Thresholds(std::int32_t x, std::int32_t y, std::size_t count, const Turn& turn, Block& thresholds) const;

@@ -133,7 +133,7 @@ struct OilJob {
     Image& result;
     std::int32_t radius;
     std::int32_t levels;
-    // Colour without alpha, prepared for `Tones`, in rows as wide as the windows reach; beyond the picture its edge.
+    // Colour without alpha, prepared for `Tones`, in rows as wide as all windows together; beyond the picture its edge.
     std::size_t rowLength;
     std::vector<Lanes> read;
     std::vector<Tones> workers;

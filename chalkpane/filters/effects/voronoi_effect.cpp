@@ -18,7 +18,7 @@ namespace {
 constexpr std::uint32_t cellSeed = 190423;
 constexpr float unreached = 1.0e9F;
 
-// Settings that would make cells without end are held here, far outside what a control offers.
+// Settings that would make cells without end are clamped here, far outside what a control offers.
 constexpr double smallestSpacing = 0.1;
 constexpr double largestSpacing = 1e6;
 constexpr double mostRandom = 16.0;
@@ -79,7 +79,7 @@ private:
     GrainRandom m_random{cellSeed};
 };
 
-// Rounded down and held inside.
+// Rounded down and clamped.
 std::int32_t HeldInside(float place, std::int32_t first, std::int32_t last) {
     const double floored = std::floor(static_cast<double>(place));
     return static_cast<std::int32_t>(std::clamp<double>(floored, first, last));

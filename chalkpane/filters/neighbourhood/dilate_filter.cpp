@@ -41,7 +41,7 @@ ByteTable SlopeTable(std::int64_t softness) {
 
 // One channel of luma between the thresholds.
 Image LumaMask(const Image& source, const Rect& work, const ByteTable& table) {
-    Image mask(work, Image::maskType, 0, 0);
+    Image mask = Image::Mask(work, Depth::Eight);
     for (std::int64_t y = mask.y0; y <= mask.y1; ++y) {
         const auto line = static_cast<std::int32_t>(y);
         const auto out = mask.Row8(line);

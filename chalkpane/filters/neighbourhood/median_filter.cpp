@@ -126,17 +126,22 @@ std::unique_ptr<Image> Medians(const Image& source, const Rect& work, std::int32
 
 }  // namespace
 
-std::int32_t MedianFilter::Reach() const { return std::clamp(m_radius, 0, largestMedianRadius); }
+std::int32_t MedianFilter::SupportRadius() const { return std::clamp(m_radius, 0, largestMedianRadius); }
 
 void MedianFilter::Apply(const Image& source, std::unique_ptr<Image>& result, bool /*fast*/, const Rect* region,
                          bool expand) {
     if (m_radius <= 0) return ApplyAsCopy(source, result);
-    ApplyInWorkArea(source, result, region, expand ? Reach() : 0, [&](const Rect& work) {
-        return source.depth == 0 ? Medians(source, work, Reach()) : Medians(*source.Convert(Rect(), 0), work, Reach());
+    ApplyInWorkArea(source, result, region, expand ? SupportRadius() : 0, [&](const Rect& work) {
+        return source.depth == 0 ? Medians(source, work, SupportRadius())
+                                 : Medians(*source.Convert(Rect(), 0), work, SupportRadius());
     });
 }
 
-Rect MedianFilter::InputRegion(const Rect& /*rect*/, const Rect& region) const { return Grown(region, Reach()); }
-Rect MedianFilter::OutputRegion(const Rect& /*rect*/, const Rect& region) const { return Grown(region, Reach()); }
+Rect MedianFilter::InputRegion(const Rect& /*rect*/, const Rect& region) const {
+    return Grown(region, SupportRadius());
+}
+Rect MedianFilter::OutputRegion(const Rect& /*rect*/, const Rect& region) const {
+    return Grown(region, SupportRadius());
+}
 
 }  // namespace chalkpane

@@ -27,7 +27,7 @@ public:
     [[nodiscard]] Rect OutputRegion(const Rect& rect, const Rect& region) const override;
 
 private:
-    [[nodiscard]] std::int32_t Reach() const;
+    [[nodiscard]] std::int32_t SupportRadius() const;
 
     std::int32_t m_radius = 0;  // pixels. DIFFERS from the default's 1: a fresh object changes nothing until told
 };

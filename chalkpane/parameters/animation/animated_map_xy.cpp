@@ -9,8 +9,9 @@ namespace chalkpane {
 
 namespace {
 
-constexpr double coincident = 1e-9;               // Manhattan length below which a chord has no direction
-constexpr double longestIteration = 1024 * 1024;  // frames; the companion of a longer span would take seconds to walk
+constexpr double coincident = 1e-9;  // Manhattan length below which a chord has no direction
+constexpr double longestIteration =
+    1024 * 1024;  // frames; the companion of a longer span would take seconds to iterate over
 
 double manhattan(const DoublePair& a, const DoublePair& b) { return std::fabs(b.x - a.x) + std::fabs(b.y - a.y); }
 DoublePair mirror(const DoublePair& about, const DoublePair& point) {

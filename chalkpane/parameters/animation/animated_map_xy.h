@@ -21,7 +21,7 @@ public:
     // How far along the span the frame is, 0 .. 1. With a companion each frame counts by the companion's value there.
     double fraction(std::int32_t index, std::int32_t frame) const;
 
-    // The companion: where its zoom is large the path is walked faster. Not owned; null for none.
+    // The companion: where its zoom is large the path is traversed faster. Not owned; null for none.
     void setZoomCurve(AnimatedValue* curve);
     bool hasConstantSpeed() const { return constantSpeed; }
     void setConstantSpeed(bool constant) { constantSpeed = constant; }

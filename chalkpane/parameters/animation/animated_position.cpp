@@ -39,7 +39,7 @@ Polyline::Polyline(const PathPoint& left, const PathPoint& right) {
     if (count > 1.0) segments = static_cast<int>(std::min<double>(count, most));
 
     const double h = 1.0 / segments;
-    const auto walk = [&](double a0, double a1, double a2, double a3, double DoublePair::*axis) {
+    const auto evaluateAxis = [&](double a0, double a1, double a2, double a3, double DoublePair::*axis) {
         const double cubic = a3 - 3 * a2 + 3 * a1 - a0;
         const double square = 3 * a2 - 6 * a1 + 3 * a0;
         const double linear = 3 * (a1 - a0);
@@ -54,8 +54,8 @@ Polyline::Polyline(const PathPoint& left, const PathPoint& right) {
             d2 += d3;
         }
     };
-    walk(p0.x, c1.x, c2.x, p3.x, &DoublePair::x);
-    walk(p0.y, c1.y, c2.y, p3.y, &DoublePair::y);
+    evaluateAxis(p0.x, c1.x, c2.x, p3.x, &DoublePair::x);
+    evaluateAxis(p0.y, c1.y, c2.y, p3.y, &DoublePair::y);
     for (int i = 1; i <= segments; ++i) length += distance(points[i - 1], points[i]);
 }
 

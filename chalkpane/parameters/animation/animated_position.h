@@ -65,12 +65,12 @@ public:
     ValuePointer clone() const override;
 
     // A new key is smooth with its handles on its point, or takes over smoothness and handle offsets from the key that
-    // stood on its frame. Then all smooth keys are laid anew.
+    // stood on its frame. Then the handles of all smooth keys are computed anew.
     void addKey(std::int32_t frame, const SmoothPathPoint& value) override;
-    // As it comes, with handles of its own; laid anew only if it is smooth.
+    // As it comes, with handles of its own; they are computed anew only if it is smooth.
     void addKeyWithHandles(std::int32_t frame, const SmoothPathPoint& value);
 
-    // A smooth key that is read has its handles laid with its neighbours'; it stays smooth even alone, since others
+    // A smooth key that is read has its handles computed with its neighbours'; it stays smooth even alone, since others
     // follow.
     bool readKeyValue(TextScanner& scanner, double time, double inHandle, double outHandle) override;
 

@@ -116,7 +116,7 @@ TEST_CASE("strokes that leave the canvas and come back leave the pixels and rect
         settings.sourceType = draw.OneIn(2) ? 0 : 5;
         if (!draw.OneIn(8)) settings.decay = 0.0;
         if (!draw.OneIn(8)) settings.matchPath = settings.adjustSpacing = false;
-        const std::int32_t depth = draw.Below(2);
+        const Depth depth = DepthOf(draw.Below(2));
         Image canvas = NewCanvas(48, 48, depth);
         reference::FillWithNoise(canvas, seed);
         canvas.Premultiply(canvas);
@@ -124,7 +124,7 @@ TEST_CASE("strokes that leave the canvas and come back leave the pixels and rect
         BasicBrush brush("Reference");
         brush.SetTarget(&canvas);
         Give(brush, settings);
-        SourceValueOf(brush, 3).setDouble(draw.OneIn(2) ? 1.0 : draw.Between(0.3, 3.0));
+        SourceValueOf(brush, SourceParameter::Flatness).setDouble(draw.OneIn(2) ? 1.0 : draw.Between(0.3, 3.0));
         brush.SetSize(draw.Below(6));
         const Colour paint{16000, 2000, 9000};
         brush.SetColour(paint);

@@ -51,19 +51,19 @@ TEST_CASE("A soft line is the running sums of the plain line, lane by lane") {
     std::mt19937 random(seed);
     for (const double softness : {0.5, 1.0, 2.99, 3.7, 20.0, 57.3, 100.0}) {
         for (int passes = 1; passes <= 4; ++passes) {
-            const std::int32_t reach = SoftenReach(softness, passes);
+            const std::int32_t radius = SoftenSupportRadius(softness, passes);
             const std::int32_t size = 90;
             FloatLine line;
             FloatLine spare;
-            line.Reset(-reach, size - 1 + reach);
-            spare.Reset(-reach, size - 1 + reach);
+            line.Reset(-radius, size - 1 + radius);
+            spare.Reset(-radius, size - 1 + radius);
             std::vector<std::vector<float>> lanes(FloatLine::lanes,
-                                                  std::vector<float>(static_cast<std::size_t>(size + 2 * reach)));
+                                                  std::vector<float>(static_cast<std::size_t>(size + 2 * radius)));
             for (std::int32_t p = 0; p < size; ++p) {
                 for (std::size_t lane = 0; lane < FloatLine::lanes; ++lane) {
                     const auto value = static_cast<float>(random() % 16384);
                     line.At(p)[lane] = value;
-                    lanes[lane][static_cast<std::size_t>(p + reach)] = value;
+                    lanes[lane][static_cast<std::size_t>(p + radius)] = value;
                 }
             }
             SoftenLine(line, spare, softness, passes);
@@ -76,7 +76,7 @@ TEST_CASE("A soft line is the running sums of the plain line, lane by lane") {
                 const auto wanted = Reference(lanes[lane], softness, passes, gain);
                 CHECK_EQ(line.gain, gain);
                 for (std::size_t i = 0; i < wanted.size(); ++i)
-                    same = same && line.At(static_cast<std::int32_t>(i) - reach)[lane] == wanted[i];
+                    same = same && line.At(static_cast<std::int32_t>(i) - radius)[lane] == wanted[i];
             }
             CHECK(same);
         }
@@ -84,12 +84,12 @@ TEST_CASE("A soft line is the running sums of the plain line, lane by lane") {
 }
 
 // Softness 3.7 in 4 passes: (0 + 3.7) / 4 = 0.925 -> 0, 1.175 -> 1, 1.425 -> 1, 1.675 -> 1; and one for the 0.7.
-TEST_CASE("The reach of a soft line is its radii and the three taps") {
+TEST_CASE("The radius of a soft line is its radii and the three taps") {
     CHECK_EQ(BoxRadius(3.7, 4, 0), 0);
     CHECK_EQ(BoxRadius(3.7, 4, 1), 1);
-    CHECK_EQ(SoftenReach(3.7, 4), 4);
-    CHECK_EQ(SoftenReach(3.7, 2), 3);  // (0 + 3.7) / 2 -> 1, (1 + 3.7) / 2 -> 2, and no taps with two passes
-    CHECK_EQ(SoftenReach(0.5, 1), 0);
+    CHECK_EQ(SoftenSupportRadius(3.7, 4), 4);
+    CHECK_EQ(SoftenSupportRadius(3.7, 2), 3);  // (0 + 3.7) / 2 -> 1, (1 + 3.7) / 2 -> 2, and no taps with two passes
+    CHECK_EQ(SoftenSupportRadius(0.5, 1), 0);
 }
 
 // Two passes of radius 1 over a single 1 at the line's end, with no room beyond: 0 1 1 after the first, and what left
@@ -97,8 +97,8 @@ TEST_CASE("The reach of a soft line is its radii and the three taps") {
 TEST_CASE("What a pass pushes beyond the picture comes back in the next") {
     FloatLine line;
     FloatLine spare;
-    line.Reset(0, 2 + SoftenReach(2.0, 2));
-    spare.Reset(0, 2 + SoftenReach(2.0, 2));
+    line.Reset(0, 2 + SoftenSupportRadius(2.0, 2));
+    spare.Reset(0, 2 + SoftenSupportRadius(2.0, 2));
     line.At(2)[0] = 1.0F;
     SoftenLine(line, spare, 2.0, 2);  // radii (0 + 2) / 2 = 1 and (1 + 2) / 2 = 1
     CHECK_EQ(line.At(0)[0], 1.0F);
