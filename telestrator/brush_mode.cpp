@@ -1,9 +1,10 @@
+#include "chalkpane/brush/brush_choices.h"
 #include "telestrator/telestrator.h"
 
 namespace chalkpane {
 namespace {
 
-constexpr std::int32_t distanceSpacing = 2;
+constexpr auto distanceSpacing = static_cast<std::int32_t>(SpacingType::Shorten);
 constexpr double brushSpacing = 0.15;  // of the brush's diameter
 
 void ConfigureStroke(TelestratorSurface& surface, std::int32_t width) {

@@ -11,17 +11,17 @@
 namespace chalkpane {
 namespace {
 
-// The brush's numbering of sources.
-constexpr std::int32_t plainColourSource = 0;
-constexpr std::int32_t cutoutSource = 3;
-constexpr std::int32_t erasingSource = 5;
-
 constexpr std::int32_t lastBlendMode = 9;
 
 std::unique_ptr<Image> NewSurfaceImage(std::int32_t width, std::int32_t height) {
-    constexpr std::int32_t eightBits = 0;
-    constexpr std::uint8_t premultiplied = 1;
-    return std::make_unique<Image>(width, height, ImageDefinition::colourType, eightBits, premultiplied, true);
+    return std::make_unique<Image>(Image::Colour(width, height, Depth::Eight, AlphaForm::Premultiplied));
+}
+
+// Any mode without a spacing of its own shortens.
+SpacingType KnownSpacing(std::int32_t mode) {
+    const bool isKnown = mode == static_cast<std::int32_t>(SpacingType::Keep) ||
+                         mode == static_cast<std::int32_t>(SpacingType::ShortenAndThin);
+    return isKnown ? static_cast<SpacingType>(mode) : SpacingType::Shorten;
 }
 
 // KEEP: a brush image outlives its surface; one of each stays behind, until the program ends.
@@ -126,26 +126,26 @@ void TelestratorSurface::LoadBrushImage(std::int32_t imageWidth, std::int32_t im
 // configures a surface therefore ends with a pass more.
 void TelestratorSurface::ApplyBrushSettings() {
     if (!brush) return;
-    brush->SetSize(width);
+    brush->SetSize(width);  // KEEP: the operator's width is the brush's radius, so a dab is 2 * width + 1 wide
     // A brush without memory for its source says nothing and paints nothing.
     if (brush->Source() == nullptr) throw std::bad_alloc();
     brush->SetColour(colour);
-    brush->SetSpacing(spacing, spacingMode == 0 || spacingMode == 1 ? spacingMode : 2);
+    brush->SetSpacing(spacing, KnownSpacing(spacingMode));
     brush->SetMatchPath(matchPath);
     // KEEP: the colour and erase sources hand the brush its image as a mere store, not for use. So a loaded brush image
     // is carried along and paints nothing; strokes stay in the plain colour.
     switch (sourceMode) {
         case eraseMode:
             brush->SetCutoutImage(brushImage.get(), false);
-            brush->SetSourceType(erasingSource);
+            brush->SetSourceType(SourceType::Eraser);
             break;
         case imageMode:
             brush->SetCutoutImage(brushImage.get(), brushImage != nullptr);
-            brush->SetSourceType(brushImage ? cutoutSource : plainColourSource);
+            brush->SetSourceType(brushImage ? SourceType::Cutout : SourceType::Colour);
             break;
         default:
             brush->SetCutoutImage(brushImage.get(), false);
-            brush->SetSourceType(plainColourSource);
+            brush->SetSourceType(SourceType::Colour);
             break;
     }
     brush->SetBlendMode(blendMode >= 1 && blendMode <= lastBlendMode ? blendMode : 0);

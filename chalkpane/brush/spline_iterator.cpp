@@ -122,8 +122,8 @@ std::int32_t SplineIterator::FirstBeyond(std::int32_t step, float x, float y, do
     return FirstBeyond(StepBoundsOfSamples(), step, x, y, squaredLimit, tested);
 }
 
-std::int32_t SplineIterator::FirstBeyond(const StepBounds& bounds, std::int32_t step, float x, float y, double squaredLimit,
-                                         std::int32_t& tested) const {
+std::int32_t SplineIterator::FirstBeyond(const StepBounds& bounds, std::int32_t step, float x, float y,
+                                         double squaredLimit, std::int32_t& tested) const {
     const double surely = 0.999999 * std::sqrt(squaredLimit) - bounds.rounding;
     const double worthIt = surely - 2 * bounds.perStep;
     const double squaredWorthIt = worthIt > 0.0 ? worthIt * worthIt : -1.0;

@@ -55,9 +55,9 @@ public:
 private:
     struct StepBounds;
 
-    [[nodiscard]] Reach StepBoundsOfSamples() const;
-    [[nodiscard]] std::int32_t FirstBeyond(const StepBounds& bounds, std::int32_t step, float x, float y, double squaredLimit,
-                                           std::int32_t& tested) const;
+    [[nodiscard]] StepBounds StepBoundsOfSamples() const;
+    [[nodiscard]] std::int32_t FirstBeyond(const StepBounds& bounds, std::int32_t step, float x, float y,
+                                           double squaredLimit, std::int32_t& tested) const;
 
     using Samples = std::array<float, 4>;  // oldest first
 

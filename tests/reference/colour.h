@@ -189,13 +189,13 @@ inline Image HueRotated(const Image& source, const HueSettings& s, const Rect* r
     const auto size = static_cast<float>(n);
     const auto part = [](float peak) { return std::max(0.0F, peak / 360.0F); };
     return TurnedHues(source, region, [&](float h, float v) {
-        const float turned = h + s.hue / 360.0F * 0.01F;
-        if (s.shadow == 0.0F && s.midtone == 0.0F && s.highlight == 0.0F) return turned;
+        const float rotated = h + s.hue / 360.0F * 0.01F;
+        if (s.shadow == 0.0F && s.midtone == 0.0F && s.highlight == 0.0F) return rotated;
         const int i = static_cast<int>(v * static_cast<float>(n - 1));
         const float shadow = part(1.0F - static_cast<float>(2 * i) / size);
         const float midtone = part(1.0F - static_cast<float>(std::abs(2 * (i - n / 2))) / size);
         const float highlight = part(static_cast<float>(2 * (i - n / 2)) / size);
-        return turned + (shadow * s.shadow + midtone * s.midtone + highlight * s.highlight);
+        return rotated + (shadow * s.shadow + midtone * s.midtone + highlight * s.highlight);
     });
 }
 

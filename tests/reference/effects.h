@@ -149,7 +149,7 @@ Image PointFiltered(const Image& source, const Rect* region, PixelFunction funct
     return result;
 }
 
-// Truncated and limited; what is no number is 0.
+// Truncated and limited; NaN is 0.
 inline int Limited(float value, int max) {
     if (!(value > 0.0F)) return 0;
     return value >= static_cast<float>(max) ? max : static_cast<int>(value);

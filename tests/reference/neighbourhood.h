@@ -85,7 +85,8 @@ inline Image Blur(const Image& source, double softness, const Rect* region, bool
     return result;
 }
 
-// One line of the soft blur: values from `start` on, with as much room on both sides as the passes can reach.
+// One line of the soft blur: values from `start` on, with as much room on both sides as the support radius of the
+// passes.
 inline std::vector<float> SoftLine(std::vector<float> line, double softness, int passes, float& gain) {
     const auto at = [](const std::vector<float>& v, int i) {
         return i >= 0 && i < static_cast<int>(v.size()) ? v[static_cast<std::size_t>(i)] : 0.0F;

@@ -167,7 +167,7 @@ inline void PasteToMask(const Pasting& job, int value) {
     });
 }
 
-// The laying of `Paster::Paste` at an opacity that is an integer already.
+// The compositing of `Paster::Paste` at an opacity that is an integer already.
 inline void CompositePixel(const Pasting& job, int x, int y, int op) {
     const std::int64_t one = job.deep() ? 16384 : 256;
     const std::int64_t half = one / 2;

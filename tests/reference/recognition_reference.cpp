@@ -32,7 +32,7 @@ Ellipse FitEllipse(std::span<const Vector3> points, Vector3 centroid, double tol
     Ellipse best;
     for (int rotation = 0; rotation < 360; ++rotation) {
         const double theta = rotation * pi / 360 - pi / 2;
-        std::vector<Vector3> turned;
+        std::vector<Vector3> rotated;
         float minX = canvas;
         float minY = canvas;
         float maxX = -canvas;
@@ -41,17 +41,17 @@ Ellipse FitEllipse(std::span<const Vector3> points, Vector3 centroid, double tol
             const Vector3 d = p - centroid;
             const double r = std::sqrt(double{d.x} * d.x + double{d.y} * d.y);
             const double phi = std::atan2(double{d.y}, double{d.x}) + theta;
-            turned.emplace_back(r * std::cos(phi), r * std::sin(phi), 0.0);
-            minX = std::fmin(minX, turned.back().x);
-            minY = std::fmin(minY, turned.back().y);
-            maxX = std::fmax(maxX, turned.back().x);
-            maxY = std::fmax(maxY, turned.back().y);
+            rotated.emplace_back(r * std::cos(phi), r * std::sin(phi), 0.0);
+            minX = std::fmin(minX, rotated.back().x);
+            minY = std::fmin(minY, rotated.back().y);
+            maxX = std::fmax(maxX, rotated.back().x);
+            maxY = std::fmax(maxY, rotated.back().y);
         }
         const Vector3 middle((double{minX} + maxX) / 2, (double{minY} + maxY) / 2, 0);
         const double a = std::fabs(double{maxX} - minX) / 2;
         const double b = std::fabs(double{maxY} - minY) / 2;
         int count = 0;
-        for (const Vector3& p : turned) {
+        for (const Vector3& p : rotated) {
             const double x = double{p.x} - middle.x;
             const double y = double{p.y} - middle.y;
             const double e = std::sqrt(y * y / (1 - x * x / (a * a)));
@@ -70,22 +70,22 @@ std::vector<Vector3> EllipseVertices(const Ellipse& ellipse, Vector3 centroid, d
         const Vector3 p = EllipsePoint(ellipse, centroid, aspect, x, sign);
         if (Distance(p, vertices.back()) > threshold) vertices.push_back(p);
     };
-    const auto walkDown = [&](double x, double limit) {
+    const auto stepDown = [&](double x, double limit) {
         while (x > limit) {
             step(x, 1, brushWidth / 2);
             x -= 0.01;
         }
     };
-    const auto walkUp = [&](double x, double limit) {
+    const auto stepUp = [&](double x, double limit) {
         while (x < limit) {
             step(x, -1, brushWidth);
             x += 0.01;
         }
     };
-    walkDown(a, -0.005);
-    walkDown(0, -a - 0.005);
-    walkUp(-a, 0.005);
-    walkUp(0, a + 0.005);
+    stepDown(a, -0.005);
+    stepDown(0, -a - 0.005);
+    stepUp(-a, 0.005);
+    stepUp(0, a + 0.005);
     vertices.push_back(ends);
     return vertices;
 }

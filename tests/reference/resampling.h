@@ -30,7 +30,8 @@ inline int Blend(const Picture& source, const chalkpane::Rect& area, std::int64_
     return std::min(16383, static_cast<int>(static_cast<double>(sum) / 65535.0 + 0.5));
 }
 
-// `wanted` of the target, as the source seen through `inverse`; the walk begins at the lower left pixel of `wanted`.
+// `wanted` of the target, as the source seen through `inverse`; the iteration begins at the lower left pixel of
+// `wanted`.
 inline void ResampleInto(const Picture& source, const chalkpane::Rect& area, const chalkpane::Matrix3& inverse,
                          const chalkpane::Rect& wanted, Picture& target) {
     const auto& m = inverse.rows;

@@ -10,7 +10,7 @@
 #include "chalkpane/composite/eraser.h"
 #include "chalkpane/image/image.h"
 
-// A brush that walks every step of every curve and forgets nothing. Sources and pasters are the engine's own.
+// A brush that evaluates every step of every curve and skips none. Sources and pasters are the engine's own.
 namespace reference {
 
 struct StrokeSettings {
@@ -114,8 +114,8 @@ private:
             const double dx = px - lastX;
             const double dy = py - lastY;
             if (settings.adjustSpacing) {
-                const double turned = source.GetSizeInDirection(std::atan2(dx, dy)) * settings.spacing;
-                limit = turned * turned;
+                const double inDirection = source.GetSizeInDirection(std::atan2(dx, dy)) * settings.spacing;
+                limit = inDirection * inDirection;
             }
             if (dx * dx + dy * dy > limit) {
                 waiting = false;

@@ -20,8 +20,6 @@ namespace chalkpane::app {
 // that every 14-bit channel comes back from a file, full scale is full scale, and the 14 bits of a byte are what the
 // engine itself widens it to. A file of 16 bits read at 8 keeps the high byte.
 
-enum class AlphaForm : std::uint8_t { Straight, Premultiplied };
-
 [[nodiscard]] constexpr std::uint16_t WordOf14(std::uint16_t channel) {
     return static_cast<std::uint16_t>(channel << 2 | channel >> 12);
 }

@@ -20,8 +20,8 @@ std::uint16_t AlphaOf(double alpha, std::int32_t depth) {
 }
 
 std::unique_ptr<Image> FilledCanvas(const CanvasDescription& description, std::int32_t depth) {
-    auto canvas = std::make_unique<Image>(description.width, description.height, ImageDefinition::colourType, depth,
-                                          std::uint8_t{0});
+    auto canvas = std::make_unique<Image>(
+        Image::Colour(description.width, description.height, DepthOf(depth), AlphaForm::Straight));
     const auto word = [depth](std::uint16_t channel) -> std::uint16_t {
         return depth == 0 ? Narrow(channel) : channel;
     };

@@ -67,7 +67,7 @@ BENCHMARK(Dab)
     ->Args({20, 0, 5})
     ->Args({20, 1, 5});
 
-// A pointer that holds still: the walk and nothing else.
+// A pointer that does not move: the evaluation of the curve and nothing else.
 void RestingSample(benchmark::State& state) {
     Easel easel(Depth::Eight, 5);
     easel.brush.BeginStroke(300, 300, 1);

@@ -75,7 +75,7 @@ TEST_CASE("a dab that found no memory is left out and the stroke goes on") {
     CHECK_GT(Alpha(canvas, 24, 10), 0);
 }
 
-TEST_CASE("samples that are no numbers, or too far away, paint nothing and leave the stroke where it was") {
+TEST_CASE("samples that are NaN, or too far away, paint nothing and leave the stroke where it was") {
     Image canvas = NewCanvas();
     Image expected = NewCanvas();
     BasicBrush brush("Chalk");

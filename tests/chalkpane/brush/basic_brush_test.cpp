@@ -170,7 +170,7 @@ TEST_CASE("opacity is the brush's times the pressure") {
     CHECK_EQ(Alpha(canvas, 8, 4), 126);
 }
 
-// 0.15 * 41 = 6.15, and a step of the walk adds at most 0.02 here.
+// 0.15 * 41 = 6.15, and a step along the curve adds at most 0.02 here.
 TEST_CASE("spacing 0.15 at size 20 places dabs 6.15 apart") {
     Image canvas = NewCanvas(600, 64);
     BasicBrush brush("Chalk");
@@ -262,7 +262,7 @@ TEST_CASE("a path that outruns the spacing at once begins where it is, not at th
     CHECK_EQ(PaintedPixels(canvas), 1);
 }
 
-// A dab of size 5 and flatness 5 is 2 wide along its turned axis. Along x the angle is 0, along y it is
+// A dab of size 5 and flatness 5 is 2 wide along its rotated axis. Along x the angle is 0, along y it is
 // -atan2(negative, 0) = 90 degrees: the same dab, lying down.
 TEST_CASE("a brush that matches the path turns its dabs along the movement") {
     const auto extent = [](double dx, double dy) {

@@ -11,14 +11,14 @@ using namespace chalkpane;
 namespace {
 
 SplineIterator IterateThrough(const StrokePoint (&samples)[4]) {
-    SplineIterator walk;
-    for (const auto& sample : samples) walk.Push(sample);
-    return walk;
+    SplineIterator spline;
+    for (const auto& sample : samples) spline.Push(sample);
+    return spline;
 }
 
-std::int32_t EachStepInTurn(const SplineIterator& walk, std::int32_t step, float x, float y, double squaredLimit) {
+std::int32_t EachStepInTurn(const SplineIterator& spline, std::int32_t step, float x, float y, double squaredLimit) {
     for (; step < SplineIterator::steps; ++step) {
-        const StrokePoint point = walk.PointAt(step);
+        const StrokePoint point = spline.PointAt(step);
         const double dx = point.x - x;
         const double dy = point.y - y;
         if (dx * dx + dy * dy > squaredLimit) return step;
@@ -30,15 +30,15 @@ std::int32_t EachStepInTurn(const SplineIterator& walk, std::int32_t step, float
 
 // At t = 0 the weights are 1/6, 4/6, 1/6 and 0: (6 + 4 * 12 + 18) / 6 = 12, (0 + 4 * 3 + 6) / 6 = 3.
 TEST_CASE("the curve begins near the second sample") {
-    const SplineIterator walk = IterateThrough({{6, 0, 1}, {12, 3, 1}, {18, 6, 1}, {100, 200, 1}});
-    const StrokePoint point = walk.PointAt(0);
+    const SplineIterator spline = IterateThrough({{6, 0, 1}, {12, 3, 1}, {18, 6, 1}, {100, 200, 1}});
+    const StrokePoint point = spline.PointAt(0);
     CHECK_EQ(point.x, doctest::Approx(12).epsilon(1e-6));
     CHECK_EQ(point.y, doctest::Approx(3).epsilon(1e-6));
     CHECK_EQ(point.pressure, doctest::Approx(1).epsilon(1e-6));
 }
 
 // 1001 additions of 0.001 to a 32-bit float end at 0.9999907: only 7 digits, and every one of them is kept.
-TEST_CASE("the walk's parameter gathers the rounding of a 32-bit float") {
+TEST_CASE("the curve's parameter accumulates the rounding of a 32-bit float") {
     float t = 0.0F;
     int count = 0;
     while (t <= 1.0F) {
@@ -47,37 +47,37 @@ TEST_CASE("the walk's parameter gathers the rounding of a 32-bit float") {
     }
     CHECK_EQ(count, SplineIterator::steps);
     // With samples 0, 0, 0, 6 the point is t * t * t, as a 32-bit float.
-    const SplineIterator walk = IterateThrough({{0, 0, 0}, {0, 0, 0}, {0, 0, 0}, {6, 6, 6}});
-    const double lastT = std::cbrt(walk.PointAt(SplineIterator::steps - 1).x);
+    const SplineIterator spline = IterateThrough({{0, 0, 0}, {0, 0, 0}, {0, 0, 0}, {6, 6, 6}});
+    const double lastT = std::cbrt(spline.PointAt(SplineIterator::steps - 1).x);
     CHECK_LT(lastT, 1.0);
     CHECK_GT(lastT, 0.99998);
-    CHECK_NE(walk.PointAt(SplineIterator::steps - 1).x, 1.0);
+    CHECK_NE(spline.PointAt(SplineIterator::steps - 1).x, 1.0);
 }
 
 // 0.1 is no 32-bit float, so the sample that is kept is another number.
 TEST_CASE("samples are kept as 32-bit floats") {
-    SplineIterator walk;
-    walk.Fill({0.1, 0, 1});
-    walk.Push({0.1F, 0, 1});
-    CHECK_FALSE(walk.Moves());
-    CHECK(walk.Rests());
+    SplineIterator spline;
+    spline.Fill({0.1, 0, 1});
+    spline.Push({0.1F, 0, 1});
+    CHECK_FALSE(spline.Moves());
+    CHECK(spline.Rests());
 }
 
-TEST_CASE("a walk rests only when place and pressure of all four samples are the same") {
-    SplineIterator walk;
-    walk.Fill({5, 6, 1});
-    CHECK(walk.Rests());
-    walk.Push({5, 6, 0.5});
-    CHECK_FALSE(walk.Moves());
-    CHECK_FALSE(walk.Rests());
-    walk.Push({5, 6, 0.5});
-    walk.Push({5, 6, 0.5});
-    CHECK_FALSE(walk.Rests());
-    walk.Push({5, 6, 0.5});
-    CHECK(walk.Rests());
-    walk.Push({5, 9, 0.5});
-    CHECK(walk.Moves());
-    CHECK_EQ(walk.NewestLength(), 3.0);
+TEST_CASE("a curve rests only when place and pressure of all four samples are the same") {
+    SplineIterator spline;
+    spline.Fill({5, 6, 1});
+    CHECK(spline.Rests());
+    spline.Push({5, 6, 0.5});
+    CHECK_FALSE(spline.Moves());
+    CHECK_FALSE(spline.Rests());
+    spline.Push({5, 6, 0.5});
+    spline.Push({5, 6, 0.5});
+    CHECK_FALSE(spline.Rests());
+    spline.Push({5, 6, 0.5});
+    CHECK(spline.Rests());
+    spline.Push({5, 9, 0.5});
+    CHECK(spline.Moves());
+    CHECK_EQ(spline.NewestLength(), 3.0);
 }
 
 TEST_CASE("passing over stretches of the curve finds the step that testing each in turn finds") {
@@ -89,8 +89,8 @@ TEST_CASE("passing over stretches of the curve finds the step that testing each 
     for (int round = 0; round < 4000; ++round) {
         const double scale = scales[random() % std::size(scales)];
         const double place = scales[random() % std::size(scales)];
-        SplineIterator walk;
-        for (int i = 0; i < 4; ++i) walk.Push({place + scale * unit(random), place - scale * unit(random), 1});
+        SplineIterator spline;
+        for (int i = 0; i < 4; ++i) spline.Push({place + scale * unit(random), place - scale * unit(random), 1});
         const auto x = static_cast<float>(place + scale * unit(random));
         const auto y = static_cast<float>(place + scale * unit(random));
         const double limits[] = {0.0, 1e-12, scale * scale * 0.04, scale * scale, scale * scale * 3, 37.8, 5.0};
@@ -99,27 +99,27 @@ TEST_CASE("passing over stretches of the curve finds the step that testing each 
         CAPTURE(round);
         CAPTURE(scale);
         CAPTURE(limit);
-        REQUIRE_EQ(walk.FirstBeyond(0, x, y, limit), EachStepInTurn(walk, 0, x, y, limit));
-        REQUIRE_EQ(walk.FirstBeyond(from, x, y, limit), EachStepInTurn(walk, from, x, y, limit));
+        REQUIRE_EQ(spline.FirstBeyond(0, x, y, limit), EachStepInTurn(spline, 0, x, y, limit));
+        REQUIRE_EQ(spline.FirstBeyond(from, x, y, limit), EachStepInTurn(spline, from, x, y, limit));
     }
 }
 
 // The distance at each step is itself taken as the limit: nothing is beyond it there, and the next larger one is.
 TEST_CASE("a step exactly at the limit is not beyond it") {
-    const SplineIterator walk = IterateThrough({{0, 0, 1}, {1, 2, 1}, {4, 3, 1}, {9, 5, 1}});
+    const SplineIterator spline = IterateThrough({{0, 0, 1}, {1, 2, 1}, {4, 3, 1}, {9, 5, 1}});
     for (std::int32_t step = 1; step + 1 < SplineIterator::steps; ++step) {
-        const StrokePoint point = walk.PointAt(step);
+        const StrokePoint point = spline.PointAt(step);
         const double squared = point.x * point.x + point.y * point.y;
-        REQUIRE_EQ(walk.FirstBeyond(0, 0, 0, squared), EachStepInTurn(walk, 0, 0, 0, squared));
-        REQUIRE_GT(walk.FirstBeyond(step, 0, 0, squared), step);
+        REQUIRE_EQ(spline.FirstBeyond(0, 0, 0, squared), EachStepInTurn(spline, 0, 0, 0, squared));
+        REQUIRE_GT(spline.FirstBeyond(step, 0, 0, squared), step);
     }
 }
 
-TEST_CASE("a limit that is not a number is never exceeded, and one below zero always") {
-    const SplineIterator walk = IterateThrough({{0, 0, 1}, {10, 0, 1}, {20, 0, 1}, {30, 0, 1}});
-    CHECK_EQ(walk.FirstBeyond(0, 0, 0, std::numeric_limits<double>::quiet_NaN()), SplineIterator::steps);
-    CHECK_EQ(walk.FirstBeyond(0, 0, 0, std::numeric_limits<double>::infinity()), SplineIterator::steps);
-    CHECK_EQ(walk.FirstBeyond(7, 0, 0, -1.0), 7);
+TEST_CASE("a limit that is NaN is never exceeded, and one below zero always") {
+    const SplineIterator spline = IterateThrough({{0, 0, 1}, {10, 0, 1}, {20, 0, 1}, {30, 0, 1}});
+    CHECK_EQ(spline.FirstBeyond(0, 0, 0, std::numeric_limits<double>::quiet_NaN()), SplineIterator::steps);
+    CHECK_EQ(spline.FirstBeyond(0, 0, 0, std::numeric_limits<double>::infinity()), SplineIterator::steps);
+    CHECK_EQ(spline.FirstBeyond(7, 0, 0, -1.0), 7);
 }
 
 TEST_CASE(

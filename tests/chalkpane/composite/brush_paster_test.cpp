@@ -92,7 +92,7 @@ TEST_CASE("replacing by a transparent source lowers alpha") {
     CHECK_EQ(Painted(half), ChannelValues{100, 100, 100, 100});
 }
 
-TEST_CASE("laying a transparent source over does nothing") {
+TEST_CASE("compositing a transparent source does nothing") {
     const ChannelValues target{200, 150, 100, 220};
     CHECK_EQ(Painted({.source = {9, 9, 9, 0}, .target = target}), target);
     CHECK_EQ(Painted({.depth = 1, .source = {9, 9, 9, 0}, .mask = 16383, .target = target}), target);
@@ -106,7 +106,7 @@ TEST_CASE("replacing moves towards the source pixel") {
         ChannelValues{100, 100, 100, 128});
 }
 
-TEST_CASE("no opacity, a negative one and one that is no number change nothing") {
+TEST_CASE("no opacity, a negative one and one that is NaN change nothing") {
     const ChannelValues target{1, 2, 3, 4};
     for (const double opacity : {0.0, -0.0, -1.0, -1e300, std::numeric_limits<double>::quiet_NaN()}) {
         CAPTURE(opacity);

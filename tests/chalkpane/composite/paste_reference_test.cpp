@@ -156,7 +156,7 @@ TEST_CASE("pastes into a mask agree with the plain reference") {
     }
 }
 
-TEST_CASE("laying and replacing agree with the plain reference") {
+TEST_CASE("compositing and replacing agree with the plain reference") {
     std::uint32_t seed = 40000;
     ForEachDepthAndClip([&](std::int32_t depth, ClipKind clipKind) {
         for (int i = 0; i < 200; ++i, ++seed) {
@@ -181,7 +181,7 @@ TEST_CASE("laying and replacing agree with the plain reference") {
     });
 }
 
-TEST_CASE("laying onto a mask agrees with the plain reference") {
+TEST_CASE("compositing onto a mask agrees with the plain reference") {
     std::uint32_t seed = 50000;
     for (const std::int32_t depth : {0, 1}) {
         for (int i = 0; i < 300; ++i, ++seed) {

@@ -11,7 +11,7 @@ namespace chalkpane {
 
 namespace {
 
-struct Lay {
+struct PasteCase {
     std::int32_t depth = 0;
     std::uint8_t premultiplied = 1;
     double opacity = 1.0;
@@ -23,18 +23,19 @@ struct Lay {
     bool visible = true;
 };
 
-ChannelValues Laid(const Lay& lay) {
-    const Image source = FlatImage(onePixel, ImageDefinition::colourType, lay.depth, lay.source, lay.premultiplied);
-    const Image clip = FlatImage(onePixel, ImageDefinition::maskType, lay.depth, {lay.clip});
-    Image target = FlatImage(onePixel, ImageDefinition::colourType, lay.depth, lay.target, 1);
+ChannelValues Composited(const PasteCase& given) {
+    const Image source =
+        FlatImage(onePixel, ImageDefinition::colourType, given.depth, given.source, given.premultiplied);
+    const Image clip = FlatImage(onePixel, ImageDefinition::maskType, given.depth, {given.clip});
+    Image target = FlatImage(onePixel, ImageDefinition::colourType, given.depth, given.target, 1);
     Paster paster;
-    paster.SetOpacity(lay.opacity);
-    paster.SetVisible(lay.visible);
-    const Image* clipImage = lay.clip < 0 ? nullptr : &clip;
-    if (lay.replace)
-        paster.Replace(source, target, onePixel, 0, clipImage, lay.clipInverted);
+    paster.SetOpacity(given.opacity);
+    paster.SetVisible(given.visible);
+    const Image* clipImage = given.clip < 0 ? nullptr : &clip;
+    if (given.replace)
+        paster.Replace(source, target, onePixel, 0, clipImage, given.clipInverted);
     else
-        paster.Paste(source, target, onePixel, 0, clipImage, lay.clipInverted);
+        paster.Paste(source, target, onePixel, 0, clipImage, given.clipInverted);
     return ValuesAt(target, 0, 0);
 }
 
@@ -58,27 +59,28 @@ int MaskOnto(std::int32_t depth, int coverage, int value, double opacity) {
 
 TEST_CASE("an opaque source at full opacity is copied") {
     for (const std::uint8_t premultiplied : {std::uint8_t{0}, std::uint8_t{1}}) {
-        CHECK_EQ(Laid({.premultiplied = premultiplied, .source = {1, 2, 3, 255}, .target = {9, 9, 9, 9}}),
+        CHECK_EQ(Composited({.premultiplied = premultiplied, .source = {1, 2, 3, 255}, .target = {9, 9, 9, 9}}),
                  ChannelValues{1, 2, 3, 255});
-        CHECK_EQ(Laid({.depth = 1, .premultiplied = premultiplied, .source = {1, 2, 3, 16383}, .target = {9, 9, 9, 9}}),
+        CHECK_EQ(Composited(
+                     {.depth = 1, .premultiplied = premultiplied, .source = {1, 2, 3, 16383}, .target = {9, 9, 9, 9}}),
                  ChannelValues{1, 2, 3, 16383});
     }
 }
 
 TEST_CASE("an invisible paster changes nothing, but replacing clears") {
-    const Lay lay{.source = {1, 2, 3, 255}, .target = {9, 9, 9, 9}, .visible = false};
-    CHECK_EQ(Laid(lay), ChannelValues{9, 9, 9, 9});
-    Lay replacing = lay;
+    const PasteCase given{.source = {1, 2, 3, 255}, .target = {9, 9, 9, 9}, .visible = false};
+    CHECK_EQ(Composited(given), ChannelValues{9, 9, 9, 9});
+    PasteCase replacing = given;
     replacing.replace = true;
-    CHECK_EQ(Laid(replacing), ChannelValues{0, 0, 0, 0});
+    CHECK_EQ(Composited(replacing), ChannelValues{0, 0, 0, 0});
 }
 
-TEST_CASE("without opacity nothing is laid, but replacing clears") {
+TEST_CASE("without opacity nothing is composited, but replacing clears") {
     for (const double opacity : {0.0, -1.0, std::numeric_limits<double>::quiet_NaN()}) {
-        Lay lay{.opacity = opacity, .source = {1, 2, 3, 255}, .target = {9, 9, 9, 9}};
-        CHECK_EQ(Laid(lay), ChannelValues{9, 9, 9, 9});
-        lay.replace = true;
-        CHECK_EQ(Laid(lay), ChannelValues{0, 0, 0, 0});
+        PasteCase given{.opacity = opacity, .source = {1, 2, 3, 255}, .target = {9, 9, 9, 9}};
+        CHECK_EQ(Composited(given), ChannelValues{9, 9, 9, 9});
+        given.replace = true;
+        CHECK_EQ(Composited(given), ChannelValues{0, 0, 0, 0});
     }
 }
 
@@ -88,65 +90,65 @@ TEST_CASE("without opacity nothing is laid, but replacing clears") {
 // 256)
 // >> 8 = 129.
 TEST_CASE("a premultiplied source is added to what it lets through") {
-    const Lay lay{.source = {150, 0, 0, 200}, .target = {100, 0, 0, 100}};
-    CHECK_EQ(Laid(lay), ChannelValues{171, 0, 0, 221});
-    Lay clipped = lay;
+    const PasteCase given{.source = {150, 0, 0, 200}, .target = {100, 0, 0, 100}};
+    CHECK_EQ(Composited(given), ChannelValues{171, 0, 0, 221});
+    PasteCase clipped = given;
     clipped.clip = 0;
     clipped.clipInverted = Clip::Inverted;
-    CHECK_EQ(Laid(clipped), ChannelValues{171, 0, 0, 221});
+    CHECK_EQ(Composited(clipped), ChannelValues{171, 0, 0, 221});
 }
 
 // op = truncate(0.5 * 256.001) = 128. k = (65536 - 201 * 128) >> 8 = 39808 >> 8 = 155.
 // (150 * 128 + 100 * 155) >> 8 = 34700 >> 8 = 135; alpha (100 * 155 + 200 * 128) >> 8 = 160.5.
 TEST_CASE("half opacity of a premultiplied source") {
-    CHECK_EQ(Laid({.opacity = 0.5, .source = {150, 0, 0, 200}, .target = {100, 0, 0, 100}}),
+    CHECK_EQ(Composited({.opacity = 0.5, .source = {150, 0, 0, 200}, .target = {100, 0, 0, 100}}),
              ChannelValues{135, 0, 0, 160});
 }
 
 // w = 201 * 256 = 51456, v = 14080: (150 * 51456 + 100 * 14080) >> 16 = 9126400 >> 16 = 139; alpha
 // (100 * 14080 + 51456 * 255) >> 16 = 14529280 >> 16 = 221.
 TEST_CASE("a straight source is weighted by its alpha") {
-    CHECK_EQ(Laid({.premultiplied = 0, .source = {150, 0, 0, 200}, .target = {100, 0, 0, 100}}),
+    CHECK_EQ(Composited({.premultiplied = 0, .source = {150, 0, 0, 200}, .target = {100, 0, 0, 100}}),
              ChannelValues{139, 0, 0, 221});
 }
 
 // 14 bits: a' = 8192 + 1 = 8193, p = 16384, w = 8193 << 14, v = 2^28 - w: (16000 * 8193 + 100 * 8191) / 16384 = 8051.
 // 131088000 + 819100 = 131907100; / 16384 = 8050.97. Alpha (0 + 8193 * 16383) / 16384 = 8192.5.
 TEST_CASE("at 14 bits a straight source needs 42 bits") {
-    CHECK_EQ(Laid({.depth = 1, .premultiplied = 0, .source = {16000, 0, 0, 8192}, .target = {100, 0, 0, 0}}),
+    CHECK_EQ(Composited({.depth = 1, .premultiplied = 0, .source = {16000, 0, 0, 8192}, .target = {100, 0, 0, 0}}),
              ChannelValues{8050, 0, 0, 8192});
 }
 
 TEST_CASE("a source pixel without alpha is left out even with colour in it") {
-    CHECK_EQ(Laid({.source = {50, 50, 50, 0}, .target = {9, 9, 9, 9}}), ChannelValues{9, 9, 9, 9});
+    CHECK_EQ(Composited({.source = {50, 50, 50, 0}, .target = {9, 9, 9, 9}}), ChannelValues{9, 9, 9, 9});
 }
 
 // Fast form: k = 256 - 0 - 1 = 255: (255 * 255) >> 8 = 254, + 10 = 264, kept modulo 256: 8.
 TEST_CASE("a sum above full scale keeps its low bits") {
-    CHECK_EQ(Laid({.source = {10, 0, 0, 1}, .target = {255, 0, 0, 0}})[0], 8);
+    CHECK_EQ(Composited({.source = {10, 0, 0, 1}, .target = {255, 0, 0, 0}})[0], 8);
 }
 
 // Clip 128: p = ((128 * 256) >> 8) + ((128 * 256) >> 15) = 129. k = (65536 - 256 * 129) >> 8 = 127;
 // (255 * 129 + 0) >> 8 = 128.5. Inverted by 127 the same. Clip 255 lets the pixel be copied.
 TEST_CASE("the clip of the paster") {
-    const Lay lay{.source = {255, 255, 255, 255}, .clip = 128};
-    CHECK_EQ(Laid(lay), ChannelValues{128, 128, 128, 128});
-    Lay inverted = lay;
+    const PasteCase given{.source = {255, 255, 255, 255}, .clip = 128};
+    CHECK_EQ(Composited(given), ChannelValues{128, 128, 128, 128});
+    PasteCase inverted = given;
     inverted.clip = 127;
     inverted.clipInverted = Clip::Inverted;
-    CHECK_EQ(Laid(inverted), ChannelValues{128, 128, 128, 128});
-    Lay full = lay;
+    CHECK_EQ(Composited(inverted), ChannelValues{128, 128, 128, 128});
+    PasteCase full = given;
     full.clip = 255;
-    CHECK_EQ(Laid(full), ChannelValues{255, 255, 255, 255});
+    CHECK_EQ(Composited(full), ChannelValues{255, 255, 255, 255});
 }
 
 // 0.99609375 is 255 / 256. At it the pasting path: op = truncate(255.0099) = 255, k = (65536 - 256 * 255) >> 8 = 1:
 // (200 * 255 + 100) >> 8 = 199.6; alpha (255 * 255 + 9) >> 8 = 254.04. Above it the pixel is copied.
 TEST_CASE("replacing copies above 255/256 of opacity and pastes at it") {
-    Lay lay{.opacity = 0.99609375, .source = {200, 0, 0, 255}, .target = {100, 0, 0, 9}, .replace = true};
-    CHECK_EQ(Laid(lay), ChannelValues{199, 0, 0, 254});
-    lay.opacity = std::nextafter(0.99609375, 1.0);
-    CHECK_EQ(Laid(lay), ChannelValues{200, 0, 0, 255});
+    PasteCase given{.opacity = 0.99609375, .source = {200, 0, 0, 255}, .target = {100, 0, 0, 9}, .replace = true};
+    CHECK_EQ(Composited(given), ChannelValues{199, 0, 0, 254});
+    given.opacity = std::nextafter(0.99609375, 1.0);
+    CHECK_EQ(Composited(given), ChannelValues{200, 0, 0, 255});
 }
 
 TEST_CASE("replacing clears its rectangle around the source and nothing else") {

@@ -38,7 +38,7 @@ void CompareOver(const SrcOverRow& row, std::int32_t opacity) {
 
 }  // namespace
 
-TEST_CASE("the vector form of the over row is equal for all source and target channels") {
+TEST_CASE("the vector form of the src_over row is equal for all source and target channels") {
     if (!HasAvx2()) return;
     std::mt19937 random(1);
     SrcOverRow row;
@@ -57,7 +57,7 @@ TEST_CASE("the vector form of the over row is equal for all source and target ch
     }
 }
 
-TEST_CASE("the vector form of the over row is equal for all masks and alphas") {
+TEST_CASE("the vector form of the src_over row is equal for all masks and alphas") {
     if (!HasAvx2()) return;
     std::mt19937 random(2);
     SrcOverRow row;
@@ -97,7 +97,7 @@ TEST_CASE("the vector forms keep inside their row") {
     }
 }
 
-TEST_CASE("even coverage gives what a mask of that value gives") {
+TEST_CASE("a constant mask gives what a mask of that value gives") {
     std::mt19937 random(4);
     for (const std::size_t count : {0U, 1U, 127U, 128U, 129U, 300U}) {
         Bytes source(4 * count);
@@ -131,7 +131,7 @@ TEST_CASE("the vector form of the erase row is equal on every input") {
 }
 
 // Words of all 16 bits: what an earlier overflow has left in a picture is worked on alike.
-TEST_CASE("the vector form of the 14-bit over row is equal on random words of every range") {
+TEST_CASE("the vector form of the 14-bit src_over row is equal on random words of every range") {
     if (!HasAvx2()) return;
     constexpr std::size_t pixels = 4096;
     std::mt19937 random(5);
@@ -155,7 +155,7 @@ TEST_CASE("the vector form of the 14-bit over row is equal on random words of ev
     }
 }
 
-TEST_CASE("the 14-bit over row keeps inside its row, whatever its length and the step of its mask") {
+TEST_CASE("the 14-bit src_over row keeps inside its row, whatever its length and the step of its mask") {
     std::mt19937 random(6);
     using Words = std::vector<std::uint16_t>;
     for (std::size_t count = 0; count < 300; count += count < 40 ? 1 : 37) {

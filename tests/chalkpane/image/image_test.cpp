@@ -283,7 +283,7 @@ TEST_CASE("Filling a channel rounds, and keeps inside the image") {
     CHECK_EQ(deepMask.Row14(0)[0], 16383);
 }
 
-TEST_CASE("Filling with what lies outside 0 to 1, or is no number, stores an end") {
+TEST_CASE("Filling with what lies outside 0 to 1, or with NaN, stores an end") {
     Image image(1, 1, mask, 0, 0);
     const auto filled = [&](double value) {
         image.FillChannel(value);

@@ -122,7 +122,7 @@ TEST_CASE("Random positions sample as in the plain reference, in every format an
     }
 }
 
-TEST_CASE("Positions that are no number or far away are survived") {
+TEST_CASE("Positions that are NaN or far away are survived") {
     constexpr double nan = std::numeric_limits<double>::quiet_NaN();
     constexpr double infinity = std::numeric_limits<double>::infinity();
     const Image image = FourPixels(0);

@@ -65,7 +65,7 @@ TEST_CASE("Coinciding points have controls on themselves") {
     CHECK(map.controls(2).first == DoublePair{8.0, 5.0});
 }
 
-TEST_CASE("A steady companion walks a mapped pair evenly; a growing one makes it rise later, from 0 to 1") {
+TEST_CASE("A steady companion moves a mapped pair evenly; a growing one makes it rise later, from 0 to 1") {
     AnimatedMapXY map(nullptr, false, &frames);
     map.addKeyDoubleXY(0, 0.0, 0.0);
     map.addKeyDoubleXY(10, 10.0, 0.0);
@@ -103,7 +103,7 @@ TEST_CASE("A companion without use leaves the fraction between 0 and 1") {
         }
         CHECK(last == doctest::Approx(1.0));
     }
-    CHECK(map.fraction(1, 450000010) == doctest::Approx(0.5));  // too long to walk
+    CHECK(map.fraction(1, 450000010) == doctest::Approx(0.5));  // too long to iterate over
 }
 
 TEST_CASE("A key of a position has its handles on its point") {
@@ -134,7 +134,7 @@ TEST_CASE("A span whose controls lie evenly is one segment") {
     CHECK_EQ(Polyline(left, right).segments, 1);
 }
 
-TEST_CASE("A single span is walked evenly along its length") {
+TEST_CASE("A single span is traversed evenly along its length") {
     AnimatedPosition position(nullptr, false, &frames);
     position.addKeyDoubleXY(0, 0.0, 0.0);
     position.addKeyDoubleXY(10, 30.0, 40.0);
@@ -244,7 +244,7 @@ TEST_CASE("A key put on another's frame takes over smoothness and handle offsets
     CHECK(path.keyValue(0).out == DoublePair{103.0, 204.0});
 }
 
-TEST_CASE("Handles beside a removed key are not laid anew") {
+TEST_CASE("Handles beside a removed key are not computed anew") {
     AnimatedPosition3d path(nullptr, false, &frames);
     for (const std::int32_t frame : {0, 10, 20, 30}) path.addKeyDoubleXY(frame, frame, frame * frame);
     const DoublePair before = path.keyValue(1).out;
@@ -275,19 +275,19 @@ TEST_CASE("Numbers that are none, and keys out of order, end in an answer") {
         map.addKeyDoubleXY(i * 10, odd[i], odd[6 - i]);
         path.addKeyDoubleXY(i * 10, odd[i], odd[6 - i]);
     }
-    const auto walk = [&] {
+    const auto evaluateAll = [&] {
         for (std::int32_t f = -5; f < 80; ++f)
             for (const AnimatedValue* value : {static_cast<AnimatedValue*>(&position),
                                                static_cast<AnimatedValue*>(&map), static_cast<AnimatedValue*>(&path)})
                 At(*value, f);
     };
-    walk();
+    evaluateAll();
     for (std::int32_t i = 0; i < 7; ++i) {
         position.keyAt(i)->setTime(70.0 - 10 * i);
         map.keyAt(i)->setTime(i % 2 == 0 ? 5.0 : nan);
         path.keyAt(i)->setTime(i == 6 ? 100.0 : 30.0);
     }
-    walk();
+    evaluateAll();
     CHECK_EQ(position.keyCount(), 7);
 }
 

@@ -118,7 +118,7 @@ TEST_CASE_TEMPLATE("A clone is empty and of the same class; copied keys are the 
 
 // Random edits, each of them a number of records. After each the state is kept; undo and redo must pass through the
 // same states, and edits after an undo drop what was undone.
-TEST_CASE_TEMPLATE("Any walk through edits, undo and redo passes the same states", Value, ALL_ANIMATED) {
+TEST_CASE_TEMPLATE("Any sequence of edits, undo and redo passes the same states", Value, ALL_ANIMATED) {
     constexpr unsigned seed = 814;
     CAPTURE(seed);
     std::mt19937 random(seed);

@@ -136,7 +136,7 @@ TEST_CASE("A value of another family, of an unknown code or without a declaratio
     CHECK_EQ(settings.levels, 3);
 }
 
-TEST_CASE("What is not a number is stored as 0 where the base asks for it, and as it is elsewhere") {
+TEST_CASE("NaN is stored as 0 where the base asks for it, and as it is elsewhere") {
     Numbers numbers;
     FloatValue number(numbers.getParameters().find(0));
     number.setFloat(std::numeric_limits<float>::quiet_NaN());

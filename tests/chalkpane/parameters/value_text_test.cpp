@@ -278,7 +278,7 @@ TEST_CASE("The word nan four times stands for handles on the point") {
     CHECK_EQ(position.keyCount(), 0);
 }
 
-TEST_CASE("A smooth point writes a word in place of its handles and has them laid anew on reading") {
+TEST_CASE("A smooth point writes a word in place of its handles and has them computed anew on reading") {
     AnimatedPosition3d path(nullptr, false, &frames);
     path.addKeyDoubleXY(0, 0.0, 0.0);
     path.addKeyDoubleXY(10, 6.0, 0.0);
@@ -301,7 +301,7 @@ TEST_CASE("A smooth point writes a word in place of its handles and has them lai
     CHECK(read.keyValue(0).out == DoublePair{7.0, 8.0});
 }
 
-TEST_CASE("A key list ends at what is no number, and fails on a malformed token or a broken key") {
+TEST_CASE("A key list ends at a token that does not read as a number, and fails on a malformed token or a broken key") {
     AnimatedDouble value(nullptr, false, &frames);
     CHECK(Read(value, "0 0 0 1 10 0 0 2 ; rest"));
     CHECK_EQ(value.keyCount(), 2);
@@ -343,7 +343,7 @@ TEST_CASE("The sink as it is swallows everything") {
     CHECK_EQ(&(sink << std::string_view("a") << std::int32_t{1} << 2.0), &sink);
 }
 
-TEST_CASE("What is not a number does not read back") {
+TEST_CASE("NaN does not read back") {
     CHECK_FALSE(Read(*makeValue<DoubleValue>(0.0), " true        nan"));
     CHECK_FALSE(Read(*makeValue<DoubleValue>(0.0), " true        inf"));
 }

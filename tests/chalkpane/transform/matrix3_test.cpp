@@ -21,9 +21,9 @@ TEST_CASE("a product reads in the order in which its transforms happen") {
 }
 
 TEST_CASE("a positive turn takes the x axis towards the y axis") {
-    const Point2 turned = Matrix3::Rotation(std::numbers::pi / 2).Transform(1.0, 0.0);
-    CHECK(turned.x == doctest::Approx(0.0));
-    CHECK(turned.y == doctest::Approx(1.0));
+    const Point2 rotated = Matrix3::Rotation(std::numbers::pi / 2).Transform(1.0, 0.0);
+    CHECK(rotated.x == doctest::Approx(0.0));
+    CHECK(rotated.y == doctest::Approx(1.0));
 }
 
 // The inverse of scaling by 4 and 2 and moving by (3, 5) scales by 1/4 and 1/2 and moves by (-3/4, -5/2): exact in

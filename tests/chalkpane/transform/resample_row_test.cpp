@@ -72,7 +72,7 @@ TEST_CASE("resampling agrees with the plain reference") {
 }
 
 // The smallest rectangle of pixel centres that the faded source reaches, found by looking everywhere.
-TEST_CASE("the bounds of a turned image hold all of it and no more") {
+TEST_CASE("the bounds of a rotated image hold all of it and no more") {
     std::mt19937 random(78);
     for (int i = 0; i < 60; ++i) {
         const Image source({3, -2, 3 + static_cast<int>(random() % 20), -2 + static_cast<int>(random() % 20)}, 2, 0, 0);
@@ -118,17 +118,17 @@ TEST_CASE_TEMPLATE("the vector forms of resampling are equal to the plain ones",
         const ResampleSource<Channel> source{reinterpret_cast<const Channel*>(image.Address(0, 0)),
                                              -image.rowBytes / static_cast<std::ptrdiff_t>(sizeof(Channel)), image};
         const auto position = [&](double low, double high) { return reference::Fixed(Uniform(random, low, high)); };
-        ResampleIterator walk{position(-9, 60), position(-3, 9), position(-2, 2), position(-0.2, 0.2)};
-        if (i % 3 == 0) walk.stepU = 65536;
-        if (i % 3 == 0) walk.stepV = 0;
+        ResampleIterator iterator{position(-9, 60), position(-3, 9), position(-2, 2), position(-0.2, 0.2)};
+        if (i % 3 == 0) iterator.stepU = 65536;
+        if (i % 3 == 0) iterator.stepV = 0;
         const std::size_t count = random() % 90;
         std::vector<Channel> plain(count * static_cast<std::size_t>(channels), Channel{9});
         std::vector<Channel> vector = plain;
         const auto rows = ResampleRowFor<Format>(channels);
         REQUIRE((rows.vector != nullptr));
         CHECK((rows.Fastest() == rows.vector));
-        rows.plain(source, walk, plain.data(), static_cast<std::ptrdiff_t>(count));
-        rows.vector(source, walk, vector.data(), static_cast<std::ptrdiff_t>(count));
+        rows.plain(source, iterator, plain.data(), static_cast<std::ptrdiff_t>(count));
+        rows.vector(source, iterator, vector.data(), static_cast<std::ptrdiff_t>(count));
         CAPTURE(i);
         CHECK(plain == vector);
     }
@@ -155,12 +155,12 @@ TEST_CASE("the vector forms of resampling read nothing beside the picture") {
         const auto rows = ResampleRowFor<PixelFormat8>(static_cast<std::int32_t>(channels));
         for (int i = 0; i < 2000; ++i) {
             const bool atTop = i % 2 == 0;
-            const ResampleIterator walk{
+            const ResampleIterator iterator{
                 reference::Fixed(Uniform(random, -4, 4)),
                 reference::Fixed(atTop ? static_cast<double>(height) - Uniform(random, 0, 3) : Uniform(random, -1, 2)),
                 reference::Fixed(Uniform(random, 0.2, 1.2)), 0};
             std::vector<std::uint8_t> target(static_cast<std::size_t>(64 * channels));
-            rows.vector(source, walk, target.data(), 64);
+            rows.vector(source, iterator, target.data(), 64);
         }
     }
     munmap(pages, 3 * page);

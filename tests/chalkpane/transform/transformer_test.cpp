@@ -79,8 +79,9 @@ TEST_CASE("half of a full channel is rounded down at 8 bits and up at 14") {
     CHECK_EQ(Moved(MaskRow({16383, 16383, 16383}, 1), 0.5, rect), Values{8192, 16383, 16383, 8192});
 }
 
-// Moved by 1/8 the walk begins at (0.5 - 0.125) * 65536 - 32768 = -8192: fraction (-8192 >> 8) & 255 = 224, so a pixel
-// is 32/256 of its left and 224/256 of its right neighbour. 200: (224 * 200 * 256) >> 16 = 175; (32 * 200 + 224 * 100)
+// Moved by 1/8 the iteration begins at (0.5 - 0.125) * 65536 - 32768 = -8192: fraction (-8192 >> 8) & 255 = 224, so a
+// pixel is 32/256 of its left and 224/256 of its right neighbour. 200: (224 * 200 * 256) >> 16 = 175; (32 * 200 + 224 *
+// 100)
 // * 256 >> 16 = 112.5; (32 * 100) * 256 >> 16 = 12.5.
 TEST_CASE("fractions are eighths of a pixel exactly") {
     Rect rect;
@@ -101,16 +102,16 @@ TEST_CASE("a quarter turn is clockwise and keeps the size") {
     Transformer transformer;
     transformer.SetTransform(2.0, 1.0, 2.0, 1.0, 1.0, 1.0, 90.0);
     Rect rect;
-    const auto turned = transformer.Apply(source, rect);
+    const auto rotated = transformer.Apply(source, rect);
     CHECK(rect.Width() >= 2);
     CHECK(rect.Width() <= 3);
     CHECK(rect.Height() >= 4);
     CHECK(rect.Height() <= 5);
     CHECK(rect.Contains(Rect(1, -1, 2, 2)));
-    CHECK(ValuesAt(*turned, 1, 2)[0] >= 253);
+    CHECK(ValuesAt(*rotated, 1, 2)[0] >= 253);
 }
 
-// Scaled about the origin, then turned clockwise, then moved: (1, 0) - (1, 1) = (0, -1), scaled (0, -3), turned by 90
+// Scaled about the origin, then rotated clockwise, then moved: (1, 0) - (1, 1) = (0, -1), scaled (0, -3), rotated by 90
 // degrees (-3, 0), moved (7, 20).
 TEST_CASE("the seven values apply as origin, scale, turn and move") {
     Transformer transformer;

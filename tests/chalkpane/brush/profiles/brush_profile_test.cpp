@@ -116,9 +116,9 @@ TEST_CASE("A flatness of 2 halves the dab along x") {
 // a = -45 degrees: u = (yy + xx) * 0.7071, v = (xx - yy) * 0.7071 * 2. At (1, 1) u = 1.4142, v = 0, q = 0.565685; at
 // (1, -1) u = 0, v = 2.8284, q = 1.13.
 TEST_CASE("Rotation turns the dab clockwise") {
-    const DabShape turned{2, 2.0, 45.0, 1.0, 0};
-    CHECK_EQ(GraphAt(turned, 1, 1), 111);
-    CHECK_EQ(GraphAt(turned, 1, -1), 0);
+    const DabShape rotated{2, 2.0, 45.0, 1.0, 0};
+    CHECK_EQ(GraphAt(rotated, 1, 1), 111);
+    CHECK_EQ(GraphAt(rotated, 1, -1), 0);
 }
 
 // The side grows by twice the margin; the radius of the shape does not.
@@ -283,7 +283,7 @@ TEST_CASE("An angle of up to 0.0001 degrees does not turn a mask") {
 // Radius 3, R = 3.5, narrow in x: at (2, 0) q = 4 / 3.5, outside; at (0, 2) q = 0.5714, 0.4286 * 255 = 109. A quarter
 // turn swaps the two, but for positions that are held in 1/65536 and read in 1/256 of a pixel, which costs a few
 // levels.
-TEST_CASE("A turned mask is turned clockwise about the middle of its copy") {
+TEST_CASE("A rotated mask is rotated clockwise about the middle of its copy") {
     GraphBrushProfile profile({3, 2.0, 0.0, 1.0, 0}, Matrix3(), Depth::Eight, nullptr);
     const auto quarter = profile.GetMask(3.5, 3.5, 90.0);
     CHECK_GT(Around(*quarter, 3, 2, 0), 105);
@@ -298,10 +298,10 @@ TEST_CASE("A turned mask is turned clockwise about the middle of its copy") {
 TEST_CASE("Half a turn mirrors a shifted copy about its middle, not about the dab") {
     auto profile = Small();
     const Image& copy = *profile.Shifted(6, 0);
-    const auto turned = profile.GetMask(10.25, 10.5, 180.0);
+    const auto rotated = profile.GetMask(10.25, 10.5, 180.0);
     for (std::int32_t x = 0; x < 6; ++x) {
         const int wanted = ValuesAt(copy, 5 - x, 2)[0];
-        CHECK_LE(std::abs(ValuesAt(*turned, 7 + x, 10)[0] - wanted), 3);
+        CHECK_LE(std::abs(ValuesAt(*rotated, 7 + x, 10)[0] - wanted), 3);
     }
 }
 
@@ -323,7 +323,7 @@ TEST_CASE("The matrix moves the position and the offset of a mask") {
     CHECK_EQ(moved.GetMask(10.0, 20.0, 0.0)->x0, 7);
 }
 
-TEST_CASE("A profile of one pixel is a full square that is never turned") {
+TEST_CASE("A profile of one pixel is a full square that is never rotated") {
     OnePixelBrushProfile pixel(0, Matrix3::Scaling(2.0, 2.0), Depth::Fourteen);
     Rect rect;
     pixel.GetRect(rect);

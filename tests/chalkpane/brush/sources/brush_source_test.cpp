@@ -245,7 +245,7 @@ TEST_CASE("The size in a direction shrinks with the flatness") {
 }
 
 // With rotation 90 and flatness 2 the formula gives 2.5 at angle 0 as well.
-TEST_CASE("At angle 0 the size is the whole width, however the dab is turned") {
+TEST_CASE("At angle 0 the size is the whole width, however the dab is rotated") {
     Values values;
     values.Integer(SourceParameter::Size, 2);
     values[SourceParameter::Flatness].setDouble(2.0);

@@ -76,10 +76,10 @@ TEST_CASE("A dab larger than those before gets its colour in full") {
     ColourBrushSource source(ColourUse::Paint);
     SetUp(source, 4);
     const DabImages small = DabAt(source, 10.5, 10.5);
-    const DabImages turned = DabAt(source, 10.5, 10.5, 45.0);
-    CHECK_GT(turned.colour->Width(), small.colour->Width());
-    CHECK(turned.colour->Bounds() == turned.mask->Bounds());
-    CHECK(IsAll(*turned.colour, {0, 127, 255, 255}));
+    const DabImages rotated = DabAt(source, 10.5, 10.5, 45.0);
+    CHECK_GT(rotated.colour->Width(), small.colour->Width());
+    CHECK(rotated.colour->Bounds() == rotated.mask->Bounds());
+    CHECK(IsAll(*rotated.colour, {0, 127, 255, 255}));
     CHECK(IsAll(*small.colour, {0, 127, 255, 255}));
 }
 

@@ -172,17 +172,17 @@ TEST_CASE("Offsets and pictures at the ends of the plane are survived") {
     constexpr std::int32_t last = std::numeric_limits<std::int32_t>::max();
     Image picture = Plain(3, 200);
     picture.MoveTo(last - 2, last - 2);
-    constexpr double reach = 1073741823.0;  // twice that is the picture's middle
-    CHECK_EQ(ReadAt(picture, 1073741823, 1073741823, reach, reach)[0], 200);
+    constexpr double farAway = 1073741823.0;  // twice that is the picture's middle
+    CHECK_EQ(ReadAt(picture, 1073741823, 1073741823, farAway, farAway)[0], 200);
     // Half a pixel less reads its lower left corner: 200 * 255 * 127 >> 16. Half more in x: 200 * 255 * 255 >> 16.
-    CHECK_EQ(ReadAt(picture, 1073741823, 1073741823, reach - 0.5, reach - 0.5)[0], 98);
-    CHECK_EQ(ReadAt(picture, 1073741823, 1073741823, reach + 0.5, reach)[0], 198);
-    // A dab of which the reach leaves the plane reads nothing.
+    CHECK_EQ(ReadAt(picture, 1073741823, 1073741823, farAway - 0.5, farAway - 0.5)[0], 98);
+    CHECK_EQ(ReadAt(picture, 1073741823, 1073741823, farAway + 0.5, farAway)[0], 198);
+    // A dab whose picture would leave the plane reads nothing.
     ImageBrushSource source(ImageFollows::Brush);
     source.SetSourceImage(&picture);
     Values values;
-    values.Integer(SourceParameter::Size, 3).Offset(reach, reach).SetUp(source);
-    const DabImages dab = DabAt(source, reach, reach);
+    values.Integer(SourceParameter::Size, 3).Offset(farAway, farAway).SetUp(source);
+    const DabImages dab = DabAt(source, farAway, farAway);
     REQUIRE(dab.made);
     CHECK_EQ(ValuesAt(*dab.colour, 1073741823, 1073741823), nothing);
     for (const double offset : {1e300, -1e300, std::numeric_limits<double>::quiet_NaN(), 2e9}) {
@@ -207,7 +207,7 @@ TEST_CASE("The mask plane reads its own picture and holds its own dab") {
     CHECK_EQ(ValuesAt(*MaskDabAt(source, 7.0, 2.0).colour, 7, 2), nothing);
 }
 
-// Pickup 2: each dab lays down what was under the one before it.
+// Pickup 2: each dab paints what was under the one before it.
 TEST_CASE("With pickup 2 a dab drags what was under the last one") {
     ImageBrushSource source(ImageFollows::Canvas);
     const Image picture = MapPicture(20, 9);
@@ -235,10 +235,10 @@ TEST_CASE("A dab that is dragged turns with the stroke about its middle") {
     Values values;
     values.Integer(SourceParameter::Size, 2).Choice(SourceParameter::Pickup, 1).SetUp(source);
     CHECK_EQ(ValuesAt(*DabAt(source, 10.5, 10.5, 10.0).colour, 12, 10)[1], 240);
-    const DabImages turned = DabAt(source, 110.5, 10.5, 100.0);
-    REQUIRE(turned.made);
-    CHECK_GT(ValuesAt(*turned.colour, 110, 8)[1], 230);
-    CHECK_LT(ValuesAt(*turned.colour, 112, 10)[1], 10);
+    const DabImages rotated = DabAt(source, 110.5, 10.5, 100.0);
+    REQUIRE(rotated.made);
+    CHECK_GT(ValuesAt(*rotated.colour, 110, 8)[1], 230);
+    CHECK_LT(ValuesAt(*rotated.colour, 112, 10)[1], 10);
 }
 
 // Alpha 100: the factor is 100 / 255 = 0.392157, so 40, 80 and 120 become 15.7, 31.4 and 47.1, rounded.

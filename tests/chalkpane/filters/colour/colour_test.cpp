@@ -296,7 +296,7 @@ TEST_CASE("Solarizing turns black to white and the threshold to black") {
     SolarizeEffect filter;
     CHECK(Run8(filter, {0, 127, 128, 9}) == Pixel8{254, 0, 2, 9});
     CHECK_EQ(Run8(filter, {255, 0, 0, 9}).blue, 255);
-    SetNumber(filter, "Amount", 0);  // T = 0, up infinite, down = 1: 0 * infinity is no number
+    SetNumber(filter, "Amount", 0);  // T = 0, up infinite, down = 1: 0 * infinity is NaN
     CHECK(Run8(filter, {0, 1, 255, 9}) == Pixel8{0, 1, 255, 9});
 }
 

@@ -41,4 +41,4 @@ TEST_CASE("A hue that rounds up to 1 is red") {
     CHECK(HsvToRgb({hue, 1.0F, 1.0F}) == RgbWords{16383, 0, 0});
 }
 
-TEST_CASE("A hue that is no number counts as 0") { CHECK_EQ(WrapHue(std::nanf("")), 0.0F); }
+TEST_CASE("A hue that is NaN counts as 0") { CHECK_EQ(WrapHue(std::nanf("")), 0.0F); }

@@ -73,7 +73,7 @@ TEST_CASE("The row that follows is the one below") {
     CHECK(reference::Get(*lit, 1, 1, 0) <= 118);
     CHECK_EQ(reference::Get(*lit, 0, 1, 0), 0);  // the rim has the background's shade, 0
     SetNumber(filter, "Light Direction", 270);
-    CHECK_EQ(reference::Get(*Applied(filter, source), 1, 1, 0), 0);  // turned away from the light
+    CHECK_EQ(reference::Get(*Applied(filter, source), 1, 1, 0), 0);  // facing away from the light
 }
 
 // A bump of 0.0001: Nz = 6 * 16383 / 0.0003 = 327,660,000, whose square needs 57 bits; the shade stays close to Lz.

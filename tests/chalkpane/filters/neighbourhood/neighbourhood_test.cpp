@@ -159,7 +159,7 @@ TEST_CASE("The median of one pixel is the pixel, whatever the radius") {
     CHECK(ValuesOf(*Applied(filter, MaskOf(1, 1, {173}))) == std::vector<int>{173});
 }
 
-// Nine values, half of them is 4: four 10s fill the lowest bin of 16 exactly, so the walk ends there at its top, 15,
+// Nine values, half of them is 4: four 10s fill the lowest bin of 16 exactly, so the search ends there at its top, 15,
 // although the fifth value is 200.
 TEST_CASE("A median at the end of a bin of 16 is the top of the bin") {
     MedianFilter filter;
@@ -263,7 +263,7 @@ TEST_CASE("A region beside the picture gives a blank picture of the source's bou
     }
 }
 
-TEST_CASE("Filters say how far they reach") {
+TEST_CASE("Filters say their support radius") {
     Softener softener(3.2);
     CHECK(softener.InputRegion({}, {0, 0, 1, 1}) == Rect(-4, -4, 5, 5));
     SuperSoftener superSoftener(0.5, 3);
