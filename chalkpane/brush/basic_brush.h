@@ -27,8 +27,8 @@ class ProfileCache;
 // hold at the next `Update`, which belongs between strokes. A sample that is NaN, or beyond `farthest` in any
 // of its three values, is ignored: it paints nothing and leaves the stroke where it was.
 // Nothing here throws for want of memory but the constructor and the setters that store; a dab or a source that could
-// not be made is not there. Thread: one for all brushes of a process, which
-// share pasters, masks and the paint colour; one stroke at a time. Further down, "the brushes'" names that thread.
+// not be made is not there. Thread: a brush is used by one at a time, with all that it owns, for one stroke at a time;
+// several threads may paint at once, each with brushes and targets of its own.
 class BasicBrush : public WithParameters<BasicBrush, ParameterisedObject> {
 public:
     static constexpr auto Parameters() {

@@ -15,7 +15,7 @@ namespace chalkpane {
 // (0, 0): four channels, or one for a file that is to serve as a mask, such as a picture in greys.
 using ImageFileLoader = std::function<std::unique_ptr<Image>(const std::string& name)>;
 
-// An empty loader takes the last one away. Thread: the brushes'.
+// An empty loader takes the last one away. Not while anyone paints.
 void SetImageFileLoader(ImageFileLoader loader);
 
 // Null when there is no loader, no name, no such file, or no memory for it.

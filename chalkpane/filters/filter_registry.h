@@ -18,7 +18,7 @@ struct FilterCategory {
 // One prototype of every filter class, sorted into categories; a caller clones what it needs.
 class FilterRegistry {
 public:
-    // Built by the first call, which belongs to the brushes' thread; lives as long as the process.
+    // Built by the first call; lives as long as the process.
     static FilterRegistry& Instance();
 
     // A filter without a category goes to "Other".

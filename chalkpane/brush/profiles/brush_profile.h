@@ -24,7 +24,7 @@ struct DabShape {
 // Positions are canvas pixels as real numbers, angles degrees. The masks belong to the caller, but share their pixels
 // with the profile and with other masks: they are for reading. Null: there is no mask, because the profile could
 // not be built, or because the position is NaN or too far away to be placed.
-// A profile is immutable once built. Thread: the brushes'.
+// A profile is immutable once built. Thread: its brush's.
 class BrushProfile {
 public:
     // Above this radius, margin included, no mask is built: it takes 65 images of that size, and the canvas is smaller.

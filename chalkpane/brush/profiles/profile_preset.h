@@ -20,7 +20,7 @@ struct ProfilePreset {
 };
 
 // The presets of the process, which stand before the names built in. None come with it: a front end brings its own, and
-// keeps their graphs alive. Thread: the brushes'.
+// keeps their graphs alive. Not to be changed while anyone paints.
 std::vector<ProfilePreset>& ProfilePresets();
 
 }  // namespace chalkpane

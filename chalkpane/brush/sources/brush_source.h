@@ -21,7 +21,7 @@ namespace chalkpane {
 // but may share their pixels with the source and with other dabs: they are for reading. Images throw std::bad_alloc
 // when there is no memory for them. What is stored by `setParameter` and the setters takes hold with `Prepare`, which
 // the owner calls once all is set. Profiles, cutouts and dabs have the target's depth: `SetTargetDepth` before
-// `Prepare`. Thread: the brushes'.
+// `Prepare`. Thread: its brush's.
 class BrushSource : public WithParameters<BrushSource, ParameterisedObject> {
 public:
     static constexpr auto Parameters() {
