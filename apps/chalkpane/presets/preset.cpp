@@ -67,8 +67,7 @@ PresetView ViewOf(const std::vector<std::unique_ptr<Filter>>& filters, std::stri
 PresetView ViewOf(BasicBrush& brush, const DataSet* paint) {
     PresetView view{PresetKind::Brush, {}, {&brush.Values(), &brush.SourceValues()}, Borrowed(brush.Filters())};
     if (paint != nullptr) view.values.push_back(paint);
-    if (const ParameterValue* const name = brush.Values().findValue(BasicBrush::ClassParameters().find(0)))
-        name->getString(view.name);
+    if (const ParameterValue* const name = brush.Value(BrushParameter::Name)) name->getString(view.name);
     return view;
 }
 

@@ -110,7 +110,8 @@ private:
             preset.brush = std::make_unique<BrushSettings>();
             for (DataSet* values : {&preset.brush->brush, &preset.brush->source, &preset.brush->paint})
                 AddSlots(object, *values, nullptr);
-            preset.brush->brush.findValue(BasicBrush::ClassParameters().find(0))->setString(preset.name);
+            preset.brush->brush.findValue(BasicBrush::ClassParameters().find(BrushParameter::Name))
+                ->setString(preset.name);
         }
         ReadBody(object, &preset.filters);
     }

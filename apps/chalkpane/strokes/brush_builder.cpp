@@ -7,16 +7,12 @@
 #include "apps/chalkpane/filtering/picture_image.h"
 #include "apps/chalkpane/strokes/brush_choices.h"
 #include "apps/chalkpane/values/parameter_text.h"
-#include "chalkpane/brush/sources/brush_source.h"
+#include "chalkpane/brush/sources/source_types.h"
 #include "chalkpane/filters/filter.h"
 #include "cli/error.h"
 
 namespace chalkpane::app {
 namespace {
-
-constexpr std::uint8_t sourceTypeCode = 1;
-constexpr std::uint8_t cutoutFileCode = 2;
-constexpr std::uint8_t cutoutSource = 3;
 
 std::unique_ptr<Filter> MakeChained(const FilterDescription& description, const BrushScene& scene) {
     auto filter = MakeFilter(FindFilter(description.label));
@@ -31,15 +27,13 @@ std::unique_ptr<Filter> MakeChained(const FilterDescription& description, const 
 
 // Cutouts take their picture with its colours, so the brush is handed it instead of reading the file as a mask.
 void GiveCutout(BasicBrush& brush, const BrushDescription& description, PictureFiles& pictures) {
-    const ParameterList& list = BasicBrush::ClassParameters();
     std::uint8_t type = 0;
     FileName name;
-    if (const ParameterValue* const value = brush.Values().findValue(list.find(sourceTypeCode)))
-        value->getEnumeration(type);
-    const ParameterDef* const fileParameter = list.find(cutoutFileCode);
-    if (const ParameterValue* const value = brush.Values().findValue(fileParameter)) readFileName(*value, name);
+    if (const ParameterValue* const value = brush.Value(BrushParameter::SourceType)) value->getEnumeration(type);
+    const ParameterDef* const fileParameter = BasicBrush::ClassParameters().find(BrushParameter::File);
+    if (const ParameterValue* const value = brush.Value(BrushParameter::File)) readFileName(*value, name);
     brush.SetCutoutImage(nullptr, false);
-    if (type != cutoutSource || name.empty()) return;
+    if (SourceTypeOf(type).needs != SourceNeeds::CutoutFile || name.empty()) return;
     const auto setting = std::ranges::find(description.settings, fileParameter, &Setting::parameter);
     const std::string place = setting != description.settings.end() ? setting->place : fileParameter->name;
     brush.SetCutoutImage(&pictures.Colours(pictures.FileOf(name.string()), place), true);
@@ -106,7 +100,7 @@ void RefreshBrush(BasicBrush& brush, const BrushDescription& description, const 
 void ReadPictures(const BrushDescription& description, PictureFiles& pictures) {
     for (const Setting& setting : description.settings) {
         if (setting.parameter->type != ParameterType::fileName) continue;
-        if (BasicBrush::ClassParameters().find(cutoutFileCode) == setting.parameter)
+        if (BasicBrush::ClassParameters().find(BrushParameter::File) == setting.parameter)
             (void)pictures.Colours(setting.text, setting.place);
         else
             (void)pictures.Mask(setting.text, setting.place);

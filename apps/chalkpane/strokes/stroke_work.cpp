@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 
+#include "chalkpane/brush/brush_choices.h"
 #include "chalkpane/brush/sources/brush_source.h"
 #include "chalkpane/filters/filter.h"
 #include "cli/error.h"
@@ -16,9 +17,9 @@ constexpr double leastPixelsOfAFilter = 2000;  // what it prepares does not shri
 constexpr double passesOfAProfile = 65;        // the shape and its shifted copies
 constexpr int finalSteps = 4;                  // with which a stroke ends
 
-double NumberOf(const DataSet& values, const ParameterDef* parameter) {
+double NumberOf(const ParameterValue* value) {
     double number = 0.0;
-    if (const ParameterValue* const value = values.findValue(parameter)) value->getDouble(number);
+    if (value != nullptr) value->getDouble(number);
     return number;
 }
 
@@ -39,18 +40,17 @@ double MostDabsOfStep(double longestEdge, double newestEdge, const BrushPace& pa
 }  // namespace
 
 BrushPace PaceOf(BasicBrush& brush) {
-    const ParameterList& list = BasicBrush::ClassParameters();
-    const ParameterList& sourceList = BrushSource::ClassParameters();
     bool adjusts = false;
     std::uint8_t spacingType = 0;
-    if (const ParameterValue* const value = brush.Values().findValue(list.find(6))) value->getBoolean(adjusts);
-    if (const ParameterValue* const value = brush.Values().findValue(list.find(7))) value->getEnumeration(spacingType);
+    if (const ParameterValue* const value = brush.Value(BrushParameter::AdjustSpacing)) value->getBoolean(adjusts);
+    if (const ParameterValue* const value = brush.Value(BrushParameter::SpacingType))
+        value->getEnumeration(spacingType);
     double width = brush.Source()->GetSize();
     // Across a flattened dab the way is shorter by that factor.
-    if (adjusts) width /= std::max(1.0, std::abs(NumberOf(brush.SourceValues(), sourceList.find(3))));
+    if (adjusts) width /= std::max(1.0, std::abs(NumberOf(brush.SourceValue(SourceParameter::Flatness))));
     BrushPace pace;
-    pace.spacing = std::abs(width * NumberOf(brush.Values(), list.find(5)));
-    pace.shortens = spacingType != 0;
+    pace.spacing = std::abs(width * NumberOf(brush.Value(BrushParameter::Spacing)));
+    pace.shortens = static_cast<SpacingType>(spacingType) != SpacingType::Keep;
     const double area = std::max(PixelsOf(brush.Source()->DabArea()), PixelsOf(brush.Source()->TargetArea()));
     pace.pixels =
         area + passesOfAFilter * std::max(area, leastPixelsOfAFilter) * static_cast<double>(brush.Filters().size());
