@@ -44,25 +44,41 @@ bool Outputs::WantEveryField() const {
     return std::ranges::any_of(m_sinks, [](const auto& sink) { return sink->WantsEveryField(); });
 }
 
-void Outputs::Give(OutputSink& sink, std::int64_t number, Host& host, ObjectId drawn) {
+bool Outputs::AreLive() const {
+    return std::ranges::all_of(m_sinks, [](const auto& sink) { return sink->IsLive(); });
+}
+
+OutputField Outputs::FieldFor(const OutputSink& sink, std::int64_t number, Host& host, ObjectId drawn) {
     OutputField field;
     field.number = number;
     field.seconds = static_cast<double>(number) / m_settings.fieldsPerSecond;
     for (const View view : sink.Views()) field.views[static_cast<std::size_t>(view)] = m_views.Show(view, host, drawn);
-    sink.TakeField(field);
+    return field;
 }
 
-void Outputs::TakeField(Host& host) {
+std::vector<OutputField> Outputs::Look(Host& host) {
+    std::vector<OutputField> fields;
     for (const auto& sink : m_sinks)
-        if (sink->WantsEveryField()) Give(*sink, m_field, host, noObject);
+        if (sink->WantsEveryField()) fields.push_back(FieldFor(*sink, m_field, host, noObject));
     ++m_field;
+    return fields;
+}
+
+void Outputs::Take(const std::vector<OutputField>& fields) {
+    auto field = fields.begin();
+    for (const auto& sink : m_sinks)
+        if (sink->WantsEveryField()) sink->TakeField(*field++);
 }
 
 void Outputs::Finish(Host& host, ObjectId drawn) {
-    for (const auto& sink : m_sinks) {
-        if (!sink->WantsEveryField()) Give(*sink, std::max<std::int64_t>(m_field - 1, 0), host, drawn);
-        sink->Close();
-    }
+    for (const auto& sink : m_sinks)
+        if (!sink->WantsEveryField())
+            sink->TakeField(FieldFor(*sink, std::max<std::int64_t>(m_field - 1, 0), host, drawn));
+    Finish();
+}
+
+void Outputs::Finish() {
+    for (const auto& sink : m_sinks) sink->Close();
     m_files.Commit();
     for (const auto& sink : m_sinks) sink->Commit();
 }

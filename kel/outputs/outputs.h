@@ -43,15 +43,23 @@ public:
 
     // True: every field is looked at, so each has to be drawn.
     [[nodiscard]] bool WantEveryField() const;
+    // True: all of them can follow in real time.
+    [[nodiscard]] bool AreLive() const;
     // The host has just drawn a field.
-    void TakeField(Host& host);
+    void TakeField(Host& host) { Take(Look(host)); }
+    // The same in two steps, which may belong to two threads: what the sinks want to see of the field, and giving it to
+    // them.
+    [[nodiscard]] std::vector<OutputField> Look(Host& host);
+    void Take(const std::vector<OutputField>& fields);
     // The host's picture is that of the last field. Writes what shows it, and gives all files their names.
     //   drawn  the container whose canvas is written; noObject where none is wanted
     void Finish(Host& host, ObjectId drawn);
+    // The same where every output has seen all of its fields.
+    void Finish();
 
 private:
     void Add(std::unique_ptr<OutputSink> sink);
-    void Give(OutputSink& sink, std::int64_t number, Host& host, ObjectId drawn);
+    [[nodiscard]] OutputField FieldFor(const OutputSink& sink, std::int64_t number, Host& host, ObjectId drawn);
 
     SinkSettings m_settings;
     FieldViews m_views;
