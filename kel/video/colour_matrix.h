@@ -4,7 +4,7 @@
 
 namespace kel {
 
-// The matrix of films that declare none: BT.601 for standard definition, which is up to 576 rows and 1024 columns, and
+// The matrix of videos that declare none: BT.601 for standard definition, which is up to 576 rows and 1024 columns, and
 // BT.709 for anything larger.
 [[nodiscard]] constexpr AVColorSpace UsualMatrix(int width, int height) {
     return height > 576 || width > 1024 ? AVCOL_SPC_BT709 : AVCOL_SPC_SMPTE170M;

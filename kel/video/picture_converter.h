@@ -7,9 +7,9 @@ namespace kel {
 
 // Makes pictures of decoded frames.
 //
-// Colours are taken as the film declares them: matrix and range. Where it declares none, the matrix is the usual one of
-// the size (colour_matrix.h), and the range is the narrow one of video, except that grey alone is full. Alpha stays as
-// it is; frames without it are opaque.
+// Colours are taken as the video declares them: matrix and range. Where it declares none, the matrix is the usual one
+// of the size (colour_matrix.h), and the range is the narrow one of video, except that grey alone is full. Alpha stays
+// as it is; frames without it are opaque.
 class PictureConverter {
 public:
     // width, height: of the pictures; frames of another size are scaled. Throws Error with the reason alone.

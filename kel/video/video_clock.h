@@ -5,17 +5,18 @@
 
 namespace kel {
 
-// What happens to a film that plays: what is not said stays as it is.
+// What happens to a video that plays: what is not said stays as it is.
 struct VideoChange {
     std::optional<std::int64_t> frame;  // counted from 0
-    std::optional<bool> play;           // false: the film stands still
+    std::optional<bool> play;           // false: the video stands still
     std::optional<bool> loop;           // true: the first frame follows the last, which otherwise stays
 };
 
-// Which frame of a film each field shows. From field 0 on it plays from its first frame, without a loop.
+// Which frame of a video each field shows. From field 0 on it plays from its first frame, without a loop.
 class VideoClock {
 public:
-    // frames: of the film, at least 1.  framesPerField: the film's frames per second over the fields per second, above
+    // frames: of the video, at least 1.  framesPerField: the video's frames per second over the fields per second,
+    // above
     // 0
     VideoClock(std::int64_t frames, double framesPerField) : m_frames(frames), m_framesPerField(framesPerField) {}
 
@@ -26,7 +27,7 @@ public:
     [[nodiscard]] bool Loops() const { return m_loop; }
     [[nodiscard]] std::int64_t Frames() const { return m_frames; }
 
-    // Happens in `field`, whose frame is the new one already. A frame beyond the film is its first or its last.
+    // Happens in `field`, whose frame is the new one already. A frame beyond the video is its first or its last.
     void Change(const VideoChange& change, std::int64_t field);
 
 private:

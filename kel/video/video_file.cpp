@@ -9,7 +9,7 @@
 namespace kel {
 namespace {
 
-// Formats and protocols that lead on to other files or to the network stay closed: a film is one file.
+// Formats and protocols that lead on to other files or to the network stay closed: a video is one file.
 AvInput OpenInput(const std::filesystem::path& file, int& result) {
     AVDictionary* options = nullptr;
     av_dict_set(&options, "format_whitelist", "mov,mp4,matroska,webm", 0);
@@ -46,7 +46,7 @@ bool VideoFile::Read(AVPacket& packet) {
     for (;;) {
         av_packet_unref(&packet);
         const int result = av_read_frame(m_input.get(), &packet);
-        // The end of the bytes counts as the end of the film only where the container is content with it.
+        // The end of the bytes counts as the end of the video only where the container is content with it.
         if (result == AVERROR_EOF && (m_input->pb == nullptr || m_input->pb->error >= 0)) return false;
         if (result < 0) Refuse("breaks off: " + AvReason(result));
         if (packet.stream_index == m_stream) return true;

@@ -8,7 +8,7 @@
 
 namespace kel {
 
-// An opened film: its container and the one stream of pictures that is looked at, packet by packet. Times are in the
+// An opened video: its container and the one stream of pictures that is looked at, packet by packet. Times are in the
 // stream's own unit. Everything throws Error with the file's name and the reason.
 class VideoFile {
 public:

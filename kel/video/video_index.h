@@ -7,10 +7,10 @@
 
 namespace kel {
 
-// When each frame of a film is shown, and from which of them decoding can start.
+// When each frame of a video is shown, and from which of them decoding can start.
 //
 // Containers count packets, some of which are never shown, and some of them only guess; so the index comes from passing
-// through the whole film once, without decoding it.
+// through the whole video once, without decoding it.
 struct VideoIndex {
     std::vector<std::int64_t> times;  // of the frames that are shown, ascending, no two alike, at least one
     std::vector<std::int64_t> keys;   // of the packets that decoding can start with, ascending

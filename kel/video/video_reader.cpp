@@ -9,9 +9,9 @@ namespace kel {
 namespace {
 
 // What the frames' times say; 0: there is only one.
-double CountedFramesPerSecond(const VideoDecoder& film) {
-    const auto& times = film.Index().times;
-    const double seconds = static_cast<double>(times.back() - times.front()) * film.File().SecondsPerUnit();
+double CountedFramesPerSecond(const VideoDecoder& video) {
+    const auto& times = video.Index().times;
+    const double seconds = static_cast<double>(times.back() - times.front()) * video.File().SecondsPerUnit();
     return seconds > 0 ? static_cast<double>(times.size() - 1) / seconds : 0.0;
 }
 

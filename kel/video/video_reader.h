@@ -10,7 +10,7 @@ namespace kel {
 
 class VideoDecoder;
 
-// A film on disk, read frame by frame: MP4, MOV, MKV or WebM. Sound is left out. One thread at a time.
+// A video on disk, read frame by frame: MP4, MOV, MKV or WebM. Sound is left out. One thread at a time.
 //
 // Frames are numbered from 0 in the order in which they are shown, and a number always gives the same pixels, however
 // it was come to. Pictures stand upright as the file says, in quarters of a rotation, and are not
@@ -18,7 +18,7 @@ class VideoDecoder;
 class VideoReader {
 public:
     // Passes through the whole file once, to know all frames, and decodes the first. Throws Error, one line with file
-    // and reason, for what is no film, breaks off, has no frames, or frames beyond largestVideoPixels.
+    // and reason, for what is no video, breaks off, has no frames, or frames beyond largestVideoPixels.
     explicit VideoReader(const std::filesystem::path& file);
     ~VideoReader();
     VideoReader(VideoReader&&) noexcept;
@@ -37,7 +37,7 @@ public:
     // The frame shown at a time, counted from the first frame; the first before it, the last after the end.
     [[nodiscard]] std::int64_t FrameAt(double seconds) const;
 
-    // Alpha is straight, as films have it; without alpha the picture is opaque. Numbers outside 0 .. FrameCount() - 1
+    // Alpha is straight, as videos have it; without alpha the picture is opaque. Numbers outside 0 .. FrameCount() - 1
     // give the first and the last frame. Cheap for the frame read last and for the following ones; any other is decoded
     // from the key frame before it. Throws Error when the frame is damaged; others can still be read.
     [[nodiscard]] picture_io::Picture ReadFrame(std::int64_t index);
