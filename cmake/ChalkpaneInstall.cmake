@@ -43,7 +43,7 @@ install(FILES README.md CHANGELOG.md DESTINATION ${guide_dir})
 install(DIRECTORY docs DESTINATION ${guide_dir} PATTERN "make_*" EXCLUDE PATTERN "*.in" EXCLUDE PATTERN "api*" EXCLUDE
         PATTERN "CMakeLists.txt" EXCLUDE)
 install(DIRECTORY examples DESTINATION ${guide_dir} PATTERN "*.cpp" EXCLUDE PATTERN "*.h" EXCLUDE
-        PATTERN "CMakeLists.txt" EXCLUDE PATTERN embed EXCLUDE)
+        PATTERN "CMakeLists.txt" EXCLUDE PATTERN "embed*" EXCLUDE)
 install(DIRECTORY examples/embed DESTINATION ${guide_dir}/examples)
 
 install(EXPORT ChalkpaneTargets NAMESPACE Chalkpane:: DESTINATION ${package_dir})
