@@ -3,8 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <optional>
+#include <tuple>
+#include <utility>
 
 #include "chalkpane/base/multi_processor.h"
+#include "telestrator/recognition/distance_histogram.h"
 #include "telestrator/recognition/shape_recognition.h"
 
 namespace chalkpane {
@@ -101,13 +105,51 @@ struct Search {
     std::array<CircleVote, houghCells> columnWinners;
 };
 
-double GreatestDistance(std::span<const Vector3> points) {
-    double greatest = 0;
-    for (std::size_t i = 0; i + 1 < points.size(); ++i) {
-        for (const Vector3& other : points.subspan(i + 1)) {
-            const double dx = points[i].x - other.x;
-            const double dy = points[i].y - other.y;
+// The bounds of a run of points.
+struct Extent {
+    float minX, minY, maxX, maxY;
+
+    explicit Extent(std::span<const Vector3> points)
+        : minX(points.front().x), minY(points.front().y), maxX(minX), maxY(minY) {
+        for (const Vector3& point : points) {
+            minX = std::min(minX, point.x);
+            minY = std::min(minY, point.y);
+            maxX = std::max(maxX, point.x);
+            maxY = std::max(maxY, point.y);
+        }
+    }
+
+    // No two of their points have a greater squared distance, rounding included: each of its steps keeps order.
+    [[nodiscard]] double MostBetween(const Extent& other) const {
+        const double dx = std::max(maxX - other.minX, other.maxX - minX);
+        const double dy = std::max(maxY - other.minY, other.maxY - minY);
+        return dx * dx + dy * dy;
+    }
+};
+
+double GreatestSquare(std::span<const Vector3> points, std::span<const Vector3> others, double greatest) {
+    for (const Vector3& point : points) {
+        for (const Vector3& other : others) {
+            const double dx = point.x - other.x;
+            const double dy = point.y - other.y;
             greatest = std::max(greatest, dx * dx + dy * dy);
+        }
+    }
+    return greatest;
+}
+
+// Runs of points that cannot lie further apart than two that are known are not gone through.
+double GreatestDistance(std::span<const Vector3> points) {
+    constexpr std::size_t runLength = 32;
+    const auto runAt = [&](std::size_t start) {
+        return points.subspan(start, std::min(runLength, points.size() - start));
+    };
+    double greatest = 0;
+    for (std::size_t first = 0; first < points.size(); first += runLength) {
+        const Extent extent(runAt(first));
+        for (std::size_t second = first; second < points.size(); second += runLength) {
+            if (extent.MostBetween(Extent(runAt(second))) <= greatest) continue;
+            greatest = GreatestSquare(runAt(first), runAt(second), greatest);
         }
     }
     return std::sqrt(greatest);
@@ -169,10 +211,100 @@ void SearchBand(std::int32_t band, void* userData, std::int32_t /*worker*/) {
     }
 }
 
-// True: `a` would have been the best before `b` if all votes had been cast in one go. Columns come in ascending order.
+// True: `a` would have been the best before `b` if all votes had been cast in one go.
 bool Beats(const CircleVote& a, const CircleVote& b) {
-    return a.count > b.count || (a.count == b.count && a.point < b.point);
+    const auto castAt = [](const CircleVote& vote) { return std::tuple(vote.point, vote.column, vote.row); };
+    return a.count > b.count || (a.count == b.count && castAt(a) < castAt(b));
 }
+
+// Casts the votes for one centre.
+CircleVote VoteForCell(const Search& search, std::int32_t column, std::int32_t row) {
+    std::array<std::uint32_t, binCount> counters{};
+    CircleVote winner;
+    for (std::size_t i = 0; i < search.points.size(); ++i) {
+        const Vector3& point = search.points[i];
+        const double dx = CellPosition(column) - point.x;
+        const double dy = CellPosition(row) - point.y;
+        const double square = dx * dx + dy * dy;
+        if (!(square < search.squareBeyond)) continue;
+        if (!CellsAround(point.x, search.radius).Contains(column)) continue;
+        if (!CellsAround(point.y, search.radius).Contains(row)) continue;
+        const std::size_t bin = search.bins.Bin(static_cast<std::size_t>(BinTable::Index(square)), square);
+        const std::uint32_t count = ++counters[bin];
+        if (count > winner.count) winner = {count, static_cast<std::int32_t>(i), column, row, std::sqrt(square)};
+    }
+    return winner;
+}
+
+// Finds the winner by looking into those blocks of centres alone in which a circle could have as many votes as the best
+// one so far. Where a circle was drawn these are few.
+class Descent {
+public:
+    explicit Descent(const Search& search) : search_(search) {}
+
+    // Null: so many blocks may hold the winner that the whole vote takes no longer.
+    std::optional<CircleVote> Find() {
+        constexpr std::int32_t side = cells / 8;
+        std::array<Block, 64> blocks;
+        for (std::int32_t i = 0; i < 64; ++i) {
+            blocks[static_cast<std::size_t>(i)] = BlockAt(i / 8 * side, i % 8 * side, side);
+        }
+        if (!VisitAll(blocks)) return std::nullopt;
+        return best_;
+    }
+
+private:
+    struct Block {
+        std::int32_t column = 0;
+        std::int32_t row = 0;
+        std::int32_t side = 0;
+        std::uint32_t mostVotes = 0;  // of any one circle
+    };
+
+    static constexpr std::int32_t mostLooks = 1500;
+
+    // The distances of one counter's votes lie within 2 pixels of a middle.
+    [[nodiscard]] Block BlockAt(std::int32_t column, std::int32_t row, std::int32_t side) {
+        constexpr double halfBin = 2.01;
+        ++looks_;
+        const DistanceHistogram distances = DistancesFromBlock(search_.points, column, row, side);
+        const std::int32_t most = distances.MostWithin(halfBin + HalfDiagonal(side));
+        return {column, row, side, static_cast<std::uint32_t>(most)};
+    }
+
+    bool VisitAll(std::span<Block> blocks) {
+        std::sort(blocks.begin(), blocks.end(),
+                  [](const Block& a, const Block& b) { return a.mostVotes > b.mostVotes; });
+        return std::all_of(blocks.begin(), blocks.end(), [&](const Block& block) { return Visit(block); });
+    }
+
+    // False: that was one look too many.
+    bool Visit(const Block& block) {
+        if (block.mostVotes < best_.count) return true;
+        if (looks_ > mostLooks) return false;
+        const std::int32_t part = block.side / 2;
+        const std::array<std::pair<std::int32_t, std::int32_t>, 4> corners{{{block.column, block.row},
+                                                                            {block.column, block.row + part},
+                                                                            {block.column + part, block.row},
+                                                                            {block.column + part, block.row + part}}};
+        if (part == 1) {
+            for (const auto& [column, row] : corners) Consider(VoteForCell(search_, column, row));
+            return true;
+        }
+        std::array<Block, 4> parts;
+        for (std::size_t i = 0; i < parts.size(); ++i) parts[i] = BlockAt(corners[i].first, corners[i].second, part);
+        return VisitAll(parts);
+    }
+
+    void Consider(const CircleVote& vote) {
+        ++looks_;
+        if (Beats(vote, best_)) best_ = vote;
+    }
+
+    const Search& search_;
+    CircleVote best_;
+    std::int32_t looks_ = 0;
+};
 
 }  // namespace
 
@@ -181,6 +313,7 @@ Vector3 CircleVote::Centre() const { return {CellPosition(column), CellPosition(
 CircleVote SearchCircle(std::span<const Vector3> points, std::span<std::uint32_t> counters) {
     const double radius = std::min(GreatestDistance(points) * 0.5 + 0.1, greatestRadius);
     Search search{points, counters, radius, SmallestSquareBeyond(radius), Bins(), {}};
+    if (const auto found = Descent(search).Find()) return *found;
     MultiProcessor::Instance().Run(0, bandCount - 1, SearchBand, &search);
     CircleVote best;
     for (const CircleVote& winner : search.columnWinners) {

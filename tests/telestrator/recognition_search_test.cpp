@@ -74,6 +74,25 @@ TEST_CASE("The circle search equals one vote over the whole cube, bit by bit, ti
     CheckSameCircle({{-5000, 3, 0}, {-5000, 4, 0}, {9000, 9000, 0}}, counters);  // nobody votes
 }
 
+// Drawn circles are found by looking near them alone, others by the whole vote: the winner is the same.
+TEST_CASE("The circle search of shaky circles equals the whole vote, bit by bit") {
+    CAPTURE(seed);
+    std::mt19937 random(seed);
+    std::uniform_real_distribution<double> unit(0, 1);
+    std::vector<std::uint32_t> counters(houghCounters);
+    for (int round = 0; round < 12; ++round) {
+        CAPTURE(round);
+        const double radius = 10 + 300 * unit(random);
+        Points points = EllipsePoints(1000 * unit(random), 1000 * unit(random), radius,
+                                      radius * (0.9 + 0.2 * unit(random)), unit(random), 40 + round * 5);
+        for (Vector3& point : points) {
+            point = Vector3(point.x + 4 * unit(random), point.y + 4 * unit(random), 0);
+            if (round % 3 == 0) point = Vector3(std::floor(point.x / 8) * 8, std::floor(point.y / 8) * 8, 0);  // ties
+        }
+        CheckSameCircle(points, counters);
+    }
+}
+
 // Centres are 4 pixels apart. Four points on a radius of 50 about (400, 600) vote for that centre, cell (100, 150), in
 // one bin: trunc(50.5) * 256 / 1024 = 12. The fifth point, 100 off, makes D = 150 and the greatest radius R = 75.1.
 TEST_CASE("The vote finds a centre that lies on the grid") {
