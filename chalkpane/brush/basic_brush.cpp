@@ -4,6 +4,7 @@
 #include <new>
 #include <utility>
 
+#include "chalkpane/base/memory_loss.h"
 #include "chalkpane/brush/profiles/profile_cache.h"
 #include "chalkpane/brush/profiles/profile_preset.h"
 #include "chalkpane/brush/sources/source_types.h"
@@ -90,6 +91,7 @@ void BasicBrush::RebuildSource() {
         made->SetTargetArea(FilteredArea(filters, area));
         source = std::move(made);
     } catch (const std::bad_alloc&) {
+        CountMemoryLoss();
         source.reset();  // a brush without a source paints nothing
     }
 }

@@ -1,6 +1,7 @@
 #include <cmath>
 #include <new>
 
+#include "chalkpane/base/memory_loss.h"
 #include "chalkpane/brush/basic_brush.h"
 #include "chalkpane/brush/sources/source_types.h"
 #include "chalkpane/composite/brush_paster.h"
@@ -140,6 +141,7 @@ Rect BasicBrush::PaintDab(StrokePoint place, bool repeat) {
             if (paintPlaneOn) changed = PaintOnTarget(dab);
             if (maskPlaneOn) PaintOnMask(dab);
         } catch (const std::bad_alloc&) {
+            CountMemoryLoss();
             // No memory for the images: the dab is left out and the stroke goes on.
         }
     }

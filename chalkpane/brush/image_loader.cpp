@@ -3,6 +3,8 @@
 #include <new>
 #include <utility>
 
+#include "chalkpane/base/memory_loss.h"
+
 namespace chalkpane {
 
 namespace {
@@ -21,6 +23,7 @@ std::unique_ptr<Image> LoadImageFile(const std::string& name) {
     try {
         return Loader()(name);
     } catch (const std::bad_alloc&) {
+        CountMemoryLoss();
         return nullptr;
     }
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <new>
 
+#include "chalkpane/base/memory_loss.h"
 #include "chalkpane/base/multi_processor.h"
 #include "chalkpane/filters/byte_scale.h"
 #include "chalkpane/image/unpremultiply_row.h"
@@ -129,6 +130,7 @@ void PointFilter::Apply(const Image& source, std::unique_ptr<Image>& result, boo
         }
         result = std::move(made);
     } catch (const std::bad_alloc&) {
+        CountMemoryLoss();
         result.reset();
     }
 }

@@ -4,6 +4,7 @@
 #include <memory>
 #include <new>
 
+#include "chalkpane/base/memory_loss.h"
 #include "chalkpane/image/image.h"
 #include "chalkpane/image/rect.h"
 
@@ -30,6 +31,7 @@ void ApplyInWorkArea(const Image& source, std::unique_ptr<Image>& result, const 
         if (region != nullptr) work = work.Intersection(*region);
         result = make(work);
     } catch (const std::bad_alloc&) {
+        CountMemoryLoss();
         result.reset();
     }
 }
@@ -40,6 +42,7 @@ inline void ApplyAsCopy(const Image& source, std::unique_ptr<Image>& result) {
     try {
         result = source.Clone();
     } catch (const std::bad_alloc&) {
+        CountMemoryLoss();
         result.reset();
     }
 }

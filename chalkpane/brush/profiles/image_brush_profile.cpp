@@ -4,6 +4,7 @@
 #include <numbers>
 #include <utility>
 
+#include "chalkpane/base/memory_loss.h"
 #include "chalkpane/brush/image_loader.h"
 #include "chalkpane/composite/paster.h"
 
@@ -61,6 +62,7 @@ void ImageBrushProfile::TakeMask(const Image& picture, std::int32_t radius, Dept
         paster.PasteMaskOnto(*converted, *taken, *taken);
         mask = std::move(taken);
     } catch (const std::bad_alloc&) {
+        CountMemoryLoss();
         mask = nullptr;
     }
 }

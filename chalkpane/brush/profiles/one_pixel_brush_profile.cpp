@@ -2,6 +2,8 @@
 
 #include <new>
 
+#include "chalkpane/base/memory_loss.h"
+
 namespace chalkpane {
 
 OnePixelBrushProfile::OnePixelBrushProfile(std::int32_t maskRadius, const Matrix3& profileMatrix, Depth maskDepth)
@@ -12,6 +14,7 @@ OnePixelBrushProfile::OnePixelBrushProfile(std::int32_t maskRadius, const Matrix
         mask = std::make_unique<Image>(Image::Mask(side, side, maskDepth));
         mask->FillChannel(1.0);
     } catch (const std::bad_alloc&) {
+        CountMemoryLoss();
         mask = nullptr;
     }
 }

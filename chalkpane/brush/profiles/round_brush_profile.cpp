@@ -5,6 +5,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "chalkpane/base/memory_loss.h"
 #include "chalkpane/base/random.h"
 #include "chalkpane/brush/profiles/superellipse.h"
 
@@ -75,6 +76,7 @@ std::shared_ptr<const ProfileMasks> RoundBrushProfile::Build(const DabShape& sha
             }
         }
     } catch (const std::bad_alloc&) {
+        CountMemoryLoss();
         built->baseMask = nullptr;
     }
     return built;

@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "chalkpane/base/memory_loss.h"
 #include "chalkpane/brush/profiles/brush_profile.h"
 
 namespace chalkpane {
@@ -107,6 +108,7 @@ std::unique_ptr<Image> MaskOfShape(const Superellipse& shape, Depth depth, Value
     try {
         return MaskOfBytes(shape.Map(valueOf), shape.Side(), depth);
     } catch (const std::bad_alloc&) {
+        CountMemoryLoss();
         return nullptr;
     }
 }

@@ -1,5 +1,6 @@
 #include "chalkpane/brush/profiles/texture_brush_profile.h"
 
+#include "chalkpane/base/memory_loss.h"
 #include "chalkpane/base/random.h"
 #include "chalkpane/brush/profiles/profile_content.h"
 #include "chalkpane/brush/profiles/superellipse.h"
@@ -34,6 +35,7 @@ std::unique_ptr<Image> TextureBrushProfile::MakeMask(const DabShape& shape) cons
             if (value != 0) value = Speckle();
         return MaskOfBytes(values, outline.Side(), MaskDepth());
     } catch (const std::bad_alloc&) {
+        CountMemoryLoss();
         return nullptr;
     }
 }

@@ -4,6 +4,7 @@
 #include <new>
 #include <numbers>
 
+#include "chalkpane/base/memory_loss.h"
 #include "chalkpane/base/random.h"
 #include "chalkpane/brush/image_loader.h"
 
@@ -29,6 +30,7 @@ void CutoutBrushSource::TakeFrames(const Image& cutout, Depth depth) {
             frames->CopyAlphaToMask(*frameMask);
         }
     } catch (const std::bad_alloc&) {
+        CountMemoryLoss();
         frames = nullptr;
         frameMask = nullptr;
     }

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <span>
 
+#include "chalkpane/base/memory_loss.h"
 #include "chalkpane/image/image_rows.h"
 
 namespace chalkpane {
@@ -65,6 +66,7 @@ void AutoEqCC::Apply(const Image& source, std::unique_ptr<Image>& result, bool f
                 pixelCount);
         }
     } catch (const std::bad_alloc&) {
+        CountMemoryLoss();
         return ApplyInWorkArea(source, result, nullptr, 0,
                                [&source](const Rect& all) { return NewImageLike(source, all); });
     }

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "chalkpane/base/memory_loss.h"
 #include "chalkpane/base/multi_processor.h"
 #include "chalkpane/filters/colour/curve_table.h"
 #include "chalkpane/filters/row_filter.h"
@@ -179,6 +180,7 @@ void ComponentCC::Apply(const Image& source, std::unique_ptr<Image>& result, boo
                             [&](const Rect& work) { return Corrected<F>(source, work, curve, m_component); });
         });
     } catch (const std::bad_alloc&) {
+        CountMemoryLoss();
         result.reset();
     }
 }

@@ -1,5 +1,6 @@
 #include "chalkpane/filters/colour/luma_cc.h"
 
+#include "chalkpane/base/memory_loss.h"
 #include "chalkpane/filters/colour/curve_table.h"
 #include "chalkpane/image/image_rows.h"
 
@@ -21,6 +22,7 @@ void LumaCC::Apply(const Image& source, std::unique_ptr<Image>& result, bool fas
         EndRun();
         ApplyAsCopy(source, result);
     } catch (const std::bad_alloc&) {
+        CountMemoryLoss();
         result.reset();
     }
 }

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <new>
 
+#include "chalkpane/base/memory_loss.h"
 #include "chalkpane/base/multi_processor.h"
 #include "chalkpane/filters/distort/sample_row.h"
 #include "chalkpane/filters/row_filter.h"
@@ -140,6 +141,7 @@ void DistortFilter::Apply(const Image& source, std::unique_ptr<Image>& result, b
         }
         result = std::move(made);
     } catch (const std::bad_alloc&) {
+        CountMemoryLoss();
         result.reset();
     }
 }

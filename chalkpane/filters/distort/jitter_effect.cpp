@@ -2,6 +2,7 @@
 
 #include <new>
 
+#include "chalkpane/base/memory_loss.h"
 #include "chalkpane/filters/noise/grain_random.h"
 #include "chalkpane/transform/transformer.h"
 
@@ -47,6 +48,7 @@ void JitterEffect::Apply(const Image& source, std::unique_ptr<Image>& result, bo
         Rect area;
         result = transformer.Apply(source, area);
     } catch (const std::bad_alloc&) {
+        CountMemoryLoss();
         result.reset();
     }
 }

@@ -5,6 +5,7 @@
 #include <ctime>
 #include <new>
 
+#include "chalkpane/base/memory_loss.h"
 #include "chalkpane/base/multi_processor.h"
 #include "chalkpane/filters/blurs/super_softener.h"
 #include "chalkpane/filters/noise/grain_random.h"
@@ -195,6 +196,7 @@ void FilmGrainEffect::Apply(const Image& source, std::unique_ptr<Image>& result,
     try {
         WithFormatOf(source, [&](auto format) { Grain<decltype(format)>(source, *result); });
     } catch (const std::bad_alloc&) {
+        CountMemoryLoss();
         result.reset();
     }
 }
