@@ -4,86 +4,74 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
-#include <cstdio>
-#include <memory>
 #include <string>
 #include <system_error>
 
 #include "cli/error.h"
+#include "cli/file_kind.h"
+#include "cli/open_file.h"
+#include "cli/staged_file.h"
 
 namespace cli {
 namespace {
 
-struct CloseFile {
-    void operator()(std::FILE* stream) const { std::fclose(stream); }
-};
-using File = std::unique_ptr<std::FILE, CloseFile>;
+using Bytes = std::vector<std::uint8_t>;
 
-[[noreturn]] void Refuse(const std::filesystem::path& file, const std::string& what, int number) {
-    throw Error(file.string(), {}, what + ": " + std::generic_category().message(number));
+[[noreturn]] void RefuseReading(const std::filesystem::path& file, int number) {
+    throw Error(file.string(), {}, "cannot be read: " + std::generic_category().message(number));
 }
 
-void CheckKind(const std::filesystem::path& file, const struct stat& status) {
-    if (S_ISDIR(status.st_mode)) throw Error(file.string(), {}, "is a folder");
-    if (!S_ISREG(status.st_mode)) throw Error(file.string(), {}, "is not a regular file");
-}
-
-// Opened before it is looked at, so that what is read is what was checked; without waiting, as a pipe would.
-File OpenRegular(const std::filesystem::path& file) {
-    const int handle = ::open(file.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-    if (handle < 0) {
-        const int failure = errno;
-        RequireRegularFile(file);  // a socket does not even open
-        Refuse(file, "cannot be read", failure);
+// Takes no more memory than the file is long; a stream, whose length nobody knows, doubles it.
+Bytes ReadToEnd(int descriptor, std::size_t expected, const std::filesystem::path& file, std::size_t limit) {
+    constexpr std::size_t smallest = std::size_t{1} << 12;
+    const std::size_t most = limit == std::numeric_limits<std::size_t>::max() ? limit : limit + 1;
+    Bytes bytes(std::min(expected + 1, most));  // one more, to meet the end of the file without growing
+    std::size_t size = 0;
+    for (;;) {
+        if (size == bytes.size()) bytes.resize(std::min(most, std::max(smallest, 2 * size)));
+        const ssize_t got = read(descriptor, bytes.data() + size, bytes.size() - size);
+        if (got < 0 && errno == EINTR) continue;
+        if (got < 0) RefuseReading(file, errno);
+        size += static_cast<std::size_t>(got);
+        if (size > limit) throw Error(file.string(), {}, "is larger than " + std::to_string(limit >> 20U) + " MiB");
+        if (got == 0) break;
     }
-    File stream(::fdopen(handle, "rb"));
-    if (!stream) ::close(handle);
-    struct stat status {};
-    if (!stream || ::fstat(handle, &status) != 0) Refuse(file, "cannot be read", errno);
-    CheckKind(file, status);
-    return stream;
-}
-
-// 0, or the error's number.
-int WriteAll(const std::filesystem::path& file, const std::vector<std::uint8_t>& bytes) {
-    File stream(std::fopen(file.c_str(), "wb"));
-    if (!stream) return errno;
-    if (std::fwrite(bytes.data(), 1, bytes.size(), stream.get()) != bytes.size()) return errno;
-    return std::fclose(stream.release()) == 0 ? 0 : errno;  // a full disk may show only now
+    bytes.resize(size);
+    return bytes;
 }
 
 }  // namespace
 
-void RequireRegularFile(const std::filesystem::path& file) {
+Bytes ReadFileBytes(const std::filesystem::path& file, std::size_t limit) {
+    // A FIFO would be waited for.
+    const OpenFile opened(open(file.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     struct stat status {};
-    if (::stat(file.c_str(), &status) == 0) CheckKind(file, status);
-}
-
-std::vector<std::uint8_t> ReadFileBytes(const std::filesystem::path& file, std::size_t largest) {
-    const File stream = OpenRegular(file);
-    std::vector<std::uint8_t> bytes;
-    constexpr std::size_t step = std::size_t{1} << 16;
-    for (std::size_t got = step; got == step && bytes.size() <= largest;) {
-        const std::size_t before = bytes.size();
-        bytes.resize(before + step);
-        got = std::fread(bytes.data() + before, 1, step, stream.get());
-        bytes.resize(before + got);
+    if (!opened || fstat(opened.Descriptor(), &status) != 0) {
+        const int failure = errno;
+        RequireRegularFile(file);  // a socket does not even open
+        RefuseReading(file, failure);
     }
-    if (std::ferror(stream.get()) != 0) Refuse(file, "cannot be read", errno);
-    if (bytes.size() > largest)
-        throw Error(file.string(), {}, "is larger than " + std::to_string(largest >> 20U) + " MiB");
-    return bytes;
+    RefuseUnlessRegular(file, status.st_mode, "");
+    return ReadToEnd(opened.Descriptor(), static_cast<std::size_t>(std::max<off_t>(status.st_size, 0)), file, limit);
 }
 
-void WriteFileWhole(const std::filesystem::path& file, const std::vector<std::uint8_t>& bytes) {
-    std::filesystem::path unfinished = file;
-    unfinished += ".unfinished." + std::to_string(::getpid());
-    int failure = WriteAll(unfinished, bytes);
-    if (failure == 0 && std::rename(unfinished.c_str(), file.c_str()) != 0) failure = errno;
-    if (failure == 0) return;
-    std::remove(unfinished.c_str());
-    Refuse(file, "cannot be written", failure);
+Bytes ReadStandardInput(std::size_t limit) { return ReadToEnd(STDIN_FILENO, 0, "standard input", limit); }
+
+void WriteStandardOutput(std::span<const std::uint8_t> bytes) {
+    if (const int failure = WriteAll(STDOUT_FILENO, bytes); failure != 0)
+        throw Error("standard output", {}, "cannot be written: " + std::generic_category().message(failure));
+}
+
+void WriteFileWhole(const std::filesystem::path& file, std::span<const std::uint8_t> bytes) {
+    StagedFile staged(file);
+    staged.Write(bytes);
+    staged.Commit();
+}
+
+void WriteFileWhole(const std::filesystem::path& file, std::string_view text) {
+    WriteFileWhole(file, std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
 }
 
 }  // namespace cli

@@ -1,9 +1,10 @@
 #include "cli/json_node.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstdio>
 #include <set>
-#include <sstream>
 
 #include "cli/error.h"
 #include "cli/file_bytes.h"
@@ -44,9 +45,9 @@ std::string Shown(const json& value) {
 }
 
 std::string ShownNumber(double number) {
-    std::ostringstream text;
-    text << number;
-    return text.str();
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), "%g", number);
+    return text.data();
 }
 
 // Follows the parser, to know the place of what it is reading and to refuse what JSON lets pass: keys that stand twice,

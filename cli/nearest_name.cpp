@@ -9,6 +9,7 @@ namespace {
 
 // Longer names are compared by their beginnings: the work grows with the product of both lengths.
 constexpr std::size_t comparedLength = 64;
+constexpr std::size_t mostShown = 16;  // names in a message
 
 char Lower(char letter) { return static_cast<char>(std::tolower(static_cast<unsigned char>(letter))); }
 
@@ -30,14 +31,18 @@ std::size_t EditDistance(std::string_view left, std::string_view right) {
     return row.back();
 }
 
-std::string NearestHint(std::string_view name, const std::vector<std::string>& names) {
+std::string NearestHint(std::string_view name, const std::vector<std::string>& names, std::string_view lister) {
     if (names.empty()) return {};
-    const auto distance = [&](const std::string& other) { return EditDistance(name, other); };
-    const auto nearest = std::min_element(names.begin(), names.end(), [&](const auto& left, const auto& right) {
-        return distance(left) < distance(right);
-    });
-    if (distance(*nearest) * 2 <= std::max(name.size(), nearest->size()))
-        return "; did you mean " + Quoted(*nearest) + "?";
+    std::vector<std::string> byDistance = names;
+    std::ranges::stable_sort(byDistance, {}, [&](const std::string& other) { return EditDistance(name, other); });
+    const std::string& nearest = byDistance.front();
+    if (EditDistance(name, nearest) * 2 <= std::max(name.size(), nearest.size()))
+        return "; did you mean " + Quoted(nearest) + "?";
+    if (names.size() > mostShown) {
+        std::string hint = "; the nearest are " + Quoted(byDistance[0]) + ", " + Quoted(byDistance[1]) + " and " +
+                           Quoted(byDistance[2]);
+        return lister.empty() ? hint : hint + "; `" + std::string(lister) + "` lists all";
+    }
     std::string hint = names.size() == 1 ? "; there is only " : "; there are ";
     for (const std::string& each : names) {
         if (&each != &names.front()) hint += ", ";

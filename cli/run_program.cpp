@@ -7,8 +7,11 @@
 #include <exception>
 #include <new>
 #include <string>
+#include <vector>
 
+#include "cli/command_line.h"
 #include "cli/error.h"
+#include "cli/memory_end.h"
 
 namespace cli {
 namespace {
@@ -28,10 +31,18 @@ int Complain(const CLI::App& program, std::string message, int exitCode) {
 
 int RunProgram(CLI::App& program, int argc, char** argv) {
     std::signal(SIGXFSZ, SIG_IGN);  // a file at its limit is told like a full disk
+    std::vector<std::string> words;
     try {
-        program.parse(argc, argv);
+        program.set_version_flag("--version", program.get_name() + " " + CHALKPANE_VERSION, "Prints the version");
+        words = CheckedWords(program, argc, argv);
+        program.parse(std::vector<std::string>(words.rbegin(), words.rend()));
+    } catch (const CLI::ExtrasError&) {
+        return Complain(
+            program,
+            "command line: " + UnexpectedWords(program, words) + " (" + program.get_name() + " --help tells more)",
+            exitBadInput);
     } catch (const CLI::Success& success) {
-        return program.exit(success);  // --help
+        return program.exit(success);  // --help, --version
     } catch (const CLI::RuntimeError& ended) {
         return Complain(program, ended.what(), ended.get_exit_code());
     } catch (const CLI::ParseError& error) {
@@ -41,7 +52,7 @@ int RunProgram(CLI::App& program, int argc, char** argv) {
     } catch (const Error& error) {
         return Complain(program, error.what(), exitBadInput);
     } catch (const std::bad_alloc&) {
-        return Complain(program, "there is not enough memory", exitFailure);
+        return ComplainOfMemory();
     } catch (const std::exception& error) {
         return Complain(program, error.what(), exitFailure);
     }

@@ -5,7 +5,11 @@
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
+#include <new>
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include <jerror.h>
 #include <jpeglib.h>
@@ -15,7 +19,13 @@
 namespace picture_io {
 namespace {
 
-constexpr int quality = 95;
+using Bytes = std::vector<std::uint8_t>;
+
+constexpr int exifMarker = JPEG_APP0 + 1;
+constexpr int profileMarker = JPEG_APP0 + 2;
+constexpr unsigned longestMarker = 65533;  // bytes of data
+constexpr std::string_view exifStart{"Exif\0\0", 6};
+constexpr std::string_view xmpStart{"http://ns.adobe.com/xap/1.0/\0", 29};
 
 // The library is left by a long jump, so between setjmp and the jump no C++ object may come to be: the functions that
 // call setjmp work on what their callers own.
@@ -31,9 +41,10 @@ struct Failure {
     std::longjmp(failure->way, 1);
 }
 
-// Warnings go by in silence, but half a picture is none.
+// Warnings go by in silence, but half a picture is none: the file ends, or its data do.
 void HearWarning(j_common_ptr codec, int level) {
-    if (level < 0 && codec->err->msg_code == JWRN_JPEG_EOF) LeaveLibrary(codec);
+    const int code = codec->err->msg_code;
+    if (level < 0 && (code == JWRN_JPEG_EOF || code == JWRN_HIT_MARKER)) LeaveLibrary(codec);
 }
 
 jpeg_error_mgr* Prepare(Failure& failure) {
@@ -43,7 +54,10 @@ jpeg_error_mgr* Prepare(Failure& failure) {
     return manager;
 }
 
-[[noreturn]] void Refuse(const Failure& failure) { throw cli::Error("JPEG: " + std::string(failure.reason.data())); }
+[[noreturn]] void Refuse(const Failure& failure) {
+    if (failure.manager.msg_code == JERR_OUT_OF_MEMORY) throw std::bad_alloc();
+    throw cli::Error("JPEG: " + std::string(failure.reason.data()));
+}
 
 struct Reader {
     jpeg_decompress_struct codec{};
@@ -61,6 +75,8 @@ bool ReadHeader(Reader& reader, const std::uint8_t* bytes, std::size_t size) {
     if (setjmp(reader.failure.way) != 0) return false;
     jpeg_create_decompress(&reader.codec);
     jpeg_mem_src(&reader.codec, bytes, size);
+    for (const int marker : {exifMarker, profileMarker, JPEG_COM})
+        jpeg_save_markers(&reader.codec, marker, longestMarker + 2);
     jpeg_read_header(&reader.codec, TRUE);
     return true;
 }
@@ -94,43 +110,141 @@ struct Writer {
     Writer& operator=(Writer&&) = delete;
 };
 
-bool WriteRows(Writer& writer, const Picture& picture) {
+// Dots to the inch or the centimetre fit words of 16 bits; what does not is left out.
+void PutResolution(jpeg_compress_struct& codec, const std::optional<Resolution>& resolution) {
+    if (!resolution) return;
+    const auto toInch = [](std::uint32_t toMetre) { return (toMetre * std::uint64_t{254} + 5000) / 10000; };
+    if (toInch(resolution->x) > 65535 || toInch(resolution->y) > 65535) return;
+    codec.density_unit = 1;
+    codec.X_density = static_cast<UINT16>(toInch(resolution->x));
+    codec.Y_density = static_cast<UINT16>(toInch(resolution->y));
+}
+
+// Markers are short: what is longer than one holds is left out, but for profiles, which may take several.
+void PutMarker(jpeg_compress_struct& codec, int marker, const Bytes& data) {
+    if (!data.empty() && data.size() <= longestMarker)
+        jpeg_write_marker(&codec, marker, data.data(), static_cast<unsigned>(data.size()));
+}
+
+struct Markers {
+    Bytes exif;
+    Bytes xmp;
+    std::vector<Bytes> comments;
+    const Bytes* profile = nullptr;
+};
+
+bool WriteRows(Writer& writer, const Picture& picture, const WriteOptions& options, const Markers& markers,
+               std::uint8_t* greyRow) {
     if (setjmp(writer.failure.way) != 0) return false;
     jpeg_compress_struct& codec = writer.codec;
     jpeg_create_compress(&codec);
     jpeg_mem_dest(&codec, &writer.bytes, &writer.size);
     codec.image_width = static_cast<JDIMENSION>(picture.width);
     codec.image_height = static_cast<JDIMENSION>(picture.height);
-    codec.input_components = 4;
-    codec.in_color_space = JCS_EXT_RGBX;
+    codec.input_components = greyRow != nullptr ? 1 : 4;
+    codec.in_color_space = greyRow != nullptr ? JCS_GRAYSCALE : JCS_EXT_RGBX;
     jpeg_set_defaults(&codec);
-    jpeg_set_quality(&codec, quality, TRUE);
-    codec.comp_info[0].h_samp_factor = codec.comp_info[0].v_samp_factor = 1;  // strokes are thin: keep all their colour
+    jpeg_set_quality(&codec, options.quality, TRUE);
+    // Strokes are thin: where nobody says otherwise they keep all their colour.
+    if (greyRow != nullptr || !options.halvesColour)
+        codec.comp_info[0].h_samp_factor = codec.comp_info[0].v_samp_factor = 1;
+    PutResolution(codec, options.info.resolution);
     jpeg_start_compress(&codec, TRUE);
+    PutMarker(codec, exifMarker, markers.exif);
+    PutMarker(codec, exifMarker, markers.xmp);
+    if (markers.profile != nullptr)
+        jpeg_write_icc_profile(&codec, markers.profile->data(), static_cast<unsigned>(markers.profile->size()));
+    for (std::size_t i = 0; i < markers.comments.size(); ++i) PutMarker(codec, JPEG_COM, markers.comments[i]);
     while (codec.next_scanline < codec.image_height) {
         // The library only reads from the row, whatever its type says.
         auto* row =
             const_cast<JSAMPROW>(picture.rgba.data() + std::size_t{4} * codec.image_width * codec.next_scanline);
+        if (greyRow != nullptr) {
+            for (std::size_t x = 0; x < codec.image_width; ++x) greyRow[x] = row[4 * x];
+            row = greyRow;
+        }
         jpeg_write_scanlines(&codec, &row, 1);
     }
     jpeg_finish_compress(&codec);
     return true;
 }
 
+std::string_view TextOf(const jpeg_marker_struct& marker) {
+    return {reinterpret_cast<const char*>(marker.data), marker.data_length};
+}
+
+Bytes BytesOf(std::string_view text) { return {text.begin(), text.end()}; }
+
+void TakeMarkers(const jpeg_decompress_struct& codec, PictureInfo& info) {
+    for (const jpeg_marker_struct* marker = codec.marker_list; marker != nullptr; marker = marker->next) {
+        const std::string_view text = TextOf(*marker);
+        if (marker->marker == JPEG_COM)
+            info.comments.emplace_back(text);
+        else if (marker->marker == exifMarker && text.starts_with(exifStart))
+            info.exif = BytesOf(text.substr(exifStart.size()));
+        else if (marker->marker == exifMarker && text.starts_with(xmpStart))
+            info.xmp = BytesOf(text.substr(xmpStart.size()));
+    }
+}
+
+bool ReadProfile(Reader& reader, JOCTET** profile, unsigned* size) {
+    if (setjmp(reader.failure.way) != 0) return false;
+    if (jpeg_read_icc_profile(&reader.codec, profile, size) == FALSE) *profile = nullptr;
+    return true;
+}
+
+void TakeInfo(Reader& reader, PictureInfo& info) {
+    const jpeg_decompress_struct& codec = reader.codec;
+    info.isGrey = codec.num_components == 1;
+    info.halvesColour =
+        codec.num_components == 3 && codec.comp_info[0].h_samp_factor == 2 && codec.comp_info[0].v_samp_factor == 2;
+    TakeMarkers(codec, info);
+    if (codec.saw_JFIF_marker != FALSE && codec.density_unit != 0 && codec.X_density != 0 && codec.Y_density != 0) {
+        const auto toMetre = [&](std::uint32_t dots) {
+            return codec.density_unit == 1 ? (dots * 10000U + 127U) / 254U : dots * 100U;
+        };
+        info.resolution = Resolution{toMetre(codec.X_density), toMetre(codec.Y_density)};
+    }
+    JOCTET* profile = nullptr;
+    unsigned size = 0;
+    const bool read = ReadProfile(reader, &profile, &size);
+    const std::unique_ptr<JOCTET, decltype(&std::free)> owned(profile, std::free);
+    if (!read) Refuse(reader.failure);
+    if (owned) info.profile.assign(owned.get(), owned.get() + size);
+}
+
+Bytes Marker(std::string_view start, const Bytes& data) {
+    if (data.empty()) return {};
+    Bytes marker = BytesOf(start);
+    marker.insert(marker.end(), data.begin(), data.end());
+    return marker;
+}
+
+Markers MarkersOf(const PictureInfo& info) {
+    Markers markers{Marker(exifStart, info.exif), Marker(xmpStart, info.xmp), {}, nullptr};
+    for (const std::string& comment : info.comments) markers.comments.push_back(BytesOf(comment));
+    if (!info.profile.empty()) markers.profile = &info.profile;
+    return markers;
+}
+
 }  // namespace
 
-Picture DecodeJpeg(const std::vector<std::uint8_t>& bytes) {
+Picture DecodeJpeg(const Bytes& bytes, PictureInfo& info) {
     Reader reader;
     if (!ReadHeader(reader, bytes.data(), bytes.size())) Refuse(reader.failure);
+    if (reader.codec.num_components == 4) throw cli::Error("JPEG: CMYK is not read; convert the picture to RGB first");
+    TakeInfo(reader, info);
     Picture picture(static_cast<std::int32_t>(reader.codec.image_width),
                     static_cast<std::int32_t>(reader.codec.image_height));
     if (!ReadRows(reader, picture.rgba.data())) Refuse(reader.failure);
     return picture;
 }
 
-std::vector<std::uint8_t> EncodeJpeg(const Picture& picture) {
+Bytes EncodeJpeg(const Picture& picture, const WriteOptions& options, bool isGrey) {
+    const Markers markers = MarkersOf(options.info);
+    Bytes greyRow(isGrey ? static_cast<std::size_t>(picture.width) : 0);
     Writer writer;
-    if (!WriteRows(writer, picture)) Refuse(writer.failure);
+    if (!WriteRows(writer, picture, options, markers, isGrey ? greyRow.data() : nullptr)) Refuse(writer.failure);
     return {writer.bytes, writer.bytes + writer.size};
 }
 

@@ -5,8 +5,10 @@
 #include <cerrno>
 #include <string>
 #include <system_error>
+#include <utility>
 
 #include "cli/error.h"
+#include "cli/file_bytes.h"
 
 namespace picture_io {
 namespace {
@@ -17,48 +19,66 @@ namespace fs = std::filesystem;
     throw cli::Error(file.string(), {}, reason);
 }
 
-// One name for one file, however its folder is written.
-fs::path Canonical(const fs::path& file) {
+// What can be known before anything is written.
+void RequireWritable(const fs::path& file) {
+    if (file == "-") return;
+    cli::RefuseUnlessRegular(file, "cannot be written: it ");
     std::error_code failure;
-    const fs::path folder = fs::weakly_canonical(cli::FolderOf(file), failure);
-    return failure ? file : folder / file.filename();
+    const fs::path folder = cli::FolderOf(cli::BehindLinks(file));
+    if (!fs::is_directory(folder, failure)) Refuse(file, "cannot be written: there is no folder " + folder.string());
+    if (access(folder.c_str(), W_OK | X_OK) != 0)
+        Refuse(file, "cannot be written: " + std::generic_category().message(errno));
+}
+
+void RequirePictureName(const fs::path& file) {
+    if (file != "-" && !IsPictureName(file)) Refuse(file, EndingsRule());
 }
 
 }  // namespace
 
 void OutputFiles::Announce(const fs::path& file) {
-    if (!IsPictureName(file)) Refuse(file, "pictures end in .png, .jpg or .jpeg");
+    RequirePictureName(file);
     AnnounceOther(file);
 }
 
-void OutputFiles::AnnounceOther(const fs::path& file) {
-    std::error_code failure;
-    if (fs::is_directory(file, failure)) Refuse(file, "cannot be written: it is a folder");
-    const fs::path folder = cli::FolderOf(file);
-    if (!fs::is_directory(folder, failure)) Refuse(file, "cannot be written: there is no folder " + folder.string());
-    if (access(folder.c_str(), W_OK | X_OK) != 0)
-        Refuse(file, "cannot be written: " + std::generic_category().message(errno));
-    if (!m_announced.insert(Canonical(file)).second) Refuse(file, "two outputs have this name");
+void OutputFiles::AnnounceOnto(const fs::path& file, const fs::path& input) {
+    RequirePictureName(file);
+    RequireWritable(file);
+    m_claims.WriteOnto(file, input);
 }
 
-template <typename AnyDepth>
-void OutputFiles::StageAny(const AnyDepth& picture, const fs::path& file) {
-    const fs::path& temporary = m_staged.emplace_back(file).Temporary();
+void OutputFiles::AnnounceOther(const fs::path& file) {
+    RequireWritable(file);
+    m_claims.Write(file);
+}
+
+void OutputFiles::Stage(const AnyPicture& picture, const fs::path& file, const WriteOptions& options) {
+    const FormatRow* const format = FormatOfName(file);
+    if (format == nullptr) Refuse(file, EndingsRule());
     try {
-        WritePicture(picture, temporary);
+        const auto bytes = EncodePictureFile(picture, *format, options);
+        m_staged.emplace_back(file).Write(bytes);
     } catch (const cli::Error& error) {
-        // The operator knows the name asked for, not the temporary one.
-        std::string reason = error.what();
-        if (reason.starts_with(temporary.string() + ": ")) reason.erase(0, temporary.string().size() + 2);
+        const std::string reason = error.what();
+        if (reason.starts_with(file.string() + ": ")) throw;
         Refuse(file, reason);
     }
 }
 
-void OutputFiles::Stage(const Picture& picture, const fs::path& file) { StageAny(picture, file); }
-void OutputFiles::Stage(const Picture16& picture, const fs::path& file) { StageAny(picture, file); }
+void OutputFiles::StageBytes(std::vector<std::uint8_t> bytes, const fs::path& file) {
+    if (file == "-")
+        m_stream = std::move(bytes);
+    else
+        m_staged.emplace_back(file).Write(bytes);
+}
+
+void OutputFiles::StageText(std::string_view text, const fs::path& file) {
+    m_staged.emplace_back(file).Write({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
+}
 
 void OutputFiles::Commit() {
-    for (cli::StagedFile& staged : m_staged) staged.Commit();
+    if (!m_stream.empty()) cli::WriteStandardOutput(m_stream);
+    cli::StagedFile::CommitAll(m_staged);
     m_staged.clear();
 }
 

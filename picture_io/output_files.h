@@ -1,11 +1,13 @@
 #pragma once
 
 #include <filesystem>
-#include <set>
+#include <string>
+#include <string_view>
 #include <vector>
 
+#include "cli/file_claims.h"
 #include "cli/staged_file.h"
-#include "picture_io/picture.h"
+#include "picture_io/picture_file.h"
 
 namespace picture_io {
 
@@ -15,25 +17,35 @@ namespace picture_io {
 // committed is deleted.
 class OutputFiles {
 public:
-    // Says early that `file` will be staged. Throws Error when it cannot be a picture there: the name's ending, a
-    // folder that is missing or closed, or another output of the same name.
+    // Says early that `file` will be staged, or standard output as "-". Throws Error when it cannot be a picture there:
+    // the name's ending, a folder that is missing or closed, what is no regular file, an input, or another output of
+    // the same name.
     void Announce(const std::filesystem::path& file);
+    // The same for a picture that may take the place of `input`, which is read whole before.
+    void AnnounceOnto(const std::filesystem::path& file, const std::filesystem::path& input);
     // The same for a file that is no picture and that somebody else writes.
     void AnnounceOther(const std::filesystem::path& file);
+    // Says that `file` will be read, before it is. Throws Error when it is an output, as Announce does for an input.
+    void AnnounceInput(const std::filesystem::path& file) { m_claims.Read(file); }
 
     // Throws Error when the picture cannot be written.
-    void Stage(const Picture& picture, const std::filesystem::path& file);
-    void Stage(const Picture16& picture, const std::filesystem::path& file);
+    void Stage(const AnyPicture& picture, const std::filesystem::path& file, const WriteOptions& options = {});
+    // The bytes of a file that is finished; "-" is standard output.
+    void StageBytes(std::vector<std::uint8_t> bytes, const std::filesystem::path& file);
+    // The same in two steps, so that other processes may do the second: makes the file's place, and fills the place
+    // that was made as the index-th.
+    void Reserve(const std::filesystem::path& file) { m_staged.emplace_back(file); }
+    void Fill(std::size_t index, const std::vector<std::uint8_t>& bytes) const { m_staged[index].Write(bytes); }
+    void StageText(std::string_view text, const std::filesystem::path& file);
 
-    // Throws Error when a file cannot be put in place; those before it are then there already.
+    // A kill leaves all of the files in place or none. Throws Error when a file cannot be put in place; those before it
+    // are then there already.
     void Commit();
 
 private:
-    template <typename AnyDepth>
-    void StageAny(const AnyDepth& picture, const std::filesystem::path& file);
-
-    std::set<std::filesystem::path> m_announced;
+    cli::FileClaims m_claims;
     std::vector<cli::StagedFile> m_staged;
+    std::vector<std::uint8_t> m_stream;  // for standard output, which goes first: whoever reads it may be gone
 };
 
 // "frames/f%05d.png": the names of numbered pictures.

@@ -1,71 +1,25 @@
 #include "picture_io/picture.h"
 
 #include <algorithm>
-#include <cctype>
+#include <string>
 
 #include "cli/error.h"
 #include "cli/file_bytes.h"
-#include "picture_io/jpeg_codec.h"
-#include "picture_io/png16_codec.h"
-#include "picture_io/png_codec.h"
+#include "picture_io/decoded.h"
 
 namespace picture_io {
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-enum class PictureFormat { None, Png, Jpeg };
-
-PictureFormat FormatOfName(const std::filesystem::path& file) {
-    std::string ending = file.extension().string();
-    std::ranges::transform(ending, ending.begin(), [](unsigned char letter) { return std::tolower(letter); });
-    if (ending == ".png") return PictureFormat::Png;
-    return ending == ".jpg" || ending == ".jpeg" ? PictureFormat::Jpeg : PictureFormat::None;
-}
-
-template <std::size_t N>
-bool StartsWith(const Bytes& bytes, const std::array<std::uint8_t, N>& start) {
-    return bytes.size() >= N && std::equal(start.begin(), start.end(), bytes.begin());
-}
-
-PictureFormat FormatOfBytes(const Bytes& bytes) {
-    constexpr std::array<std::uint8_t, 8> pngStart{0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
-    constexpr std::array<std::uint8_t, 3> jpegStart{0xFF, 0xD8, 0xFF};
-    if (StartsWith(bytes, pngStart)) return PictureFormat::Png;
-    return StartsWith(bytes, jpegStart) ? PictureFormat::Jpeg : PictureFormat::None;
-}
-
-// Calls `call` and names the file in what it throws.
-template <typename Call>
-auto Naming(const std::filesystem::path& file, Call call) {
+Bytes EncodedFor(const std::filesystem::path& file, const AnyPicture& picture) {
+    const FormatRow* const format = FormatOfName(file);
     try {
-        return call();
+        if (format == nullptr) throw cli::Error(EndingsRule());
+        return EncodePictureFile(picture, *format, {});
     } catch (const cli::Error& error) {
         throw cli::Error(file.string(), {}, error.what());
     }
-}
-
-template <typename DecodePngBytes>
-auto Decoded(const std::filesystem::path& file, DecodePngBytes decodePng) {
-    using Result = decltype(decodePng(Bytes()));
-    const Bytes bytes = cli::ReadFileBytes(file);
-    return Naming(file, [&]() -> Result {
-        switch (FormatOfBytes(bytes)) {
-            case PictureFormat::Png:
-                return decodePng(bytes);
-            case PictureFormat::Jpeg:
-                return DecodeJpeg(bytes);
-            default:
-                throw cli::Error("is neither a PNG nor a JPEG picture");
-        }
-    });
-}
-
-template <typename Encode>
-void WriteEncoded(const std::filesystem::path& file, Encode encode) {
-    const PictureFormat format = FormatOfName(file);
-    if (format == PictureFormat::None) throw cli::Error(file.string(), {}, "pictures end in .png, .jpg or .jpeg");
-    cli::WriteFileWhole(file, Naming(file, [&] { return encode(format); }));
 }
 
 }  // namespace
@@ -117,28 +71,23 @@ Picture DividedByAlpha(Picture premultiplied) {
     return premultiplied;
 }
 
-Picture ReadPicture(const std::filesystem::path& file) { return Decoded(file, DecodePng); }
-
-AnyPicture ReadAnyPicture(const std::filesystem::path& file) {
-    return Decoded(file, [](const Bytes& bytes) -> AnyPicture {
-        if (HasWords(bytes)) return DecodePng16(bytes);
-        return DecodePng(bytes);
-    });
+Picture ReadPicture(const std::filesystem::path& file) {
+    return std::get<Picture>(ReadNamed(file, Depths::BytesOnly).picture);
 }
 
-bool IsPictureName(const std::filesystem::path& file) { return FormatOfName(file) != PictureFormat::None; }
+AnyPicture ReadAnyPicture(const std::filesystem::path& file) { return ReadPictureFile(file).picture; }
+
+bool IsPictureName(const std::filesystem::path& file) {
+    const FormatRow* const format = FormatOfName(file);
+    return format != nullptr && format->isWritten;
+}
 
 void WritePicture(const Picture& picture, const std::filesystem::path& file) {
-    WriteEncoded(file, [&](PictureFormat format) {
-        return format == PictureFormat::Png ? EncodePng(picture) : EncodeJpeg(picture);
-    });
+    cli::WriteFileWhole(file, EncodedFor(file, picture));
 }
 
 void WritePicture(const Picture16& picture, const std::filesystem::path& file) {
-    WriteEncoded(file, [&](PictureFormat format) {
-        if (format != PictureFormat::Png) throw cli::Error("a JPEG has 8 bits a channel; 16 bits need a name in .png");
-        return EncodePng16(picture);
-    });
+    cli::WriteFileWhole(file, EncodedFor(file, picture));
 }
 
 }  // namespace picture_io

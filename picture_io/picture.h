@@ -45,18 +45,19 @@ constexpr std::int32_t largestPictureSide = 16384;  // what the renderer takes a
 // A picture whose colours are multiplied by its alpha, made straight. Where nothing is covered the colour stays.
 [[nodiscard]] Picture DividedByAlpha(Picture premultiplied);
 
-// Reads a PNG or a JPEG, whatever the file is called. Throws Error naming the file and the reason.
+// Reads a picture, whatever the file is called and however its pixels are stored there: it comes out upright
+// (picture_file.h tells more of it). Throws Error naming the file and the reason.
 [[nodiscard]] Picture ReadPicture(const std::filesystem::path& file);
-// The same, with the words of a PNG of 16 bits a channel as they are.
+// The same, with the words of a file of 16 bits a channel as they are.
 [[nodiscard]] AnyPicture ReadAnyPicture(const std::filesystem::path& file);
 
-// True: WritePicture takes a file of this name, that is, it ends in .png, .jpg or .jpeg.
+// True: WritePicture takes a file of this name, by its ending.
 [[nodiscard]] bool IsPictureName(const std::filesystem::path& file);
 
-// Writes a PNG or a JPEG (without alpha), as the name's ending says. The file appears whole or not at all: it is
-// written under another name beside its place and then renamed. Throws Error naming the file and the reason.
+// Writes a picture file as the name's ending says (picture_format.h), with alpha where the format has it. It appears
+// whole or not at all (cli::StagedFile). Throws Error naming the file and the reason.
 void WritePicture(const Picture& picture, const std::filesystem::path& file);
-// The same with 16 bits a channel, which only a PNG has.
+// The same with 16 bits a channel, which not all formats have.
 void WritePicture(const Picture16& picture, const std::filesystem::path& file);
 
 }  // namespace picture_io

@@ -8,6 +8,7 @@
 #include <csetjmp>
 #include <cstddef>
 #include <cstring>
+#include <new>
 #include <string>
 
 #include "cli/error.h"
@@ -114,10 +115,10 @@ struct Writer {
     Writer& operator=(Writer&&) = delete;
 };
 
-bool WriteRows(Writer& writer, png_uint_32 width, png_uint_32 height, png_bytepp rows) {
+bool WriteRows(Writer& writer, png_uint_32 width, png_uint_32 height, int colourType, png_bytepp rows) {
     if (setjmp(png_jmpbuf(writer.png)) != 0) return false;
     png_set_write_fn(writer.png, &writer.bytes, PutBytes, nullptr);
-    png_set_IHDR(writer.png, writer.info, width, height, 16, PNG_COLOR_TYPE_RGB_ALPHA, PNG_INTERLACE_NONE,
+    png_set_IHDR(writer.png, writer.info, width, height, 16, colourType, PNG_INTERLACE_NONE,
                  PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
     png_set_sRGB(writer.png, writer.info, PNG_sRGB_INTENT_PERCEPTUAL);
     png_write_info(writer.png, writer.info);
@@ -128,12 +129,12 @@ bool WriteRows(Writer& writer, png_uint_32 width, png_uint_32 height, png_bytepp
 }
 
 // The library only reads when it writes a file, whatever its type says.
-std::vector<png_bytep> RowsOf(const Picture16& picture) {
+std::vector<png_bytep> RowsOf(const std::vector<std::uint16_t>& words, std::int32_t height) {
     std::vector<png_bytep> rows;
-    rows.reserve(static_cast<std::size_t>(picture.height));
-    const std::size_t rowWords = static_cast<std::size_t>(picture.width) * 4;
-    for (std::size_t at = 0; at < picture.rgba.size(); at += rowWords)
-        rows.push_back(reinterpret_cast<png_bytep>(const_cast<std::uint16_t*>(picture.rgba.data() + at)));
+    rows.reserve(static_cast<std::size_t>(height));
+    const std::size_t rowWords = words.size() / static_cast<std::size_t>(height);
+    for (std::size_t at = 0; at < words.size(); at += rowWords)
+        rows.push_back(reinterpret_cast<png_bytep>(const_cast<std::uint16_t*>(words.data() + at)));
     return rows;
 }
 
@@ -147,22 +148,26 @@ bool HasWords(const std::vector<std::uint8_t>& bytes) {
 Picture16 DecodePng16(const std::vector<std::uint8_t>& bytes) {
     RefuseTruncatedPng(bytes);
     Reader reader(bytes);
-    if (reader.info == nullptr) throw cli::Error("PNG: there is not enough memory");
+    if (reader.info == nullptr) throw std::bad_alloc();
     if (!ReadHeader(reader)) Refuse(reader.failure);
     constexpr png_uint_32 tooLarge = largestPictureSide + 1;
     Picture16 picture(static_cast<std::int32_t>(std::min(png_get_image_width(reader.png, reader.info), tooLarge)),
                       static_cast<std::int32_t>(std::min(png_get_image_height(reader.png, reader.info), tooLarge)));
-    std::vector<png_bytep> rows = RowsOf(picture);
+    std::vector<png_bytep> rows = RowsOf(picture.rgba, picture.height);
     if (!ReadRows(reader, rows.data())) Refuse(reader.failure);
     return picture;
 }
 
-std::vector<std::uint8_t> EncodePng16(const Picture16& picture) {
+std::vector<std::uint8_t> EncodePng16(const Picture16& picture, Channels channels) {
+    constexpr std::array<int, 4> types{PNG_COLOR_TYPE_GRAY, PNG_COLOR_TYPE_GRAY_ALPHA, PNG_COLOR_TYPE_RGB,
+                                       PNG_COLOR_TYPE_RGB_ALPHA};
+    std::vector<std::uint16_t> packed;
+    if (channels != Channels::RGBA) packed = PackedWords(picture, channels);
     Writer writer;
-    if (writer.info == nullptr) throw cli::Error("PNG: there is not enough memory");
-    std::vector<png_bytep> rows = RowsOf(picture);
+    if (writer.info == nullptr) throw std::bad_alloc();
+    std::vector<png_bytep> rows = RowsOf(packed.empty() ? picture.rgba : packed, picture.height);
     if (!WriteRows(writer, static_cast<png_uint_32>(picture.width), static_cast<png_uint_32>(picture.height),
-                   rows.data()))
+                   types[static_cast<std::size_t>(channels)], rows.data()))
         Refuse(writer.failure);
     return std::move(writer.bytes);
 }

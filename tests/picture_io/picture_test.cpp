@@ -1,7 +1,9 @@
 #include "picture_io/picture.h"
 
 #include <doctest/doctest.h>
+#include <sys/resource.h>
 
+#include <csignal>
 #include <cstdlib>
 
 #include "tests/cli/temporary_folder.h"
@@ -59,7 +61,7 @@ TEST_CASE("A picture is told by its bytes, not by its name") {
     CHECK(ReadPicture(folder / "picture.jpg") == Gradient(3, 3));
 }
 
-TEST_CASE("A picture turned upside down twice is the picture") {
+TEST_CASE("A picture flipped twice is the picture") {
     const Picture picture = Gradient(5, 4);
     CHECK(Flipped(picture).At(2, 0) == picture.At(2, 3));
     CHECK(Flipped(Flipped(picture)) == picture);
@@ -75,7 +77,8 @@ TEST_CASE("A file that is no picture is refused") {
     const TemporaryFolder folder;
     const auto file = folder / "text.png";
     WriteText(file, "not a picture");
-    CHECK_EQ(Thrown([&] { (void)ReadPicture(file); }), file.string() + ": is neither a PNG nor a JPEG picture");
+    CHECK_EQ(Thrown([&] { (void)ReadPicture(file); }),
+             file.string() + ": is no picture that can be read here (docs/pictures.md lists them)");
 }
 
 TEST_CASE("Half a picture is refused") {
@@ -108,7 +111,7 @@ TEST_CASE("A PNG that claims to be enormous is refused before memory is taken fo
 // 16384 x 16384 pixels in less than a hundred bytes: deflate packs 1032 bytes into one at the very best.
 TEST_CASE("A PNG that cannot hold the pixels it claims is refused before memory is taken for them") {
     const TemporaryFolder folder;
-    const auto file = folder / "hollow.png";
+    const auto file = folder / "truncated.png";
     const auto claim = [&file] {
         std::string bytes = ReadText(file);
         for (const std::size_t side : {16U, 20U}) bytes.replace(side, 4, std::string("\0\0\x40\0", 4));
@@ -123,7 +126,7 @@ TEST_CASE("A PNG that cannot hold the pixels it claims is refused before memory 
 }
 
 // The densest there is: one colour, and a side that the limit allows.
-TEST_CASE("A PNG of one colour is not taken for a hollow one") {
+TEST_CASE("A PNG of one colour is not taken for a truncated one") {
     const TemporaryFolder folder;
     const Picture picture(4096, 1024);
     WritePicture(picture, folder / "plain.png");
@@ -138,9 +141,14 @@ TEST_CASE("A picture without pixels, or with too many, is refused") {
 
 TEST_CASE("A picture under another ending is not written") {
     const TemporaryFolder folder;
-    const auto file = folder / "picture.bmp";
+    const auto file = folder / "picture.gif";
     CHECK_EQ(Thrown([&] { WritePicture(Gradient(2, 2), file); }),
-             file.string() + ": pictures end in .png, .jpg or .jpeg");
+             file.string() +
+                 ": a GIF is not written here; pictures end in .png, .jpg, .jpeg, .webp, .tif, .tiff, .bmp, .ppm, "
+                 ".pnm, .pgm or .pam");
+    CHECK_EQ(Thrown([&] { WritePicture(Gradient(2, 2), folder / "picture.txt"); }),
+             (folder / "picture.txt").string() +
+                 ": pictures end in .png, .jpg, .jpeg, .webp, .tif, .tiff, .bmp, .ppm, .pnm, .pgm or .pam");
     CHECK_FALSE(IsPictureName(file));
     CHECK(IsPictureName("a.jpeg"));
     CHECK_EQ(folder.Entries(), 0);
@@ -151,7 +159,7 @@ TEST_CASE("A picture that cannot be put in its place leaves nothing behind") {
     const auto taken = folder / "folder.png";
     std::filesystem::create_directory(taken);
     CHECK_EQ(Thrown([&] { WritePicture(Gradient(2, 2), taken); }),
-             taken.string() + ": cannot be written: Is a directory");
+             taken.string() + ": cannot be written: it is a folder");
     CHECK_EQ(folder.Entries(), 1);
     const auto nowhere = folder / "missing" / "picture.png";
     CHECK_EQ(Thrown([&] { WritePicture(Gradient(2, 2), nowhere); }),
@@ -159,15 +167,20 @@ TEST_CASE("A picture that cannot be put in its place leaves nothing behind") {
 }
 
 TEST_CASE("A full disk is noticed, and the former picture stays") {
-    if (!std::filesystem::exists("/dev/full")) return;
     const TemporaryFolder folder;
     const auto file = folder / "picture.png";
     WritePicture(Gradient(2, 2), file);
     const std::string before = ReadText(file);
-    // The unfinished file goes under this name; here it leads to a device that is always full.
-    std::filesystem::create_symlink("/dev/full", file.string() + ".unfinished." + std::to_string(getpid()));
-    CHECK_EQ(Thrown([&] { WritePicture(Gradient(9, 9), file); }),
-             file.string() + ": cannot be written: No space left on device");
+    // A disk that is full for this process alone: no file may grow beyond 64 bytes.
+    rlimit limits{};
+    getrlimit(RLIMIT_FSIZE, &limits);
+    const rlimit full{64, limits.rlim_max};
+    const auto listener = std::signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &full);
+    const std::string reason = Thrown([&] { WritePicture(Gradient(99, 99), file); });
+    setrlimit(RLIMIT_FSIZE, &limits);
+    std::signal(SIGXFSZ, listener);
+    CHECK_EQ(reason, file.string() + ": cannot be written: File too large");
     CHECK_EQ(ReadText(file), before);
     CHECK_EQ(folder.Entries(), 1);
 }

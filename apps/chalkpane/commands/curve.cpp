@@ -36,6 +36,7 @@ void PrintCurve(const ParameterValue& value, const FrameRange& frames, FrameRate
 void Curve(const CurveOptions& options) {
     FrameRateClock clock(options.rate);
     picture_io::OutputFiles outputs;
+    outputs.AnnounceInput(options.preset);
     if (!options.png.empty()) outputs.Announce(options.png);
     const Preset preset = ReadPreset(options.preset, clock);
     const PresetPlace place = FindPlace(preset, options.preset, options.parameter);

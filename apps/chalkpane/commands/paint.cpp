@@ -2,17 +2,17 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "apps/chalkpane/commands/commands.h"
 #include "apps/chalkpane/commands/preset_options.h"
 #include "apps/chalkpane/curves/frame_rate_clock.h"
-#include "apps/chalkpane/filtering/picture_image.h"
+#include "apps/chalkpane/filtering/picture_look.h"
 #include "apps/chalkpane/strokes/preset_brush.h"
 #include "apps/chalkpane/strokes/stroke_painter.h"
 #include "apps/chalkpane/strokes/strokes_file.h"
 #include "apps/chalkpane/values/value_parsing.h"
 #include "cli/error.h"
-#include "cli/file_bytes.h"
 #include "cli/progress_line.h"
 #include "picture_io/output_files.h"
 
@@ -27,7 +27,8 @@ struct PaintArguments {
     std::int32_t frame = 0;
     double rate = FrameRateClock::usualRate;
     std::string preset;
-    std::string savedPreset;
+    SavedPreset saved;
+    PictureLook look;
 };
 
 // Keys of the preset are taken at the frame that is painted.
@@ -40,24 +41,27 @@ std::optional<PresetBrush> BrushOf(const PaintArguments& arguments, FrameRateClo
 // Empty when no preset is to be written.
 std::string TextToSave(const PaintArguments& arguments, std::optional<PresetBrush>& brush, const StrokesFile& file,
                        Image& canvas, PictureFiles& pictures) {
-    if (arguments.savedPreset.empty()) return {};
-    if (brush) return TextForFile(brush->View(), arguments.savedPreset);
+    if (arguments.saved.file.empty()) return {};
+    if (brush) return TextForFile(brush->View(), arguments.saved.file);
     const Preset preset = PresetOfStrokes(file, canvas, pictures);
-    return TextForFile(ViewOf(preset), arguments.savedPreset);
+    return TextForFile(ViewOf(preset), arguments.saved.file);
 }
 
 void Paint(const PaintArguments& arguments) {
     picture_io::OutputFiles outputs;
+    for (const std::string& input : {arguments.strokes, arguments.picture, arguments.preset})
+        if (!input.empty()) outputs.AnnounceInput(input);
     outputs.Announce(arguments.output);
+    AnnouncePreset(arguments.saved, outputs);
     FrameRateClock clock(arguments.rate);
     auto brush = BrushOf(arguments, clock);
     StrokesFile file = ReadStrokes(arguments.strokes);
     std::optional<std::int32_t> depth;
     if (arguments.bits) depth = *arguments.bits == 8 ? 0 : 1;
-    const auto canvas = MakeCanvas(file, arguments.picture, depth);
-    if (canvas->depth != 0 && !SameName(std::filesystem::path(arguments.output).extension().string(), ".png"))
-        throw cli::Error(arguments.output, {}, "a JPEG has 8 bits a channel; 16 bits need a name in .png");
-    PictureFiles pictures(canvas->depth);
+    if (!file.canvas.picture.empty()) outputs.AnnounceInput(file.canvas.picture);
+    auto canvas = MakeCanvas(file, arguments.picture, depth);
+    RequireDepth(arguments.output, canvas->depth);
+    PictureFiles pictures(canvas->depth, [&outputs](const auto& picture) { outputs.AnnounceInput(picture); });
     PaintOptions options;
     options.frame = arguments.frame;
     if (brush) {
@@ -71,8 +75,8 @@ void Paint(const PaintArguments& arguments) {
         options.progress = [&line](std::int64_t points) { line.Show(points); };
         PaintStrokes(file, *canvas, pictures, options);
     }
-    StageImage(*canvas, arguments.output, outputs);
-    if (!preset.empty()) cli::WriteFileWhole(arguments.savedPreset, {preset.begin(), preset.end()});
+    StageImage(std::move(canvas), arguments.output, outputs, arguments.look);
+    if (!preset.empty()) outputs.StageText(preset, arguments.saved.file);
     outputs.Commit();
 }
 
@@ -82,7 +86,9 @@ void AddPaintCommand(CLI::App& program) {
     const auto arguments = std::make_shared<PaintArguments>();
     CLI::App* const command = program.add_subcommand("paint", "Paints the strokes of a file with the brush engine");
     command->add_option("strokes", arguments->strokes, "A file of strokes (JSON; see docs/strokes.md)")->required();
-    command->add_option("output", arguments->output, "The picture to write: PNG, or JPEG at 8 bits")->required();
+    command
+        ->add_option("output", arguments->output, "The picture to write (docs/pictures.md), or - for standard output")
+        ->required();
     command->add_option("--picture", arguments->picture, "A picture to paint on, instead of the file's canvas");
     command->add_option("--depth", arguments->bits, "Bits a channel, 8 or 14; otherwise what the file says")
         ->check(CLI::IsMember({8, 14}));
@@ -93,7 +99,8 @@ void AddPaintCommand(CLI::App& program) {
                      "A preset of a brush (docs/presets.md) to paint with, instead of the file's brushes")
         ->type_name("PRESET");
     AddRateOption(*command, arguments->rate);
-    AddSaveOption(*command, arguments->savedPreset, "Writes the brush that paints as a preset");
+    AddLookOptions(*command, arguments->look);
+    AddSaveOption(*command, arguments->saved, "Writes the brush that paints as a preset");
     command->callback([arguments] { Paint(*arguments); });
 }
 

@@ -8,8 +8,10 @@
 #include <cstdio>
 #include <limits>
 #include <memory>
+#include <new>
 
 #include "apps/chalkpane/curves/curve_series.h"
+#include "apps/chalkpane/filtering/picture_image.h"
 #include "chalkpane/brush/basic_brush.h"
 #include "chalkpane/image/image.h"
 #include "chalkpane/parameters/animation/key.h"
@@ -162,7 +164,7 @@ public:
         }
     }
 
-    // Chalk from this house's own brush, laid on the board.
+    // Chalk from the engine's own brush, composited onto the board.
     void DrawCourse(const std::vector<CurvePoint>& course, const Chalk& chalk) {
         Image layer(width, height, Image::colourType, 0, 1);
         BasicBrush brush("Chalk");
@@ -206,6 +208,8 @@ public:
     }
 
     [[nodiscard]] picture_io::Picture ToPicture() const {
+        RequireNoLoss();
+        if (cairo_status(m_cairo.get()) == CAIRO_STATUS_NO_MEMORY) throw std::bad_alloc();
         cairo_surface_flush(m_surface.get());
         const unsigned char* const data = cairo_image_surface_get_data(m_surface.get());
         const int stride = cairo_image_surface_get_stride(m_surface.get());

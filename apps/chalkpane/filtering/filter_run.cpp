@@ -2,6 +2,7 @@
 
 #include <array>
 #include <new>
+#include <utility>
 
 #include "apps/chalkpane/filtering/picture_image.h"
 #include "apps/chalkpane/filtering/pixel_rows.h"
@@ -20,9 +21,26 @@ void SeedForFrame(std::int32_t frame) {
     SeedRandom(static_cast<std::uint32_t>(frame) * spread + spread);
 }
 
-// The same pixels where the image has the form already, otherwise new ones; to be read only.
+bool IsOpaque(const Image& image) {
+    return AtDepth(image.depth, [&image]<typename F>(F) {
+        for (std::int32_t y = image.y0; y <= image.y1; ++y) {
+            const auto row = RowOf<F>(image, y);
+            for (std::size_t i = 3; i < row.size(); i += 4)
+                if (row[i] != F::fullScale) return false;
+        }
+        return true;
+    });
+}
+
+// The same pixels where the image has the form already, or is opaque, where both forms are alike; otherwise new ones.
+// To be read only.
 std::unique_ptr<Image> InForm(const Image& source, AlphaForm form) {
-    if ((source.flag != 0) == (form == AlphaForm::Premultiplied)) return std::make_unique<Image>(source);
+    const std::uint8_t flag = form == AlphaForm::Premultiplied ? 1 : 0;
+    if ((source.flag != 0) == (flag != 0) || IsOpaque(source)) {
+        auto same = std::make_unique<Image>(source);
+        same->flag = flag;
+        return same;
+    }
     auto copy = source.Clone();
     SetAlphaForm(*copy, form);
     return copy;
@@ -46,7 +64,7 @@ std::unique_ptr<Image> Applied(Filter& filter, const Image& source, const Filter
     filter.EndStep();
     filter.Detach();
     if (!result) throw std::bad_alloc();
-    if (result->buffer == input->buffer) return source.Clone();  // it stored none
+    if (result->buffer == input->buffer) return std::make_unique<Image>(source);  // it stored none
     return result->Convert(Rect(), source.depth);
 }
 
@@ -119,9 +137,15 @@ std::unique_ptr<Image> RunFilter(Filter& filter, const Image& source, const Filt
 
 std::unique_ptr<Image> RunFilters(std::span<const std::unique_ptr<Filter>> filters, const Image& source,
                                   const FilterRun& run, const std::function<void(std::int32_t)>& done) {
+    auto picture = RunFilters(filters, std::make_unique<Image>(source), run, done);
+    return picture->buffer == source.buffer ? picture->Clone() : std::move(picture);
+}
+
+std::unique_ptr<Image> RunFilters(std::span<const std::unique_ptr<Filter>> filters, std::unique_ptr<Image> source,
+                                  const FilterRun& run, const std::function<void(std::int32_t)>& done) {
     SettleLattice();
     SeedForFrame(run.frame);
-    std::unique_ptr<Image> picture = source.Clone();
+    std::unique_ptr<Image> picture = std::move(source);
     std::int32_t count = 0;
     for (const auto& filter : filters) {
         picture = RunFilter(*filter, *picture, run);

@@ -1,5 +1,6 @@
 #include "apps/chalkpane/filtering/filter_texts.h"
 
+#include <algorithm>
 #include <string>
 #include <utility>
 #include <vector>
@@ -30,15 +31,20 @@ std::vector<std::string> Segments(std::string_view text) {
     return segments;
 }
 
-void SetParameter(Filter& filter, const ParameterTexts& texts, const std::string& assignment) {
+// `given` are the parameters that the text has set before.
+void SetParameter(Filter& filter, const ParameterTexts& texts, const std::string& assignment,
+                  std::vector<const ParameterDef*>& given) {
     const std::size_t equals = assignment.find('=');
+    const std::string name = assignment.substr(0, equals);
+    const ParameterDef& definition = texts.Find(name);
+    if (std::ranges::find(given, &definition) != given.end())
+        throw Error(std::string(filter.Label()), definition.label, "is given twice");
+    given.push_back(&definition);
     if (equals == std::string::npos) {
-        const ParameterDef& definition = texts.Find(assignment);
         throw Error(std::string(filter.Label()), definition.label,
                     "has no value; write " + Quoted(definition.label + "=VALUE"));
     }
-    const std::string_view whole = assignment;
-    texts.Set(*filter.m_values, whole.substr(0, equals), whole.substr(equals + 1));
+    texts.Set(*filter.m_values, name, std::string_view(assignment).substr(equals + 1));
 }
 
 }  // namespace
@@ -53,7 +59,7 @@ const Filter& FindFilter(std::string_view name) {
         labels.emplace_back(filter->Label());
     }
     if (byName != nullptr) return *byName;
-    throw Error("there is no filter " + Quoted(wanted) + cli::NearestHint(wanted, labels));
+    throw Error("there is no filter " + Quoted(wanted) + cli::NearestHint(wanted, labels, "chalkpane filters"));
 }
 
 Choices FilterChoices(const Filter& filter) {
@@ -84,11 +90,12 @@ std::unique_ptr<Filter> FilterFromText(std::string_view text) {
     auto filter = MakeFilter(FindFilter(segments.front()));
     const ParameterTexts texts = TextsOf(*filter);
     std::string assignment;
+    std::vector<const ParameterDef*> given;
     for (std::size_t i = 1; i < segments.size(); ++i) {
         assignment += (assignment.empty() ? "" : " ") + segments[i];
         const bool isWhole = assignment.find('=') != std::string::npos;
         if (!isWhole && i + 1 < segments.size()) continue;
-        SetParameter(*filter, texts, std::exchange(assignment, {}));
+        SetParameter(*filter, texts, std::exchange(assignment, {}), given);
     }
     TakeValues(*filter);
     return filter;

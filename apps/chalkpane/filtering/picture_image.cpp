@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <new>
 #include <span>
 #include <type_traits>
 
 #include "apps/chalkpane/filtering/pixel_rows.h"
+#include "chalkpane/base/memory_loss.h"
 #include "chalkpane/image/pixel_format.h"
 
 namespace chalkpane::app {
@@ -129,8 +131,8 @@ void WriteImage(const Image& image, const std::filesystem::path& file) {
     std::visit([&file](const auto& picture) { picture_io::WritePicture(picture, file); }, PictureOf(image));
 }
 
-void StageImage(const Image& image, const std::filesystem::path& file, picture_io::OutputFiles& outputs) {
-    std::visit([&](const auto& picture) { outputs.Stage(picture, file); }, PictureOf(image));
+void RequireNoLoss() {
+    if (MemoryLossCount() != 0) throw std::bad_alloc();
 }
 
 }  // namespace chalkpane::app

@@ -6,7 +6,6 @@
 #include <optional>
 
 #include "chalkpane/image/image.h"
-#include "picture_io/output_files.h"
 #include "picture_io/picture.h"
 
 namespace chalkpane::app {
@@ -28,7 +27,7 @@ namespace chalkpane::app {
 // depth: none is the picture's own, 8 bits or, for words, 14
 [[nodiscard]] std::unique_ptr<Image> ImageOf(const picture_io::AnyPicture& picture, std::optional<std::int32_t> depth,
                                              AlphaForm form);
-// Reads a PNG or a JPEG. Throws cli::Error naming the file and the reason.
+// Reads a picture file; "-" is standard input. Throws cli::Error naming the file and the reason.
 [[nodiscard]] std::unique_ptr<Image> ReadImage(const std::filesystem::path& file, std::optional<std::int32_t> depth,
                                                AlphaForm form);
 
@@ -43,9 +42,9 @@ namespace chalkpane::app {
 // where alpha is 0, and no colour above full scale. Images that are in the form already stay as they are.
 void SetAlphaForm(Image& image, AlphaForm form);
 
-// Writes the picture of an image, whole or not at all, as the name's ending says: PNG at both depths, JPEG at 8 bits.
+// Writes the picture of an image, whole or not at all, as the name's ending says.
 void WriteImage(const Image& image, const std::filesystem::path& file);
-// The same among the outputs of a command.
-void StageImage(const Image& image, const std::filesystem::path& file, picture_io::OutputFiles& outputs);
+// Throws std::bad_alloc when the engine has left anything out for lack of memory: a picture with gaps is no result.
+void RequireNoLoss();
 
 }  // namespace chalkpane::app

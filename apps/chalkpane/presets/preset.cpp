@@ -1,7 +1,9 @@
 #include "apps/chalkpane/presets/preset.h"
 
 #include <array>
+#include <system_error>
 
+#include "apps/chalkpane/curves/frame_rate_clock.h"
 #include "chalkpane/brush/basic_brush.h"
 #include "chalkpane/brush/sources/brush_source.h"
 #include "cli/error.h"
@@ -69,6 +71,17 @@ PresetView ViewOf(BasicBrush& brush, const DataSet* paint) {
     if (paint != nullptr) view.values.push_back(paint);
     if (const ParameterValue* const name = brush.Value(BrushParameter::Name)) name->getString(view.name);
     return view;
+}
+
+bool IsNothingOrPreset(const std::filesystem::path& file) {
+    std::error_code failure;
+    if (!std::filesystem::exists(file, failure) || std::filesystem::file_size(file, failure) == 0) return true;
+    try {
+        (void)ReadPreset(file, FrameRateClock());
+        return true;
+    } catch (const cli::Error&) {
+        return false;
+    }
 }
 
 std::vector<std::unique_ptr<Filter>> FiltersOfPreset(const std::filesystem::path& file, const AnimationClock& clock) {

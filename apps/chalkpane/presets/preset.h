@@ -65,6 +65,9 @@ struct PresetView {
 [[nodiscard]] Preset ReadPresetText(const std::string& text, const std::string& shownName,
                                     const std::filesystem::path& folder, const AnimationClock& clock);
 
+// True: there is no such file, or it is empty, or it is a preset.
+[[nodiscard]] bool IsNothingOrPreset(const std::filesystem::path& file);
+
 // The filters of a preset, one or a chain. Throws cli::Error for that of a brush too.
 [[nodiscard]] std::vector<std::unique_ptr<Filter>> FiltersOfPreset(const std::filesystem::path& file,
                                                                    const AnimationClock& clock);

@@ -14,21 +14,30 @@ namespace {
 
 class FilterVideo final : public PresetVideo {
 public:
-    FilterVideo(Preset preset, const VideoSource& source, const FrameRateClock& clock)
+    FilterVideo(Preset preset, VideoSource source, const FrameRateClock& clock)
         : m_filters(std::move(preset.filters)),
-          m_source(ReadImage(source.file, source.depth, AlphaForm::Straight)),
+          m_depth(source.depth),
+          m_film(std::move(source.film)),
+          m_picture(m_film ? nullptr : ReadImage(source.file, source.depth, AlphaForm::Straight)),
           m_clock(clock) {
         std::erase_if(m_filters, [](const auto& filter) { return !filter->m_active; });
     }
 
     std::unique_ptr<Image> Make(std::int32_t frame) override {
         for (const auto& filter : m_filters) TakeValues(*filter);
-        return RunFilters(m_filters, *m_source, {.frame = frame, .time = m_clock.frameToTime(frame)});
+        return RunFilters(m_filters, SourceOf(frame), {.frame = frame, .time = m_clock.frameToTime(frame)});
     }
 
 private:
+    // Its own copy of the picture: what comes out without any filter is the caller's to change.
+    std::unique_ptr<Image> SourceOf(std::int32_t frame) {
+        return m_film ? ImageOf(m_film->ReadFrame(frame), m_depth, AlphaForm::Straight) : m_picture->Clone();
+    }
+
     std::vector<std::unique_ptr<Filter>> m_filters;
-    std::unique_ptr<Image> m_source;
+    std::optional<std::int32_t> m_depth;
+    std::unique_ptr<kel::VideoReader> m_film;
+    std::unique_ptr<Image> m_picture;
     const FrameRateClock& m_clock;
 };
 
@@ -37,8 +46,8 @@ public:
     StrokeVideo(Preset preset, const VideoSource& source)
         : m_brush(std::move(preset), source.presetFile.string()),
           m_strokes(ReadStrokes(source.file)),
-          m_canvas(MakeCanvas(m_strokes, {}, source.depth)),
-          m_pictures(m_canvas->depth) {
+          m_canvas(MakeCanvas(Claimed(m_strokes, source), {}, source.depth)),
+          m_pictures(m_canvas->depth, source.beforeReading) {
         SettleLattice();
         m_brush.ReadPictures(m_pictures);
     }
@@ -54,6 +63,11 @@ public:
     }
 
 private:
+    static const StrokesFile& Claimed(const StrokesFile& strokes, const VideoSource& source) {
+        if (source.beforeReading && !strokes.canvas.picture.empty()) source.beforeReading(strokes.canvas.picture);
+        return strokes;
+    }
+
     PresetBrush m_brush;
     StrokesFile m_strokes;
     std::unique_ptr<Image> m_canvas;  // before the first stroke
@@ -62,9 +76,9 @@ private:
 
 }  // namespace
 
-std::unique_ptr<PresetVideo> MakeVideo(Preset preset, const VideoSource& source, const FrameRateClock& clock) {
+std::unique_ptr<PresetVideo> MakeVideo(Preset preset, VideoSource source, const FrameRateClock& clock) {
     if (preset.kind == PresetKind::Brush) return std::make_unique<StrokeVideo>(std::move(preset), source);
-    return std::make_unique<FilterVideo>(std::move(preset), source, clock);
+    return std::make_unique<FilterVideo>(std::move(preset), std::move(source), clock);
 }
 
 }  // namespace chalkpane::app

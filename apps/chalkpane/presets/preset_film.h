@@ -7,7 +7,9 @@
 
 #include "apps/chalkpane/curves/frame_rate_clock.h"
 #include "apps/chalkpane/presets/preset.h"
+#include "apps/chalkpane/strokes/picture_files.h"
 #include "chalkpane/image/image.h"
+#include "kel/video/video_reader.h"
 
 namespace chalkpane::app {
 
@@ -27,14 +29,15 @@ public:
 };
 
 struct VideoSource {
-    std::filesystem::path file;         // a picture for filters, a file of strokes for a brush
-    std::filesystem::path presetFile;   // what messages call the preset
-    std::optional<std::int32_t> depth;  // 0: 8 bits; 1: 14; none: the source's own
+    std::filesystem::path file;                      // a picture or a film for filters, strokes for a brush
+    std::filesystem::path presetFile;                // what messages call the preset
+    std::optional<std::int32_t> depth;               // 0: 8 bits; 1: 14; none: the source's own
+    PictureFiles::ReadNotification beforeReading{};  // of the pictures that strokes and brushes name
+    std::unique_ptr<kel::VideoReader> film{};        // `file`, where it is one; its last frame stays to the end
 };
 
 // Filters over a picture, or the strokes of a file painted anew by a brush, as the preset's kind says. Reads all files.
 // Throws cli::Error for what cannot be read. `clock` is the preset's, not owned.
-[[nodiscard]] std::unique_ptr<PresetVideo> MakeVideo(Preset preset, const VideoSource& source,
-                                                     const FrameRateClock& clock);
+[[nodiscard]] std::unique_ptr<PresetVideo> MakeVideo(Preset preset, VideoSource source, const FrameRateClock& clock);
 
 }  // namespace chalkpane::app

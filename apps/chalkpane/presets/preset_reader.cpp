@@ -101,7 +101,7 @@ private:
             names.emplace_back(prototype->Name());
             if (prototype->Label() != prototype->Name()) names.emplace_back(prototype->Label());
         }
-        Fail("there is no filter " + Quoted(name) + NearestHint(name, names));
+        Fail("there is no filter " + Quoted(name) + NearestHint(name, names, "chalkpane filters"));
     }
 
     void ReadObject(Preset& preset) {

@@ -1,6 +1,7 @@
 #include "apps/chalkpane/strokes/picture_files.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "apps/chalkpane/filtering/picture_image.h"
 #include "chalkpane/brush/image_loader.h"
@@ -27,7 +28,8 @@ const Image& ReadOnce(std::map<std::filesystem::path, std::unique_ptr<Image>>& i
 }  // namespace
 
 // Colours are handed to a brush; masks are what it asks for by name.
-PictureFiles::PictureFiles(std::int32_t pictureDepth) : m_depth(pictureDepth) {
+PictureFiles::PictureFiles(std::int32_t pictureDepth, ReadNotification beforeReading)
+    : m_depth(pictureDepth), m_beforeReading(std::move(beforeReading)) {
     SetImageFileLoader([this](const std::string& name) { return LoadMask(name); });
 }
 
@@ -43,7 +45,10 @@ const Image& PictureFiles::Mask(const std::filesystem::path& file, const std::st
     return ReadOnce(m_masks, file, place, [&] { return MaskOf(picture_io::ReadAnyPicture(file), m_depth); });
 }
 
-void PictureFiles::Remember(const std::filesystem::path& file) { m_files[FileName(file.string()).string()] = file; }
+void PictureFiles::Remember(const std::filesystem::path& file) {
+    const bool isNew = m_files.insert_or_assign(FileName(file.string()).string(), file).second;
+    if (isNew && m_beforeReading) m_beforeReading(file);
+}
 
 std::filesystem::path PictureFiles::FileOf(const std::string& engineName) const {
     if (const auto known = m_files.find(engineName); known != m_files.end()) return known->second;

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -19,8 +20,12 @@ namespace chalkpane::app {
 // There is one at a time: it is the engine's loader of image files from its making to its end. The images belong to it.
 class PictureFiles {
 public:
+    using ReadNotification = std::function<void(const std::filesystem::path& file)>;
+
     // pictureDepth: of all images; 0: 8 bits, 1: 14
-    explicit PictureFiles(std::int32_t pictureDepth);
+    // beforeReading: called with each file once, before it is opened; what it throws comes out of the readers; may be
+    // empty
+    explicit PictureFiles(std::int32_t pictureDepth, ReadNotification beforeReading = {});
     ~PictureFiles();
     PictureFiles(const PictureFiles&) = delete;
     PictureFiles& operator=(const PictureFiles&) = delete;
@@ -41,6 +46,7 @@ private:
     [[nodiscard]] std::unique_ptr<Image> LoadMask(const std::string& engineName);
 
     std::int32_t m_depth;
+    ReadNotification m_beforeReading;
     Images m_colours;
     Images m_masks;
     std::map<std::string, std::filesystem::path> m_files;  // by the engine's names

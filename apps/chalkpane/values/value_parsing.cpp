@@ -51,18 +51,47 @@ std::optional<std::uint8_t> HexByte(std::string_view digits) {
     return byte;
 }
 
+struct NamedColour {
+    std::string_view name;
+    std::uint32_t rgb;
+};
+constexpr std::array namedColours{
+    NamedColour{"black", 0x000000},   NamedColour{"silver", 0xC0C0C0}, NamedColour{"gray", 0x808080},
+    NamedColour{"grey", 0x808080},    NamedColour{"white", 0xFFFFFF},  NamedColour{"maroon", 0x800000},
+    NamedColour{"red", 0xFF0000},     NamedColour{"purple", 0x800080}, NamedColour{"magenta", 0xFF00FF},
+    NamedColour{"fuchsia", 0xFF00FF}, NamedColour{"green", 0x008000},  NamedColour{"lime", 0x00FF00},
+    NamedColour{"olive", 0x808000},   NamedColour{"yellow", 0xFFFF00}, NamedColour{"navy", 0x000080},
+    NamedColour{"blue", 0x0000FF},    NamedColour{"teal", 0x008080},   NamedColour{"cyan", 0x00FFFF},
+    NamedColour{"aqua", 0x00FFFF},    NamedColour{"orange", 0xFFA500}, NamedColour{"pink", 0xFFC0CB},
+    NamedColour{"brown", 0xA52A2A},
+};
+
+ColourText ParseColourName(std::string_view text) {
+    const auto* const named = std::ranges::find(namedColours, text, &NamedColour::name);
+    if (named == namedColours.end()) {
+        std::vector<std::string> names;
+        for (const NamedColour& colour : namedColours) names.emplace_back(colour.name);
+        throw Error(Quoted(text) + " is not a color such as #ff8000" + cli::NearestHint(text, names));
+    }
+    const auto byte = [named](unsigned shift) { return Widen(static_cast<std::uint8_t>(named->rgb >> shift)); };
+    return {{byte(16), byte(8), byte(0)}, {}};
+}
+
+// Three or four digits stand for six or eight, each twice.
 ColourText ParseHexColour(std::string_view text) {
+    std::string digits(text.substr(1));
+    if (digits.size() == 3 || digits.size() == 4)
+        for (std::size_t i = digits.size(); i-- > 0;) digits.insert(i, 1, digits[i]);
     std::array<std::uint8_t, 4> bytes{};
-    const bool hasAlpha = text.size() == 9;
-    bool fits = hasAlpha || text.size() == 7;
-    for (std::size_t i = 0; fits && i < text.size() / 2; ++i) {
-        const auto byte = HexByte(text.substr(1 + 2 * i, 2));
+    bool fits = digits.size() == 6 || digits.size() == 8;
+    for (std::size_t i = 0; fits && i < digits.size() / 2; ++i) {
+        const auto byte = HexByte(std::string_view(digits).substr(2 * i, 2));
         fits = byte.has_value();
         bytes[i] = byte.value_or(0);
     }
     if (!fits) throw Error(Quoted(text) + " is not a color such as #ff8000");
     ColourText result{{Widen(bytes[0]), Widen(bytes[1]), Widen(bytes[2])}, {}};
-    if (hasAlpha) result.alpha = bytes[3] / 255.0;
+    if (digits.size() == 8) result.alpha = bytes[3] / 255.0;
     return result;
 }
 
@@ -141,7 +170,8 @@ std::vector<std::int32_t> ParseIntegers(std::string_view text, std::size_t count
 
 ColourText ParseColour(std::string_view text) {
     const std::string_view word = Trimmed(text);
-    if (word.find(',') == std::string_view::npos) return ParseHexColour(word);
+    if (word.starts_with('#')) return ParseHexColour(word);
+    if (word.find(',') == std::string_view::npos) return ParseColourName(word);
     const auto words = ParseIntegers(word, 3);
     if (std::ranges::any_of(words, [](std::int32_t number) { return number < 0 || number > Colour::full; }))
         throw Error("the color " + Quoted(text) + " lies outside 0 .. 16383");

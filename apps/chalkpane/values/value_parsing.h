@@ -28,7 +28,8 @@ struct ColourText {
     Colour colour;
     std::optional<double> alpha;  // 0 .. 1, where the text has one
 };
-// "#rrggbb" or "#rrggbbaa" in hexadecimal digits, 8 bits widened to 14; or three words of 0 .. 16383, "16383,8192,0".
+// "#rrggbb" or "#rrggbbaa" in hexadecimal digits, 8 bits widened to 14, in short "#rgb" or "#rgba"; a name such as
+// "red"; or three words of 0 .. 16383, "16383,8192,0".
 [[nodiscard]] ColourText ParseColour(std::string_view text);
 // The shorter of both forms that says the colour exactly.
 [[nodiscard]] std::string TextOfColour(const Colour& colour);

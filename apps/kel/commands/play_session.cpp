@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <memory>
 
+#include "apps/kel/commands/claimed_files.h"
 #include "cli/error.h"
 #include "cli/interrupt_guard.h"
 #include "cli/progress_line.h"
@@ -37,6 +38,11 @@ bool HasSaves(const PlayOptions& options, const Session& session) {
 void PlaySession(const PlayOptions& options) {
     const Session session = ReadSession(options.session);
     const WindowSize window{session.window.width, session.window.height};
+    std::vector<std::filesystem::path> inputs{options.session};
+    for (const SessionContainer& container : session.containers)
+        for (const std::string& name : {container.picture, container.film})
+            if (!name.empty()) inputs.push_back(session.Resolve(name));
+    ClaimFiles(inputs, options.outputs, {});
     // Every file that the play will write is checked before the first field. What fails leaves the folder of the saves
     // last, when nothing is in it any more.
     const std::unique_ptr<SessionSaves> saves = SavesOf(options, session);
@@ -57,7 +63,7 @@ void PlaySession(const PlayOptions& options) {
         cli::ProgressLine progress("field", session.fields);
         while (!player.IsOver()) {
             if (cli::InterruptGuard::IsInterrupted())
-                throw CLI::RuntimeError("interrupted", cli::InterruptGuard::exitCode);
+                throw CLI::RuntimeError("interrupted", cli::InterruptGuard::ExitCode());
             const auto names = player.PlayField(picture);
             if (saves)
                 for (const std::string& name : names) outputs.Stage(host.ReadFrame(), saves->FileOf(name));

@@ -3,6 +3,7 @@
 #include <optional>
 #include <system_error>
 
+#include "apps/kel/commands/claimed_files.h"
 #include "apps/kel/commands/commands.h"
 #include "apps/kel/commands/module_path.h"
 #include "apps/kel/commands/output_options.h"
@@ -19,6 +20,7 @@ struct WindowLine {
     std::string keys;
     SessionOptions access;
     std::string recording;
+    bool overwrites = false;
     std::string saves = ".";
     OutputOptions outputs;
 };
@@ -56,6 +58,8 @@ void CheckOutputs(const OutputOptions& outputs) {
 void Window(const WindowLine& line) {
     WindowOptions options;
     options.file = line.file.empty() ? FindExampleScene() : std::filesystem::path(line.file);
+    ClaimFiles({options.file, line.keys}, line.outputs, line.recording);
+    if (!line.overwrites) RequireSessionPlace(line.recording);
     options.areKeysGiven = !line.keys.empty();
     options.keys =
         options.areKeysGiven ? ReadKeysFile(line.keys) : ParseKeys(std::string(DefaultKeysText()), "keys.json");
@@ -90,6 +94,7 @@ void AddWindowCommand(CLI::App& program) {
     command->add_option("file", line->file, "A picture, a film or a session (default: a pitch)");
     command->add_option("--record", line->recording, "Writes what happens as a session, which kel play plays again")
         ->type_name("SESSION");
+    command->add_flag("--overwrite", line->overwrites, "Lets --record replace a file that is no session");
     command->add_option("--keys", line->keys, "What the keys do, a JSON file (docs/window.md)")->type_name("FILE");
     AddSessionOptions(*command, line->access);
     command->add_option("--saves", line->saves, "Where pictures are saved (default: here)")->type_name("FOLDER");

@@ -149,7 +149,8 @@ TEST_CASE("What chalkpane filter cannot do is told in one line, and nothing is w
     CheckRefused("bytes.png o.png --apply Median:Radius=x", "Median: Radius: \"x\" is not a whole number");
     CheckRefused("none.png o.png" + invert, "none.png: cannot be read: No such file or directory");
     CheckRefused("bytes.png no/o.png" + invert, "no/o.png: cannot be written: there is no folder no");
-    CheckRefused("bytes.png o.gif" + invert, "o.gif: pictures end in .png, .jpg or .jpeg");
+    CheckRefused("bytes.png o.gif" + invert,
+                 "o.gif: pictures end in .png, .jpg, .jpeg, .webp, .tif, .tiff, .bmp, .ppm, .pnm, .pgm or .pam");
     CheckRefused("words.png o.jpg" + invert, "o.jpg: a JPEG has 8 bits a channel; 16 bits need a name in .png");
     CheckRefused("bytes.png o.png --region 1,1,2" + invert,
                  "--region: \"1,1,2\" is not 4 numbers with commas between them");
@@ -169,7 +170,7 @@ TEST_CASE("A mask of another size, or none at all, is refused") {
              "chalkpane: wide.png: is 5 x 3 pixels, but the picture is 4 x 3\n");
     folder.Write("text.png", "no picture");
     CHECK_EQ(folder.Run("filter bytes.png o.png --mask text.png" + invert).complaint,
-             "chalkpane: text.png: is neither a PNG nor a JPEG picture\n");
+             "chalkpane: text.png: is no picture that can be read here (docs/pictures.md lists them)\n");
     CHECK_FALSE(folder.Has("o.png"));
 }
 

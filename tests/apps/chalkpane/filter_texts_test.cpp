@@ -74,6 +74,11 @@ TEST_CASE("What is no filter is refused with the nearest that is one") {
     CHECK_EQ(Refusal("Median:Radius=21"), "Median: Radius: 21 lies outside 1 .. 20");
     CHECK_EQ(Refusal("Median:Radius=2:"), "Median: there is no parameter \"\"; there is only \"Radius\"");
     CHECK_EQ(Refusal("Median:Radius=2\\:3"), "Median: Radius: \"2:3\" is not a whole number");
+    CHECK_EQ(Refusal("Median:Radius=3:Radius=4"), "Median: Radius: is given twice");
+    CHECK_EQ(Refusal("Blur:Softness=3:Filter Softness=4"), "Blur: Softness: is given twice");
+    CHECK_EQ(Refusal("Xyzzyx"),
+             "there is no filter \"Xyzzyx\"; the nearest are \"Blur\", \"Tint\" and \"Marble\"; `chalkpane filters` "
+             "lists all");
     CHECK_EQ(Refusal("Invert Color:Amount=1"), "Invert Color: there is no parameter \"Amount\"; there are none");
     CHECK_EQ(Refusal("Marble:Edges=Mirror"),
              "Marble: Edges: there is no choice \"Mirror\"; there are \"Transparent\", \"Reflect\", \"Wrap\", "

@@ -114,9 +114,21 @@ TEST_CASE("A color is told in bytes where bytes say it exactly") {
     CHECK_EQ(Told("Color", "16383,8224,64"), "#ff8001");
 }
 
+// Twice the digits: #f80 is #ff8800, and 0x88 widens to 136 * 64 + 34 = 8738.
+TEST_CASE("A color has a name, or three digits that stand for six") {
+    DataSet values;
+    const ParameterTexts texts = ZooTexts();
+    Colour colour;
+    texts.Set(values, "Color", "#f80").getColour(colour);
+    CHECK(colour == Colour{16383, 8738, 0});
+    CHECK_EQ(Told("Color", "red"), "#ff0000");
+    CHECK_EQ(Told("Color", "orange"), "#ffa500");
+    CHECK_EQ(Refusal("Color", "#f808"), "brush: Color: \"#f808\" has an alpha, which this color does not");
+}
+
 TEST_CASE("What is no color is refused") {
-    CHECK_EQ(Refusal("Color", "red"), "brush: Color: \"red\" is not a color such as #ff8000");
-    CHECK_EQ(Refusal("Color", "#ff80"), "brush: Color: \"#ff80\" is not a color such as #ff8000");
+    CHECK_EQ(Refusal("Color", "rd"), "brush: Color: \"rd\" is not a color such as #ff8000; did you mean \"red\"?");
+    CHECK_EQ(Refusal("Color", "#ff800"), "brush: Color: \"#ff800\" is not a color such as #ff8000");
     CHECK_EQ(Refusal("Color", "#ff80-1"), "brush: Color: \"#ff80-1\" is not a color such as #ff8000");
     CHECK_EQ(Refusal("Color", "#ff800080"), "brush: Color: \"#ff800080\" has an alpha, which this color does not");
     CHECK_EQ(Refusal("Color", "1,2,16384"), "brush: Color: the color \"1,2,16384\" lies outside 0 .. 16383");

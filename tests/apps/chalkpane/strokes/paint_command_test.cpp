@@ -83,7 +83,8 @@ TEST_CASE("paint refuses in one line and leaves no file behind") {
         "lost.json",
         R"({"canvas": {"width": 3, "height": 2}, "strokes": [], "brushes": {"a": {"Profile Mask": "s.json"}}})");
     folder.CheckRefused("paint lost.json out.png",
-                        "lost.json: /brushes/a/Profile Mask: s.json: is neither a PNG nor a JPEG picture");
+                        "lost.json: /brushes/a/Profile Mask: s.json: is no picture that can be read here "
+                        "(docs/pictures.md lists them)");
 }
 
 TEST_CASE("paint keeps what was there when it fails") {

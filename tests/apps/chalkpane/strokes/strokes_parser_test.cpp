@@ -64,7 +64,8 @@ TEST_CASE("What a brush says wrongly is named with its place and the nearest rig
     CHECK_EQ(RefusalOfBrush(R"("Profile Graph": [[0, 0], [2, 1]])"),
              R"(/Profile Graph: Profile Graph: the point "2,1" of a graph lies outside 0 .. 1)");
     CHECK_EQ(RefusalOfBrush(R"("File": 7)"), "/File: must be a text, not 7");
-    CHECK_EQ(RefusalOfBrush(R"("color": "red")"), R"(/color: "red" is not a color such as #ff8000)");
+    CHECK_EQ(RefusalOfBrush(R"("color": "ret")"),
+             R"(/color: "ret" is not a color such as #ff8000; did you mean "red"?)");
     CHECK_EQ(RefusalOfBrush(R"("color": "#ff800080")"),
              "/color: has an alpha, which a brush does not; set its Opacity");
     CHECK_EQ(RefusalOfBrush(R"("color": [0, 0, 16384])"), R"(/color: the color "0,0,16384" lies outside 0 .. 16383)");

@@ -1,0 +1,91 @@
+#include "apps/chalkpane/filtering/picture_filtering.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+#include "apps/chalkpane/filtering/filter_run.h"
+#include "apps/chalkpane/filtering/filter_texts.h"
+#include "apps/chalkpane/filtering/picture_image.h"
+#include "apps/chalkpane/presets/preset.h"
+#include "apps/chalkpane/values/value_parsing.h"
+#include "cli/error.h"
+#include "cli/nearest_name.h"
+
+namespace chalkpane::app {
+namespace {
+
+using cli::Error;
+
+std::string SizeText(const Rect& picture) {
+    return std::to_string(picture.Width()) + " x " + std::to_string(picture.Height());
+}
+
+// From picture pixels, y downwards from the top row, to the plane.
+Rect RegionFromText(const std::string& text, const Rect& picture) {
+    std::vector<std::int32_t> numbers;
+    try {
+        numbers = ParseIntegers(text, 4);
+    } catch (const Error& error) {
+        throw Error("--region", {}, error.what());
+    }
+    if (numbers[0] > numbers[2] || numbers[1] > numbers[3])
+        throw Error("--region", {}, cli::Quoted(text) + " ends before it begins; it goes x0,y0,x1,y1");
+    const std::int64_t height = picture.Height();
+    if (numbers[0] < 0 || numbers[1] < 0 || numbers[2] >= picture.Width() || numbers[3] >= height)
+        throw Error("--region", {},
+                    cli::Quoted(text) + " does not lie within the picture of " + SizeText(picture) + " pixels");
+    const auto fromBottom = [height](std::int32_t y) { return static_cast<std::int32_t>(height - 1 - y); };
+    return {numbers[0], fromBottom(numbers[3]), numbers[2], fromBottom(numbers[1])};
+}
+
+std::unique_ptr<Image> ReadMask(const std::string& file, const Image& picture) {
+    auto mask = MaskOf(picture_io::ReadAnyPicture(file), picture.depth);
+    if (mask->Bounds() != picture.Bounds())
+        throw Error(file, {}, "is " + SizeText(*mask) + " pixels, but the picture is " + SizeText(picture));
+    return mask;
+}
+
+}  // namespace
+
+std::vector<std::unique_ptr<Filter>> FiltersOf(const FilterOptions& options, const FrameRateClock& clock) {
+    if (options.preset.empty() && options.apply.empty())
+        throw Error("there is no filter to run; name one with --apply or give a --preset");
+    auto filters =
+        options.preset.empty() ? std::vector<std::unique_ptr<Filter>>() : FiltersOfPreset(options.preset, clock);
+    for (const std::string& text : options.apply) filters.push_back(FilterFromText(text));
+    for (const auto& filter : filters) TakeValues(*filter);
+    return filters;
+}
+
+std::optional<std::int32_t> DepthOf(const FilterOptions& options) {
+    if (options.bits == 0) return std::nullopt;
+    return options.bits == 8 ? 0 : 1;
+}
+
+std::unique_ptr<Image> Filtered(std::unique_ptr<Image> source, std::span<const std::unique_ptr<Filter>> filters,
+                                const FilterOptions& options, std::int32_t frame,
+                                const std::function<void(std::int32_t)>& done) {
+    FilterRun run{.fast = options.fast, .expand = options.expand, .frame = frame};
+    if (!options.region.empty()) run.region = RegionFromText(options.region, *source);
+    const auto mask = options.mask.empty() ? nullptr : ReadMask(options.mask, *source);
+    const auto before = mask ? std::make_unique<Image>(*source) : nullptr;
+    auto picture = RunFilters(filters, std::move(source), run, done);
+    return mask ? MixByMask(*before, *picture, *mask) : std::move(picture);
+}
+
+std::vector<std::uint8_t> FilteredFile(const std::filesystem::path& in, const std::filesystem::path& out,
+                                       const FilterOptions& options, const std::function<void(std::int32_t)>& done) {
+    FrameRateClock clock(options.rate);
+    clock.StandAt(options.frame);
+    auto filters = FiltersOf(options, clock);
+    std::erase_if(filters, [](const auto& filter) { return !filter->m_active; });
+    auto file = picture_io::ReadPictureFile(in);
+    auto source = ImageOf(file.picture, DepthOf(options), AlphaForm::Straight);
+    file.picture = {};  // the image has it all
+    RequireDepth(out, source->depth);
+    return EncodeImage(Filtered(std::move(source), filters, options, options.frame, done), out, options.look,
+                       &file.info);
+}
+
+}  // namespace chalkpane::app

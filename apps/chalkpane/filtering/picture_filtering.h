@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "apps/chalkpane/filtering/filter_options.h"
+#include "chalkpane/filters/filter.h"
+#include "chalkpane/image/image.h"
+
+namespace chalkpane::app {
+
+// Those of the preset and behind them those that are applied, fresh, with their values as they are where the clock
+// stands. Values with keys refer to it as long as they live. Throws cli::Error, also where there are no filters.
+[[nodiscard]] std::vector<std::unique_ptr<Filter>> FiltersOf(const FilterOptions& options, const FrameRateClock& clock);
+
+// The depth that the options ask for, as images count it; none: the picture's own.
+[[nodiscard]] std::optional<std::int32_t> DepthOf(const FilterOptions& options);
+
+// The picture that the active ones among the filters make of `source`, with region and mask, as the given frame. Throws
+// cli::Error for a region or a mask that does not fit, std::bad_alloc when there is no memory.
+[[nodiscard]] std::unique_ptr<Image> Filtered(std::unique_ptr<Image> source,
+                                              std::span<const std::unique_ptr<Filter>> filters,
+                                              const FilterOptions& options, std::int32_t frame,
+                                              const std::function<void(std::int32_t)>& done = {});
+
+// A whole picture file through fresh filters: the bytes of the file to be named `out`.
+[[nodiscard]] std::vector<std::uint8_t> FilteredFile(const std::filesystem::path& in, const std::filesystem::path& out,
+                                                     const FilterOptions& options,
+                                                     const std::function<void(std::int32_t)>& done = {});
+
+}  // namespace chalkpane::app

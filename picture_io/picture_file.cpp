@@ -1,0 +1,132 @@
+#include "picture_io/picture_file.h"
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "cli/error.h"
+#include "cli/file_bytes.h"
+#include "picture_io/channels.h"
+#include "picture_io/decoded.h"
+#include "picture_io/exif.h"
+#include "picture_io/jpeg_codec.h"
+#include "picture_io/media_codec.h"
+#include "picture_io/oriented.h"
+#include "picture_io/png16_codec.h"
+#include "picture_io/png_codec.h"
+#include "picture_io/png_info.h"
+
+namespace picture_io {
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+AnyPicture DecodedPng(const Bytes& bytes, Depths depths, PictureInfo& info) {
+    info = ReadPngInfo(bytes);
+    if (depths == Depths::Any && HasWords(bytes)) return DecodePng16(bytes);
+    return DecodePng(bytes);
+}
+
+// A profile is made for grey or for colours, and read wrongly for the other.
+bool FitsProfile(const Bytes& profile, bool isGrey) {
+    constexpr std::size_t space = 16;
+    constexpr std::string_view grey = "GRAY";
+    const bool isForGrey =
+        profile.size() >= space + grey.size() && std::equal(grey.begin(), grey.end(), profile.begin() + space);
+    return isForGrey == isGrey;
+}
+
+Channels ChannelsFor(const AnyPicture& picture, const FormatRow& format, const WriteOptions& options) {
+    const bool maybeGrey = !format.hasColour || (options.followsInfo && options.info.isGrey);
+    const bool maybeOpaque = options.followsInfo && !options.info.hasAlpha;
+    const Channels fitting =
+        std::visit([&](const auto& any) { return FittingChannels(any, maybeGrey, maybeOpaque); }, picture);
+    if (format.hasAlpha) return fitting;
+    return fitting == Channels::Grey || fitting == Channels::GreyAlpha ? Channels::Grey : Channels::RGB;
+}
+
+Bytes EncodedPng(const AnyPicture& picture, const WriteOptions& options, Channels channels) {
+    Bytes png = std::holds_alternative<Picture>(picture) ? EncodePng(std::get<Picture>(picture), channels)
+                                                         : EncodePng16(std::get<Picture16>(picture), channels);
+    return WithPngInfo(std::move(png), options.info);
+}
+
+template <typename Word>
+void CompositeOver(BasicPicture<Word>& picture, const std::array<std::uint8_t, 3>& colour) {
+    constexpr std::uint64_t full = static_cast<Word>(~Word{0});
+    for (std::size_t i = 0; i < picture.rgba.size(); i += 4) {
+        const std::uint64_t alpha = picture.rgba[i + 3];
+        for (std::size_t channel = 0; channel < 3; ++channel) {
+            const std::uint64_t below = colour[channel] * (full / 255);
+            picture.rgba[i + channel] =
+                static_cast<Word>((picture.rgba[i + channel] * alpha + below * (full - alpha) + full / 2) / full);
+        }
+        picture.rgba[i + 3] = static_cast<Word>(full);
+    }
+}
+
+}  // namespace
+
+PictureFile DecodePictureFile(const Bytes& bytes, Depths depths) {
+    const FormatRow* const format = FormatOfBytes(bytes);
+    if (format == nullptr) throw cli::Error("is no picture that can be read here (docs/pictures.md lists them)");
+    PictureFile file;
+    switch (format->format) {
+        case PictureFormat::Png:
+            file.picture = DecodedPng(bytes, depths, file.info);
+            break;
+        case PictureFormat::Jpeg:
+            file.picture = DecodeJpeg(bytes, file.info);
+            break;
+        default:
+            file.picture = DecodeMedia(bytes, *format, depths == Depths::Any, file.info);
+    }
+    // A TIFF file is laid out like a block of EXIF, and says there how it stands.
+    const Orientation orientation = OrientationIn(
+        format->format == PictureFormat::Tiff ? std::span(bytes) : std::span(std::as_const(file.info.exif)));
+    SetUpright(file.info.exif);
+    file.picture = std::visit([&](auto& picture) -> AnyPicture { return Oriented(std::move(picture), orientation); },
+                              file.picture);
+    return file;
+}
+
+PictureFile ReadNamed(const std::filesystem::path& file, Depths depths) {
+    const bool isStream = file == "-";
+    const Bytes bytes = isStream ? cli::ReadStandardInput() : cli::ReadFileBytes(file);
+    try {
+        return DecodePictureFile(bytes, depths);
+    } catch (const cli::Error& error) {
+        throw cli::Error(isStream ? "standard input" : file.string(), {}, error.what());
+    }
+}
+
+PictureFile ReadPictureFile(const std::filesystem::path& file) { return ReadNamed(file, Depths::Any); }
+
+Bytes EncodePictureFile(const AnyPicture& picture, const FormatRow& format, const WriteOptions& options) {
+    if (!format.isWritten) throw cli::Error("a " + std::string(format.name) + " is not written here; " + EndingsRule());
+    if (!format.hasWords && std::holds_alternative<Picture16>(picture))
+        throw cli::Error("a " + std::string(format.name) + " has 8 bits a channel; 16 bits need a name in .png");
+    const Channels channels = ChannelsFor(picture, format, options);
+    const bool isGrey = channels == Channels::Grey || channels == Channels::GreyAlpha;
+    if (!format.hasColour && !isGrey)
+        throw cli::Error("a " + std::string(format.name) + " is grey, and this picture is not; a .ppm has colors");
+    if (format.format != PictureFormat::Png && format.format != PictureFormat::Jpeg)
+        return EncodeMedia(picture, format, options, channels);
+    WriteOptions fitting = options;
+    if (!FitsProfile(fitting.info.profile, isGrey)) fitting.info.profile.clear();
+    if (format.format == PictureFormat::Jpeg) return EncodeJpeg(std::get<Picture>(picture), fitting, isGrey);
+    return EncodedPng(picture, fitting, channels);
+}
+
+bool ShowsThrough(const AnyPicture& picture) {
+    const Channels fitting = std::visit([](const auto& any) { return FittingChannels(any, false, true); }, picture);
+    return fitting == Channels::RGBA;
+}
+
+AnyPicture OverColour(AnyPicture picture, const std::array<std::uint8_t, 3>& colour) {
+    std::visit([&](auto& any) { CompositeOver(any, colour); }, picture);
+    return picture;
+}
+
+}  // namespace picture_io

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <filesystem>
+#include <vector>
+
+#include "picture_io/picture.h"
+#include "picture_io/picture_format.h"
+#include "picture_io/picture_info.h"
+
+namespace picture_io {
+
+// A picture with all that its file says besides.
+struct PictureFile {
+    AnyPicture picture;  // upright
+    PictureInfo info;    // which says so too
+};
+
+// Reads a picture, whatever the file is called; "-" is standard input. Words stay words. Throws Error naming the file
+// and the reason.
+[[nodiscard]] PictureFile ReadPictureFile(const std::filesystem::path& file);
+
+// The bytes of a picture file. What the format cannot hold of the information is left out, alpha too. Throws Error with
+// the reason alone, also for a depth that the format has not.
+[[nodiscard]] std::vector<std::uint8_t> EncodePictureFile(const AnyPicture& picture, const FormatRow& format,
+                                                          const WriteOptions& options);
+
+// True: some pixel is not opaque.
+[[nodiscard]] bool ShowsThrough(const AnyPicture& picture);
+
+// The picture over one colour, red, green and blue as bytes: opaque. Rounds to the nearest.
+[[nodiscard]] AnyPicture OverColour(AnyPicture picture, const std::array<std::uint8_t, 3>& colour);
+
+}  // namespace picture_io

@@ -1,0 +1,84 @@
+#include "picture_io/picture_format.h"
+
+#include <algorithm>
+#include <array>
+
+#include "cli/file_ending.h"
+#include "cli/word_list.h"
+
+namespace picture_io {
+namespace {
+
+struct Start {
+    PictureFormat format;
+    std::string_view bytes;  // a question mark is any byte
+};
+
+using namespace std::string_view_literals;
+
+constexpr std::array starts{
+    Start{PictureFormat::Png, "\x89PNG\r\n\x1A\n"sv},
+    Start{PictureFormat::Jpeg, "\xFF\xD8\xFF"sv},
+    Start{PictureFormat::WebP, "RIFF????WEBP"sv},
+    Start{PictureFormat::Tiff, "II*\0"sv},
+    Start{PictureFormat::Tiff, "MM\0*"sv},
+    Start{PictureFormat::Gif, "GIF8"sv},
+    Start{PictureFormat::Bmp, "BM????\0\0\0\0"sv},
+    Start{PictureFormat::Pgm, "P5"sv},
+    Start{PictureFormat::Pnm, "P6"sv},
+    Start{PictureFormat::Pam, "P7\n"sv},
+};
+
+bool BeginsWith(std::span<const std::uint8_t> bytes, std::string_view start) {
+    return bytes.size() > start.size() &&
+           std::equal(start.begin(), start.end(), bytes.begin(), [](char wanted, std::uint8_t byte) {
+               return wanted == '?' || static_cast<std::uint8_t>(wanted) == byte;
+           });
+}
+
+}  // namespace
+
+std::span<const FormatRow> PictureFormats() {
+    static const std::vector<FormatRow> rows{
+        // format, name, endings, is written, words, alpha
+        {PictureFormat::Png, "PNG", {".png"}, true, true, true},
+        {PictureFormat::Jpeg, "JPEG", {".jpg", ".jpeg"}, true, false, false},
+        {PictureFormat::WebP, "WebP", {".webp"}, true, false, true},
+        {PictureFormat::Tiff, "TIFF", {".tif", ".tiff"}, true, true, true},
+        {PictureFormat::Bmp, "BMP", {".bmp"}, true, false, false},
+        {PictureFormat::Pnm, "PPM", {".ppm", ".pnm"}, true, true, false},
+        {PictureFormat::Pgm, "PGM", {".pgm"}, true, true, false, false},
+        {PictureFormat::Pam, "PAM", {".pam"}, true, true, true},
+        {PictureFormat::Gif, "GIF", {".gif"}, false, false, true},
+    };
+    return rows;
+}
+
+const FormatRow& RowOf(PictureFormat format) {
+    return *std::ranges::find(PictureFormats(), format, &FormatRow::format);
+}
+
+const FormatRow* FormatOfName(const std::filesystem::path& file) {
+    const std::string ending = cli::EndingOf(file);
+    for (const FormatRow& row : PictureFormats())
+        if (std::ranges::find(row.endings, ending) != row.endings.end()) return &row;
+    return nullptr;
+}
+
+const FormatRow* FormatOfBytes(std::span<const std::uint8_t> bytes) {
+    const auto start =
+        std::ranges::find_if(starts, [bytes](const Start& each) { return BeginsWith(bytes, each.bytes); });
+    return start == starts.end() ? nullptr : &RowOf(start->format);
+}
+
+const std::string& EndingsRule() {
+    static const std::string rule = [] {
+        std::vector<std::string> endings;
+        for (const FormatRow& row : PictureFormats())
+            if (row.isWritten) endings.insert(endings.end(), row.endings.begin(), row.endings.end());
+        return "pictures end in " + cli::WordList(endings, "or");
+    }();
+    return rule;
+}
+
+}  // namespace picture_io
