@@ -54,7 +54,8 @@ void FileClaims::Enter(const std::string& identity, const fs::path& file) {
     const Claim& other = at->second;
     if (other.use == Use::Input)
         throw Error(file.string(), {}, "cannot be written: it is read too, as " + other.file.string());
-    if (other.file == file) throw Error(file.string(), {}, "two outputs have this name");
+    if (fs::absolute(other.file).lexically_normal() == fs::absolute(file).lexically_normal())
+        throw Error(file.string(), {}, "two outputs have this name");
     throw Error(file.string(), {}, "is the same file as another output, " + other.file.string());
 }
 

@@ -47,9 +47,10 @@ TEST_CASE("two outputs are never one file, also one that is not there yet") {
     claims.Write(folder / "new.png");
     CHECK_EQ(Thrown([&] { claims.Write(folder / "new.png"); }),
              folder.Name("new.png") + ": two outputs have this name");
-    for (const std::string name : {"sub/../new.png", "dangling.png"})
-        CHECK_EQ(Thrown([&] { claims.Write(folder / name); }),
-                 folder.Name(name) + ": is the same file as another output, " + folder.Name("new.png"));
+    CHECK_EQ(Thrown([&] { claims.Write(folder / "sub/../new.png"); }),
+             folder.Name("sub/../new.png") + ": two outputs have this name");
+    CHECK_EQ(Thrown([&] { claims.Write(folder / "dangling.png"); }),
+             folder.Name("dangling.png") + ": is the same file as another output, " + folder.Name("new.png"));
     CHECK_EQ(Thrown([&] { claims.Write(folder / "newer.png"); }), "nothing");
 }
 

@@ -79,7 +79,7 @@ TEST_CASE("two outputs of one name are refused") {
     const PictureFolder folder;
     folder.CheckRefused("filter in.png out.png --save-preset out.png" + invert, "out.png: two outputs have this name");
     folder.CheckRefused("filter in.png out.png --save-preset ./out.png" + invert,
-                        "./out.png: is the same file as another output, out.png");
+                        "./out.png: two outputs have this name");
 }
 
 // 255 - 100 = 155.
