@@ -38,7 +38,9 @@ bool IsExpected(const HostCall& call, std::int32_t number, std::int32_t expected
 void SetMultiTexture(const HostCall& call, std::int32_t id, std::int32_t unit, kel::ObjectId texture) {
     auto* container = call.Find<ContainerObject>(id);
     if (container == nullptr || !call.HasUnit(unit)) return;
-    container->multiTextures[static_cast<std::size_t>(unit)] = texture;
+    kel::ObjectId& place = container->multiTextures[static_cast<std::size_t>(unit)];
+    if (place != texture) call.State().changes.AddEverything();
+    place = texture;
 }
 
 }  // namespace
@@ -52,7 +54,7 @@ void _api__set_changed(std::int32_t id) {
     const HostCall call(__func__, kel::inInstance);
     if (!call) return;
     if (call.State().objects.Contains(id)) {
-        call.State().redraw = true;
+        call.State().ShowAnew();
     } else {
         call.Report(WrongUse::UnknownId, "there is no object " + std::to_string(id));
     }
@@ -111,7 +113,7 @@ void _api__container_delete_texture(std::int32_t id) {
     if (container == nullptr) return;
     auto& base = container->multiTextures[0] != kel::noObject ? container->multiTextures[0] : container->picture;
     base = kel::noObject;
-    call.State().redraw = true;
+    call.State().ShowAnew();
 }
 
 std::int32_t _api__get_sceneid_local(char* name, std::int32_t reserved) {

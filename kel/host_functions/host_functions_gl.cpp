@@ -5,62 +5,65 @@
 
 #include <GL/glu.h>
 
+#include <bit>
+
 #include "kel/host_functions/host_call.h"
 #include "kel/scene/gl.h"
 
 // OpenGL and GLU by way of the host, which lends them to the render callbacks alone.
 namespace {
 
+using kel::GlCall;
 using kel::HostCall;
+using Function = kel::GlCall::Function;
 
-bool InRender(const char* function) { return static_cast<bool>(HostCall(function, kel::inRender)); }
+// Does it, and notes it where the picture is the scene's own.
+void Do(const char* function, const GlCall& wanted) {
+    const HostCall call(function, kel::inRender);
+    if (!call) return;
+    wanted.Do();
+    if (call.State().noting != nullptr) call.State().noting->push_back(wanted);
+}
+
+std::uint32_t Word(float number) { return std::bit_cast<std::uint32_t>(number); }
 
 }  // namespace
 
 void kelGL_glActiveTexture(std::int32_t unit) {
     const HostCall call(__func__, kel::inRender);
-    if (call && call.HasUnit(unit)) glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(unit));
+    if (call && call.HasUnit(unit)) Do(__func__, {Function::ActiveTexture, {static_cast<std::uint32_t>(unit)}});
 }
 
 void kelGL_glTexEnvi(std::uint32_t target, std::uint32_t name, std::int32_t value) {
-    if (InRender(__func__)) glTexEnvi(target, name, value);
+    Do(__func__, {Function::TexEnvi, {target, name, static_cast<std::uint32_t>(value)}});
 }
 
-void kelGL_glMatrixMode(std::uint32_t mode) {
-    if (InRender(__func__)) glMatrixMode(mode);
-}
+void kelGL_glMatrixMode(std::uint32_t mode) { Do(__func__, {Function::MatrixMode, {mode}}); }
 
-void kelGL_glLoadIdentity() {
-    if (InRender(__func__)) glLoadIdentity();
-}
+void kelGL_glLoadIdentity() { Do(__func__, {Function::LoadIdentity, {}}); }
 
 void kelGL_glTranslatef(float x, float y, float z) {
-    if (InRender(__func__)) glTranslatef(x, y, z);
+    Do(__func__, {Function::Translatef, {Word(x), Word(y), Word(z)}});
 }
 
-void kelGL_glScalef(float x, float y, float z) {
-    if (InRender(__func__)) glScalef(x, y, z);
-}
+void kelGL_glScalef(float x, float y, float z) { Do(__func__, {Function::Scalef, {Word(x), Word(y), Word(z)}}); }
 
 void kelGL_glGetIntegerv(std::uint32_t name, std::int32_t* values) {
     const HostCall call(__func__, kel::inRender);
     if (call && call.HasPlace(values)) glGetIntegerv(name, values);
 }
 
+// How rows lie in memory is no part of the picture.
 void kelGL_glPixelStorei(std::uint32_t name, std::int32_t value) {
-    if (InRender(__func__)) glPixelStorei(name, value);
+    if (HostCall(__func__, kel::inRender)) glPixelStorei(name, value);
 }
 
-void kelGL_glEnable(std::uint32_t capability) {
-    if (InRender(__func__)) glEnable(capability);
-}
+void kelGL_glEnable(std::uint32_t capability) { Do(__func__, {Function::Enable, {capability}}); }
 
-void kelGL_glDisable(std::uint32_t capability) {
-    if (InRender(__func__)) glDisable(capability);
-}
+void kelGL_glDisable(std::uint32_t capability) { Do(__func__, {Function::Disable, {capability}}); }
 
 void kelGL_glBlendFunc(std::uint32_t source, std::uint32_t destination) {
-    if (InRender(__func__)) glBlendFunc(source, destination);
+    Do(__func__, {Function::BlendFunc, {source, destination}});
 }
 
 std::int32_t kelGL_gluUnProject(double windowX, double windowY, double windowZ, const double* model,

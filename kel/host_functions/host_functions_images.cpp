@@ -10,6 +10,7 @@
 #include "kel/host_functions/host_call.h"
 #include "kel/scene/gl.h"
 #include "kel/scene/scene_renderer.h"
+#include "kel/scene/stored_upload.h"
 
 // Images and textures.
 namespace {
@@ -64,6 +65,7 @@ void Delete(const char* function, std::int32_t* handle) {
     const HostCall call(function, kel::inInstance);
     if (!call || !call.HasPlace(handle) || call.Find<T>(*handle) == nullptr) return;
     call.State().objects.Remove(*handle);
+    call.State().changes.AddEverything();
     *handle = kel::noObject;
 }
 
@@ -76,6 +78,7 @@ void SetTextureField(const char* function, std::int32_t id, std::int32_t value, 
     if (texture == nullptr) return;
     if (std::ranges::find(possible, value) == possible.end())
         return call.Report(WrongUse::BadNumber, "there is no setting " + std::to_string(value));
+    if (texture->*field != value) call.State().changes.AddEverything();
     texture->*field = value;
 }
 
@@ -141,7 +144,10 @@ void _api__image_delete_image(std::int32_t* image) { Delete<ImageObject>(__func_
 
 void _api__rebuild_texture(std::int32_t image) {
     const HostCall call(__func__, kel::inInstance);
-    if (auto* found = call ? call.Find<ImageObject>(image) : nullptr; found != nullptr) kel::BuildTexture(*found);
+    auto* found = call ? call.Find<ImageObject>(image) : nullptr;
+    if (found == nullptr) return;
+    kel::BuildTexture(*found);
+    call.State().changes.AddEverything();
 }
 
 void _api__image_subtexload(std::int32_t image, std::int32_t /*reserved*/, std::int32_t x, std::int32_t y,
@@ -155,8 +161,12 @@ void _api__image_subtexload(std::int32_t image, std::int32_t /*reserved*/, std::
     if (type != GL_UNSIGNED_BYTE)
         return call.Report(WrongUse::BadNumber, "there is no pixel type " + std::to_string(type));
     if (found->texture.Name() == 0) kel::BuildTexture(*found);
+    const kel::FrameArea region{x, y, width, height};
+    const kel::FrameArea changed = kel::StoreUpload(*found, region, format, pixels);
+    if (changed.IsEmpty()) return;
     const kel::BoundTexture bound(found->texture);
     glTexSubImage2D(GL_TEXTURE_2D, 0, x, y, width, height, static_cast<GLenum>(format), GL_UNSIGNED_BYTE, pixels);
+    call.State().changes.AddUpload({image, changed});
 }
 
 void _api__texture_create_texture(std::int32_t* texture, std::int32_t image) {

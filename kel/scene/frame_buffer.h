@@ -12,6 +12,9 @@ struct FrameArea {
     std::int32_t y = 0;
     std::int32_t width = 0;
     std::int32_t height = 0;
+
+    [[nodiscard]] bool IsEmpty() const { return width <= 0 || height <= 0; }
+    friend bool operator==(const FrameArea&, const FrameArea&) = default;
 };
 
 // What the scene is drawn into: colour and depth, in the size of the window. The context is current in every call.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "cli/error.h"
 #include "cli/nearest_name.h"
@@ -152,14 +153,14 @@ void Host::SetCamera(const Camera& camera) {
     CheckCamera(camera);
     const auto* scene = m_state->objects.Find<SceneObject>(m_state->scene);
     m_state->objects.Find<CameraObject>(scene->camera)->camera = camera;
-    m_state->redraw = true;
+    m_state->ShowAnew();
 }
 
 ObjectId Host::AddContainer(const Placement& placement) {
     CheckPlacement(placement);
     ContainerObject container;
     container.placement = placement;
-    m_state->redraw = true;
+    m_state->ShowAnew();
     return m_state->objects.Add(std::move(container));
 }
 
@@ -176,7 +177,7 @@ void Host::SetPicture(ObjectId container, const picture_io::Picture& picture) {
         fresh.image = objects.Add(MakeImage(picture));
         shown.picture = objects.Add(fresh);
     }
-    m_state->redraw = true;
+    m_state->ShowAnew();
 }
 
 void Host::Attach(ObjectId container, const Module& module, const std::vector<ParameterSetting>& values) {
@@ -194,7 +195,7 @@ void Host::Attach(ObjectId container, const Module& module, const std::vector<Pa
         *attached.instance, Callback::InitFunction,
         [](const EntryPoints& entry, chalkpane::PluginInstance* block) { entry.initFunction(block); });
     SendGuiStatus(*m_state, *attached.instance);
-    m_state->redraw = true;
+    m_state->ShowAnew();
 }
 
 void Host::AddImage(const std::string& name, const picture_io::Picture& picture) {
@@ -237,9 +238,12 @@ void Host::DeliverOperator() {
 
 void Host::Render() {
     m_state->redraw = false;
-    ++m_state->pictureNumber;
-    RenderScene(*m_state, *m_state->frame, Look::AsItIs);
+    RenderField(*m_state);
 }
+
+void Host::SetRedraw(Redraw redraw) { m_state->redraws = redraw; }
+
+FrameArea Host::TakeChangedArea() { return std::exchange(m_state->changedArea, {}); }
 
 void Host::SetDrawing(bool on) {
     if (on && !m_state->drawing) m_state->redraw = true;
@@ -306,7 +310,7 @@ void Host::ResizeWindow(WindowSize window) {
     const AtWork work(*m_state);
     m_state->frame = std::make_unique<FrameBuffer>(window.width, window.height);
     m_state->window = window;
-    m_state->redraw = true;
+    m_state->ShowAnew();
 }
 
 const std::vector<std::string>& Host::WrongUses() const { return m_state->wrongUses.Lines(); }

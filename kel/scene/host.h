@@ -32,6 +32,9 @@ struct ParameterSetting {
 
 enum class AlphaForm { Straight, Premultiplied };
 
+// What a render draws anew: what has changed since the last one, or all of the picture. The pictures are the same.
+enum class Redraw { Changed, Whole };
+
 // How long the modules' field callbacks took, those of all instances in a field together.
 struct FieldTimes {
     std::chrono::nanoseconds last{};
@@ -62,7 +65,7 @@ public:
     // Containers are drawn in the order in which they were added: one that is to be seen through comes after what is
     // behind it. Without a picture a container is plain white.
     ObjectId AddContainer(const Placement& placement);
-    // Shows `picture` from now on, for example the next frame of a film.
+    // Shows `picture` from now on, for example the next frame of a video.
     void SetPicture(ObjectId container, const picture_io::Picture& picture);
 
     // Puts an instance of the module on the container, which has none yet. Parameters that `values` leaves out have
@@ -84,9 +87,8 @@ public:
     [[nodiscard]] bool HasQueuedPointer() const;  // presses and releases that no field has delivered yet
 
     // One field.
-    //   fieldsDue  how many fields follow each other at once, this one counted: what waits of the pointer is spread
-    //   over
-    //              them
+    //   fieldsDue  how many fields follow each other at once, this one counted; at least 1. What waits of the pointer
+    //              is spread over them
     void RunField(int fieldsDue = 1);
     // What that field got of the pointer; empty: it did nothing.
     [[nodiscard]] const std::optional<PointerStep>& DeliveredPointer() const;
@@ -99,19 +101,24 @@ public:
     // by quickly. On, as at the start: asks for a redraw, so that the next field's picture is whole.
     void SetDrawing(bool on);
 
+    void SetRedraw(Redraw redraw);  // Changed, as at the start
+    // What of the picture has changed since this was last asked, or a rectangle around it.
+    [[nodiscard]] FrameArea TakeChangedArea();
+
     // Of the picture last rendered. As long as it stays the same, so does that picture, to the last pixel, and with it
     // what ReadOverlay answers.
     [[nodiscard]] std::uint64_t PictureNumber() const;
+
     // The picture last rendered; opaque.
     [[nodiscard]] picture_io::Picture ReadFrame() const;
-    // Lays that picture over `area` of the framebuffer `target`, 0 being the current context's window, smoothly scaled
+    // Shows that picture in `area` of the framebuffer `target`, 0 being the current context's window, smoothly scaled
     // where the sizes differ. Leaves the target bound and OpenGL's state plain, for others to draw there.
     void ShowFrame(const FrameArea& area, std::uint32_t target = 0) const;
     // What the module on this container draws, alone and upright, as of the last render. Throws when it has put no
     // texture on the container yet.
     [[nodiscard]] picture_io::Picture ReadCanvas(ObjectId container, AlphaForm form = AlphaForm::Straight) const;
 
-    // What all modules draw, in the window's size and at its place: laid over the picture as it would be without
+    // What all modules draw, in the window's size and at its place: composited over the picture as it would be without
     // drawings, it gives the picture last rendered (docs/output.md). Renders the scene three times more, as of now, and
     // leaves that picture as it was.
     [[nodiscard]] picture_io::Picture ReadOverlay(AlphaForm form = AlphaForm::Straight);

@@ -14,6 +14,7 @@
 #include "kel/scene/host.h"
 #include "kel/scene/objects.h"
 #include "kel/scene/pointer_queue.h"
+#include "kel/scene/scene_changes.h"
 #include "kel/scene/wrong_use.h"
 
 namespace kel {
@@ -68,12 +69,22 @@ struct HostState {
     bool redraw = true;
     std::uint64_t pictureNumber = 0;  // of what was last rendered
     bool drawing = true;
+    Redraw redraws = Redraw::Changed;
+    SceneChanges changes;
+    FrameArea changedArea;                  // of the picture, since the host was last asked for it
+    std::vector<GlCall>* noting = nullptr;  // where what the render callback asks of OpenGL is noted; null: nowhere
 
     Callback callback = Callback::None;
     Registration* registering = nullptr;  // in PLUGIN_INIT_EX
     Instance* calling = nullptr;          // the instance whose callback runs
     FieldTimes times;
     WrongUseLog wrongUses;
+
+    // Something has changed that may show anywhere.
+    void ShowAnew() {
+        changes.AddEverything();
+        redraw = true;
+    }
 
     // Runs `call` as the instance's callback.
     template <typename Call>

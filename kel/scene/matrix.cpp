@@ -37,7 +37,7 @@ Matrix Scaling(const Point3& by) {
     return matrix;
 }
 
-// Turns the axis after `axis` towards the one after that: about x, y towards z.
+// Rotates the axis after `axis` towards the one after that: about x, y towards z.
 Matrix Rotation(std::size_t axis, double degrees) {
     const std::size_t from = (axis + 1) % 3;
     const std::size_t to = (axis + 2) % 3;

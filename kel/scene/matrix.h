@@ -12,6 +12,9 @@ using Matrix = std::array<double, 16>;
 [[nodiscard]] Matrix Identity();
 [[nodiscard]] Matrix operator*(const Matrix& a, const Matrix& b);
 
+// A container's own coordinates divided by this are its texture coordinates, on all units.
+constexpr double coordinatesPerTexture = 100.0;
+
 // From the container's own coordinates to the world.
 [[nodiscard]] Matrix WorldMatrix(const Placement& placement);
 

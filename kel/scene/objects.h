@@ -9,6 +9,7 @@
 #include <variant>
 #include <vector>
 
+#include "kel/scene/gl_call.h"
 #include "kel/scene/gl_context.h"
 #include "kel/scene/gl_texture.h"
 #include "kel/scene/instance.h"
@@ -34,6 +35,7 @@ struct ImageObject {
     std::int32_t height = 0;
     std::uint32_t format = 0;          // GL_ALPHA, GL_RGB or GL_RGBA; one byte a channel
     std::vector<std::uint8_t> pixels;  // without gaps between rows
+    std::vector<std::uint8_t> shown;   // what the texture holds, where that is known: of modules' images in GL_RGBA
     bool mipmaps = false;              // the host's own pictures: smooth also when seen small or at a slant
     GlTexture texture;                 // none until the image is built
 };
@@ -55,6 +57,8 @@ struct ContainerObject {
     ObjectId picture = noObject;  // texture on unit 0 where the module has put none
     std::array<ObjectId, textureUnits> multiTextures = NoTextures();
     std::unique_ptr<Instance> instance;  // null: no plug-in
+    RenderCalls calls;                   // of the last render
+    RenderCalls drawnCalls;              // of the last one that was drawn
 
     static constexpr std::array<ObjectId, textureUnits> NoTextures() {
         std::array<ObjectId, textureUnits> none{};

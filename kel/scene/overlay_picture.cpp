@@ -21,7 +21,7 @@ Levels LevelsAt(const picture_io::Picture& picture, std::size_t pixel) {
     return {picture.rgba[pixel], picture.rgba[pixel + 1], picture.rgba[pixel + 2]};
 }
 
-double LaidOver(int base, int colour, int alpha) { return base * (255 - alpha) / 255.0 + colour; }
+double Composited(int base, int colour, int alpha) { return base * (255 - alpha) / 255.0 + colour; }
 
 // With colour c and alpha a, black becomes c and white becomes c + 1 - a, in each channel. The three answers for alpha
 // differ by rounding alone, so their mean is the best of them, and no colour may be above it.
@@ -34,7 +34,7 @@ LayerPixel BetweenBlackAndWhite(const Levels& overBlack, const Levels& overWhite
 bool Explains(const LayerPixel& layer, const Levels& undrawn, const Levels& drawn) {
     constexpr double rounding = 1.0;
     for (std::size_t channel = 0; channel < 3; ++channel)
-        if (std::abs(LaidOver(undrawn[channel], layer.colour[channel], layer.alpha) - drawn[channel]) > rounding)
+        if (std::abs(Composited(undrawn[channel], layer.colour[channel], layer.alpha) - drawn[channel]) > rounding)
             return false;
     return true;
 }
@@ -57,7 +57,7 @@ LayerPixel MadeFor(const Levels& undrawn, const Levels& drawn, int alpha) {
     LayerPixel layer;
     layer.alpha = std::max(alpha, LeastAlpha(undrawn, drawn));
     for (std::size_t channel = 0; channel < 3; ++channel) {
-        const double missing = drawn[channel] - LaidOver(undrawn[channel], 0, layer.alpha);
+        const double missing = drawn[channel] - Composited(undrawn[channel], 0, layer.alpha);
         layer.colour[channel] = std::clamp(static_cast<int>(std::lround(missing)), 0, layer.alpha);
     }
     return layer;

@@ -16,7 +16,7 @@ struct OverlaySources {
     picture_io::Picture overWhite;  // and white
 };
 
-// What, laid over `undrawn`, gives `drawn` but for rounding; colours multiplied by alpha.
+// What, composited over `undrawn`, gives `drawn` but for rounding; colours multiplied by alpha.
 [[nodiscard]] picture_io::Picture OverlayOf(const OverlaySources& sources);
 
 }  // namespace kel

@@ -1,7 +1,9 @@
 #include "kel/scene/scene_renderer.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 #include "kel/scene/gl.h"
 #include "kel/scene/matrix.h"
@@ -9,9 +11,6 @@
 
 namespace kel {
 namespace {
-
-// A container's own coordinates divided by this are its texture coordinates, on all units.
-constexpr double coordinatesPerTexture = 100.0;
 
 // What OpenGL starts with; modules set it and nobody puts it back.
 constexpr std::array<std::pair<GLenum, GLenum>, 15> plainEnvironment{{
@@ -122,23 +121,149 @@ void Prepare(HostState& state, const ContainerObject& container, const Matrix& c
     glLoadMatrixd(WorldMatrix(container.placement).data());
 }
 
-void CallRender(HostState& state, Instance& instance, Callback which, RenderCallback EntryPoints::*entry) {
+void CallRender(HostState& state, Instance& instance, Callback which, RenderCallback EntryPoints::*entry,
+                std::vector<GlCall>* noted) {
+    if (noted != nullptr) noted->clear();
+    std::vector<GlCall>* const notingBefore = std::exchange(state.noting, noted);
     // What the word and the float mean is the host's business; this one has nothing to say by them.
     state.CallInstance(instance, which, [&](const EntryPoints& module, chalkpane::PluginInstance* block) {
         (module.*entry)(block, 0, 0);
     });
+    state.noting = notingBefore;
     if (glGetError() == GL_NO_ERROR) return;
     state.wrongUses.Report(WrongUse::OpenGlRefused, "OpenGL refused what was asked for in a render callback");
     while (glGetError() != GL_NO_ERROR) continue;
 }
 
-void RenderContainer(HostState& state, ContainerObject& container, const Matrix& camera, Look look) {
-    Prepare(state, container, camera, look);
-    Instance* instance = container.instance.get();
-    if (instance != nullptr) CallRender(state, *instance, Callback::PreRender, &EntryPoints::preRender);
+void Repeat(const std::vector<GlCall>& calls) {
+    for (const GlCall& call : calls) call.Do();
+}
+
+// One way through the scene.
+struct Pass {
+    Matrix camera;
+    Look look = Look::AsItIs;
+    bool draws = true;
+    bool repeats = false;             // what the callbacks asked of OpenGL last, in place of the callbacks
+    const FrameArea* part = nullptr;  // null: all of the picture
+};
+
+void Limit(const FrameArea& part) {
+    glEnable(GL_SCISSOR_TEST);
+    glScissor(part.x, part.y, part.width, part.height);
+}
+
+void RunBefore(HostState& state, ContainerObject& container, const Pass& pass) {
+    if (pass.repeats) return Repeat(container.calls.before);
+    CallRender(state, *container.instance, Callback::PreRender, &EntryPoints::preRender,
+               pass.look == Look::AsItIs ? &container.calls.before : nullptr);
+}
+
+void RunAfter(HostState& state, ContainerObject& container, const Pass& pass) {
+    if (pass.repeats) return Repeat(container.calls.after);
+    CallRender(state, *container.instance, Callback::PostRender, &EntryPoints::postRender,
+               pass.look == Look::AsItIs ? &container.calls.after : nullptr);
+}
+
+// Where on this container, which is about to be drawn, what was uploaded is seen.
+void FindUploads(HostState& state, const ContainerObject& container) {
+    const FrameArea window{0, 0, state.window.width, state.window.height};
+    GLint active = 0;
+    glGetIntegerv(GL_ACTIVE_TEXTURE, &active);
+    for (UploadedPart& part : state.changes.Uploads())
+        for (std::size_t unit = 0; unit < textureUnits; ++unit) {
+            const auto* texture = state.objects.Find<TextureObject>(container.TextureOn(unit));
+            if (texture == nullptr || texture->image != part.image) continue;
+            const auto* image = state.objects.Find<ImageObject>(part.image);
+            glActiveTexture(UnitName(unit));
+            FrameArea seen;
+            if (image == nullptr || !FindSeenArea(*image, part, container.placement, window, seen))
+                state.changes.AddEverything();
+            state.changes.AddArea(seen);
+            ++part.places;
+        }
+    glActiveTexture(static_cast<GLenum>(active));
+}
+
+// What was uploaded when a container that shows it had had its turn already is seen at the next one.
+void FinishUploads(HostState& state) {
+    for (const UploadedPart& part : state.changes.Uploads()) {
+        int places = 0;
+        state.objects.ForEach<ContainerObject>([&](ObjectId, const ContainerObject& container) {
+            for (std::size_t unit = 0; unit < textureUnits; ++unit) {
+                const auto* texture = state.objects.Find<TextureObject>(container.TextureOn(unit));
+                if (texture != nullptr && texture->image == part.image) ++places;
+            }
+        });
+        if (places != part.places) state.changes.AddEverything();
+    }
+    state.changes.ForgetUploads();
+}
+
+void RenderContainer(HostState& state, ContainerObject& container, const Pass& pass) {
+    Prepare(state, container, pass.camera, pass.look);
+    if (pass.part != nullptr) Limit(*pass.part);
+    if (container.instance != nullptr) RunBefore(state, container, pass);
     const bool hasArea = container.placement.size[0] > 0 && container.placement.size[1] > 0;
-    if (state.drawing && hasArea) DrawRectangle(container.placement.size);
-    if (instance != nullptr) CallRender(state, *instance, Callback::PostRender, &EntryPoints::postRender);
+    if (pass.look == Look::AsItIs && !pass.repeats && !state.changes.Uploads().empty()) FindUploads(state, container);
+    if (pass.draws && hasArea) DrawRectangle(container.placement.size);
+    if (container.instance != nullptr) RunAfter(state, container, pass);
+}
+
+void RunPass(HostState& state, const FrameBuffer& target, const Pass& pass) {
+    ResetState(pass.look);
+    if (pass.part != nullptr) Limit(*pass.part);
+    // Without a picture to draw the clearing goes too: every upload would wait for it.
+    if (pass.draws) {
+        target.BindAndClear(pass.look == Look::White ? 1 : 0);
+    } else {
+        target.Bind();
+    }
+    state.objects.ForEach<ContainerObject>(
+        [&](ObjectId, ContainerObject& container) { RenderContainer(state, container, pass); });
+}
+
+// True: what modules ask of OpenGL is what the picture was drawn with.
+bool AreCallsAsDrawn(HostState& state) {
+    bool areEqual = true;
+    state.objects.ForEach<ContainerObject>([&](ObjectId, const ContainerObject& container) {
+        areEqual = areEqual && container.calls == container.drawnCalls &&
+                   std::ranges::none_of(container.calls.before, &GlCall::IsScissor);
+    });
+    return areEqual;
+}
+
+FrameArea WholeWindow(const HostState& state) { return {0, 0, state.window.width, state.window.height}; }
+
+// Beyond half of the window a part costs more than all.
+bool IsLarge(const FrameArea& part, const FrameArea& window) {
+    return std::int64_t{2} * part.width * part.height > std::int64_t{1} * window.width * window.height;
+}
+
+void NotePicture(HostState& state, const FrameArea& changed) {
+    state.objects.ForEach<ContainerObject>(
+        [&](ObjectId, ContainerObject& container) { container.drawnCalls = container.calls; });
+    state.changedArea = Union(state.changedArea, changed);
+    ++state.pictureNumber;
+}
+
+// The modules upload first, and what they upload is found in the window; then that part of it is drawn as they asked.
+void DrawChanges(HostState& state, Pass pass) {
+    pass.draws = false;
+    RunPass(state, *state.frame, pass);
+    FinishUploads(state);
+    if (!AreCallsAsDrawn(state)) state.changes.AddEverything();
+    const FrameArea window = WholeWindow(state);
+    const FrameArea part = state.changes.Area();
+    const bool isWhole = state.changes.IsEverything() || IsLarge(part, window);
+    state.changes.Forget();
+    if (!isWhole && part.IsEmpty()) return;
+    pass.draws = true;
+    pass.repeats = true;
+    if (!isWhole) pass.part = &part;
+    RunPass(state, *state.frame, pass);
+    while (glGetError() != GL_NO_ERROR) continue;  // told when it was asked for first
+    NotePicture(state, isWhole ? window : part);
 }
 
 }  // namespace
@@ -168,16 +293,23 @@ void ResetState(Look look) {
 }
 
 void RenderScene(HostState& state, const FrameBuffer& target, Look look) {
-    const Matrix camera = CurrentCameraMatrix(state);
-    ResetState(look);
-    // Without a picture to draw the clearing goes too: every upload would wait for it.
-    if (state.drawing) {
-        target.BindAndClear(look == Look::White ? 1 : 0);
-    } else {
-        target.Bind();
+    RunPass(state, target, {CurrentCameraMatrix(state), look, state.drawing});
+}
+
+void RenderField(HostState& state) {
+    const Pass pass{CurrentCameraMatrix(state), Look::AsItIs, state.drawing};
+    const bool isWhole = state.changes.IsEverything() || state.redraws == Redraw::Whole;
+    if (state.drawing && !isWhole) return DrawChanges(state, pass);
+    if (state.drawing) state.changes.Forget();  // what changes in the midst of the pass waits for the next one
+    RunPass(state, *state.frame, pass);
+    FinishUploads(state);
+    if (!state.drawing) {
+        // What ReadOverlay would answer changes without the picture.
+        if (state.changes.IsEverything() || !state.changes.Area().IsEmpty()) ++state.pictureNumber;
+        return;
     }
-    state.objects.ForEach<ContainerObject>(
-        [&](ObjectId, ContainerObject& container) { RenderContainer(state, container, camera, look); });
+    state.changes.ForgetArea();
+    NotePicture(state, WholeWindow(state));
 }
 
 void BuildTexture(ImageObject& image) {
@@ -189,6 +321,7 @@ void BuildTexture(ImageObject& image) {
     glTexImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(image.format), image.width, image.height, 0, image.format,
                  GL_UNSIGNED_BYTE, image.pixels.data());
     if (image.mipmaps) glGenerateMipmap(GL_TEXTURE_2D);
+    if (!image.mipmaps && image.format == GL_RGBA) image.shown = image.pixels;
     glPopClientAttrib();
 }
 

@@ -35,7 +35,7 @@ void Player::BuildContainer(const SessionContainer& container, const std::filesy
     played.id = m_host.AddContainer(placement);
     if (!container.picture.empty())
         m_host.SetPicture(played.id, ReadPictureAt(container.picture, container.place + "/picture"));
-    if (!container.film.empty()) played.film = OpenVideo(container, played.id);
+    if (!container.film.empty()) played.video = OpenVideo(container, played.id);
     if (!container.plugin) return;
     played.module = &LoadModule(*container.plugin, defaultModule);
     m_host.Attach(played.id, *played.module, Settings(container.plugin->parameters, *played.module));
@@ -92,10 +92,10 @@ void Player::PreparePendingChange(const SessionEvent& event) {
         CheckButton(event, button->name, *m_containers[button->container].module);
         change.container = button->container;
         change.button = button->name;
-    } else if (const auto* film = std::get_if<VideoEvent>(&event.what)) {
-        CheckFrame(event, *film);
-        change.container = film->container;
-        change.film = film->change;
+    } else if (const auto* video = std::get_if<VideoEvent>(&event.what)) {
+        CheckFrame(event, *video);
+        change.container = video->container;
+        change.video = video->change;
     } else if (const auto* save = std::get_if<SaveEvent>(&event.what)) {
         change.save = save->name;
     } else {
@@ -112,16 +112,16 @@ void Player::CheckButton(const SessionEvent& event, const std::string& name, con
                      "there is no button " + cli::Quoted(name) + cli::NearestHint(name, names));
 }
 
-void Player::CheckFrame(const SessionEvent& event, const VideoEvent& film) const {
-    const std::int64_t last = m_containers[film.container].film->Clock().Frames() - 1;
-    if (film.change.frame.value_or(0) <= last) return;
+void Player::CheckFrame(const SessionEvent& event, const VideoEvent& video) const {
+    const std::int64_t last = m_containers[video.container].video->Clock().Frames() - 1;
+    if (video.change.frame.value_or(0) <= last) return;
     throw cli::Error(
         m_session.file.string(), event.place + "/film/frame",
-        "the film's last frame is " + std::to_string(last) + ", not " + std::to_string(*film.change.frame));
+        "the film's last frame is " + std::to_string(last) + ", not " + std::to_string(*video.change.frame));
 }
 
 void Player::ChangeVideo(std::size_t container, const VideoChange& change) {
-    m_containers[container].film->Change(change, m_field);
+    m_containers[container].video->Change(change, m_field);
 }
 
 // Those of the field to come; returns what it saves.
@@ -134,7 +134,7 @@ std::vector<std::string> Player::DeliverPendingChanges() {
         for (const ParameterSetting& setting : change.settings)
             m_host.SetParameter(container, setting.name, setting.value);
         if (!change.button.empty()) m_host.PushButton(container, change.button);
-        if (change.film) ChangeVideo(change.container, *change.film);
+        if (change.video) ChangeVideo(change.container, *change.video);
         if (!change.save.empty()) saves.push_back(change.save);
     }
     return saves;
@@ -163,7 +163,7 @@ std::vector<std::string> Player::PlayField(Rendering rendering, int fieldsDue) {
 
 void Player::ShowVideos() {
     for (const Container& container : m_containers)
-        if (container.film) container.film->Show(m_host, m_field);
+        if (container.video) container.video->Show(m_host, m_field);
 }
 
 ObjectId Player::OverlayContainer() const {

@@ -17,8 +17,8 @@ namespace kel {
 // Plays a session on a host.
 //
 // Borrows both for its life; the host is fresh, with the session's window. All that can be wrong with a session is
-// found by the constructor: modules, pictures, films, names and values of parameters, buttons, the pointer's timetable.
-// Only a damaged frame in the middle of a film shows when it is its turn.
+// found by the constructor: modules, pictures, videos, names and values of parameters, buttons, the pointer's timetable.
+// Only a damaged frame in the middle of a video shows when it is its turn.
 class Player {
 public:
     // defaultModule: for the plug-ins that name no module. Throws Error, also for a file that the session does not get.
@@ -32,19 +32,19 @@ public:
     struct Container {
         ObjectId id = noObject;
         const Module* module = nullptr;   // borrowed from the host; null without a plug-in
-        std::unique_ptr<VideoShow> film;  // null without a film
+        std::unique_ptr<VideoShow> video;  // null without a video
     };
     // In the order of the session.
     [[nodiscard]] std::span<const Container> Containers() const { return m_containers; }
 
-    // Changes a film as an event of the next field would. The index is that of a container with a film.
+    // Changes a video as an event of the next field would. The index is that of a container with a video.
     void ChangeVideo(std::size_t container, const VideoChange& change);
 
     enum class Rendering { Wanted, NotWanted };
 
     // Plays the next field and returns the names under which its picture is to be saved. The host's picture is of this
     // field when it is wanted, when the session saves it, and after the last field; otherwise it is not drawn. After
-    // the session's end fields go on without events. Throws Error for a damaged frame of a film, with the field played.
+    // the session's end fields go on without events. Throws Error for a damaged frame of a video, with the field played.
     // fieldsDue: as for Host::RunField.
     std::vector<std::string> PlayField(Rendering rendering, int fieldsDue = 1);
 
@@ -58,7 +58,7 @@ private:
         std::size_t container = 0;
         std::vector<ParameterSetting> settings;
         std::string button;
-        std::optional<VideoChange> film;
+        std::optional<VideoChange> video;
         std::string save;
     };
 
@@ -68,7 +68,7 @@ private:
     std::vector<ParameterSetting> Settings(const std::vector<SessionValue>& values, const Module& module);
     picture_io::Picture ReadPictureAt(const std::string& path, const std::string& place) const;
     void PreparePendingChange(const SessionEvent& event);
-    void CheckFrame(const SessionEvent& event, const VideoEvent& film) const;
+    void CheckFrame(const SessionEvent& event, const VideoEvent& video) const;
     std::vector<std::string> DeliverPendingChanges();
     void ShowVideos();
     void CheckButton(const SessionEvent& event, const std::string& name, const Module& module) const;

@@ -11,10 +11,10 @@
 
 namespace kel {
 
-// A film on a container: shows the frame of each field, and decodes the next one meanwhile on a thread of its own.
+// A video on a container: shows the frame of each field, and decodes the next one meanwhile on a thread of its own.
 class VideoShow {
 public:
-    // Throws Error for what is no film.
+    // Throws Error for what is no video.
     VideoShow(const std::filesystem::path& file, ObjectId container, double fieldsPerSecond);
     ~VideoShow() = default;  // waits for the frame that is being decoded
     VideoShow(const VideoShow&) = delete;

@@ -16,7 +16,7 @@ struct PanelLayout {
         std::string title;
         std::vector<std::string> parameters;
     };
-    std::vector<SessionValue> pen;            // the values with which the pen lies over a picture or a film
+    std::vector<SessionValue> pen;            // the values with which the pen lies over a picture or a video
     std::vector<Group> groups;                // in the order of the panel
     std::map<std::string, std::string> tips;  // by parameter
 };

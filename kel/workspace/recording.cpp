@@ -108,11 +108,11 @@ void Recording::AddButton(std::int64_t field, std::size_t container, const std::
 }
 
 void Recording::AddVideo(std::int64_t field, std::size_t container, const VideoChange& change) {
-    ordered_json film = ordered_json::object();
-    if (change.frame) film["frame"] = *change.frame;
-    if (change.play) film["play"] = *change.play;
-    if (change.loop) film["loop"] = *change.loop;
-    AddLine(Dump({{"field", field}, {"container", m_names[container]}, {"film", film}}));
+    ordered_json video = ordered_json::object();
+    if (change.frame) video["frame"] = *change.frame;
+    if (change.play) video["play"] = *change.play;
+    if (change.loop) video["loop"] = *change.loop;
+    AddLine(Dump({{"field", field}, {"container", m_names[container]}, {"film", video}}));
 }
 
 std::string Recording::Text(std::int64_t fields) const {

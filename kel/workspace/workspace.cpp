@@ -126,13 +126,13 @@ void Workspace::Do(const ModuleKey& key) {
 const Player::Container* Workspace::VideoContainer() const {
     const auto containers = m_player->Containers();
     const auto found =
-        std::ranges::find_if(containers, [](const auto& container) { return container.film != nullptr; });
+        std::ranges::find_if(containers, [](const auto& container) { return container.video != nullptr; });
     return found == containers.end() ? nullptr : &*found;
 }
 
 const VideoShow* Workspace::Video() const {
     const Player::Container* container = VideoContainer();
-    return container == nullptr ? nullptr : container->film.get();
+    return container == nullptr ? nullptr : container->video.get();
 }
 
 std::int64_t Workspace::VideoFrame() const { return Video()->Clock().FrameAt(NextField()); }
@@ -146,9 +146,9 @@ void Workspace::ChangeVideo(const VideoChange& change) {
 }
 
 void Workspace::DoVideo(WorkspaceAction action) {
-    const VideoShow* film = Video();
-    if (film == nullptr) return;
-    const VideoClock& clock = film->Clock();
+    const VideoShow* video = Video();
+    if (video == nullptr) return;
+    const VideoClock& clock = video->Clock();
     const std::int64_t frame = VideoFrame();
     const std::int64_t last = clock.Frames() - 1;
     const bool isRunning = clock.IsRunning(NextField());

@@ -23,12 +23,12 @@ struct WorkspaceOptions {
     std::filesystem::path module;     // for plug-ins that name none
     bool isModuleGiven = false;       // by the operator: a recording names it
     SessionPermissions permissions;   // of the sessions opened; the file that is opened may be read wherever it is
-    WindowSize largest{1280, 720};    // of the window of a picture or a film
+    WindowSize largest{1280, 720};    // of the window of a picture or a video
     std::filesystem::path recording;  // empty: none
     std::filesystem::path saves = ".";
 };
 
-// The operator's workspace without its display: a picture, a film or a session with its plug-ins, what the hand and the
+// The operator's workspace without its display: a picture, a video or a session with its plug-ins, what the hand and the
 // panel do to them, field by field, and the recording of it. The window draws it and brings it the events.
 //
 // A session's own events are played first, as fast as they go; the operator's count from then on. Errors are thrown as
@@ -77,11 +77,11 @@ public:
     void Push(const std::string& button);
     void Do(const ModuleKey& key);
 
-    // The scene's first film; null: there is none.
+    // The scene's first video; null: there is none.
     [[nodiscard]] const VideoShow* Video() const;
     [[nodiscard]] std::int64_t VideoFrame() const;  // that the next field shows
     void ChangeVideo(const VideoChange& change);
-    // Pause, Step, StepBack, Start and Loop; without a film nothing happens.
+    // Pause, Step, StepBack, Start and Loop; without a video nothing happens.
     void DoVideo(WorkspaceAction action);
 
     // Runs as many fields at once, at least 1; the host's picture is of the last one.

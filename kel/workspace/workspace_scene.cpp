@@ -51,7 +51,7 @@ FileKind KindOf(const fs::path& file) {
     return isObject || file.extension() == ".json" ? FileKind::Session : FileKind::Video;
 }
 
-// A film's frames change with a field, every time: its rate is taken as often as comes nearest to the usual one.
+// A video's frames change with a field, every time: its rate is taken as often as comes nearest to the usual one.
 double FieldsPerSecondFor(double framesPerSecond) {
     return std::clamp(framesPerSecond * std::max(1.0, std::round(usualFieldsPerSecond / framesPerSecond)), 1.0, 1000.0);
 }
@@ -62,8 +62,8 @@ Backdrop PictureBackdrop(const fs::path& file) {
 }
 
 Backdrop VideoBackdrop(const fs::path& file) {
-    const VideoReader film(file);
-    return {"film", {film.Width(), film.Height()}, FieldsPerSecondFor(film.FramesPerSecond())};
+    const VideoReader video(file);
+    return {"film", {video.Width(), video.Height()}, FieldsPerSecondFor(video.FramesPerSecond())};
 }
 
 // Of the workspace's values for the pen those that the module takes.

@@ -8,13 +8,13 @@
 
 namespace kel {
 
-// What lies on the workspace: a session of its own, or one made around a picture or a film.
+// What lies on the workspace: a session of its own, or one made around a picture or a video.
 struct WorkspaceScene {
     std::string text;  // the session's JSON; its relative paths start at session.file
     Session session;
 };
 
-// Opens a picture, a film or a session, whichever the file is. A picture or a film fills the window, with a square pane
+// Opens a picture, a video or a session, whichever the file is. A picture or a video fills the window, with a square pane
 // in front of it that is seen through and carries the plug-in: a brush's dabs are then round on the screen.
 //   module   what the plug-in's module registers: of the workspace's own values for the pen it takes those that fit
 //   largest  a picture is shown at its own size or smaller, so that it fits; a small one is enlarged

@@ -23,7 +23,7 @@ void CheckPoint(const Point3& point, const Point3& wanted) {
     }
 }
 
-Placement Turned(const Point3& rotation) {
+Placement Rotated(const Point3& rotation) {
     Placement placement;
     placement.rotation = rotation;
     return placement;
@@ -41,18 +41,18 @@ TEST_CASE("A product does its right side first") {
 }
 
 TEST_CASE("A quarter turn about an axis leads the next axis to the one after it") {
-    CheckPoint(Transformed(WorldMatrix(Turned({90, 0, 0})), {0, 1, 0}), {0, 0, 1});
-    CheckPoint(Transformed(WorldMatrix(Turned({0, 90, 0})), {0, 0, 1}), {1, 0, 0});
-    CheckPoint(Transformed(WorldMatrix(Turned({0, 0, 90})), {1, 0, 0}), {0, 1, 0});
+    CheckPoint(Transformed(WorldMatrix(Rotated({90, 0, 0})), {0, 1, 0}), {0, 0, 1});
+    CheckPoint(Transformed(WorldMatrix(Rotated({0, 90, 0})), {0, 0, 1}), {1, 0, 0});
+    CheckPoint(Transformed(WorldMatrix(Rotated({0, 0, 90})), {1, 0, 0}), {0, 1, 0});
 }
 
 // About x: (0, 1, 0) becomes (0, 0, 1); then about y that becomes (1, 0, 0); then about z that becomes (0, 1, 0).
-TEST_CASE("A container is turned about x, then y, then z") {
-    CheckPoint(Transformed(WorldMatrix(Turned({90, 90, 90})), {0, 1, 0}), {0, 1, 0});
+TEST_CASE("A container is rotated about x, then y, then z") {
+    CheckPoint(Transformed(WorldMatrix(Rotated({90, 90, 90})), {0, 1, 0}), {0, 1, 0});
 }
 
 // (1, 1, 0) scaled is (2, 3, 0), a quarter turn about z makes it (-3, 2, 0), moved it is (7, 22, 30).
-TEST_CASE("A container is scaled, then turned, then moved") {
+TEST_CASE("A container is scaled, then rotated, then moved") {
     Placement placement;
     placement.position = {10, 20, 30};
     placement.rotation = {0, 0, 90};

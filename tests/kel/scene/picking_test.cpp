@@ -65,7 +65,7 @@ TEST_CASE("A container behind the camera is not found") {
     CHECK_EQ(Under(probed, 50, 50), probed.container);
 }
 
-TEST_CASE("A container that is turned on its edge, or scaled to nothing, is not found") {
+TEST_CASE("A container that is rotated onto its edge, or scaled to nothing, is not found") {
     testing::ProbedHost probed(100);
     Placement edge = Small({0, 0, 5});
     edge.rotation = {0, 90, 0};
@@ -84,8 +84,8 @@ TEST_CASE("The depth of a container's scale is of no matter") {
     CHECK_EQ(Under(probed, 50, 50), id);
 }
 
-// Half turned about z, a square of 10 reaches 7.07 to the right and loses its corners.
-TEST_CASE("A turned and scaled container is found in its true shape") {
+// Rotated by 45 degrees about z, a square of 10 reaches 7.07 to the right and loses its corners.
+TEST_CASE("A rotated and scaled container is found in its true shape") {
     testing::ProbedHost probed(100);
     Placement diamond = Small({0, 0, 0});
     diamond.rotation = {0, 0, 45};

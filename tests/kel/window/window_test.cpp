@@ -105,9 +105,9 @@ void DrawRing(PaperWindow& window, double radius, double wobble) {
     const double centreY = window.area.y + window.area.height / 2.0;
     for (int i = 0; i <= places; ++i) {
         const double angle = 2 * std::numbers::pi * i / places;
-        const double reach = radius + wobble * std::cos(5 * angle);
-        window.display.MovePointer(static_cast<std::int32_t>(std::lround(centreX + reach * std::cos(angle))),
-                                   static_cast<std::int32_t>(std::lround(centreY + reach * std::sin(angle))));
+        const double distance = radius + wobble * std::cos(5 * angle);
+        window.display.MovePointer(static_cast<std::int32_t>(std::lround(centreX + distance * std::cos(angle))),
+                                   static_cast<std::int32_t>(std::lround(centreY + distance * std::sin(angle))));
         if (i == 0) window.display.PressButton(true);
         std::this_thread::sleep_for(std::chrono::milliseconds(22));  // a hand's pace; nothing depends on it
     }
