@@ -98,7 +98,8 @@ TEST_CASE("links in a circle, folders, FIFOs and devices are refused by that wor
     CHECK_EQ(refusal(folder.Path()), folder.Path().string() + ": cannot be written: it is a folder");
     CHECK_EQ(refusal(folder / "fifo"), (folder / "fifo").string() + ": cannot be written: it is not a regular file");
     CHECK_EQ(refusal("/dev/null"), "/dev/null: cannot be written: it is not a regular file");
-    CHECK_EQ(Thrown([&] { (void)ReadFileBytes(folder / "fifo"); }), (folder / "fifo").string() + ": is not a regular file");
+    CHECK_EQ(Thrown([&] { (void)ReadFileBytes(folder / "fifo"); }),
+             (folder / "fifo").string() + ": is not a regular file");
     CHECK_EQ(Thrown([&] { (void)ReadFileBytes("/dev/zero"); }), "/dev/zero: is not a regular file");
     CHECK_EQ(folder.Entries(), 3);
 }
