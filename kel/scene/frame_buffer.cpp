@@ -50,11 +50,13 @@ void FrameBuffer::BindAndClear(float grey) const {
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
 }
 
-picture_io::Picture FrameBuffer::Read() const {
-    picture_io::Picture picture(m_width, m_height);
+picture_io::Picture FrameBuffer::Read() const { return Read({0, 0, m_width, m_height}); }
+
+picture_io::Picture FrameBuffer::Read(const FrameArea& area) const {
+    picture_io::Picture picture(area.width, area.height);
     glBindFramebuffer(GL_FRAMEBUFFER, m_frame);
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
-    glReadPixels(0, 0, m_width, m_height, GL_RGBA, GL_UNSIGNED_BYTE, picture.rgba.data());
+    glReadPixels(area.x, area.y, area.width, area.height, GL_RGBA, GL_UNSIGNED_BYTE, picture.rgba.data());
     // Blending leaves an alpha behind that means nothing: behind everything stands black.
     for (std::size_t alpha = 3; alpha < picture.rgba.size(); alpha += 4) picture.rgba[alpha] = 255;
     return picture_io::Flipped(picture);

@@ -31,6 +31,8 @@ public:
     // grey: 0.0 black .. 1.0 white; as far away as can be
     void BindAndClear(float grey) const;
     [[nodiscard]] picture_io::Picture Read() const;  // opaque
+    // The part inside the area, which is not empty and lies within.
+    [[nodiscard]] picture_io::Picture Read(const FrameArea& area) const;
     // Copies the colours over `area` of the framebuffer `target`, which stays bound.
     void ShowIn(const FrameArea& area, std::uint32_t target) const;
 

@@ -310,6 +310,7 @@ void Host::ResizeWindow(WindowSize window) {
     const AtWork work(*m_state);
     m_state->frame = std::make_unique<FrameBuffer>(window.width, window.height);
     m_state->window = window;
+    m_state->overlay = {};
     m_state->ShowAnew();
 }
 

@@ -119,8 +119,8 @@ public:
     [[nodiscard]] picture_io::Picture ReadCanvas(ObjectId container, AlphaForm form = AlphaForm::Straight) const;
 
     // What all modules draw, in the window's size and at its place: composited over the picture as it would be without
-    // drawings, it gives the picture last rendered (docs/output.md). Renders the scene three times more, as of now, and
-    // leaves that picture as it was.
+    // drawings, it gives the picture last rendered (docs/output.md). Draws what has changed since the last call three
+    // times more, and leaves that picture as it was.
     [[nodiscard]] picture_io::Picture ReadOverlay(AlphaForm form = AlphaForm::Straight);
 
     [[nodiscard]] WindowSize Window() const;

@@ -46,6 +46,13 @@ struct QueuedAction {
 };
 struct QueuedKey {};
 
+// The drawings alone as they were last made, so that only what has changed since is made anew.
+struct DrawnOverlay {
+    picture_io::Picture picture;          // colours multiplied by alpha
+    FrameArea stale;                      // where the frame has changed since
+    std::unique_ptr<FrameBuffer> target;  // what the scene is drawn into for it; null: it was never made
+};
+
 // Everything the host knows: what `Host` changes from outside and the host functions from inside a module.
 struct HostState {
     HostState(WindowSize size, GlSource source)
@@ -71,7 +78,8 @@ struct HostState {
     bool drawing = true;
     Redraw redraws = Redraw::Changed;
     SceneChanges changes;
-    FrameArea changedArea;                  // of the picture, since the host was last asked for it
+    FrameArea changedArea;  // of the picture, since the host was last asked for it
+    DrawnOverlay overlay;
     std::vector<GlCall>* noting = nullptr;  // where what the render callback asks of OpenGL is noted; null: nowhere
 
     Callback callback = Callback::None;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <memory>
 #include <utility>
 
 #include "kel/scene/scene_renderer.h"
@@ -75,9 +76,28 @@ bool IsUntouched(const OverlaySources& sources, std::size_t pixel) {
            std::equal(undrawn, undrawn + 3, &sources.drawn.rgba[pixel]);
 }
 
-picture_io::Picture Rendered(HostState& state, const FrameBuffer& target, Look look) {
-    RenderScene(state, target, look);
-    return target.Read();
+picture_io::Picture Drawn(HostState& state, Look look, const FrameArea& area) {
+    DrawAgain(state, *state.overlay.target, look, area);
+    return state.overlay.target->Read(area);
+}
+
+// Copies a part into the picture; the area counts from the lower left corner.
+void Place(const picture_io::Picture& part, const FrameArea& area, picture_io::Picture& whole) {
+    const std::ptrdiff_t rowBytes = std::ptrdiff_t{area.width} * 4;
+    const std::ptrdiff_t stride = std::ptrdiff_t{whole.width} * 4;
+    const std::ptrdiff_t start = (whole.height - area.y - area.height) * stride + std::ptrdiff_t{area.x} * 4;
+    for (std::ptrdiff_t row = 0; row < area.height; ++row)
+        std::copy_n(part.rgba.begin() + row * rowBytes, rowBytes, whole.rgba.begin() + start + row * stride);
+}
+
+void RenewOverlay(HostState& state, const FrameArea& area) {
+    if (area.IsEmpty()) return;
+    OverlaySources sources;
+    sources.drawn = state.frame->Read(area);
+    sources.undrawn = Drawn(state, Look::Undrawn, area);
+    sources.overBlack = Drawn(state, Look::Black, area);
+    sources.overWhite = Drawn(state, Look::White, area);
+    Place(OverlayOf(sources), area, state.overlay.picture);
 }
 
 }  // namespace
@@ -98,16 +118,18 @@ picture_io::Picture OverlayOf(const OverlaySources& sources) {
 }
 
 picture_io::Picture OverlayPicture(HostState& state, AlphaForm form) {
-    const FrameBuffer target(state.window.width, state.window.height);
-    const bool drawing = std::exchange(state.drawing, true);
-    OverlaySources sources;
-    sources.drawn = state.frame->Read();
-    sources.undrawn = Rendered(state, target, Look::Undrawn);
-    sources.overBlack = Rendered(state, target, Look::Black);
-    sources.overWhite = Rendered(state, target, Look::White);
-    state.drawing = drawing;
-    picture_io::Picture overlay = OverlayOf(sources);
-    return form == AlphaForm::Straight ? picture_io::DividedByAlpha(std::move(overlay)) : overlay;
+    const FrameArea whole{0, 0, state.window.width, state.window.height};
+    DrawnOverlay& overlay = state.overlay;
+    if (!overlay.target) {
+        overlay.target = std::make_unique<FrameBuffer>(whole.width, whole.height);
+        overlay.picture = picture_io::Picture(whole.width, whole.height);
+        overlay.stale = whole;
+    }
+    // What has changed since the picture was drawn is in the textures already, wherever it is seen.
+    const bool isBehind = state.changes.IsEverything() || !state.changes.Area().IsEmpty();
+    RenewOverlay(state, isBehind ? whole : overlay.stale);
+    overlay.stale = isBehind ? whole : FrameArea{};
+    return form == AlphaForm::Straight ? picture_io::DividedByAlpha(overlay.picture) : overlay.picture;
 }
 
 }  // namespace kel

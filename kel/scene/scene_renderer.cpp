@@ -244,6 +244,7 @@ void NotePicture(HostState& state, const FrameArea& changed) {
     state.objects.ForEach<ContainerObject>(
         [&](ObjectId, ContainerObject& container) { container.drawnCalls = container.calls; });
     state.changedArea = Union(state.changedArea, changed);
+    state.overlay.stale = Union(state.overlay.stale, changed);
     ++state.pictureNumber;
 }
 
@@ -294,6 +295,12 @@ void ResetState(Look look) {
 
 void RenderScene(HostState& state, const FrameBuffer& target, Look look) {
     RunPass(state, target, {CurrentCameraMatrix(state), look, state.drawing});
+}
+
+void DrawAgain(HostState& state, const FrameBuffer& target, Look look, const FrameArea& part) {
+    const FrameArea* const limit = part == WholeWindow(state) ? nullptr : &part;
+    RunPass(state, target, {CurrentCameraMatrix(state), look, true, true, limit});
+    while (glGetError() != GL_NO_ERROR) continue;  // told when it was asked for first
 }
 
 void RenderField(HostState& state) {

@@ -11,6 +11,10 @@ enum class Look { AsItIs, Undrawn, Black, White };
 // Draws all containers into the target, each between its instance's pre and post render.
 void RenderScene(HostState& state, const FrameBuffer& target, Look look);
 
+// Draws a part of the scene once more, with what modules asked of OpenGL in their last render callbacks, which are not
+// run. All else of the target stays as it was.
+void DrawAgain(HostState& state, const FrameBuffer& target, Look look, const FrameArea& part);
+
 // The same into the host's frame, as it is: only what has changed since it was drawn last, where that can be told. The
 // picture is that of RenderScene, byte for byte. Without drawing, what changes is kept for the next time.
 void RenderField(HostState& state);

@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string>
+#include <vector>
 
 #include "kel/scene/overlay_picture.h"
+#include "kel/session/player.h"
 #include "tests/kel/outputs/src_over.h"
 #include "tests/kel/pixels.h"
 #include "tests/kel/telestrator.h"
@@ -56,6 +59,55 @@ TEST_CASE("The overlay laid over the picture gives the rendered picture where th
         telestrator.Set("Transparent", 0);
         CheckLaysOver(telestrator);
     }
+}
+
+namespace {
+
+// The overlay of every `step`th field and of the last. With Redraw::Whole only those fields are drawn, all of them.
+std::vector<picture_io::Picture> OverlaysOf(const Session& session, Redraw redraw, std::int64_t step) {
+    Host host({session.window.width, session.window.height});
+    host.SetRedraw(redraw);
+    Player player(session, host, CHALKPANE_MODULE);
+    std::vector<picture_io::Picture> overlays;
+    while (!player.IsOver()) {
+        const bool isLooked = player.NextField() % step == 0 || player.NextField() + 1 == session.fields;
+        const bool isDrawn = isLooked || redraw == Redraw::Changed;
+        (void)player.PlayField(isDrawn ? Player::Rendering::Wanted : Player::Rendering::NotWanted);
+        if (isLooked) overlays.push_back(host.ReadOverlay());
+    }
+    return overlays;
+}
+
+}  // namespace
+
+TEST_CASE("An overlay that is renewed in part is the same as one that is made anew") {
+    for (const char* name : {"test-card", "telestration", "undo"}) {
+        CAPTURE(name);
+        const Session session = ReadSession(std::string(KEL_SOURCE_FOLDER "/examples/") + name + ".json");
+        const std::int64_t step = session.fields > 100 ? 60 : 1;
+        const auto renewed = OverlaysOf(session, Redraw::Changed, step);
+        const auto whole = OverlaysOf(session, Redraw::Whole, step);
+        REQUIRE_EQ(renewed.size(), whole.size());
+        for (std::size_t i = 0; i < whole.size(); ++i) {
+            CAPTURE(i);
+            CHECK(renewed[i] == whole[i]);
+        }
+    }
+}
+
+TEST_CASE("An overlay follows what is drawn in fields that nobody looks at") {
+    Telestrator looked(0);
+    Telestrator unlooked(0);
+    unlooked.host.SetDrawing(false);
+    for (Telestrator* telestrator : {&looked, &unlooked}) telestrator->Draw({{100, 100}, {500, 140}, {900, 400}});
+    CHECK(looked.host.ReadOverlay() == looked.host.ReadOverlay());
+    unlooked.host.SetDrawing(true);
+    unlooked.host.RunField();
+    looked.host.RunField();
+    CHECK(looked.host.ReadOverlay() == unlooked.host.ReadOverlay());
+    unlooked.host.ResizeWindow({320, 200});
+    unlooked.host.RunField();
+    CHECK_EQ(unlooked.host.ReadOverlay().width, 320);
 }
 
 namespace {
