@@ -5,6 +5,7 @@
 
 #include "cli/error.h"
 #include "cli/nearest_name.h"
+#include "kel/session/session_memory.h"
 #include "kel/session/session_values.h"
 
 namespace kel {
@@ -15,6 +16,7 @@ Player::Player(const Session& session, Host& host, const std::filesystem::path& 
       m_permissions(std::move(permissions)),
       m_access(m_session, m_permissions),
       m_pointer(PointerTrack(session)) {
+    CheckMemory(m_session, m_access, m_permissions);
     Camera camera;
     camera.position = session.camera.position;
     camera.target = session.camera.target;

@@ -53,8 +53,8 @@ fs::path SessionAccess::ModuleFile(const SessionPlugin& plugin) const {
     fs::path file = m_session.Resolve(plugin.module);
     if (m_permissions.allowModules || IsTrustedModule(file)) return file;
     throw cli::Error(m_session.file.string(), plugin.place + "/module",
-                     "a module is a program, and sessions do not choose programs: --module " +
-                         cli::Quoted(file.string()) + " allows this one, --allow-modules any");
+                     "a module is a program, and sessions do not choose programs: --module " + file.string() +
+                         " allows this one, --allow-modules any");
 }
 
 bool SessionAccess::IsInside(const fs::path& file) const {

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "cli/memory_budget.h"
 #include "kel/session/session.h"
 
 namespace kel {
@@ -16,6 +18,7 @@ struct SessionPermissions {
     std::vector<std::filesystem::path> files;          // named on the command line
     bool allowModules = false;                         // whatever module a session names is loaded
     bool allowOutside = false;                         // whatever picture or film a session names is read
+    std::uint64_t memory = cli::MemoryBudget::HalfOfTheMachine();  // bytes; see CheckMemory
 };
 
 // Which files a session gets. A session is data that may have come from anywhere: a module, which is a program, is

@@ -11,8 +11,10 @@
 #include "apps/chalkpane/strokes/preset_brush.h"
 #include "apps/chalkpane/strokes/stroke_painter.h"
 #include "apps/chalkpane/strokes/strokes_file.h"
+#include "apps/chalkpane/strokes/strokes_memory.h"
 #include "apps/chalkpane/values/value_parsing.h"
 #include "cli/error.h"
+#include "cli/memory_budget.h"
 #include "cli/progress_line.h"
 #include "picture_io/output_files.h"
 
@@ -24,6 +26,7 @@ struct PaintArguments {
     std::string output;
     std::string picture;
     std::optional<std::int32_t> bits;
+    std::uint64_t memory = cli::MemoryBudget::HalfOfTheMachine();  // bytes
     std::int32_t frame = 0;
     double rate = FrameRateClock::usualRate;
     std::string preset;
@@ -56,6 +59,8 @@ void Paint(const PaintArguments& arguments) {
     FrameRateClock clock(arguments.rate);
     auto brush = BrushOf(arguments, clock);
     StrokesFile file = ReadStrokes(arguments.strokes);
+    const auto toldDepth = arguments.bits ? std::optional(*arguments.bits == 8 ? 0 : 1) : std::nullopt;
+    CheckMemory(file, arguments.picture, toldDepth, arguments.memory, arguments.strokes);
     std::optional<std::int32_t> depth;
     if (arguments.bits) depth = *arguments.bits == 8 ? 0 : 1;
     if (!file.canvas.picture.empty()) outputs.AnnounceInput(file.canvas.picture);
@@ -92,6 +97,9 @@ void AddPaintCommand(CLI::App& program) {
     command->add_option("--picture", arguments->picture, "A picture to paint on, instead of the file's canvas");
     command->add_option("--depth", arguments->bits, "Bits a channel, 8 or 14; otherwise what the file says")
         ->check(CLI::IsMember({8, 14}));
+    command->add_option("--memory", arguments->memory, "What may be taken, such as 4G (default: half of the machine's)")
+        ->transform(CLI::AsSizeValue(false))
+        ->type_name("SIZE");
     command->add_option("--frame", arguments->frame, "The frame that filters with a course in time are at")
         ->check(CLI::Range(0, 1'000'000));
     command

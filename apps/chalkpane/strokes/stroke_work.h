@@ -22,11 +22,12 @@ struct BrushPace {
 // No fewer dabs than a stroke through these points can have.
 [[nodiscard]] double MostDabs(std::span<const StrokePoint> points, const BrushPace& pace);
 
-// What a file may ask for, so that no file, however small, keeps the program busy for hours.
+// What a file may ask for, so that no file, however small, keeps the program busy for minutes.
 class WorkLimit {
 public:
-    static constexpr double mostDabs = 2e7;
-    static constexpr double mostPixels = 1e11;
+    // What is just below takes some seconds on one processor of today.
+    static constexpr double mostDabs = 5e6;
+    static constexpr double mostPixels = 2e10;
 
     // The brush was prepared. Throws cli::Error that begins with `place`.
     void CountBrush(const BrushPace& pace, const std::string& place);

@@ -14,6 +14,7 @@ SessionPermissions SessionOptions::Permissions() const {
     permissions.moduleFolders = ModuleFolders();
     permissions.allowModules = allowModules;
     permissions.allowOutside = allowOutside;
+    permissions.memory = memory;
     return permissions;
 }
 
@@ -30,6 +31,10 @@ void AddSessionOptions(CLI::App& command, SessionOptions& options) {
                      "Loads whatever modules the session names, which are programs");
     command.add_flag("--allow-outside", options.allowOutside,
                      "Reads pictures and films that lie outside the session's folder");
+    command
+        .add_option("--memory", options.memory, "What a session may take, such as 4G (default: half of the machine's)")
+        ->transform(CLI::AsSizeValue(false))
+        ->type_name("SIZE");
 }
 
 }  // namespace kel

@@ -14,6 +14,7 @@ struct SessionOptions {
     std::vector<std::string> modules;  // paths
     bool allowModules = false;
     bool allowOutside = false;
+    std::uint64_t memory = cli::MemoryBudget::HalfOfTheMachine();  // bytes
 
     [[nodiscard]] bool IsModuleGiven() const { return !modules.empty(); }
     // Of plug-ins that name none: the first that is given, or else Chalkpane's own.

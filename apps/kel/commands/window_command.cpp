@@ -81,7 +81,8 @@ void Window(const WindowLine& line) {
     PlayOptions again;
     again.session = options.workspace.recording.string();
     again.outputs = line.outputs;
-    again.access = {line.access.modules, true, true};
+    again.access = line.access;
+    again.access.allowModules = again.access.allowOutside = true;
     again.areSavesWritten = false;
     PlaySession(again);
 }

@@ -325,7 +325,7 @@ TEST_CASE("A module that a session names is looked for beside it, where that is 
     CHECK_EQ(PlayerRefusal(session, "s.json", permissions), "nothing");
     CHECK_EQ(PlayerRefusal(session),
              "s.json: /containers/0/plugin/module: a module is a program, and sessions do not "
-             "choose programs: --module \"" CHALKPANE_MODULE "\" allows this one, --allow-modules any");
+             "choose programs: --module " CHALKPANE_MODULE " allows this one, --allow-modules any");
 }
 
 }  // namespace kel
