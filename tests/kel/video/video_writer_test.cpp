@@ -233,8 +233,16 @@ TEST_CASE("A picture that is repeated gives the same file as one that is written
                 writer->Close();
                 writer->Commit();
             }
-            CHECK(cli::testing::ReadText(folder / ("written" + ending)) ==
-                  cli::testing::ReadText(folder / ("repeated" + ending)));
+            // The lossy encoders' threads do not promise the same bytes twice, only the same pictures in number and
+            // place.
+            if (FormatOfVideo("f" + ending)->isExact)
+                CHECK(cli::testing::ReadText(folder / ("written" + ending)) ==
+                      cli::testing::ReadText(folder / ("repeated" + ending)));
+            VideoReader reader(folder / ("repeated" + ending));
+            CHECK_EQ(reader.FrameCount(), 60);
+            // Frame 48 shows picture 6 and frame 49 picture 7, grey 32 * 6 and 32 * 7; lossy encoders come near.
+            CHECK_LT(std::abs(reader.ReadFrame(48).At(12, 9)[1] - 192), 12);
+            CHECK_LT(std::abs(reader.ReadFrame(49).At(12, 9)[1] - 224), 12);
         }
 }
 
