@@ -44,7 +44,7 @@ picture_io::Picture FieldViews::Make(View view, Host& host, ObjectId drawn) {
         case View::Canvas:
             break;
     }
-    return host.ReadCanvas(drawn, AlphaForm::Straight);
+    return host.ReadCanvas(drawn, PictureAlpha::Straight);
 }
 
 }  // namespace kel

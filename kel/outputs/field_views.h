@@ -11,7 +11,7 @@ namespace kel {
 // picture is the same it is not made again: then the very pictures of the field before are shown.
 class FieldViews {
 public:
-    explicit FieldViews(AlphaForm alpha) : m_alpha(alpha) {}
+    explicit FieldViews(PictureAlpha alpha) : m_alpha(alpha) {}
 
     //   drawn  the container whose canvas is shown; needed for the canvas alone, which is straight in any case
     [[nodiscard]] SharedPicture Show(View view, Host& host, ObjectId drawn = noObject);
@@ -19,7 +19,7 @@ public:
 private:
     [[nodiscard]] picture_io::Picture Make(View view, Host& host, ObjectId drawn);
 
-    AlphaForm m_alpha;  // of overlay and fill
+    PictureAlpha m_alpha;  // of overlay and fill
     std::optional<std::uint64_t> m_pictureNumber;
     std::array<SharedPicture, viewCount> m_views;
 };

@@ -21,7 +21,7 @@ struct OutputOptions {
     std::string canvas;   // the module's own surface at the end, flat, as one picture; straight in any case
     std::string fill;     // the colours of the drawings; with `key`, which is then not empty either
     std::string key;      // their alpha, as grey
-    AlphaForm alpha = AlphaForm::Premultiplied;  // of overlay and fill, but not of the canvas
+    PictureAlpha alpha = PictureAlpha::Premultiplied;  // of overlay and fill, but not of the canvas
 
     [[nodiscard]] bool WantDrawings() const {
         return !overlay.empty() || !canvas.empty() || !fill.empty() || !key.empty();

@@ -6,6 +6,6 @@
 namespace kel {
 
 // The texture that the module has put on the container, upright. Throws Error when there is none.
-[[nodiscard]] picture_io::Picture CanvasPicture(HostState& state, const ContainerObject& container, AlphaForm form);
+[[nodiscard]] picture_io::Picture CanvasPicture(HostState& state, const ContainerObject& container, PictureAlpha form);
 
 }  // namespace kel

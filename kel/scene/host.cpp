@@ -294,12 +294,12 @@ void Host::ShowFrame(const FrameArea& area, std::uint32_t target) const {
     m_state->frame->ShowIn(area, target);
 }
 
-picture_io::Picture Host::ReadCanvas(ObjectId container, AlphaForm form) const {
+picture_io::Picture Host::ReadCanvas(ObjectId container, PictureAlpha form) const {
     const AtWork work(*m_state);
     return CanvasPicture(*m_state, FindContainer(*m_state, container), form);
 }
 
-picture_io::Picture Host::ReadOverlay(AlphaForm form) {
+picture_io::Picture Host::ReadOverlay(PictureAlpha form) {
     const AtWork work(*m_state);
     return OverlayPicture(*m_state, form);
 }

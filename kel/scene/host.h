@@ -30,7 +30,7 @@ struct ParameterSetting {
     ParameterValue value;
 };
 
-enum class AlphaForm { Straight, Premultiplied };
+enum class PictureAlpha { Straight, Premultiplied };
 
 // What a render draws anew: what has changed since the last one, or all of the picture. The pictures are the same.
 enum class Redraw { Changed, Whole };
@@ -116,12 +116,12 @@ public:
     void ShowFrame(const FrameArea& area, std::uint32_t target = 0) const;
     // What the module on this container draws, alone and upright, as of the last render. Throws when it has put no
     // texture on the container yet.
-    [[nodiscard]] picture_io::Picture ReadCanvas(ObjectId container, AlphaForm form = AlphaForm::Straight) const;
+    [[nodiscard]] picture_io::Picture ReadCanvas(ObjectId container, PictureAlpha form = PictureAlpha::Straight) const;
 
     // What all modules draw, in the window's size and at its place: composited over the picture as it would be without
     // drawings, it gives the picture last rendered (docs/output.md). Draws what has changed since the last call three
     // times more, and leaves that picture as it was.
-    [[nodiscard]] picture_io::Picture ReadOverlay(AlphaForm form = AlphaForm::Straight);
+    [[nodiscard]] picture_io::Picture ReadOverlay(PictureAlpha form = PictureAlpha::Straight);
 
     [[nodiscard]] WindowSize Window() const;
     void ResizeWindow(WindowSize window);  // asks for a redraw

@@ -6,7 +6,7 @@
 namespace kel {
 
 // The drawings of all modules alone, at the window's size.
-[[nodiscard]] picture_io::Picture OverlayPicture(HostState& state, AlphaForm form);
+[[nodiscard]] picture_io::Picture OverlayPicture(HostState& state, PictureAlpha form);
 
 // One scene, rendered in four ways; opaque pictures of one size.
 struct OverlaySources {

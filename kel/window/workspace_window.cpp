@@ -37,6 +37,7 @@ public:
 private:
     void FitTheKeys(KeyFit fit);
     void Open(const std::filesystem::path& file);
+    void FeedLive(int fields);
     void StartPacing() { m_pacer = FieldPacer(m_workspace->FieldsPerSecond(), Clock::now()); }
     [[nodiscard]] WindowSize Free() const;
 
@@ -103,6 +104,16 @@ void WorkspaceWindow::Open(const std::filesystem::path& file) {
     StartPacing();
     FitTheKeys(KeyFit::WhatFits);
     m_window.SetTitle(m_workspace->File().filename().string() + " - kel");
+}
+
+// What is written meanwhile shows every field of the file that the window was opened with. Where the machine was late,
+// fields went by undrawn; then it is made from the recording when the window is closed.
+void WorkspaceWindow::FeedLive(int fields) {
+    if (m_options.live == nullptr || m_opened > 1) return;
+    if (fields == 1)
+        m_options.live->TakeField(m_workspace->TheHost());
+    else
+        m_options.live->Abandon();
 }
 
 WindowSize WorkspaceWindow::Free() const {
@@ -278,6 +289,10 @@ void WorkspaceWindow::ShowFrame() {
 
 void WorkspaceWindow::Run() {
     constexpr auto sessionShare = std::chrono::milliseconds(30);  // between two looks at the window's events
+    // A session's own events go by undrawn, and where nothing can be drawn the outputs are refused afterwards.
+    const bool canFollow = !m_workspace->IsPlayingSession() && !m_workspace->PlugIns().empty();
+    if (m_options.live != nullptr && canFollow)
+        m_options.live->Start(m_workspace->TheHost().Window(), m_workspace->FieldsPerSecond());
     StartPacing();
     while (!m_isOver) {
         TakeEvents();
@@ -290,6 +305,7 @@ void WorkspaceWindow::Run() {
         const int due = m_pacer.Due(Clock::now());
         if (due > 0) {
             m_workspace->RunFields(due);
+            FeedLive(due);
             ShowFrame();
         }
         std::this_thread::sleep_until(m_pacer.Next());

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "kel/outputs/live_outputs.h"
 #include "kel/workspace/keys_table.h"
 #include "kel/workspace/workspace.h"
 
@@ -11,7 +12,8 @@ struct WindowOptions {
     std::filesystem::path file;  // a picture, a film or a session
     WorkspaceOptions workspace;  // what it says of OpenGL and of sizes is the window's own business
     KeysTable keys;
-    bool areKeysGiven = false;  // by the operator: keys that the module has no use for are errors
+    bool areKeysGiven = false;    // by the operator: keys that the module has no use for are errors
+    LiveOutputs* live = nullptr;  // borrowed; gets every field of the file as it is drawn; null: nobody does
 };
 
 // Opens the workspace in a window and returns when the operator has closed it. Throws Error when that cannot be done.

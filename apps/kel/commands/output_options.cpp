@@ -30,7 +30,7 @@ void AddOutputOptions(CLI::App& command, OutputOptions& options) {
     command.add_option("--key", options.key, "Writes the alpha of the strokes as gray; goes with --fill")
         ->type_name("FILE");
     command.add_flag_callback(
-        "--straight", [&options] { options.alpha = AlphaForm::Straight; },
+        "--straight", [&options] { options.alpha = PictureAlpha::Straight; },
         "Overlay and fill have colors that are not multiplied by alpha");
 }
 

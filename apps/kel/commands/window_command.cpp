@@ -75,9 +75,11 @@ void Window(const WindowLine& line) {
     CheckOutputs(line.outputs);
     std::optional<ScratchFolder> scratch;
     if (line.recording.empty()) options.workspace.recording = scratch.emplace().Path() / "recording.json";
+    LiveOutputs live(line.outputs);
+    options.live = &live;
     RunWorkspaceWindow(options);
-    // The outputs are made afterwards from the recording, so that writing them slows no field down. All that it names
-    // has been read and loaded before.
+    if (live.Finish()) return;
+    // What could not follow is made afterwards from the recording. All that it names has been read and loaded before.
     PlayOptions again;
     again.session = options.workspace.recording.string();
     again.outputs = line.outputs;
@@ -100,7 +102,7 @@ void AddWindowCommand(CLI::App& program) {
     AddSessionOptions(*command, line->access);
     command->add_option("--saves", line->saves, "Where pictures are saved (default: here)")->type_name("FOLDER");
     AddOutputOptions(*command, line->outputs);
-    command->footer("The outputs are written when the window has been closed.");
+    command->footer("The outputs are there when the window has been closed.");
     command->callback([line] { Window(*line); });
 }
 

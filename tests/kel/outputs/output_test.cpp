@@ -97,15 +97,15 @@ TEST_CASE("An overlay that was written lies over the picture as the rendered str
     const picture_io::Picture clean = CleanCard(folder);
     struct Way {
         std::string name;
-        AlphaForm form;
+        PictureAlpha form;
     };
     for (const Way& way :
-         {Way{"overlay.mov", AlphaForm::Premultiplied}, Way{"overlay.mov", AlphaForm::Straight},
-          Way{"overlay.mkv", AlphaForm::Straight}, Way{"premultiplied.mkv", AlphaForm::Premultiplied},
-          Way{"overlay%05d.png", AlphaForm::Premultiplied}, Way{"straight%05d.png", AlphaForm::Straight}}) {
+         {Way{"overlay.mov", PictureAlpha::Premultiplied}, Way{"overlay.mov", PictureAlpha::Straight},
+          Way{"overlay.mkv", PictureAlpha::Straight}, Way{"premultiplied.mkv", PictureAlpha::Premultiplied},
+          Way{"overlay%05d.png", PictureAlpha::Premultiplied}, Way{"straight%05d.png", PictureAlpha::Straight}}) {
         CAPTURE(way.name);
-        CAPTURE(way.form == AlphaForm::Straight);
-        const std::string straight = way.form == AlphaForm::Straight ? " --straight" : "";
+        CAPTURE(way.form == PictureAlpha::Straight);
+        const std::string straight = way.form == PictureAlpha::Straight ? " --straight" : "";
         REQUIRE_EQ(folder.Run("play s.json --out out.mov --overlay " + way.name + straight).exitCode, 0);
         Frames rendered(folder, "out.mov");
         Frames overlay(folder, way.name);
@@ -123,9 +123,9 @@ TEST_CASE("An overlay that was written lies over the picture as the rendered str
 TEST_CASE("Fill and key lie over the picture as the rendered strokes do") {
     const CardFolder folder;
     const picture_io::Picture clean = CleanCard(folder);
-    for (const AlphaForm form : {AlphaForm::Premultiplied, AlphaForm::Straight}) {
-        CAPTURE(form == AlphaForm::Straight);
-        const std::string straight = form == AlphaForm::Straight ? " --straight" : "";
+    for (const PictureAlpha form : {PictureAlpha::Premultiplied, PictureAlpha::Straight}) {
+        CAPTURE(form == PictureAlpha::Straight);
+        const std::string straight = form == PictureAlpha::Straight ? " --straight" : "";
         REQUIRE_EQ(folder.Run("play s.json --out out%05d.png --fill fill.mov --key key.mkv" + straight).exitCode, 0);
         Frames rendered(folder, "out%05d.png");
         Frames fill(folder, "fill.mov");

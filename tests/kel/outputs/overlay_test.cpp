@@ -24,7 +24,7 @@ void CheckLaysOver(Telestrator& telestrator) {
     Scribble(telestrator);
     const picture_io::Picture with = telestrator.host.ReadFrame();
     REQUIRE_FALSE(with == without);
-    for (const AlphaForm form : {AlphaForm::Premultiplied, AlphaForm::Straight})
+    for (const PictureAlpha form : {PictureAlpha::Premultiplied, PictureAlpha::Straight})
         CHECK_LE(testing::WorstDifference(testing::LaidOver(telestrator.host.ReadOverlay(form), without, form), with),
                  2);
     CHECK(telestrator.host.ReadFrame() == with);

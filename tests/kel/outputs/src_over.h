@@ -13,11 +13,11 @@ namespace kel::testing {
 //   premultiplied   picture * (1 - alpha) + overlay
 //   straight        picture * (1 - alpha) + overlay * alpha
 [[nodiscard]] inline picture_io::Picture LaidOver(const picture_io::Picture& overlay,
-                                                  const picture_io::Picture& picture, AlphaForm form) {
+                                                  const picture_io::Picture& picture, PictureAlpha form) {
     picture_io::Picture result = picture;
     for (std::size_t pixel = 0; pixel < result.rgba.size(); pixel += 4) {
         const double alpha = overlay.rgba[pixel + 3] / 255.0;
-        const double share = form == AlphaForm::Straight ? alpha : 1.0;
+        const double share = form == PictureAlpha::Straight ? alpha : 1.0;
         for (std::size_t channel = pixel; channel < pixel + 3; ++channel) {
             const double value = picture.rgba[channel] * (1 - alpha) + overlay.rgba[channel] * share;
             result.rgba[channel] = static_cast<std::uint8_t>(std::clamp(std::lround(value), 0L, 255L));

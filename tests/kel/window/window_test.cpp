@@ -7,6 +7,7 @@
 #include <numbers>
 #include <thread>
 
+#include "kel/video/video_reader.h"
 #include "kel/workspace/picture_area.h"
 #include "tests/cli/temporary_folder.h"
 #include "tests/kel/pixels.h"
@@ -233,6 +234,32 @@ TEST_CASE("What was drawn leaves as pictures when the window has been closed") {
     const picture_io::Picture drawn = picture_io::ReadPicture(window.folder / "drawn.png");
     CHECK_LE(testing::Difference(drawn.At(drawn.width / 2, drawn.height / 2), ink), 60);
     CHECK_LE(testing::Difference(drawn.At(drawn.width / 2, drawn.height / 4), paper), 2);
+}
+
+TEST_CASE("A film of what was drawn has every field when the window has been closed") {
+    PaperWindow window({"--out", "drawn.mov", "--overlay", "strokes.mov"});
+    window.SetByKey("3", "BrushColor");
+    window.MoveOnPaper(0.3, 0.5);
+    window.display.PressButton(true);
+    WaitUntil("the press is recorded", [&] { return window.FieldOf("run.json", "press") >= 0; });
+    window.MoveOnPaper(0.7, 0.5);
+    window.display.PressButton(false);
+    WaitUntil("the release is recorded", [&] { return window.FieldOf("run.json", "release") >= 0; });
+    window.WaitForSomeFields();
+    window.display.TypeKey("q", true);
+    CHECK_EQ(window.WaitForEnd(), 0);
+    const std::int64_t fields = window.Recorded("run.json")["fields"].get<std::int64_t>();
+    for (const std::string name : {"drawn.mov", "strokes.mov"}) {
+        CAPTURE(name);
+        VideoReader reader(window.folder / name);
+        CHECK_EQ(reader.FrameCount(), fields);
+        const picture_io::Picture first = reader.ReadFrame(0);
+        const picture_io::Picture last = reader.ReadFrame(fields - 1);
+        CHECK_GT(
+            testing::Difference(last.At(last.width / 2, last.height / 2), first.At(last.width / 2, last.height / 2)),
+            60);
+        CHECK_EQ(last.At(last.width / 2, last.height / 4), first.At(last.width / 2, last.height / 4));
+    }
 }
 
 TEST_CASE("A value typed into the panel is taken within its limits and not beyond them") {
