@@ -170,7 +170,7 @@ struct PixelFormulas {
 // use.
 inline constexpr std::string_view unnamed;
 template <typename F, typename C = ChannelFormulas<F>, typename P = PixelFormulas<F>>
-inline constexpr std::array<BlendMode<F>, blendModeCount> blendModes{{
+inline constexpr auto blendModes = std::to_array<BlendMode<F>>({
     {"Normal", &CopyRow<F, From::source>},
     {"Add", &EachChannel<F, C::Add>},
     {"Subtract", &EachChannel<F, C::Subtract>},
@@ -199,8 +199,8 @@ inline constexpr std::array<BlendMode<F>, blendModeCount> blendModes{{
     {unnamed, &EachPixel<F, P::SourceLuma>},
     {unnamed, &EachPixel<F, P::InvertedAlpha>},
     {unnamed, &EachPixel<F, P::InvertedLuma>},
-}};
-static_assert(blendModes<Format8>.back().kernel != nullptr, "fewer rows than blendModeCount");
+});
+static_assert(blendModes<Format8>.size() == blendModeCount);
 
 template <typename F>
 constexpr std::array<BlendKernel<F>, blendModeCount> KernelsOf() {
