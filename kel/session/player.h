@@ -17,8 +17,8 @@ namespace kel {
 // Plays a session on a host.
 //
 // Borrows both for its life; the host is fresh, with the session's window. All that can be wrong with a session is
-// found by the constructor: modules, pictures, videos, names and values of parameters, buttons, the pointer's timetable.
-// Only a damaged frame in the middle of a video shows when it is its turn.
+// found by the constructor: modules, pictures, videos, names and values of parameters, buttons, the pointer's
+// timetable. Only a damaged frame in the middle of a video shows when it is its turn.
 class Player {
 public:
     // defaultModule: for the plug-ins that name no module. Throws Error, also for a file that the session does not get.
@@ -31,7 +31,7 @@ public:
     // A container of the session.
     struct Container {
         ObjectId id = noObject;
-        const Module* module = nullptr;   // borrowed from the host; null without a plug-in
+        const Module* module = nullptr;    // borrowed from the host; null without a plug-in
         std::unique_ptr<VideoShow> video;  // null without a video
     };
     // In the order of the session.
@@ -44,8 +44,8 @@ public:
 
     // Plays the next field and returns the names under which its picture is to be saved. The host's picture is of this
     // field when it is wanted, when the session saves it, and after the last field; otherwise it is not drawn. After
-    // the session's end fields go on without events. Throws Error for a damaged frame of a video, with the field played.
-    // fieldsDue: as for Host::RunField.
+    // the session's end fields go on without events. Throws Error for a damaged frame of a video, with the field
+    // played. fieldsDue: as for Host::RunField.
     std::vector<std::string> PlayField(Rendering rendering, int fieldsDue = 1);
 
     // The container whose canvas is the overlay: the first with a plug-in; noObject when there is none.

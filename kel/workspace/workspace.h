@@ -28,8 +28,8 @@ struct WorkspaceOptions {
     std::filesystem::path saves = ".";
 };
 
-// The operator's workspace without its display: a picture, a video or a session with its plug-ins, what the hand and the
-// panel do to them, field by field, and the recording of it. The window draws it and brings it the events.
+// The operator's workspace without its display: a picture, a video or a session with its plug-ins, what the hand and
+// the panel do to them, field by field, and the recording of it. The window draws it and brings it the events.
 //
 // A session's own events are played first, as fast as they go; the operator's count from then on. Errors are thrown as
 // Error where said; what goes wrong while fields run becomes news.

@@ -14,8 +14,8 @@ struct WorkspaceScene {
     Session session;
 };
 
-// Opens a picture, a video or a session, whichever the file is. A picture or a video fills the window, with a square pane
-// in front of it that is seen through and carries the plug-in: a brush's dabs are then round on the screen.
+// Opens a picture, a video or a session, whichever the file is. A picture or a video fills the window, with a square
+// pane in front of it that is seen through and carries the plug-in: a brush's dabs are then round on the screen.
 //   module   what the plug-in's module registers: of the workspace's own values for the pen it takes those that fit
 //   largest  a picture is shown at its own size or smaller, so that it fits; a small one is enlarged
 // Throws Error naming the file and the reason.

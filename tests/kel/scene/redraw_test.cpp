@@ -154,7 +154,8 @@ TEST_CASE("Parts of containers that lean look as the whole does, byte for byte")
     for (const std::int32_t textureUnit : {0, 1, 2}) {
         std::vector<FrameArea> parts;
         std::vector<FrameArea> wholes;
-        CHECK(LeaningPicture(Redraw::Changed, textureUnit, parts) == LeaningPicture(Redraw::Whole, textureUnit, wholes));
+        CHECK(LeaningPicture(Redraw::Changed, textureUnit, parts) ==
+              LeaningPicture(Redraw::Whole, textureUnit, wholes));
         int small = 0;
         for (const FrameArea& part : parts)
             if (!part.IsEmpty() && part.width * part.height < 160 * 120 / 2) ++small;
