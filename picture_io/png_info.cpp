@@ -165,7 +165,8 @@ Bytes ChunksOf(const PictureInfo& info) {
 
 PictureInfo ReadPngInfo(View png) {
     PictureInfo info;
-    const auto header = ReadPngHeader({png.begin(), png.begin() + std::min<std::ptrdiff_t>(png.size(), headerEnd)});
+    const auto header =
+        ReadPngHeader({png.begin(), png.begin() + static_cast<std::ptrdiff_t>(std::min(png.size(), headerEnd))});
     if (!header) return info;
     const bool isPalette = png[25] == 3;
     info.isGrey = header->channels <= 2 && !isPalette;

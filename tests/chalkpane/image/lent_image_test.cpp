@@ -17,7 +17,6 @@ constexpr std::uint8_t untouched = 0xAB;
 // Three rows of two pixels with five bytes between the rows, in a block with a byte on either side, so that a write
 // beyond a row shows.
 struct Block {
-    static constexpr std::int32_t width = 2;
     static constexpr std::int32_t height = 3;
     static constexpr std::size_t stride = 2 * 4 + 5;
 
