@@ -71,6 +71,7 @@ EllipseFit FitRotation(const Search& search, std::span<RotatedPoint> rotated, st
     for (std::size_t i = 0; i < rotated.size(); ++i) {
         const PolarPoint& point = search.points[i];
         const double angle = point.angle + fit.angle;
+        // KEEP: rotated points in 32-bit floats; the box around them depends on the rounding.
         rotated[i] = {static_cast<float>(point.radius * std::cos(angle)),
                       static_cast<float>(point.radius * std::sin(angle))};
         x.Extend(rotated[i].x);
