@@ -18,7 +18,10 @@ struct PeerWork {
     double mostApart;               // 255: another formula under the same name, whose results say nothing
 };
 
-// Works that the pixman library does.
+// The works that each library does, where it is part of the build.
 std::vector<PeerWork> PixmanWorks();
+std::vector<PeerWork> MyPaintWorks();
+std::vector<PeerWork> OpenCvWorks();
+std::vector<PeerWork> VipsWorks();
 
 }  // namespace chalkpane::peers

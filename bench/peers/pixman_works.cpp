@@ -1,16 +1,15 @@
 #include <pixman.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
 #include <random>
 #include <string_view>
 
+#include "bench/peers/dab.h"
 #include "bench/peers/peer_work.h"
 #include "chalkpane/composite/blending_modes.h"
-#include "chalkpane/composite/brush_paster.h"
 
 namespace chalkpane::peers {
 namespace {
@@ -79,65 +78,71 @@ PeerWork BlendWork(std::string_view name, pixman_op_t operation, double mostApar
     return work;
 }
 
-// A soft round dab in the middle of a canvas, source over target through a mask.
-struct Dab {
-    static constexpr int canvasSize = 1024;
-    int size;
-    Image colour;
-    Image mask;
-    Image canvas{Rect(0, 0, canvasSize - 1, canvasSize - 1), ImageDefinition::colourType, 0, 1};
+// The same dab as pixman has it.
+struct DabPair : Dab {
     std::vector<std::uint8_t> theirCanvas = std::vector<std::uint8_t>(4 * canvasSize * canvasSize);
-    PixmanImage colourImage;
-    PixmanImage maskImage;
-    PixmanImage canvasImage;
-    BrushPaster paster;
+    PixmanImage colourImage = ImageOf(PIXMAN_a8r8g8b8, size, size, FirstByte(colour), colour.rowBytes);
+    PixmanImage maskImage = ImageOf(PIXMAN_a8, size, size, FirstByte(mask), mask.rowBytes);
+    PixmanImage canvasImage = ImageOf(PIXMAN_a8r8g8b8, canvasSize, canvasSize, theirCanvas.data(), 4 * canvasSize);
 
-    explicit Dab(int pixels)
-        : size(pixels),
-          colour(Rect(500, 500, 499 + pixels, 499 + pixels), ImageDefinition::colourType, 0, 0),
-          mask(colour.Bounds(), ImageDefinition::maskType, 0, 0) {
-        for (std::int32_t y = colour.y0; y <= colour.y1; ++y) {
-            const auto noise = Noise(static_cast<std::size_t>(4 * pixels), static_cast<unsigned>(y));
-            std::copy(noise.begin(), noise.end(), colour.Row8(y).begin());
-            for (std::int32_t x = colour.x0; x <= colour.x1; ++x) {
-                const double middle = 499.5 + pixels / 2.0;
-                const double rest = 1.0 - std::hypot(x - middle, y - middle) / (pixels / 2.0);
-                mask.SetAlpha8(x, y, static_cast<std::uint8_t>(std::clamp(rest, 0.0, 1.0) * 255));
-            }
-        }
-        colour.FillChannel(1.0);
-        colourImage = ImageOf(PIXMAN_a8r8g8b8, pixels, pixels, FirstByte(colour), colour.rowBytes);
-        maskImage = ImageOf(PIXMAN_a8, pixels, pixels, FirstByte(mask), mask.rowBytes);
-        canvasImage = ImageOf(PIXMAN_a8r8g8b8, canvasSize, canvasSize, theirCanvas.data(), 4 * canvasSize);
-        paster.SetOpacity(1.0);
-    }
+    explicit DabPair(int pixels) : Dab(pixels) {}
+
     // Of the upper left pixel, where memory begins.
     static std::uint8_t* FirstByte(const Image& image) {
         return reinterpret_cast<std::uint8_t*>(image.Address(image.x0, image.y1));
     }
+    void Composite() {
+        pixman_image_composite32(PIXMAN_OP_OVER, colourImage.get(), maskImage.get(), canvasImage.get(), 0, 0, 0, 0,
+                                 colour.x0, canvasSize - 1 - colour.y1, size, size);
+    }
 };
 
 PeerWork DabWork(int pixels) {
-    const auto dab = std::make_shared<Dab>(pixels);
-    const int top = Dab::canvasSize - 1 - dab->colour.y1;
+    const auto dab = std::make_shared<DabPair>(pixels);
     PeerWork work;
     work.name = "8-bit dab " + std::to_string(pixels) + " px";
     work.peer = "pixman";
     work.unit = "dab";
     work.units = 1;
-    work.theirs = [dab, top] {
-        pixman_image_composite32(PIXMAN_OP_OVER, dab->colourImage.get(), dab->maskImage.get(), dab->canvasImage.get(),
-                                 0, 0, 0, 0, dab->colour.x0, top, dab->size, dab->size);
-    };
-    work.ours = [dab] {
-        dab->paster.Paste(dab->colour, &dab->mask, dab->canvas, PasteBehaviour::Over, dab->colour.Bounds(), 0, nullptr,
-                          Clip::Limiting);
-    };
+    work.theirs = [dab] { dab->Composite(); };
+    work.ours = [dab] { dab->Paste(); };
     work.apart = [dab] {
-        const std::uint8_t* const ours = Dab::FirstByte(dab->canvas);
+        const std::uint8_t* const ours = DabPair::FirstByte(dab->canvas);
         return MeanDifference(dab->theirCanvas, std::vector<std::uint8_t>(ours, ours + dab->theirCanvas.size()));
     };
     work.mostApart = 0.01;
+    return work;
+}
+
+// The nearest that pixman has to 14 bits: four floats a pixel, and a mask of 8 bits.
+struct FloatDab {
+    Dab ours{41, Depth::Fourteen};
+    DabPair bytes{41};
+    std::vector<float> colour = std::vector<float>(4 * 41 * 41, 0.5F);
+    std::vector<float> canvas = std::vector<float>(4 * Dab::canvasSize * Dab::canvasSize, 0.25F);
+    PixmanImage colourImage = Floats(41, colour);
+    PixmanImage canvasImage = Floats(Dab::canvasSize, canvas);
+
+    static PixmanImage Floats(int size, std::vector<float>& floats) {
+        return PixmanImage(pixman_image_create_bits(PIXMAN_rgba_float, size, size,
+                                                    reinterpret_cast<std::uint32_t*>(floats.data()), 16 * size));
+    }
+};
+
+PeerWork FloatDabWork() {
+    const auto dab = std::make_shared<FloatDab>();
+    PeerWork work;
+    work.name = "14-bit dab 41 px";
+    work.peer = "pixman";
+    work.unit = "dab";
+    work.units = 1;
+    work.theirs = [dab] {
+        pixman_image_composite32(PIXMAN_OP_OVER, dab->colourImage.get(), dab->bytes.maskImage.get(),
+                                 dab->canvasImage.get(), 0, 0, 0, 0, 500, 500, 41, 41);
+    };
+    work.ours = [dab] { dab->ours.Paste(); };
+    work.apart = [] { return 0.0; };
+    work.mostApart = 255.0;
     return work;
 }
 
@@ -148,6 +153,7 @@ std::vector<PeerWork> PixmanWorks() {
     constexpr double otherFormula = 255.0;
     std::vector<PeerWork> works;
     for (const int pixels : {11, 21, 41, 121}) works.push_back(DabWork(pixels));
+    works.push_back(FloatDabWork());
     works.push_back(BlendWork("Add", PIXMAN_OP_ADD, sameFormula));
     works.push_back(BlendWork("Multiply", PIXMAN_OP_MULTIPLY, sameFormula));
     works.push_back(BlendWork("Screen", PIXMAN_OP_SCREEN, sameFormula));
