@@ -38,7 +38,7 @@ inline Rect PasteRegion(const Rect& rect, const Image* mask, const Image& target
 
 // True when the image can be read at this depth; null is no image and always can.
 inline bool HasDepthOf(const Image& model, const Image* image) {
-    return image == nullptr || (image->depth != 0) == (model.depth != 0);
+    return image == nullptr || image->GetDepth() == model.GetDepth();
 }
 
 // An opacity in the scale of an operation: truncated, and limited to `limit`. NaN, and all from 0 down, is 0.

@@ -22,7 +22,7 @@ PasteJob<F> CompositeJob(const PasteRecord& record, std::int32_t opacity) {
     job.mask = FullCoverage<F>();
     job.settings.opacity = opacity;
     const bool fast = record.clip == nullptr && opacity == fullOpacity<F>;
-    job.SetClip(record.clip, record.clipInverted, PasterKernels<F>(record.source->flag != 0, fast));
+    job.SetClip(record.clip, record.clipInverted, PasterKernels<F>(record.source->IsPremultiplied(), fast));
     return job;
 }
 

@@ -58,7 +58,8 @@ public:
     [[nodiscard]] virtual bool NeedsStepHooks() const { return false; }
     virtual void BeginStep() {}
     virtual void EndStep() {}
-    // The depth to work in for an image of this depth: itself, or 0 for classes that know 8 bits only.
+    // The depth to work in for an image of this depth, as images store it: itself, or that of 8 bits for classes that
+    // know no other.
     [[nodiscard]] virtual std::int32_t PreferredDepth(std::int32_t depth) const { return depth; }
 
     // rect: the bounds of the image; region: the part in question.
@@ -108,6 +109,11 @@ public:
     virtual bool ReservedFlag4() const { return true; }
     virtual void ReservedHook2() {}
     virtual bool ReservedFlag5() const { return true; }
+
+    // `PreferredDepth` by name.
+    [[nodiscard]] Depth WorkingDepth(Depth depth) const {
+        return DepthOf(PreferredDepth(static_cast<std::int32_t>(depth)));
+    }
 
     Filter& operator=(const Filter&) = delete;
 

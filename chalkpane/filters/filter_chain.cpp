@@ -9,14 +9,14 @@ bool Runs(const Filter& filter, ChainScope scope) {
 }
 
 // Gives the image this depth; one that has it already is left alone.
-void Convert(std::unique_ptr<Image>& image, std::int32_t depth) {
-    if ((image->depth != 0) == (depth != 0)) return;
+void Convert(std::unique_ptr<Image>& image, Depth depth) {
+    if (image->GetDepth() == depth) return;
     if (auto converted = image->Convert(Rect(), depth)) image = std::move(converted);
 }
 
 void RunFilter(Filter& filter, std::unique_ptr<Image>& image, bool expand) {
     if (!image) return;
-    Convert(image, filter.PreferredDepth(image->depth));
+    Convert(image, filter.WorkingDepth(image->GetDepth()));
     std::unique_ptr<Image> made;
     filter.Apply(*image, made, false, nullptr, expand);
     if (made) image = std::move(made);
@@ -26,8 +26,8 @@ void RunFilter(Filter& filter, std::unique_ptr<Image>& image, bool expand) {
 
 void RunFilterChain(FilterChain chain, std::unique_ptr<Image>& colour, std::unique_ptr<Image>& mask, ChainScope scope) {
     if (chain.empty()) return;
-    const std::int32_t colourDepth = colour ? colour->depth : 0;
-    const std::int32_t maskDepth = mask ? mask->depth : 0;
+    const Depth colourDepth = colour ? colour->GetDepth() : Depth::Eight;
+    const Depth maskDepth = mask ? mask->GetDepth() : Depth::Eight;
     for (const auto& filter : chain) {
         if (!Runs(*filter, scope)) continue;
         filter->BeginStep();

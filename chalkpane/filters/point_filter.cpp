@@ -104,7 +104,7 @@ void RunRow(std::int32_t y, void* userData, std::int32_t /*worker*/) {
 }
 
 void RunRows(RowJob& job) {
-    const RowFunction row = job.source.depth == 0 ? RunRow<Point8> : RunRow<Point14>;
+    const RowFunction row = job.source.GetDepth() == Depth::Eight ? RunRow<Point8> : RunRow<Point14>;
     const Rect& area = job.result;
     if (job.filter.CanRunInParallel()) {
         RunInBands(area.y0, area.y1, area.Width(), row, &job);
@@ -121,9 +121,9 @@ void PointFilter::Apply(const Image& source, std::unique_ptr<Image>& result, boo
     try {
         const bool missed = region != nullptr && !region->Intersects(source);
         const Rect area = region == nullptr || missed ? source.Bounds() : source.Intersection(*region);
-        auto made = std::make_unique<Image>(area, source.type, source.depth, source.flag);
+        auto made = std::make_unique<Image>(area, source);
         if (!missed && made->ByteSize() > 0) {
-            RowJob job{*this, source, *made, made->x0, made->x1, source.flag != 0};
+            RowJob job{*this, source, *made, made->x0, made->x1, source.IsPremultiplied()};
             BeginRun(source);
             RunRows(job);
             EndRun();

@@ -23,7 +23,7 @@ void ApplyInWorkArea(const Image& source, std::unique_ptr<Image>& result, const 
     result.reset();
     try {
         if (source.ByteSize() == 0 || (region != nullptr && !region->Intersects(source))) {
-            result = std::make_unique<Image>(source.Bounds(), source.type, source.depth, source.flag);
+            result = std::make_unique<Image>(source.Bounds(), source);
             return;
         }
         Rect work = source.Bounds();
@@ -49,7 +49,7 @@ inline void ApplyAsCopy(const Image& source, std::unique_ptr<Image>& result) {
 
 // Blank, in the source's format.
 [[nodiscard]] inline std::unique_ptr<Image> NewImageLike(const Image& source, const Rect& bounds) {
-    return std::make_unique<Image>(bounds, source.type, source.depth, source.flag);
+    return std::make_unique<Image>(bounds, source);
 }
 
 // Every side outward by n, for filters that read their neighbourhood.

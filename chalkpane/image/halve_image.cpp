@@ -105,7 +105,7 @@ std::unique_ptr<Image> Reduce(const Image& source) {
     const Rect rect(static_cast<std::int32_t>(left), static_cast<std::int32_t>(bottom),
                     static_cast<std::int32_t>(left + (std::int64_t{source.Width()} + 1) / 2 - 1),
                     static_cast<std::int32_t>(bottom + (std::int64_t{source.Height()} + 1) / 2 - 1));
-    auto reduced = std::make_unique<Image>(rect, source.type, source.depth, source.flag);
+    auto reduced = std::make_unique<Image>(rect, source);
     for (std::int64_t y = reduced->y0; y <= reduced->y1; ++y)
         ReduceLine<F>(source, *reduced, static_cast<std::int32_t>(y));
     return reduced;
@@ -144,7 +144,7 @@ public:
         : m_source(source), m_reduced(reduced), m_mix(blend) {}
 
     std::unique_ptr<Image> Run() const {
-        auto result = std::make_unique<Image>(m_source.Bounds(), m_source.type, m_source.depth, m_source.flag);
+        auto result = std::make_unique<Image>(m_source.Bounds(), m_source);
         for (std::int64_t y = m_source.y0; y <= m_source.y1; ++y) {
             const bool odd = (y & 1) != 0;
             const std::int64_t block = y >> 1;
@@ -212,8 +212,8 @@ std::unique_ptr<Image> HalveAs(const Image& source, double blend) {
 
 std::unique_ptr<Image> HalveImage(const Image& source, double blend) {
     if (source.Width() < 2 || source.Height() < 2) return nullptr;
-    const auto halve = source.IsMask() ? (source.depth == 0 ? &HalveAs<Mask8> : &HalveAs<Mask14>)
-                                       : (source.depth == 0 ? &HalveAs<Colour8> : &HalveAs<Colour14>);
+    const auto halve = source.IsMask() ? (source.GetDepth() == Depth::Eight ? &HalveAs<Mask8> : &HalveAs<Mask14>)
+                                       : (source.GetDepth() == Depth::Eight ? &HalveAs<Colour8> : &HalveAs<Colour14>);
     return halve(source, blend);
 }
 

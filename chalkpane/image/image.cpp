@@ -17,7 +17,7 @@ namespace {
 std::atomic<std::int32_t> livingImages{0};
 
 std::int32_t PixelBytes(std::int32_t type, std::int32_t depth) {
-    return (type == ImageDefinition::maskType ? 1 : 4) * (depth != 0 ? 2 : 1);
+    return (type == ImageDefinition::maskType ? 1 : 4) * (DepthOf(depth) == Depth::Fourteen ? 2 : 1);
 }
 
 // Rows start on whole 32-bit words, which a mask has to be rounded up to. 0 when there are no pixels, or more in a row
@@ -122,7 +122,7 @@ template <typename RowLoop>
 void ForEachRow(const Image& image, const Rect& area, RowLoop rowLoop) {
     for (std::int64_t y = area.y0; y <= area.y1; ++y) {
         const auto line = static_cast<std::int32_t>(y);
-        if (image.depth == 0)
+        if (image.GetDepth() == Depth::Eight)
             rowLoop(PixelFormat8(), Row<PixelFormat8>(image, line, area.x0, area.x1), line);
         else
             rowLoop(PixelFormat14(), Row<PixelFormat14>(image, line, area.x0, area.x1), line);
@@ -220,18 +220,24 @@ Image::Image(const ImageDefinition& definition, const LentPixels& pixels)
     ++livingImages;
 }
 
+Image::Image(std::int32_t width, std::int32_t height, PixelType imageType, Depth imageDepth, AlphaForm form)
+    : Image(width, height, static_cast<std::int32_t>(imageType), static_cast<std::int32_t>(imageDepth),
+            static_cast<std::uint8_t>(form)) {}
+
+Image::Image(const Rect& rect, PixelType imageType, Depth imageDepth, AlphaForm form)
+    : Image(rect, static_cast<std::int32_t>(imageType), static_cast<std::int32_t>(imageDepth),
+            static_cast<std::uint8_t>(form)) {}
+
+Image::Image(const Rect& rect, const ImageDefinition& format) : Image(rect, format.type, format.depth, format.flag) {}
+
 Image Image::Colour(std::int32_t width, std::int32_t height, Depth depth, AlphaForm form) {
-    return {width, height, colourType, static_cast<std::int32_t>(depth), static_cast<std::uint8_t>(form)};
+    return {width, height, PixelType::Colour, depth, form};
 }
-Image Image::Colour(const Rect& rect, Depth depth, AlphaForm form) {
-    return {rect, colourType, static_cast<std::int32_t>(depth), static_cast<std::uint8_t>(form)};
-}
+Image Image::Colour(const Rect& rect, Depth depth, AlphaForm form) { return {rect, PixelType::Colour, depth, form}; }
 Image Image::Mask(std::int32_t width, std::int32_t height, Depth depth) {
-    return {width, height, maskType, static_cast<std::int32_t>(depth), std::uint8_t{0}};
+    return {width, height, PixelType::Mask, depth, AlphaForm::Straight};
 }
-Image Image::Mask(const Rect& rect, Depth depth) {
-    return {rect, maskType, static_cast<std::int32_t>(depth), std::uint8_t{0}};
-}
+Image Image::Mask(const Rect& rect, Depth depth) { return {rect, PixelType::Mask, depth, AlphaForm::Straight}; }
 
 Image Image::Lend(const LentPixels& pixels, const Rect& rect, PixelType type, Depth depth, AlphaForm form) {
     return {LentDefinition(pixels, rect, type, depth, form), pixels};
@@ -265,7 +271,7 @@ std::unique_ptr<Image> Image::Clone() const {
 std::unique_ptr<Image> Image::Convert(const Rect& rect, std::int32_t newDepth) const {
     const Rect area = rect.IsValid() ? Intersection(rect) : Bounds();
     if (area.Width() < 1 || area.Height() < 1) return nullptr;
-    if ((newDepth != 0) == (depth != 0)) {
+    if (DepthOf(newDepth) == GetDepth()) {
         auto cut = std::make_unique<Image>(*this);
         cut->origin = Address(area.x0, area.y1);
         static_cast<Rect&>(*cut) = area;  // the rows stay as far apart as in the buffer
@@ -274,7 +280,7 @@ std::unique_ptr<Image> Image::Convert(const Rect& rect, std::int32_t newDepth) c
     auto converted = std::make_unique<Image>(area, type, newDepth, flag);
     for (std::int64_t y = area.y0; y <= area.y1; ++y) {
         const auto line = static_cast<std::int32_t>(y);
-        if (depth == 0)
+        if (GetDepth() == Depth::Eight)
             ConvertRow(Row<PixelFormat8>(*this, line, area.x0, area.x1), converted->Row14(line));
         else
             ConvertRow(Row<PixelFormat14>(*this, line, area.x0, area.x1), converted->Row8(line));
@@ -306,7 +312,7 @@ std::uint16_t Image::GetMaskEdge14(std::int32_t x, std::int32_t y, std::int32_t 
 
 void Image::SetAlpha8(std::int32_t x, std::int32_t y, std::uint8_t value) {
     const int channel = IsMask() ? 0 : 3;
-    if (depth == 0)
+    if (GetDepth() == Depth::Eight)
         reinterpret_cast<std::uint8_t*>(Address(x, y))[channel] = value;
     else
         reinterpret_cast<std::uint16_t*>(Address(x, y))[channel] = Widen(value);
@@ -325,7 +331,7 @@ void Image::FillChannel(const Rect& rect, double value) {
 void Image::FillChannel(double value) { FillChannel(Bounds(), value); }
 
 void Image::CopyAlphaToMask(Image& mask) const {
-    if (!mask.IsMask() || (mask.depth != 0) != (depth != 0)) return;
+    if (!mask.IsMask() || mask.GetDepth() != GetDepth()) return;
     const Rect overlap = Intersection(mask);
     if (!overlap.Contains(mask)) mask.Clear();
     const std::size_t step = IsMask() ? 1 : 4;

@@ -33,6 +33,13 @@ public:
     [[nodiscard]] PixelType GetPixelType() const { return IsMask() ? PixelType::Mask : PixelType::Colour; }
     [[nodiscard]] Depth GetDepth() const { return DepthOf(depth); }
     [[nodiscard]] AlphaForm GetAlphaForm() const { return flag != 0 ? AlphaForm::Premultiplied : AlphaForm::Straight; }
+    [[nodiscard]] bool IsPremultiplied() const { return flag != 0; }
+    // Says in which form the pixels are; changes none of them.
+    void DeclareAlphaForm(AlphaForm form) { flag = static_cast<std::uint8_t>(form); }
+    // True when pixels of both have the same channels of the same depth.
+    [[nodiscard]] bool HasFormatOf(const ImageDefinition& other) const {
+        return IsMask() == other.IsMask() && GetDepth() == other.GetDepth();
+    }
     [[nodiscard]] const Rect& Bounds() const { return *this; }
     // Bytes of the whole buffer; 0 for an area without pixels.
     [[nodiscard]] std::size_t ByteSize() const;
@@ -87,7 +94,12 @@ public:
     Image(std::int32_t width, std::int32_t height, std::int32_t type, std::int32_t depth, std::uint8_t flag,
           bool useBitmap = false);
     Image(const Rect& rect, std::int32_t type, std::int32_t depth, std::uint8_t flag, bool useBitmap = false);
-    // The same by name: four channels, or one, zeroed. A size alone lies at (0, 0).
+    // The same by name. A size alone lies at (0, 0).
+    Image(std::int32_t width, std::int32_t height, PixelType type, Depth depth, AlphaForm form);
+    Image(const Rect& rect, PixelType type, Depth depth, AlphaForm form);
+    // What `format` says, for another rectangle.
+    Image(const Rect& rect, const ImageDefinition& format);
+    // Four channels, or one.
     [[nodiscard]] static Image Colour(std::int32_t width, std::int32_t height, Depth depth, AlphaForm form);
     [[nodiscard]] static Image Colour(const Rect& rect, Depth depth, AlphaForm form);
     [[nodiscard]] static Image Mask(std::int32_t width, std::int32_t height, Depth depth);

@@ -22,7 +22,7 @@ template <typename F>
 // Calls `function` with the pixel format of the image: function(PixelFormat8{}) or function(PixelFormat14{}).
 template <typename Function>
 decltype(auto) WithFormatOf(const ImageDefinition& image, Function function) {
-    return image.depth == 0 ? function(PixelFormat8{}) : function(PixelFormat14{});
+    return image.GetDepth() == Depth::Eight ? function(PixelFormat8{}) : function(PixelFormat14{});
 }
 
 }  // namespace chalkpane

@@ -139,7 +139,7 @@ template <typename FadeLine>
 void ForEachLine(const Image& image, bool alphaOnly, FadeLine fadeLine) {
     for (std::int64_t row = image.y0; row <= image.y1; ++row) {
         const auto y = static_cast<std::int32_t>(row);
-        if (image.depth == 0)
+        if (image.GetDepth() == Depth::Eight)
             fadeLine(FadingLine<PixelFormat8>(image, y, alphaOnly), static_cast<double>(y));
         else
             fadeLine(FadingLine<PixelFormat14>(image, y, alphaOnly), static_cast<double>(y));

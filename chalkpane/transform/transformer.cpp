@@ -96,10 +96,6 @@ void Resample(const ResampleOrder& order) {
     WithFormatOf(*order.source, [&]<typename F>(F) { ResampleAtDepth<F>(order); });
 }
 
-bool HasFormatOf(const ImageDefinition& model, const Image& image) {
-    return model.IsMask() == image.IsMask() && (model.depth != 0) == (image.depth != 0);
-}
-
 Rect Limited(const Rect& rect, const Rect& limit, bool isLimited) {
     const Rect limited = isLimited ? rect.Intersection(limit) : rect;
     return limited.Intersects(limited) ? limited : Rect();
@@ -153,7 +149,7 @@ Rect BoundsOf(const Rect& source, const Matrix3& forward, const Matrix3& inverse
 }
 
 std::unique_ptr<Image> ImageLike(const ImageDefinition& source, const Rect& rect) {
-    return std::make_unique<Image>(rect, source.type, source.depth, source.flag);
+    return std::make_unique<Image>(rect, source);
 }
 
 const Image* WholeImage(const Image& source) { return &source; }
@@ -237,7 +233,7 @@ std::unique_ptr<Image> Transformer::Apply(MRImage& source, Rect& outRect) { retu
 void Transformer::ApplyInto(const Image& source, Image& target, const Rect& rect) {
     sourceArea = Limited(source, sourceLimit, limitSource);
     targetArea = Limited(rect, targetLimit, limitTarget);
-    if (!IsUsable() || !HasFormatOf(source, target) || !sourceArea.IsValid() || !targetArea.IsValid()) return;
+    if (!IsUsable() || !source.HasFormatOf(target) || !sourceArea.IsValid() || !targetArea.IsValid()) return;
     Resample({&source, &target, sourceArea, targetArea, inverse});
 }
 
@@ -247,7 +243,7 @@ void Transformer::ApplyInto(MRImage& source, Image& target, const Rect& rect) {
     const double zoom = source.GetScale();
     sourceArea = Limited(*level, zoom == 1.0 ? sourceLimit : Zoomed(sourceLimit, zoom), limitSource);
     targetArea = Limited(rect, targetLimit, limitTarget);
-    if (!IsUsable() || !HasFormatOf(*level, target) || !sourceArea.IsValid() || !targetArea.IsValid()) return;
+    if (!IsUsable() || !level->HasFormatOf(target) || !sourceArea.IsValid() || !targetArea.IsValid()) return;
     Resample({level, &target, sourceArea, targetArea,
               inverse * Matrix3::Scaling(zoom, zoom) * Matrix3::Translation(source.GetOffsetX(), source.GetOffsetY())});
 }

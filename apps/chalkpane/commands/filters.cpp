@@ -22,7 +22,7 @@ std::string RangeText(const ParameterDescription& parameter) {
 
 // The key is told where it is not the label.
 void PrintFilter(const Filter& filter) {
-    const char* const depth = filter.PreferredDepth(1) == 0 ? " (8 bits)" : "";
+    const char* const depth = filter.WorkingDepth(Depth::Fourteen) == Depth::Eight ? " (8 bits)" : "";
     std::printf("  %s%s\n", std::string(filter.Label()).c_str(), depth);
     std::vector<cli::TableRow> rows;
     for (const ParameterDescription& parameter : TextsOf(filter).Describe()) {
@@ -40,12 +40,13 @@ void PrintFilters() {
 }
 
 ordered_json JsonOfFilter(const Filter& filter) {
-    ordered_json json = {{"label", filter.Label()},
-                         {"name", filter.Name()},
-                         {"category", filter.Category()},
-                         {"movesPixels", filter.MovesPixels()},
-                         {"bits", filter.PreferredDepth(1) == 0 ? ordered_json{8} : ordered_json{8, 14}},
-                         {"parameters", ordered_json::array()}};
+    ordered_json json = {
+        {"label", filter.Label()},
+        {"name", filter.Name()},
+        {"category", filter.Category()},
+        {"movesPixels", filter.MovesPixels()},
+        {"bits", filter.WorkingDepth(Depth::Fourteen) == Depth::Eight ? ordered_json{8} : ordered_json{8, 14}},
+        {"parameters", ordered_json::array()}};
     for (const ParameterDescription& parameter : TextsOf(filter).Describe())
         json["parameters"].push_back(JsonOf(parameter));
     return json;

@@ -35,10 +35,9 @@ bool IsOpaque(const Image& image) {
 // The same pixels where the image has the form already, or is opaque, where both forms are alike; otherwise new ones.
 // To be read only.
 std::unique_ptr<Image> InForm(const Image& source, AlphaForm form) {
-    const std::uint8_t flag = form == AlphaForm::Premultiplied ? 1 : 0;
-    if ((source.flag != 0) == (flag != 0) || IsOpaque(source)) {
+    if (source.GetAlphaForm() == form || IsOpaque(source)) {
         auto same = std::make_unique<Image>(source);
-        same->flag = flag;
+        same->DeclareAlphaForm(form);
         return same;
     }
     auto copy = source.Clone();
@@ -52,7 +51,7 @@ AlphaForm FormFor(const Filter& filter) {
 
 // What the filter makes of the whole source or of the region, with whatever bounds it gives it.
 std::unique_ptr<Image> Applied(Filter& filter, const Image& source, const FilterRun& run) {
-    const auto prepared = source.Convert(Rect(), filter.PreferredDepth(source.depth));
+    const auto prepared = source.Convert(Rect(), filter.WorkingDepth(source.GetDepth()));
     const auto input = InForm(*prepared, FormFor(filter));
     auto result = std::make_unique<Image>(*input);  // stays when the filter stores none
     filter.Attach(input.get(), run.frame, run.time, nullptr);
@@ -65,7 +64,7 @@ std::unique_ptr<Image> Applied(Filter& filter, const Image& source, const Filter
     filter.Detach();
     if (!result) throw std::bad_alloc();
     if (result->buffer == input->buffer) return std::make_unique<Image>(source);  // it stored none
-    return result->Convert(Rect(), source.depth);
+    return result->Convert(Rect(), source.GetDepth());
 }
 
 // The parts of `whole` that lie outside `hole`, which cuts it: above, below, left and right.
@@ -76,7 +75,7 @@ std::array<Rect, 4> Around(const Rect& whole, const Rect& hole) {
 
 void KeepOutside(const Rect& region, const Image& source, Image& picture) {
     const Rect hole = region.Intersection(source);
-    const auto own = InForm(source, picture.flag != 0 ? AlphaForm::Premultiplied : AlphaForm::Straight);
+    const auto own = InForm(source, picture.GetAlphaForm());
     if (!hole.IsValid()) return picture.CopyRegion(*own, source);
     for (const Rect& part : Around(source, hole))
         if (part.x0 <= part.x1 && part.y0 <= part.y1) picture.CopyRegion(*own, part);
@@ -129,7 +128,7 @@ std::unique_ptr<Image> RunFilter(Filter& filter, const Image& source, const Filt
     auto made = Applied(filter, source, run);
     const Rect bounds = run.expand ? source.Union(*made) : source.Bounds();
     if (!run.region && made->Bounds() == bounds) return made;
-    auto picture = std::make_unique<Image>(bounds, source.type, source.depth, made->flag);
+    auto picture = std::make_unique<Image>(bounds, *made);
     picture->CopyRegion(*made, bounds);
     if (run.region) KeepOutside(*run.region, source, *picture);
     return picture;
@@ -157,7 +156,7 @@ std::unique_ptr<Image> RunFilters(std::span<const std::unique_ptr<Filter>> filte
 std::unique_ptr<Image> MixByMask(const Image& before, const Image& after, const Image& mask) {
     const auto from = InForm(before, AlphaForm::Straight);
     const auto to = InForm(after, AlphaForm::Straight);
-    auto mixed = std::make_unique<Image>(before.Bounds(), before.type, before.depth, std::uint8_t{0});
+    auto mixed = std::make_unique<Image>(Image::Colour(before.Bounds(), before.GetDepth(), AlphaForm::Straight));
     for (std::int32_t y = before.y0; y <= before.y1; ++y)
         AtDepth(before.depth, [&]<typename F>(F) { MixRow<F>(*from, *to, mask, *mixed, y); });
     return mixed;

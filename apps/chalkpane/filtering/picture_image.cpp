@@ -96,7 +96,7 @@ std::unique_ptr<Image> ReadImage(const std::filesystem::path& file, std::optiona
 }
 
 AnyPicture PictureOf(const Image& image) {
-    const std::unique_ptr<Image> straight = image.flag != 0 ? image.Clone() : nullptr;
+    const std::unique_ptr<Image> straight = image.IsPremultiplied() ? image.Clone() : nullptr;
     if (straight) SetAlphaForm(*straight, AlphaForm::Straight);
     const Image& source = straight ? *straight : image;
     return AtDepth(source.depth, [&]<typename F>(F) -> AnyPicture { return ToPicture<F>(source); });
@@ -118,13 +118,13 @@ std::unique_ptr<Image> MaskOf(const AnyPicture& picture, std::int32_t depth) {
 }
 
 void SetAlphaForm(Image& image, AlphaForm form) {
+    if (image.GetAlphaForm() == form) return;
     const bool wanted = form == AlphaForm::Premultiplied;
-    if ((image.flag != 0) == wanted) return;
     AtDepth(image.depth, [&]<typename F>(F) {
         for (std::int32_t y = image.y0; y <= image.y1; ++y)
             wanted ? Multiply<F>(RowOf<F>(image, y)) : Divide<F>(RowOf<F>(image, y));
     });
-    image.flag = wanted ? 1 : 0;
+    image.DeclareAlphaForm(form);
 }
 
 void WriteImage(const Image& image, const std::filesystem::path& file) {

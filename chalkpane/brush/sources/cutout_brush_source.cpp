@@ -76,7 +76,7 @@ bool CutoutBrushSource::MakeDab(double x, double y, double angle, std::unique_pt
                           Matrix3::Rotation(-angle * std::numbers::pi / 180) * Matrix3::Translation(x, y));
     const auto placed = [&](const Image& whole) {
         Rect rect;
-        return transformer.Apply(grid.IsWhole() ? whole : *whole.Convert(cell, whole.depth), rect);
+        return transformer.Apply(grid.IsWhole() ? whole : *whole.Convert(cell, whole.GetDepth()), rect);
     };
     auto colour = placed(*frames);
     if (!colour->IsValid()) return false;

@@ -126,7 +126,7 @@ struct CorrectJob {
             }
             Colours colours{static_cast<float>(pixels[i + 2]), static_cast<float>(pixels[i + 1]),
                             static_cast<float>(pixels[i])};
-            const bool divides = result.flag != 0 && alpha < F::fullScale;
+            const bool divides = result.IsPremultiplied() && alpha < F::fullScale;
             const float a = divides ? static_cast<float>(alpha) / fullScale : 1.0F;
             if (divides) colours = {colours.red / a, colours.green / a, colours.blue / a};
             correct(curve, colours);

@@ -13,7 +13,7 @@ bool HueCC::IsIdentity(const Image& /*source*/) const { return HasNoRanges() && 
 
 void HueCC::BeginRun(const Image& source) {
     if (HasNoRanges()) return;
-    const std::int32_t size = source.depth == 0 ? 256 : 16384;
+    const std::int32_t size = source.GetDepth() == Depth::Eight ? 256 : 16384;
     const auto n = static_cast<float>(size);
     const auto peak = [](float part) { return std::max(0.0F, part / 360.0F); };
     m_turns.clear();

@@ -115,8 +115,8 @@ struct DistortJob {
         return fast ? RunRow<Kind, true> : RunRow<Kind, false>;
     }
     [[nodiscard]] RowFunction ChosenRow(bool fast) const {
-        if (source.IsMask()) return source.depth == 0 ? RowOf<Mask8>(fast) : RowOf<Mask14>(fast);
-        return source.depth == 0 ? RowOf<Colour8>(fast) : RowOf<Colour14>(fast);
+        if (source.IsMask()) return source.GetDepth() == Depth::Eight ? RowOf<Mask8>(fast) : RowOf<Mask14>(fast);
+        return source.GetDepth() == Depth::Eight ? RowOf<Colour8>(fast) : RowOf<Colour14>(fast);
     }
 };
 
@@ -132,7 +132,7 @@ void DistortFilter::Apply(const Image& source, std::unique_ptr<Image>& result, b
             MapRect(area, source.Bounds(), expand);
             if (region != nullptr) area = area.Intersection(*region);
         }
-        auto made = std::make_unique<Image>(area, source.type, source.depth, source.flag);
+        auto made = std::make_unique<Image>(area, source);
         if (!missed && made->ByteSize() > 0) {
             DistortJob job{*this, source, *made, m_edgeMode};
             BeginRun(source);

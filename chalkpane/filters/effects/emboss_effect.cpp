@@ -92,7 +92,7 @@ struct EmbossJob {
             to[0] = to[1] = to[2] = 0;
             return;
         }
-        if (source.flag != 0 && alpha < F::fullScale) shade = shade * alpha / F::fullScale;
+        if (source.IsPremultiplied() && alpha < F::fullScale) shade = shade * alpha / F::fullScale;
         const float bright = static_cast<float>(shade) / static_cast<float>(F::fullScale);
         const float limited = std::clamp(bright, 0.0F, 1.0F);
         for (std::size_t c = 0; c < 3; ++c)

@@ -99,8 +99,9 @@ void HalftoneEffect::BeginRun(const Image& source) {
     m_shades.clear();
     for (std::int32_t difference = lowestDifference; difference <= largestDifference; ++difference) {
         const float shade = Screened(static_cast<float>(difference), 0);
-        m_shades.push_back(static_cast<std::uint16_t>(source.depth == 0 ? FromByteScale<PixelFormat8>(shade)
-                                                                        : FromByteScale<PixelFormat14>(shade)));
+        m_shades.push_back(static_cast<std::uint16_t>(source.GetDepth() == Depth::Eight
+                                                          ? FromByteScale<PixelFormat8>(shade)
+                                                          : FromByteScale<PixelFormat14>(shade)));
     }
     const auto values = ShapeTile(m_shape, m_tileSize);
     if (m_shape == circle) {

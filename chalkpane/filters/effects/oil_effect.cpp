@@ -162,7 +162,7 @@ struct OilJob {
             const std::int64_t column = std::clamp<std::int64_t>(x, source.x0, source.x1) - source.x0;
             std::array<std::uint8_t, 4> pixel;
             std::copy_n(row.begin() + column * 4, 4, pixel.begin());
-            if (source.flag != 0 && pixel[3] != 0 && pixel[3] != 255)
+            if (source.IsPremultiplied() && pixel[3] != 0 && pixel[3] != 255)
                 for (std::size_t c = 0; c < 3; ++c)
                     pixel[c] = static_cast<std::uint8_t>(std::min((pixel[c] * ReciprocalTable[pixel[3]]) >> 8, 255));
             *out = Tones::Prepared(pixel.data(), levels);
@@ -207,7 +207,7 @@ std::unique_ptr<Image> Oiled(const Image& source, const Rect& work, std::int32_t
     OilJob<Tones> job(source, *result, radius, levels);
     job.template Run<&OilJob<Tones>::PrepareRow>(job.FirstLine(), job.LastLine());
     job.template Run<&OilJob<Tones>::Row>(result->y0, result->y1);
-    if (result->flag != 0) result->Premultiply(*result);
+    if (result->IsPremultiplied()) result->Premultiply(*result);
     return result;
 }
 
@@ -226,7 +226,7 @@ void OilEffect::Apply(const Image& source, std::unique_ptr<Image>& result, bool 
             return m_useIntensity ? Oiled<ByIntensity<false>>(bytes, work, radius, levels)
                                   : Oiled<ByChannel<false>>(bytes, work, radius, levels);
         };
-        return source.depth == 0 ? oil(source) : oil(*source.Convert(Rect(), 0));
+        return source.GetDepth() == Depth::Eight ? oil(source) : oil(*source.Convert(Rect(), Depth::Eight));
     });
 }
 

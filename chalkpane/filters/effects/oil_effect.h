@@ -24,7 +24,9 @@ public:
 
     void Apply(const Image& source, std::unique_ptr<Image>& result, bool fast, const Rect* region,
                bool expand) override;
-    [[nodiscard]] std::int32_t PreferredDepth(std::int32_t /*depth*/) const override { return 0; }
+    [[nodiscard]] std::int32_t PreferredDepth(std::int32_t /*depth*/) const override {
+        return static_cast<std::int32_t>(Depth::Eight);
+    }
 
 private:
     std::int32_t m_radius = 1;    // pixels

@@ -89,8 +89,9 @@ void DilateFilter::Apply(const Image& source, std::unique_ptr<Image>& result, bo
                          bool expand) {
     if (!(m_radius > 0.0)) return ApplyAsCopy(source, result);
     ApplyInWorkArea(source, result, region, 0, [&](const Rect& work) {
-        return source.depth == 0 ? Matte(source, work, fast, region, expand)
-                                 : Matte(*source.Convert(Rect(), 0), work, fast, region, expand);
+        return source.GetDepth() == Depth::Eight
+                   ? Matte(source, work, fast, region, expand)
+                   : Matte(*source.Convert(Rect(), Depth::Eight), work, fast, region, expand);
     });
 }
 

@@ -25,7 +25,9 @@ public:
     // With `region` and `expand` the result grows beyond the region: it is cut first and grows afterwards.
     void Apply(const Image& source, std::unique_ptr<Image>& result, bool fast, const Rect* region,
                bool expand) override;
-    [[nodiscard]] std::int32_t PreferredDepth(std::int32_t /*depth*/) const override { return 0; }
+    [[nodiscard]] std::int32_t PreferredDepth(std::int32_t /*depth*/) const override {
+        return static_cast<std::int32_t>(Depth::Eight);
+    }
     [[nodiscard]] Rect InputRegion(const Rect& rect, const Rect& region) const override;
     [[nodiscard]] Rect OutputRegion(const Rect& rect, const Rect& region) const override;
 

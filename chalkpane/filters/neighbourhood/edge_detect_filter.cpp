@@ -55,7 +55,7 @@ struct EdgeJob {
         : source(from),
           result(to),
           channels(static_cast<std::size_t>(ChannelCount(from))),
-          limitToAlpha(!from.IsMask() && from.flag != 0),
+          limitToAlpha(!from.IsMask() && from.IsPremultiplied()),
           table(BrightnessTable<F>(brightness)),
           slopes(static_cast<std::size_t>(std::max(MultiProcessor::Instance().ProcessorCount(), 1)),
                  std::vector<std::uint16_t>(static_cast<std::size_t>(to.Width()) * channels)) {}

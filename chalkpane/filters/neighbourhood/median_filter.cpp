@@ -132,8 +132,9 @@ void MedianFilter::Apply(const Image& source, std::unique_ptr<Image>& result, bo
                          bool expand) {
     if (m_radius <= 0) return ApplyAsCopy(source, result);
     ApplyInWorkArea(source, result, region, expand ? SupportRadius() : 0, [&](const Rect& work) {
-        return source.depth == 0 ? Medians(source, work, SupportRadius())
-                                 : Medians(*source.Convert(Rect(), 0), work, SupportRadius());
+        return source.GetDepth() == Depth::Eight
+                   ? Medians(source, work, SupportRadius())
+                   : Medians(*source.Convert(Rect(), Depth::Eight), work, SupportRadius());
     });
 }
 

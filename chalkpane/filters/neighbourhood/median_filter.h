@@ -22,7 +22,9 @@ public:
                bool expand) override;
     [[nodiscard]] bool MovesPixels() const override { return true; }
     [[nodiscard]] bool IsActive() const override { return m_radius > 0; }
-    [[nodiscard]] std::int32_t PreferredDepth(std::int32_t /*depth*/) const override { return 0; }
+    [[nodiscard]] std::int32_t PreferredDepth(std::int32_t /*depth*/) const override {
+        return static_cast<std::int32_t>(Depth::Eight);
+    }
     [[nodiscard]] Rect InputRegion(const Rect& rect, const Rect& region) const override;
     [[nodiscard]] Rect OutputRegion(const Rect& rect, const Rect& region) const override;
 

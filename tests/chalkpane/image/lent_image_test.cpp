@@ -60,6 +60,28 @@ TEST_CASE("Named images have the type, depth and flag that the numbers give") {
     CHECK(mask.GetPixelType() == PixelType::Mask);
 }
 
+TEST_CASE("An image of another's format has its numbers, and compares as of its format") {
+    const Image model(Rect(0, 0, 1, 1), PixelType::Colour, Depth::Fourteen, AlphaForm::Premultiplied);
+    const Image same(Rect(5, 5, 7, 5), model);
+    CHECK_EQ(same.Bounds(), Rect(5, 5, 7, 5));
+    CHECK_EQ(same.type, 1);
+    CHECK_EQ(same.depth, 1);
+    CHECK_EQ(same.flag, 1);
+    CHECK(same.HasFormatOf(model));
+    CHECK_FALSE(model.HasFormatOf(Image(2, 2, PixelType::Colour, Depth::Eight, AlphaForm::Premultiplied)));
+    CHECK_FALSE(model.HasFormatOf(Image(2, 2, PixelType::Mask, Depth::Fourteen, AlphaForm::Straight)));
+    // The form of alpha is no matter of format: the channels and their bits are the same.
+    CHECK(model.HasFormatOf(Image(2, 2, PixelType::Colour, Depth::Fourteen, AlphaForm::Straight)));
+}
+
+TEST_CASE("Declaring the alpha form changes no pixel") {
+    Image image = Image::Colour(1, 1, Depth::Eight, AlphaForm::Straight);
+    for (auto& channel : image.Row8(0)) channel = 100;
+    image.DeclareAlphaForm(AlphaForm::Premultiplied);
+    CHECK(image.IsPremultiplied());
+    CHECK_EQ(image.GetPixel8(0, 0), Pixel8{100, 100, 100, 100});
+}
+
 TEST_CASE("Any stored depth but 0 reads as fourteen bits, and any stored type but 2 as colour") {
     const ImageDefinition odd(Rect(0, 0, 0, 0), 99, -1, 7);
     CHECK(odd.GetDepth() == Depth::Fourteen);
