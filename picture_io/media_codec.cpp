@@ -61,8 +61,6 @@ AVCodecID DecoderOf(PictureFormat format) {
             return AV_CODEC_ID_PGM;
         case PictureFormat::Pam:
             return AV_CODEC_ID_PAM;
-        case PictureFormat::Gif:
-            return AV_CODEC_ID_GIF;
         default:
             return AV_CODEC_ID_PPM;
     }
@@ -70,7 +68,7 @@ AVCodecID DecoderOf(PictureFormat format) {
 
 Owned<AVFrame> DecodedFrame(const Bytes& bytes, const FormatRow& format) {
     const AVCodec* const codec = avcodec_find_decoder(DecoderOf(format.format));
-    if (codec == nullptr) throw cli::Error("a " + std::string(format.name) + " cannot be read on this machine");
+    if (codec == nullptr) throw cli::Error(WithArticle(format) + " cannot be read on this machine");
     const auto context = Taken(avcodec_alloc_context3(codec));
     context->max_pixels = std::int64_t{largestPictureSide} * largestPictureSide;
     // What is damaged is refused; but of a TIFF the decoder would refuse every tag that it has no use for, too.
@@ -225,7 +223,7 @@ AnyPicture DecodeMedia(const Bytes& bytes, const FormatRow& format, bool wantsWo
 Bytes EncodeMedia(const AnyPicture& picture, const FormatRow& format, const WriteOptions& options, Channels channels) {
     av_log_set_level(AV_LOG_QUIET);
     const AVCodec* const codec = EncoderOf(format.format, channels);
-    if (codec == nullptr) throw cli::Error("a " + std::string(format.name) + " cannot be written on this machine");
+    if (codec == nullptr) throw cli::Error(WithArticle(format) + " cannot be written on this machine");
     const auto context = Taken(avcodec_alloc_context3(codec));
     const auto frame = Taken(av_frame_alloc());
     std::visit([&](const auto& any) { frame->width = any.width, frame->height = any.height; }, picture);

@@ -10,7 +10,7 @@
 
 namespace picture_io {
 
-// The formats besides PNG and JPEG, through libavcodec. All throw Error with the reason alone.
+// The formats besides PNG, JPEG, GIF, AVIF and HEIC, through libavcodec. All throw Error with the reason alone.
 
 // The first picture in the bytes; in words where the file has more than 8 bits a channel and `wantsWords`.
 [[nodiscard]] AnyPicture DecodeMedia(const std::vector<std::uint8_t>& bytes, const FormatRow& format, bool wantsWords,

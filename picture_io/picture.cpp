@@ -77,10 +77,7 @@ Picture ReadPicture(const std::filesystem::path& file) {
 
 AnyPicture ReadAnyPicture(const std::filesystem::path& file) { return ReadPictureFile(file).picture; }
 
-bool IsPictureName(const std::filesystem::path& file) {
-    const FormatRow* const format = FormatOfName(file);
-    return format != nullptr && format->isWritten;
-}
+bool IsPictureName(const std::filesystem::path& file) { return FormatOfName(file) != nullptr; }
 
 void WritePicture(const Picture& picture, const std::filesystem::path& file) {
     cli::WriteFileWhole(file, EncodedFor(file, picture));

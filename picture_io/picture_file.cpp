@@ -10,6 +10,8 @@
 #include "picture_io/channels.h"
 #include "picture_io/decoded.h"
 #include "picture_io/exif.h"
+#include "picture_io/gif_codec.h"
+#include "picture_io/heif_codec.h"
 #include "picture_io/jpeg_codec.h"
 #include "picture_io/media_codec.h"
 #include "picture_io/oriented.h"
@@ -52,11 +54,16 @@ Bytes EncodedPng(const AnyPicture& picture, const WriteOptions& options, Channel
     return WithPngInfo(std::move(png), options.info);
 }
 
+bool IsHeif(const FormatRow& format) {
+    return format.format == PictureFormat::Avif || format.format == PictureFormat::Heic;
+}
+
 template <typename Word>
-void CompositeOver(BasicPicture<Word>& picture, const std::array<std::uint8_t, 3>& colour) {
+void CompositeOver(BasicPicture<Word>& picture, const std::array<std::uint8_t, 3>& colour, ClearPixels clear) {
     constexpr std::uint64_t full = static_cast<Word>(~Word{0});
     for (std::size_t i = 0; i < picture.rgba.size(); i += 4) {
         const std::uint64_t alpha = picture.rgba[i + 3];
+        if (alpha == 0 && clear == ClearPixels::Kept) continue;
         for (std::size_t channel = 0; channel < 3; ++channel) {
             const std::uint64_t below = colour[channel] * (full / 255);
             picture.rgba[i + channel] =
@@ -79,6 +86,13 @@ PictureFile DecodePictureFile(const Bytes& bytes, Depths depths) {
         case PictureFormat::Jpeg:
             file.picture = DecodeJpeg(bytes, file.info);
             break;
+        case PictureFormat::Gif:
+            file.picture = DecodeGif(bytes, file.info);
+            break;
+        case PictureFormat::Avif:
+        case PictureFormat::Heic:
+            file.picture = DecodeHeif(bytes, *format, depths == Depths::Any, file.info);
+            return file;
         default:
             file.picture = DecodeMedia(bytes, *format, depths == Depths::Any, file.info);
     }
@@ -104,19 +118,28 @@ PictureFile ReadNamed(const std::filesystem::path& file, Depths depths) {
 PictureFile ReadPictureFile(const std::filesystem::path& file) { return ReadNamed(file, Depths::Any); }
 
 Bytes EncodePictureFile(const AnyPicture& picture, const FormatRow& format, const WriteOptions& options) {
-    if (!format.isWritten) throw cli::Error("a " + std::string(format.name) + " is not written here; " + EndingsRule());
     if (!format.hasWords && std::holds_alternative<Picture16>(picture))
-        throw cli::Error("a " + std::string(format.name) + " has 8 bits a channel; 16 bits need a name in .png");
+        throw cli::Error(WithArticle(format) + " has 8 bits a channel; 16 bits need a name in .png");
     const Channels channels = ChannelsFor(picture, format, options);
     const bool isGrey = channels == Channels::Grey || channels == Channels::GreyAlpha;
     if (!format.hasColour && !isGrey)
-        throw cli::Error("a " + std::string(format.name) + " is grey, and this picture is not; a .ppm has colors");
-    if (format.format != PictureFormat::Png && format.format != PictureFormat::Jpeg)
-        return EncodeMedia(picture, format, options, channels);
+        throw cli::Error(WithArticle(format) + " is grey, and this picture is not; a .ppm has colors");
     WriteOptions fitting = options;
-    if (!FitsProfile(fitting.info.profile, isGrey)) fitting.info.profile.clear();
-    if (format.format == PictureFormat::Jpeg) return EncodeJpeg(std::get<Picture>(picture), fitting, isGrey);
-    return EncodedPng(picture, fitting, channels);
+    const bool staysGrey = isGrey && !IsHeif(format);  // which keeps colours alone here
+    if (!FitsProfile(fitting.info.profile, staysGrey)) fitting.info.profile.clear();
+    switch (format.format) {
+        case PictureFormat::Png:
+            return EncodedPng(picture, fitting, channels);
+        case PictureFormat::Jpeg:
+            return EncodeJpeg(std::get<Picture>(picture), fitting, isGrey);
+        case PictureFormat::Gif:
+            return EncodeGif(std::get<Picture>(picture));
+        case PictureFormat::Avif:
+        case PictureFormat::Heic:
+            return EncodeHeif(std::get<Picture>(picture), format, fitting);
+        default:
+            return EncodeMedia(picture, format, options, channels);
+    }
 }
 
 bool ShowsThrough(const AnyPicture& picture) {
@@ -124,8 +147,19 @@ bool ShowsThrough(const AnyPicture& picture) {
     return fitting == Channels::RGBA;
 }
 
-AnyPicture OverColour(AnyPicture picture, const std::array<std::uint8_t, 3>& colour) {
-    std::visit([&](auto& any) { CompositeOver(any, colour); }, picture);
+bool ShowsInPart(const AnyPicture& picture) {
+    return std::visit(
+        []<typename Word>(const BasicPicture<Word>& any) {
+            constexpr auto full = static_cast<Word>(~Word{0});
+            for (std::size_t i = 3; i < any.rgba.size(); i += 4)
+                if (any.rgba[i] != 0 && any.rgba[i] != full) return true;
+            return false;
+        },
+        picture);
+}
+
+AnyPicture OverColour(AnyPicture picture, const std::array<std::uint8_t, 3>& colour, ClearPixels clear) {
+    std::visit([&](auto& any) { CompositeOver(any, colour, clear); }, picture);
     return picture;
 }
 

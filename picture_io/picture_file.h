@@ -28,8 +28,13 @@ struct PictureFile {
 
 // True: some pixel is not opaque.
 [[nodiscard]] bool ShowsThrough(const AnyPicture& picture);
+// True: some pixel is neither opaque nor clear.
+[[nodiscard]] bool ShowsInPart(const AnyPicture& picture);
 
-// The picture over one colour, red, green and blue as bytes: opaque. Rounds to the nearest.
-[[nodiscard]] AnyPicture OverColour(AnyPicture picture, const std::array<std::uint8_t, 3>& colour);
+// The picture over one colour, red, green and blue as bytes: opaque, but that clear pixels may stay so. Rounds to the
+// nearest.
+enum class ClearPixels : std::uint8_t { Covered, Kept };
+[[nodiscard]] AnyPicture OverColour(AnyPicture picture, const std::array<std::uint8_t, 3>& colour,
+                                    ClearPixels clear = ClearPixels::Covered);
 
 }  // namespace picture_io

@@ -24,6 +24,10 @@ constexpr std::array starts{
     Start{PictureFormat::Tiff, "MM\0*"sv},
     Start{PictureFormat::Gif, "GIF8"sv},
     Start{PictureFormat::Bmp, "BM????\0\0\0\0"sv},
+    Start{PictureFormat::Avif, "????ftypavi"sv},
+    Start{PictureFormat::Heic, "????ftyphe"sv},
+    Start{PictureFormat::Heic, "????ftypmif1"sv},
+    Start{PictureFormat::Heic, "????ftypmsf1"sv},
     Start{PictureFormat::Pgm, "P5"sv},
     Start{PictureFormat::Pnm, "P6"sv},
     Start{PictureFormat::Pam, "P7\n"sv},
@@ -40,22 +44,28 @@ bool BeginsWith(std::span<const std::uint8_t> bytes, std::string_view start) {
 
 std::span<const FormatRow> PictureFormats() {
     static const std::vector<FormatRow> rows{
-        // format, name, endings, is written, words, alpha
-        {PictureFormat::Png, "PNG", {".png"}, true, true, true},
-        {PictureFormat::Jpeg, "JPEG", {".jpg", ".jpeg"}, true, false, false},
-        {PictureFormat::WebP, "WebP", {".webp"}, true, false, true},
-        {PictureFormat::Tiff, "TIFF", {".tif", ".tiff"}, true, true, true},
-        {PictureFormat::Bmp, "BMP", {".bmp"}, true, false, false},
-        {PictureFormat::Pnm, "PPM", {".ppm", ".pnm"}, true, true, false},
-        {PictureFormat::Pgm, "PGM", {".pgm"}, true, true, false, false},
-        {PictureFormat::Pam, "PAM", {".pam"}, true, true, true},
-        {PictureFormat::Gif, "GIF", {".gif"}, false, false, true},
+        // format, name, endings, words, alpha, colour, clear, exact
+        {PictureFormat::Png, "PNG", {".png"}, true, true},
+        {PictureFormat::Jpeg, "JPEG", {".jpg", ".jpeg"}, false, false, true, false, false},
+        {PictureFormat::WebP, "WebP", {".webp"}, false, true},
+        {PictureFormat::Tiff, "TIFF", {".tif", ".tiff"}, true, true},
+        {PictureFormat::Bmp, "BMP", {".bmp"}, false, false},
+        {PictureFormat::Pnm, "PPM", {".ppm", ".pnm"}, true, false},
+        {PictureFormat::Pgm, "PGM", {".pgm"}, true, false, false},
+        {PictureFormat::Pam, "PAM", {".pam"}, true, true},
+        {PictureFormat::Gif, "GIF", {".gif"}, false, false, true, true, false},
+        {PictureFormat::Avif, "AVIF", {".avif"}, false, true},
+        {PictureFormat::Heic, "HEIC", {".heic", ".heif"}, false, true},
     };
     return rows;
 }
 
 const FormatRow& RowOf(PictureFormat format) {
     return *std::ranges::find(PictureFormats(), format, &FormatRow::format);
+}
+
+std::string WithArticle(const FormatRow& format) {
+    return (format.name.starts_with('A') ? "an " : "a ") + std::string(format.name);
 }
 
 const FormatRow* FormatOfName(const std::filesystem::path& file) {
@@ -75,7 +85,7 @@ const std::string& EndingsRule() {
     static const std::string rule = [] {
         std::vector<std::string> endings;
         for (const FormatRow& row : PictureFormats())
-            if (row.isWritten) endings.insert(endings.end(), row.endings.begin(), row.endings.end());
+            endings.insert(endings.end(), row.endings.begin(), row.endings.end());
         return "pictures end in " + cli::WordList(endings, "or");
     }();
     return rule;

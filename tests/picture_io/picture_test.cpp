@@ -141,14 +141,11 @@ TEST_CASE("A picture without pixels, or with too many, is refused") {
 
 TEST_CASE("A picture under another ending is not written") {
     const TemporaryFolder folder;
-    const auto file = folder / "picture.gif";
+    const auto file = folder / "picture.txt";
     CHECK_EQ(Thrown([&] { WritePicture(Gradient(2, 2), file); }),
              file.string() +
-                 ": a GIF is not written here; pictures end in .png, .jpg, .jpeg, .webp, .tif, .tiff, .bmp, .ppm, "
-                 ".pnm, .pgm or .pam");
-    CHECK_EQ(Thrown([&] { WritePicture(Gradient(2, 2), folder / "picture.txt"); }),
-             (folder / "picture.txt").string() +
-                 ": pictures end in .png, .jpg, .jpeg, .webp, .tif, .tiff, .bmp, .ppm, .pnm, .pgm or .pam");
+                 ": pictures end in .png, .jpg, .jpeg, .webp, .tif, .tiff, .bmp, .ppm, .pnm, .pgm, .pam, "
+                 ".gif, .avif, .heic or .heif");
     CHECK_FALSE(IsPictureName(file));
     CHECK(IsPictureName("a.jpeg"));
     CHECK_EQ(folder.Entries(), 0);

@@ -38,7 +38,9 @@ struct SavedPreset {
 
 // --quality, --background and --strip.
 inline void AddLookOptions(CLI::App& command, PictureLook& look) {
-    command.add_option("--quality", look.quality, "Of a JPEG, 1 to 100 (default: 95); of a WebP, 100 loses nothing")
+    command
+        .add_option("--quality", look.quality,
+                    "Of a JPEG, 1 to 100 (default: 95); of a WebP, AVIF or HEIC, 100 loses nothing")
         ->type_name("NUMBER")
         ->check(CLI::Range(1, 100));
     command.add_option("--background", look.background, "What shows through in formats without alpha (default: white)")

@@ -37,8 +37,7 @@ std::array<std::uint8_t, 3> BackgroundOf(const PictureLook& look) {
 void RequireDepth(const std::filesystem::path& file, std::int32_t depth) {
     const FormatRow& format = FormatFor(file);
     if (depth != 0 && !format.hasWords)
-        throw cli::Error(file.string(), {},
-                         "a " + std::string(format.name) + " has 8 bits a channel; 16 bits need a name in .png");
+        throw cli::Error(file.string(), {}, WithArticle(format) + " has 8 bits a channel; 16 bits need a name in .png");
 }
 
 LookedAfter LookAfter(picture_io::AnyPicture picture, const std::filesystem::path& file, const PictureLook& look,
@@ -54,10 +53,14 @@ LookedAfter LookAfter(picture_io::AnyPicture picture, const std::filesystem::pat
         result.options.info.hasAlpha = info->hasAlpha;
         if (!look.strips) result.options.info = *info;
     }
-    if (!format.hasAlpha && ShowsThrough(result.picture)) {
-        result.picture = OverColour(std::move(result.picture), background);
-        std::fprintf(stderr, "chalkpane: %s: a %s has no alpha; the picture is laid on %s\n", file.c_str(),
-                     std::string(format.name).c_str(), look.background.empty() ? "white" : look.background.c_str());
+    const bool isLaid =
+        !format.hasAlpha && (format.hasClear ? ShowsInPart(result.picture) : ShowsThrough(result.picture));
+    if (isLaid) {
+        const auto clear = format.hasClear ? picture_io::ClearPixels::Kept : picture_io::ClearPixels::Covered;
+        result.picture = OverColour(std::move(result.picture), background, clear);
+        std::fprintf(stderr, "chalkpane: %s: %s has no alpha%s; the picture is laid on %s\n", file.c_str(),
+                     WithArticle(format).c_str(), format.hasClear ? " but full and none" : "",
+                     look.background.empty() ? "white" : look.background.c_str());
     }
     return result;
 }
