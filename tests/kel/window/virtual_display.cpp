@@ -38,7 +38,7 @@ std::string ReadLine(int end) {
 
 bool VirtualDisplay::IsPossible() { return std::system("command -v Xvfb >/dev/null 2>&1") == 0; }
 
-VirtualDisplay::VirtualDisplay() {
+VirtualDisplay::VirtualDisplay(ScreenSize size) {
     std::array<int, 2> ends{};
     if (pipe(ends.data()) != 0) throw std::runtime_error("no pipe");
     m_server = fork();
@@ -48,7 +48,8 @@ VirtualDisplay::VirtualDisplay() {
         dup2(nowhere, STDERR_FILENO);
         close(ends[0]);
         const std::string number = std::to_string(ends[1]);
-        execlp("Xvfb", "Xvfb", "-displayfd", number.c_str(), "-screen", "0", "1600x1000x24", "-nolisten", "tcp",
+        const std::string screen = std::to_string(size.width) + "x" + std::to_string(size.height) + "x24";
+        execlp("Xvfb", "Xvfb", "-displayfd", number.c_str(), "-screen", "0", screen.c_str(), "-nolisten", "tcp",
                "-noreset", nullptr);
         _exit(127);
     }

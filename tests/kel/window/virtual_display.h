@@ -19,12 +19,17 @@ struct WindowPlace {
     std::int32_t height = 0;
 };
 
-// A display of its own without a screen anybody sees, 1600 x 1000, with a pointer and a keyboard.
+struct ScreenSize {
+    std::int32_t width = 1600;  // pixels
+    std::int32_t height = 1000;
+};
+
+// A display of its own without a screen anybody sees, with a pointer and a keyboard.
 class VirtualDisplay {
 public:
     [[nodiscard]] static bool IsPossible();  // there is an Xvfb
 
-    VirtualDisplay();
+    explicit VirtualDisplay(ScreenSize size = {});
     ~VirtualDisplay();
     VirtualDisplay(const VirtualDisplay&) = delete;
     VirtualDisplay& operator=(const VirtualDisplay&) = delete;
