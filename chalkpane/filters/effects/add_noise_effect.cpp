@@ -1,7 +1,10 @@
 #include "chalkpane/filters/effects/add_noise_effect.h"
 
+#include <algorithm>
 #include <array>
 
+#include "chalkpane/base/cpu_features.h"
+#include "chalkpane/filters/effects/add_noise_row.h"
 #include "chalkpane/filters/row_filter.h"
 
 namespace chalkpane {
@@ -19,7 +22,10 @@ constexpr std::array<std::string_view, 2> channelChoices{"Luma", "RGB"};
 template <typename F>
 constexpr float noiseScale = F::bits == 8 ? 255.0F : 32766.0F;
 
-float UniformNoise(GrainRandom& random) { return static_cast<float>(random.Next15()) / 32767.0F - 0.5F; }
+constexpr float evenDivisor = 32767.0F;
+constexpr float bellDivisor = 98301.0F;
+
+float UniformNoise(GrainRandom& random) { return static_cast<float>(random.Next15()) / evenDivisor - 0.5F; }
 float GaussianNoise(GrainRandom& random) { return random.Gauss(); }
 
 template <typename F>
@@ -44,6 +50,25 @@ void AddToRow(std::span<typename F::Channel> pixels, float amplitude, std::int32
     shared = random;
 }
 
+// Shorter rows are not worth the generators' start.
+constexpr std::size_t leastPixelsInLanes = 64;
+
+// The same, where every pixel passes, by sixteen generators at once.
+template <typename F>
+void AddInLanes(std::span<typename F::Channel> pixels, const GrainLanes& lanes, bool eachChannel,
+                const NoiseScale& scale, const GrainRandom& start) {
+    alignas(32) GrainLanes::Numbers numbers;
+    lanes.DrawAvx2(start, numbers);
+    const NoiseSums sums{numbers[eachChannel ? 2 : 0].data(), numbers[eachChannel ? 1 : 0].data(), numbers[0].data()};
+    const std::array<const std::int32_t*, 3> ofChannel{sums.blue, sums.green, sums.red};
+    for (std::size_t i = AddNoiseAvx2(pixels, sums, scale); i + 3 < pixels.size(); i += 4) {
+        for (std::size_t c = 0; c < 3; ++c) {
+            const float sum = static_cast<float>(ofChannel[c][i / 4]);
+            AddTo<F>(pixels[i + c], (sum / scale.divisor - scale.middle) * scale.amplitude);
+        }
+    }
+}
+
 }  // namespace
 
 std::span<const std::string_view> AddNoiseEffect::Choices(std::uint8_t code) {
@@ -55,29 +80,66 @@ std::span<const std::string_view> AddNoiseEffect::Choices(std::uint8_t code) {
 void AddNoiseEffect::Apply(const Image& source, std::unique_ptr<Image>& result, bool fast, const Rect* region,
                            bool expand) {
     if (m_level == 0.0F || m_density == 0) return ApplyAsCopy(source, result);
+    if (region == nullptr)
+        PrepareRows(source);
+    else if (region->Intersects(source))
+        PrepareRows(source.Intersection(*region));
     PointFilter::Apply(source, result, fast, region, expand);
 }
 
+GrainDraws AddNoiseEffect::Draws() const { return {m_channels == rgb ? 3U : 1U, m_distribution == uniform ? 1U : 6U}; }
+
+// Pieces of one length, as few as there can be.
+void AddNoiseEffect::PrepareRows(const Rect& area) {
+    const auto pixels = static_cast<std::size_t>(std::max(area.Width(), 1));
+    const std::size_t pieces = (pixels + GrainLanes::mostPixels - 1) / GrainLanes::mostPixels;
+    m_rows.first = area.y0;
+    m_rows.each = GrainJump::Of(pixels * Draws().PerPixel());
+    m_rows.piecePixels = (pixels + pieces - 1) / pieces;
+    m_rows.piece = GrainJump::Of(m_rows.piecePixels * Draws().PerPixel());
+    m_rows.lanes = GrainLanes(m_rows.piecePixels, Draws());
+}
+
 template <typename F>
-void AddNoiseEffect::AddNoise(std::span<typename F::Channel> pixels) {
+void AddNoiseEffect::AddInOrder(std::span<typename F::Channel> pixels, GrainRandom& random) const {
     const float amplitude = m_level * noiseScale<F>;
     const bool each = m_channels == rgb;
     if (m_distribution == uniform)
         (each ? AddToRow<F, UniformNoise, true> : AddToRow<F, UniformNoise, false>)(pixels, amplitude, m_density,
-                                                                                    m_random);
+                                                                                    random);
     else
         (each ? AddToRow<F, GaussianNoise, true> : AddToRow<F, GaussianNoise, false>)(pixels, amplitude, m_density,
-                                                                                      m_random);
+                                                                                      random);
 }
 
-void AddNoiseEffect::ProcessRow16(std::int32_t /*firstX*/, std::int32_t /*lastX*/, std::int32_t /*y*/,
+template <typename F>
+void AddNoiseEffect::AddNoise(std::int32_t y, std::span<typename F::Channel> pixels) {
+    if (!CanRunInParallel()) return AddInOrder<F>(pixels, m_random);
+    GrainRandom random = m_random;
+    random.Jump(m_rows.each.Repeated(static_cast<std::uint32_t>(std::int64_t{y} - m_rows.first)));
+    if constexpr (builtWithAvx2) {
+        if (HasAvx2() && pixels.size() >= 4 * leastPixelsInLanes) {
+            const bool even = m_distribution == uniform;
+            const NoiseScale scale{even ? evenDivisor : bellDivisor, even ? 0.5F : 1.0F, m_level * noiseScale<F>};
+            for (const std::size_t most = 4 * m_rows.piecePixels; !pixels.empty(); random.Jump(m_rows.piece)) {
+                const std::size_t size = std::min(most, pixels.size());
+                AddInLanes<F>(pixels.first(size), m_rows.lanes, m_channels == rgb, scale, random);
+                pixels = pixels.subspan(size);
+            }
+            return;
+        }
+    }
+    AddInOrder<F>(pixels, random);
+}
+
+void AddNoiseEffect::ProcessRow16(std::int32_t /*firstX*/, std::int32_t /*lastX*/, std::int32_t y,
                                   std::span<std::uint16_t> pixels) {
-    AddNoise<PixelFormat14>(pixels);
+    AddNoise<PixelFormat14>(y, pixels);
 }
 
-void AddNoiseEffect::ProcessRow8(std::int32_t /*firstX*/, std::int32_t /*lastX*/, std::int32_t /*y*/,
+void AddNoiseEffect::ProcessRow8(std::int32_t /*firstX*/, std::int32_t /*lastX*/, std::int32_t y,
                                  std::span<std::uint8_t> pixels) {
-    AddNoise<PixelFormat8>(pixels);
+    AddNoise<PixelFormat8>(y, pixels);
 }
 
 }  // namespace chalkpane

@@ -5,6 +5,7 @@
 #include <span>
 
 #include "chalkpane/filters/filter_class.h"
+#include "chalkpane/filters/noise/grain_lanes.h"
 #include "chalkpane/filters/noise/grain_random.h"
 #include "chalkpane/filters/point_filter.h"
 
@@ -32,18 +33,34 @@ public:
                       std::span<std::uint16_t> pixels) override;
     void ProcessRow8(std::int32_t firstX, std::int32_t lastX, std::int32_t y, std::span<std::uint8_t> pixels) override;
     void Prepare() override { m_random.Seed(0); }
-    // The sequence runs on from row to row.
-    [[nodiscard]] bool CanRunInParallel() const override { return false; }
+    // The sequence runs on from row to row: where every pixel draws the same, to any row at once.
+    [[nodiscard]] bool CanRunInParallel() const override { return m_density >= wholeDensity; }
 
 private:
+    static constexpr std::int32_t wholeDensity = 99;  // the largest remainder that a pixel draws
+
+    // The rows of the run under way, where each can be reached at once.
+    struct Rows {
+        std::int32_t first = 0;
+        GrainJump each;   // draws of a row
+        GrainJump piece;  // draws of a piece of a row
+        std::size_t piecePixels = 0;
+        GrainLanes lanes;  // of a piece
+    };
+
+    void PrepareRows(const Rect& area);
+    [[nodiscard]] GrainDraws Draws() const;
     template <typename F>
-    void AddNoise(std::span<typename F::Channel> pixels);
+    void AddNoise(std::int32_t y, std::span<typename F::Channel> pixels);
+    template <typename F>
+    void AddInOrder(std::span<typename F::Channel> pixels, GrainRandom& random) const;
 
     float m_level = 0.0F;
     std::uint8_t m_distribution = 0;
     std::uint8_t m_channels = 0;
     std::int32_t m_density = 100;  // per cent
     GrainRandom m_random;
+    Rows m_rows;
 };
 
 }  // namespace chalkpane

@@ -2,6 +2,9 @@
 
 #include <doctest/doctest.h>
 
+#include <array>
+
+using chalkpane::GrainJump;
 using chalkpane::GrainRandom;
 
 // Seed 0: a = 3, b = 1, c = 1. First: t = 3, c = 30903, result 30906. Then t = 1 * 3 = 3, c = 30903 * 30903 =
@@ -38,4 +41,27 @@ TEST_CASE("GrainRandom's bell curve stays within -1 and 1 and takes six draws") 
         CHECK(value >= -1.0F);
         CHECK(value <= 1.0F);
     }
+}
+
+TEST_CASE("A jump of GrainRandom is as many draws") {
+    for (const std::uint32_t seed : std::array{0u, 1u, 5u, 190423u, 2025259005u}) {
+        GrainRandom drawn(seed);
+        for (std::uint64_t draws = 0; draws < 300; ++draws) {
+            CAPTURE(seed);
+            CAPTURE(draws);
+            GrainRandom jumped(seed);
+            jumped.Jump(GrainJump::Of(draws));
+            GrainRandom after = drawn;
+            for (int more = 0; more < 3; ++more) CHECK_EQ(jumped.Next(), after.Next());
+            drawn.Next();
+        }
+    }
+}
+
+TEST_CASE("Jumps of GrainRandom one after the other are the jump of their sum") {
+    GrainRandom one(7);
+    GrainRandom many(7);
+    one.Jump(GrainJump::Of(1000003u * 7u + 12345u));
+    many.Jump(GrainJump::Of(7).Repeated(1000003).Then(GrainJump::Of(12345)));
+    for (int draw = 0; draw < 10; ++draw) CHECK_EQ(one.Next(), many.Next());
 }
