@@ -149,8 +149,9 @@ TEST_CASE("What chalkpane filter cannot do is told in one line, and nothing is w
     CheckRefused("bytes.png o.png --apply Median:Radius=x", "Median: Radius: \"x\" is not a whole number");
     CheckRefused("none.png o.png" + invert, "none.png: cannot be read: No such file or directory");
     CheckRefused("bytes.png no/o.png" + invert, "no/o.png: cannot be written: there is no folder no");
-    CheckRefused("bytes.png o.gif" + invert,
-                 "o.gif: pictures end in .png, .jpg, .jpeg, .webp, .tif, .tiff, .bmp, .ppm, .pnm, .pgm or .pam");
+    CheckRefused("bytes.png o.txt" + invert,
+                 "o.txt: pictures end in .png, .jpg, .jpeg, .webp, .tif, .tiff, .bmp, .ppm, .pnm, .pgm, .pam, .gif, "
+                 ".avif, .heic or .heif");
     CheckRefused("words.png o.jpg" + invert, "o.jpg: a JPEG has 8 bits a channel; 16 bits need a name in .png");
     CheckRefused("bytes.png o.png --region 1,1,2" + invert,
                  "--region: \"1,1,2\" is not 4 numbers with commas between them");

@@ -185,8 +185,9 @@ TEST_CASE_FIXTURE(PresetFolder, "A curve is printed in columns or plotted") {
     CHECK_EQ(Open("plot.png").width, 1200);
     CheckRefusal(Run("curve up.preset Brihgtness"),
                  "up.preset: there is no parameter \"Brihgtness\"; did you mean \"Brightness\"?");
-    CheckRefusal(Run("curve up.preset Brightness --png plot.gif"),
-                 "plot.gif: pictures end in .png, .jpg, .jpeg, .webp, .tif, .tiff, .bmp, .ppm, .pnm, .pgm or .pam");
+    CheckRefusal(Run("curve up.preset Brightness --png plot.txt"),
+                 "plot.txt: pictures end in .png, .jpg, .jpeg, .webp, .tif, .tiff, .bmp, .ppm, .pnm, .pgm, .pam, .gif, "
+                 ".avif, .heic or .heif");
     Write("graph.preset", "filter 'Luma Graph' {}");
     CheckRefusal(Run("curve graph.preset 'LUT Graph'"),
                  "graph.preset: \"LUT Graph\" has no curve, as it is not made of numbers");

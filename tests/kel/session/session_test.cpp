@@ -207,7 +207,7 @@ TEST_CASE("An event needs no container where only one has a plug-in") {
 TEST_CASE("A saved picture has a name without a folder") {
     CHECK_EQ(RefusalWith("/events/6/save", "../eight.png"),
              "s.json: /events/6/save: must be a file name without a folder; `kel play --saves` says where to");
-    CHECK_EQ(RefusalWith("/events/6/save", "eight.gif"),
+    CHECK_EQ(RefusalWith("/events/6/save", "eight.txt"),
              "s.json: /events/6/save: must be a file name that ends in .png, .jpg or .jpeg");
     CHECK_EQ(RefusalWith("/events/6/save", ".png"),
              "s.json: /events/6/save: must be a file name that ends in .png, .jpg or .jpeg");
