@@ -6,6 +6,7 @@
 #include <string_view>
 #include <type_traits>
 
+#include "chalkpane/composite/blend_byte_formulas.h"
 #include "chalkpane/composite/blend_kernels.h"
 #include "chalkpane/composite/hsv.h"
 #include "chalkpane/image/pixel_format.h"
@@ -79,7 +80,9 @@ struct ChannelFormulas {
         return std::min(sum < s ? Channel{full} : sum, Channel{full});
     }
     static constexpr Channel Subtract(Channel s, Channel d) { return static_cast<Channel>(std::max(s, d) - s); }
-    static constexpr Int Difference(Int s, Int d) { return s > d ? s - d : d - s; }
+    static constexpr Channel Difference(Channel s, Channel d) {
+        return static_cast<Channel>(std::max(s, d) - std::min(s, d));
+    }
     static constexpr Int Multiply(Int s, Int d) { return F::Scale(s, d); }
     static constexpr Int DarkenOnly(Int s, Int d) { return std::min(s, d); }
     // KEEP: Burn and Dodge divide by the destination, the Color forms by the source.
@@ -111,6 +114,16 @@ struct ChannelFormulas {
     static constexpr Int Exclusion(Int s, Int d) { return d + F::Scale(full - 2 * d, s); }
     static constexpr Int Negation(Int s, Int d) { return full - std::abs(full - s - d); }
 };
+
+// The same where bytes have narrower forms.
+struct ChannelFormulas8 : ChannelFormulas<Format8> {
+    static constexpr auto Overlay = &ByteFormulas::Overlay;
+    static constexpr auto HardLight = &ByteFormulas::HardLight;
+    static constexpr auto SoftLight = &ByteFormulas::SoftLight;
+    static constexpr auto Exclusion = &ByteFormulas::Exclusion;
+};
+template <typename F>
+using NarrowestFormulas = std::conditional_t<F::bits == 8, ChannelFormulas8, ChannelFormulas<F>>;
 
 // A whole pixel from two.
 template <typename F>
@@ -169,10 +182,10 @@ struct PixelFormulas {
 // In index order: a brush holds the index. The names are what the operator reads; a mode without one is for internal
 // use.
 inline constexpr std::string_view unnamed;
-template <typename F, typename C = ChannelFormulas<F>, typename P = PixelFormulas<F>>
+template <typename F, typename C = NarrowestFormulas<F>, typename P = PixelFormulas<F>>
 inline constexpr auto blendModes = std::to_array<BlendMode<F>>({
     {"Normal", &CopyRow<F, From::source>},
-    {"Add", &EachChannel<F, C::Add>},
+    {"Add", &AddRow<F, C::Add>},
     {"Subtract", &EachChannel<F, C::Subtract>},
     {"Difference", &EachChannel<F, C::Difference>},
     {"Multiply", &EachChannel<F, C::Multiply>},

@@ -72,6 +72,19 @@ void EachChannel(const Channel* source, const Channel* destination, Channel* out
     CallWidest([=] { BlendEachChannel<formula, Channel>({source, destination, output, count}); });
 }
 
+// Sums that stop at full scale, which is an instruction for bytes. Returns the pixels done: whole blocks. Needs AVX2,
+// and is there where `builtWithAvx2`.
+std::int32_t AddRowAvx2(const std::uint8_t* source, const std::uint8_t* destination, std::uint8_t* output,
+                        std::int32_t count);
+
+template <typename F, auto formula, typename Channel = typename F::Channel>
+void AddRow(const Channel* source, const Channel* destination, Channel* output, std::int32_t count) {
+    RowCursor<Channel> row{source, destination, output, count};
+    if constexpr (builtWithAvx2 && F::bits == 8)
+        if (HasAvx2()) row.Advance(AddRowAvx2(source, destination, output, count));
+    EachChannel<F, formula>(row.source, row.destination, row.output, row.count);
+}
+
 template <typename F, PixelFormula<F> formula, typename Channel = typename F::Channel>
 void EachPixel(const Channel* source, const Channel* destination, Channel* output, std::int32_t count) {
     for (; count > 0; --count, source += 4, destination += 4, output += 4) formula(source, destination, output);
