@@ -5,18 +5,19 @@
 #include <cstdlib>
 #include <vector>
 
+#include "chalkpane/base/cpu_features.h"
 #include "chalkpane/base/multi_processor.h"
+#include "chalkpane/filters/neighbourhood/edge_row.h"
 #include "chalkpane/filters/work_area.h"
 #include "chalkpane/image/image_rows.h"
 
 namespace chalkpane {
 namespace {
 
-// A slope is at most four times full scale, so brightening is a table.
+// A slope is at most four times full scale, or what wraps into 16 bits of words above it: so brightening is a table.
 template <typename F>
-std::vector<typename F::Channel> BrightnessTable(double brightness) {
-    const double factor = brightness * 0.1;
-    std::vector<typename F::Channel> table(static_cast<std::size_t>(F::fullScale) * 4 + 1);
+std::vector<typename F::Channel> BrightnessTable(double factor) {
+    std::vector<typename F::Channel> table(F::bits == 8 ? std::size_t{255} * 4 + 1 : std::size_t{65536});
     for (std::size_t slope = 0; slope < table.size(); ++slope) {
         const double value = std::clamp(static_cast<double>(slope) * factor, 0.0, static_cast<double>(F::fullScale));
         table[slope] = static_cast<typename F::Channel>(value);
@@ -48,6 +49,7 @@ struct EdgeJob {
     Image& result;
     std::size_t channels;
     bool limitToAlpha;
+    double factor;
     std::vector<Channel> table;
     std::vector<std::vector<std::uint16_t>> slopes;  // per worker: one row of slopes
 
@@ -56,7 +58,8 @@ struct EdgeJob {
           result(to),
           channels(static_cast<std::size_t>(ChannelCount(from))),
           limitToAlpha(!from.IsMask() && from.IsPremultiplied()),
-          table(BrightnessTable<F>(brightness)),
+          factor(brightness * 0.1),
+          table(BrightnessTable<F>(factor)),
           slopes(static_cast<std::size_t>(std::max(MultiProcessor::Instance().ProcessorCount(), 1)),
                  std::vector<std::uint16_t>(static_cast<std::size_t>(to.Width()) * channels)) {}
 
@@ -75,11 +78,23 @@ struct EdgeJob {
         }
     }
 
-    // `count` channels from x on, all of them inside.
-    void InsideSlopes(std::int64_t x, std::int64_t y, std::size_t count, std::uint16_t* __restrict out) const {
-        const Channel* const upper = At(x, y + 1);
+    // Edges from x until `end`, all of them inside, straight into the result where there is a vector form.
+    void InsideEdges(std::int64_t x, std::int64_t end, std::int32_t y, std::uint16_t* slopesAtX) const {
+        const std::size_t count = static_cast<std::size_t>(end - x) * channels;
+        const Channel* const upper = At(x, std::int64_t{y} + 1);
         const Channel* const here = At(x, y);
-        const Channel* const lower = At(x, y - 1);
+        const Channel* const lower = At(x, std::int64_t{y} - 1);
+        if constexpr (builtWithAvx2) {
+            Channel* const out = ImageRow<F>(result, y).data() + static_cast<std::size_t>(x - result.x0) * channels;
+            if (HasAvx2() && count >= leastEdgeChannels)
+                return EdgesAvx2({upper, here, lower, out, count, channels, limitToAlpha, factor});
+        }
+        InsideSlopes(upper, here, lower, count, slopesAtX);
+        Store(x, end, y, slopesAtX);
+    }
+
+    void InsideSlopes(const Channel* upper, const Channel* here, const Channel* lower, std::size_t count,
+                      std::uint16_t* __restrict out) const {
         const auto step = static_cast<std::ptrdiff_t>(channels);
         for (std::ptrdiff_t i = 0; i < static_cast<std::ptrdiff_t>(count); ++i) {
             out[i] = static_cast<std::uint16_t>(Slope({upper[i - step], upper[i], upper[i + step], here[i - step],
@@ -91,23 +106,28 @@ struct EdgeJob {
     void Row(std::int32_t y, std::int32_t worker) {
         std::uint16_t* const row = slopes[static_cast<std::size_t>(worker)].data();
         const auto place = [&](std::int64_t x) { return row + static_cast<std::size_t>(x - result.x0) * channels; };
+        const auto rim = [&](std::int64_t first, std::int64_t end) {
+            if (first >= end) return;
+            for (std::int64_t x = first; x < end; ++x) RimSlopes(x, y, place(x));
+            Store(first, end, y, place(first));
+        };
         const bool rowInside = y > source.y0 && y < source.y1;
         const std::int64_t end = std::int64_t{result.x1} + 1;
         const std::int64_t first = rowInside ? std::max<std::int64_t>(result.x0, std::int64_t{source.x0} + 1) : end;
         const std::int64_t last = rowInside ? std::min<std::int64_t>(end, source.x1) - 1 : end - 1;
-        for (std::int64_t x = result.x0; x < std::min(first, end); ++x) RimSlopes(x, y, place(x));
-        if (first <= last) InsideSlopes(first, y, static_cast<std::size_t>(last - first + 1) * channels, place(first));
-        for (std::int64_t x = std::max(last + 1, first); x < end; ++x) RimSlopes(x, y, place(x));
-        Store(y, row);
+        rim(result.x0, std::min(first, end));
+        if (first <= last) InsideEdges(first, last + 1, y, place(first));
+        rim(std::max(last + 1, first), end);
     }
 
-    void Store(std::int32_t y, const std::uint16_t* row) const {
-        const auto out = ImageRow<F>(result, y);
+    // Pixels x to `end` from their slopes.
+    void Store(std::int64_t x, std::int64_t end, std::int32_t y, const std::uint16_t* row) const {
+        const auto out = ImageRow<F>(result, y).subspan(static_cast<std::size_t>(x - result.x0) * channels,
+                                                        static_cast<std::size_t>(end - x) * channels);
         if (channels == 1) {
             for (std::size_t i = 0; i < out.size(); ++i) out[i] = table[row[i]];
             return;
         }
-        std::int64_t x = result.x0;
         for (std::size_t i = 0; i < out.size(); i += 4, ++x) {
             const Channel alpha = At(x, y)[3];
             const Channel limit = limitToAlpha ? alpha : static_cast<Channel>(F::fullScale);

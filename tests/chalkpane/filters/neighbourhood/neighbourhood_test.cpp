@@ -9,6 +9,7 @@
 #include "chalkpane/filters/neighbourhood/edge_detect_filter.h"
 #include "chalkpane/filters/neighbourhood/median_filter.h"
 #include "tests/chalkpane/filters/reference_comparison.h"
+#include "tests/chalkpane/filters/wide_paths.h"
 #include "tests/chalkpane/scoped_cpu_features.h"
 #include "tests/reference/neighbourhood.h"
 
@@ -182,6 +183,15 @@ TEST_CASE("Edge detection is its plain reference") {
         CompareWithReference(filter, [brightness](const Image& source, const Rect* region, bool expand) {
             return reference::EdgeDetect(source, brightness, region, expand);
         });
+    }
+}
+
+TEST_CASE("Edges are the same with and without the forms for wider registers, of words above full scale too") {
+    for (const double brightness : {-1.0, 0.0, 0.37, 5.0, 10.0, 1e9}) {
+        CAPTURE(brightness);
+        EdgeDetectFilter filter;
+        SetNumber(filter, "Brightness", brightness);
+        CompareWithPlainForms(filter);
     }
 }
 
