@@ -33,7 +33,7 @@ inline void CompareWithPlainForms(Filter& filter) {
     for (const std::int32_t width : {1, 2, 5, 6, 8, 9, 16, 17, 31, 33, 64, 100}) {
         const Rect bounds(-2, 3, width - 3, 11);
         for (const auto type : {Image::colourType, Image::maskType}) {
-            for (const std::uint8_t flag : {0, 1}) {
+            for (const auto flag : {std::uint8_t{0}, std::uint8_t{1}}) {
                 for (const std::int32_t depth : {0, 1}) compare(NoisePicture(bounds, type, depth, flag, 11));
                 compare(WordPicture(bounds, type, flag, 12));
             }
