@@ -71,19 +71,15 @@ void Telestrator::SetWidth(std::int32_t width, std::int32_t& lastWidth) noexcept
     if (applied) lastWidth = width;
 }
 
-// The canvas is blue first in memory and is shown as red first: hence the bytes in reverse.
 void Telestrator::FollowSettings(const TelestratorSettings& settings) noexcept {
     if (!HasCanvas()) return;
     if (settings.brushType == BrushType::Colour) SetWidth(settings.brushWidth, lastBrushWidth);
     if (settings.brushType == BrushType::Eraser) SetWidth(settings.eraserWidth, lastEraserWidth);
     if (settings.brushColour == lastBrushColor) return;
-    const auto expandedByte = [&](int index) {
-        const std::uint32_t value = (settings.brushColour >> (8 * index)) & 0xFFU;
-        return static_cast<std::uint16_t>(value * 64 + (value >> 2));
-    };
+    const Colour colour = CanvasColour(settings.brushColour);
     const bool applied = memory.Run([&] {
         for (TelestratorSurface* surface : {canvasSurface.get(), shapeSurface.get()}) {
-            surface->SetBrushColour(expandedByte(2), expandedByte(1), expandedByte(0));
+            surface->SetBrushColour(colour.red, colour.green, colour.blue);
         }
     });
     if (applied) lastBrushColor = settings.brushColour;

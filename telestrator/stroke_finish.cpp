@@ -48,6 +48,14 @@ void DrawArrowHead(const ShapePen& pen, std::span<const Vector3> points, std::in
     pen.Line(tip.x, tip.y, baseX + aside.y, baseY - aside.x);
 }
 
+// The first that accepts has drawn it.
+StrokeResult Recognise(const ShapeInput& input) {
+    if (RecognizeEllipse(input)) return StrokeResult::Ellipse;
+    if (RecognizeCircle(input)) return StrokeResult::Circle;
+    if (RecognizeCross(input)) return StrokeResult::Cross;
+    return StrokeResult::Vanished;
+}
+
 }  // namespace
 
 void Telestrator::DrawSmoothedLine(const TelestratorSettings& settings) {
@@ -70,14 +78,17 @@ void Telestrator::FinishStroke(const TelestratorSettings& settings) noexcept {
     SizeRecognitionBuffers(settings.recogniseShapes);
     if (!recognitionBuffersReady) return;
     if (IsUndoGesture(strokePointCount)) {
+        result = StrokeResult::UndoGesture;
         RestoreUndoSnapshot();
         return;
     }
     // From here on the canvas is replaced, whatever comes of the shape: a line of too few points vanishes.
     shapeCommitPending = true;
     const ShapeInput input = RecognitionInput(settings);
-    if (RecognizeEllipse(input) || RecognizeCircle(input) || RecognizeCross(input)) return;
-    if (strokePointCount >= fewestLinePoints) DrawSmoothedLine(settings);
+    result = Recognise(input);
+    if (result != StrokeResult::Vanished || strokePointCount < fewestLinePoints) return;
+    DrawSmoothedLine(settings);
+    result = settings.arrow ? StrokeResult::Arrow : StrokeResult::Line;
 }
 
 }  // namespace chalkpane

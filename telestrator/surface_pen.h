@@ -9,8 +9,6 @@ namespace chalkpane {
 
 // Every stroke of the telestrator goes through here, so that neither a wild position nor exhausted memory gets further.
 
-enum class StrokeStage { Begin, Continue, End };
-
 // True: an int can hold both coordinates, so a brush can work with them. False for NaN.
 [[nodiscard]] bool IsPaintable(double x, double y);
 

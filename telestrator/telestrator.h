@@ -34,6 +34,9 @@ struct BrushPicture {
     const std::uint8_t* pixels = nullptr;
 };
 
+// What became of the last line that was finished.
+enum class StrokeResult : std::uint8_t { None, UndoGesture, Vanished, Line, Arrow, Ellipse, Circle, Cross };
+
 // The telestrator without a host: strokes go in as canvas positions, fields tick, and a picture of 1024 x 1024 pixels
 // comes out together with what changed in it.
 //
@@ -154,6 +157,7 @@ public:
     // Width over height of what the canvas is shown on; positive and finite, or shapes are not recognised.
     float aspect = 1;
     bool recognitionBuffersReady = false;  // strokePoints and houghAccumulator exist
+    StrokeResult result = StrokeResult::None;
 
 private:
     void PaintStroke(const TelestratorSettings& settings, StrokeStage stage, const CanvasPosition& position) noexcept;

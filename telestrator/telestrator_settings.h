@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "chalkpane/parameters/colour.h"
+
 namespace chalkpane {
 
 // What a stroke does to the canvas. The values are stored ones; with any other the brushes stay as they are.
@@ -24,6 +26,18 @@ struct TelestratorSettings {
     std::int32_t arrowWidth = 20;    // canvas pixels
     std::int32_t crossDiameter = 0;  // above 0: fixed size of the cross, canvas pixels
     std::int32_t maxUndos = 10;      // 0 .. 10, clamped
+
+    friend bool operator==(const TelestratorSettings&, const TelestratorSettings&) = default;
 };
+
+// The brush's colour for a colour of the settings. The canvas is blue first in memory and is shown as red first: hence
+// the bytes in reverse.
+[[nodiscard]] constexpr Colour CanvasColour(std::uint32_t brushColour) {
+    const auto expandedByte = [&](int index) {
+        const std::uint32_t value = (brushColour >> (8 * index)) & 0xFFU;
+        return static_cast<std::uint16_t>(value * 64 + (value >> 2));
+    };
+    return {expandedByte(2), expandedByte(1), expandedByte(0)};
+}
 
 }  // namespace chalkpane

@@ -151,12 +151,21 @@ void TelestratorSurface::ApplyBrushSettings() {
     brush->SetBlendMode(blendMode >= 1 && blendMode <= lastBlendMode ? blendMode : 0);
 }
 
-Rect TelestratorSurface::BeginStroke(double x, double y, double pressure) { return brush->BeginStroke(x, y, pressure); }
-
-Rect TelestratorSurface::ContinueStroke(double x, double y, double pressure) {
-    return brush->ContinueStroke(x, y, pressure);
+Rect TelestratorSurface::Tell(StrokeStage stage, double x, double y, double pressure, const Rect& changed) const {
+    if (listener != nullptr) listener->OnStep(*this, stage, x, y, pressure);
+    return changed;
 }
 
-Rect TelestratorSurface::EndStroke(double x, double y, double pressure) { return brush->EndStroke(x, y, pressure); }
+Rect TelestratorSurface::BeginStroke(double x, double y, double pressure) {
+    return Tell(StrokeStage::Begin, x, y, pressure, brush->BeginStroke(x, y, pressure));
+}
+
+Rect TelestratorSurface::ContinueStroke(double x, double y, double pressure) {
+    return Tell(StrokeStage::Continue, x, y, pressure, brush->ContinueStroke(x, y, pressure));
+}
+
+Rect TelestratorSurface::EndStroke(double x, double y, double pressure) {
+    return Tell(StrokeStage::End, x, y, pressure, brush->EndStroke(x, y, pressure));
+}
 
 }  // namespace chalkpane

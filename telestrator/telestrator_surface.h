@@ -11,6 +11,24 @@
 namespace chalkpane {
 
 class BasicBrush;
+class TelestratorSurface;
+
+enum class StrokeStage { Begin, Continue, End };
+
+// Is told of every step of a stroke that a surface's brush was given, after it: so it sees also what recognisers draw.
+class StepListener {
+public:
+    StepListener() = default;
+    StepListener(const StepListener&) = delete;
+    StepListener& operator=(const StepListener&) = delete;
+    StepListener(StepListener&&) = delete;
+    StepListener& operator=(StepListener&&) = delete;
+    virtual void OnStep(const TelestratorSurface& surface, StrokeStage stage, double x, double y,
+                        double pressure) noexcept = 0;
+
+protected:
+    ~StepListener() = default;
+};
 
 // The pixels of a canvas, borrowed until the canvas is made anew. Without a canvas all of it is zero.
 struct CanvasPixels {
@@ -75,9 +93,11 @@ public:
     std::int32_t spacingMode = 2;
     bool matchPath = false;
     std::uint8_t unusedByte = 0;
+    StepListener* listener = nullptr;  // not owned
 
 private:
     void DestroyOwnedCanvas();
+    Rect Tell(StrokeStage stage, double x, double y, double pressure, const Rect& changed) const;
 };
 
 }  // namespace chalkpane
