@@ -27,6 +27,7 @@ room(chalkpane/filters STANDARD AFTER chalkpane/transform)
 room(chalkpane/composite STANDARD AFTER chalkpane/filters)
 room(chalkpane/brush STANDARD AFTER chalkpane/composite)
 room(telestrator STANDARD AFTER chalkpane/brush)
+room(telestrator/journal STANDARD AFTER telestrator)
 room(module/abi STANDARD) # what the module and its host agree on, so it knows neither of them
 room(module STANDARD AFTER telestrator module/abi)
 room(cli)
@@ -41,8 +42,8 @@ room(kel/workspace AFTER kel/session)
 room(kel/window AFTER kel/workspace)
 room(apps/kel AFTER kel/window)
 room(apps/chalkpane AFTER chalkpane/brush kel/video)
-room(examples AFTER telestrator kel/video)
-room(tests AFTER telestrator module apps/kel apps/chalkpane)
+room(examples AFTER telestrator/journal kel/video)
+room(tests AFTER telestrator/journal module apps/kel apps/chalkpane)
 room(bench AFTER tests)
 
 # The folders of the root that hold rooms.
