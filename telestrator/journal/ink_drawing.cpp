@@ -42,6 +42,12 @@ SharedStroke InkDrawing::Find(std::uint32_t number) const {
     return entry != nullptr ? entry->look.ink : nullptr;
 }
 
+// Entries after the last clearing are strokes or nothing.
+bool InkDrawing::IsBlank() const {
+    return std::none_of(entries_.begin() + static_cast<std::ptrdiff_t>(FirstInSight()), entries_.end(),
+                        [](const Entry& entry) { return entry.look.IsThere(); });
+}
+
 std::vector<InkDrawing::Stroke> InkDrawing::Strokes() const {
     std::vector<Stroke> strokes;
     for (std::size_t i = FirstInSight(); i < entries_.size(); ++i) {

@@ -59,6 +59,7 @@ public:
 
     // Those that are there and no clearing took away, first to last.
     [[nodiscard]] std::vector<Stroke> Strokes() const;
+    [[nodiscard]] bool IsBlank() const;  // true: there are none
     // Null: there is no such stroke on the canvas now.
     [[nodiscard]] SharedStroke Find(std::uint32_t number) const;
     // The stroke whose ink is nearest to the position, the later one of two; none within so many canvas pixels.

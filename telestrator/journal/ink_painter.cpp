@@ -1,6 +1,7 @@
 #include "telestrator/journal/ink_painter.h"
 
 #include "chalkpane/brush/basic_brush.h"
+#include "telestrator/telestrator.h"
 
 namespace chalkpane {
 namespace {
@@ -34,25 +35,30 @@ void InkPainter::Paint(const InkStroke& stroke, Image& canvas, const Rect& regio
 }
 
 void InkPainter::Run(const InkStroke& stroke, Image& target) {
-    surface_.brush->SetTarget(&target);
-    for (const PaintStep& step : stroke.steps) {
-        UseBrush(stroke.brushes[step.brush]);
-        switch (step.stage) {
-            case StrokeStage::Begin:
-                surface_.BeginStroke(step.at.x, step.at.y, step.pressure);
-                break;
-            case StrokeStage::Continue:
-                surface_.ContinueStroke(step.at.x, step.at.y, step.pressure);
-                break;
-            case StrokeStage::End:
-                surface_.EndStroke(step.at.x, step.at.y, step.pressure);
-                break;
-        }
-    }
-    surface_.brush->SetTarget(nullptr);
+    pen_.SetTarget(&target);
+    for (const PaintStep& step : stroke.steps)
+        pen_.Paint(stroke.brushes[step.brush], step.stage, step.at, step.pressure);
+    pen_.SetTarget(nullptr);
 }
 
-void InkPainter::UseBrush(const InkBrush& brush) {
+Image NewInkCanvas() { return Image::Colour(canvasSize, canvasSize, Depth::Eight, AlphaForm::Premultiplied); }
+
+void InkPen::SetTarget(Image* target) { surface_.brush->SetTarget(target); }
+
+Rect InkPen::Paint(const InkBrush& brush, StrokeStage stage, const CanvasPosition& at, double pressure) {
+    Use(brush);
+    switch (stage) {
+        case StrokeStage::Begin:
+            return surface_.BeginStroke(at.x, at.y, pressure);
+        case StrokeStage::Continue:
+            return surface_.ContinueStroke(at.x, at.y, pressure);
+        case StrokeStage::End:
+            return surface_.EndStroke(at.x, at.y, pressure);
+    }
+    return {};
+}
+
+void InkPen::Use(const InkBrush& brush) {
     if (isSet_ && brush == current_) return;
     isSet_ = false;
     surface_.width = brush.radius;

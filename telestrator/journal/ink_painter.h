@@ -9,6 +9,25 @@
 
 namespace chalkpane {
 
+// A blank canvas as the telestrator's. Throws std::bad_alloc.
+[[nodiscard]] Image NewInkCanvas();
+
+// A brush that is set to whatever a stroke's steps were painted with. Throws std::bad_alloc.
+class InkPen {
+public:
+    // Not owned; null: nothing is painted on.
+    void SetTarget(Image* target);
+    // Returns the pixels that changed.
+    Rect Paint(const InkBrush& brush, StrokeStage stage, const CanvasPosition& at, double pressure);
+
+private:
+    void Use(const InkBrush& brush);
+
+    TelestratorSurface surface_;  // for its brush; it has no canvas
+    InkBrush current_;            // what the brush is set to
+    bool isSet_ = false;          // `current_` says so
+};
+
 // Paints strokes again from their steps, whole or within a part of the canvas, to the same bytes.
 //
 // A dab's pixels depend on what lies under them and on nothing beside them, so a part comes out as it does of the
@@ -20,11 +39,8 @@ public:
 
 private:
     void Run(const InkStroke& stroke, Image& target);
-    void UseBrush(const InkBrush& brush);
 
-    TelestratorSurface surface_;      // for its brush; it has no canvas
-    InkBrush current_;                // what the brush is set to
-    bool isSet_ = false;              // `current_` says so
+    InkPen pen_;
     std::unique_ptr<Image> scratch_;  // of the canvas's size, for strokes that cannot be cut to a part
 };
 

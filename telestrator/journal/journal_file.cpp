@@ -80,11 +80,11 @@ private:
     ReadJournal read_;
 };
 
-std::string WhyNot(const JournalRecord& record, const JournaledTelestrator& telestrator) {
+std::string WhyNot(const JournalRecord& record, const InkDrawing& drawing) {
     switch (record.kind) {
         case RecordKind::Stroke:
             return "stroke " + std::to_string(record.number) + " comes where stroke " +
-                   std::to_string(telestrator.Drawing()->NextNumber()) + " is next";
+                   std::to_string(drawing.NextNumber()) + " is next";
         case RecordKind::Undo:
             return "there is nothing to undo";
         case RecordKind::Redo:
@@ -98,6 +98,16 @@ std::string WhyNot(const JournalRecord& record, const JournaledTelestrator& tele
             break;
     }
     return "there is no stroke " + std::to_string(record.number) + " on the canvas";
+}
+
+// apply: does a record; false where it cannot be done.
+template <typename ApplyFunction>
+std::string FollowWith(const std::vector<JournalRecord>& records, const InkDrawing& drawing,
+                       const ApplyFunction& apply) {
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        if (!apply(records[i])) return AtLine(i + 2, WhyNot(records[i], drawing));
+    }
+    return {};
 }
 
 }  // namespace
@@ -123,10 +133,12 @@ ReadJournal ReadJournalFile(const std::filesystem::path& file) {
 }
 
 std::string Follow(JournaledTelestrator& telestrator, const std::vector<JournalRecord>& records) {
-    for (std::size_t i = 0; i < records.size(); ++i) {
-        if (!telestrator.Apply(records[i])) return AtLine(i + 2, WhyNot(records[i], telestrator));
-    }
-    return {};
+    return FollowWith(records, *telestrator.Drawing(),
+                      [&](const JournalRecord& record) { return telestrator.Apply(record); });
+}
+
+std::string Follow(InkDrawing& drawing, const std::vector<JournalRecord>& records) {
+    return FollowWith(records, drawing, [&](const JournalRecord& record) { return Apply(record, drawing).done; });
 }
 
 std::string DrawingText(const InkDrawing& drawing) {
@@ -146,11 +158,11 @@ KeptDrawing ParseDrawing(std::string_view text) {
     KeptDrawing kept;
     kept.error = read.error;
     if (!kept.error.empty()) return kept;
-    JournaledTelestrator telestrator;
-    if (!telestrator.Field({})) throw std::bad_alloc();
-    kept.error = Follow(telestrator, read.records);
+    Image canvas = NewInkCanvas();
+    InkDrawing drawing(canvas);
+    kept.error = Follow(drawing, read.records);
     if (!kept.error.empty()) return kept;
-    for (const InkDrawing::Stroke& stroke : telestrator.Drawing()->Strokes()) kept.strokes.push_back(stroke.ink);
+    for (const InkDrawing::Stroke& stroke : drawing.Strokes()) kept.strokes.push_back(stroke.ink);
     return kept;
 }
 

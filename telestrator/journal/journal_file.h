@@ -31,6 +31,7 @@ struct ReadJournal {
 // Does what the records say. Returns what is wrong with one that cannot be done; empty when all were done. The canvas
 // has been made. Throws std::bad_alloc.
 [[nodiscard]] std::string Follow(JournaledTelestrator& telestrator, const std::vector<JournalRecord>& records);
+[[nodiscard]] std::string Follow(InkDrawing& drawing, const std::vector<JournalRecord>& records);
 
 // The strokes that are on the canvas, as a journal of its own: what is kept in a slot. Throws std::bad_alloc.
 [[nodiscard]] std::string DrawingText(const InkDrawing& drawing);

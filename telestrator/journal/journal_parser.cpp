@@ -231,6 +231,7 @@ private:
 
 JournalRecord ReadRecord(WordReader& words) {
     JournalRecord record;
+    record.field = words.Value<std::int64_t>(0, lastField, "a field");
     record.kind = static_cast<RecordKind>(words.Choice(recordWords, "what a record can be"));
     if (HasNumber(record.kind)) record.number = words.Value<std::uint32_t>(1, 0xFFFFFFFFU, "a stroke's number");
     if (HasStroke(record.kind)) record.strokes.push_back(StrokeReader(words).Read());

@@ -118,8 +118,31 @@ private:
 
 }  // namespace
 
+InkDrawing::Outcome Apply(const JournalRecord& record, InkDrawing& drawing) {
+    switch (record.kind) {
+        case RecordKind::Stroke:
+            if (record.number != drawing.NextNumber()) return {};
+            return drawing.Add(record.strokes.front(), InkDrawing::OnCanvas::NotYet);
+        case RecordKind::Move:
+        case RecordKind::Recolour:
+            return drawing.Replace(record.number, record.strokes.front());
+        case RecordKind::Remove:
+            return drawing.Remove(record.number);
+        case RecordKind::Clear:
+            return drawing.Clear();
+        case RecordKind::Undo:
+            return drawing.Undo();
+        case RecordKind::Redo:
+            return drawing.Redo();
+        case RecordKind::Recall:
+            return drawing.Insert(record.strokes, record.recall);
+    }
+    return {};
+}
+
 std::string RecordText(const JournalRecord& record) {
     RecordWriter writer;
+    writer.Value(record.field);
     writer.Word(recordWords[static_cast<std::size_t>(record.kind)]);
     if (HasNumber(record.kind)) writer.Value(record.number);
     if (HasStroke(record.kind)) writer.Stroke(*record.strokes.front());

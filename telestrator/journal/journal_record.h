@@ -19,7 +19,11 @@ struct JournalRecord {
     std::uint32_t number = 0;           // of the stroke; a stroke's own, which follows the one before
     std::vector<SharedStroke> strokes;  // one: drawn, moved or recoloured; any number: recalled
     InkDrawing::Recall recall = InkDrawing::Recall::Over;
+    std::int64_t field = 0;  // whose picture shows it; a stroke: as what it became
 };
+
+// Does to the drawing what the record says. Throws std::bad_alloc.
+[[nodiscard]] InkDrawing::Outcome Apply(const JournalRecord& record, InkDrawing& drawing);
 
 // The record as one line of text, without its end (docs/journal.md). Throws std::bad_alloc.
 [[nodiscard]] std::string RecordText(const JournalRecord& record);

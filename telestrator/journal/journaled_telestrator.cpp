@@ -1,5 +1,6 @@
 #include "telestrator/journal/journaled_telestrator.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace chalkpane {
@@ -59,9 +60,20 @@ bool JournaledTelestrator::Field(const TelestratorSettings& settings) noexcept {
     inner_.result = StrokeResult::None;
     log_.BeforeField();
     const bool made = inner_.Field(lastSettings_) && MakeDrawing();
-    ++log_.field;
     if (IsWaiting()) FollowResult();
+    PassFade();
+    ++log_.field;
     return made;
+}
+
+void JournaledTelestrator::PassFade() noexcept {
+    const double before = FadeFactor();
+    if (!drawing_ || log_.IsOpen() || drawing_->IsBlank()) {
+        fading_.Restart();
+    } else if (fading_.PassField(fade)) {
+        Clear();
+    }
+    if (FadeFactor() != before) edited_ = inner_.canvasSurface->canvas->Bounds();
 }
 
 // What became of the line in this field; most often nothing yet.
@@ -103,6 +115,8 @@ void JournaledTelestrator::Settle(Painted painted) noexcept {
     if (!log_.IsOpen()) return;
     log_.Close();
     JournalRecord record;
+    // A shape is committed for the picture of the field that has just passed.
+    record.field = log_.field - (painted == Painted::OnShapes ? 1 : 0);
     bool isKept = false;
     const bool hadMemory = !log_.IsLost() && inner_.memory.Run([&] {
         const SharedStroke stroke =
@@ -130,7 +144,7 @@ void JournaledTelestrator::TakeBackGesture() noexcept {
 void JournaledTelestrator::ShowDrawing() noexcept {
     inner_.memory.Run([&] { drawing_->Repaint(*inner_.shapeSurface->canvas); });
     CopyCanvas(*inner_.shapeSurface, *inner_.canvasSurface);
-    edited_ = *inner_.canvasSurface->canvas;
+    edited_ = inner_.canvasSurface->canvas->Bounds();
 }
 
 void JournaledTelestrator::CopyCanvas(const TelestratorSurface& from, TelestratorSurface& to) noexcept {
@@ -164,45 +178,30 @@ bool JournaledTelestrator::Edit(const EditFunction& edit) noexcept {
         return false;
     }
     if (!outcome.done) return false;
+    fading_.Restart();
     inner_.canvasSurface->canvas->CopyRegion(*inner_.shapeSurface->canvas, outcome.changed);
     edited_ = edited_.Union(outcome.changed);
     return true;
 }
 
 bool JournaledTelestrator::Apply(const JournalRecord& record) noexcept {
-    return Edit([&]() -> InkDrawing::Outcome {
-        switch (record.kind) {
-            case RecordKind::Stroke:
-                if (record.number != drawing_->NextNumber()) return {};
-                return drawing_->Add(record.strokes.front(), InkDrawing::OnCanvas::NotYet);
-            case RecordKind::Move:
-            case RecordKind::Recolour:
-                return drawing_->Replace(record.number, record.strokes.front());
-            case RecordKind::Remove:
-                return drawing_->Remove(record.number);
-            case RecordKind::Clear:
-                return drawing_->Clear();
-            case RecordKind::Undo:
-                return drawing_->Undo();
-            case RecordKind::Redo:
-                return drawing_->Redo();
-            case RecordKind::Recall:
-                return drawing_->Insert(record.strokes, record.recall);
-        }
-        return {};
-    });
+    if (!Edit([&] { return chalkpane::Apply(record, *drawing_); })) return false;
+    log_.field = std::max(log_.field, record.field);
+    return true;
 }
 
 bool JournaledTelestrator::Do(const JournalRecord& record) noexcept {
-    if (!Apply(record)) return false;
+    if (!Edit([&] { return chalkpane::Apply(record, *drawing_); })) return false;
     Tell(record);
     return true;
 }
 
-bool JournaledTelestrator::Undo() noexcept { return Do({RecordKind::Undo, 0, {}, {}}); }
-bool JournaledTelestrator::Redo() noexcept { return Do({RecordKind::Redo, 0, {}, {}}); }
-bool JournaledTelestrator::Clear() noexcept { return Do({RecordKind::Clear, 0, {}, {}}); }
-bool JournaledTelestrator::Remove(std::uint32_t number) noexcept { return Do({RecordKind::Remove, number, {}, {}}); }
+bool JournaledTelestrator::Undo() noexcept { return Do({RecordKind::Undo, 0, {}, {}, log_.field}); }
+bool JournaledTelestrator::Redo() noexcept { return Do({RecordKind::Redo, 0, {}, {}, log_.field}); }
+bool JournaledTelestrator::Clear() noexcept { return Do({RecordKind::Clear, 0, {}, {}, log_.field}); }
+bool JournaledTelestrator::Remove(std::uint32_t number) noexcept {
+    return Do({RecordKind::Remove, number, {}, {}, log_.field});
+}
 
 // change: makes the stroke that takes the place of the one of that number; null: it stays.
 template <typename ChangeFunction>
@@ -210,7 +209,7 @@ bool JournaledTelestrator::ChangeStroke(RecordKind kind, std::uint32_t number, c
     if (!ReadyToEdit()) return false;
     const SharedStroke stroke = drawing_->Find(number);
     if (!stroke) return false;
-    JournalRecord record{kind, number, {}, {}};
+    JournalRecord record{kind, number, {}, {}, log_.field};
     inner_.memory.Run([&] {
         if (SharedStroke changed = change(*stroke)) record.strokes.push_back(std::move(changed));
     });
@@ -231,7 +230,7 @@ bool JournaledTelestrator::Recolour(std::uint32_t number, std::uint32_t colour) 
 }
 
 bool JournaledTelestrator::Insert(const std::vector<SharedStroke>& strokes, InkDrawing::Recall recall) noexcept {
-    JournalRecord record{RecordKind::Recall, 0, {}, recall};
+    JournalRecord record{RecordKind::Recall, 0, {}, recall, log_.field};
     return inner_.memory.Run([&] { record.strokes = strokes; }) && Do(record);
 }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "telestrator/journal/ink_drawing.h"
+#include "telestrator/journal/ink_fade.h"
 #include "telestrator/journal/journal_record.h"
 #include "telestrator/journal/stroke_capture_log.h"
 #include "telestrator/telestrator.h"
@@ -69,6 +70,12 @@ public:
     bool Recolour(std::uint32_t number, std::uint32_t colour) noexcept;
     bool Insert(const std::vector<SharedStroke>& strokes, InkDrawing::Recall recall) noexcept;
 
+    // All ink fades together after a pause, and is then cleared, which can be undone. Counted in fields; a line being
+    // drawn, one that waits, and every edit begin the pause anew.
+    FadeSettings fade;
+    // By what the ink is to be multiplied where it is shown; see `WriteFaded`.
+    [[nodiscard]] double FadeFactor() const { return fading_.Factor(fade); }
+
     // Does what a record says, without telling the sink: to go on from a journal.
     bool Apply(const JournalRecord& record) noexcept;
 
@@ -86,6 +93,7 @@ private:
     bool ReadyToEdit() noexcept;
     void FinishWaiting() noexcept;
     void FollowResult() noexcept;
+    void PassFade() noexcept;
     void KeepAsDrawn() noexcept;
     void TakeBackGesture() noexcept;
     void Settle(Painted painted) noexcept;
@@ -104,6 +112,7 @@ private:
     JournalSink* sink_;
     TelestratorSettings lastSettings_;
     bool pointerDown_ = false;
+    InkFade fading_;
     Rect edited_;  // what edits changed since the last TakeChange
 };
 

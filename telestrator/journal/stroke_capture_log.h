@@ -32,7 +32,7 @@ public:
     [[nodiscard]] SharedStroke OnCanvas() const;
     [[nodiscard]] SharedStroke OnShapes(StrokeForm form) const;
 
-    std::int64_t field = 0;  // the present one
+    std::int64_t field = 0;  // the one that is to come, and shows what happens now
 
 private:
     template <typename Action>

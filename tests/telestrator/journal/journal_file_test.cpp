@@ -81,9 +81,9 @@ TEST_CASE("what is no journal is refused with its line, and a file that is none 
     const auto errorOf = [](std::string_view text) { return ParseJournal(text).error; };
     CHECK_EQ(errorOf(""), "line 1: a journal begins with \"chalkpane-journal 1\"");
     CHECK_EQ(errorOf("chalkpane-journal 2\n"), "line 1: a journal begins with \"chalkpane-journal 1\"");
-    CHECK_EQ(errorOf("chalkpane-journal 1\nundo\nredo 1\n"),
-             "line 3: word 2, \"1\", is not expected: the record is over");
-    CHECK_EQ(errorOf("chalkpane-journal 1\nundo\nredo 1"), "");  // torn, so it is not looked at
+    CHECK_EQ(errorOf("chalkpane-journal 1\n0 undo\n0 redo 1\n"),
+             "line 3: word 3, \"1\", is not expected: the record is over");
+    CHECK_EQ(errorOf("chalkpane-journal 1\n0 undo\n0 redo 1"), "");  // torn, so it is not looked at
 
     const cli::testing::TemporaryFolder folder;
     const std::filesystem::path file = folder.Path() / "notes.txt";
@@ -103,13 +103,13 @@ TEST_CASE("a record that cannot be done is told with its line") {
         telestrator.Field({});
         return Follow(telestrator, read.records);
     };
-    CHECK_EQ(errorOf("undo\n"), "line 2: there is nothing to undo");
-    CHECK_EQ(errorOf("clear\nredo\n"), "line 3: there is nothing to redo");
-    CHECK_EQ(errorOf("clear\nremove 7\n"), "line 3: there is no stroke 7 on the canvas");
+    CHECK_EQ(errorOf("0 undo\n"), "line 2: there is nothing to undo");
+    CHECK_EQ(errorOf("0 clear\n0 redo\n"), "line 3: there is nothing to redo");
+    CHECK_EQ(errorOf("0 clear\n0 remove 7\n"), "line 3: there is no stroke 7 on the canvas");
     CHECK_EQ(
-        errorOf("stroke 2 raw 0 0 1 1 set 0 5 10 0 0 1 0 1 50 1 30 20 0 1 paint 5 0 0 0 p 0 9 9 1 r 1 9 9 1 end\n"),
+        errorOf("1 stroke 2 raw 0 0 1 1 set 0 5 10 0 0 1 0 1 50 1 30 20 0 1 paint 5 0 0 0 p 0 9 9 1 r 1 9 9 1 end\n"),
         "line 2: stroke 2 comes where stroke 1 is next");
-    CHECK_EQ(errorOf("clear\nundo\nredo\n"), "");
+    CHECK_EQ(errorOf("0 clear\n0 undo\n0 redo\n"), "");
 }
 
 // 3000 dabs of 2049 pixels across a canvas of 1024: 3000 * 1048576 is 3.1e9 pixels a stroke, 1e12 is 317.9 of them.
@@ -118,9 +118,9 @@ TEST_CASE("a journal with more to paint than a hand can draw is refused before i
     for (int i = 1; i < 3000; ++i) stroke += " m 1 9 9 1";
     std::string text(journalHeader);
     text += '\n';
-    for (int i = 1; i <= 317; ++i) text += "stroke " + std::to_string(i) + stroke + " end\n";
+    for (int i = 1; i <= 317; ++i) text += "1 stroke " + std::to_string(i) + stroke + " end\n";
     CHECK_EQ(ParseJournal(text).error, "");
-    text += "stroke 318" + stroke + " end\n";
+    text += "1 stroke 318" + stroke + " end\n";
     CHECK_EQ(ParseJournal(text).error, "line 319: there is more to paint than a hand can draw");
 }
 

@@ -28,7 +28,7 @@ std::string ErrorOf(const std::string& line) {
 
 // A plain click, as it is written.
 const std::string settings = "set 0 5 10 4026531840 0 1 0 1 50 1 30 20 0 1";
-const std::string click = "stroke 1 raw 91 91 109 109 " + settings + " paint 5 0 0 0 p 0 100 100 1 r 1 100 100 1 end";
+const std::string click = "7 stroke 1 raw 91 91 109 109 " + settings + " paint 5 0 0 0 p 0 100 100 1 r 1 100 100 1 end";
 
 TEST_CASE("a stroke's record says where it lies, what was set, what the hand did, and with which brush") {
     RecordList list;
@@ -40,7 +40,7 @@ TEST_CASE("a stroke's record says where it lies, what was set, what the hand did
     REQUIRE_EQ(list.lines.size(), 1);
     // The first press comes after one field; the brush has a radius of 5, and 4 pixels for roundings.
     const std::string wanted =
-        "stroke 1 raw 91 91 109 109 " + settings + " paint 5 0 0 0 p 1 100 100 1 r 2 100 100 1 end";
+        "2 stroke 1 raw 91 91 109 109 " + settings + " paint 5 0 0 0 p 1 100 100 1 r 2 100 100 1 end";
     CHECK_EQ(list.lines.front(), wanted);
 }
 
@@ -103,14 +103,15 @@ TEST_CASE("records bring back the canvas of each moment, byte for byte, and can 
 
 TEST_CASE("a record's error names the word, its place and what was wanted") {
     CHECK_EQ(ErrorOf(click), "");
-    CHECK_EQ(ErrorOf(""), "word 1, \"\", is not what a record can be");
-    CHECK_EQ(ErrorOf("stork 1"), "word 1, \"stork\", is not what a record can be");
-    CHECK_EQ(ErrorOf("remove 0"), "word 2, \"0\", is not a stroke's number");
-    CHECK_EQ(ErrorOf("remove 4294967296"), "word 2, \"4294967296\", is not a stroke's number");
-    CHECK_EQ(ErrorOf("undo now"), "word 2, \"now\", is not expected: the record is over");
-    CHECK_EQ(ErrorOf("stroke 1 square"), "word 3, \"square\", is not what a stroke can be");
-    CHECK_EQ(ErrorOf("recall under 0"), "word 2, \"under\", is not a way to recall");
-    CHECK_EQ(ErrorOf("recall over 100001"), "word 3, \"100001\", is not a number of strokes, 0 to 100000");
+    CHECK_EQ(ErrorOf(""), "word 1, \"\", is not a field");
+    CHECK_EQ(ErrorOf("-1 undo"), "word 1, \"-1\", is not a field");
+    CHECK_EQ(ErrorOf("7 stork 1"), "word 2, \"stork\", is not what a record can be");
+    CHECK_EQ(ErrorOf("7 remove 0"), "word 3, \"0\", is not a stroke's number");
+    CHECK_EQ(ErrorOf("7 remove 4294967296"), "word 3, \"4294967296\", is not a stroke's number");
+    CHECK_EQ(ErrorOf("7 undo now"), "word 3, \"now\", is not expected: the record is over");
+    CHECK_EQ(ErrorOf("7 stroke 1 square"), "word 4, \"square\", is not what a stroke can be");
+    CHECK_EQ(ErrorOf("7 recall under 0"), "word 3, \"under\", is not a way to recall");
+    CHECK_EQ(ErrorOf("7 recall over 100001"), "word 4, \"100001\", is not a number of strokes, 0 to 100000");
 }
 
 // click with `from` replaced by `to`.
@@ -121,25 +122,25 @@ std::string Altered(const std::string& from, const std::string& to) {
 
 TEST_CASE("a stroke's numbers are held to what can be") {
     CHECK_EQ(ErrorOf(Altered("91 91", "91 1024")),
-             "word 5, \"1024\", is not a side of the stroke's rectangle, -1 to 1023");
-    CHECK_EQ(ErrorOf(Altered("p 0 100", "p 0 nan")), "word 30, \"nan\", is not a position on the canvas");
-    CHECK_EQ(ErrorOf(Altered("p 0 100", "p 0 1e300")), "word 30, \"1e300\", is not a position on the canvas");
-    CHECK_EQ(ErrorOf(Altered("p 0 100", "p 0 1x")), "word 30, \"1x\", is not a position on the canvas");
-    CHECK_EQ(ErrorOf(Altered("p 0", "p -1")), "word 29, \"-1\", is not a field");
-    CHECK_EQ(ErrorOf(Altered("100 1 r", "100 1.5 r")), "word 32, \"1.5\", is not a pressure, 0 to 1");
+             "word 6, \"1024\", is not a side of the stroke's rectangle, -1 to 1023");
+    CHECK_EQ(ErrorOf(Altered("p 0 100", "p 0 nan")), "word 31, \"nan\", is not a position on the canvas");
+    CHECK_EQ(ErrorOf(Altered("p 0 100", "p 0 1e300")), "word 31, \"1e300\", is not a position on the canvas");
+    CHECK_EQ(ErrorOf(Altered("p 0 100", "p 0 1x")), "word 31, \"1x\", is not a position on the canvas");
+    CHECK_EQ(ErrorOf(Altered("p 0", "p -1")), "word 30, \"-1\", is not a field");
+    CHECK_EQ(ErrorOf(Altered("100 1 r", "100 1.5 r")), "word 33, \"1.5\", is not a pressure, 0 to 1");
     CHECK_EQ(ErrorOf(Altered("paint 5 0", "paint 5 16384")),
-             "word 25, \"16384\", is not a part of a colour, 0 to 16383");
-    CHECK_EQ(ErrorOf(Altered("set 0 5 10 4026531840 0", "set 0 5 10 4026531840 2")), "word 13, \"2\", is not 0 or 1");
-    CHECK_EQ(ErrorOf(Altered(" 1 paint", " inf paint")), "word 22, \"inf\", is not an aspect");
+             "word 26, \"16384\", is not a part of a colour, 0 to 16383");
+    CHECK_EQ(ErrorOf(Altered("set 0 5 10 4026531840 0", "set 0 5 10 4026531840 2")), "word 14, \"2\", is not 0 or 1");
+    CHECK_EQ(ErrorOf(Altered(" 1 paint", " inf paint")), "word 23, \"inf\", is not an aspect");
 }
 
 TEST_CASE("a stroke needs its settings, its brush, its press and its end") {
-    CHECK_EQ(ErrorOf(Altered(settings + " ", "")), "word 13, \"p\", is not preceded by settings");
-    CHECK_EQ(ErrorOf(Altered("paint 5 0 0 0 ", "")), "word 32, \"end\", is not preceded by a brush");
-    CHECK_EQ(ErrorOf(Altered("p 0", "m 0")), "word 28, \"m\", is not a press");
-    CHECK_EQ(ErrorOf(Altered(" end", "")), "word 37, \"\", is not a word of a stroke");
-    CHECK_EQ(ErrorOf("stroke 1 raw 0 0 1 1 end"), "word 7, \"end\", is not a press: a stroke has at least one");
-    CHECK_EQ(ErrorOf(Altered(" end", " instead b 1 1 1 end")), "word 39, \"1\", is not preceded by a brush");
+    CHECK_EQ(ErrorOf(Altered(settings + " ", "")), "word 14, \"p\", is not preceded by settings");
+    CHECK_EQ(ErrorOf(Altered("paint 5 0 0 0 ", "")), "word 33, \"end\", is not preceded by a brush");
+    CHECK_EQ(ErrorOf(Altered("p 0", "m 0")), "word 29, \"m\", is not a press");
+    CHECK_EQ(ErrorOf(Altered(" end", "")), "word 38, \"\", is not a word of a stroke");
+    CHECK_EQ(ErrorOf("7 stroke 1 raw 0 0 1 1 end"), "word 8, \"end\", is not a press: a stroke has at least one");
+    CHECK_EQ(ErrorOf(Altered(" end", " instead b 1 1 1 end")), "word 40, \"1\", is not preceded by a brush");
 }
 
 // Whatever comes of such a line can be painted: nothing hangs, overruns or throws.

@@ -1,0 +1,67 @@
+#include "telestrator/journal/journal_replay.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace chalkpane {
+namespace {
+
+// Lines that became something else do not tell which brush the hand had; it follows from the settings.
+InkBrush BrushOfHand(const TelestratorSettings& settings) {
+    const bool erases = settings.brushType == BrushType::Eraser;
+    return {erases, erases ? settings.eraserWidth : settings.brushWidth, CanvasColour(settings.brushColour)};
+}
+
+StrokeStage StageOf(HandEvent event) {
+    if (event == HandEvent::Press) return StrokeStage::Begin;
+    return event == HandEvent::Move ? StrokeStage::Continue : StrokeStage::End;
+}
+
+}  // namespace
+
+JournalReplay::JournalReplay(const std::vector<JournalRecord>& records) : records_(records) {
+    for (std::size_t i = 0; i < records_.size(); ++i) {
+        const JournalRecord& record = records_[i];
+        const std::size_t samples = record.kind == RecordKind::Stroke ? record.strokes.front()->hand.size() : 0;
+        for (std::size_t sample = 0; sample < samples; ++sample)
+            Add(record.strokes.front()->hand[sample].field, {0, i, sample, true});
+        Add(record.field, {0, i, 0, false});
+    }
+    pen_.SetTarget(&canvas_);
+}
+
+void JournalReplay::Add(std::int64_t field, Event event) {
+    event.field = std::max(field, events_.empty() ? std::int64_t{0} : events_.back().field);
+    events_.push_back(event);
+}
+
+std::int64_t JournalReplay::FirstField() const { return events_.empty() ? 0 : events_.front().field; }
+std::int64_t JournalReplay::LastField() const { return events_.empty() ? -1 : events_.back().field; }
+
+Rect JournalReplay::PlayTo(std::int64_t field) {
+    Rect changed;
+    for (; next_ < events_.size() && events_[next_].field <= field; ++next_)
+        changed = changed.Union(Play(events_[next_]));
+    return changed;
+}
+
+Rect JournalReplay::PaintSample(const InkStroke& stroke, std::size_t sample) {
+    const HandSample& hand = stroke.hand[sample];
+    if (hand.event == HandEvent::Lift) return {};
+    return pen_.Paint(BrushOfHand(stroke.settings[hand.settings].settings), StageOf(hand.event), hand.at,
+                      hand.pressure);
+}
+
+Rect JournalReplay::Play(const Event& event) {
+    const JournalRecord& record = records_[event.record];
+    if (event.isHand) {
+        const Rect painted = PaintSample(*record.strokes.front(), event.sample);
+        hand_ = hand_.Union(painted);
+        return painted;
+    }
+    const Rect changed = Apply(record, drawing_).changed.Union(std::exchange(hand_, Rect()));
+    canvas_.CopyRegion(settled_, changed);
+    return changed.Intersection(canvas_);
+}
+
+}  // namespace chalkpane

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "chalkpane/image/image.h"
+#include "telestrator/journal/ink_drawing.h"
+#include "telestrator/journal/ink_painter.h"
+#include "telestrator/journal/journal_record.h"
+
+namespace chalkpane {
+
+// Draws a journal again as it was drawn, field by field: each line grows sample by sample under its brush, becomes what
+// it became, and edits happen when they happened.
+//
+// All that allocates may throw std::bad_alloc.
+class JournalReplay {
+public:
+    // The records can be followed, in their order; borrowed. Times that run backwards stand still until they are
+    // caught up with.
+    explicit JournalReplay(const std::vector<JournalRecord>& records);
+
+    // The fields of the first thing that happens and of the last; 0 and -1 where nothing does.
+    [[nodiscard]] std::int64_t FirstField() const;
+    [[nodiscard]] std::int64_t LastField() const;
+
+    // All that happens up to the field's end. Returns the pixels that may have changed.
+    Rect PlayTo(std::int64_t field);
+    // What is seen then.
+    [[nodiscard]] const Image& Canvas() const { return canvas_; }
+
+private:
+    // A sample of a stroke's hand, or, behind them, what the record says.
+    struct Event {
+        std::int64_t field = 0;
+        std::size_t record = 0;
+        std::size_t sample = 0;
+        bool isHand = false;
+    };
+
+    void Add(std::int64_t field, Event event);
+    Rect PaintSample(const InkStroke& stroke, std::size_t sample);
+    Rect Play(const Event& event);
+
+    const std::vector<JournalRecord>& records_;
+    std::vector<Event> events_;
+    std::size_t next_ = 0;
+    Image settled_ = NewInkCanvas();
+    Image canvas_ = NewInkCanvas();
+    InkDrawing drawing_{settled_};
+    InkPen pen_;
+    Rect hand_;  // where the stroke that is being drawn has painted so far
+};
+
+}  // namespace chalkpane
