@@ -7,6 +7,7 @@
 #include "cli/error.h"
 #include "cli/nearest_name.h"
 #include "kel/scene/canvas_picture.h"
+#include "kel/scene/gl.h"
 #include "kel/scene/host_state.h"
 #include "kel/scene/overlay_picture.h"
 #include "kel/scene/scene_renderer.h"
@@ -292,6 +293,15 @@ void Host::ShowFrame(const FrameArea& area, std::uint32_t target) const {
     const AtWork work(*m_state);
     ResetState();
     m_state->frame->ShowIn(area, target);
+}
+
+void Host::ShowFramePart(const FrameArea& area, const FrameArea& part, std::uint32_t target) const {
+    const AtWork work(*m_state);
+    ResetState();
+    glEnable(GL_SCISSOR_TEST);
+    glScissor(part.x, part.y, std::max(part.width, 0), std::max(part.height, 0));
+    m_state->frame->ShowIn(area, target);
+    glDisable(GL_SCISSOR_TEST);
 }
 
 picture_io::Picture Host::ReadCanvas(ObjectId container, PictureAlpha form) const {

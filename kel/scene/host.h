@@ -114,6 +114,9 @@ public:
     // Shows that picture in `area` of the framebuffer `target`, 0 being the current context's window, smoothly scaled
     // where the sizes differ. Leaves the target bound and OpenGL's state plain, for others to draw there.
     void ShowFrame(const FrameArea& area, std::uint32_t target = 0) const;
+    // The same for what of it lies within `part` of the target; nothing else there is touched. An empty part shows
+    // nothing.
+    void ShowFramePart(const FrameArea& area, const FrameArea& part, std::uint32_t target = 0) const;
     // What the module on this container draws, alone and upright, as of the last render. Throws when it has put no
     // texture on the container yet.
     [[nodiscard]] picture_io::Picture ReadCanvas(ObjectId container, PictureAlpha form = PictureAlpha::Straight) const;

@@ -4,13 +4,19 @@
 #include <backends/imgui_impl_opengl2.h>
 #include <backends/imgui_impl_sdl.h>
 #include <imgui.h>
+#include <imgui_internal.h>
 
 #include <algorithm>
 #include <array>
+#include <cmath>
+#include <cstring>
 #include <string_view>
+#include <thread>
 
 #include "cli/error.h"
+#include "kel/scene/scene_changes.h"
 #include "kel/window/panel_style.h"
+#include "kel/window/part_presenter.h"
 
 namespace kel {
 namespace {
@@ -97,13 +103,51 @@ SDL_Window* OpenWindow(const std::string& title) {
     return window;
 }
 
+// A rectangle of the panel's, which counts from the upper left corner.
+FrameArea AreaOf(const ImVec4& clip, WindowSize window) {
+    const auto clamped = [](float at, std::int32_t most) { return std::clamp(static_cast<std::int32_t>(at), 0, most); };
+    const std::int32_t x0 = clamped(std::floor(clip.x), window.width);
+    const std::int32_t y0 = clamped(std::floor(clip.y), window.height);
+    const std::int32_t x1 = clamped(std::ceil(clip.z), window.width);
+    const std::int32_t y1 = clamped(std::ceil(clip.w), window.height);
+    return {x0, window.height - y1, std::max(x1 - x0, 0), std::max(y1 - y0, 0)};
+}
+
+template <typename T>
+void AddTo(std::uint64_t& digest, const ImVector<T>& values) {
+    constexpr std::uint64_t prime = 0x100000001B3;  // of the hash by Fowler, Noll and Vo, taken word by word
+    const auto* bytes = static_cast<const unsigned char*>(static_cast<const void*>(values.Data));
+    const auto count = static_cast<std::size_t>(values.size_in_bytes());
+    std::uint64_t word = 0;
+    std::size_t at = 0;
+    for (; at + sizeof word <= count; at += sizeof word) {
+        std::memcpy(&word, bytes + at, sizeof word);
+        digest = (digest ^ word) * prime;
+        digest ^= digest >> 29U;
+    }
+    for (; at < count; ++at) digest = (digest ^ bytes[at]) * prime;
+}
+
+std::uint64_t Digest(const ImDrawList& list) {
+    std::uint64_t digest = 0xCBF29CE484222325;
+    AddTo(digest, list.VtxBuffer);
+    AddTo(digest, list.IdxBuffer);
+    for (const ImDrawCmd& command : list.CmdBuffer) {
+        const std::array clip{command.ClipRect.x, command.ClipRect.y, command.ClipRect.z, command.ClipRect.w};
+        for (const float side : clip) digest = digest * 31 + static_cast<std::uint64_t>(std::lround(side));
+    }
+    return digest;
+}
+
 }  // namespace
 
 struct SdlWindow::Parts {
-    explicit Parts(const std::string& title) : window(OpenWindow(title)), context(window.get()) {}
+    explicit Parts(const std::string& title)
+        : window(OpenWindow(title)), context(window.get()), presenter(window.get()) {}
     SdlVideo video;
     std::unique_ptr<SDL_Window, CloseWindow> window;
     PanelContext context;
+    PartPresenter presenter;
 };
 
 SdlWindow::SdlWindow(const std::string& title) : m_parts(std::make_unique<Parts>(title)) {}
@@ -140,16 +184,71 @@ void SdlWindow::SetFullScreen(bool on) {
     SDL_SetWindowFullscreen(m_parts->window.get(), on ? SDL_WINDOW_FULLSCREEN_DESKTOP : 0);
 }
 
-void SdlWindow::BeginFrame() {
+void SdlWindow::BeginPanel() {
     ImGui_ImplOpenGL2_NewFrame();
     ImGui_ImplSDL2_NewFrame();
     ImGui::NewFrame();
 }
 
-void SdlWindow::EndFrame() {
-    ImGui::Render();
-    ImGui_ImplOpenGL2_RenderDrawData(ImGui::GetDrawData());
-    SDL_GL_SwapWindow(m_parts->window.get());
+void SdlWindow::EndPanel() { ImGui::Render(); }
+
+std::vector<PanelPage> SdlWindow::PanelPages() const {
+    std::vector<PanelPage> pages;
+    const ImDrawData* data = ImGui::GetDrawData();
+    if (data == nullptr) return pages;
+    for (int i = 0; i < data->CmdListsCount; ++i) {
+        const ImDrawList& list = *data->CmdLists[i];
+        PanelPage& page = pages.emplace_back();
+        for (const ImDrawCmd& command : list.CmdBuffer)
+            if (command.ElemCount > 0) page.area = Union(page.area, AreaOf(command.ClipRect, Size()));
+        page.digest = Digest(list);
+    }
+    return pages;
+}
+
+void SdlWindow::DrawPanel(const FrameArea& part) {
+    ImDrawData* data = ImGui::GetDrawData();
+    if (data == nullptr) return;
+    const auto bottom = static_cast<float>(Size().height);
+    const ImVec4 limit{static_cast<float>(part.x), bottom - static_cast<float>(part.y + part.height),
+                       static_cast<float>(part.x + part.width), bottom - static_cast<float>(part.y)};
+    std::vector<ImVec4> before;  // what is drawn now may be drawn again within another limit
+    for (int i = 0; i < data->CmdListsCount; ++i)
+        for (ImDrawCmd& command : data->CmdLists[i]->CmdBuffer) {
+            before.push_back(command.ClipRect);
+            command.ClipRect = {std::max(command.ClipRect.x, limit.x), std::max(command.ClipRect.y, limit.y),
+                                std::min(command.ClipRect.z, limit.z), std::min(command.ClipRect.w, limit.w)};
+        }
+    ImGui_ImplOpenGL2_RenderDrawData(data);
+    std::size_t next = 0;
+    for (int i = 0; i < data->CmdListsCount; ++i)
+        for (ImDrawCmd& command : data->CmdLists[i]->CmdBuffer) command.ClipRect = before[next++];
+}
+
+bool SdlWindow::IsOnPage(std::int32_t x, std::int32_t y) const {
+    const ImVec2 at{static_cast<float>(x), static_cast<float>(y)};
+    const auto takes = [&](const ImGuiWindow* window) {
+        const bool isSeen = window->Active && !window->Hidden && (window->Flags & ImGuiWindowFlags_NoMouseInputs) == 0;
+        return isSeen && window->Rect().Contains(at);
+    };
+    const auto& windows = ImGui::GetCurrentContext()->Windows;
+    return std::any_of(windows.begin(), windows.end(), takes);
+}
+
+bool SdlWindow::ShowsParts() const { return m_parts->presenter.IsPossible(); }
+
+void SdlWindow::ShowPart(const FrameArea& part) { m_parts->presenter.Show(part); }
+
+void SdlWindow::Swap() { SDL_GL_SwapWindow(m_parts->window.get()); }
+
+void SdlWindow::WaitForEvent(std::chrono::steady_clock::time_point until) {
+    using std::chrono::milliseconds;
+    const auto left = until - std::chrono::steady_clock::now();
+    if (left <= left.zero()) return;
+    const auto whole = std::chrono::duration_cast<milliseconds>(left);
+    // The last part of a millisecond is slept, so that nothing comes late for being rounded up.
+    if (whole.count() > 0 && SDL_WaitEventTimeout(nullptr, static_cast<int>(whole.count())) != 0) return;
+    if (SDL_HasEvents(SDL_FIRSTEVENT, SDL_LASTEVENT) == SDL_FALSE) std::this_thread::sleep_until(until);
 }
 
 }  // namespace kel

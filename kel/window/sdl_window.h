@@ -1,13 +1,23 @@
 #pragma once
 
+#include <chrono>
+#include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "kel/scene/host.h"
 
 struct SDL_Window;
 
 namespace kel {
+
+// A page of the panel as it was drawn last.
+struct PanelPage {
+    FrameArea area;            // of the window
+    std::uint64_t digest = 0;  // of how it looks
+    friend bool operator==(const PanelPage&, const PanelPage&) = default;
+};
 
 // A window of the desktop with an OpenGL context of the compatibility profile, current on the thread that made it, and
 // a panel drawn in it. Throws Error when no window can be opened here.
@@ -29,9 +39,23 @@ public:
     [[nodiscard]] bool IsFullScreen() const;
     void SetFullScreen(bool on);
 
-    // Between them the panel's frame is made; the second draws it over the window's picture and shows both.
-    void BeginFrame();
-    void EndFrame();
+    // Between them the panel is made. Nothing of it is drawn or shown yet.
+    void BeginPanel();
+    void EndPanel();
+    // Of the panel that was made last.
+    [[nodiscard]] std::vector<PanelPage> PanelPages() const;
+    // Draws it over what stands in the back buffer, as far as it lies in the part.
+    void DrawPanel(const FrameArea& part);
+    // True: a page that takes the mouse lies there. In pixels from the upper left corner.
+    [[nodiscard]] bool IsOnPage(std::int32_t x, std::int32_t y) const;
+
+    // True: the back buffer keeps its pixels but for Swap, and parts of it can be shown.
+    [[nodiscard]] bool ShowsParts() const;
+    void ShowPart(const FrameArea& part);  // within the window
+    void Swap();                           // shows all of it; leaves anything behind
+
+    // Returns when there is an event, or when the time has come.
+    void WaitForEvent(std::chrono::steady_clock::time_point until);
 
 private:
     struct Parts;

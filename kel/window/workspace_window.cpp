@@ -4,17 +4,17 @@
 #include <backends/imgui_impl_sdl.h>
 #include <imgui.h>
 
-#include <thread>
+#include <algorithm>
 #include <utility>
 #include <vector>
 
 #include "cli/error.h"
-#include "kel/scene/gl.h"
 #include "kel/window/help_page.h"
 #include "kel/window/panel.h"
 #include "kel/window/panel_style.h"
 #include "kel/window/sdl_window.h"
 #include "kel/window/status_line.h"
+#include "kel/window/window_painter.h"
 #include "kel/workspace/fitted_keys.h"
 #include "kel/workspace/picture_area.h"
 
@@ -50,10 +50,14 @@ private:
     void DoKey(const FittedKeys::Key& key);
     void DoAction(WorkspaceAction action);
 
-    void ShowPicture();
+    void PlacePicture();
+    void MakePanel();
     void ShowPanel();
     void ShowSessionProgress();
-    void ShowFrame();
+    void PlaySession();
+    void RunDueFields();
+    void NoteForPanel(const SDL_Event& event);
+    [[nodiscard]] Clock::time_point NextPanel() const;
 
     WindowOptions m_options;
     SdlWindow m_window{"kel"};
@@ -61,8 +65,10 @@ private:
     const Registration* m_fitted = nullptr;
     FittedKeys m_keys;
     FieldPacer m_pacer{50, Clock::now()};  // the scene's own rate once it runs
-    PictureArea m_area;
+    WindowPainter m_painter{m_window};
     Panel m_panel;
+    Clock::time_point m_panelTime;  // when it was made last
+    int m_panelsWanted = 0;         // how many more, until it has taken in what happened
     StatusLine m_status;
     std::vector<SDL_Event> m_keysUp;
     int m_opened = 1;
@@ -101,6 +107,7 @@ void WorkspaceWindow::Open(const std::filesystem::path& file) {
     ++m_opened;
     m_panel = {};
     m_isDrawing = false;
+    m_painter.ShowAnew();
     StartPacing();
     FitTheKeys(KeyFit::WhatFits);
     m_window.SetTitle(m_workspace->File().filename().string() + " - kel");
@@ -130,6 +137,7 @@ void WorkspaceWindow::TakeEvents() {
             m_keysUp.push_back(event);
         else
             ImGui_ImplSDL2_ProcessEvent(&event);
+        NoteForPanel(event);
         TakeEvent(event);
     }
 }
@@ -165,11 +173,11 @@ void WorkspaceWindow::TakeEvent(const SDL_Event& event) {
 
 // What begins on the picture belongs to it until the button is up, wherever the pointer goes.
 void WorkspaceWindow::TakePointer(PointerKind kind, std::int32_t x, std::int32_t y) {
-    const bool isOnPicture = m_area.Contains(x, y) && !ImGui::GetIO().WantCaptureMouse;
+    const bool isOnPicture = m_painter.Picture().Contains(x, y) && !m_window.IsOnPage(x, y);
     if (!m_isDrawing && (!isOnPicture || kind == PointerKind::Release)) return;
     if (kind == PointerKind::Press && m_hasHelp) m_hasHelp = false;
     if (kind != PointerKind::Move) m_isDrawing = kind == PointerKind::Press;
-    const ScenePixel at = SceneAt(m_area, m_workspace->TheHost().Window(), x, y);
+    const ScenePixel at = SceneAt(m_painter.Picture(), m_workspace->TheHost().Window(), x, y);
     m_workspace->Point(kind, at.x, at.y);
 }
 
@@ -238,24 +246,12 @@ void WorkspaceWindow::DoAction(WorkspaceAction action) {
     }
 }
 
-void WorkspaceWindow::ShowPicture() {
-    const WindowSize size = m_window.Size();
-    m_area = FitPicture(m_workspace->TheHost().Window(), Free());
-    glBindFramebuffer(GL_FRAMEBUFFER, 0);
-    glDisable(GL_SCISSOR_TEST);
-    glViewport(0, 0, size.width, size.height);
-    glClearColor(0.03F, 0.035F, 0.04F, 1);
-    glClear(GL_COLOR_BUFFER_BIT);
-    m_workspace->TheHost().ShowFrame({m_area.x, size.height - m_area.y - m_area.height, m_area.width, m_area.height});
-    glDisable(GL_DEPTH_TEST);
-    glDisable(GL_ALPHA_TEST);
-}
-
 void WorkspaceWindow::ShowSessionProgress() {
     if (!m_workspace->IsPlayingSession()) return;
-    ImGui::SetNextWindowPos({static_cast<float>(m_area.x) + static_cast<float>(m_area.width) / 2,
-                             static_cast<float>(m_area.y) + static_cast<float>(m_area.height) / 2},
-                            ImGuiCond_Always, {0.5F, 0.5F});
+    ImGui::SetNextWindowPos(
+        {static_cast<float>(m_painter.Picture().x) + static_cast<float>(m_painter.Picture().width) / 2,
+         static_cast<float>(m_painter.Picture().y) + static_cast<float>(m_painter.Picture().height) / 2},
+        ImGuiCond_Always, {0.5F, 0.5F});
     ImGui::SetNextWindowSize({320, 0});
     ImGui::Begin("progress", nullptr, ImGuiWindowFlags_NoDecoration | ImGuiWindowFlags_NoInputs);
     ImGui::TextUnformatted("Playing the session");
@@ -263,9 +259,13 @@ void WorkspaceWindow::ShowSessionProgress() {
     ImGui::End();
 }
 
-void WorkspaceWindow::ShowPanel() {
+void WorkspaceWindow::PlacePicture() { m_painter.Place(FitPicture(m_workspace->TheHost().Window(), Free())); }
+
+void WorkspaceWindow::MakePanel() {
     const WindowSize size = m_window.Size();
     const auto now = Clock::now();
+    PlacePicture();
+    m_window.BeginPanel();
     if (m_hasPanel) {
         for (const WorkspaceAction action : m_panel.Show(*m_workspace, m_keys, size)) DoAction(action);
         if (auto refusal = m_panel.TakeRefusal()) m_status.Tell(*refusal, now);
@@ -274,42 +274,80 @@ void WorkspaceWindow::ShowPanel() {
     for (const std::string& news : m_workspace->TakeNews()) m_status.Tell(news, now);
     m_status.ShowNews(size, now);
     ShowSessionProgress();
-    if (m_hasHelp) ShowHelpPage(m_keys, m_area);
+    if (m_hasHelp) ShowHelpPage(m_keys, m_painter.Picture());
+    m_window.EndPanel();
     const Registration* chosen = m_workspace->Chosen() == nullptr ? nullptr : m_workspace->Chosen()->registration;
     if (chosen != m_fitted) FitTheKeys(KeyFit::WhatFits);
+    for (const SDL_Event& event : std::exchange(m_keysUp, {})) ImGui_ImplSDL2_ProcessEvent(&event);
+    m_panelTime = now;
+    if (m_panelsWanted > 0) --m_panelsWanted;
 }
 
-void WorkspaceWindow::ShowFrame() {
-    ShowPicture();
-    m_window.BeginFrame();
+void WorkspaceWindow::ShowPanel() {
+    MakePanel();
+    m_painter.ShowPanel(m_workspace->TheHost());
+}
+
+// What happens to the panel takes a few of its frames to be seen: what is hovered is known in the next one, what a
+// button does to the module after the next field. The pointer over the picture is nothing to it.
+void WorkspaceWindow::NoteForPanel(const SDL_Event& event) {
+    constexpr int framesToSettle = 4;
+    const PictureArea& picture = m_painter.Picture();
+    if (event.type == SDL_MOUSEMOTION) {
+        const auto& motion = event.motion;
+        const bool isFree = picture.Contains(motion.x, motion.y) &&
+                            picture.Contains(motion.x - motion.xrel, motion.y - motion.yrel) &&
+                            !m_window.IsOnPage(motion.x, motion.y);
+        if (m_isDrawing || isFree) return;
+    }
+    m_panelsWanted = framesToSettle;
+    if (event.type == SDL_WINDOWEVENT && event.window.event == SDL_WINDOWEVENT_EXPOSED) m_painter.ShowAnew();
+}
+
+// Its figures are renewed twice a second; what happened to it shows at once, unless a stroke is being drawn.
+Clock::time_point WorkspaceWindow::NextPanel() const {
+    constexpr auto figuresTime = std::chrono::milliseconds(500);
+    constexpr auto frameTime = std::chrono::milliseconds(18);
+    return m_panelTime + (m_panelsWanted > 0 && !m_isDrawing ? Clock::duration(frameTime) : figuresTime);
+}
+
+void WorkspaceWindow::PlaySession() {
+    constexpr auto sessionShare = std::chrono::milliseconds(30);  // between two looks at the window's events
+    m_workspace->PlaySession(sessionShare);
+    StartPacing();
     ShowPanel();
-    m_window.EndFrame();
-    for (const SDL_Event& event : std::exchange(m_keysUp, {})) ImGui_ImplSDL2_ProcessEvent(&event);
+    m_painter.ShowPicture(m_workspace->TheHost(), m_workspace->TheHost().TakeChangedArea());
+}
+
+void WorkspaceWindow::RunDueFields() {
+    const int due = m_pacer.Due(Clock::now());
+    if (due == 0) return;
+    m_workspace->RunFields(due);
+    FeedLive(due);
+    PlacePicture();
+    m_painter.ShowPicture(m_workspace->TheHost(), m_workspace->TheHost().TakeChangedArea());
 }
 
 void WorkspaceWindow::Run() {
-    constexpr auto sessionShare = std::chrono::milliseconds(30);  // between two looks at the window's events
     // A session's own events go by undrawn, and where nothing can be drawn the outputs are refused afterwards.
     const bool canFollow = !m_workspace->IsPlayingSession() && !m_workspace->PlugIns().empty();
     if (m_options.live != nullptr && canFollow)
         m_options.live->Start(m_workspace->TheHost().Window(), m_workspace->FieldsPerSecond());
     StartPacing();
+    ShowPanel();
     while (!m_isOver) {
         TakeEvents();
         if (m_workspace->IsPlayingSession()) {
-            m_workspace->PlaySession(sessionShare);
-            StartPacing();
-            ShowFrame();
+            PlaySession();
             continue;
         }
-        const int due = m_pacer.Due(Clock::now());
-        if (due > 0) {
-            m_workspace->RunFields(due);
-            FeedLive(due);
-            ShowFrame();
-        }
-        std::this_thread::sleep_until(m_pacer.Next());
+        RunDueFields();
+        if (Clock::now() >= NextPanel()) ShowPanel();
+        m_window.WaitForEvent(std::min(m_pacer.Next(), NextPanel()));
     }
+    if (m_workspace->IsPlayingSession()) return;
+    m_workspace->RunFields(1);  // in which takes effect what was done last
+    FeedLive(1);
 }
 
 }  // namespace

@@ -15,6 +15,7 @@ struct PictureArea {
     std::int32_t height = 0;
 
     [[nodiscard]] bool Contains(std::int32_t windowX, std::int32_t windowY) const;
+    friend bool operator==(const PictureArea&, const PictureArea&) = default;
 };
 
 // free: what of the window the picture may take, from its upper left corner

@@ -118,10 +118,15 @@ std::optional<WindowPlace> VirtualDisplay::FindWindow(const std::string& titleEn
         XFree(title);
         if (isIt && XGetWindowAttributes(m_display, children[i], &attributes) != 0 &&
             attributes.map_state == IsViewable)
-            place = WindowPlace{attributes.x, attributes.y, attributes.width, attributes.height};
+            place = WindowPlace{attributes.x, attributes.y, attributes.width, attributes.height, children[i]};
     }
     if (children != nullptr) XFree(children);
     return place;
+}
+
+void VirtualDisplay::ResizeWindow(const WindowPlace& window, std::int32_t width, std::int32_t height) {
+    XResizeWindow(m_display, window.id, static_cast<unsigned>(width), static_cast<unsigned>(height));
+    XSync(m_display, False);
 }
 
 picture_io::Picture VirtualDisplay::Screen() const {

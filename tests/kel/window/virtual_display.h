@@ -17,6 +17,7 @@ struct WindowPlace {
     std::int32_t y = 0;
     std::int32_t width = 0;
     std::int32_t height = 0;
+    unsigned long id = 0;  // as X knows it
 };
 
 struct ScreenSize {
@@ -46,6 +47,8 @@ public:
 
     // The window whose title ends so; nothing while none is on the screen.
     [[nodiscard]] std::optional<WindowPlace> FindWindow(const std::string& titleEnd) const;
+    // As a hand does that pulls at its corner.
+    void ResizeWindow(const WindowPlace& window, std::int32_t width, std::int32_t height);
     [[nodiscard]] picture_io::Picture Screen() const;
 
 private:

@@ -8,96 +8,18 @@
 #include <thread>
 
 #include "kel/video/video_reader.h"
-#include "kel/workspace/picture_area.h"
-#include "tests/cli/temporary_folder.h"
-#include "tests/kel/pixels.h"
 #include "tests/kel/video/counted_video.h"
-#include "tests/kel/window/kel_window.h"
+#include "tests/kel/window/paper_window.h"
 
 namespace kel {
 namespace {
 
+using testing::FindPaper;
+using testing::ink;
 using testing::KelWindow;
-using testing::Pixel;
+using testing::paper;
+using testing::PaperWindow;
 using testing::WaitUntil;
-
-constexpr Pixel paper{70, 90, 110, 255};
-constexpr Pixel ink{255, 45, 45, 255};  // what key 3 sets
-
-// The picture's place on the screen: all that has its colour, with what is drawn inside it.
-PictureArea FindPaper(const picture_io::Picture& screen) {
-    std::int32_t left = screen.width;
-    std::int32_t top = screen.height;
-    std::int32_t right = -1;
-    std::int32_t bottom = -1;
-    for (std::int32_t y = 0; y < screen.height; ++y)
-        for (std::int32_t x = 0; x < screen.width; ++x) {
-            if (testing::Difference(screen.At(x, y), paper) > 2) continue;
-            left = std::min(left, x);
-            right = std::max(right, x);
-            top = std::min(top, y);
-            bottom = std::max(bottom, y);
-        }
-    return {left, top, right - left + 1, bottom - top + 1};
-}
-
-// A window on a plain sheet of paper, recorded into run.json.
-class PaperWindow : public KelWindow {
-public:
-    explicit PaperWindow(std::vector<std::string> more = {}) {
-        picture_io::WritePicture(testing::Plain(400, 300, paper), folder / "paper.png");
-        std::vector<std::string> arguments = {"paper.png", "--record", "run.json"};
-        arguments.insert(arguments.end(), more.begin(), more.end());
-        Start(arguments);
-        WaitUntil("the window is on the screen", [&] { return display.FindWindow("paper.png - kel").has_value(); });
-        // The window comes to the middle of the screen, with room for the whole picture, pixel by pixel.
-        WaitUntil("the window shows the picture", [&] {
-            const auto scene = Recorded("run.json")["window"];
-            const auto place = display.FindWindow("paper.png - kel");
-            const picture_io::Picture screen = display.Screen();
-            area = FindPaper(screen);
-            const bool isInTheMiddle = place && place->x == (screen.width - place->width) / 2 && area.x == place->x;
-            return isInTheMiddle && area.width == scene["width"] && area.height == scene["height"];
-        });
-    }
-
-    void MoveOnPaper(double x, double y) {  // shares of its width and height
-        display.MovePointer(area.x + static_cast<std::int32_t>(std::lround(x * area.width)),
-                            area.y + static_cast<std::int32_t>(std::lround(y * area.height)));
-    }
-    // The window has come to know a key by then.
-    void SetByKey(const std::string& key, const std::string& parameter) {
-        const std::size_t before = ValuesSet(parameter).size();
-        display.TypeKey(key);
-        WaitUntil(key + " sets " + parameter, [&] { return ValuesSet(parameter).size() > before; });
-    }
-    // How many fields have passed since that happened last.
-    void WaitForFields(const std::string& since, std::int64_t fields) {
-        WaitUntil("fields after a " + since, [&] {
-            const std::int64_t field = FieldOf("run.json", since);
-            return field >= 0 && Recorded("run.json")["fields"].get<std::int64_t>() >= field + fields;
-        });
-    }
-    // Long enough for the window to have taken what was done to it.
-    void WaitForSomeFields() {
-        const auto now = Recorded("run.json")["fields"].get<std::int64_t>();
-        WaitUntil("some fields pass", [&] { return Recorded("run.json")["fields"].get<std::int64_t>() > now + 40; });
-    }
-    [[nodiscard]] nlohmann::json ValuesSet(const std::string& parameter) const {
-        auto values = nlohmann::json::array();
-        const nlohmann::json session = Recorded("run.json");
-        for (const auto& event : session["events"])
-            if (event.contains("set") && event["set"].contains(parameter)) values.push_back(event["set"][parameter]);
-        return values;
-    }
-    [[nodiscard]] picture_io::Picture SaveOverlay(const std::string& name) {
-        display.TypeKey("o");
-        WaitUntil("the overlay is saved", [&] { return std::filesystem::exists(folder / name); });
-        return picture_io::ReadPicture(folder / name);
-    }
-
-    PictureArea area;
-};
 
 // As a hand draws it: not quite round. Radii are pixels of the screen.
 void DrawRing(PaperWindow& window, double radius, double wobble) {

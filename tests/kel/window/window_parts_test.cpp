@@ -1,0 +1,96 @@
+#include <doctest/doctest.h>
+
+#include <thread>
+
+#include "tests/kel/window/paper_window.h"
+
+namespace kel {
+namespace {
+
+using testing::FindPaper;
+using testing::PaperWindow;
+using testing::WaitUntil;
+
+picture_io::Picture PartOf(const picture_io::Picture& screen, const PictureArea& area) {
+    picture_io::Picture part(area.width, area.height);
+    for (std::int32_t y = 0; y < area.height; ++y)
+        for (std::int32_t x = 0; x < area.width; ++x) part.Set(x, y, screen.At(area.x + x, area.y + y));
+    return part;
+}
+
+void DrawZigzag(PaperWindow& window, double height) {
+    window.MoveOnPaper(0.1, height);
+    window.display.PressButton(true);
+    for (int i = 1; i <= 24; ++i) {
+        window.MoveOnPaper(0.1 + 0.03 * i, height + (i % 2 == 0 ? 0.0 : 0.06));
+        std::this_thread::sleep_for(std::chrono::milliseconds(15));
+    }
+    window.display.PressButton(false);
+}
+
+void PanelAwayAndBack(PaperWindow& window, const PictureArea& with, const PictureArea& without) {
+    window.display.TypeKey("Tab");
+    WaitUntil("the panel is back", [&] { return FindPaper(window.display.Screen()).width == with.width; });
+    window.display.TypeKey("Tab");
+    WaitUntil("the panel is away", [&] { return FindPaper(window.display.Screen()).width == without.width; });
+}
+
+}  // namespace
+
+TEST_CASE("A window that is drawn part by part looks like one that is drawn as a whole, scaled and not") {
+    PaperWindow window;
+    window.SetByKey("3", "BrushColor");
+    DrawZigzag(window, 0.3);
+    window.WaitForFields("release", 5);
+    const PictureArea with = window.area;
+    const picture_io::Picture inParts = PartOf(window.display.Screen(), with);
+    CHECK_EQ(inParts == testing::Plain(with.width, with.height, testing::paper), false);
+
+    window.display.TypeKey("Tab");
+    WaitUntil("the panel is away", [&] {
+        window.area = FindPaper(window.display.Screen());
+        return window.area.width > with.width;
+    });
+    const std::int64_t firstRelease = window.FieldOf("run.json", "release");
+    DrawZigzag(window, 0.6);
+    WaitUntil("the second stroke is over", [&] { return window.FieldOf("run.json", "release") > firstRelease; });
+    window.WaitForFields("release", 5);
+    const PictureArea without = window.area;
+    const picture_io::Picture scaledInParts = PartOf(window.display.Screen(), without);
+    PanelAwayAndBack(window, with, without);
+    CHECK_EQ(PartOf(window.display.Screen(), without) == scaledInParts, true);
+
+    window.display.TypeKey("z");  // what was drawn without the panel
+    window.WaitForFields("button", 5);
+    window.display.TypeKey("Tab");
+    WaitUntil("the panel is back", [&] { return FindPaper(window.display.Screen()).width == with.width; });
+    CHECK_EQ(PartOf(window.display.Screen(), with) == inParts, true);
+}
+
+TEST_CASE("A window that is made larger and smaller while one draws goes on showing its picture whole") {
+    PaperWindow window;
+    const auto place = window.display.FindWindow("paper.png - kel");
+    REQUIRE(place);
+    const picture_io::Picture sheet = testing::Plain(window.area.width, window.area.height, testing::paper);
+    window.SetByKey("3", "BrushColor");
+    window.MoveOnPaper(0.2, 0.2);
+    window.display.PressButton(true);
+    for (int i = 0; i < 40; ++i) {
+        window.MoveOnPaper(0.2 + 0.01 * i, 0.2 + 0.005 * i);
+        window.display.ResizeWindow(*place, place->width - 13 * (i % 20), place->height - 9 * (i % 20));
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    window.display.PressButton(false);
+    window.display.ResizeWindow(*place, place->width, place->height);
+    WaitUntil("the picture is as large as before", [&] {
+        const PictureArea area = FindPaper(window.display.Screen());
+        return area.width == window.area.width && area.height == window.area.height;
+    });
+    window.WaitForFields("release", 5);
+    window.display.TypeKey("Delete");
+    window.WaitForFields("button", 5);
+    CHECK_EQ(PartOf(window.display.Screen(), window.area) == sheet, true);
+    CHECK_EQ(window.IsRunning(), true);
+}
+
+}  // namespace kel
