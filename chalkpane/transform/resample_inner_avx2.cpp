@@ -3,16 +3,12 @@
 #if defined(__x86_64__)
 #include <immintrin.h>
 
-#include <cstring>
+#include <cstdlib>
 #include <limits>
 
 namespace chalkpane {
 
 namespace {
-
-[[gnu::target("avx2")]] inline __m128i LoadEight(const std::uint8_t* bytes) {
-    return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(bytes));
-}
 
 // left * a + right * b of each pair of 16-bit words, where words go up to 65280 and the weights add up to 256. The
 // hardware's words are signed: 32768 is taken off each before, and 256 times that is given back.
@@ -27,50 +23,76 @@ namespace {
     return _mm256_or_si256(rest, _mm256_slli_epi32(fractions, 16));
 }
 
-// A 32-bit value for each half of the register.
-[[gnu::target("avx2")]] inline __m256i Halves(int low, int high) {
-    return _mm256_set_m128i(_mm_set1_epi32(high), _mm_set1_epi32(low));
-}
+// Where eight neighbouring pixels of four channels come from, a 32-bit number for each.
+struct EightColours {
+    alignas(32) std::int32_t at[8];  // channels from the area's first one to the lower left neighbour
+    __m256i across;                  // weights of a pair
+    __m256i up;                      // fraction upward, twice
 
-// Two pixels of four channels, one in each half of the register.
-struct TwoPixels {
-    const std::uint8_t* lower[2];
-    int x[2];
-    int y[2];
+    // Of pixels `pair` and `pair` + 1, one in each half of the register.
+    [[gnu::target("avx2")]] static __m256i OfPair(__m256i all, int pair) {
+        const __m256i halves = _mm256_setr_epi32(0, 0, 0, 0, 1, 1, 1, 1);
+        return _mm256_permutevar8x32_epi32(all, _mm256_add_epi32(halves, _mm256_set1_epi32(pair)));
+    }
 };
 
-[[gnu::target("avx2")]] inline void ResampleTwo(const TwoPixels& pixels, std::ptrdiff_t rowStep, std::uint8_t* target) {
-    const __m256i lower =
-        _mm256_cvtepu8_epi16(_mm_unpacklo_epi64(LoadEight(pixels.lower[0]), LoadEight(pixels.lower[1])));
-    const __m256i upper = _mm256_cvtepu8_epi16(
-        _mm_unpacklo_epi64(LoadEight(pixels.lower[0] + rowStep), LoadEight(pixels.lower[1] + rowStep)));
-    const __m256i top = Halves(pixels.y[0] * 0x10001, pixels.y[1] * 0x10001);
-    const __m256i bottom = _mm256_sub_epi16(_mm256_set1_epi16(256), top);
-    const __m256i columns = _mm256_add_epi16(_mm256_mullo_epi16(lower, bottom), _mm256_mullo_epi16(upper, top));
-    const __m256i pairs = _mm256_unpacklo_epi16(columns, _mm256_srli_si256(columns, 8));
-    const __m256i sums = WeighPairs(pairs, PairWeights(Halves(pixels.x[0], pixels.x[1])));
-    const __m256i words = _mm256_packus_epi32(_mm256_srli_epi32(sums, 16), _mm256_setzero_si256());
-    const __m256i bytes = _mm256_packus_epi16(words, _mm256_setzero_si256());
-    const int first = _mm256_extract_epi32(bytes, 0);
-    const int second = _mm256_extract_epi32(bytes, 4);
-    std::memcpy(target, &first, sizeof first);
-    std::memcpy(target + 4, &second, sizeof second);
+// The neighbours of two pixels, left and right one, in halves of the register.
+[[gnu::target("avx2")]] inline __m256i LoadTwo(const std::uint8_t* first, const std::uint8_t* second) {
+    const auto load = [](const std::uint8_t* from) __attribute__((target("avx2"))) {
+        return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(from));
+    };
+    return _mm256_inserti128_si256(_mm256_castsi128_si256(load(first)), load(second), 1);
+}
+[[gnu::target("avx2")]] inline __m256i LoadTwo(const std::uint16_t* first, const std::uint16_t* second) {
+    const auto load = [](const std::uint16_t* from) __attribute__((target("avx2"))) {
+        return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+    };
+    return _mm256_inserti128_si256(_mm256_castsi128_si256(load(first)), load(second), 1);
+}
+[[gnu::target("avx2")]] inline __m256i LeftAndRight(__m256i pixels) {
+    return _mm256_unpacklo_epi16(pixels, _mm256_srli_si256(pixels, 8));
 }
 
-[[gnu::target("avx2")]] void AlongColour(const ResampleSource<std::uint8_t>& source, const ResampleIterator& iterator,
-                                         std::uint8_t* target, std::ptrdiff_t count) {
-    ResampleIterator at = iterator;
-    std::ptrdiff_t x = 0;
-    for (; x + 2 <= count; x += 2, target += 8) {
-        TwoPixels pixels;
-        for (int i = 0; i < 2; ++i, at.u += at.stepU, at.v += at.stepV) {
-            pixels.lower[i] = source.first + (at.v >> 16) * source.rowStep + (at.u >> 16) * 4;
-            pixels.x[i] = static_cast<int>(at.u >> 8) & 255;
-            pixels.y[i] = static_cast<int>(at.v >> 8) & 255;
-        }
-        ResampleTwo(pixels, source.rowStep, target);
-    }
-    ResampleAlong<PixelFormat8, 4>(source, at, target, count - x);
+// The channels of two pixels as 32-bit numbers. Upward first: (256 - f) * lower + f * upper within 16 bits.
+[[gnu::target("avx2")]] inline __m256i ResampledPair(const std::uint8_t* first, std::ptrdiff_t rowStep,
+                                                     const EightColours& pixels, int pair) {
+    const __m256i zero = _mm256_setzero_si256();
+    const std::uint8_t* const one = first + pixels.at[pair];
+    const std::uint8_t* const other = first + pixels.at[pair + 1];
+    const __m256i lower = LoadTwo(one, other);
+    const __m256i upper = LoadTwo(one + rowStep, other + rowStep);
+    const __m256i rise = _mm256_sub_epi16(_mm256_unpacklo_epi8(upper, zero), _mm256_unpacklo_epi8(lower, zero));
+    const __m256i risen = _mm256_mullo_epi16(rise, EightColours::OfPair(pixels.up, pair));
+    const __m256i columns = _mm256_add_epi16(_mm256_unpacklo_epi8(zero, lower), risen);
+    const __m256i sums = WeighPairs(LeftAndRight(columns), EightColours::OfPair(pixels.across, pair));
+    return _mm256_srli_epi32(sums, 16);
+}
+// Across first. Sums of words of all 16 bits stay below 2 to the 32.
+[[gnu::target("avx2")]] inline __m256i ResampledPair(const std::uint16_t* first, std::ptrdiff_t rowStep,
+                                                     const EightColours& pixels, int pair) {
+    const std::uint16_t* const one = first + pixels.at[pair];
+    const std::uint16_t* const other = first + pixels.at[pair + 1];
+    const __m256i across = EightColours::OfPair(pixels.across, pair);
+    const __m256i lower = WeighPairs(LeftAndRight(LoadTwo(one, other)), across);
+    const __m256i upper = WeighPairs(LeftAndRight(LoadTwo(one + rowStep, other + rowStep)), across);
+    const __m256i top = _mm256_srli_epi32(EightColours::OfPair(pixels.up, pair), 16);
+    const __m256i risen = _mm256_mullo_epi32(_mm256_sub_epi32(upper, lower), top);  // wraps back
+    const __m256i sums = _mm256_add_epi32(_mm256_slli_epi32(lower, 8), risen);
+    // As FinishSum.
+    const __m256i limited = _mm256_min_epu32(sums, _mm256_set1_epi32(PixelFormat14::fullScale << 16));
+    const __m256i n = _mm256_add_epi32(limited, _mm256_set1_epi32(32767));
+    const __m256i quotient = _mm256_add_epi32(_mm256_add_epi32(n, _mm256_set1_epi32(1)), _mm256_srli_epi32(n, 16));
+    return _mm256_srli_epi32(quotient, 16);
+}
+
+// Four pixels from two pairs: in words 0 and 2, 1 and 3.
+[[gnu::target("avx2")]] inline void StoreFour(__m256i pairs, std::uint8_t* target) {
+    const __m256i bytes = _mm256_packus_epi16(pairs, pairs);
+    const __m128i inOrder = _mm_unpacklo_epi32(_mm256_castsi256_si128(bytes), _mm256_extracti128_si256(bytes, 1));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(target), inOrder);
+}
+[[gnu::target("avx2")]] inline void StoreFour(__m256i pairs, std::uint16_t* target) {
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(target), _mm256_permute4x64_epi64(pairs, 0xd8));
 }
 
 // Eight pixels of one channel, positions counted from the area's lower left pixel.
@@ -96,14 +118,6 @@ struct TwoPixels {
     const __m256i values = _mm256_srli_epi32(sums, 16);
     const __m128i words = _mm_packus_epi32(_mm256_castsi256_si128(values), _mm256_extracti128_si256(values, 1));
     return _mm_packus_epi16(words, words);
-}
-
-// The low half suffices where positions fit it: steps wrap.
-constexpr std::int32_t Low(std::int64_t value) { return static_cast<std::int32_t>(value); }
-
-[[gnu::target("avx2")]] inline __m256i FirstEight(std::int64_t start, std::int64_t step) {
-    const __m256i columns = _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7);
-    return _mm256_add_epi32(_mm256_set1_epi32(Low(start)), _mm256_mullo_epi32(columns, _mm256_set1_epi32(Low(step))));
 }
 
 // Sixteen channels of a move.
@@ -150,18 +164,59 @@ template <int channels>
     if (count % block != 0) MoveSixteen<channels>(lower + last, upper + last, target + last, weights);
 }
 
+// The low half suffices where positions fit it: steps wrap.
+constexpr std::int32_t Low(std::int64_t value) { return static_cast<std::int32_t>(value); }
+
+[[gnu::target("avx2")]] inline __m256i FirstEight(std::int64_t start, std::int64_t step) {
+    const __m256i columns = _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7);
+    return _mm256_add_epi32(_mm256_set1_epi32(Low(start)), _mm256_mullo_epi32(columns, _mm256_set1_epi32(Low(step))));
+}
+
 // True when all positions and offsets of the iterator fit 32 bits.
-bool IsSmall(const ResampleSource<std::uint8_t>& source) {
+template <typename Channel>
+bool IsSmall(const ResampleSource<Channel>& source, int channels) {
     const std::int64_t width = std::int64_t{source.area.x1} - source.area.x0 + 1;
     const std::int64_t height = std::int64_t{source.area.y1} - source.area.y0 + 1;
     return width < 32768 && height < 32768 &&
-           height * -source.rowStep + width < std::numeric_limits<std::int32_t>::max();
+           height * std::abs(std::int64_t{source.rowStep}) + width * channels <
+               std::numeric_limits<std::int32_t>::max();
+}
+
+template <typename F, typename Channel = typename F::Channel>
+[[gnu::target("avx2")]] void AlongColour(const ResampleSource<Channel>& source, const ResampleIterator& iterator,
+                                         Channel* target, std::ptrdiff_t count) {
+    ResampleIterator at = iterator;
+    if (IsSmall(source, 4)) {
+        const Channel* const first = source.first;
+        const std::ptrdiff_t rowStep = source.rowStep;
+        const __m256i byte = _mm256_set1_epi32(255);
+        const __m256i stepU = _mm256_set1_epi32(Low(iterator.stepU * 8));
+        const __m256i stepV = _mm256_set1_epi32(Low(iterator.stepV * 8));
+        __m256i u = FirstEight(iterator.u, iterator.stepU);
+        __m256i v = FirstEight(iterator.v, iterator.stepV);
+        for (; count >= 8; count -= 8, target += 32, at.u += 8 * at.stepU, at.v += 8 * at.stepV) {
+            EightColours pixels;
+            const __m256i rows = _mm256_mullo_epi32(_mm256_srai_epi32(v, 16), _mm256_set1_epi32(Low(rowStep)));
+            const __m256i columns = _mm256_slli_epi32(_mm256_srai_epi32(u, 16), 2);
+            _mm256_store_si256(reinterpret_cast<__m256i*>(pixels.at), _mm256_add_epi32(rows, columns));
+            const __m256i up = _mm256_and_si256(_mm256_srli_epi32(v, 8), byte);
+            pixels.across = PairWeights(_mm256_and_si256(_mm256_srli_epi32(u, 8), byte));
+            pixels.up = _mm256_or_si256(up, _mm256_slli_epi32(up, 16));
+            for (int pair = 0; pair < 8; pair += 4)
+                StoreFour(_mm256_packus_epi32(ResampledPair(first, rowStep, pixels, pair),
+                                              ResampledPair(first, rowStep, pixels, pair + 2)),
+                          target + 4 * pair);
+            u = _mm256_add_epi32(u, stepU);
+            v = _mm256_add_epi32(v, stepV);
+        }
+    }
+    ResampleAlong<F, 4>(source, at, target, count);
 }
 
 [[gnu::target("avx2")]] void AlongMask(const ResampleSource<std::uint8_t>& source, const ResampleIterator& iterator,
                                        std::uint8_t* target, std::ptrdiff_t count) {
     ResampleIterator at = iterator;
-    if (IsSmall(source)) {
+    if (IsSmall(source, 1)) {
         __m256i u = FirstEight(iterator.u, iterator.stepU);
         __m256i v = FirstEight(iterator.v, iterator.stepV);
         const __m256i stepU = _mm256_set1_epi32(Low(iterator.stepU * 8));
@@ -188,12 +243,13 @@ template <int channels>
 template <typename F, int channels>
 void Avx2Inner<F, channels>::Along(const ResampleSource<typename F::Channel>& source, const ResampleIterator& iterator,
                                    typename F::Channel* target, std::ptrdiff_t count) {
-    if constexpr (F::bits == 14)
-        ResampleAlong<F, channels>(source, iterator, target, count);  // DIFFERS: only moves have a vector form
-    else if constexpr (channels == 1)
+    if constexpr (channels == 4)
+        AlongColour<F>(source, iterator, target, count);
+    else if constexpr (F::bits == 8)
         AlongMask(source, iterator, target, count);
     else
-        AlongColour(source, iterator, target, count);
+        ResampleAlong<F, channels>(source, iterator, target,
+                                   count);  // DIFFERS: a mask's moves alone have a vector form
 }
 
 template <typename F, int channels>

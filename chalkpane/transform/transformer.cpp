@@ -47,17 +47,34 @@ struct ResampleJob {
     ResampleRowFunction<F> resample;
 };
 
+// Columns `first` .. `end` - 1 of row y, both counted from the lower left pixel written.
 template <typename F>
-void ResampleOneRow(std::int32_t row, void* userData, std::int32_t /*worker*/) {
-    const auto& job = *static_cast<const ResampleJob<F>*>(userData);
-    const std::int64_t y = std::int64_t{row} - job.rect.y0;
+void ResampleColumns(const ResampleJob<F>& job, std::int32_t y, std::int32_t first, std::int32_t end) {
     ResampleIterator iterator = job.iterator;
     const bool reachable = Advance(iterator.u, job.rowStepU, job.rowsBefore + y) &&
                            Advance(iterator.v, job.rowStepV, job.rowsBefore + y) &&
-                           Advance(iterator.u, iterator.stepU, job.columnsBefore) &&
-                           Advance(iterator.v, iterator.stepV, job.columnsBefore);
+                           Advance(iterator.u, iterator.stepU, job.columnsBefore + first) &&
+                           Advance(iterator.v, iterator.stepV, job.columnsBefore + first);
     if (!reachable) iterator = {.u = std::numeric_limits<std::int64_t>::min() / 4};
-    job.resample(job.source, iterator, job.target.At(0, y), job.rect.Width());
+    job.resample(job.source, iterator, job.target.At(first, y), end - first);
+}
+
+// A rotated row crosses many rows of the source, whose pixels beside it the next row wants. So some rows are done
+// together, piece by piece, while those pixels are at hand.
+constexpr std::int32_t rowsTogether = 32;
+constexpr std::int32_t pieceColumns = 128;
+
+template <typename F>
+void ResampleRows(std::int32_t group, void* userData, std::int32_t /*worker*/) {
+    const auto& job = *static_cast<const ResampleJob<F>*>(userData);
+    const std::int32_t width = job.rect.Width();
+    const std::int32_t firstRow = group * rowsTogether;
+    const std::int32_t endRow = firstRow + std::min(rowsTogether, job.rect.Height() - firstRow);
+    const std::int32_t step = job.iterator.stepV == 0 ? width : pieceColumns;
+    for (std::int64_t first = 0; first < width; first += step) {
+        const auto end = static_cast<std::int32_t>(std::min<std::int64_t>(first + step, width));
+        for (std::int32_t y = firstRow; y < endRow; ++y) ResampleColumns(job, y, static_cast<std::int32_t>(first), end);
+    }
 }
 
 struct ResampleOrder {
@@ -89,7 +106,10 @@ void ResampleAtDepth(const ResampleOrder& order) {
         .rowStepV = ToFixed(linear[1][1]),
         .resample = ResampleRowFor<F>(order.source->IsMask() ? 1 : 4).Fastest(),
     };
-    RunInBands(rect.y0, rect.y1, rect.Width(), &ResampleOneRow<F>, &job);
+    const std::int64_t pixels = std::int64_t{rect.Width()} * std::min(rowsTogether, rect.Height());
+    constexpr std::int64_t most = std::numeric_limits<std::int32_t>::max();
+    RunInBands(0, (rect.Height() - 1) / rowsTogether, static_cast<std::int32_t>(std::min(pixels, most)),
+               &ResampleRows<F>, &job);
 }
 
 void Resample(const ResampleOrder& order) {
