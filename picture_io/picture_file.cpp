@@ -58,6 +58,14 @@ bool IsHeif(const FormatRow& format) {
     return format.format == PictureFormat::Avif || format.format == PictureFormat::Heic;
 }
 
+PictureFile DecodedFrom(const Bytes& bytes, Depths depths, const std::filesystem::path& shownName) {
+    try {
+        return DecodePictureFile(bytes, depths);
+    } catch (const cli::Error& error) {
+        throw cli::Error(shownName.string(), {}, error.what());
+    }
+}
+
 template <typename Word>
 void CompositeOver(BasicPicture<Word>& picture, const std::array<std::uint8_t, 3>& colour, ClearPixels clear) {
     constexpr std::uint64_t full = static_cast<Word>(~Word{0});
@@ -106,16 +114,17 @@ PictureFile DecodePictureFile(const Bytes& bytes, Depths depths) {
 }
 
 PictureFile ReadNamed(const std::filesystem::path& file, Depths depths) {
-    const bool isStream = file == "-";
-    const Bytes bytes = isStream ? cli::ReadStandardInput() : cli::ReadFileBytes(file);
-    try {
-        return DecodePictureFile(bytes, depths);
-    } catch (const cli::Error& error) {
-        throw cli::Error(isStream ? "standard input" : file.string(), {}, error.what());
-    }
+    return DecodedFrom(cli::ReadFileBytes(file), depths, file);
 }
 
 PictureFile ReadPictureFile(const std::filesystem::path& file) { return ReadNamed(file, Depths::Any); }
+
+PictureFile ReadPictureStream(std::size_t mostBytes,
+                              const std::function<void(std::span<const std::uint8_t> bytes)>& beforeDecoding) {
+    const Bytes bytes = cli::ReadStandardInput(mostBytes);
+    beforeDecoding(bytes);
+    return DecodedFrom(bytes, Depths::Any, "standard input");
+}
 
 Bytes EncodePictureFile(const AnyPicture& picture, const FormatRow& format, const WriteOptions& options) {
     if (!format.hasWords && std::holds_alternative<Picture16>(picture))

@@ -3,6 +3,8 @@
 #include <array>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
+#include <span>
 #include <vector>
 
 #include "picture_io/picture.h"
@@ -17,9 +19,13 @@ struct PictureFile {
     PictureInfo info;    // which says so too
 };
 
-// Reads a picture, whatever the file is called; "-" is standard input. Words stay words. Throws Error naming the file
-// and the reason.
+// Reads a picture, whatever the file is called. Words stay words. Throws Error naming the file and the reason.
 [[nodiscard]] PictureFile ReadPictureFile(const std::filesystem::path& file);
+
+// Reads a picture from standard input. Throws Error likewise, also for more than `mostBytes`.
+//   beforeDecoding  is called with the file's bytes; what it throws comes out of here
+[[nodiscard]] PictureFile ReadPictureStream(
+    std::size_t mostBytes, const std::function<void(std::span<const std::uint8_t> bytes)>& beforeDecoding);
 
 // The bytes of a picture file. What the format cannot hold of the information is left out, alpha too. Throws Error with
 // the reason alone, also for a depth that the format has not.

@@ -1,21 +1,35 @@
 #include "picture_io/picture_size.h"
 
-#include <array>
-#include <fstream>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <string>
 #include <system_error>
 #include <vector>
 
+#include "cli/open_file.h"
+#include "picture_io/picture_format.h"
+#include "picture_io/placed_bytes.h"
 #include "picture_io/png_header.h"
 
 namespace picture_io {
 namespace {
 
-// One byte, or -1 behind the end.
-int Byte(std::istream& stream) { return stream.get(); }
+using Size = std::optional<PictureSize>;
 
-std::uint32_t Word(std::istream& stream) {
-    const auto high = static_cast<std::uint32_t>(Byte(stream) & 0xFF);
-    return high << 8U | static_cast<std::uint32_t>(Byte(stream) & 0xFF);
+std::vector<std::uint8_t> StartOf(PlacedBytes& file) {
+    constexpr std::uint64_t enough = 32;  // for the beginning of every format
+    std::vector<std::uint8_t> start;
+    for (std::uint64_t i = 0; i < enough; ++i)
+        if (const auto byte = file.At(i)) start.push_back(*byte);
+    return start;
+}
+
+Size PngSize(PlacedBytes& file) {
+    constexpr int bitsOfWord = 16;
+    const auto png = ReadPngHeader(StartOf(file));
+    return png ? Size({png->width, png->height, png->bits == bitsOfWord}) : std::nullopt;
 }
 
 // A frame header is any of C0 to CF but for three that are tables and extensions.
@@ -24,39 +38,226 @@ bool IsFrameHeader(int marker) {
 }
 
 // From behind the mark of its beginning: segment after segment up to the first frame header.
-std::optional<PictureSize> JpegSize(std::istream& stream) {
-    while (stream) {
-        if (Byte(stream) != 0xFF) return std::nullopt;
-        int marker = Byte(stream);
-        while (marker == 0xFF) marker = Byte(stream);  // padding
-        if (marker <= 0) return std::nullopt;
-        const std::uint32_t length = Word(stream);
-        if (!stream || length < 2) return std::nullopt;
+Size JpegSize(PlacedBytes& file) {
+    std::uint64_t at = 2;
+    while (file.At(at) == 0xFF) {
+        ++at;
+        while (file.At(at) == 0xFF) ++at;  // padding
+        const int marker = file.At(at++).value_or(0);
+        const std::uint32_t length = file.Big(at, 2);
+        if (marker == 0 || length < 2) return std::nullopt;
         if (IsFrameHeader(marker)) {
-            (void)Byte(stream);  // bits
-            const std::uint32_t height = Word(stream);
-            const std::uint32_t width = Word(stream);
-            return stream ? std::optional(PictureSize{width, height}) : std::nullopt;
+            if (!file.At(at + 6)) return std::nullopt;
+            return PictureSize{file.Big(at + 5, 2), file.Big(at + 3, 2)};  // behind the length and the bits
         }
-        stream.seekg(length - 2, std::ios::cur);
+        at += length;
     }
     return std::nullopt;
+}
+
+// The canvas, or the picture where one does not fit into it.
+Size WebPSize(PlacedBytes& file) {
+    constexpr int mostChunks = 1000;
+    PictureSize size;
+    const auto grow = [&size](std::uint32_t width, std::uint32_t height) {
+        size.width = std::max(size.width, width);
+        size.height = std::max(size.height, height);
+    };
+    std::uint64_t at = 12;
+    for (int chunk = 0; chunk < mostChunks && file.At(at + 8); ++chunk) {
+        const std::uint64_t data = at + 8;
+        if (file.Has(at, "VP8X")) {
+            grow(file.Little(data + 4, 3) + 1, file.Little(data + 7, 3) + 1);
+        } else if (file.Has(at, "VP8L")) {
+            const std::uint32_t sides = file.Little(data + 1, 4);  // 14 bits each
+            grow((sides & 0x3FFFU) + 1, (sides >> 14U & 0x3FFFU) + 1);
+        } else if (file.Has(at, "VP8 ")) {
+            grow(file.Little(data + 6, 2) & 0x3FFFU, file.Little(data + 8, 2) & 0x3FFFU);
+        }
+        const std::uint64_t length = file.Little(at + 4, 4);
+        at = data + length + length % 2;
+    }
+    return size.width > 0 ? Size(size) : std::nullopt;
+}
+
+Size GifSize(PlacedBytes& file) { return PictureSize{file.Little(6, 2), file.Little(8, 2)}; }
+
+Size BmpSize(PlacedBytes& file) {
+    constexpr std::uint32_t oldHeader = 12;
+    if (file.Little(14, 4) == oldHeader) return PictureSize{file.Little(18, 2), file.Little(20, 2)};
+    const std::uint32_t height = file.Little(22, 4);  // below 0: the first row is the highest
+    return PictureSize{file.Little(18, 4), (height & 0x80000000U) != 0 ? 0U - height : height};
+}
+
+// The tags of a TIFF's first picture, of which every one counts that says how large it is.
+Size TiffSize(PlacedBytes& file) {
+    constexpr std::uint32_t shortType = 3;
+    const bool isLittle = file.Has(0, "II");
+    const auto number = [&](std::uint64_t at, unsigned count) {
+        return isLittle ? file.Little(at, count) : file.Big(at, count);
+    };
+    const std::uint64_t start = number(4, 4);
+    const std::uint32_t count = number(start, 2);
+    PictureSize size;
+    for (std::uint32_t i = 0; i < count; ++i) {
+        const std::uint64_t at = start + 2 + std::uint64_t{12} * i;
+        const std::uint32_t tag = number(at, 2);
+        const std::uint32_t value = number(at + 8, number(at + 2, 2) == shortType ? 2 : 4);
+        if (tag == 256) size.width = std::max(size.width, value);
+        if (tag == 257) size.height = std::max(size.height, value);
+        if (tag == 258) size.hasWords |= (number(at + 4, 4) > 2 ? number(number(at + 8, 4), 2) : value) > 8;
+    }
+    return size.width > 0 ? Size(size) : std::nullopt;
+}
+
+// The largest of the sizes among the properties of what the file holds: pictures, their tiles, and small forms of them.
+// Boxes lie in boxes; each begins with its length and its name.
+void GrowByHeif(PlacedBytes& file, std::uint64_t at, std::uint64_t end, int& boxesLeft, PictureSize& size) {
+    while (at + 8 <= end && --boxesLeft > 0) {
+        std::uint64_t length = file.Big(at, 4);
+        std::uint64_t inside = at + 8;
+        if (length == 1) {
+            length = std::uint64_t{file.Big(at + 8, 4)} << 32U | file.Big(at + 12, 4);
+            inside += 8;
+        }
+        if (length == 0 || length > end - at) length = end - at;  // up to the end
+        if (at + length < inside) return;
+        if (file.Has(at + 4, "ispe")) {
+            size.width = std::max(size.width, file.Big(inside + 4, 4));
+            size.height = std::max(size.height, file.Big(inside + 8, 4));
+        }
+        if (file.Has(at + 4, "pixi"))  // bits of each channel
+            for (unsigned i = 0; i < file.Big(inside + 4, 1); ++i) size.hasWords |= file.Big(inside + 5 + i, 1) > 8;
+        const bool isMeta = file.Has(at + 4, "meta");
+        if (isMeta || file.Has(at + 4, "iprp") || file.Has(at + 4, "ipco"))
+            GrowByHeif(file, inside + (isMeta ? 4 : 0), at + length, boxesLeft, size);
+        at += length;
+        if (!file.At(at)) return;
+    }
+}
+
+Size HeifSize(PlacedBytes& file) {
+    int boxesLeft = 10'000;
+    PictureSize size;
+    GrowByHeif(file, 0, std::uint64_t{1} << 62U, boxesLeft, size);
+    return size.width > 0 ? Size(size) : std::nullopt;
+}
+
+// The words of a header of text, which blanks and comments part.
+class HeaderWords {
+public:
+    HeaderWords(PlacedBytes& file, std::uint64_t at) : m_file(file), m_at(at) {}
+
+    std::string Next() {
+        std::string word;
+        for (; m_at < mostHeader; ++m_at) {
+            const auto byte = m_file.At(m_at);
+            if (!byte) break;
+            if (*byte == '#' && word.empty()) {
+                while (m_at < mostHeader && m_file.At(m_at) && m_file.At(m_at) != '\n') ++m_at;
+            } else if (*byte > ' ') {
+                word += static_cast<char>(*byte);
+            } else if (!word.empty()) {
+                break;
+            }
+        }
+        return word;
+    }
+    std::uint32_t Number() {
+        std::uint64_t number = 0;
+        for (const char digit : Next())
+            if (digit >= '0' && digit <= '9' && number < mostNumber)
+                number = number * 10 + static_cast<std::uint64_t>(digit - '0');
+        return static_cast<std::uint32_t>(std::min(number, mostNumber));
+    }
+
+private:
+    static constexpr std::uint64_t mostHeader = 1U << 16U;  // bytes
+    static constexpr std::uint64_t mostNumber = 0xFFFFFFFFU;
+
+    PlacedBytes& m_file;
+    std::uint64_t m_at;
+};
+
+constexpr std::uint32_t mostOfByte = 255;
+
+Size PnmSize(PlacedBytes& file) {
+    HeaderWords words(file, 2);
+    PictureSize size;
+    size.width = words.Number();
+    size.height = words.Number();
+    size.hasWords = words.Number() > mostOfByte;
+    return size;
+}
+
+Size PamSize(PlacedBytes& file) {
+    HeaderWords words(file, 2);
+    PictureSize size;
+    for (std::string word = words.Next(); !word.empty() && word != "ENDHDR"; word = words.Next()) {
+        if (word == "WIDTH") size.width = words.Number();
+        if (word == "HEIGHT") size.height = words.Number();
+        if (word == "MAXVAL") size.hasWords = words.Number() > mostOfByte;
+    }
+    return size;
+}
+
+Size SizeIn(PlacedBytes& file) {
+    const FormatRow* const format = FormatOfBytes(StartOf(file));
+    if (format == nullptr) return std::nullopt;
+    switch (format->format) {
+        case PictureFormat::Png:
+            return PngSize(file);
+        case PictureFormat::Jpeg:
+            return JpegSize(file);
+        case PictureFormat::WebP:
+            return WebPSize(file);
+        case PictureFormat::Tiff:
+            return TiffSize(file);
+        case PictureFormat::Gif:
+            return GifSize(file);
+        case PictureFormat::Bmp:
+            return BmpSize(file);
+        case PictureFormat::Avif:
+        case PictureFormat::Heic:
+            return HeifSize(file);
+        case PictureFormat::Pam:
+            return PamSize(file);
+        case PictureFormat::Pgm:
+        case PictureFormat::Pnm:
+            return PnmSize(file);
+    }
+    return std::nullopt;
+}
+
+double MemoryOf(const Size& size, double fileBytes, double copies, bool asWords) {
+    constexpr double channels = 4;
+    const double once = size ? size->Pixels() * channels * (asWords || size->hasWords ? 2 : 1) : 0;
+    return std::max(fileBytes + once, copies * once);
 }
 
 }  // namespace
 
 std::optional<PictureSize> ReadPictureSize(const std::filesystem::path& file) {
+    const cli::OpenFile opened(open(file.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    struct stat status {};
+    if (!opened || fstat(opened.Descriptor(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+    PlacedBytes bytes(opened.Descriptor());
+    return SizeIn(bytes);
+}
+
+std::optional<PictureSize> PictureSizeIn(std::span<const std::uint8_t> bytes) {
+    PlacedBytes placed(bytes);
+    return SizeIn(placed);
+}
+
+double MemoryOfPicture(const std::filesystem::path& file, double copies, bool asWords) {
     std::error_code failure;
-    if (!std::filesystem::is_regular_file(file, failure)) return std::nullopt;
-    std::ifstream stream(file, std::ios::binary);
-    std::vector<std::uint8_t> start(32);
-    stream.read(reinterpret_cast<char*>(start.data()), static_cast<std::streamsize>(start.size()));
-    start.resize(static_cast<std::size_t>(stream.gcount()));
-    if (const auto png = ReadPngHeader(start)) return PictureSize{png->width, png->height};
-    if (start.size() < 2 || start[0] != 0xFF || start[1] != 0xD8) return std::nullopt;
-    stream.clear();
-    stream.seekg(2);
-    return JpegSize(stream);
+    const auto fileBytes = std::filesystem::file_size(file, failure);
+    return MemoryOf(ReadPictureSize(file), failure ? 0.0 : static_cast<double>(fileBytes), copies, asWords);
+}
+
+double MemoryOfPicture(std::span<const std::uint8_t> bytes, double copies, bool asWords) {
+    return MemoryOf(PictureSizeIn(bytes), static_cast<double>(bytes.size()), copies, asWords);
 }
 
 }  // namespace picture_io

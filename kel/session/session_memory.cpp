@@ -4,6 +4,7 @@
 
 #include "cli/memory_budget.h"
 #include "cli/nearest_name.h"
+#include "kel/video/video_size.h"
 #include "picture_io/picture.h"
 #include "picture_io/picture_size.h"
 
@@ -29,6 +30,7 @@ public:
 private:
     void CountContainer(const SessionContainer& container) {
         if (!container.picture.empty()) CountPicture(container.picture, container.place + "/picture");
+        if (!container.film.empty()) CountFilm(container.film, container.place + "/film");
         if (!container.plugin) return;
         m_budget.Count(bytesOfPlugIn, "a plug-in");
         CountValues(container.plugin->parameters);
@@ -44,8 +46,13 @@ private:
     }
 
     void CountPicture(const std::string& path, const std::string& place) {
-        if (const auto size = picture_io::ReadPictureSize(m_access.InputFile(path, place)))
-            m_budget.Count(size->Pixels() * bytesOfPixel * copiesOfPicture, "the picture " + cli::Quoted(path));
+        m_budget.Count(picture_io::MemoryOfPicture(m_access.InputFile(path, place), copiesOfPicture, false),
+                       "the picture " + cli::Quoted(path));
+    }
+
+    void CountFilm(const std::string& path, const std::string& place) {
+        if (const auto pixels = ReadVideoPixels(m_access.InputFile(path, place)))
+            m_budget.Count(*pixels * (bytesOfVideoPixel + bytesOfPixel), "the film " + cli::Quoted(path));
     }
 
     const SessionAccess& m_access;

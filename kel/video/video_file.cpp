@@ -1,10 +1,12 @@
 #include "kel/video/video_file.h"
 
 #include <cmath>
+#include <vector>
 
 #include "cli/error.h"
 #include "cli/file_bytes.h"
 #include "kel/video/matroska_length.h"
+#include "kel/video/video_reader.h"
 
 namespace kel {
 namespace {
@@ -18,6 +20,15 @@ AvInput OpenInput(const std::filesystem::path& file, int& result) {
     result = avformat_open_input(&input, ("file:" + file.string()).c_str(), nullptr, &options);
     av_dict_free(&options);
     return AvInput(input);
+}
+
+// Some frames are decoded for what the container does not say; none of them is larger than what is read.
+int FindStreams(AVFormatContext& input) {
+    std::vector<AVDictionary*> options(input.nb_streams);
+    for (AVDictionary*& each : options) av_dict_set_int(&each, "max_pixels", VideoReader::largestVideoPixels, 0);
+    const int result = avformat_find_stream_info(&input, options.data());
+    for (AVDictionary*& each : options) av_dict_free(&each);
+    return result;
 }
 
 }  // namespace
@@ -34,7 +45,7 @@ void VideoFile::Open() {
     if (result == AVERROR_INVALIDDATA || result == AVERROR(EINVAL))
         Refuse("is no MP4, MOV, MKV or WebM film, or a damaged one");
     if (result < 0) Refuse("cannot be read: " + AvReason(result));
-    result = avformat_find_stream_info(m_input.get(), nullptr);
+    result = FindStreams(*m_input);
     if (result < 0) Refuse("cannot be read: " + AvReason(result));
     m_stream = av_find_best_stream(m_input.get(), AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
     if (m_stream < 0 || (Stream().disposition & AV_DISPOSITION_ATTACHED_PIC) != 0) Refuse("has no moving pictures");

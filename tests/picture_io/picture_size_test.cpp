@@ -3,6 +3,7 @@
 #include <doctest/doctest.h>
 
 #include "picture_io/picture.h"
+#include "picture_io/picture_format.h"
 #include "tests/cli/temporary_folder.h"
 
 namespace picture_io {
@@ -31,6 +32,61 @@ TEST_CASE("The size of a picture is told from its first bytes") {
     // Nothing behind the header is looked at.
     cli::testing::WriteText(folder / "cut.png", cli::testing::ReadText(folder / "a.png").substr(0, 26));
     CheckSize(folder / "cut.png", 300, 20);
+}
+
+TEST_CASE("Every format tells its size and its depth, from a file and from bytes") {
+    const TemporaryFolder folder;
+    for (const FormatRow& row : PictureFormats()) {
+        CAPTURE(row.name);
+        const auto file = folder / ("a" + std::string(row.endings[0]));
+        WritePicture(Picture(320, 64), file);  // in blocks of 64 where a format has such
+        CheckSize(file, 320, 64);
+        CHECK_FALSE(ReadPictureSize(file)->hasWords);
+        if (!row.hasWords) continue;
+        WritePicture(Picture16(7, 500), file);
+        CheckSize(file, 7, 500);
+        CHECK(ReadPictureSize(file)->hasWords);
+        const std::string text = cli::testing::ReadText(file);
+        const auto size = PictureSizeIn({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
+        REQUIRE(size.has_value());
+        CHECK_EQ(size->width, 7);
+        CHECK(size->hasWords);
+    }
+}
+
+TEST_CASE("Headers that no writer here makes tell their size too") {
+    using namespace std::string_literals;
+    const auto check = [](const std::string& text, std::uint32_t width, std::uint32_t height) {
+        const auto size = PictureSizeIn({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
+        REQUIRE(size.has_value());
+        CHECK_EQ(size->width, width);
+        CHECK_EQ(size->height, height);
+    };
+    check("GIF89a\x2C\x01\x14\0\0\0\0"s, 300, 20);  // 0x012C
+    check("P5 # a comment\n300\n# another 7\n 20 255\n", 300, 20);
+    check("P7\nHEIGHT 20\nWIDTH 300\nDEPTH 3\nMAXVAL 255\nENDHDR\n", 300, 20);
+    // A canvas of 4 x 4, whose sides are stored less one, and in it a lossless picture of 16384 x 8193: 16383 is 0x3FFF
+    // and 8192 << 14 is 0x08000000.
+    check("RIFF\0\0\0\0WEBPVP8X\x0A\0\0\0\0\0\0\0\x03\0\0\x03\0\0VP8L\x05\0\0\0\x2F\xFF\x3F\0\x08\0"s, 16384, 8193);
+    check("RIFF\0\0\0\0WEBPVP8 \x0A\0\0\0\0\0\0\x9D\x01\x2A\x2C\x01\x14\0\0"s, 300, 20);
+    // Rows from the top: -20 is 0xFFFFFFEC. The old header has words.
+    check("BM\0\0\0\0\0\0\0\0\0\0\0\0\x28\0\0\0\x2C\x01\0\0\xEC\xFF\xFF\xFF"s, 300, 20);
+    check("BM\0\0\0\0\0\0\0\0\0\0\0\0\x0C\0\0\0\x2C\x01\x14\0"s, 300, 20);
+    // Boxes in boxes: the property has 20 bytes, with ipco 28, with iprp 36, with meta and its own four 48.
+    check(
+        "\0\0\0\x0C"
+        "ftypavif"
+        "\0\0\0\x30meta\0\0\0\0"
+        "\0\0\0\x24iprp"
+        "\0\0\0\x1Cipco"
+        "\0\0\0\x14ispe\0\0\0\0\0\0\x01\x2C\0\0\0\x14"s,
+        300, 20);
+    // The highest byte first, the tags at 8: 256 as four bytes, 257 as two.
+    check(
+        "MM\0\x2A\0\0\0\x08\0\x02"
+        "\x01\0\0\x04\0\0\0\x01\0\0\x01\x2C"
+        "\x01\x01\0\x03\0\0\0\x01\0\x14\0\0"s,
+        300, 20);
 }
 
 TEST_CASE("What tells no size has none") {

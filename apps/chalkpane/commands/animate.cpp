@@ -5,12 +5,14 @@
 
 #include "apps/chalkpane/commands/commands.h"
 #include "apps/chalkpane/commands/preset_options.h"
+#include "apps/chalkpane/filtering/filter_memory.h"
 #include "apps/chalkpane/filtering/picture_look.h"
 #include "apps/chalkpane/filtering/video_output.h"
 #include "apps/chalkpane/presets/preset_film.h"
 #include "apps/chalkpane/presets/preset_places.h"
 #include "cli/error.h"
 #include "cli/interrupt_guard.h"
+#include "cli/memory_option.h"
 #include "cli/progress_line.h"
 #include "kel/video/video_reader.h"
 #include "picture_io/output_files.h"
@@ -27,8 +29,9 @@ struct AnimateOptions {
     std::string out;  // a film, or the pattern of numbered pictures
     std::string preset;
     std::string frames;
-    std::optional<double> rate;  // none: the film's, or the usual
-    std::int32_t bits = 0;       // 0: as the source
+    std::optional<double> rate;                                    // none: the film's, or the usual
+    std::int32_t bits = 0;                                         // 0: as the source
+    std::uint64_t memory = cli::MemoryBudget::HalfOfTheMachine();  // bytes
     PictureLook look;
 };
 
@@ -83,14 +86,17 @@ void Animate(const AnimateOptions& options) {
     picture_io::OutputFiles outputs;
     outputs.AnnounceInput(options.in);
     outputs.AnnounceInput(options.preset);
+    const auto depth = options.bits == 0 ? std::nullopt : std::optional(options.bits == 8 ? 0 : 1);
+    CheckAnimationMemory(options.in, depth, options.memory);
     auto reader = IsVideoName(options.in) ? std::make_unique<kel::VideoReader>(options.in) : nullptr;
     const double rate = options.rate.value_or(reader ? reader->FramesPerSecond() : FrameRateClock::usualRate);
     FrameRateClock clock(rate);
     Preset preset = ReadPreset(options.preset, clock);
     const FrameRange frames = FramesToMake(options.frames, preset, clock, reader.get());
-    VideoSource source{options.in, options.preset, {}, {}, std::move(reader)};
+    VideoSource source{.file = options.in, .presetFile = options.preset, .film = std::move(reader)};
     source.beforeReading = [&outputs](const auto& picture) { outputs.AnnounceInput(picture); };
-    if (options.bits != 0) source.depth = options.bits == 8 ? 0 : 1;
+    source.memory = options.memory;
+    source.depth = depth;
     const auto video = MakeVideo(std::move(preset), std::move(source), clock);
     if (makesFilm)
         MakeFilm(*video, frames, clock, options, rate, outputs);
@@ -116,6 +122,7 @@ void AddAnimateCommand(CLI::App& program) {
     command->add_option("--depth", options->bits, "Bits a channel, 8 or 14 (default: as the source has)")
         ->type_name("BITS")
         ->check(CLI::IsMember({8, 14}));
+    cli::AddMemoryOption(*command, options->memory);
     AddLookOptions(*command, options->look);
     command->callback([options] { Animate(*options); });
 }

@@ -1,16 +1,20 @@
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <system_error>
+#include <thread>
 #include <vector>
 
 #include "apps/chalkpane/commands/commands.h"
 #include "apps/chalkpane/commands/preset_options.h"
+#include "apps/chalkpane/filtering/filter_memory.h"
 #include "apps/chalkpane/filtering/picture_filtering.h"
 #include "apps/chalkpane/filtering/video_filtering.h"
 #include "apps/chalkpane/filtering/video_output.h"
 #include "apps/chalkpane/presets/preset.h"
 #include "cli/error.h"
 #include "cli/interrupt_guard.h"
+#include "cli/memory_option.h"
 #include "cli/progress_line.h"
 #include "cli/worker_processes.h"
 #include "picture_io/output_files.h"
@@ -113,6 +117,13 @@ void StagePreset(const FilterLine& line, picture_io::OutputFiles& outputs) {
     outputs.StageText(TextForFile(ViewOf(FiltersOf(line.options, clock), file.stem().string()), file), file);
 }
 
+// Those that FilterMany works on at a time.
+void CheckMemory(const std::vector<FilePair>& pairs, const FilterOptions& options) {
+    std::vector<std::filesystem::path> inputs;
+    for (const FilePair& pair : pairs) inputs.push_back(pair.in);
+    CheckFilterMemory(inputs, std::max(1U, std::thread::hardware_concurrency()), options);
+}
+
 void FilterOne(const FilePair& pair, const FilterOptions& options, std::size_t filterCount,
                picture_io::OutputFiles& outputs) {
     std::vector<std::uint8_t> bytes;
@@ -150,6 +161,7 @@ void RunFilterCommand(const FilterLine& line) {
     const OutputFolder folder(line.folder);
     picture_io::OutputFiles outputs;
     Announce(line, pairs, outputs);
+    CheckMemory(pairs, line.options);
     if (line.folder.empty())
         FilterOne(pairs[0], line.options, filterCount, outputs);
     else
@@ -196,6 +208,7 @@ void AddFilterCommand(CLI::App& program) {
     command->add_option("--preset", options.preset, "A preset of filters (docs/presets.md), which run before --apply's")
         ->type_name("PRESET");
     AddRateOption(*command, options.rate);
+    cli::AddMemoryOption(*command, options.memory);
     AddLookOptions(*command, options.look);
     AddSaveOption(*command, line->saved, "Writes the filters that run as a preset");
     command->footer(grammar);

@@ -15,6 +15,7 @@
 #include "apps/chalkpane/values/value_parsing.h"
 #include "cli/error.h"
 #include "cli/memory_budget.h"
+#include "cli/memory_option.h"
 #include "cli/progress_line.h"
 #include "picture_io/output_files.h"
 
@@ -59,14 +60,17 @@ void Paint(const PaintArguments& arguments) {
     FrameRateClock clock(arguments.rate);
     auto brush = BrushOf(arguments, clock);
     StrokesFile file = ReadStrokes(arguments.strokes);
-    const auto toldDepth = arguments.bits ? std::optional(*arguments.bits == 8 ? 0 : 1) : std::nullopt;
-    CheckMemory(file, arguments.picture, toldDepth, arguments.memory, arguments.strokes);
     std::optional<std::int32_t> depth;
     if (arguments.bits) depth = *arguments.bits == 8 ? 0 : 1;
+    StrokesMemory memory(arguments.memory, arguments.strokes);
+    memory.Count(file, arguments.picture, depth);
     if (!file.canvas.picture.empty()) outputs.AnnounceInput(file.canvas.picture);
     auto canvas = MakeCanvas(file, arguments.picture, depth);
     RequireDepth(arguments.output, canvas->depth);
-    PictureFiles pictures(canvas->depth, [&outputs](const auto& picture) { outputs.AnnounceInput(picture); });
+    PictureFiles pictures(canvas->depth, [&](const auto& picture) {
+        outputs.AnnounceInput(picture);
+        memory.CountPicture(picture);
+    });
     PaintOptions options;
     options.frame = arguments.frame;
     if (brush) {
@@ -97,9 +101,7 @@ void AddPaintCommand(CLI::App& program) {
     command->add_option("--picture", arguments->picture, "A picture to paint on, instead of the file's canvas");
     command->add_option("--depth", arguments->bits, "Bits a channel, 8 or 14; otherwise what the file says")
         ->check(CLI::IsMember({8, 14}));
-    command->add_option("--memory", arguments->memory, "What may be taken, such as 4G (default: half of the machine's)")
-        ->transform(CLI::AsSizeValue(false))
-        ->type_name("SIZE");
+    cli::AddMemoryOption(*command, arguments->memory);
     command->add_option("--frame", arguments->frame, "The frame that filters with a course in time are at")
         ->check(CLI::Range(0, 1'000'000));
     command

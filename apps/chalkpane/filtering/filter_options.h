@@ -6,6 +6,7 @@
 
 #include "apps/chalkpane/curves/frame_rate_clock.h"
 #include "apps/chalkpane/filtering/picture_look.h"
+#include "cli/memory_budget.h"
 
 namespace chalkpane::app {
 
@@ -20,6 +21,7 @@ struct FilterOptions {
     bool expand = false;
     bool fast = false;
     double rate = FrameRateClock::usualRate;
+    std::uint64_t memory = cli::MemoryBudget::HalfOfTheMachine();  // bytes
     PictureLook look;
 };
 

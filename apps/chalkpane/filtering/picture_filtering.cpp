@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 
+#include "apps/chalkpane/filtering/filter_memory.h"
 #include "apps/chalkpane/filtering/filter_run.h"
 #include "apps/chalkpane/filtering/filter_texts.h"
 #include "apps/chalkpane/filtering/picture_image.h"
@@ -37,6 +38,11 @@ Rect RegionFromText(const std::string& text, const Rect& picture) {
                     cli::Quoted(text) + " does not lie within the picture of " + SizeText(picture) + " pixels");
     const auto fromBottom = [height](std::int32_t y) { return static_cast<std::int32_t>(height - 1 - y); };
     return {numbers[0], fromBottom(numbers[3]), numbers[2], fromBottom(numbers[1])};
+}
+
+picture_io::PictureFile ReadInput(const std::filesystem::path& in, const FilterOptions& options) {
+    if (in != "-") return picture_io::ReadPictureFile(in);
+    return picture_io::ReadPictureStream(options.memory, [&](auto bytes) { CheckStreamMemory(bytes, options); });
 }
 
 std::unique_ptr<Image> ReadMask(const std::string& file, const Image& picture) {
@@ -80,7 +86,7 @@ std::vector<std::uint8_t> FilteredFile(const std::filesystem::path& in, const st
     clock.StandAt(options.frame);
     auto filters = FiltersOf(options, clock);
     std::erase_if(filters, [](const auto& filter) { return !filter->m_active; });
-    auto file = picture_io::ReadPictureFile(in);
+    auto file = ReadInput(in, options);
     auto source = ImageOf(file.picture, DepthOf(options), AlphaForm::Straight);
     file.picture = {};  // the image has it all
     RequireDepth(out, source->depth);

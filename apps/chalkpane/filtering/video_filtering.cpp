@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "apps/chalkpane/filtering/filter_memory.h"
 #include "apps/chalkpane/filtering/filter_texts.h"
 #include "apps/chalkpane/filtering/picture_filtering.h"
 #include "apps/chalkpane/filtering/picture_image.h"
@@ -19,6 +20,7 @@ void FilterVideoFile(const std::filesystem::path& in, const std::filesystem::pat
     for (const std::string& input : {options.mask, options.preset})
         if (!input.empty()) files.AnnounceInput(input);
     files.AnnounceOther(out);
+    CheckFilterMemory({&in, 1}, 1, options);
     FrameRateClock clock(options.rate);
     auto filters = FiltersOf(options, clock);
     std::erase_if(filters, [](const auto& filter) { return !filter->m_active; });

@@ -8,6 +8,7 @@
 #include "apps/chalkpane/filtering/picture_image.h"
 #include "apps/chalkpane/strokes/preset_brush.h"
 #include "apps/chalkpane/strokes/stroke_painter.h"
+#include "apps/chalkpane/strokes/strokes_memory.h"
 
 namespace chalkpane::app {
 namespace {
@@ -45,9 +46,13 @@ class StrokeVideo final : public PresetVideo {
 public:
     StrokeVideo(Preset preset, const VideoSource& source)
         : m_brush(std::move(preset), source.presetFile.string()),
+          m_memory(source.memory, source.file),
           m_strokes(ReadStrokes(source.file)),
           m_canvas(MakeCanvas(Claimed(m_strokes, source), {}, source.depth)),
-          m_pictures(m_canvas->depth, source.beforeReading) {
+          m_pictures(m_canvas->depth, [this, before = source.beforeReading](const auto& picture) {
+              if (before) before(picture);
+              m_memory.CountPicture(picture);
+          }) {
         SettleLattice();
         m_brush.ReadPictures(m_pictures);
     }
@@ -63,12 +68,14 @@ public:
     }
 
 private:
-    static const StrokesFile& Claimed(const StrokesFile& strokes, const VideoSource& source) {
+    const StrokesFile& Claimed(const StrokesFile& strokes, const VideoSource& source) {
         if (source.beforeReading && !strokes.canvas.picture.empty()) source.beforeReading(strokes.canvas.picture);
+        m_memory.Count(strokes, {}, source.depth);
         return strokes;
     }
 
     PresetBrush m_brush;
+    StrokesMemory m_memory;
     StrokesFile m_strokes;
     std::unique_ptr<Image> m_canvas;  // before the first stroke
     PictureFiles m_pictures;

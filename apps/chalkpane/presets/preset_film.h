@@ -9,6 +9,7 @@
 #include "apps/chalkpane/presets/preset.h"
 #include "apps/chalkpane/strokes/picture_files.h"
 #include "chalkpane/image/image.h"
+#include "cli/memory_budget.h"
 #include "kel/video/video_reader.h"
 
 namespace chalkpane::app {
@@ -29,15 +30,16 @@ public:
 };
 
 struct VideoSource {
-    std::filesystem::path file;                      // a picture or a film for filters, strokes for a brush
-    std::filesystem::path presetFile;                // what messages call the preset
-    std::optional<std::int32_t> depth;               // 0: 8 bits; 1: 14; none: the source's own
-    PictureFiles::ReadNotification beforeReading{};  // of the pictures that strokes and brushes name
-    std::unique_ptr<kel::VideoReader> film{};        // `file`, where it is one; its last frame stays to the end
+    std::filesystem::path file;         // a picture or a film for filters, strokes for a brush
+    std::filesystem::path presetFile;   // what messages call the preset
+    std::optional<std::int32_t> depth;  // 0: 8 bits; 1: 14; none: the source's own
+    std::uint64_t memory = cli::MemoryBudget::HalfOfTheMachine();  // bytes, for strokes and all that they name
+    PictureFiles::ReadNotification beforeReading{};                // of the pictures that strokes and brushes name
+    std::unique_ptr<kel::VideoReader> film{};  // `file`, where it is one; its last frame stays to the end
 };
 
 // Filters over a picture, or the strokes of a file painted anew by a brush, as the preset's kind says. Reads all files.
-// Throws cli::Error for what cannot be read. `clock` is the preset's, not owned.
+// Throws cli::Error for what cannot be read or takes too much memory. `clock` is the preset's, not owned.
 [[nodiscard]] std::unique_ptr<PresetVideo> MakeVideo(Preset preset, VideoSource source, const FrameRateClock& clock);
 
 }  // namespace chalkpane::app

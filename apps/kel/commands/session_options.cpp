@@ -1,6 +1,7 @@
 #include "apps/kel/commands/session_options.h"
 
 #include "apps/kel/commands/module_path.h"
+#include "cli/memory_option.h"
 
 namespace kel {
 
@@ -31,10 +32,7 @@ void AddSessionOptions(CLI::App& command, SessionOptions& options) {
                      "Loads whatever modules the session names, which are programs");
     command.add_flag("--allow-outside", options.allowOutside,
                      "Reads pictures and films that lie outside the session's folder");
-    command
-        .add_option("--memory", options.memory, "What a session may take, such as 4G (default: half of the machine's)")
-        ->transform(CLI::AsSizeValue(false))
-        ->type_name("SIZE");
+    cli::AddMemoryOption(command, options.memory);
 }
 
 }  // namespace kel

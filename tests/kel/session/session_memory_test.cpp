@@ -48,6 +48,19 @@ TEST_CASE("The pictures of a session are counted together before one of them is 
     CHECK_EQ(Refusal(ParseSession(json.dump(), folder / "s.json"), 5441 * mebibyte), "nothing");
 }
 
+// Frames of 64 x 64 pixels, 44 bytes to each; the window has 4, eight times.
+TEST_CASE("A film is counted by its frames, and one that says nothing is left to its reader") {
+    const cli::testing::TemporaryFolder folder;
+    std::filesystem::copy_file(KEL_SOURCE_FOLDER "/tests/fuzz/seeds/film/small.mp4", folder / "a.mp4");
+    cli::testing::WriteText(folder / "b.mp4", "no film");
+    nlohmann::json json = testing::PlainSession();
+    json["containers"] = {{{"size", {1, 1}}, {"film", "a.mp4"}}, {{"size", {1, 1}}, {"film", "b.mp4"}}};
+    const Session session = ParseSession(json.dump(), folder / "s.json");
+    constexpr std::uint64_t taken = 64 * 64 * (44 + 8 * 4);
+    CHECK_EQ(Refusal(session, taken), "nothing");
+    CHECK_NE(Refusal(session, taken - 1), "nothing");
+}
+
 TEST_CASE("Many plug-ins are counted too") {
     nlohmann::json json = testing::PlainSession();
     for (int i = 0; i < 9; ++i) json["containers"].push_back({{"size", {1, 1}}, {"plugin", nlohmann::json::object()}});

@@ -13,7 +13,8 @@ constexpr std::uint64_t mebibyte = std::uint64_t{1} << 20U;
 
 std::string Refusal(const std::string& text, std::optional<std::int32_t> depth, std::uint64_t memory,
                     const std::filesystem::path& picture = {}) {
-    return cli::testing::Thrown([&] { CheckMemory(ParseStrokes(text, "s.json"), picture, depth, memory, "s.json"); });
+    return cli::testing::Thrown(
+        [&] { StrokesMemory(memory, "s.json").Count(ParseStrokes(text, "s.json"), picture, depth); });
 }
 
 }  // namespace
@@ -44,6 +45,18 @@ TEST_CASE("The pictures of brushes are counted with the canvas, each once") {
     // The same picture as the canvas.
     CHECK_EQ(Refusal(text, 0, 11 * mebibyte, name), "s.json: takes 12 MiB of memory, 6 MiB of it for the picture \"" +
                                                         name + "\"; 11 MiB are allowed (--memory)");
+}
+
+TEST_CASE("A picture of the preset's is counted before it is read, on top of the file's") {
+    const cli::testing::TemporaryFolder folder;
+    const std::string name = (folder / "a.png").string();
+    picture_io::WritePicture(picture_io::Picture(1024, 512), name);
+    const StrokesFile file =
+        ParseStrokes(R"({"canvas": {"width": 1024, "height": 1024}, "strokes": [{"points": [[1, 1]]}]})", "s.json");
+    StrokesMemory memory(17 * mebibyte, "s.json");
+    memory.Count(file, {}, 0);  // 12 MiB
+    CHECK_EQ(cli::testing::Thrown([&] { memory.CountPicture(name); }),
+             "s.json: takes 18 MiB of memory, 12 MiB of it for the canvas; 17 MiB are allowed (--memory)");
 }
 
 }  // namespace chalkpane::app
