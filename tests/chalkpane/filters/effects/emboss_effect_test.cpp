@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "tests/chalkpane/filters/reference_comparison.h"
+#include "tests/chalkpane/filters/wide_paths.h"
 #include "tests/reference/effects.h"
 
 using namespace chalkpane;
@@ -43,6 +44,22 @@ TEST_CASE("Emboss is its plain reference") {
         CompareWithReference(filter, [&s](const Image& source, const Rect* region, bool /*expand*/) {
             return reference::Emboss(source, s, region);
         });
+    }
+}
+
+TEST_CASE("Emboss is the same with and without the forms for wider registers, of words above full scale too") {
+    for (const double bump : {-0.3, 1e-7, 0.01, 0.5, 1.0}) {
+        for (const double elevation : {-40.0, 0.0, 35.0, 90.0}) {
+            CAPTURE(bump);
+            CAPTURE(elevation);
+            EmbossEffect filter;
+            SetNumber(filter, "Light Direction", 200);
+            SetNumber(filter, "Light Elevation", elevation);
+            SetNumber(filter, "Bump Height", bump);
+            SetNumber(filter, "Mix With Image", 0.6);
+            SetColour(filter, {16383, 8000, 300});
+            CompareWithPlainForms(filter);
+        }
     }
 }
 
