@@ -6,6 +6,7 @@ int main(int argc, char** argv) {
     program.require_subcommand(1);
     kel::AddInfoCommand(program);
     kel::AddPlayCommand(program);
+    kel::AddReplayCommand(program);
 #ifdef KEL_WITH_WINDOW
     kel::AddWindowCommand(program);
 #endif

@@ -8,6 +8,7 @@ namespace kel {
 // the operator got wrong, and CLI::RuntimeError to end with another exit code.
 void AddInfoCommand(CLI::App& program);
 void AddPlayCommand(CLI::App& program);
+void AddReplayCommand(CLI::App& program);
 void AddWindowCommand(CLI::App& program);  // where the program is built with its window
 
 }  // namespace kel
