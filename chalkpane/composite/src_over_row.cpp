@@ -1,5 +1,8 @@
 #include "chalkpane/composite/src_over_row.h"
 
+#include <array>
+#include <bit>
+
 #include "chalkpane/base/cpu_features.h"
 #include "chalkpane/composite/constant_mask.h"
 
@@ -19,6 +22,22 @@ void SrcOverRow8(std::uint8_t* target, const std::uint8_t* source, const std::ui
             return RunWithConstantMask<SrcOverRow8Avx2>(target, source, *mask, count, opacity);
     }
     SrcOverRow8Plain(target, source, mask, maskStep, count, opacity);
+}
+
+void ColourOverBlock8Plain(const ColourBlock8& block) {
+    const auto pixel = std::bit_cast<std::array<std::uint8_t, 4>>(block.pixel);
+    for (std::ptrdiff_t y = 0; y < block.height; ++y) {
+        std::uint8_t* target = block.target + y * block.targetStep;
+        const std::uint8_t* const mask = block.mask + y * block.maskStep;
+        for (std::ptrdiff_t x = 0; x < block.width; ++x, target += 4)
+            if (mask[x] != 0) OverPixel8(target, pixel.data(), mask[x], block.opacity);
+    }
+}
+
+void ColourOverBlock8(const ColourBlock8& block) {
+    if constexpr (builtWithAvx2)
+        if (HasAvx2()) return ColourOverBlock8Avx2(block);
+    ColourOverBlock8Plain(block);
 }
 
 }  // namespace chalkpane

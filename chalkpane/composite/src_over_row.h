@@ -20,6 +20,22 @@ void SrcOverRow8Avx2(std::uint8_t* target, const std::uint8_t* source, const std
 void SrcOverRow8(std::uint8_t* target, const std::uint8_t* source, const std::uint8_t* mask, std::ptrdiff_t maskStep,
                  std::ptrdiff_t count, std::int32_t opacity);
 
+// The same over rows, for a source of one opaque colour.
+struct ColourBlock8 {
+    std::uint8_t* target = nullptr;  // the first row's first pixel
+    std::ptrdiff_t targetStep = 0;   // bytes from one row to the next
+    const std::uint8_t* mask = nullptr;
+    std::ptrdiff_t maskStep = 0;  // bytes from one row to the next; a byte a pixel
+    std::ptrdiff_t width = 0;     // of both, from 1
+    std::ptrdiff_t height = 0;
+    std::uint32_t pixel = 0;   // as its four channels lie in memory, alpha 255
+    std::int32_t opacity = 0;  // 0 .. 255
+};
+void ColourOverBlock8Plain(const ColourBlock8& block);
+// Needs AVX2, and is there where `builtWithAvx2`.
+void ColourOverBlock8Avx2(const ColourBlock8& block);
+void ColourOverBlock8(const ColourBlock8& block);
+
 // One pixel of it.
 inline void OverPixel8(std::uint8_t* target, const std::uint8_t* source, std::int32_t mask, std::int32_t opacity) {
     const std::int32_t alpha = source[3];

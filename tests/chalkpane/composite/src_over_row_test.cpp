@@ -3,6 +3,7 @@
 #include <doctest/doctest.h>
 
 #include <algorithm>
+#include <cstring>
 #include <random>
 #include <vector>
 
@@ -94,6 +95,61 @@ TEST_CASE("the vector forms keep inside their row") {
             EraseRow8Avx2(vector.data() + 4 * start, mask.data(), pixels, 200);
             CHECK(plain == vector);
         }
+    }
+}
+
+// All widths of a small dab, over rows that are apart in both images, the target's from bottom to top.
+TEST_CASE("the vector form of a block of one colour is equal, and keeps inside the block") {
+    if (!HasAvx2()) return;
+    std::mt19937 random(7);
+    for (std::ptrdiff_t width = 1; width < 44; ++width) {
+        for (const std::ptrdiff_t height : {1, 2, 3, 8}) {
+            const std::ptrdiff_t targetStep = 4 * width + 12;
+            Bytes target(static_cast<std::size_t>(targetStep * height + 64));
+            Bytes mask(static_cast<std::size_t>((width + 3) * height));
+            for (auto* bytes : {&target, &mask})
+                for (auto& byte : *bytes) byte = random() % 3 == 0 ? 0 : static_cast<std::uint8_t>(random());
+            ColourBlock8 block{.targetStep = -targetStep,
+                               .mask = mask.data(),
+                               .maskStep = width + 3,
+                               .width = width,
+                               .height = height,
+                               .pixel = 0xff000000U | static_cast<std::uint32_t>(random()),
+                               .opacity = static_cast<std::int32_t>(random() % 256)};
+            Bytes vector = target;
+            block.target = target.data() + targetStep * (height - 1) + 8;
+            ColourOverBlock8Plain(block);
+            block.target = vector.data() + targetStep * (height - 1) + 8;
+            ColourOverBlock8Avx2(block);
+            CAPTURE(width);
+            CAPTURE(height);
+            CHECK(target == vector);
+        }
+    }
+}
+
+TEST_CASE("a block of one colour is equal for all masks, opacities, colours and targets") {
+    std::mt19937 random(8);
+    Bytes target(4 * pairs);
+    Bytes mask(pairs);
+    for (std::size_t i = 0; i < pairs; ++i) mask[i] = static_cast<std::uint8_t>(i);
+    for (std::int32_t opacity = 0; opacity < 256; ++opacity) {
+        for (auto& byte : target) byte = static_cast<std::uint8_t>(random());
+        const std::uint32_t pixel = 0xff000000U | static_cast<std::uint32_t>(random());
+        Bytes source(4 * pairs);
+        for (std::size_t i = 0; i < pairs; ++i) std::memcpy(&source[4 * i], &pixel, 4);
+        Bytes plain = target;
+        SrcOverRow8Plain(plain.data(), source.data(), mask.data(), 1, pairs, opacity);
+        ColourOverBlock8({.target = target.data(),
+                          .targetStep = 1024,
+                          .mask = mask.data(),
+                          .maskStep = 256,
+                          .width = 256,
+                          .height = 256,
+                          .pixel = pixel,
+                          .opacity = opacity});
+        CAPTURE(opacity);
+        CHECK(plain == target);
     }
 }
 
