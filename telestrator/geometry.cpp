@@ -15,27 +15,11 @@ Vector3& Vector3::operator/=(float divisor) {
 
 Vector3& Vector3::operator*=(float factor) { return *this = *this * factor; }
 
-double Vector3::Length() const { return std::sqrt(Dot(*this, *this)); }
-
 double Vector3::Normalise() {
     const double length = Length();
     if (const auto divisor = static_cast<float>(length); divisor != 0.0F) *this /= divisor;
     return length;
 }
-
-Vector3 operator+(const Vector3& a, const Vector3& b) {
-    return {double{a.x} + b.x, double{a.y} + b.y, double{a.z} + b.z};
-}
-
-Vector3 operator-(const Vector3& a, const Vector3& b) {
-    return {double{a.x} - b.x, double{a.y} - b.y, double{a.z} - b.z};
-}
-
-Vector3 operator*(const Vector3& vector, float factor) {
-    return {double{vector.x} * factor, double{vector.y} * factor, double{vector.z} * factor};
-}
-
-double Dot(const Vector3& a, const Vector3& b) { return double{a.x} * b.x + double{a.y} * b.y + double{a.z} * b.z; }
 
 bool IsFinite(const Vector3& vector) {
     return std::isfinite(vector.x) && std::isfinite(vector.y) && std::isfinite(vector.z);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 
 namespace chalkpane {
@@ -37,10 +38,19 @@ struct Vector3 {
 };
 static_assert(sizeof(Vector3) == 12);
 
-[[nodiscard]] Vector3 operator+(const Vector3& a, const Vector3& b);
-[[nodiscard]] Vector3 operator-(const Vector3& a, const Vector3& b);
-[[nodiscard]] Vector3 operator*(const Vector3& vector, float factor);
-[[nodiscard]] double Dot(const Vector3& a, const Vector3& b);
+[[nodiscard]] constexpr Vector3 operator+(const Vector3& a, const Vector3& b) {
+    return {double{a.x} + b.x, double{a.y} + b.y, double{a.z} + b.z};
+}
+[[nodiscard]] constexpr Vector3 operator-(const Vector3& a, const Vector3& b) {
+    return {double{a.x} - b.x, double{a.y} - b.y, double{a.z} - b.z};
+}
+[[nodiscard]] constexpr Vector3 operator*(const Vector3& vector, float factor) {
+    return {double{vector.x} * factor, double{vector.y} * factor, double{vector.z} * factor};
+}
+[[nodiscard]] constexpr double Dot(const Vector3& a, const Vector3& b) {
+    return double{a.x} * b.x + double{a.y} * b.y + double{a.z} * b.z;
+}
+inline double Vector3::Length() const { return std::sqrt(Dot(*this, *this)); }
 [[nodiscard]] bool IsFinite(const Vector3& vector);
 
 // Segments a-b and c-e seen along z, ends included. False for parallel ones. `crossing` is written whenever the lines

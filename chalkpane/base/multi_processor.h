@@ -85,13 +85,17 @@ void RunBands(std::int32_t firstRow, std::int32_t lastRow, std::int32_t rowsPerB
               void* userData);
 }
 
+[[nodiscard]] constexpr std::int32_t RowsInBand(std::int32_t pixelsPerRow) {
+    return std::max(pixelsPerBand / std::max(pixelsPerRow, 1), 1);
+}
+
 // Runs the rows as `Run` does, but counts in bands of rows of about `pixelsPerBand` pixels, so that small pastes and
 // transforms stay on the calling thread. A single band costs no more than the plain loop.
 //
 //   pixelsPerRow  pixels that one call of the row function works through; any number, below 1 counts as 1
 inline void RunInBands(std::int32_t firstRow, std::int32_t lastRow, std::int32_t pixelsPerRow, RowFunction rowFunction,
                        void* userData) {
-    const std::int32_t rowsPerBand = std::max(pixelsPerBand / std::max(pixelsPerRow, 1), 1);
+    const std::int32_t rowsPerBand = RowsInBand(pixelsPerRow);
     if (std::int64_t{lastRow} - firstRow >= rowsPerBand) {
         detail::RunBands(firstRow, lastRow, rowsPerBand, rowFunction, userData);
         return;

@@ -7,6 +7,7 @@
 #include "chalkpane/base/memory_loss.h"
 #include "chalkpane/brush/profiles/profile_cache.h"
 #include "chalkpane/brush/profiles/profile_preset.h"
+#include "chalkpane/brush/sources/colour_brush_source.h"
 #include "chalkpane/brush/sources/source_types.h"
 #include "chalkpane/composite/brush_paster.h"
 #include "chalkpane/composite/eraser.h"
@@ -78,6 +79,7 @@ void BasicBrush::StoreProfile() {
 
 void BasicBrush::RebuildSource() {
     source.reset();
+    colourSource = nullptr;
     sourceDepth = target != nullptr ? target->GetDepth() : Depth::Eight;
     try {
         auto made = cutoutImage && useCutoutImage ? MakeCutoutSource(*cutoutImage, sourceDepth)
@@ -90,6 +92,7 @@ void BasicBrush::RebuildSource() {
         made->SetDabArea(area);
         made->SetTargetArea(FilteredArea(filters, area));
         source = std::move(made);
+        colourSource = dynamic_cast<ColourBrushSource*>(source.get());
     } catch (const std::bad_alloc&) {
         CountMemoryLoss();
         source.reset();  // a brush without a source paints nothing

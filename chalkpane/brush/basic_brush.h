@@ -18,6 +18,7 @@
 namespace chalkpane {
 
 class BrushSource;
+class ColourBrushSource;
 class Filter;
 class ProfileCache;
 
@@ -150,6 +151,9 @@ private:
     bool PassStretchOver(double squaredSpacing, double pressureFactor, bool& painted);
     void PlaceUnpaintedDab(const StrokePoint& place, double pressureFactor);
     double AngleAlongPath(const StrokePoint& place, bool repeat);
+    // True: each dab is one colour through a mask, not rotated, onto the target, and nothing else.
+    [[nodiscard]] bool PaintsPlainDabs() const;
+    Rect PaintPlainDab(const Dab& dab);
     Rect PaintOnTarget(Dab& dab);
     void PaintOnMask(Dab& dab);
 
@@ -186,6 +190,7 @@ private:
     std::int32_t stepsToPassOver = mostStepsPassedOver;  // before the stroke touches the target again
     std::shared_ptr<ProfileCache> profileCache;          // keeps masks from one source to the next
     std::unique_ptr<BrushSource> source;
+    ColourBrushSource* colourSource = nullptr;  // the source, where it is one of those
     std::vector<std::unique_ptr<Filter>> filters;
     std::uint8_t sourceType = 0;
     FileName cutoutFile;

@@ -16,17 +16,13 @@ namespace {
 
 constexpr double everywhere = std::numeric_limits<double>::infinity();
 
-// True: a dab of this source leaves nothing behind but its pixels.
-bool LeavesNothingBehind(const BrushSource* source) {
-    return source != nullptr && source->HoldsNothing() && dynamic_cast<const ColourBrushSource*>(source) != nullptr;
-}
-
 }  // namespace
 
 void BasicBrush::MeasureTouchingArea() {
     touching = {-everywhere, -everywhere, everywhere, everywhere};
     if (matchPath || adjustSpacing || firstDabPending || maskPlaneOn || decay != 0.0 || !filters.empty()) return;
-    if (!LeavesNothingBehind(source.get())) return;
+    // A dab of this source leaves nothing behind but its pixels.
+    if (colourSource == nullptr || !colourSource->HoldsNothing()) return;
     constexpr double room = 4.0;  // for the roundings of a dab's place
     const Rect& dab = source->DabArea();
     const double half = room + std::max({std::abs(dab.x0), std::abs(dab.x1), std::abs(dab.y0), std::abs(dab.y1)});

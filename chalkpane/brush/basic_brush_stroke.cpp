@@ -3,6 +3,7 @@
 
 #include "chalkpane/base/memory_loss.h"
 #include "chalkpane/brush/basic_brush.h"
+#include "chalkpane/brush/sources/colour_brush_source.h"
 #include "chalkpane/brush/sources/source_types.h"
 #include "chalkpane/composite/brush_paster.h"
 #include "chalkpane/composite/eraser.h"
@@ -123,6 +124,22 @@ double BasicBrush::AngleAlongPath(const StrokePoint& place, bool repeat) {
     return lastAngle;
 }
 
+bool BasicBrush::PaintsPlainDabs() const {
+    return colourSource != nullptr && colourSource->HasPlainDabs() && paintPlaneOn && !maskPlaneOn && !maskPlaneClips &&
+           !matchPath && filters.empty() && target != nullptr;
+}
+
+// What `PaintOnTarget` comes to for such dabs, with no images made.
+Rect BasicBrush::PaintPlainDab(const Dab& dab) {
+    ColourDab plain;
+    if (!colourSource->FindDab(dab.place.x, dab.place.y, plain)) return {};
+    if (dab.erases)
+        EraseColourDab(plain, *target, dab.opacity);
+    else
+        PasteColourDab(plain, *target, SourceTypeOf(sourceType).behaviour, dab.opacity, blendMode);
+    return plain.rect.Intersection(*target);
+}
+
 Rect BasicBrush::PaintDab(StrokePoint place, bool repeat) {
     Dab dab;
     dab.angle = AngleAlongPath(place, repeat);
@@ -138,7 +155,10 @@ Rect BasicBrush::PaintDab(StrokePoint place, bool repeat) {
         dab.opacity = currentOpacity * place.pressure;
         dab.erases = source->IsEraser() || (source->CanErase() && paintEraserFlag);
         try {
-            if (paintPlaneOn) changed = PaintOnTarget(dab);
+            if (PaintsPlainDabs())
+                changed = PaintPlainDab(dab);
+            else if (paintPlaneOn)
+                changed = PaintOnTarget(dab);
             if (maskPlaneOn) PaintOnMask(dab);
         } catch (const std::bad_alloc&) {
             CountMemoryLoss();

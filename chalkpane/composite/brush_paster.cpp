@@ -6,10 +6,6 @@ namespace chalkpane {
 
 namespace {
 
-// Opacity 1.0 is full scale exactly.
-template <typename F>
-constexpr double opacityFactor = F::fullScale + 0.001;
-
 template <typename F>
 void PasteRows(const PasteRecord& record, double opacity, std::int32_t mode, PasteBehaviour behaviour) {
     using Channel = typename F::Channel;
@@ -18,7 +14,7 @@ void PasteRows(const PasteRecord& record, double opacity, std::int32_t mode, Pas
     job.target = PlaneOf<Channel>(*record.target, record.rect);
     job.source = PlaneOf<const Channel>(*record.source, record.rect);
     job.mask = record.mask != nullptr ? CoveragePlaneOf<Channel>(*record.mask, record.rect) : FullCoverage<F>();
-    job.settings = {IntegerOpacity(opacity, opacityFactor<F>, F::fullScale), mode};
+    job.settings = {IntegerOpacity(opacity, pasteOpacityFactor<F>, F::fullScale), mode};
     if (job.settings.opacity == 0) return;
     job.SetClip(record.clip, record.clipInverted, BrushPasterKernels<F>(mode != 0, behaviour));
     RunPaste(job);

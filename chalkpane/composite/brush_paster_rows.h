@@ -7,6 +7,10 @@
 
 namespace chalkpane {
 
+// Opacity 1.0 is full scale exactly.
+template <typename F>
+constexpr double pasteOpacityFactor = F::fullScale + 0.001;
+
 // The row kernels of `BrushPaster`, by the use of a clip. A mode other than 0 has kernels of its own, which blend the
 // row first.
 template <typename F>

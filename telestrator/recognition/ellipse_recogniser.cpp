@@ -45,8 +45,16 @@ private:
     // The same in canvas pixels.
     [[nodiscard]] Vector3 PointAt(double x, double sign) const { return RotatedBack(LocalPoint(x, sign)); }
 
+    // The plain rotation gives the same 32-bit floats as the angle functions do unless it comes out next to the middle
+    // between two. Each of the two ways errs by less than 2e-15 of the radius and 3e-16 of the sums.
     [[nodiscard]] Vector3 RotatedBack(const Vector3& local) const {
         const double radius = local.Length();
+        const double x = local.x * cosine_ + local.y * sine_ + centroid_.x;
+        const double y = (local.y * cosine_ - local.x * sine_ + centroid_.y) * aspect_;
+        const double marginX = 1e-14 * (radius + centroidExtent_);
+        const double marginY = marginX * std::abs(aspect_);
+        const Vector3 rotated(x - marginX, y - marginY, 0);
+        if (rotated == Vector3(x + marginX, y + marginY, 0)) return rotated;
         const double angle = std::atan2(double{local.y}, double{local.x}) - fit_.angle;
         return {radius * std::cos(angle) + centroid_.x, (radius * std::sin(angle) + centroid_.y) * aspect_, 0};
     }
@@ -80,6 +88,7 @@ private:
     EllipseFit fit_;
     Vector3 centroid_;
     double aspect_;
+    double centroidExtent_ = std::abs(double{centroid_.x}) + std::abs(double{centroid_.y});
     Vector3 last_;
     double cosine_ = std::cos(fit_.angle);
     double sine_ = std::sin(fit_.angle);

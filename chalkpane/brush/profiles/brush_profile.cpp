@@ -1,14 +1,6 @@
 #include "chalkpane/brush/profiles/brush_profile.h"
 
-#include <cmath>
-
 namespace chalkpane {
-
-std::optional<std::int32_t> WholePixels(double coordinate) {
-    constexpr double farthest = 1 << 30;
-    if (!(std::abs(coordinate) < farthest)) return std::nullopt;
-    return static_cast<std::int32_t>(coordinate);
-}
 
 std::unique_ptr<Image> MovedShare(const Image* image, double dx, double dy) {
     const auto x = WholePixels(dx);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -50,7 +51,11 @@ protected:
 };
 
 // Whole pixels of a coordinate, towards zero; nothing when it is NaN or beyond 2 to the 30.
-[[nodiscard]] std::optional<std::int32_t> WholePixels(double coordinate);
+[[nodiscard]] inline std::optional<std::int32_t> WholePixels(double coordinate) {
+    constexpr double farthest = 1 << 30;
+    if (!(std::abs(coordinate) < farthest)) return std::nullopt;
+    return static_cast<std::int32_t>(coordinate);
+}
 
 // An image that shares the pixels of `image`, with its rectangle moved by whole pixels of (dx, dy); null without an
 // image, or when the move is not one that can be made.

@@ -22,20 +22,34 @@ std::size_t Eighth(double coordinate) {
 
 }  // namespace
 
-std::unique_ptr<Image> RoundBrushProfile::GetMask(double x, double y, double angle) {
+RoundBrushProfile::ChosenCopy RoundBrushProfile::Choose(double x, double y) const {
     const Point2 at = matrix.Transform(x, y);
-    if (BaseMask() == nullptr || !WholePixels(at.x) || !WholePixels(at.y)) return nullptr;
-    const Image& copy = *Shifted(Eighth(at.x), Eighth(at.y));
-    const double placeX = at.x - offsetX;
-    const double placeY = at.y - offsetY;
-    if (std::abs(angle) <= 0.0001) return MovedShare(&copy, placeX, placeY);
-    const double halfWidth = copy.Width() * 0.5;
-    const double halfHeight = copy.Height() * 0.5;
+    if (BaseMask() == nullptr || !WholePixels(at.x) || !WholePixels(at.y)) return {};
+    return {Shifted(Eighth(at.x), Eighth(at.y)), at.x - offsetX, at.y - offsetY};
+}
+
+RoundBrushProfile::PlacedMask RoundBrushProfile::FindMask(double x, double y) const {
+    const auto [copy, placeX, placeY] = Choose(x, y);
+    if (copy == nullptr) return {};
+    const auto moveX = WholePixels(placeX);
+    const auto moveY = WholePixels(placeY);
+    if (!moveX || !moveY) return {};
+    PlacedMask placed{copy, copy->Bounds()};
+    placed.rect.Translate(*moveX, *moveY);
+    return placed;
+}
+
+std::unique_ptr<Image> RoundBrushProfile::GetMask(double x, double y, double angle) {
+    const auto [copy, placeX, placeY] = Choose(x, y);
+    if (copy == nullptr) return nullptr;
+    if (std::abs(angle) <= 0.0001) return MovedShare(copy, placeX, placeY);
+    const double halfWidth = copy->Width() * 0.5;
+    const double halfHeight = copy->Height() * 0.5;
     transformer.SetMatrix(Matrix3::Translation(-halfWidth, -halfHeight) *
                           Matrix3::Rotation(-angle * std::numbers::pi / 180) *
                           Matrix3::Translation(halfWidth, halfHeight));
     Rect rotatedRect;
-    const auto rotated = transformer.Apply(copy, rotatedRect);
+    const auto rotated = transformer.Apply(*copy, rotatedRect);
     return rotatedRect.IsValid() ? MovedShare(rotated.get(), placeX, placeY) : nullptr;
 }
 

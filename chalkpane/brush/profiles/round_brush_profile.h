@@ -22,6 +22,12 @@ public:
     void GetRect(Rect& out) const override { RectOf(BaseMask(), out); }
     // A rotated mask is resampled, any other shares the nearest of the shifted copies.
     [[nodiscard]] std::unique_ptr<Image> GetMask(double x, double y, double angle) override;
+    // The same without rotation, as the profile's own image and the place that it takes. An image of null: no mask.
+    struct PlacedMask {
+        const Image* mask = nullptr;  // not owned
+        Rect rect;
+    };
+    [[nodiscard]] PlacedMask FindMask(double x, double y) const;
     // KEEP: by the radius alone, past the matrix, and half a pixel from where `GetMask` puts it.
     [[nodiscard]] std::unique_ptr<Image> GetMaskFast(double x, double y) override;
     // Makes the base mask and the shifted copies, or takes them from the cache.
@@ -45,6 +51,13 @@ protected:
 
 private:
     [[nodiscard]] std::shared_ptr<const ProfileMasks> Build(const DabShape& shape) const;
+
+    struct ChosenCopy {
+        const Image* copy = nullptr;  // null: no mask can be placed there
+        double placeX = 0.0;
+        double placeY = 0.0;
+    };
+    [[nodiscard]] ChosenCopy Choose(double x, double y) const;
 
     std::shared_ptr<ProfileCache> cache = ProfileCache::Shared();
     std::shared_ptr<const ProfileMasks> masks;  // the base mask and its shifted copies; null before `Prepare`

@@ -33,17 +33,35 @@ bool ColourBrushSource::MakeDab(double x, double y, double angle, std::unique_pt
     return true;
 }
 
-// The colour over the mask's rectangle.
-std::unique_ptr<Image> ColourBrushSource::ColourImage(const Image& mask) {
+void ColourBrushSource::Prepare(std::int32_t margin, GraphValue* graph, const Matrix3& newMatrix) {
+    ProfiledBrushSource::Prepare(margin, graph, newMatrix);
+    roundProfile = dynamic_cast<const RoundBrushProfile*>(profile.get());
+}
+
+bool ColourBrushSource::FindDab(double x, double y, ColourDab& dab) {
+    const auto [mask, rect] = roundProfile->FindMask(x, y);
+    if (mask == nullptr) return false;
+    FillFor(*mask);
+    dab = {filled.get(), mask, rect};
+    return true;
+}
+
+// Makes `filled` large enough.
+void ColourBrushSource::FillFor(const Image& mask) {
     const std::int32_t width = mask.Width();
     const std::int32_t height = mask.Height();
-    if (!filled || filled->GetDepth() != mask.GetDepth() || filled->Width() < width || filled->Height() < height) {
-        const std::int32_t keptWidth = filled ? filled->Width() : 0;
-        const std::int32_t keptHeight = filled ? filled->Height() : 0;
-        filled = std::make_unique<Image>(Image::Colour(std::max(width, keptWidth), std::max(height, keptHeight),
-                                                       mask.GetDepth(), AlphaForm::Straight));
-        FillWithPixel(*filled, PixelOf(colour, mask.GetDepth()));
-    }
+    if (filled && filled->GetDepth() == mask.GetDepth() && filled->Width() >= width && filled->Height() >= height)
+        return;
+    const std::int32_t keptWidth = filled ? filled->Width() : 0;
+    const std::int32_t keptHeight = filled ? filled->Height() : 0;
+    filled = std::make_unique<Image>(
+        Image::Colour(std::max(width, keptWidth), std::max(height, keptHeight), mask.GetDepth(), AlphaForm::Straight));
+    FillWithPixel(*filled, PixelOf(colour, mask.GetDepth()));
+}
+
+// The colour over the mask's rectangle.
+std::unique_ptr<Image> ColourBrushSource::ColourImage(const Image& mask) {
+    FillFor(mask);
     auto dab = std::make_unique<Image>(*filled);
     static_cast<Rect&>(*dab) = mask;  // one colour everywhere, so any part of the kept image will do
     return dab;

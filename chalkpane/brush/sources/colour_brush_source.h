@@ -3,7 +3,9 @@
 #include <cstdint>
 #include <memory>
 
+#include "chalkpane/brush/profiles/round_brush_profile.h"
 #include "chalkpane/brush/sources/profiled_brush_source.h"
+#include "chalkpane/composite/colour_dab.h"
 
 namespace chalkpane {
 
@@ -16,12 +18,21 @@ public:
 
     bool MakeDab(double x, double y, double angle, std::unique_ptr<Image>& colourOut,
                  std::unique_ptr<Image>& maskOut) override;
+    void Prepare(std::int32_t margin, GraphValue* graph, const Matrix3& newMatrix) override;
     [[nodiscard]] bool CanErase() const override { return true; }
     [[nodiscard]] bool IsEraser() const override { return erasing; }
     void SetColour(const Colour& newColour) override;
 
+    // True: a dab that is not rotated is no more than what `FindDab` tells, and keeps nothing.
+    [[nodiscard]] bool HasPlainDabs() const { return roundProfile != nullptr && HoldsNothing(); }
+    // The dab of `MakeDab` without rotation, on images that stay the source's. False: there is none.
+    bool FindDab(double x, double y, ColourDab& dab);
+
 private:
+    void FillFor(const Image& mask);
     [[nodiscard]] std::unique_ptr<Image> ColourImage(const Image& mask);
+
+    const RoundBrushProfile* roundProfile = nullptr;  // the profile, where it is one of that family
 
     Colour colour;
     bool erasing;
