@@ -17,21 +17,33 @@ constexpr auto plainWindow = ImGuiWindowFlags_NoDecoration | ImGuiWindowFlags_No
 
 double Milliseconds(std::chrono::nanoseconds time) { return std::chrono::duration<double, std::milli>(time).count(); }
 
-void ShowFigures(const Host& host, const FieldPacer& pacer, StatusLine::Clock::time_point now) {
-    const FieldTimes times = host.Times();
-    ImGui::Text("%.0f fields/s", pacer.Rate(now));
-    ImGui::SameLine(0, 24);
-    ImGui::TextDisabled("field callback %.2f ms, slowest %.2f ms", Milliseconds(times.last),
-                        Milliseconds(times.slowest));
+void ShowLatePictures(const FieldPacer& pacer, StatusLine::Clock::time_point now) {
     if (pacer.Missed() == 0) return;
     ImGui::SameLine(0, 24);
     const auto missed = static_cast<long long>(pacer.Missed());
-    const char* form = missed == 1 ? "%lld field missed" : "%lld fields missed";
+    const char* form = missed == 1 ? "%lld late picture" : "%lld late pictures";
     if (pacer.HasMissedLately(now))
         ImGui::TextColored(warning, form, missed);
     else
         ImGui::TextDisabled(form, missed);
     if (ImGui::IsItemHovered()) ImGui::SetTooltip("Fields that came too late for their picture to be shown.");
+}
+
+void ShowFigures(const Host& host, const StatusLine::Figures& figures, StatusLine::Clock::time_point now) {
+    ImGui::Text("%d pictures/s", figures.pictures.Of(now));
+    if (ImGui::IsItemHovered()) ImGui::SetTooltip("Pictures in which something changed, in the last whole second.");
+    ImGui::SameLine(0, 24);
+    ImGui::Text("%d fields/s", figures.pacer.Rate(now));
+    if (const auto pen = figures.pen.OfLastStroke(); pen.count() > 0) {
+        ImGui::SameLine(0, 24);
+        ImGui::Text("pen to picture %.0f ms", Milliseconds(pen));
+        if (ImGui::IsItemHovered()) ImGui::SetTooltip("In the last stroke, half of them sooner.");
+    }
+    const FieldTimes times = host.Times();
+    ImGui::SameLine(0, 24);
+    ImGui::TextDisabled("field callback %.2f ms, slowest %.2f ms", Milliseconds(times.last),
+                        Milliseconds(times.slowest));
+    ShowLatePictures(figures.pacer, now);
 }
 
 }  // namespace
@@ -41,13 +53,13 @@ void StatusLine::Tell(const std::string& news, Clock::time_point now) {
     if (m_news.size() > mostNews) m_news.pop_front();
 }
 
-void StatusLine::Show(Workspace& workspace, const FieldPacer& pacer, WindowSize window, Clock::time_point now) {
+void StatusLine::Show(Workspace& workspace, const Figures& figures, WindowSize window, Clock::time_point now) {
     ImGui::SetNextWindowPos({0, static_cast<float>(window.height - statusHeight)});
     ImGui::SetNextWindowSize({static_cast<float>(window.width), statusHeight});
     ImGui::PushStyleVar(ImGuiStyleVar_WindowPadding, {14, 7});
     ImGui::PushStyleColor(ImGuiCol_WindowBg, ImGui::GetStyleColorVec4(ImGuiCol_FrameBg));
     ImGui::Begin("status", nullptr, plainWindow);
-    ShowFigures(workspace.TheHost(), pacer, now);
+    ShowFigures(workspace.TheHost(), figures, now);
     const std::string file = workspace.File().filename().string();
     const float recordingWidth = workspace.IsRecording() ? 60 : 0;
     ImGui::SameLine(static_cast<float>(window.width) - ImGui::CalcTextSize(file.c_str()).x - 14 - recordingWidth);

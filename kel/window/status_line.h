@@ -5,6 +5,7 @@
 #include <string>
 
 #include "kel/workspace/field_pacer.h"
+#include "kel/workspace/pen_times.h"
 #include "kel/workspace/workspace.h"
 
 namespace kel {
@@ -16,7 +17,13 @@ public:
 
     void Tell(const std::string& news, Clock::time_point now);
 
-    void Show(Workspace& workspace, const FieldPacer& pacer, WindowSize window, Clock::time_point now);
+    // What of the fields and the pictures is told.
+    struct Figures {
+        const FieldPacer& pacer;
+        const SecondRate& pictures;  // in which something changed
+        const PenTimes& pen;
+    };
+    void Show(Workspace& workspace, const Figures& figures, WindowSize window, Clock::time_point now);
 
     // The news over the picture's lower left corner, for some seconds each.
     void ShowNews(WindowSize window, Clock::time_point now);

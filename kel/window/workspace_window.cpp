@@ -44,6 +44,7 @@ private:
     void TakeEvents();
     void TakeEvent(const SDL_Event& event);
     void TakePointer(PointerKind kind, std::int32_t x, std::int32_t y);
+    void BeginStroke();
     void TakeKey(const SDL_KeyboardEvent& event);
     void TakeText(const char* text);
     void TakeDrop(char* file);
@@ -54,6 +55,7 @@ private:
     void MakePanel();
     void ShowPanel();
     void ShowSessionProgress();
+    void ShowPicture();
     void PlaySession();
     void RunDueFields();
     void NoteForPanel(const SDL_Event& event);
@@ -70,6 +72,8 @@ private:
     Clock::time_point m_panelTime;  // when it was made last
     int m_panelsWanted = 0;         // how many more, until it has taken in what happened
     StatusLine m_status;
+    SecondRate m_pictures;
+    PenTimes m_pen;
     std::vector<SDL_Event> m_keysUp;
     int m_opened = 1;
     bool m_isDrawing = false;  // the pointer was pressed on the picture
@@ -171,11 +175,19 @@ void WorkspaceWindow::TakeEvent(const SDL_Event& event) {
     }
 }
 
+void WorkspaceWindow::BeginStroke() {
+    // What is being typed is over with the press, and takes hold before the stroke.
+    if (ImGui::GetIO().WantTextInput) MakePanel();
+    m_hasHelp = false;
+    m_pen.Press(Clock::now());
+}
+
 // What begins on the picture belongs to it until the button is up, wherever the pointer goes.
 void WorkspaceWindow::TakePointer(PointerKind kind, std::int32_t x, std::int32_t y) {
     const bool isOnPicture = m_painter.Picture().Contains(x, y) && !m_window.IsOnPage(x, y);
     if (!m_isDrawing && (!isOnPicture || kind == PointerKind::Release)) return;
-    if (kind == PointerKind::Press && m_hasHelp) m_hasHelp = false;
+    if (kind == PointerKind::Press) BeginStroke();
+    if (m_isDrawing) m_pen.Move(Clock::now());
     if (kind != PointerKind::Move) m_isDrawing = kind == PointerKind::Press;
     const ScenePixel at = SceneAt(m_painter.Picture(), m_workspace->TheHost().Window(), x, y);
     m_workspace->Point(kind, at.x, at.y);
@@ -269,7 +281,7 @@ void WorkspaceWindow::MakePanel() {
     if (m_hasPanel) {
         for (const WorkspaceAction action : m_panel.Show(*m_workspace, m_keys, size)) DoAction(action);
         if (auto refusal = m_panel.TakeRefusal()) m_status.Tell(*refusal, now);
-        m_status.Show(*m_workspace, m_pacer, size, now);
+        m_status.Show(*m_workspace, {m_pacer, m_pictures, m_pen}, size, now);
     }
     for (const std::string& news : m_workspace->TakeNews()) m_status.Tell(news, now);
     m_status.ShowNews(size, now);
@@ -316,7 +328,7 @@ void WorkspaceWindow::PlaySession() {
     m_workspace->PlaySession(sessionShare);
     StartPacing();
     ShowPanel();
-    m_painter.ShowPicture(m_workspace->TheHost(), m_workspace->TheHost().TakeChangedArea());
+    ShowPicture();
 }
 
 void WorkspaceWindow::RunDueFields() {
@@ -324,8 +336,18 @@ void WorkspaceWindow::RunDueFields() {
     if (due == 0) return;
     m_workspace->RunFields(due);
     FeedLive(due);
+    ShowPicture();
+}
+
+void WorkspaceWindow::ShowPicture() {
     PlacePicture();
-    m_painter.ShowPicture(m_workspace->TheHost(), m_workspace->TheHost().TakeChangedArea());
+    Host& host = m_workspace->TheHost();
+    const FrameArea changed = host.TakeChangedArea();
+    m_painter.ShowPicture(host, changed);
+    if (changed.IsEmpty()) return;
+    const auto now = Clock::now();
+    m_pictures.Add(now);
+    m_pen.Shown(now);
 }
 
 void WorkspaceWindow::Run() {

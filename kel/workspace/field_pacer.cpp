@@ -7,6 +7,23 @@ constexpr auto warningTime = std::chrono::seconds(3);
 
 }  // namespace
 
+void SecondRate::Add(Clock::time_point now, int times) {
+    if (!m_hasBegun) m_second = now;
+    m_hasBegun = true;
+    const auto passed = (now - m_second) / std::chrono::seconds(1);
+    if (passed > 0) {
+        m_before = passed == 1 ? m_count : 0;
+        m_count = 0;
+        m_second += passed * std::chrono::seconds(1);
+    }
+    m_count += times;
+}
+
+int SecondRate::Of(Clock::time_point now) const {
+    const auto passed = m_hasBegun ? (now - m_second) / std::chrono::seconds(1) : 0;
+    return passed == 0 ? m_before : passed == 1 ? m_count : 0;
+}
+
 FieldPacer::FieldPacer(double fieldsPerSecond, Clock::time_point start)
     : m_period(std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(1 / fieldsPerSecond))),
       m_next(start) {}
@@ -20,16 +37,8 @@ int FieldPacer::Due(Clock::time_point now) {
         m_lastMiss = now;
     }
     const int run = due > mostAtOnce ? mostAtOnce : static_cast<int>(due);
-    m_lately.push_back({now, run});
-    while (m_lately.front().time <= now - std::chrono::seconds(1)) m_lately.pop_front();
+    m_rate.Add(now, run);
     return run;
-}
-
-double FieldPacer::Rate(Clock::time_point now) const {
-    int fields = 0;
-    for (const Run& run : m_lately)
-        if (run.time > now - std::chrono::seconds(1)) fields += run.fields;
-    return fields;
 }
 
 bool FieldPacer::HasMissedLately(Clock::time_point now) const { return m_missed > 0 && now - m_lastMiss < warningTime; }

@@ -2,9 +2,24 @@
 
 #include <chrono>
 #include <cstdint>
-#include <deque>
 
 namespace kel {
+
+// How often something happens in a whole second, counted from when it first did.
+class SecondRate {
+public:
+    using Clock = std::chrono::steady_clock;
+
+    void Add(Clock::time_point now, int times = 1);
+    // In the last second that is over by now; 0 before there is one.
+    [[nodiscard]] int Of(Clock::time_point now) const;
+
+private:
+    Clock::time_point m_second;  // when the one that is counted began
+    int m_count = 0;
+    int m_before = 0;  // in the second before it
+    bool m_hasBegun = false;
+};
 
 // Says when fields are due, and whether they were kept. It is told the time and asks no clock.
 class FieldPacer {
@@ -20,20 +35,15 @@ public:
     static constexpr int mostAtOnce = 10;
 
     [[nodiscard]] Clock::time_point Next() const { return m_next; }
-    [[nodiscard]] double Rate(Clock::time_point now) const;  // fields in the second before `now`
+    [[nodiscard]] int Rate(Clock::time_point now) const { return m_rate.Of(now); }  // fields in the last whole second
     [[nodiscard]] std::int64_t Missed() const { return m_missed; }
     // True for some seconds after a field was missed.
     [[nodiscard]] bool HasMissedLately(Clock::time_point now) const;
 
 private:
-    struct Run {
-        Clock::time_point time;
-        int fields = 0;
-    };
-
     Clock::duration m_period;
     Clock::time_point m_next;
-    std::deque<Run> m_lately;  // of the last second
+    SecondRate m_rate;
     std::int64_t m_missed = 0;
     Clock::time_point m_lastMiss;
 };

@@ -71,8 +71,13 @@ void Workspace::PlaySession(std::chrono::milliseconds atMost) {
 
 void Workspace::Point(PointerKind kind, std::int32_t x, std::int32_t y) {
     if (IsPlayingSession()) return;
-    m_host->QueuePointer(kind, std::clamp(x, -farthestPixel, farthestPixel),
-                         std::clamp(y, -farthestPixel, farthestPixel));
+    const PointerStep step{kind, std::clamp(x, -farthestPixel, farthestPixel),
+                           std::clamp(y, -farthestPixel, farthestPixel)};
+    const bool waits = !m_heldPointer.empty() || (kind == PointerKind::Press && !m_pendingChanges.empty());
+    if (waits)
+        m_heldPointer.push_back(step);
+    else
+        m_host->QueuePointer(step.kind, step.x, step.y);
 }
 
 void Workspace::Set(std::size_t parameter, const ParameterValue& value) {
@@ -197,6 +202,8 @@ void Workspace::PlayField(int fieldsDue) {
         m_news.emplace_back(error.what());
     }
     if (m_recording) Record(field, changes);
+    // A field delivers its press before what is set in it.
+    for (const PointerStep& step : std::exchange(m_heldPointer, {})) m_host->QueuePointer(step.kind, step.x, step.y);
 }
 
 void Workspace::RunFields(int fields) {

@@ -66,7 +66,8 @@ public:
     [[nodiscard]] double SessionProgress() const;
     void PlaySession(std::chrono::milliseconds atMost);
 
-    // The operator. All of it takes effect in the next field.
+    // The operator. All of it takes effect in the next field; a press, and what the pointer does after it, in the one
+    // after what was set and pushed before it.
     //   x, y  pixels of the scene's window
     void Point(PointerKind kind, std::int32_t x, std::int32_t y);
     // Of the chosen plug-in, which is there; `parameter` is the index in the order of registration. Throws Error when
@@ -118,6 +119,7 @@ private:
     std::size_t m_chosen = 0;
     std::int64_t m_firstOwnField = 0;
     std::vector<PendingChange> m_pendingChanges;
+    std::vector<PointerStep> m_heldPointer;  // until m_pendingChanges have taken effect
     std::unique_ptr<Recording> m_recording;
     std::unique_ptr<RecordingFile> m_recordingFile;
     std::chrono::steady_clock::time_point m_nextWrite;

@@ -1,6 +1,7 @@
 #include <doctest/doctest.h>
 
 #include "kel/workspace/field_pacer.h"
+#include "kel/workspace/pen_times.h"
 #include "kel/workspace/picture_area.h"
 
 namespace kel {
@@ -21,8 +22,42 @@ TEST_CASE("Fields are due one by one, and none is missed while they are kept") {
         CHECK_EQ(pacer.Due(start + milliseconds(20 * field + 4)), 0);
     }
     CHECK_EQ(pacer.Missed(), 0);
-    CHECK_EQ(pacer.Rate(start + milliseconds(1990)), 50.0);
+    // The second second is not over, the first had 50.
+    CHECK_EQ(pacer.Rate(start + milliseconds(1990)), 50);
     CHECK_FALSE(pacer.HasMissedLately(start + milliseconds(1990)));
+}
+
+TEST_CASE("A rate is that of the last whole second, and none where nothing happened in it") {
+    SecondRate rate;
+    CHECK_EQ(rate.Of(start), 0);
+    for (int i = 0; i < 7; ++i) rate.Add(start + milliseconds(100 * i));
+    CHECK_EQ(rate.Of(start + milliseconds(999)), 0);
+    CHECK_EQ(rate.Of(start + milliseconds(1000)), 7);
+    rate.Add(start + milliseconds(1300), 3);
+    CHECK_EQ(rate.Of(start + milliseconds(1999)), 7);
+    CHECK_EQ(rate.Of(start + milliseconds(2000)), 3);
+    CHECK_EQ(rate.Of(start + milliseconds(3000)), 0);
+    rate.Add(start + milliseconds(9500));
+    CHECK_EQ(rate.Of(start + milliseconds(9600)), 0);
+    CHECK_EQ(rate.Of(start + milliseconds(10'000)), 1);
+}
+
+TEST_CASE("From pen to picture counts from what was first not shown, and the median of the stroke is told") {
+    PenTimes pen;
+    CHECK_EQ(pen.OfLastStroke() == PenTimes::Clock::duration::zero(), true);
+    pen.Press(start);
+    pen.Move(start + milliseconds(4));
+    pen.Shown(start + milliseconds(9));   // 9 ms after the press
+    pen.Shown(start + milliseconds(30));  // without anything of the pen
+    pen.Move(start + milliseconds(100));
+    pen.Shown(start + milliseconds(105));  // 5 ms
+    pen.Move(start + milliseconds(110));
+    pen.Move(start + milliseconds(112));
+    pen.Shown(start + milliseconds(117));                   // 7 ms after the first of the two
+    CHECK_EQ(pen.OfLastStroke() == milliseconds(7), true);  // of 5, 7 and 9
+    pen.Press(start + milliseconds(200));
+    pen.Shown(start + milliseconds(203));
+    CHECK_EQ(pen.OfLastStroke() == milliseconds(3), true);
 }
 
 TEST_CASE("Late fields are run together, and those without a picture are missed") {

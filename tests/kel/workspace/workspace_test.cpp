@@ -170,6 +170,30 @@ TEST_CASE("Keys act on the chosen plug-in, and steps in one field add up") {
              true);
 }
 
+TEST_CASE("What is set before a press takes hold before its stroke, and all of the stroke follows") {
+    const Place place;
+    {
+        Workspace workspace(place.folder / "grey.png", place.options);
+        workspace.RunFields(1);
+        workspace.Set(IndexOf(workspace, "BrushWidth"), std::int32_t{9});
+        workspace.Point(PointerKind::Press, 100, 100);
+        workspace.Point(PointerKind::Move, 120, 100);
+        workspace.Point(PointerKind::Release, 140, 100);
+        workspace.RunFields(1);
+        CHECK_FALSE(workspace.TheHost().DeliveredPointer().has_value());
+        workspace.RunFields(1);
+        workspace.RunFields(1);
+    }
+    const json events = place.Recorded()["events"];
+    REQUIRE_EQ(events.size(), 3U);
+    CHECK_EQ(events[0]["set"]["BrushWidth"], 9);
+    CHECK_EQ(events[0]["field"], 1);
+    CHECK_EQ(events[1]["press"], json({100, 100}));
+    CHECK_EQ(events[1]["field"], 2);
+    CHECK_EQ(events[2]["release"], json({140, 100}));
+    CHECK_EQ(events[2]["field"], 3);
+}
+
 TEST_CASE("A value beyond its limits and an image that is not there change nothing") {
     const Place place;
     Workspace workspace(place.folder / "grey.png", place.options);
