@@ -121,7 +121,7 @@ void PointFilter::Apply(const Image& source, std::unique_ptr<Image>& result, boo
     try {
         const bool missed = region != nullptr && !region->Intersects(source);
         const Rect area = region == nullptr || missed ? source.Bounds() : source.Intersection(*region);
-        auto made = std::make_unique<Image>(area, source);
+        auto made = missed ? std::make_unique<Image>(area, source) : Image::Unwritten(area, source);
         if (!missed && made->ByteSize() > 0) {
             RowJob job{*this, source, *made, made->x0, made->x1, source.IsPremultiplied()};
             BeginRun(source);

@@ -36,12 +36,16 @@ Rect Addressable(const Rect& rect, std::int32_t type, std::int32_t depth) {
 // Beyond this an image is a mistake in its size, and asking the machine for it would only bring that down.
 constexpr std::size_t maximumBytes = std::numeric_limits<std::int32_t>::max();
 
+enum class Pixels { Zeroed, Unwritten };
+
 // The system hands out large blocks zeroed, page by page as they are first touched. So whoever fills the image pays for
-// its pages, several workers at once, and nobody writes zeros that are written over.
-ImageBuffer* NewBuffer(std::size_t bytes) {
+// its pages, several workers at once. A block that has been used before is zeroed here and now, unless all of it is
+// going to be written anyway.
+ImageBuffer* NewBuffer(std::size_t bytes, Pixels pixels) {
     if (bytes > maximumBytes) throw std::bad_alloc();
     auto created = std::make_unique<ImageBuffer>();
-    created->pixels = static_cast<std::byte*>(std::calloc(std::max<std::size_t>(bytes, 1), 1));
+    const std::size_t size = std::max<std::size_t>(bytes, 1);
+    created->pixels = static_cast<std::byte*>(pixels == Pixels::Zeroed ? std::calloc(size, 1) : std::malloc(size));
     if (created->pixels == nullptr) throw std::bad_alloc();
     return created.release();
 }
@@ -208,9 +212,23 @@ Image::Image(std::int32_t width, std::int32_t height, std::int32_t imageType, st
 Image::Image(const Rect& rect, std::int32_t imageType, std::int32_t imageDepth, std::uint8_t imageFlag,
              bool /*useBitmap: the platform's bitmap would be zeroed pixels too*/)
     : ImageDefinition(Addressable(rect, imageType, imageDepth), imageType, imageDepth, imageFlag),
-      buffer(NewBuffer(ByteSize())),
+      buffer(NewBuffer(ByteSize(), Pixels::Zeroed)),
       origin(buffer->pixels) {
     ++livingImages;
+}
+
+Image::Image(const ImageDefinition& definition, ImageBuffer* pixels)
+    : ImageDefinition(definition), buffer(pixels), origin(pixels->pixels) {
+    ++livingImages;
+}
+
+std::unique_ptr<Image> Image::Unwritten(const Rect& rect, const ImageDefinition& format) {
+    const ImageDefinition definition(Addressable(rect, format.type, format.depth), format.type, format.depth,
+                                     format.flag);
+    // Nobody writes the bytes between the end of a row and the next.
+    const bool hasGaps = std::int64_t{definition.Width()} * definition.pixelBytes != definition.rowBytes;
+    const Pixels pixels = hasGaps ? Pixels::Zeroed : Pixels::Unwritten;
+    return std::unique_ptr<Image>(new Image(definition, NewBuffer(definition.ByteSize(), pixels)));
 }
 
 Image::Image(const ImageDefinition& definition, const LentPixels& pixels)
@@ -261,7 +279,7 @@ Image::~Image() {
 }
 
 std::unique_ptr<Image> Image::Clone() const {
-    auto copy = std::make_unique<Image>(Bounds(), type, depth, flag, buffer->bitmap != nullptr);
+    auto copy = Unwritten(Bounds(), *this);
     ForEachRow(*this, Bounds(), [&](auto, auto row, std::int32_t y) {
         std::memcpy(copy->Address(x0, y), row.data(), row.size_bytes());
     });
@@ -277,7 +295,7 @@ std::unique_ptr<Image> Image::Convert(const Rect& rect, std::int32_t newDepth) c
         static_cast<Rect&>(*cut) = area;  // the rows stay as far apart as in the buffer
         return cut;
     }
-    auto converted = std::make_unique<Image>(area, type, newDepth, flag);
+    auto converted = Unwritten(area, ImageDefinition(area, type, newDepth, flag));
     for (std::int64_t y = area.y0; y <= area.y1; ++y) {
         const auto line = static_cast<std::int32_t>(y);
         if (GetDepth() == Depth::Eight)

@@ -105,6 +105,10 @@ public:
     [[nodiscard]] static Image Mask(std::int32_t width, std::int32_t height, Depth depth);
     [[nodiscard]] static Image Mask(const Rect& rect, Depth depth);
 
+    // Of that rectangle and the format of `format`, with whatever lay in its memory before: for one who goes on to
+    // write every pixel.
+    [[nodiscard]] static std::unique_ptr<Image> Unwritten(const Rect& rect, const ImageDefinition& format);
+
     // An image on pixels that stay the caller's: nothing is copied, cleared or freed, all operations read and write
     // them in place. They must outlive every image that shares them: this one, its copies, what `Convert` cuts out of
     // it at its own depth, and whatever a `BasicBrush` or a source was given of it to keep. `Clone`, and `Convert` to
@@ -168,6 +172,7 @@ public:
 
 private:
     Image(const ImageDefinition& definition, const LentPixels& pixels);
+    Image(const ImageDefinition& definition, ImageBuffer* pixels);
 };
 
 }  // namespace chalkpane

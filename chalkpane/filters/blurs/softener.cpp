@@ -104,7 +104,7 @@ struct BlurJob {
 
 template <typename F>
 std::unique_ptr<Image> Blurred(const Image& source, const Rect& work, double softness, std::int32_t radius) {
-    auto result = NewImageLike(source, work);
+    auto result = Image::Unwritten(work, source);
     BlurJob<F> job(source, *result, softness, radius);
     const auto row = [](std::int32_t y, void* userData, std::int32_t worker) {
         auto& run = *static_cast<BlurJob<F>*>(userData);

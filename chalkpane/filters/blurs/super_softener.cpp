@@ -187,10 +187,10 @@ struct StripJob {
 
 template <typename F>
 std::unique_ptr<Image> Softened(const Image& source, const Rect& work, double softness, std::int32_t passes) {
-    Image between(Rect(work.x0, source.y0, work.x1, source.y1), source);
-    auto result = NewImageLike(source, work);
-    StripJob<F>{source, between, softness, passes}.RunRows();
-    StripJob<F>{between, *result, softness, passes}.RunColumns();
+    const auto between = Image::Unwritten(Rect(work.x0, source.y0, work.x1, source.y1), source);
+    auto result = Image::Unwritten(work, source);
+    StripJob<F>{source, *between, softness, passes}.RunRows();
+    StripJob<F>{*between, *result, softness, passes}.RunColumns();
     return result;
 }
 

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <span>
 
 #include "chalkpane/base/memory_loss.h"
+#include "chalkpane/base/multi_processor.h"
 #include "chalkpane/image/image_rows.h"
 
 namespace chalkpane {
@@ -12,18 +14,32 @@ namespace {
 
 using Counts = std::vector<std::int64_t>;
 
-// How often each value is the brightest component, as it is stored, inside `work`.
+// How often each value is the brightest component, as it is stored, inside `work`: counted by each worker on its own.
 template <typename F>
-Counts BrightestCounts(const Image& source, const Rect& work) {
-    Counts counts(static_cast<std::size_t>(F::fullScale) + 1);
-    const std::size_t offset = static_cast<std::size_t>(std::int64_t{work.x0} - source.x0) * 4;
-    for (std::int64_t y = work.y0; y <= work.y1; ++y) {
-        const auto row = ImageRow<F>(source, static_cast<std::int32_t>(y))
-                             .subspan(offset, static_cast<std::size_t>(work.Width()) * 4);
+struct CountJob {
+    const Image& source;
+    const Rect& work;
+    std::vector<Counts> workers =
+        std::vector<Counts>(static_cast<std::size_t>(std::max(MultiProcessor::Instance().ProcessorCount(), 1)),
+                            Counts(static_cast<std::size_t>(F::fullScale) + 1));
+
+    static void Row(std::int32_t y, void* userData, std::int32_t worker) {
+        auto& job = *static_cast<CountJob*>(userData);
+        Counts& counts = job.workers[static_cast<std::size_t>(worker)];
+        const std::size_t offset = static_cast<std::size_t>(std::int64_t{job.work.x0} - job.source.x0) * 4;
+        const auto row = ImageRow<F>(job.source, y).subspan(offset, static_cast<std::size_t>(job.work.Width()) * 4);
         for (std::size_t i = 0; i < row.size(); i += 4)
             ++counts[static_cast<std::size_t>(std::max({row[i], row[i + 1], row[i + 2]}) & F::fullScale)];
     }
-    return counts;
+};
+template <typename F>
+Counts BrightestCounts(const Image& source, const Rect& work) {
+    CountJob<F> job{source, work};
+    RunInBands(work.y0, work.y1, work.Width(), &CountJob<F>::Row, &job);
+    Counts& all = job.workers.front();
+    for (std::size_t i = 1; i < job.workers.size(); ++i)
+        std::transform(all.begin(), all.end(), job.workers[i].begin(), all.begin(), std::plus<>());
+    return all;
 }
 
 // First value at which the running count reaches `wanted`; 0 if it never does.

@@ -149,7 +149,7 @@ struct CorrectJob {
 
 template <typename F>
 std::unique_ptr<Image> Corrected(const Image& source, const Rect& work, const Curve& curve, std::size_t component) {
-    auto result = NewImageLike(source, work);
+    auto result = Image::Unwritten(work, source);
     result->CopyRegion(source, work);
     if (source.IsMask() || component >= components.size()) return result;
     CorrectJob<F> job{curve, *result};

@@ -12,7 +12,7 @@ template <typename Make>
 void ApplyInColourArea(const Image& source, std::unique_ptr<Image>& result, const Rect* region, Make make) {
     ApplyInWorkArea(source, result, region, 0, [&](const Rect& work) -> std::unique_ptr<Image> {
         if (!source.IsMask()) return make(work);
-        auto copy = NewImageLike(source, work);
+        auto copy = Image::Unwritten(work, source);
         copy->CopyRegion(source, work);
         return copy;
     });

@@ -138,7 +138,7 @@ void EmbossEffect::Apply(const Image& source, std::unique_ptr<Image>& result, bo
     ApplyInColourArea(source, result, region, [&](const Rect& work) {
         return WithFormatOf(source, [&](auto format) {
             using F = decltype(format);
-            auto made = NewImageLike(source, work);
+            auto made = Image::Unwritten(work, source);
             const float share = 1.0F - m_mix;
             const EmbossTint tint{
                 {ChannelOfColour<F>(m_colour.blue) * share, ChannelOfColour<F>(m_colour.green) * share,

@@ -203,7 +203,7 @@ struct OilJob {
 
 template <typename Tones>
 std::unique_ptr<Image> Oiled(const Image& source, const Rect& work, std::int32_t radius, std::int32_t levels) {
-    auto result = NewImageLike(source, work);
+    auto result = Image::Unwritten(work, source);
     OilJob<Tones> job(source, *result, radius, levels);
     job.template Run<&OilJob<Tones>::PrepareRow>(job.FirstLine(), job.LastLine());
     job.template Run<&OilJob<Tones>::Row>(result->y0, result->y1);

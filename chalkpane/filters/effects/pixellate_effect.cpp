@@ -128,7 +128,7 @@ struct PixellateJob {
 
 template <typename F>
 std::unique_ptr<Image> Pixellated(const Image& source, const Rect& work, std::int32_t size) {
-    auto result = NewImageLike(source, work);
+    auto result = Image::Unwritten(work, source);
     PixellateJob<F> job(source, *result, size);
     const auto row = [](std::int32_t block, void* userData, std::int32_t worker) {
         static_cast<PixellateJob<F>*>(userData)->BlockRow(block, worker);

@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cmath>
 #include <cstring>
 #include <type_traits>
 #include <vector>
 
+#include "chalkpane/base/multi_processor.h"
 #include "chalkpane/filters/effects/colour_area.h"
 #include "chalkpane/filters/noise/grain_random.h"
 #include "chalkpane/filters/row_filter.h"
@@ -38,8 +40,16 @@ public:
           m_left(area.x0),
           m_reach(static_cast<std::int64_t>(std::ceil((2.0 * randomness + m_rowHeight) / m_rowHeight))),
           m_columns(static_cast<std::size_t>(std::ceil((2.0 * randomness + area.Width()) / spacing + 4.0))),
-          m_next(GridRow(area.y0) - 2 * m_reach),
+          m_first(GridRow(area.y0) - 2 * m_reach),
+          m_next(m_first),
           m_cells(static_cast<std::size_t>(2 * m_reach + 1) * m_columns) {}
+
+    // Begins at row y as if all rows before it had been made: their numbers are skipped.
+    void BeginAt(std::int32_t y) {
+        m_next = GridRow(y) - 2 * m_reach;
+        m_random = GrainRandom(cellSeed);
+        m_random.Jump(GrainJump::Of(static_cast<std::uint64_t>(m_next - m_first) * m_columns * 2));
+    }
 
     // Makes the grid rows that row y needs. Rows come in ascending order.
     void MoveTo(std::int32_t y) {
@@ -74,7 +84,8 @@ private:
     std::int32_t m_left;
     std::int64_t m_reach;  // grid rows to either side
     std::size_t m_columns;
-    std::int64_t m_next;  // grid row to be made next
+    std::int64_t m_first;  // grid row that the numbers begin with
+    std::int64_t m_next;   // grid row to be made next
     std::vector<Cell> m_cells;
     GrainRandom m_random{cellSeed};
 };
@@ -100,11 +111,15 @@ public:
           m_second(m_best.size()),
           m_colours(m_best.size()) {}
 
+    // Goes on with row y without those before it. False when that cannot be: when some column keeps their colour.
+    bool BeginAt(std::int32_t y) {
+        m_ring.BeginAt(y);
+        Measure(y);
+        return std::find(m_best.begin(), m_best.end(), unreached) == m_best.end();
+    }
+
     void Row(std::int32_t y) {
-        m_ring.MoveTo(y);
-        std::fill(m_best.begin(), m_best.end(), unreached);
-        std::fill(m_second.begin(), m_second.end(), unreached);
-        for (const CellRing::Cell& cell : m_ring.Cells()) Spread(cell, y);
+        Measure(y);
         const auto row = ImageRow<F>(m_result, y);
         if (!(m_edge > 0.0)) {
             std::memcpy(row.data(), m_colours.data(), row.size_bytes());
@@ -116,6 +131,14 @@ public:
 private:
     // A whole pixel.
     using Colour = std::conditional_t<F::bits == 8, std::uint32_t, std::uint64_t>;
+
+    // Finds the nearest cells of row y.
+    void Measure(std::int32_t y) {
+        m_ring.MoveTo(y);
+        std::fill(m_best.begin(), m_best.end(), unreached);
+        std::fill(m_second.begin(), m_second.end(), unreached);
+        for (const CellRing::Cell& cell : m_ring.Cells()) Spread(cell, y);
+    }
 
     [[nodiscard]] Colour ColourAt(const CellRing::Cell& cell) const {
         const std::int32_t x = HeldInside(cell.x, m_source.x0, m_source.x1);
@@ -195,18 +218,56 @@ private:
     std::vector<Colour> m_colours;
 };
 
+// Several runs, each of which does bands of rows. The cells are drawn as they are met, so a band begins by skipping the
+// numbers of all before it.
+template <typename F>
+struct VoronoiBands {
+    static constexpr std::int32_t bandRows = 64;
+
+    Rect area;
+    std::vector<VoronoiRun<F>> workers;
+    std::atomic<bool> isWhole{true};  // false: some row wants the one before it
+
+    static void Band(std::int32_t band, void* userData, std::int32_t worker) {
+        auto& bands = *static_cast<VoronoiBands*>(userData);
+        auto& run = bands.workers[static_cast<std::size_t>(worker)];
+        const std::int64_t first = bands.area.y0 + std::int64_t{band} * bandRows;
+        const std::int64_t last = std::min<std::int64_t>(first + bandRows - 1, bands.area.y1);
+        if (!run.BeginAt(static_cast<std::int32_t>(first))) {
+            bands.isWhole = false;
+            return;
+        }
+        for (std::int64_t y = first; y <= last; ++y) run.Row(static_cast<std::int32_t>(y));
+    }
+
+    [[nodiscard]] bool Run() {
+        MultiProcessor::Instance().Run(0, (area.Height() - 1) / bandRows, &Band, this);
+        return isWhole;
+    }
+};
+
+template <typename F>
+std::unique_ptr<Image> Glazed(const Image& source, const Rect& work, double spacing, double randomness, double edges) {
+    auto result = Image::Unwritten(work, source);
+    const VoronoiRun<F> fresh(source, *result, spacing, randomness, edges);
+    const std::int32_t workers = MultiProcessor::Instance().ProcessorCount();
+    if (workers > 1 && work.Height() > VoronoiBands<F>::bandRows) {
+        VoronoiBands<F> bands{work, std::vector<VoronoiRun<F>>(static_cast<std::size_t>(workers), fresh)};
+        if (bands.Run()) return result;
+    }
+    VoronoiRun<F> run(fresh);
+    for (std::int64_t y = work.y0; y <= work.y1; ++y) run.Row(static_cast<std::int32_t>(y));
+    return result;
+}
+
 }  // namespace
 
 void VoronoiEffect::Apply(const Image& source, std::unique_ptr<Image>& result, bool /*fast*/, const Rect* region,
                           bool /*expand*/) {
     ApplyInColourArea(source, result, region, [&](const Rect& work) {
         return WithFormatOf(source, [&](auto format) {
-            auto made = NewImageLike(source, work);
-            VoronoiRun<decltype(format)> run(source, *made, std::clamp(m_spacing, smallestSpacing, largestSpacing),
-                                             std::clamp(m_randomness, 0.0, mostRandom), m_edges);
-            // One row after the other: the cells are drawn as they are met.
-            for (std::int64_t y = work.y0; y <= work.y1; ++y) run.Row(static_cast<std::int32_t>(y));
-            return made;
+            return Glazed<decltype(format)>(source, work, std::clamp(m_spacing, smallestSpacing, largestSpacing),
+                                            std::clamp(m_randomness, 0.0, mostRandom), m_edges);
         });
     });
 }

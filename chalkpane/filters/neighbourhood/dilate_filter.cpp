@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <span>
 
+#include "chalkpane/base/multi_processor.h"
 #include "chalkpane/filters/blurs/softener.h"
 #include "chalkpane/filters/luma.h"
 #include "chalkpane/filters/work_area.h"
@@ -39,35 +41,44 @@ ByteTable SlopeTable(std::int64_t softness) {
     return table;
 }
 
+// Calls `row` with each row of an image, on the workers.
+template <typename Row>
+void ForEachRow(const Rect& area, Row row) {
+    const auto call = [](std::int32_t y, void* userData, std::int32_t /*worker*/) {
+        (*static_cast<const Row*>(userData))(y);
+    };
+    RunInBands(area.y0, area.y1, area.Width(), call, &row);
+}
+
 // One channel of luma between the thresholds.
 Image LumaMask(const Image& source, const Rect& work, const ByteTable& table) {
     Image mask = Image::Mask(work, Depth::Eight);
-    for (std::int64_t y = mask.y0; y <= mask.y1; ++y) {
-        const auto line = static_cast<std::int32_t>(y);
-        const auto out = mask.Row8(line);
-        const auto* pixel = reinterpret_cast<const std::uint8_t*>(source.Address(mask.x0, line));
-        for (auto& level : out) {
+    ForEachRow(mask, [&](std::int32_t y) {
+        const auto* pixel = reinterpret_cast<const std::uint8_t*>(source.Address(mask.x0, y));
+        for (auto& level : mask.Row8(y)) {
             level =
                 table[source.IsMask() ? pixel[0] : static_cast<std::uint8_t>(LumaByte(pixel[2], pixel[1], pixel[0]))];
             pixel += source.pixelBytes;
         }
-    }
+    });
     return mask;
 }
 
+// Beyond the blurred mask there is nothing.
 void StoreGrey(const Image& blurred, const ByteTable& table, Image& result) {
-    for (std::int64_t y = result.y0; y <= result.y1; ++y) {
-        const auto line = static_cast<std::int32_t>(y);
-        const auto out = result.Row8(line);
-        for (std::int64_t x = result.x0; x <= result.x1; ++x) {
-            const std::uint8_t level = table[blurred.GetMaskEdge8(static_cast<std::int32_t>(x), line, edgeTransparent)];
-            const auto i = static_cast<std::size_t>(x - result.x0) * static_cast<std::size_t>(result.pixelBytes);
-            out[i] = level;
+    ForEachRow(result, [&](std::int32_t y) {
+        const bool isBlurred = y >= blurred.y0 && y <= blurred.y1;
+        const auto levels = isBlurred ? blurred.Row8(y) : std::span<std::uint8_t>();
+        auto* out = result.Row8(y).data();
+        for (std::int64_t x = result.x0; x <= result.x1; ++x, out += result.pixelBytes) {
+            const auto column = static_cast<std::size_t>(x - blurred.x0);
+            const std::uint8_t level = table[column < levels.size() ? levels[column] : 0];
+            out[0] = level;
             if (result.IsMask()) continue;
-            out[i + 1] = out[i + 2] = level;
-            out[i + 3] = 255;
+            out[1] = out[2] = level;
+            out[3] = 255;
         }
-    }
+    });
 }
 
 }  // namespace
@@ -80,7 +91,7 @@ std::unique_ptr<Image> DilateFilter::Matte(const Image& source, const Rect& work
     Softener(radius).Apply(mask, blurred, fast, region, expand);
     if (!blurred) throw std::bad_alloc();
     const std::int32_t growth = expand ? static_cast<std::int32_t>(std::ceil(radius)) : 0;
-    auto result = NewImageLike(source, Grown(work, growth));
+    auto result = Image::Unwritten(Grown(work, growth), source);
     StoreGrey(*blurred, SlopeTable(m_softness), *result);
     return result;
 }

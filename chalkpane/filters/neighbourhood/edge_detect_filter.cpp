@@ -139,7 +139,7 @@ struct EdgeJob {
 
 template <typename F>
 std::unique_ptr<Image> Edges(const Image& source, const Rect& work, double brightness) {
-    auto result = NewImageLike(source, work);
+    auto result = Image::Unwritten(work, source);
     EdgeJob<F> job(source, *result, brightness);
     const auto row = [](std::int32_t y, void* userData, std::int32_t worker) {
         static_cast<EdgeJob<F>*>(userData)->Row(y, worker);

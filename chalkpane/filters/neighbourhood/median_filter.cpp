@@ -115,7 +115,7 @@ struct MedianJob {
 };
 
 std::unique_ptr<Image> Medians(const Image& source, const Rect& work, std::int32_t radius) {
-    auto result = NewImageLike(source, work);
+    auto result = Image::Unwritten(work, source);
     MedianJob job(source, *result, radius);
     const auto row = [](std::int32_t y, void* userData, std::int32_t worker) {
         static_cast<MedianJob*>(userData)->Row(y, worker);

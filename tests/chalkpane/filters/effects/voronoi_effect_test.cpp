@@ -68,6 +68,27 @@ TEST_CASE("Between the cells runs a black line") {
     CHECK((result->GetPixel8(12, 0) == Pixel8{200, 200, 200, 200}));
 }
 
+// 460 rows are eight bands of 64. With randomness 0 and at most a pixel to reach, some columns keep the row before.
+TEST_CASE("Stained glass in bands, on several workers, is that of one row after the other") {
+    const Image source = NoisePicture({-5, -77, 24, 382}, Image::colourType, 0, 0, 3);
+    for (const double spacing : {0.4, 0.9, 3.0, 12.0, 70.0}) {
+        for (const double randomness : {0.0, 0.4, 1.0, 3.0}) {
+            CAPTURE(spacing);
+            CAPTURE(randomness);
+            VoronoiEffect filter;
+            Set(filter, spacing, randomness, 0.2);
+            MultiProcessor::Restart(1);
+            const auto wanted = Applied(filter, source);
+            MultiProcessor::Restart(3);
+            CHECK(SamePixels(*Applied(filter, source), *wanted));
+        }
+    }
+    VoronoiEffect filter;
+    Set(filter, 3.7, 1.0, 0.25);
+    CHECK(SamePixels(*Applied(filter, source), reference::Voronoi(source, 3.7, 1.0, 0.25, nullptr)));
+    MultiProcessor::Restart(0);
+}
+
 TEST_CASE("Two runs of stained glass on one picture are equal") {
     const Image source = NoisePicture({0, 0, 50, 50}, Image::colourType, 1, 1, 3);
     VoronoiEffect filter;
