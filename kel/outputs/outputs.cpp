@@ -25,6 +25,7 @@ std::unique_ptr<OutputSink> MakeCanvasSink(const std::string& path) {
 
 Outputs::Outputs(const OutputOptions& options, WindowSize window, double fieldsPerSecond, std::int64_t fields)
     : m_settings{window, fieldsPerSecond, std::max<std::int64_t>(fields, 1), &m_files}, m_views(options.alpha) {
+    for (const auto& input : options.inputs) m_files.AnnounceInput(input);
     if (options.fill.empty() != options.key.empty())
         throw cli::Error(options.fill + options.key, {},
                          "--fill and --key are written as a pair; the other one is missing");

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -22,6 +23,7 @@ struct OutputOptions {
     std::string fill;     // the colours of the drawings; with `key`, which is then not empty either
     std::string key;      // their alpha, as grey
     PictureAlpha alpha = PictureAlpha::Premultiplied;  // of overlay and fill, but not of the canvas
+    std::vector<std::filesystem::path> inputs;         // what is read meanwhile, which no output may be
 
     [[nodiscard]] bool WantDrawings() const {
         return !overlay.empty() || !canvas.empty() || !fill.empty() || !key.empty();

@@ -8,4 +8,7 @@ namespace kel {
 // Error when that is more than the permissions allow, and for a picture that the session does not get.
 void CheckMemory(const Session& session, const SessionAccess& access, const SessionPermissions& permissions);
 
+// The same for a picture that is to be opened without a session. Throws Error; what is no picture passes.
+void CheckPictureMemory(const std::filesystem::path& file, const SessionPermissions& permissions);
+
 }  // namespace kel

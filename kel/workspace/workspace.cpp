@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "cli/error.h"
+#include "kel/session/session_memory.h"
 #include "kel/workspace/panel_model.h"
 
 namespace kel {
@@ -20,6 +21,7 @@ bool HasEvents(const Session& session) { return !session.events.empty(); }
 Workspace::Workspace(const std::filesystem::path& file, const WorkspaceOptions& options)
     : m_file(file), m_saver(options.saves) {
     m_host = std::make_unique<Host>(WindowSize{16, 16}, options.gl);
+    CheckPictureMemory(file, options.permissions);
     m_scene = OpenWorkspaceScene(file, m_host->LoadModule(options.module).registration, options.largest);
     const Session& session = m_scene.session;
     m_host->ResizeWindow({session.window.width, session.window.height});

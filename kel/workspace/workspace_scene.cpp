@@ -13,6 +13,7 @@
 #include "kel/session/session_values.h"
 #include "kel/video/video_reader.h"
 #include "kel/workspace/panel_layout.h"
+#include "picture_io/picture_format.h"
 
 namespace kel {
 namespace {
@@ -45,7 +46,8 @@ FileKind KindOf(const fs::path& file) {
     if (!stream) throw cli::Error(file.string(), {}, "cannot be read: " + std::generic_category().message(errno));
     stream.read(bytes.data(), bytes.size());
     const std::string_view start(bytes.data(), static_cast<std::size_t>(stream.gcount()));
-    if (start.starts_with("\x89PNG") || start.starts_with("\xFF\xD8\xFF")) return FileKind::Picture;
+    if (picture_io::FormatOfBytes({reinterpret_cast<const std::uint8_t*>(start.data()), start.size()}) != nullptr)
+        return FileKind::Picture;
     const std::size_t letter = start.find_first_not_of(" \t\r\n");
     const bool isObject = letter != std::string_view::npos && start[letter] == '{';
     return isObject || file.extension() == ".json" ? FileKind::Session : FileKind::Video;
@@ -110,6 +112,8 @@ WindowSize WindowFor(WindowSize picture, WindowSize largest) {
     const auto side = [&](double length) { return std::max(1, static_cast<int>(std::lround(length * scale))); };
     return {side(width), side(height)};
 }
+
+bool IsSessionFile(const fs::path& file) { return KindOf(file) == FileKind::Session; }
 
 WorkspaceScene OpenWorkspaceScene(const fs::path& file, const Registration& module, WindowSize largest) {
     WorkspaceScene scene;

@@ -22,6 +22,9 @@ struct WorkspaceScene {
 [[nodiscard]] WorkspaceScene OpenWorkspaceScene(const std::filesystem::path& file, const Registration& module,
                                                 WindowSize largest);
 
+// True: the file is opened as a session. Throws Error for what cannot be read or is no regular file.
+[[nodiscard]] bool IsSessionFile(const std::filesystem::path& file);
+
 // The window of a picture of that size: its proportions, at most `largest`, and not needlessly small.
 [[nodiscard]] WindowSize WindowFor(WindowSize picture, WindowSize largest);
 

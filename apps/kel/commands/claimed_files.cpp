@@ -9,10 +9,9 @@
 
 namespace kel {
 
-void ClaimFiles(const std::vector<std::filesystem::path>& inputs, const OutputOptions& outputs,
-                const std::filesystem::path& recording) {
+void ClaimFiles(const OutputOptions& outputs, const std::filesystem::path& recording) {
     cli::FileClaims claims;
-    for (const auto& input : inputs)
+    for (const auto& input : outputs.inputs)
         if (!input.empty()) claims.Read(input);
     for (const std::string& output : {outputs.out, outputs.overlay, outputs.canvas, outputs.fill, outputs.key})
         if (!output.empty() && !IsNumberedName(output)) claims.Write(output);

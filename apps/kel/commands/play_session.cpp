@@ -10,6 +10,7 @@
 #include "cli/interrupt_guard.h"
 #include "cli/progress_line.h"
 #include "kel/session/player.h"
+#include "kel/session/session_inputs.h"
 #include "kel/session/session_saves.h"
 
 namespace kel {
@@ -38,15 +39,13 @@ bool HasSaves(const PlayOptions& options, const Session& session) {
 void PlaySession(const PlayOptions& options) {
     const Session session = ReadSession(options.session);
     const WindowSize window{session.window.width, session.window.height};
-    std::vector<std::filesystem::path> inputs{options.session};
-    for (const SessionContainer& container : session.containers)
-        for (const std::string& name : {container.picture, container.film})
-            if (!name.empty()) inputs.push_back(session.Resolve(name));
-    ClaimFiles(inputs, options.outputs, {});
+    OutputOptions wanted = options.outputs;
+    wanted.inputs = InputFilesOf(session);
+    ClaimFiles(wanted, {});
     // Every file that the play will write is checked before the first field. What fails leaves the folder of the saves
     // last, when nothing is in it any more.
     const std::unique_ptr<SessionSaves> saves = SavesOf(options, session);
-    Outputs outputs(options.outputs, window, session.fieldsPerSecond, session.fields);
+    Outputs outputs(wanted, window, session.fieldsPerSecond, session.fields);
     if (saves) Announce(*saves, session, outputs);
 
     Host host(window);

@@ -9,8 +9,10 @@
 #include "apps/kel/commands/output_options.h"
 #include "apps/kel/commands/play_session.h"
 #include "cli/error.h"
+#include "kel/session/session_inputs.h"
 #include "kel/window/workspace_window.h"
 #include "kel/workspace/embedded_text.h"
+#include "kel/workspace/workspace_scene.h"
 
 namespace kel {
 namespace {
@@ -55,10 +57,19 @@ void CheckOutputs(const OutputOptions& outputs) {
     const Outputs tried(outputs, anySize, anyRate, 0);
 }
 
+// A session's own, or the picture or film that is opened.
+std::vector<std::filesystem::path> FilesReadFor(const std::filesystem::path& file) {
+    if (!IsSessionFile(file)) return {file};
+    return InputFilesOf(ReadSession(file));
+}
+
 void Window(const WindowLine& line) {
     WindowOptions options;
     options.file = line.file.empty() ? FindExampleScene() : std::filesystem::path(line.file);
-    ClaimFiles({options.file, line.keys}, line.outputs, line.recording);
+    OutputOptions outputs = line.outputs;
+    outputs.inputs = FilesReadFor(options.file);
+    if (!line.keys.empty()) outputs.inputs.emplace_back(line.keys);
+    ClaimFiles(outputs, line.recording);
     if (!line.overwrites) RequireSessionPlace(line.recording);
     options.areKeysGiven = !line.keys.empty();
     options.keys =
@@ -68,14 +79,14 @@ void Window(const WindowLine& line) {
     options.workspace.permissions = line.access.Permissions();
     options.workspace.recording = line.recording;
     options.workspace.saves = line.saves;
-    if (!line.outputs.WantAnything()) {
+    if (!outputs.WantAnything()) {
         RunWorkspaceWindow(options);
         return;
     }
-    CheckOutputs(line.outputs);
+    CheckOutputs(outputs);
     std::optional<ScratchFolder> scratch;
     if (line.recording.empty()) options.workspace.recording = scratch.emplace().Path() / "recording.json";
-    LiveOutputs live(line.outputs);
+    LiveOutputs live(outputs);
     options.live = &live;
     RunWorkspaceWindow(options);
     if (live.Finish()) return;

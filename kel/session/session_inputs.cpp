@@ -1,0 +1,39 @@
+#include "kel/session/session_inputs.h"
+
+#include <system_error>
+
+namespace kel {
+namespace {
+
+void AddValues(const Session& session, const std::vector<SessionValue>& values, std::vector<SessionInput>& inputs) {
+    for (const SessionValue& value : values) {
+        const auto* text = std::get_if<std::string>(&value.value);
+        std::error_code failure;
+        if (text != nullptr && !text->empty() && std::filesystem::exists(session.Resolve(*text), failure))
+            inputs.push_back({*text, value.place, SessionInput::Use::PluginPicture});
+    }
+}
+
+}  // namespace
+
+std::vector<SessionInput> InputsOf(const Session& session) {
+    std::vector<SessionInput> inputs;
+    for (const SessionContainer& container : session.containers) {
+        if (!container.picture.empty())
+            inputs.push_back({container.picture, container.place + "/picture", SessionInput::Use::Picture});
+        if (!container.film.empty())
+            inputs.push_back({container.film, container.place + "/film", SessionInput::Use::Film});
+        if (container.plugin) AddValues(session, container.plugin->parameters, inputs);
+    }
+    for (const SessionEvent& event : session.events)
+        if (const auto* set = std::get_if<SetEvent>(&event.what)) AddValues(session, set->values, inputs);
+    return inputs;
+}
+
+std::vector<std::filesystem::path> InputFilesOf(const Session& session) {
+    std::vector<std::filesystem::path> files{session.file};
+    for (const SessionInput& input : InputsOf(session)) files.push_back(session.Resolve(input.path));
+    return files;
+}
+
+}  // namespace kel
