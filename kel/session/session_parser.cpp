@@ -7,6 +7,7 @@
 #include "cli/json_node.h"
 #include "cli/nearest_name.h"
 #include "kel/session/session.h"
+#include "kel/session/session_lines.h"
 #include "picture_io/picture.h"
 
 namespace kel {
@@ -325,7 +326,7 @@ std::filesystem::path Session::Resolve(const std::string& path) const { return f
 Session ParseSession(const std::string& text, const std::filesystem::path& file) {
     Session session;
     session.file = file;
-    const nlohmann::json json = cli::ParseJson(text, file);
+    const nlohmann::json json = cli::ParseJson(WholeSessionText(text), file);
     const cli::JsonNode root(json, file);
     cli::ReadKeys<Session>(root, sessionKeys, session);
     if (!root.Has("fields")) session.fields = FieldsNeeded(session);

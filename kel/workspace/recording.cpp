@@ -12,9 +12,7 @@ namespace {
 using nlohmann::ordered_json;
 namespace fs = std::filesystem;
 
-std::string Dump(const ordered_json& json, int indent = -1) {
-    return json.dump(indent, ' ', false, ordered_json::error_handler_t::replace);
-}
+std::string Dump(const ordered_json& json) { return json.dump(-1, ' ', false, ordered_json::error_handler_t::replace); }
 
 // A path of the scene's file, for a file that lies elsewhere.
 void MakeAbsolute(ordered_json& path, const Session& session) {
@@ -78,15 +76,8 @@ Recording::Recording(const WorkspaceScene& scene, const std::vector<const Regist
     }
     events = json.value("events", ordered_json::array());
     for (const char* key : {"$schema", "events", "fields"}) json.erase(key);
-    m_scene = Dump(json, 2);
-    m_scene.erase(m_scene.rfind('}'));
-    m_scene.erase(m_scene.find_last_not_of(" \n") + 1);
-    m_scene += ",\n  \"events\": [";
+    AddLine(Dump(json));
     for (const ordered_json& event : events) AddLine(Dump(event));
-}
-
-void Recording::AddLine(const std::string& event) {
-    m_events.append(m_events.empty() ? "\n    " : ",\n    ").append(event);
 }
 
 void Recording::AddPointer(std::int64_t field, const PointerStep& step) {
@@ -115,8 +106,6 @@ void Recording::AddVideo(std::int64_t field, std::size_t container, const VideoC
     AddLine(Dump({{"field", field}, {"container", m_names[container]}, {"film", video}}));
 }
 
-std::string Recording::Text(std::int64_t fields) const {
-    return m_scene + m_events + "\n  ],\n  \"fields\": " + std::to_string(std::max<std::int64_t>(fields, 1)) + "\n}\n";
-}
+void Recording::AddFields(std::int64_t fields) { AddLine(Dump({{"fields", std::max<std::int64_t>(fields, 1)}})); }
 
 }  // namespace kel

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "kel/module_loading/module.h"
@@ -13,7 +14,7 @@
 namespace kel {
 
 // What happens at the workspace, as the session that plays it again: the scene with the events it had, and the
-// operator's after them. The text is a whole session at any time.
+// operator's after them, in the lines of kel/session/session_lines.h.
 class Recording {
 public:
     // modules: what each of the scene's containers carries, null: nothing; used for the time of the call.
@@ -29,14 +30,17 @@ public:
     void AddButton(std::int64_t field, std::size_t container, const std::string& button);
     void AddVideo(std::int64_t field, std::size_t container, const VideoChange& change);
 
-    // fields: how many have been played; at least 1 is said.
-    [[nodiscard]] std::string Text(std::int64_t fields) const;
+    // How many fields have been played; at least 1 is said.
+    void AddFields(std::int64_t fields);
+
+    [[nodiscard]] bool HasLines() const { return !m_lines.empty(); }
+    // What has been added since the last call, at first with the scene.
+    [[nodiscard]] std::string TakeLines() { return std::exchange(m_lines, {}); }
 
 private:
-    void AddLine(const std::string& event);
+    void AddLine(const std::string& line) { m_lines.append(line) += '\n'; }
 
-    std::string m_scene;               // all of the file up to the events
-    std::string m_events;              // one a line
+    std::string m_lines;
     std::vector<std::string> m_names;  // of the containers
 };
 

@@ -1,5 +1,10 @@
 #include "kel/workspace/recording_file.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
 #include <utility>
 
 #include "cli/error.h"
@@ -8,7 +13,11 @@
 namespace kel {
 
 RecordingFile::RecordingFile(std::filesystem::path file, const std::string& text) : m_file(std::move(file)) {
-    cli::WriteFileWhole(m_file, {text.begin(), text.end()});
+    cli::WriteFileWhole(m_file, text);
+    m_descriptor = open(m_file.c_str(), O_WRONLY | O_CLOEXEC);
+    if (m_descriptor < 0)
+        throw cli::Error(m_file.string(), {}, "cannot be written: " + std::generic_category().message(errno));
+    m_length = static_cast<std::int64_t>(text.size());
     m_writer = std::thread([this] { WriteAll(); });
 }
 
@@ -19,12 +28,14 @@ RecordingFile::~RecordingFile() {
     }
     m_changed.notify_one();
     m_writer.join();
+    close(m_descriptor);
 }
 
-void RecordingFile::Write(std::string text) {
+void RecordingFile::Append(const std::string& text) {
     {
         const std::lock_guard lock(m_mutex);
-        m_waiting = std::move(text);
+        m_waiting += text;
+        m_hasNews = true;
     }
     m_changed.notify_one();
 }
@@ -34,21 +45,39 @@ std::string RecordingFile::Trouble() const {
     return m_trouble;
 }
 
+// What is wrong; empty: it is written. Of a piece that could not be written as a whole nothing stays behind.
+std::string RecordingFile::WritePiece(const std::string& text) {
+    std::size_t done = 0;
+    while (done < text.size()) {
+        const auto at = static_cast<off_t>(m_length) + static_cast<off_t>(done);
+        const ssize_t count = pwrite(m_descriptor, text.data() + done, text.size() - done, at);
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) {
+            const int reason = count < 0 ? errno : ENOSPC;
+            std::string trouble = m_file.string() + ": cannot be written: " + std::generic_category().message(reason);
+            if (ftruncate(m_descriptor, static_cast<off_t>(m_length)) != 0) trouble += "; its last line is torn";
+            return trouble;
+        }
+        done += static_cast<std::size_t>(count);
+    }
+    m_length += static_cast<std::int64_t>(text.size());
+    return {};
+}
+
 void RecordingFile::WriteAll() {
     std::unique_lock lock(m_mutex);
     for (;;) {
-        m_changed.wait(lock, [this] { return m_waiting || m_ends; });
-        if (!m_waiting) return;
-        const std::string text = *std::exchange(m_waiting, std::nullopt);
+        m_changed.wait(lock, [this] { return m_hasNews || m_ends; });
+        m_hasNews = false;
+        if (m_waiting.empty() && m_ends) return;
+        const std::string text = std::exchange(m_waiting, {});
         lock.unlock();
-        std::string trouble;
-        try {
-            cli::WriteFileWhole(m_file, {text.begin(), text.end()});
-        } catch (const std::exception& failure) {
-            trouble = failure.what();
-        }
+        std::string trouble = WritePiece(text);
         lock.lock();
-        m_trouble = trouble;
+        m_trouble = std::move(trouble);
+        if (m_trouble.empty()) continue;
+        m_waiting.insert(0, text);
+        if (m_ends) return;
     }
 }
 

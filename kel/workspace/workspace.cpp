@@ -40,7 +40,9 @@ Workspace::Workspace(const std::filesystem::path& file, const WorkspaceOptions& 
 }
 
 Workspace::~Workspace() {
-    if (m_recording) WriteRecording();
+    if (!m_recording) return;
+    m_lastChange = NextField();
+    WriteRecording();
 }
 
 void Workspace::StartRecording(const WorkspaceOptions& options) {
@@ -49,10 +51,21 @@ void Workspace::StartRecording(const WorkspaceOptions& options) {
         modules.push_back(container.module == nullptr ? nullptr : &container.module->registration);
     m_recording = std::make_unique<Recording>(
         m_scene, modules, options.isModuleGiven ? options.module : std::filesystem::path(), options.permissions);
-    m_recordingFile = std::make_unique<RecordingFile>(options.recording, m_recording->Text(m_firstOwnField));
+    m_recording->AddFields(m_firstOwnField);
+    m_recordingFile = std::make_unique<RecordingFile>(options.recording, m_recording->TakeLines());
 }
 
-void Workspace::WriteRecording() { m_recordingFile->Write(m_recording->Text(std::max(m_firstOwnField, NextField()))); }
+// Some seconds after something happened, too, for what a module finishes by itself; then nothing is written any more.
+void Workspace::WriteRecording() {
+    constexpr double secondsToSettle = 2;
+    const auto settles = static_cast<std::int64_t>(secondsToSettle * FieldsPerSecond());
+    const std::int64_t fields = std::max(m_firstOwnField, NextField());
+    const bool goesOn = fields > m_writtenUntil && m_writtenUntil < m_lastChange + settles;
+    if (!m_recording->HasLines() && !goesOn) return;
+    m_recording->AddFields(fields);
+    m_writtenUntil = fields;
+    m_recordingFile->Append(m_recording->TakeLines());
+}
 
 const Workspace::PlugIn* Workspace::Chosen() const { return m_plugIns.empty() ? nullptr : &m_plugIns[m_chosen]; }
 
@@ -181,9 +194,13 @@ void Workspace::Deliver(const PendingChange& change) {
         m_host->PushButton(plugIn.id, change.button);
 }
 
-// What happened in that field, which has just been played.
-void Workspace::Record(std::int64_t field, const std::vector<PendingChange>& changes) {
-    if (const auto& step = m_host->DeliveredPointer()) m_recording->AddPointer(field, *step);
+// What happened in that field, which has just been played. True: something did. A pointer that moves without having
+// been pressed is nothing, unless the picture shows it.
+bool Workspace::Record(std::int64_t field, const std::vector<PendingChange>& changes, bool isOtherPicture) {
+    const auto& step = m_host->DeliveredPointer();
+    if (step && step->kind != PointerKind::Move) m_isPressed = step->kind == PointerKind::Press;
+    const bool counts = step && (step->kind != PointerKind::Move || m_isPressed || isOtherPicture);
+    if (counts) m_recording->AddPointer(field, *step);
     for (const PendingChange& change : changes) {
         const PlugIn& plugIn = m_plugIns[change.plugIn];
         if (change.parameter)
@@ -192,18 +209,24 @@ void Workspace::Record(std::int64_t field, const std::vector<PendingChange>& cha
         else
             m_recording->AddButton(field, plugIn.container, change.button);
     }
+    return counts || !changes.empty();
 }
 
 void Workspace::PlayField(int fieldsDue) {
     const std::int64_t field = NextField();
     const std::vector<PendingChange> changes = std::exchange(m_pendingChanges, {});
     for (const PendingChange& change : changes) Deliver(change);
+    const std::uint64_t pictureBefore = m_host->PictureNumber();
     try {
         (void)m_player->PlayField(fieldsDue == 1 ? Player::Rendering::Wanted : Player::Rendering::NotWanted, fieldsDue);
     } catch (const cli::Error& error) {
         m_news.emplace_back(error.what());
     }
-    if (m_recording) Record(field, changes);
+    if (m_recording) {
+        const bool isOtherPicture = m_host->PictureNumber() != pictureBefore;
+        const bool plays = Video() != nullptr && Video()->Clock().IsRunning(field);
+        if (Record(field, changes, isOtherPicture) || (isOtherPicture && !plays)) m_lastChange = NextField();
+    }
     // A field delivers its press before what is set in it.
     for (const PointerStep& step : std::exchange(m_heldPointer, {})) m_host->QueuePointer(step.kind, step.x, step.y);
 }

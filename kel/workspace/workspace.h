@@ -107,7 +107,7 @@ private:
     void WriteRecording();
     void PlayField(int fieldsDue);
     void Deliver(const PendingChange& change);
-    void Record(std::int64_t field, const std::vector<PendingChange>& changes);
+    bool Record(std::int64_t field, const std::vector<PendingChange>& changes, bool isOtherPicture);
     [[nodiscard]] const Player::Container* VideoContainer() const;
     [[nodiscard]] std::string SaveName(const char* ending) const;
 
@@ -123,6 +123,9 @@ private:
     std::unique_ptr<Recording> m_recording;
     std::unique_ptr<RecordingFile> m_recordingFile;
     std::chrono::steady_clock::time_point m_nextWrite;
+    std::int64_t m_lastChange = 0;    // the field after it, by which something had happened last
+    std::int64_t m_writtenUntil = 0;  // fields that the recording says
+    bool m_isPressed = false;
     std::string m_toldTrouble;
     PictureSaver m_saver;
     std::vector<std::string> m_news;

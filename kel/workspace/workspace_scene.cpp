@@ -10,6 +10,7 @@
 #include "cli/error.h"
 #include "cli/file_bytes.h"
 #include "kel/session/session_json.h"
+#include "kel/session/session_lines.h"
 #include "kel/session/session_values.h"
 #include "kel/video/video_reader.h"
 #include "kel/workspace/panel_layout.h"
@@ -121,7 +122,7 @@ WorkspaceScene OpenWorkspaceScene(const fs::path& file, const Registration& modu
     if (kind == FileKind::Session) {
         scene.session = ReadSession(file);
         const auto bytes = cli::ReadFileBytes(file);
-        scene.text.assign(bytes.begin(), bytes.end());
+        scene.text = WholeSessionText({bytes.begin(), bytes.end()});
         return scene;
     }
     const Backdrop backdrop = kind == FileKind::Picture ? PictureBackdrop(file) : VideoBackdrop(file);

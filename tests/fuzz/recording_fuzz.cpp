@@ -1,12 +1,13 @@
 #include <cstdlib>
 
+#include "kel/session/session_lines.h"
 #include "kel/workspace/recording.h"
 #include "tests/fuzz/fuzz_input.h"
 
 // A session that is opened in the window: what is recorded on top of it is a session again.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
     kel::WorkspaceScene scene;
-    scene.text = fuzz::TextOf(bytes, size);
+    scene.text = kel::WholeSessionText(fuzz::TextOf(bytes, size));
     bool isSession = false;
     fuzz::TakeOrRefuse([&] {
         scene.session = kel::ParseSession(scene.text, "fuzz.json");
@@ -21,6 +22,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     recording.AddPointer(scene.session.fields, {kel::PointerKind::Press, 10, 20});
     if (scene.session.fields >= 999'990) return 0;
     // An Error here is a fault: it passes on to whoever watches.
-    (void)kel::ParseSession(recording.Text(scene.session.fields + 5), "recorded.json");
+    recording.AddFields(scene.session.fields + 5);
+    (void)kel::ParseSession(recording.TakeLines(), "recorded.json");
     return 0;
 }

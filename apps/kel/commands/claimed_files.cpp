@@ -6,6 +6,7 @@
 #include "cli/file_claims.h"
 #include "cli/json_node.h"
 #include "kel/outputs/output_sink.h"
+#include "kel/session/session_lines.h"
 
 namespace kel {
 
@@ -22,7 +23,7 @@ void RequireSessionPlace(const std::filesystem::path& recording) {
     std::error_code failure;
     if (!std::filesystem::exists(recording, failure) || std::filesystem::file_size(recording, failure) == 0) return;
     try {
-        if (cli::ParseJson(cli::ReadJsonText(recording), recording).contains("containers")) return;
+        if (cli::ParseJson(WholeSessionText(cli::ReadJsonText(recording)), recording).contains("containers")) return;
     } catch (const cli::Error&) {
         // Not even JSON: told below.
     }

@@ -10,6 +10,8 @@
 #include <nlohmann/json.hpp>
 #include <thread>
 
+#include "kel/session/session_lines.h"
+
 namespace kel::testing {
 namespace {
 
@@ -74,7 +76,7 @@ bool KelWindow::IsRunning() {
 }
 
 nlohmann::json KelWindow::Recorded(const std::string& name) const {
-    return nlohmann::json::parse(cli::testing::ReadText(folder / name));
+    return nlohmann::json::parse(WholeSessionText(cli::testing::ReadText(folder / name)));
 }
 
 std::int64_t KelWindow::FieldOf(const std::string& recording, const std::string& key) const {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <nlohmann/json.hpp>
+#include <optional>
 
 namespace kel::testing {
 
@@ -57,9 +58,23 @@ void PaperWindow::WaitForFields(const std::string& since, std::int64_t fields) c
     });
 }
 
-void PaperWindow::WaitForSomeFields() const {
-    const auto now = Recorded("run.json")["fields"].get<std::int64_t>();
-    WaitUntil("some fields pass", [&] { return Recorded("run.json")["fields"].get<std::int64_t>() > now + 40; });
+// What is done to it shows, if only as the value of a slider or the lit field that is typed into; the figures in the
+// status line below change by themselves.
+void PaperWindow::WaitUntilStill() const {
+    constexpr int looks = 5;  // a cursor in a text blinks at half a second
+    int alike = 0;
+    std::optional<picture_io::Picture> before;
+    WaitUntil("the window stands still", [&] {
+        picture_io::Picture screen = display.Screen();
+        const auto place = display.FindWindow("paper.png - kel");
+        if (!place) return false;
+        const std::int32_t statusTop = place->y + place->height - 34;
+        for (std::int32_t y = statusTop; y < place->y + place->height; ++y)
+            for (std::int32_t x = 0; x < screen.width; ++x) screen.Set(x, y, {});
+        alike = before && screen == *before ? alike + 1 : 0;
+        before = std::move(screen);
+        return alike >= looks;
+    });
 }
 
 nlohmann::json PaperWindow::ValuesSet(const std::string& parameter) const {

@@ -25,8 +25,8 @@ public:
     void SetByKey(const std::string& key, const std::string& parameter);
     // How many fields have passed since that happened last.
     void WaitForFields(const std::string& since, std::int64_t fields) const;
-    // Long enough for the window to have taken what was done to it.
-    void WaitForSomeFields() const;
+    // Until it has shown all that was done to it.
+    void WaitUntilStill() const;
     [[nodiscard]] nlohmann::json ValuesSet(const std::string& parameter) const;
     [[nodiscard]] picture_io::Picture SaveOverlay(const std::string& name);
 

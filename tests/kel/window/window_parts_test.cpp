@@ -11,6 +11,9 @@ using testing::FindPaper;
 using testing::PaperWindow;
 using testing::WaitUntil;
 
+// Fields after one whose picture has been shown by then: a busy window runs ten of them at once at most.
+constexpr std::int64_t shown = 12;
+
 picture_io::Picture PartOf(const picture_io::Picture& screen, const PictureArea& area) {
     picture_io::Picture part(area.width, area.height);
     for (std::int32_t y = 0; y < area.height; ++y)
@@ -41,7 +44,7 @@ TEST_CASE("A window that is drawn part by part looks like one that is drawn as a
     PaperWindow window;
     window.SetByKey("3", "BrushColor");
     DrawZigzag(window, 0.3);
-    window.WaitForFields("release", 5);
+    window.WaitForFields("release", shown);
     const PictureArea with = window.area;
     const picture_io::Picture inParts = PartOf(window.display.Screen(), with);
     CHECK_EQ(inParts == testing::Plain(with.width, with.height, testing::paper), false);
@@ -54,14 +57,14 @@ TEST_CASE("A window that is drawn part by part looks like one that is drawn as a
     const std::int64_t firstRelease = window.FieldOf("run.json", "release");
     DrawZigzag(window, 0.6);
     WaitUntil("the second stroke is over", [&] { return window.FieldOf("run.json", "release") > firstRelease; });
-    window.WaitForFields("release", 5);
+    window.WaitForFields("release", shown);
     const PictureArea without = window.area;
     const picture_io::Picture scaledInParts = PartOf(window.display.Screen(), without);
     PanelAwayAndBack(window, with, without);
     CHECK_EQ(PartOf(window.display.Screen(), without) == scaledInParts, true);
 
     window.display.TypeKey("z");  // what was drawn without the panel
-    window.WaitForFields("button", 5);
+    window.WaitForFields("button", shown);
     window.display.TypeKey("Tab");
     WaitUntil("the panel is back", [&] { return FindPaper(window.display.Screen()).width == with.width; });
     CHECK_EQ(PartOf(window.display.Screen(), with) == inParts, true);
@@ -86,9 +89,9 @@ TEST_CASE("A window that is made larger and smaller while one draws goes on show
         const PictureArea area = FindPaper(window.display.Screen());
         return area.width == window.area.width && area.height == window.area.height;
     });
-    window.WaitForFields("release", 5);
+    window.WaitForFields("release", shown);
     window.display.TypeKey("Delete");
-    window.WaitForFields("button", 5);
+    window.WaitForFields("button", shown);
     CHECK_EQ(PartOf(window.display.Screen(), window.area) == sheet, true);
     CHECK_EQ(window.IsRunning(), true);
 }

@@ -44,9 +44,9 @@ TEST_CASE("A value that is typed and left by a press on the picture takes hold b
     PointAtBrushWidth(window);
     window.display.PressButton(true);
     window.display.PressButton(false);
-    window.WaitForSomeFields();
+    window.WaitUntilStill();
     window.display.TypeText("9");
-    window.WaitForSomeFields();
+    window.WaitUntilStill();
     window.MoveOnPaper(0.3, 0.3);
     window.display.PressButton(true);
     window.MoveOnPaper(0.6, 0.3);

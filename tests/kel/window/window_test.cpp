@@ -148,7 +148,7 @@ TEST_CASE("What was drawn leaves as pictures when the window has been closed") {
     window.MoveOnPaper(0.7, 0.5);
     window.display.PressButton(false);
     WaitUntil("the release is recorded", [&] { return window.FieldOf("run.json", "release") >= 0; });
-    window.WaitForSomeFields();
+    window.WaitUntilStill();
     const picture_io::Picture live = window.SaveOverlay("paper-overlay-001.png");
     window.display.TypeKey("q", true);
     CHECK_EQ(window.WaitForEnd(), 0);
@@ -167,7 +167,7 @@ TEST_CASE("A film of what was drawn has every field when the window has been clo
     window.MoveOnPaper(0.7, 0.5);
     window.display.PressButton(false);
     WaitUntil("the release is recorded", [&] { return window.FieldOf("run.json", "release") >= 0; });
-    window.WaitForSomeFields();
+    window.WaitUntilStill();
     window.display.TypeKey("q", true);
     CHECK_EQ(window.WaitForEnd(), 0);
     const std::int64_t fields = window.Recorded("run.json")["fields"].get<std::int64_t>();
@@ -192,10 +192,10 @@ TEST_CASE("A value typed into the panel is taken within its limits and not beyon
         window.display.MovePointer(place->x + place->width - 46, place->y + 222);
         window.display.PressButton(true);
         window.display.PressButton(false);
-        window.WaitForSomeFields();
+        window.WaitUntilStill();
         window.display.TypeText(text);
         window.display.TypeKey("Return");
-        window.WaitForSomeFields();
+        window.WaitUntilStill();
     };
     type("31");
     CHECK_EQ(window.ValuesSet("BrushWidth"), nlohmann::json::array());

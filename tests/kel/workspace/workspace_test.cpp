@@ -3,7 +3,9 @@
 #include <doctest/doctest.h>
 
 #include <nlohmann/json.hpp>
+#include <thread>
 
+#include "kel/session/session_lines.h"
 #include "kel/workspace/embedded_text.h"
 #include "kel/workspace/fitted_keys.h"
 #include "tests/cli/temporary_folder.h"
@@ -30,7 +32,7 @@ public:
         options.recording = folder / "run.json";
         options.saves = folder.Path();
     }
-    [[nodiscard]] json Recorded() const { return json::parse(ReadText(options.recording)); }
+    [[nodiscard]] json Recorded() const { return json::parse(WholeSessionText(ReadText(options.recording))); }
 
     TemporaryFolder folder;
     WorkspaceOptions options;
@@ -340,6 +342,33 @@ TEST_CASE("The recording is a whole session at any time, and is refused where it
     place.options.recording = place.folder / "nowhere/run.json";
     const std::string refusal = Thrown([&] { const Workspace workspace(place.folder / "grey.png", place.options); });
     CHECK_NE(refusal.find("nowhere/run.json: cannot be written"), std::string::npos);
+}
+
+TEST_CASE("A recording grows by what happens, and an idle hour writes nothing") {
+    const Place place;
+    const auto size = [&] { return std::filesystem::file_size(place.options.recording); };
+    Workspace workspace(place.folder / "grey.png", place.options);
+    // Longer than between two writes, so that the next field writes what there is to write.
+    const auto write = [&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(450));
+        workspace.RunFields(1);
+    };
+    workspace.RunFields(10);
+    Draw(workspace, {40, 60, 280, 60});
+    for (int fields = 0; fields < 30; ++fields) workspace.RunFields(10);  // past the two seconds to settle
+    write();
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    const std::string settled = ReadText(place.options.recording);
+    workspace.Point(PointerKind::Move, 100, 100);  // nothing is pressed
+    for (int fields = 0; fields < 100; ++fields) workspace.RunFields(10);
+    write();
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    CHECK_EQ(size(), settled.size());
+    Draw(workspace, {40, 90, 280, 90});
+    write();
+    while (size() == settled.size()) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    CHECK_EQ(ReadText(place.options.recording).starts_with(settled), true);
+    CHECK_EQ(ReadSession(place.options.recording).events.size(), 20U);
 }
 
 TEST_CASE("Pictures are saved under names that are free") {
