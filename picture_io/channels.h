@@ -25,22 +25,4 @@ template <typename Word>
     return opaque ? Channels::RGB : Channels::RGBA;
 }
 
-// The words of these channels alone, pixel by pixel.
-template <typename Word>
-[[nodiscard]] std::vector<Word> PackedWords(const BasicPicture<Word>& picture, Channels channels) {
-    const bool isGrey = channels == Channels::Grey || channels == Channels::GreyAlpha;
-    const bool hasAlpha = channels == Channels::GreyAlpha || channels == Channels::RGBA;
-    std::vector<Word> packed;
-    packed.reserve(picture.rgba.size() / 4 * ((isGrey ? 1U : 3U) + (hasAlpha ? 1U : 0U)));
-    for (std::size_t i = 0; i < picture.rgba.size(); i += 4) {
-        packed.push_back(picture.rgba[i]);
-        if (!isGrey) {
-            packed.push_back(picture.rgba[i + 1]);
-            packed.push_back(picture.rgba[i + 2]);
-        }
-        if (hasAlpha) packed.push_back(picture.rgba[i + 3]);
-    }
-    return packed;
-}
-
 }  // namespace picture_io

@@ -18,6 +18,7 @@
 #include "picture_io/png16_codec.h"
 #include "picture_io/png_codec.h"
 #include "picture_io/png_info.h"
+#include "picture_io/png_writer.h"
 
 namespace picture_io {
 namespace {
@@ -49,9 +50,13 @@ Channels ChannelsFor(const AnyPicture& picture, const FormatRow& format, const W
 }
 
 Bytes EncodedPng(const AnyPicture& picture, const WriteOptions& options, Channels channels) {
-    Bytes png = std::holds_alternative<Picture>(picture) ? EncodePng(std::get<Picture>(picture), channels)
-                                                         : EncodePng16(std::get<Picture16>(picture), channels);
-    return WithPngInfo(std::move(png), options.info);
+    return std::visit(
+        [&]<typename Word>(const BasicPicture<Word>& any) {
+            PngWriter writer({any.width, any.height, channels, sizeof(Word) == 2}, options.info, options.compression);
+            writer.Write(any);
+            return writer.Finish();
+        },
+        picture);
 }
 
 bool IsHeif(const FormatRow& format) {

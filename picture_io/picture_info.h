@@ -30,6 +30,7 @@ struct PictureInfo {
 // How a picture file is written.
 struct WriteOptions {
     int quality = 95;           // of a JPEG, a WebP, an AVIF or a HEIC, 1 to 100
+    int compression = 4;        // of a PNG, 0 (none) to 9
     PictureInfo info{};         // goes into PNG, JPEG, AVIF and HEIC
     bool followsInfo = false;   // grey stays grey where the pixels are, and what was opaque and is gets no alpha
     bool halvesColour = false;  // a JPEG keeps one colour to 2 x 2 pixels; otherwise each pixel's

@@ -49,17 +49,6 @@ void TakeBytes(png_structp png, png_bytep target, std::size_t count) {
     source->left -= count;
 }
 
-void PutBytes(png_structp png, png_bytep bytes, std::size_t count) {
-    auto* target = static_cast<std::vector<std::uint8_t>*>(png_get_io_ptr(png));
-    bool grown = true;
-    try {
-        target->insert(target->end(), bytes, bytes + count);
-    } catch (...) {
-        grown = false;
-    }
-    if (!grown) png_error(png, "there is not enough memory");
-}
-
 struct Reader {
     Failure failure;
     Source source;
@@ -99,42 +88,12 @@ bool ReadRows(Reader& reader, png_bytepp rows) {
     return true;
 }
 
-struct Writer {
-    Failure failure;
-    std::vector<std::uint8_t> bytes;
-    png_structp png;
-    png_infop info;
-
-    Writer()
-        : png(png_create_write_struct(PNG_LIBPNG_VER_STRING, &failure, LeaveLibrary, IgnoreWarning)),
-          info(png != nullptr ? png_create_info_struct(png) : nullptr) {}
-    ~Writer() { png_destroy_write_struct(&png, &info); }
-    Writer(const Writer&) = delete;
-    Writer& operator=(const Writer&) = delete;
-    Writer(Writer&&) = delete;
-    Writer& operator=(Writer&&) = delete;
-};
-
-bool WriteRows(Writer& writer, png_uint_32 width, png_uint_32 height, int colourType, png_bytepp rows) {
-    if (setjmp(png_jmpbuf(writer.png)) != 0) return false;
-    png_set_write_fn(writer.png, &writer.bytes, PutBytes, nullptr);
-    png_set_IHDR(writer.png, writer.info, width, height, 16, colourType, PNG_INTERLACE_NONE,
-                 PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
-    png_set_sRGB(writer.png, writer.info, PNG_sRGB_INTENT_PERCEPTUAL);
-    png_write_info(writer.png, writer.info);
-    if (swapsBytes) png_set_swap(writer.png);
-    png_write_image(writer.png, rows);
-    png_write_end(writer.png, nullptr);
-    return true;
-}
-
-// The library only reads when it writes a file, whatever its type says.
-std::vector<png_bytep> RowsOf(const std::vector<std::uint16_t>& words, std::int32_t height) {
+std::vector<png_bytep> RowsOf(std::vector<std::uint16_t>& words, std::int32_t height) {
     std::vector<png_bytep> rows;
     rows.reserve(static_cast<std::size_t>(height));
     const std::size_t rowWords = words.size() / static_cast<std::size_t>(height);
     for (std::size_t at = 0; at < words.size(); at += rowWords)
-        rows.push_back(reinterpret_cast<png_bytep>(const_cast<std::uint16_t*>(words.data() + at)));
+        rows.push_back(reinterpret_cast<png_bytep>(words.data() + at));
     return rows;
 }
 
@@ -156,20 +115,6 @@ Picture16 DecodePng16(const std::vector<std::uint8_t>& bytes) {
     std::vector<png_bytep> rows = RowsOf(picture.rgba, picture.height);
     if (!ReadRows(reader, rows.data())) Refuse(reader.failure);
     return picture;
-}
-
-std::vector<std::uint8_t> EncodePng16(const Picture16& picture, Channels channels) {
-    constexpr std::array<int, 4> types{PNG_COLOR_TYPE_GRAY, PNG_COLOR_TYPE_GRAY_ALPHA, PNG_COLOR_TYPE_RGB,
-                                       PNG_COLOR_TYPE_RGB_ALPHA};
-    std::vector<std::uint16_t> packed;
-    if (channels != Channels::RGBA) packed = PackedWords(picture, channels);
-    Writer writer;
-    if (writer.info == nullptr) throw std::bad_alloc();
-    std::vector<png_bytep> rows = RowsOf(packed.empty() ? picture.rgba : packed, picture.height);
-    if (!WriteRows(writer, static_cast<png_uint_32>(picture.width), static_cast<png_uint_32>(picture.height),
-                   types[static_cast<std::size_t>(channels)], rows.data()))
-        Refuse(writer.failure);
-    return std::move(writer.bytes);
 }
 
 }  // namespace picture_io

@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <vector>
 
-#include "picture_io/channels.h"
 #include "picture_io/picture.h"
 
 namespace picture_io {
@@ -16,6 +15,5 @@ namespace picture_io {
 
 // Reads any PNG; what has fewer bits is spread over the words, 255 becoming 65535.
 [[nodiscard]] Picture16 DecodePng16(const std::vector<std::uint8_t>& bytes);
-[[nodiscard]] std::vector<std::uint8_t> EncodePng16(const Picture16& picture, Channels channels = Channels::RGBA);
 
 }  // namespace picture_io

@@ -3,9 +3,6 @@
 #include <png.h>
 
 #include <algorithm>
-#include <array>
-#include <cstdlib>
-#include <memory>
 #include <new>
 #include <string>
 #include <string_view>
@@ -48,25 +45,6 @@ Picture DecodePng(const std::vector<std::uint8_t>& bytes) {
                     static_cast<std::int32_t>(std::min(image.height, tooLarge)));
     if (png_image_finish_read(&image, nullptr, picture.rgba.data(), 0, nullptr) == 0) image.Refuse();
     return picture;
-}
-
-std::vector<std::uint8_t> EncodePng(const Picture& picture, Channels channels) {
-    constexpr std::array<png_uint_32, 4> formats{PNG_FORMAT_GRAY, PNG_FORMAT_GA, PNG_FORMAT_RGB, PNG_FORMAT_RGBA};
-    PngImage image;
-    image.width = static_cast<png_uint_32>(picture.width);
-    image.height = static_cast<png_uint_32>(picture.height);
-    image.format = formats[static_cast<std::size_t>(channels)];
-    std::vector<std::uint8_t> packed;
-    if (channels != Channels::RGBA) packed = PackedWords(picture, channels);
-    const std::uint8_t* const pixels = packed.empty() ? picture.rgba.data() : packed.data();
-    // The library does not say how long the file will be before it has packed it: it gets room for the worst, which is
-    // not touched where it is not needed.
-    std::size_t size = PNG_IMAGE_PNG_SIZE_MAX(image);
-    const std::unique_ptr<std::uint8_t, decltype(&std::free)> room(static_cast<std::uint8_t*>(std::malloc(size)),
-                                                                   std::free);
-    if (!room) throw std::bad_alloc();
-    if (png_image_write_to_memory(&image, room.get(), &size, 0, pixels, 0, nullptr) == 0) image.Refuse();
-    return {room.get(), room.get() + size};
 }
 
 }  // namespace picture_io

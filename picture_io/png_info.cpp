@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "cli/error.h"
+#include "picture_io/png_chunks.h"
 #include "picture_io/png_header.h"
 
 namespace picture_io {
@@ -27,10 +28,6 @@ std::uint32_t WordAt(View bytes, std::size_t place) {
     std::uint32_t word = 0;
     for (const std::uint8_t byte : bytes.subspan(place, 4)) word = word << 8U | byte;
     return word;
-}
-
-void AppendWord(Bytes& bytes, std::uint32_t word) {
-    for (const int shift : {24, 16, 8, 0}) bytes.push_back(static_cast<std::uint8_t>(word >> shift));
 }
 
 struct Chunk {
@@ -82,14 +79,6 @@ Bytes Deflated(View bytes) {
     return packed;
 }
 
-void AppendChunk(Bytes& bytes, std::string_view type, View data) {
-    AppendWord(bytes, static_cast<std::uint32_t>(data.size()));
-    const std::size_t start = bytes.size();
-    bytes.insert(bytes.end(), type.begin(), type.end());
-    bytes.insert(bytes.end(), data.begin(), data.end());
-    AppendWord(bytes, static_cast<std::uint32_t>(crc32_z(0, bytes.data() + start, bytes.size() - start)));
-}
-
 void AppendNamed(Bytes& data, std::string_view name, std::initializer_list<std::uint8_t> behind) {
     data.insert(data.end(), name.begin(), name.end());
     data.insert(data.end(), behind);
@@ -128,7 +117,9 @@ void TakeChunk(const Chunk& chunk, PictureInfo& info) {
     }
 }
 
-Bytes ChunksOf(const PictureInfo& info) {
+}  // namespace
+
+Bytes PngChunksOf(const PictureInfo& info) {
     Bytes chunks;
     if (!info.profile.empty()) {
         Bytes data;
@@ -161,8 +152,6 @@ Bytes ChunksOf(const PictureInfo& info) {
     return chunks;
 }
 
-}  // namespace
-
 PictureInfo ReadPngInfo(View png) {
     PictureInfo info;
     const auto header =
@@ -173,20 +162,6 @@ PictureInfo ReadPngInfo(View png) {
     info.hasAlpha = header->channels == 2 || header->channels == 4;
     VisitChunks(png, [&](const Chunk& chunk) { TakeChunk(chunk, info); });
     return info;
-}
-
-Bytes WithPngInfo(Bytes png, const PictureInfo& info) {
-    const Bytes added = ChunksOf(info);
-    if (added.empty() || png.size() < headerEnd) return png;
-    Bytes whole;
-    whole.reserve(png.size() + added.size());
-    whole.assign(png.begin(), png.begin() + headerEnd);
-    whole.insert(whole.end(), added.begin(), added.end());
-    VisitChunks(png, [&](const Chunk& chunk) {
-        const bool isReplaced = chunk.type == "sRGB" && !info.profile.empty();
-        if (chunk.type != "IHDR" && !isReplaced) whole.insert(whole.end(), chunk.whole.begin(), chunk.whole.end());
-    });
-    return whole;
 }
 
 }  // namespace picture_io
