@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include <jerror.h>
 #include <jpeglib.h>
@@ -81,29 +82,73 @@ bool ReadHeader(Reader& reader, const std::uint8_t* bytes, std::size_t size) {
     return true;
 }
 
-bool ReadRows(Reader& reader, std::uint8_t* rgba) {
+bool StartRows(Reader& reader) {
     if (setjmp(reader.failure.way) != 0) return false;
     reader.codec.out_color_space = JCS_EXT_RGBA;
     jpeg_start_decompress(&reader.codec);
-    while (reader.codec.output_scanline < reader.codec.output_height) {
-        JSAMPROW row = rgba + std::size_t{4} * reader.codec.output_width * reader.codec.output_scanline;
+    return true;
+}
+
+// Behind the last row the file must end.
+bool ReadRows(Reader& reader, std::uint8_t* rgba, JDIMENSION count) {
+    if (setjmp(reader.failure.way) != 0) return false;
+    const JDIMENSION first = reader.codec.output_scanline;
+    while (reader.codec.output_scanline < first + count) {
+        JSAMPROW row = rgba + std::size_t{4} * reader.codec.output_width * (reader.codec.output_scanline - first);
         jpeg_read_scanlines(&reader.codec, &row, 1);
     }
-    jpeg_finish_decompress(&reader.codec);
+    if (reader.codec.output_scanline == reader.codec.output_height) jpeg_finish_decompress(&reader.codec);
     return true;
+}
+
+// Where the library's bytes go: into a vector, through a buffer that it fills.
+struct Target {
+    jpeg_destination_mgr manager{};  // first, so that its address is the target's
+    std::array<JOCTET, 65536> buffer{};
+    Bytes bytes;
+};
+
+Target& TargetOf(j_compress_ptr codec) { return *reinterpret_cast<Target*>(codec->dest); }
+
+void BeginBuffer(j_compress_ptr codec) {
+    Target& target = TargetOf(codec);
+    target.manager.next_output_byte = target.buffer.data();
+    target.manager.free_in_buffer = target.buffer.size();
+}
+
+void TakeBuffer(j_compress_ptr codec, std::size_t size) {
+    Target& target = TargetOf(codec);
+    bool taken = true;
+    try {
+        target.bytes.insert(target.bytes.end(), target.buffer.data(), target.buffer.data() + size);
+    } catch (const std::bad_alloc&) {
+        taken = false;
+    }
+    if (!taken) ERREXIT1(codec, JERR_OUT_OF_MEMORY, 0);
+    BeginBuffer(codec);
+}
+
+boolean TakeFullBuffer(j_compress_ptr codec) {
+    TakeBuffer(codec, TargetOf(codec).buffer.size());
+    return TRUE;
+}
+
+void TakeLastBuffer(j_compress_ptr codec) {
+    TakeBuffer(codec, TargetOf(codec).buffer.size() - TargetOf(codec).manager.free_in_buffer);
 }
 
 struct Writer {
     jpeg_compress_struct codec{};
     Failure failure{};
-    unsigned char* bytes = nullptr;  // the library's, by malloc
-    unsigned long size = 0;
+    Target target;
 
-    Writer() { codec.err = Prepare(failure); }
-    ~Writer() {
-        jpeg_destroy_compress(&codec);
-        std::free(bytes);
+    Writer() {
+        codec.err = Prepare(failure);
+        target.manager.init_destination = BeginBuffer;
+        target.manager.empty_output_buffer = TakeFullBuffer;
+        target.manager.term_destination = TakeLastBuffer;
     }
+    ~Writer() { jpeg_destroy_compress(&codec); }
     Writer(const Writer&) = delete;
     Writer& operator=(const Writer&) = delete;
     Writer(Writer&&) = delete;
@@ -133,21 +178,20 @@ struct Markers {
     const Bytes* profile = nullptr;
 };
 
-bool WriteRows(Writer& writer, const Picture& picture, const WriteOptions& options, const Markers& markers,
-               std::uint8_t* greyRow) {
+bool StartFile(Writer& writer, std::int32_t width, std::int32_t height, const WriteOptions& options,
+               const Markers& markers, bool isGrey) {
     if (setjmp(writer.failure.way) != 0) return false;
     jpeg_compress_struct& codec = writer.codec;
     jpeg_create_compress(&codec);
-    jpeg_mem_dest(&codec, &writer.bytes, &writer.size);
-    codec.image_width = static_cast<JDIMENSION>(picture.width);
-    codec.image_height = static_cast<JDIMENSION>(picture.height);
-    codec.input_components = greyRow != nullptr ? 1 : 4;
-    codec.in_color_space = greyRow != nullptr ? JCS_GRAYSCALE : JCS_EXT_RGBX;
+    codec.dest = &writer.target.manager;
+    codec.image_width = static_cast<JDIMENSION>(width);
+    codec.image_height = static_cast<JDIMENSION>(height);
+    codec.input_components = isGrey ? 1 : 4;
+    codec.in_color_space = isGrey ? JCS_GRAYSCALE : JCS_EXT_RGBX;
     jpeg_set_defaults(&codec);
     jpeg_set_quality(&codec, options.quality, TRUE);
     // Strokes are thin: where nobody says otherwise they keep all their colour.
-    if (greyRow != nullptr || !options.halvesColour)
-        codec.comp_info[0].h_samp_factor = codec.comp_info[0].v_samp_factor = 1;
+    if (isGrey || !options.halvesColour) codec.comp_info[0].h_samp_factor = codec.comp_info[0].v_samp_factor = 1;
     PutResolution(codec, options.info.resolution);
     jpeg_start_compress(&codec, TRUE);
     PutMarker(codec, exifMarker, markers.exif);
@@ -155,17 +199,27 @@ bool WriteRows(Writer& writer, const Picture& picture, const WriteOptions& optio
     if (markers.profile != nullptr)
         jpeg_write_icc_profile(&codec, markers.profile->data(), static_cast<unsigned>(markers.profile->size()));
     for (std::size_t i = 0; i < markers.comments.size(); ++i) PutMarker(codec, JPEG_COM, markers.comments[i]);
-    while (codec.next_scanline < codec.image_height) {
+    return true;
+}
+
+bool WriteRows(Writer& writer, const Picture& rows, std::uint8_t* greyRow) {
+    if (setjmp(writer.failure.way) != 0) return false;
+    const auto width = static_cast<std::size_t>(rows.width);
+    for (std::size_t y = 0; y < static_cast<std::size_t>(rows.height); ++y) {
         // The library only reads from the row, whatever its type says.
-        auto* row =
-            const_cast<JSAMPROW>(picture.rgba.data() + std::size_t{4} * codec.image_width * codec.next_scanline);
+        auto* row = const_cast<JSAMPROW>(rows.rgba.data() + 4 * width * y);
         if (greyRow != nullptr) {
-            for (std::size_t x = 0; x < codec.image_width; ++x) greyRow[x] = row[4 * x];
+            for (std::size_t x = 0; x < width; ++x) greyRow[x] = row[4 * x];
             row = greyRow;
         }
-        jpeg_write_scanlines(&codec, &row, 1);
+        jpeg_write_scanlines(&writer.codec, &row, 1);
     }
-    jpeg_finish_compress(&codec);
+    return true;
+}
+
+bool FinishFile(Writer& writer) {
+    if (setjmp(writer.failure.way) != 0) return false;
+    jpeg_finish_compress(&writer.codec);
     return true;
 }
 
@@ -229,23 +283,53 @@ Markers MarkersOf(const PictureInfo& info) {
 
 }  // namespace
 
-Picture DecodeJpeg(const Bytes& bytes, PictureInfo& info) {
+struct JpegReader::State {
     Reader reader;
+    PictureInfo info;
+};
+
+JpegReader::JpegReader(const Bytes& bytes) : m_state(std::make_unique<State>()) {
+    Reader& reader = m_state->reader;
     if (!ReadHeader(reader, bytes.data(), bytes.size())) Refuse(reader.failure);
     if (reader.codec.num_components == 4) throw cli::Error("JPEG: CMYK is not read; convert the picture to RGB first");
-    TakeInfo(reader, info);
-    Picture picture(static_cast<std::int32_t>(reader.codec.image_width),
-                    static_cast<std::int32_t>(reader.codec.image_height));
-    if (!ReadRows(reader, picture.rgba.data())) Refuse(reader.failure);
-    return picture;
+    TakeInfo(reader, m_state->info);
+    RequireSides(Width(), Height());
+    if (!StartRows(reader)) Refuse(reader.failure);
+}
+JpegReader::~JpegReader() = default;
+
+std::int32_t JpegReader::Width() const { return static_cast<std::int32_t>(m_state->reader.codec.image_width); }
+std::int32_t JpegReader::Height() const { return static_cast<std::int32_t>(m_state->reader.codec.image_height); }
+const PictureInfo& JpegReader::Info() const { return m_state->info; }
+
+void JpegReader::Read(std::span<std::uint8_t> rgba) {
+    const std::size_t rowBytes = 4 * static_cast<std::size_t>(Width());
+    if (!ReadRows(m_state->reader, rgba.data(), static_cast<JDIMENSION>(rgba.size() / rowBytes)))
+        Refuse(m_state->reader.failure);
 }
 
-Bytes EncodeJpeg(const Picture& picture, const WriteOptions& options, bool isGrey) {
-    const Markers markers = MarkersOf(options.info);
-    Bytes greyRow(isGrey ? static_cast<std::size_t>(picture.width) : 0);
+struct JpegWriter::State {
+    Markers markers;
+    Bytes greyRow;
     Writer writer;
-    if (!WriteRows(writer, picture, options, markers, isGrey ? greyRow.data() : nullptr)) Refuse(writer.failure);
-    return {writer.bytes, writer.bytes + writer.size};
+};
+
+JpegWriter::JpegWriter(std::int32_t width, std::int32_t height, const WriteOptions& options, bool isGrey)
+    : m_state(std::make_unique<State>()) {
+    m_state->markers = MarkersOf(options.info);
+    m_state->greyRow.resize(isGrey ? static_cast<std::size_t>(width) : 0);
+    if (!StartFile(m_state->writer, width, height, options, m_state->markers, isGrey)) Refuse(m_state->writer.failure);
+}
+JpegWriter::~JpegWriter() = default;
+
+void JpegWriter::Write(const Picture& rows) {
+    Bytes& greyRow = m_state->greyRow;
+    if (!WriteRows(m_state->writer, rows, greyRow.empty() ? nullptr : greyRow.data())) Refuse(m_state->writer.failure);
+}
+
+Bytes JpegWriter::Finish() {
+    if (!FinishFile(m_state->writer)) Refuse(m_state->writer.failure);
+    return std::move(m_state->writer.target.bytes);
 }
 
 }  // namespace picture_io

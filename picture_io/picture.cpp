@@ -24,12 +24,16 @@ Bytes EncodedFor(const std::filesystem::path& file, const AnyPicture& picture) {
 
 }  // namespace
 
-template <typename Word>
-BasicPicture<Word>::BasicPicture(std::int32_t pictureWidth, std::int32_t pictureHeight)
-    : width(pictureWidth), height(pictureHeight) {
+void RequireSides(std::int32_t width, std::int32_t height) {
     if (std::min(width, height) < 1 || std::max(width, height) > largestPictureSide)
         throw cli::Error("a picture of " + std::to_string(width) + " x " + std::to_string(height) +
                          " pixels: sides of 1 to " + std::to_string(largestPictureSide) + " are possible");
+}
+
+template <typename Word>
+BasicPicture<Word>::BasicPicture(std::int32_t pictureWidth, std::int32_t pictureHeight)
+    : width(pictureWidth), height(pictureHeight) {
+    RequireSides(width, height);
     rgba.resize(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 4);
 }
 

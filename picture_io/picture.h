@@ -38,6 +38,8 @@ using Picture16 = BasicPicture<std::uint16_t>;
 using AnyPicture = std::variant<Picture, Picture16>;
 
 constexpr std::int32_t largestPictureSide = 16384;  // what the renderer takes as a texture
+// Throws Error for a side below 1 or above that.
+void RequireSides(std::int32_t width, std::int32_t height);
 
 // The same picture upside down: OpenGL counts rows from the bottom.
 [[nodiscard]] Picture Flipped(const Picture& picture);

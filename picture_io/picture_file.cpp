@@ -31,13 +31,18 @@ AnyPicture DecodedPng(const Bytes& bytes, Depths depths, PictureInfo& info) {
     return DecodePng(bytes);
 }
 
-// A profile is made for grey or for colours, and read wrongly for the other.
-bool FitsProfile(const Bytes& profile, bool isGrey) {
-    constexpr std::size_t space = 16;
-    constexpr std::string_view grey = "GRAY";
-    const bool isForGrey =
-        profile.size() >= space + grey.size() && std::equal(grey.begin(), grey.end(), profile.begin() + space);
-    return isForGrey == isGrey;
+Picture DecodedJpeg(const Bytes& bytes, PictureInfo& info) {
+    JpegReader reader(bytes);
+    info = reader.Info();
+    Picture picture(reader.Width(), reader.Height());
+    reader.Read(picture.rgba);
+    return picture;
+}
+
+Bytes EncodedJpeg(const Picture& picture, const WriteOptions& options, bool isGrey) {
+    JpegWriter writer(picture.width, picture.height, options, isGrey);
+    writer.Write(picture);
+    return writer.Finish();
 }
 
 Channels ChannelsFor(const AnyPicture& picture, const FormatRow& format, const WriteOptions& options) {
@@ -97,7 +102,7 @@ PictureFile DecodePictureFile(const Bytes& bytes, Depths depths) {
             file.picture = DecodedPng(bytes, depths, file.info);
             break;
         case PictureFormat::Jpeg:
-            file.picture = DecodeJpeg(bytes, file.info);
+            file.picture = DecodedJpeg(bytes, file.info);
             break;
         case PictureFormat::Gif:
             file.picture = DecodeGif(bytes, file.info);
@@ -124,16 +129,21 @@ PictureFile ReadNamed(const std::filesystem::path& file, Depths depths) {
 
 PictureFile ReadPictureFile(const std::filesystem::path& file) { return ReadNamed(file, Depths::Any); }
 
-PictureFile ReadPictureStream(std::size_t mostBytes,
-                              const std::function<void(std::span<const std::uint8_t> bytes)>& beforeDecoding) {
-    const Bytes bytes = cli::ReadStandardInput(mostBytes);
-    beforeDecoding(bytes);
-    return DecodedFrom(bytes, Depths::Any, "standard input");
+void RequireFitting(const FormatRow& format, bool hasWords) {
+    if (hasWords && !format.hasWords)
+        throw cli::Error(WithArticle(format) + " has 8 bits a channel; 16 bits need a name in .png");
+}
+
+bool FitsProfile(const Bytes& profile, bool isGrey) {
+    constexpr std::size_t space = 16;
+    constexpr std::string_view grey = "GRAY";
+    const bool isForGrey =
+        profile.size() >= space + grey.size() && std::equal(grey.begin(), grey.end(), profile.begin() + space);
+    return isForGrey == isGrey;
 }
 
 Bytes EncodePictureFile(const AnyPicture& picture, const FormatRow& format, const WriteOptions& options) {
-    if (!format.hasWords && std::holds_alternative<Picture16>(picture))
-        throw cli::Error(WithArticle(format) + " has 8 bits a channel; 16 bits need a name in .png");
+    RequireFitting(format, std::holds_alternative<Picture16>(picture));
     const Channels channels = ChannelsFor(picture, format, options);
     const bool isGrey = channels == Channels::Grey || channels == Channels::GreyAlpha;
     if (!format.hasColour && !isGrey)
@@ -145,7 +155,7 @@ Bytes EncodePictureFile(const AnyPicture& picture, const FormatRow& format, cons
         case PictureFormat::Png:
             return EncodedPng(picture, fitting, channels);
         case PictureFormat::Jpeg:
-            return EncodeJpeg(std::get<Picture>(picture), fitting, isGrey);
+            return EncodedJpeg(std::get<Picture>(picture), fitting, isGrey);
         case PictureFormat::Gif:
             return EncodeGif(std::get<Picture>(picture));
         case PictureFormat::Avif:

@@ -3,8 +3,6 @@
 #include <array>
 #include <cstdint>
 #include <filesystem>
-#include <functional>
-#include <span>
 #include <vector>
 
 #include "picture_io/picture.h"
@@ -22,15 +20,15 @@ struct PictureFile {
 // Reads a picture, whatever the file is called. Words stay words. Throws Error naming the file and the reason.
 [[nodiscard]] PictureFile ReadPictureFile(const std::filesystem::path& file);
 
-// Reads a picture from standard input. Throws Error likewise, also for more than `mostBytes`.
-//   beforeDecoding  is called with the file's bytes; what it throws comes out of here
-[[nodiscard]] PictureFile ReadPictureStream(
-    std::size_t mostBytes, const std::function<void(std::span<const std::uint8_t> bytes)>& beforeDecoding);
-
 // The bytes of a picture file. What the format cannot hold of the information is left out, alpha too. Throws Error with
 // the reason alone, also for a depth that the format has not.
 [[nodiscard]] std::vector<std::uint8_t> EncodePictureFile(const AnyPicture& picture, const FormatRow& format,
                                                           const WriteOptions& options);
+
+// Throws Error with the reason alone where the format has not the depth.
+void RequireFitting(const FormatRow& format, bool hasWords);
+// A profile is made for grey or for colours, and read wrongly for the other.
+[[nodiscard]] bool FitsProfile(const std::vector<std::uint8_t>& profile, bool isGrey);
 
 // True: some pixel is not opaque.
 [[nodiscard]] bool ShowsThrough(const AnyPicture& picture);

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <thread>
@@ -7,6 +8,7 @@
 
 #include "apps/chalkpane/commands/commands.h"
 #include "apps/chalkpane/commands/preset_options.h"
+#include "apps/chalkpane/filtering/file_filtering.h"
 #include "apps/chalkpane/filtering/filter_memory.h"
 #include "apps/chalkpane/filtering/picture_filtering.h"
 #include "apps/chalkpane/filtering/video_filtering.h"
@@ -124,13 +126,14 @@ void CheckMemory(const std::vector<FilePair>& pairs, const FilterOptions& option
     CheckFilterMemory(inputs, std::max(1U, std::thread::hardware_concurrency()), options);
 }
 
-void FilterOne(const FilePair& pair, const FilterOptions& options, std::size_t filterCount,
-               picture_io::OutputFiles& outputs) {
+void FilterOne(const FilePair& pair, const FilterOptions& options, picture_io::OutputFiles& outputs) {
     std::vector<std::uint8_t> bytes;
     {
-        cli::ProgressLine progress("filter", static_cast<std::int64_t>(filterCount));
-        progress.Show(0);
-        bytes = FilteredFile(pair.in, pair.out, options, [&progress](std::int32_t done) { progress.Show(done); });
+        std::optional<cli::ProgressLine> progress;  // which is wiped before anything else is told
+        bytes = FilteredFile(pair.in, pair.out, options, [&progress](std::int64_t done, std::int64_t all) {
+            if (!progress) progress.emplace("row", all);
+            progress->Show(done);
+        });
     }
     outputs.StageBytes(std::move(bytes), pair.out);
 }
@@ -153,7 +156,7 @@ void FilterMany(const std::vector<FilePair>& pairs, const FilterOptions& options
 void RunFilterCommand(const FilterLine& line) {
     const std::vector<FilePair> pairs = PairsOf(line);
     // What is wrong with them is told once, and first.
-    const std::size_t filterCount = FiltersOf(line.options, FrameRateClock(line.options.rate)).size();
+    (void)FiltersOf(line.options, FrameRateClock(line.options.rate));
     if (line.folder.empty() && IsVideoName(pairs[0].in)) {
         FilterVideoFile(pairs[0].in, pairs[0].out, line.options);
         return;
@@ -163,7 +166,7 @@ void RunFilterCommand(const FilterLine& line) {
     Announce(line, pairs, outputs);
     CheckMemory(pairs, line.options);
     if (line.folder.empty())
-        FilterOne(pairs[0], line.options, filterCount, outputs);
+        FilterOne(pairs[0], line.options, outputs);
     else
         FilterMany(pairs, line.options, outputs);
     StagePreset(line, outputs);

@@ -36,13 +36,16 @@ struct SavedPreset {
     bool overwrites = false;
 };
 
-// --quality, --background and --strip.
+// --quality, --compression, --background and --strip.
 inline void AddLookOptions(CLI::App& command, PictureLook& look) {
     command
         .add_option("--quality", look.quality,
                     "Of a JPEG, 1 to 100 (default: 95); of a WebP, AVIF or HEIC, 100 loses nothing")
         ->type_name("NUMBER")
         ->check(CLI::Range(1, 100));
+    command.add_option("--compression", look.compression, "Of a PNG, 0 (none, fastest) to 9 (default: 4)")
+        ->type_name("NUMBER")
+        ->check(CLI::Range(0, 9));
     command.add_option("--background", look.background, "What shows through in formats without alpha (default: white)")
         ->type_name("COLOR");
     command.add_flag("--strip", look.strips, "Leaves out color profile, EXIF, resolution and text of the input");

@@ -4,7 +4,6 @@
 #include <string>
 #include <utility>
 
-#include "apps/chalkpane/filtering/filter_memory.h"
 #include "apps/chalkpane/filtering/filter_run.h"
 #include "apps/chalkpane/filtering/filter_texts.h"
 #include "apps/chalkpane/filtering/picture_image.h"
@@ -40,11 +39,6 @@ Rect RegionFromText(const std::string& text, const Rect& picture) {
     return {numbers[0], fromBottom(numbers[3]), numbers[2], fromBottom(numbers[1])};
 }
 
-picture_io::PictureFile ReadInput(const std::filesystem::path& in, const FilterOptions& options) {
-    if (in != "-") return picture_io::ReadPictureFile(in);
-    return picture_io::ReadPictureStream(options.memory, [&](auto bytes) { CheckStreamMemory(bytes, options); });
-}
-
 std::unique_ptr<Image> ReadMask(const std::string& file, const Image& picture) {
     auto mask = MaskOf(picture_io::ReadAnyPicture(file), picture.depth);
     if (mask->Bounds() != picture.Bounds())
@@ -78,20 +72,6 @@ std::unique_ptr<Image> Filtered(std::unique_ptr<Image> source, std::span<const s
     const auto before = mask ? std::make_unique<Image>(*source) : nullptr;
     auto picture = RunFilters(filters, std::move(source), run, done);
     return mask ? MixByMask(*before, *picture, *mask) : std::move(picture);
-}
-
-std::vector<std::uint8_t> FilteredFile(const std::filesystem::path& in, const std::filesystem::path& out,
-                                       const FilterOptions& options, const std::function<void(std::int32_t)>& done) {
-    FrameRateClock clock(options.rate);
-    clock.StandAt(options.frame);
-    auto filters = FiltersOf(options, clock);
-    std::erase_if(filters, [](const auto& filter) { return !filter->m_active; });
-    auto file = ReadInput(in, options);
-    auto source = ImageOf(file.picture, DepthOf(options), AlphaForm::Straight);
-    file.picture = {};  // the image has it all
-    RequireDepth(out, source->depth);
-    return EncodeImage(Filtered(std::move(source), filters, options, options.frame, done), out, options.look,
-                       &file.info);
 }
 
 }  // namespace chalkpane::app

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -25,10 +24,5 @@ namespace chalkpane::app {
                                               std::span<const std::unique_ptr<Filter>> filters,
                                               const FilterOptions& options, std::int32_t frame,
                                               const std::function<void(std::int32_t)>& done = {});
-
-// A whole picture file through fresh filters: the bytes of the file to be named `out`.
-[[nodiscard]] std::vector<std::uint8_t> FilteredFile(const std::filesystem::path& in, const std::filesystem::path& out,
-                                                     const FilterOptions& options,
-                                                     const std::function<void(std::int32_t)>& done = {});
 
 }  // namespace chalkpane::app

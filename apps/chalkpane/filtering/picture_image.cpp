@@ -32,12 +32,13 @@ std::uint16_t WordOf(std::uint16_t channel) { return WordOf14(channel); }
 constexpr std::array<std::size_t, 4> fileOrder{2, 1, 0, 3};  // red, green, blue, alpha among an image's channels
 
 template <typename F, typename Word>
-void FillFromPicture(Image& image, const BasicPicture<Word>& picture) {
+void FillFromPicture(Image& image, const BasicPicture<Word>& picture, std::int32_t topY) {
     const auto* word = picture.rgba.data();
-    for (std::int32_t y = image.y1; y >= image.y0; --y) {
+    for (std::int32_t y = topY; y > topY - picture.height; --y) {
         const auto row = RowOf<F>(image, y);
         for (std::size_t i = 0; i < row.size(); i += 4)
-            for (const std::size_t channel : fileOrder) row[i + channel] = ChannelOf<F>(*word++);
+            for (std::size_t c = 0; c < 4; ++c) row[i + c] = ChannelOf<F>(word[i + fileOrder[c]]);
+        word += row.size();
     }
 }
 
@@ -48,7 +49,8 @@ auto ToPicture(const Image& image) {
     for (std::int32_t y = image.y1; y >= image.y0; --y) {
         const auto row = RowOf<F>(image, y);
         for (std::size_t i = 0; i < row.size(); i += 4)
-            for (const std::size_t channel : fileOrder) *word++ = WordOf(row[i + channel]);
+            for (std::size_t c = 0; c < 4; ++c) word[i + c] = WordOf(row[i + fileOrder[c]]);
+        word += row.size();
     }
     return picture;
 }
@@ -83,7 +85,7 @@ std::unique_ptr<Image> ImageOf(const AnyPicture& picture, std::optional<std::int
         [imageDepth](const auto& file) {
             auto made =
                 std::make_unique<Image>(file.width, file.height, Image::colourType, imageDepth, std::uint8_t{0});
-            AtDepth(imageDepth, [&]<typename F>(F) { FillFromPicture<F>(*made, file); });
+            AtDepth(imageDepth, [&]<typename F>(F) { FillFromPicture<F>(*made, file, made->y1); });
             return made;
         },
         picture);
@@ -93,6 +95,12 @@ std::unique_ptr<Image> ImageOf(const AnyPicture& picture, std::optional<std::int
 
 std::unique_ptr<Image> ReadImage(const std::filesystem::path& file, std::optional<std::int32_t> depth, AlphaForm form) {
     return ImageOf(picture_io::ReadAnyPicture(file), depth, form);
+}
+
+void FillRows(Image& image, const AnyPicture& rows, std::int32_t topY) {
+    std::visit(
+        [&](const auto& any) { AtDepth(image.depth, [&]<typename F>(F) { FillFromPicture<F>(image, any, topY); }); },
+        rows);
 }
 
 AnyPicture PictureOf(const Image& image) {

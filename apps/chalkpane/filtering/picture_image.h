@@ -27,6 +27,9 @@ namespace chalkpane::app {
 // depth: none is the picture's own, 8 bits or, for words, 14
 [[nodiscard]] std::unique_ptr<Image> ImageOf(const picture_io::AnyPicture& picture, std::optional<std::int32_t> depth,
                                              AlphaForm form);
+// Puts rows of a picture as wide as the image into it, the first one into row topY, straight alpha and all.
+void FillRows(Image& image, const picture_io::AnyPicture& rows, std::int32_t topY);
+
 // Reads a picture file; "-" is standard input. Throws cli::Error naming the file and the reason.
 [[nodiscard]] std::unique_ptr<Image> ReadImage(const std::filesystem::path& file, std::optional<std::int32_t> depth,
                                                AlphaForm form);

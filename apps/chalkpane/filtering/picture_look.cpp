@@ -15,13 +15,6 @@ namespace {
 using picture_io::FormatRow;
 using picture_io::PictureFormat;
 
-const FormatRow& FormatFor(const std::filesystem::path& file) {
-    if (file == "-") return RowOf(PictureFormat::Png);
-    const FormatRow* const format = picture_io::FormatOfName(file);
-    if (format == nullptr) throw cli::Error(file.string(), {}, picture_io::EndingsRule());
-    return *format;
-}
-
 std::array<std::uint8_t, 3> BackgroundOf(const PictureLook& look) {
     if (look.background.empty()) return {255, 255, 255};
     try {
@@ -34,35 +27,50 @@ std::array<std::uint8_t, 3> BackgroundOf(const PictureLook& look) {
 
 }  // namespace
 
+const FormatRow& FormatFor(const std::filesystem::path& file) {
+    if (file == "-") return RowOf(PictureFormat::Png);
+    const FormatRow* const format = picture_io::FormatOfName(file);
+    if (format == nullptr) throw cli::Error(file.string(), {}, picture_io::EndingsRule());
+    return *format;
+}
+
 void RequireDepth(const std::filesystem::path& file, std::int32_t depth) {
     const FormatRow& format = FormatFor(file);
     if (depth != 0 && !format.hasWords)
         throw cli::Error(file.string(), {}, WithArticle(format) + " has 8 bits a channel; 16 bits need a name in .png");
 }
 
-LookedAfter LookAfter(picture_io::AnyPicture picture, const std::filesystem::path& file, const PictureLook& look,
-                      const picture_io::PictureInfo* info) {
-    const FormatRow& format = FormatFor(file);
-    const auto background = BackgroundOf(look);
-    LookedAfter result{std::move(picture), {}};
-    if (look.quality != 0) result.options.quality = look.quality;
-    if (info != nullptr) {
-        result.options.followsInfo = true;
-        result.options.halvesColour = info->halvesColour;
-        result.options.info.isGrey = info->isGrey;
-        result.options.info.hasAlpha = info->hasAlpha;
-        if (!look.strips) result.options.info = *info;
-    }
-    const bool isLaid =
-        !format.hasAlpha && (format.hasClear ? ShowsInPart(result.picture) : ShowsThrough(result.picture));
-    if (isLaid) {
-        const auto clear = format.hasClear ? picture_io::ClearPixels::Kept : picture_io::ClearPixels::Covered;
-        result.picture = OverColour(std::move(result.picture), background, clear);
-        std::fprintf(stderr, "chalkpane: %s: %s has no alpha%s; the picture is laid on %s\n", file.c_str(),
-                     WithArticle(format).c_str(), format.hasClear ? " but full and none" : "",
-                     look.background.empty() ? "white" : look.background.c_str());
-    }
-    return result;
+picture_io::WriteOptions OptionsFor(const PictureLook& look, const picture_io::PictureInfo* info) {
+    picture_io::WriteOptions options;
+    if (look.quality != 0) options.quality = look.quality;
+    if (look.compression >= 0) options.compression = look.compression;
+    if (info == nullptr) return options;
+    options.followsInfo = true;
+    options.halvesColour = info->halvesColour;
+    options.info.isGrey = info->isGrey;
+    options.info.hasAlpha = info->hasAlpha;
+    if (!look.strips) options.info = *info;
+    return options;
+}
+
+Background::Background(std::filesystem::path file, const PictureLook& look)
+    : m_file(std::move(file)),
+      m_format(FormatFor(m_file)),
+      m_name(look.background.empty() ? "white" : look.background),
+      m_colour(BackgroundOf(look)) {}
+
+picture_io::AnyPicture Background::Behind(picture_io::AnyPicture picture) {
+    const bool showsThrough = !m_format.hasAlpha && (m_format.hasClear ? ShowsInPart(picture) : ShowsThrough(picture));
+    if (!showsThrough) return picture;
+    m_isSeen = true;
+    return OverColour(std::move(picture), m_colour,
+                      m_format.hasClear ? picture_io::ClearPixels::Kept : picture_io::ClearPixels::Covered);
+}
+
+void Background::Tell() const {
+    if (!m_isSeen) return;
+    std::fprintf(stderr, "chalkpane: %s: %s has no alpha%s; the picture is laid on %s\n", m_file.c_str(),
+                 WithArticle(m_format).c_str(), m_format.hasClear ? " but full and none" : "", m_name.c_str());
 }
 
 std::vector<std::uint8_t> EncodeImage(std::unique_ptr<Image> image, const std::filesystem::path& file,
@@ -71,9 +79,11 @@ std::vector<std::uint8_t> EncodeImage(std::unique_ptr<Image> image, const std::f
     SetAlphaForm(*image, AlphaForm::Straight);
     auto picture = PictureOf(*image);
     image.reset();
-    const LookedAfter ready = LookAfter(std::move(picture), file, look, info);
+    Background background(file, look);
+    picture = background.Behind(std::move(picture));
+    background.Tell();
     try {
-        return picture_io::EncodePictureFile(ready.picture, FormatFor(file), ready.options);
+        return picture_io::EncodePictureFile(picture, FormatFor(file), OptionsFor(look, info));
     } catch (const cli::Error& error) {
         throw cli::Error(file.string(), {}, error.what());
     }

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <array>
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "chalkpane/image/image.h"
 #include "picture_io/output_files.h"
@@ -13,6 +16,7 @@ namespace chalkpane::app {
 // How pictures are written, as the command line says.
 struct PictureLook {
     int quality = 0;         // 1 to 100; 0: the usual
+    int compression = -1;    // of a PNG, 0 to 9; -1: the usual
     bool strips = false;     // leaves out what the input's file said besides its pixels
     std::string background;  // a colour; empty: white
 };
@@ -20,15 +24,30 @@ struct PictureLook {
 // Throws cli::Error when a picture of an image of this depth cannot be written under the name.
 void RequireDepth(const std::filesystem::path& file, std::int32_t depth);
 
-// A picture ready for a file of this name, and how it is written there. Where the format has no alpha and the picture
-// shows through, it is laid on the background, and a line on standard error says so. `info` is what the input said.
-// Throws cli::Error for a name that is no picture's and for a background that is no colour.
-struct LookedAfter {
-    picture_io::AnyPicture picture;
-    picture_io::WriteOptions options;
+// Those of the format that a name asks for; "-" is a PNG. Throws cli::Error for a name that is no picture's.
+[[nodiscard]] const picture_io::FormatRow& FormatFor(const std::filesystem::path& file);
+
+// How a picture is written. `info` is what the input said; null: there was none.
+[[nodiscard]] picture_io::WriteOptions OptionsFor(const PictureLook& look, const picture_io::PictureInfo* info);
+
+// Pictures on their way into a file whose format has no alpha: where they show through they are laid on a background.
+class Background {
+public:
+    // Throws cli::Error for a name that is no picture's and for a background that is no colour.
+    Background(std::filesystem::path file, const PictureLook& look);
+
+    // A whole picture, or rows of one.
+    [[nodiscard]] picture_io::AnyPicture Behind(picture_io::AnyPicture picture);
+    // A line on standard error where any picture was laid on it.
+    void Tell() const;
+
+private:
+    std::filesystem::path m_file;
+    const picture_io::FormatRow& m_format;
+    std::string m_name;
+    std::array<std::uint8_t, 3> m_colour;
+    bool m_isSeen = false;
 };
-[[nodiscard]] LookedAfter LookAfter(picture_io::AnyPicture picture, const std::filesystem::path& file,
-                                    const PictureLook& look, const picture_io::PictureInfo* info);
 
 // The bytes of a picture file from an image, which is gone then. Throws std::bad_alloc when the engine has left
 // anything out for lack of memory, and cli::Error naming the file.

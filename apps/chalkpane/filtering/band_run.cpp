@@ -1,0 +1,78 @@
+#include "apps/chalkpane/filtering/band_run.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+#include "apps/chalkpane/filtering/picture_image.h"
+#include "apps/chalkpane/filtering/rows_ahead.h"
+
+namespace chalkpane::app {
+namespace {
+
+// Filters that make a row of the rows around it alone, by their names: those that look at one pixel, and those that say
+// themselves what must be there for a region.
+constexpr std::array<std::string_view, 19> bandNames{
+    "Softener",         "Smart Blur",    "Median Filter",      "Erode/Dilate",    "Edge Detect",
+    "AddSubtractCC",    "BlackAndWhite", "BrightnessContrast", "ChromaCorrect",   "ColourDodge",
+    "ComponentCorrect", "HueRotate",     "InvertColor",        "Luma Graph",      "Remove Red-eye",
+    "RGBChannelMixer",  "TintFilter",    "Solarize Effect",    "Posterize Effect"};
+
+constexpr std::int32_t mostRowsAround = 256;  // more, and the rows made twice cost more than the bands save
+
+std::int32_t BandRows(std::int32_t width, std::int32_t rowsAround) {
+    constexpr std::int32_t bandPixels = 1 << 17;
+    return std::max({1, bandPixels / width, 4 * rowsAround});
+}
+
+// The rows from `topY` down that are wanted still, with those that were read put below them.
+std::unique_ptr<Image> WithRowsBelow(const Image* kept, const picture_io::AnyPicture& rows, std::int32_t topY,
+                                     std::int32_t firstY, std::int32_t width, std::int32_t depth) {
+    const std::int32_t count = std::visit([](const auto& any) { return any.height; }, rows);
+    auto image = std::make_unique<Image>(Rect(0, firstY - count + 1, width - 1, topY), Image::colourType, depth,
+                                         std::uint8_t{0});
+    if (kept != nullptr) image->CopyRegion(*kept, Rect(0, firstY + 1, width - 1, topY));
+    FillRows(*image, rows, firstY);
+    return image;
+}
+
+}  // namespace
+
+std::optional<std::int32_t> RowsAround(std::span<const std::unique_ptr<Filter>> filters) {
+    std::int32_t rows = 0;
+    for (const auto& filter : filters) {
+        if (std::ranges::find(bandNames, filter->Name()) == bandNames.end()) return std::nullopt;
+        const Rect pixel(0, 0, 0, 0);
+        const Rect needed = filter->InputRegion(pixel, pixel);
+        rows += std::max({0, -needed.y0, needed.y1});
+        if (rows > mostRowsAround) return std::nullopt;
+    }
+    return rows;
+}
+
+bool RunByBands(picture_io::RowReader& reader, std::span<const std::unique_ptr<Filter>> filters, const FilterRun& run,
+                std::int32_t depth, std::int32_t rowsAround, const TakeBand& take) {
+    const std::int32_t width = reader.Width();
+    const std::int32_t bandRows = BandRows(width, rowsAround);
+    const std::int32_t highest = reader.Height() - 1;
+    std::int32_t unread = highest;  // the first row that is not in the window
+    std::unique_ptr<Image> window;
+    RowsAhead ahead(reader, bandRows);
+    for (std::int32_t top = highest; top >= 0; top -= bandRows) {
+        const Rect band(0, std::max(0, top - bandRows + 1), width - 1, top);
+        const std::int32_t first = std::min(highest, band.y1 + rowsAround);
+        while (unread >= std::max(0, band.y0 - rowsAround)) {
+            window = WithRowsBelow(window.get(), ahead.Take(), first, unread, width, depth);
+            unread = window->y0 - 1;
+        }
+        const auto input = window->Convert(Rect(0, window->y0, width - 1, first), depth);
+        const auto made = RunFilters(filters, *input, run);
+        RequireNoLoss();
+        const auto cut = made->Convert(band, depth);
+        SetAlphaForm(*cut, AlphaForm::Straight);
+        if (!take(*cut)) return false;
+    }
+    return true;
+}
+
+}  // namespace chalkpane::app
