@@ -10,13 +10,21 @@
 namespace chalkpane::app {
 namespace {
 
-// Filters that make a row of the rows around it alone, by their names: those that look at one pixel, and those that say
-// themselves what must be there for a region.
-constexpr std::array<std::string_view, 19> bandNames{
-    "Softener",         "Smart Blur",    "Median Filter",      "Erode/Dilate",    "Edge Detect",
-    "AddSubtractCC",    "BlackAndWhite", "BrightnessContrast", "ChromaCorrect",   "ColourDodge",
-    "ComponentCorrect", "HueRotate",     "InvertColor",        "Luma Graph",      "Remove Red-eye",
-    "RGBChannelMixer",  "TintFilter",    "Solarize Effect",    "Posterize Effect"};
+// Filters that make a row of the rows around it alone, by their names, and how many rows beyond those that they say
+// themselves must be there for a region.
+struct BandFilter {
+    std::string_view name;
+    std::int32_t more = 0;
+};
+constexpr std::array bandFilters{
+    BandFilter{"Softener"},         BandFilter{"Smart Blur"},          BandFilter{"Median Filter"},
+    BandFilter{"Erode/Dilate"},     BandFilter{"Edge Detect"},         BandFilter{"AddSubtractCC"},
+    BandFilter{"BlackAndWhite"},    BandFilter{"BrightnessContrast"},  BandFilter{"ChromaCorrect"},
+    BandFilter{"ColourDodge"},      BandFilter{"ComponentCorrect"},    BandFilter{"HueRotate"},
+    BandFilter{"InvertColor"},      BandFilter{"Luma Graph"},          BandFilter{"Remove Red-eye"},
+    BandFilter{"RGBChannelMixer"},  BandFilter{"TintFilter"},          BandFilter{"Solarize Effect"},
+    BandFilter{"Posterize Effect"}, BandFilter{"Oil Effect", 5},       BandFilter{"Emboss Effect", 1},
+    BandFilter{"Halftone"},         BandFilter{"Pixellate Effect", 10}};
 
 constexpr std::int32_t mostRowsAround = 256;  // more, and the rows made twice cost more than the bands save
 
@@ -41,10 +49,11 @@ std::unique_ptr<Image> WithRowsBelow(const Image* kept, const picture_io::AnyPic
 std::optional<std::int32_t> RowsAround(std::span<const std::unique_ptr<Filter>> filters) {
     std::int32_t rows = 0;
     for (const auto& filter : filters) {
-        if (std::ranges::find(bandNames, filter->Name()) == bandNames.end()) return std::nullopt;
+        const auto* const found = std::ranges::find(bandFilters, filter->Name(), &BandFilter::name);
+        if (found == bandFilters.end()) return std::nullopt;
         const Rect pixel(0, 0, 0, 0);
         const Rect needed = filter->InputRegion(pixel, pixel);
-        rows += std::max({0, -needed.y0, needed.y1});
+        rows += std::max({0, -needed.y0, needed.y1}) + found->more;
         if (rows > mostRowsAround) return std::nullopt;
     }
     return rows;

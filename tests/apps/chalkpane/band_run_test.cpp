@@ -79,6 +79,12 @@ TEST_CASE("Filters that run by bands make what they make of the whole picture, a
                          {"Tint:Tint Color=#ff8000:Tint Amount=0.7"},
                          {"Solarize:Amount=0.5"},
                          {"Posterize:Levels=5"},
+                         {"Oil:Radius=5:Levels=20"},
+                         {"Emboss:Bump Height=0.7:Mix With Image=0.4"},
+                         {"Halftone:Size=7:Shape=Circle:Color=yes"},
+                         {"Halftone:Size=12:Red/Black Angle=30"},
+                         {"Pixellate:Size=7"},
+                         {"Pixellate:Size=10"},
                          {"Invert Color", "Blur:Softness=3", "Median:Radius=2", "Solarize:Amount=0.3"}};
     for (const Texts& texts : all)
         for (const std::int32_t depth : {0, 1}) {
