@@ -84,23 +84,22 @@ void KeepOutside(const Rect& region, const Image& source, Image& picture) {
 // One pixel of the mix. With a and b the two alphas and m the mask of full scale f, alpha is (a (f - m) + b m) / f and
 // a colour the mean of both weighed by a (f - m) and b m, all rounded to the nearest.
 template <typename F>
-void MixPixel(std::span<const typename F::Channel, 4> before, std::span<const typename F::Channel, 4> after,
-              std::int64_t mask, std::span<typename F::Channel, 4> to) {
+void MixPixel(std::span<const typename F::Channel, 4> after, std::int64_t mask,
+              std::span<typename F::Channel, 4> before) {
     const std::int64_t weightBefore = before[3] * (F::fullScale - mask);
     const std::int64_t weightAfter = after[3] * mask;
     const std::int64_t weight = weightBefore + weightAfter;
     for (std::size_t c = 0; c < 3; ++c) {
         const std::int64_t sum = before[c] * weightBefore + after[c] * weightAfter + weight / 2;
-        to[c] = weight == 0 ? before[c] : static_cast<typename F::Channel>(sum / weight);
+        if (weight != 0) before[c] = static_cast<typename F::Channel>(sum / weight);
     }
-    to[3] = static_cast<typename F::Channel>((weight + F::fullScale / 2) / F::fullScale);
+    before[3] = static_cast<typename F::Channel>((weight + F::fullScale / 2) / F::fullScale);
 }
 
 template <typename F>
-void MixRow(const Image& before, const Image& after, const Image& mask, Image& mixed, std::int32_t y) {
+void MixRow(const Image& after, const Image& mask, Image& before, std::int32_t y) {
     const auto own = RowOf<F>(before, y);
     const auto coverage = RowOf<F>(mask, y);
-    const auto to = RowOf<F>(mixed, y);
     constexpr std::array<typename F::Channel, 4> nothing{};
     for (std::int32_t x = before.x0; x <= before.x1; ++x) {
         const auto i = static_cast<std::size_t>(x - before.x0);
@@ -109,7 +108,7 @@ void MixRow(const Image& before, const Image& after, const Image& mask, Image& m
             made = std::span<const typename F::Channel>(RowOf<F>(after, y))
                        .subspan(4 * static_cast<std::size_t>(x - after.x0))
                        .template first<4>();
-        MixPixel<F>(own.subspan(4 * i).template first<4>(), made, coverage[i], to.subspan(4 * i).template first<4>());
+        MixPixel<F>(made, coverage[i], own.subspan(4 * i).template first<4>());
     }
 }
 
@@ -153,12 +152,12 @@ std::unique_ptr<Image> RunFilters(std::span<const std::unique_ptr<Filter>> filte
     return picture;
 }
 
-std::unique_ptr<Image> MixByMask(const Image& before, const Image& after, const Image& mask) {
-    const auto from = InForm(before, AlphaForm::Straight);
+std::unique_ptr<Image> MixByMask(std::unique_ptr<Image> before, const Image& after, const Image& mask) {
+    auto mixed = InForm(*before, AlphaForm::Straight);
+    before.reset();
     const auto to = InForm(after, AlphaForm::Straight);
-    auto mixed = std::make_unique<Image>(Image::Colour(before.Bounds(), before.GetDepth(), AlphaForm::Straight));
-    for (std::int32_t y = before.y0; y <= before.y1; ++y)
-        AtDepth(before.depth, [&]<typename F>(F) { MixRow<F>(*from, *to, mask, *mixed, y); });
+    for (std::int32_t y = mixed->y0; y <= mixed->y1; ++y)
+        AtDepth(mixed->depth, [&]<typename F>(F) { MixRow<F>(*to, mask, *mixed, y); });
     return mixed;
 }
 

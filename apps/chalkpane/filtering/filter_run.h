@@ -50,7 +50,7 @@ void SettleLattice();
 
 // A picture with straight alpha and the bounds of `before`, which is `after` where the mask is full, `before` where it
 // is 0, and a mix in between, in proportion to alpha so that transparent pixels give no colour. All images are of one
-// depth; the mask has one channel and the bounds of `before`.
-[[nodiscard]] std::unique_ptr<Image> MixByMask(const Image& before, const Image& after, const Image& mask);
+// depth; the mask has one channel and the bounds of `before`, whose pixels are written where it is straight.
+[[nodiscard]] std::unique_ptr<Image> MixByMask(std::unique_ptr<Image> before, const Image& after, const Image& mask);
 
 }  // namespace chalkpane::app

@@ -7,10 +7,13 @@
 #include "apps/chalkpane/filtering/filter_run.h"
 #include "apps/chalkpane/filtering/filter_texts.h"
 #include "apps/chalkpane/filtering/picture_image.h"
+#include "apps/chalkpane/filtering/pixel_rows.h"
 #include "apps/chalkpane/presets/preset.h"
 #include "apps/chalkpane/values/value_parsing.h"
 #include "cli/error.h"
+#include "cli/file_bytes.h"
 #include "cli/nearest_name.h"
+#include "picture_io/row_reader.h"
 
 namespace chalkpane::app {
 namespace {
@@ -39,8 +42,25 @@ Rect RegionFromText(const std::string& text, const Rect& picture) {
     return {numbers[0], fromBottom(numbers[3]), numbers[2], fromBottom(numbers[1])};
 }
 
+// By rows, so that the picture of a mask is never there in all its channels as an image, too.
+std::unique_ptr<Image> ReadMaskRows(const std::string& file, std::int32_t depth) {
+    const auto bytes = cli::ReadFileBytes(file);
+    picture_io::RowReader reader(bytes, picture_io::Depths::Any, file);
+    auto mask = std::make_unique<Image>(Rect(0, 0, reader.Width() - 1, reader.Height() - 1), Image::maskType, depth,
+                                        std::uint8_t{0});
+    constexpr std::int32_t rowsAtOnce = 64;
+    for (std::int32_t top = mask->y1; top >= 0; top -= rowsAtOnce) {
+        const auto part = MaskOf(reader.Read(rowsAtOnce), depth);
+        for (std::int32_t row = 0; row < part->Height(); ++row)
+            AtDepth(depth, [&]<typename F>(F) {
+                std::ranges::copy(RowOf<F>(*part, part->y1 - row), RowOf<F>(*mask, top - row).begin());
+            });
+    }
+    return mask;
+}
+
 std::unique_ptr<Image> ReadMask(const std::string& file, const Image& picture) {
-    auto mask = MaskOf(picture_io::ReadAnyPicture(file), picture.depth);
+    auto mask = ReadMaskRows(file, picture.depth);
     if (mask->Bounds() != picture.Bounds())
         throw Error(file, {}, "is " + SizeText(*mask) + " pixels, but the picture is " + SizeText(picture));
     return mask;
@@ -69,9 +89,9 @@ std::unique_ptr<Image> Filtered(std::unique_ptr<Image> source, std::span<const s
     FilterRun run{.fast = options.fast, .expand = options.expand, .frame = frame};
     if (!options.region.empty()) run.region = RegionFromText(options.region, *source);
     const auto mask = options.mask.empty() ? nullptr : ReadMask(options.mask, *source);
-    const auto before = mask ? std::make_unique<Image>(*source) : nullptr;
+    auto before = mask ? std::make_unique<Image>(*source) : nullptr;
     auto picture = RunFilters(filters, std::move(source), run, done);
-    return mask ? MixByMask(*before, *picture, *mask) : std::move(picture);
+    return mask ? MixByMask(std::move(before), *picture, *mask) : std::move(picture);
 }
 
 }  // namespace chalkpane::app

@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <cstring>
+#include <utility>
 #include <vector>
 
 #include "chalkpane/base/multi_processor.h"
@@ -187,11 +188,13 @@ struct StripJob {
 
 template <typename F>
 std::unique_ptr<Image> Softened(const Image& source, const Rect& work, double softness, std::int32_t passes) {
-    const auto between = Image::Unwritten(Rect(work.x0, source.y0, work.x1, source.y1), source);
-    auto result = Image::Unwritten(work, source);
+    auto between = Image::Unwritten(Rect(work.x0, source.y0, work.x1, source.y1), source);
     StripJob<F>{source, *between, softness, passes}.RunRows();
-    StripJob<F>{*between, *result, softness, passes}.RunColumns();
-    return result;
+    // Columns are fetched before they are brought back, so where the rows stay the same no third picture is needed.
+    const bool staysInPlace = between->Bounds() == work;
+    auto result = staysInPlace ? nullptr : Image::Unwritten(work, source);
+    StripJob<F>{*between, staysInPlace ? *between : *result, softness, passes}.RunColumns();
+    return staysInPlace ? std::move(between) : std::move(result);
 }
 
 }  // namespace

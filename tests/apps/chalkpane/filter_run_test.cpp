@@ -175,7 +175,7 @@ TEST_CASE("A mask mixes by its coverage") {
     mask.Row8(0)[0] = 0;
     mask.Row8(0)[1] = 128;
     mask.Row8(0)[2] = 255;
-    const auto mixed = MixByMask(*before, *after, mask);
+    const auto mixed = MixByMask(before->Clone(), *after, mask);
     CHECK_EQ(mixed->GetPixel8(0, 0).red, 210);
     CHECK_EQ(mixed->GetPixel8(1, 0).red, 110);
     CHECK_EQ(mixed->GetPixel8(2, 0).red, 10);
@@ -188,7 +188,7 @@ TEST_CASE("A mask takes no colour from transparent pixels, nor from beyond the r
     Image mask(2, 1, Image::maskType, 0, 0);
     mask.Row8(0)[0] = 128;
     mask.Row8(0)[1] = 128;
-    const auto mixed = MixByMask(*before, *after, mask);
+    const auto mixed = MixByMask(before->Clone(), *after, mask);
     CHECK(mixed->GetPixel8(0, 0) == Pixel8{10, 10, 10, 128});
     CHECK_EQ(mixed->GetPixel8(1, 0).alpha, 0);
 }
@@ -201,7 +201,7 @@ TEST_CASE("A mask mixes at 14 bits") {
     after->Row14(0)[2] = 2000;
     Image mask(1, 1, Image::maskType, 1, 0);
     mask.Row14(0)[0] = 8192;
-    CHECK(MixByMask(*before, *after, mask)->GetPixel14(0, 0) == Pixel14{0, 0, 3000, 16383});
+    CHECK(MixByMask(before->Clone(), *after, mask)->GetPixel14(0, 0) == Pixel14{0, 0, 3000, 16383});
 }
 
 }  // namespace chalkpane::app
