@@ -3,6 +3,8 @@
 #if defined(__x86_64__)
 #include <immintrin.h>
 
+#include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace chalkpane {
@@ -36,12 +38,58 @@ constexpr std::array<double, 256> coverage = [] {
     _mm_storeu_si128(reinterpret_cast<__m128i*>(target), _mm_packus_epi16(low, high));
 }
 
+// At full opacity integers of 16 bits do: for each mask value there are weights w by which (w * d + 32768) >> 16 is
+// what the float factor leaves of every channel d. This is the least of them, in both halves of a word. Most of the
+// lower opacities have no such weights and stay with the factor.
+constexpr std::int32_t fullOpacity = EraseArithmetic<PixelFormat8>::opacityLimit;
+
+constexpr std::uint32_t FullWeight(std::int32_t m) {
+    const double f = EraseFactor<PixelFormat8>(m, fullOpacity);
+    std::int32_t least = 0;
+    for (std::int32_t d = 1; d < 256; ++d) {
+        const auto left = static_cast<std::int32_t>(f * d + 0.5);
+        least = std::max(least, (left * 65536 - 32768 + d - 1) / d);
+    }
+    return static_cast<std::uint32_t>(least) * 0x10001U;
+}
+constexpr std::array<std::uint32_t, 256> fullWeights = [] {
+    std::array<std::uint32_t, 256> weights{};
+    for (std::int32_t m = 0; m < 256; ++m) weights[static_cast<std::size_t>(m)] = FullWeight(m);
+    return weights;
+}();
+static_assert(fullWeights[0] == 65408 * 0x10001U, "65407 * 255 + 32768 is 127 short of 255 * 65536");
+static_assert(fullWeights[255] == 0);
+
+[[gnu::target("avx2")]] inline __m256i Weigh(__m256i channels, __m256i w) {
+    return _mm256_add_epi16(_mm256_mulhi_epu16(channels, w), _mm256_srli_epi16(_mm256_mullo_epi16(channels, w), 15));
+}
+
+[[gnu::target("avx2")]] inline void EraseEightFully(std::uint8_t* target, __m128i mask) {
+    const __m256i w = _mm256_i32gather_epi32(reinterpret_cast<const int*>(fullWeights.data()),
+                                             _mm256_cvtepu8_epi32(mask), sizeof(std::uint32_t));
+    auto* const pixels = reinterpret_cast<__m256i*>(target);
+    const __m256i d = _mm256_loadu_si256(pixels);
+    const __m256i even = Weigh(_mm256_and_si256(d, _mm256_set1_epi16(0xff)), w);
+    const __m256i odd = Weigh(_mm256_srli_epi16(d, 8), w);
+    _mm256_storeu_si256(pixels, _mm256_or_si256(even, _mm256_slli_epi16(odd, 8)));
+}
+
+[[gnu::target("avx2")]] std::ptrdiff_t EraseFully(std::uint8_t* target, const std::uint8_t* mask,
+                                                  std::ptrdiff_t count) {
+    std::ptrdiff_t x = 0;
+    for (; x + 8 <= count; x += 8) {
+        const __m128i m = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(mask + x));
+        if (_mm_testz_si128(m, m) == 0) EraseEightFully(target + 4 * x, m);
+    }
+    return x;
+}
+
 }  // namespace
 
 [[gnu::target("avx2")]] void EraseRow8Avx2(std::uint8_t* target, const std::uint8_t* mask, std::ptrdiff_t count,
                                            std::int32_t opacity) {
     const __m256d p = _mm256_set1_pd(opacity);
-    std::ptrdiff_t x = 0;
+    std::ptrdiff_t x = opacity == fullOpacity ? EraseFully(target, mask, count) : 0;
     for (; x + 4 <= count; x += 4) {
         std::uint32_t covered = 0;
         std::memcpy(&covered, mask + x, sizeof covered);
