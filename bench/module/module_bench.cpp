@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cmath>
 #include <cstring>
+#include <random>
 
 #include "tests/module/module_fixture.h"
 #include "tests/telestrator/stroke_shapes.h"
@@ -158,14 +159,19 @@ void FinishEllipseAtWidth(benchmark::State& state) {
 BENCHMARK(FinishEllipseAtWidth)->Arg(1)->Arg(2)->Arg(30)->Unit(benchmark::kMillisecond);
 
 // The slowest fields: a stroke whose stored points fill the buffer, nearly all of them far from the canvas.
-enum class FarStroke { Straight, ThereAndBack, AtEndOfRange, Jumps };
+enum class FarStroke { Straight, ThereAndBack, AtEndOfRange, Jumps, Scattered };
 
 Points FarPoints(FarStroke kind) {
     constexpr int room = canvasSize * canvasSize;
     Points points;
     points.reserve(room);
+    std::mt19937 random(1);
+    std::uniform_real_distribution<float> anywhere(-1e9F, 1e9F);
     for (int i = 0; i < room; ++i) {
         switch (kind) {
+            case FarStroke::Scattered:
+                points.emplace_back(anywhere(random), anywhere(random), 0);
+                break;
             case FarStroke::Straight:
                 points.emplace_back(500 + 5.0 * i, 500, 0);
                 break;
@@ -202,6 +208,30 @@ BENCHMARK_CAPTURE(FinishFar, straight, FarStroke::Straight)->UseManualTime()->Un
 BENCHMARK_CAPTURE(FinishFar, thereAndBack, FarStroke::ThereAndBack)->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(FinishFar, atEndOfRange, FarStroke::AtEndOfRange)->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(FinishFar, jumps, FarStroke::Jumps)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(FinishFar, scattered, FarStroke::Scattered)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+// The dearest motion within the limits of the settings: the widest brush on a long curve whose newest stretch is next
+// to nothing, so that nearly each of its 1001 steps has a dab. The eraser works on both surfaces.
+void HeaviestMove(benchmark::State& state, BrushType type) {
+    TelestratorSettings settings;
+    settings.brushWidth = 30;
+    settings.eraserWidth = 60;
+    Telestrator telestrator;
+    telestrator.Field(settings);
+    settings.brushType = type;
+    telestrator.ApplyBrushMode(settings);
+    for (auto _ : state) {
+        state.PauseTiming();
+        telestrator.Press(settings, {20, 20});
+        telestrator.Move(settings, {1000, 1000});
+        telestrator.Move(settings, {1010, 20});
+        state.ResumeTiming();
+        telestrator.Move(settings, {1010.003, 20});
+    }
+    if (!telestrator.dirtyRect.IsValid()) state.SkipWithError("nothing was painted");
+}
+BENCHMARK_CAPTURE(HeaviestMove, colour, BrushType::Colour)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(HeaviestMove, eraser, BrushType::Eraser)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace chalkpane

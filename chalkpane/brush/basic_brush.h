@@ -149,6 +149,10 @@ private:
     // Passes over a stretch of the path all of whose dabs miss. True: that was one, and the last dab is where it would
     // be; `painted` tells whether there was one.
     bool PassStretchOver(double squaredSpacing, double pressureFactor, bool& painted);
+    // Passes over the dabs from `step` on that surely miss, where the last of them is known whatever came before.
+    // Returns the step to go on with; before `tryAgainAt` there is nothing more to pass over.
+    std::int32_t PassMissesOver(std::int32_t step, double squaredSpacing, double pressureFactor, bool& painted,
+                                std::int32_t& tryAgainAt);
     void PlaceUnpaintedDab(const StrokePoint& place, double pressureFactor);
     double AngleAlongPath(const StrokePoint& place, bool repeat);
     // True: each dab is one colour through a mask, not rotated, onto the target, and nothing else.

@@ -58,6 +58,20 @@ bool BasicBrush::PassStretchOver(double squaredSpacing, double pressureFactor, b
     return true;
 }
 
+std::int32_t BasicBrush::PassMissesOver(std::int32_t step, double squaredSpacing, double pressureFactor, bool& painted,
+                                        std::int32_t& tryAgainAt) {
+    constexpr std::int32_t worthIt = 8;
+    const std::int32_t end =
+        history.FirstPerhapsInside(step, touching.minX, touching.minY, touching.maxX, touching.maxY);
+    tryAgainAt = std::max(end, step + worthIt);
+    if (end - step < worthIt) return step;
+    const std::int32_t last = history.SurelyBeyond(squaredSpacing, end);
+    if (last == SplineIterator::steps || last < step) return step;
+    PlaceUnpaintedDab(history.PointAt(last), pressureFactor);
+    painted = true;
+    return last + 1;
+}
+
 void BasicBrush::PlaceUnpaintedDab(const StrokePoint& place, double pressureFactor) {
     lastDabX = static_cast<float>(place.x);
     lastDabY = static_cast<float>(place.y);

@@ -91,8 +91,13 @@ Rect BasicBrush::StepAlongPath(const StrokePoint& sample, bool& painted) {
     MeasureTouchingArea();
     if (PassStretchOver(squaredSpacing, pressureFactor, painted)) return {};
     Rect changed;
-    for (std::int32_t step = NextCandidate(0, squaredSpacing); step < SplineIterator::steps;
-         step = NextCandidate(step + 1, squaredSpacing)) {
+    bool missed = true;  // the last dab, so the next ones may as well
+    std::int32_t tryAgainAt = 0;
+    for (std::int32_t step = 0; step < SplineIterator::steps; ++step) {
+        if (missed && step >= tryAgainAt)
+            step = PassMissesOver(step, squaredSpacing, pressureFactor, painted, tryAgainAt);
+        step = NextCandidate(step, squaredSpacing);
+        if (step >= SplineIterator::steps) break;
         const StrokePoint point = history.PointAt(step);
         const double dx = point.x - lastDabX;
         const double dy = point.y - lastDabY;
@@ -103,6 +108,7 @@ Rect BasicBrush::StepAlongPath(const StrokePoint& sample, bool& painted) {
         if (!beyond && !(firstDabPending && squaredDistance >= squaredStart)) continue;
         // KEEP: a path that outruns the spacing at once begins here; only a slow one begins at its first sample.
         if (beyond) firstDabPending = false;
+        missed = Misses(point);
         changed = changed.Union(PaintDab({point.x, point.y, point.pressure * pressureFactor}, false));
         painted = true;
     }

@@ -144,11 +144,11 @@ std::int32_t SplineIterator::FirstBeyond(const StepBounds& bounds, std::int32_t 
 
 // A step is found whatever came before when it lies further than twice the limit from the step before it: either that
 // one was found, and what is left behind is more than the limit, or it lies within the limit of what was found last.
-std::int32_t SplineIterator::SurelyBeyond(double squaredLimit) const {
+std::int32_t SplineIterator::SurelyBeyond(double squaredLimit, std::int32_t end) const {
     constexpr std::int32_t tried = 16;
     const double twice = 2.000001 * std::sqrt(squaredLimit) + 1e-5;
-    StrokePoint place = PointAt(steps - 1);
-    for (std::int32_t step = steps - 1; step > steps - 1 - tried; --step) {
+    StrokePoint place = PointAt(end - 1);
+    for (std::int32_t step = end - 1; step > std::max(end - 1 - tried, 0); --step) {
         const StrokePoint before = PointAt(step - 1);
         const auto squaredFrom = [&](double x, double y) {
             return (place.x - x) * (place.x - x) + (place.y - y) * (place.y - y);
@@ -175,6 +175,24 @@ std::int32_t SplineIterator::LastBeyond(float x, float y, double squaredLimit, s
     }
     budget -= tested;
     return last;
+}
+
+// From each point on as many steps as cannot cover the way that is left.
+std::int32_t SplineIterator::FirstPerhapsInside(std::int32_t step, double minX, double minY, double maxX,
+                                                double maxY) const {
+    const auto awayAt = [&](std::int32_t tested) {
+        const StrokePoint place = PointAt(tested);
+        return std::max({minX - place.x, place.x - maxX, minY - place.y, place.y - maxY});
+    };
+    if (!(awayAt(step) > 0.0)) return step;
+    const StepBounds bounds = StepBoundsOfSamples();
+    while (step < steps) {
+        const double away = awayAt(step);
+        const double spare = 0.999999 * (away - bounds.rounding) / bounds.perStep;
+        if (!(spare > 1.0)) return step;
+        step += spare < steps ? static_cast<std::int32_t>(spare) : steps;
+    }
+    return steps;
 }
 
 bool SplineIterator::StaysBeside(double minX, double minY, double maxX, double maxY) const {

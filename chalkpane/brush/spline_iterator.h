@@ -46,11 +46,15 @@ public:
     // away from; `steps` when it finds none. Takes from `budget` what it took in tested steps; with nothing left, the
     // curve's last step is the answer.
     [[nodiscard]] std::int32_t LastBeyond(float x, float y, double squaredLimit, std::int32_t& budget) const;
-    // A step near the curve's end that is among those whatever (x, y) was; `steps` when there is none surely.
-    [[nodiscard]] std::int32_t SurelyBeyond(double squaredLimit) const;
+    // A step shortly before `end` that is among those whatever (x, y) was; `steps` when there is none surely.
+    [[nodiscard]] std::int32_t SurelyBeyond(double squaredLimit, std::int32_t end = steps) const;
 
     // True: all points of the curve lie surely left of minX, right of maxX, above minY or below maxY, on one side all.
     [[nodiscard]] bool StaysBeside(double minX, double minY, double maxX, double maxY) const;
+
+    // The first step from `step` on whose point may lie within minX .. maxX, minY .. maxY; all before it surely do not.
+    [[nodiscard]] std::int32_t FirstPerhapsInside(std::int32_t step, double minX, double minY, double maxX,
+                                                  double maxY) const;
 
 private:
     struct StepBounds;

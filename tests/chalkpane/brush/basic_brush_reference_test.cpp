@@ -109,7 +109,7 @@ TEST_CASE("random strokes leave the pixels and rectangles of the plain reference
 TEST_CASE("strokes that leave the canvas and come back leave the pixels and rectangles of the plain reference") {
     const double distances[] = {30, 200, 5000, 1e5, 1e6, 2e7, 1e8, 5e8};  // none gets beyond `farthest`
     std::size_t dabs = 0;
-    for (unsigned seed = 1; seed <= 160; ++seed) {
+    for (unsigned seed = 1; seed <= 320; ++seed) {
         CAPTURE(seed);
         Draw draw{std::mt19937(seed)};
         reference::StrokeSettings settings = RandomSettings(draw);
@@ -135,6 +135,7 @@ TEST_CASE("strokes that leave the canvas and come back leave the pixels and rect
         const double far = distances[draw.Below(8)];
         const double stride = draw.OneIn(2) ? far / 20 : 6.0;
         const bool aside = draw.OneIn(2);
+        const bool across = draw.OneIn(2);  // from one side far away to the other, over the canvas or past it
         double x = 24;
         double y = 24;
         for (int i = 0; i < 24; ++i) {
@@ -143,6 +144,10 @@ TEST_CASE("strokes that leave the canvas and come back leave the pixels and rect
             if (i == 16) x = y = 20;
             x += draw.Between(-1, 1) * (out ? stride : 8);
             y += draw.Between(-1, 1) * (out ? stride : 8);
+            if (out && across) {
+                x = 24 + draw.Between(-far, far);
+                y = draw.OneIn(2) ? 24 + (x - 24) * draw.Between(-1, 1) : draw.Between(-200, 200);
+            }
             const double pressure = draw.Between(0.3, 1.0);
             CAPTURE(i);
             REQUIRE_EQ(brush.ContinueStroke(x, y, pressure), reference.Continue(x, y, pressure));

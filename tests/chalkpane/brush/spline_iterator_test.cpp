@@ -177,6 +177,36 @@ TEST_CASE("without a budget of steps the curve's last one is the answer") {
     CHECK_EQ(curve.LastBeyond(0, 0, 4.0, budget), SplineIterator::steps - 1);
 }
 
+// The steps that are passed over are tested one by one here.
+TEST_CASE("no step before the first that may lie within a rectangle lies within it") {
+    std::mt19937 random(20240614);
+    std::int64_t passed = 0;
+    for (const double extent : {1.0, 60.0, 3000.0, 1e6, 1e9}) {
+        std::uniform_real_distribution<double> place(-extent, extent);
+        for (int i = 0; i < 300; ++i) {
+            StrokePoint samples[4];
+            for (auto& sample : samples) sample = {place(random), i % 3 == 0 ? 5.0 : place(random), 1};
+            const SplineIterator curve = IterateThrough(samples);
+            for (std::int32_t step = 0; step < SplineIterator::steps; ++step) {
+                const std::int32_t found = curve.FirstPerhapsInside(step, -10, 0, 30, 20);
+                REQUIRE_GE(found, step);
+                for (; step < found; ++step, ++passed) {
+                    const StrokePoint point = curve.PointAt(step);
+                    REQUIRE_FALSE((point.x >= -10 && point.x <= 30 && point.y >= 0 && point.y <= 20));
+                }
+            }
+        }
+    }
+    CHECK_GT(passed, 1000000);
+}
+
+TEST_CASE("a step that is surely beyond before a given end lies before it") {
+    const SplineIterator curve = IterateThrough({{0, 0, 1}, {3e5, 0, 1}, {6e5, 0, 1}, {9e5, 0, 1}});
+    for (const std::int32_t end : {2, 9, 500, SplineIterator::steps})
+        CHECK_EQ(curve.SurelyBeyond(100.0, end), end - 1);  // each step is 300 pixels, far beyond twice the limit of 10
+    CHECK_EQ(curve.SurelyBeyond(1e6, 500), SplineIterator::steps);
+}
+
 // A curve lies in the box of its samples; 100 to 130 is right of 99 but not surely of 100, since weights are rounded.
 TEST_CASE("a curve stays beside a rectangle when all its samples lie on one side") {
     const SplineIterator curve = IterateThrough({{100, 0, 1}, {110, 500, 1}, {120, -500, 1}, {130, 0, 1}});
