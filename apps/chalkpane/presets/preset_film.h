@@ -30,9 +30,9 @@ public:
 };
 
 struct VideoSource {
-    std::filesystem::path file;         // a picture or a film for filters, strokes for a brush
-    std::filesystem::path presetFile;   // what messages call the preset
-    std::optional<std::int32_t> depth;  // 0: 8 bits; 1: 14; none: the source's own
+    std::filesystem::path file;           // a picture or a film for filters, strokes for a brush
+    std::filesystem::path presetFile;     // what messages call the preset
+    std::optional<std::int32_t> depth{};  // 0: 8 bits; 1: 14; none: the source's own
     std::uint64_t memory = cli::MemoryBudget::HalfOfTheMachine();  // bytes, for strokes and all that they name
     PictureFiles::ReadNotification beforeReading{};                // of the pictures that strokes and brushes name
     std::unique_ptr<kel::VideoReader> film{};  // `file`, where it is one; its last frame stays to the end
