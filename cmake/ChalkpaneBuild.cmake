@@ -39,6 +39,13 @@ function(chalkpane_keep_narrowings target)
   target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fno-tree-slp-vectorize>)
 endfunction()
 
+# For what reads files: the fuzz targets see which of its branches a unit takes. Pixel loops would only be slower by it.
+function(chalkpane_watch_branches target)
+  if(CHALKPANE_BUILD_FUZZ)
+    target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link)
+  endif()
+endfunction()
+
 # For what spends its time elsewhere, such as tests and the reading of command lines: it is rather built soon than fast.
 function(chalkpane_build_soon target)
   target_compile_options(${target} PRIVATE $<$<CONFIG:Release>:-O1>)
