@@ -33,8 +33,6 @@ double ProcessorSeconds() {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
 }
 
-double SecondsSince(Clock::time_point start) { return std::chrono::duration<double>(Clock::now() - start).count(); }
-
 std::int64_t BytesInUse() {
     const struct mallinfo2 info = mallinfo2();
     return static_cast<std::int64_t>(info.uordblks + info.hblkhd);
@@ -43,7 +41,7 @@ std::int64_t BytesInUse() {
 void RunEpisode(Figures& figures) {
     if (figures.episodes % 100 == 0)
         MultiProcessor::Restart(1 + static_cast<std::int32_t>(figures.episodes / 100 % mostWorkers));
-    const auto start = Clock::now();
+    const double start = ProcessorSeconds();
     {
         Episode episode(figures.seed, figures.episodes);
         for (std::int64_t i = 0; i < Episode::events; ++i) {
@@ -57,7 +55,7 @@ void RunEpisode(Figures& figures) {
         }
         figures.objectsLeft += episode.End();
     }
-    figures.seconds += SecondsSince(start);
+    figures.seconds += ProcessorSeconds() - start;
     figures.events += Episode::events;
     ++figures.episodes;
     const std::int64_t memory = BytesInUse();

@@ -57,7 +57,8 @@ std::string LineOf(const Figures& figures) {
     std::string line(longest, '\0');
     const int length = std::snprintf(
         line.data(), line.size(),
-        "%lld events in %.1f s (%.0f a second); slowest %.1f ms (%s, episode %lld); memory %.1f MiB after the first "
+        "%lld events in %.1f s of processor time (%.0f a second); slowest %.1f ms (%s, episode %lld); memory %.1f MiB "
+        "after the first "
         "episode, %.1f at most; host objects left %lld",
         static_cast<long long>(figures.events), figures.seconds,
         figures.seconds > 0.0 ? static_cast<double>(figures.events) / figures.seconds : 0.0, figures.slowest * 1e3,

@@ -11,7 +11,7 @@ struct Figures {
     std::uint32_t seed = 1;
     std::int64_t episodes = 0;
     std::int64_t events = 0;
-    double seconds = 0.0;            // of the episodes, all runs together
+    double seconds = 0.0;            // of processor time, of the episodes of all runs together
     double slowest = 0.0;            // seconds of processor time, of one event
     std::string slowestEvent = "-";  // its kind
     std::int64_t slowestEpisode = -1;
