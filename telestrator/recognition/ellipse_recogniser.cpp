@@ -34,6 +34,7 @@ public:
 private:
     static constexpr double stride = 0.01;
     static constexpr double overlap = 0.005;
+    static constexpr std::int32_t promisingLeap = 64;
 
     // The point of the rotated ellipse above (`sign` 1) or below (-1) its centre at x, from the centroid.
     [[nodiscard]] Vector3 LocalPoint(double x, double sign) const {
@@ -60,14 +61,47 @@ private:
     }
 
     void IterateQuarter(double from, double limit, double step, double sign, std::int32_t threshold) {
-        for (double x = from; step < 0 ? x > limit : x < limit; x += step) {
+        const std::int32_t firstLeap = threshold > margin_ ? promisingLeap : 0;
+        std::int32_t leap = firstLeap;
+        for (double x = from; IsBefore(x, limit, step); x += step) {
+            x = PassOver(x, limit, step, sign, threshold, leap);
             const Vector3 local = LocalPoint(x, sign);
             if (IsSurelyWithin(local, threshold)) continue;
             const Vector3 point = RotatedBack(local);
             if (!((point - last_).Length() > threshold)) continue;
             pen_.Draw(StrokeStage::Continue, point.x, point.y);
             last_ = point;
+            leap = firstLeap;
         }
+    }
+
+    static bool IsBefore(double x, double limit, double step) { return step < 0 ? x > limit : x < limit; }
+
+    // Passes over steps that surely set no vertex, in leaps that double as long as they may and then halve until none
+    // is left. KEEP: x gathers the rounding of each step.
+    double PassOver(double x, double limit, double step, double sign, double threshold, std::int32_t& leap) const {
+        constexpr std::int32_t shortestLeap = 8;
+        for (bool grows = true; leap >= shortestLeap;) {
+            // A step further than the leap, which is far more than its rounding.
+            const double end = x + (leap + 1) * step;
+            if (IsBefore(end, limit, step) && x * end >= 0 && IsArcSurelyWithin(x, end, sign, threshold)) {
+                for (std::int32_t i = 0; i < leap; ++i) x += step;
+                if (grows) leap *= 2;
+            } else {
+                grows = false;
+                leap /= 2;
+            }
+        }
+        leap = 0;
+        return x;
+    }
+
+    // On one side of its middle an arc rises or falls all the way, so it lies in the box of its ends.
+    [[nodiscard]] bool IsArcSurelyWithin(double from, double to, double sign, double threshold) const {
+        const Vector3 a = LocalPoint(from, sign);
+        const Vector3 b = LocalPoint(to, sign);
+        return IsSurelyWithin(a, threshold) && IsSurelyWithin(b, threshold) &&
+               IsSurelyWithin({a.x, b.y, 0}, threshold) && IsSurelyWithin({b.x, a.y, 0}, threshold);
     }
 
     // Spares the many steps between two vertices their angle functions. The plain rotation differs from `RotatedBack`

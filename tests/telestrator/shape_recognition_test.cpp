@@ -76,8 +76,9 @@ TEST_CASE("The drawn ellipse is the plain iteration's, vertex by vertex") {
         float aspect;
         std::int32_t brushWidth;
     };
-    for (const Case& each : {Case{200, 100, 0, 1, 5}, Case{150, 40, 0.7, 1.5F, 5}, Case{60, 55, -1.2, 0.75F, 30},
-                             Case{30, 20, 2.9, 1, 1}, Case{80, 80, 0, 2, 2}}) {
+    for (const Case& each :
+         {Case{200, 100, 0, 1, 5}, Case{150, 40, 0.7, 1.5F, 5}, Case{60, 55, -1.2, 0.75F, 30}, Case{30, 20, 2.9, 1, 1},
+          Case{80, 80, 0, 2, 2}, Case{400, 90, 0.4, 1, 8}, Case{350, 60, 1.1, 1.2F, 3}, Case{900, 700, 0.2, 1, 17}}) {
         const Points points = EllipsePoints(480, 460 / each.aspect, each.a, each.b / each.aspect, each.tilt, 160);
         TelestratorSettings values = Recognising();
         values.brushWidth = each.brushWidth;
