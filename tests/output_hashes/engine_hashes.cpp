@@ -56,10 +56,10 @@ Hash HashOfRun(Filter& filter, const Image& source, int setting) {
 
 // As the program runs it, which minds the form of alpha and the depths that a filter knows.
 void HashFilterRun(Report& report, const std::string& name, const Filter& prototype) {
-    for (const std::int32_t depth : bothDepths) {
+    for (const Depth depth : bothDepths) {
         std::vector<std::unique_ptr<Filter>> filters;
         filters.push_back(FilterWith(prototype, 2));
-        const Image source = Draws(7).Picture({0, 0, 99, 66}, Image::colourType, depth);
+        const Image source = Draws(7).Picture({0, 0, 99, 66}, PixelType::Colour, depth);
         const auto result = app::RunFilters(filters, source, {.expand = true, .frame = 2, .time = 0.08});
         report.Add(name + "/run/" + BitsOf(depth), Hash().Add(result.get()));
     }
@@ -94,15 +94,15 @@ void HashRowsOf(Report& report, Blend blend, Merge merge, Unpremultiply unpremul
 
 // All that a paste takes, at one depth; the images overlap in part.
 struct PasteImages {
-    explicit PasteImages(std::int32_t imageDepth)
+    explicit PasteImages(Depth imageDepth)
         : depth(imageDepth),
-          source(Draws(21).Picture({-4, -3, 70, 40}, Image::colourType, depth)),
-          premultiplied(Draws(22).Picture({-4, -3, 70, 40}, Image::colourType, depth, 1)),
-          mask(Draws(23).Picture({0, -6, 66, 38}, Image::maskType, depth)),
-          clip(Draws(24).Picture({20, 8, 50, 44}, Image::maskType, depth)),
-          colourClip(Draws(25).Picture({3, 3, 50, 30}, Image::colourType, depth)),
-          canvas(Draws(26).Picture({0, 0, 63, 35}, Image::colourType, depth, 1)),
-          maskCanvas(Draws(27).Picture({0, 0, 63, 35}, Image::maskType, depth)) {}
+          source(Draws(21).Picture({-4, -3, 70, 40}, PixelType::Colour, depth)),
+          premultiplied(Draws(22).Picture({-4, -3, 70, 40}, PixelType::Colour, depth, AlphaForm::Premultiplied)),
+          mask(Draws(23).Picture({0, -6, 66, 38}, PixelType::Mask, depth)),
+          clip(Draws(24).Picture({20, 8, 50, 44}, PixelType::Mask, depth)),
+          colourClip(Draws(25).Picture({3, 3, 50, 30}, PixelType::Colour, depth)),
+          canvas(Draws(26).Picture({0, 0, 63, 35}, PixelType::Colour, depth, AlphaForm::Premultiplied)),
+          maskCanvas(Draws(27).Picture({0, 0, 63, 35}, PixelType::Mask, depth)) {}
 
     // Reports what `paste` makes of a fresh target, over all clips and two opacities, in one line.
     template <typename Paste>
@@ -119,7 +119,7 @@ struct PasteImages {
         report.Add("paste/" + name + "/" + BitsOf(depth), hash);
     }
 
-    std::int32_t depth;
+    Depth depth;
     Image source, premultiplied, mask, clip, colourClip, canvas, maskCanvas;
     Rect area{-2, 1, 60, 100};
 };
@@ -196,7 +196,8 @@ void HashTransforms(Report& report, const std::string& form, const Image& source
         Rect area;
         Hash hash;
         hash.Add(transformer.Apply(source, area).get()).Add(area);
-        Image target = Draws(33).Picture({-10, -10, 90, 60}, source.type, source.depth, source.flag);
+        Image target =
+            Draws(33).Picture({-10, -10, 90, 60}, source.GetPixelType(), source.GetDepth(), source.GetAlphaForm());
         transformer.ApplyInto(source, target, {-5, -20, 77, 51});
         hash.Add(target);
         ImageMRImage levels(source);
@@ -214,10 +215,10 @@ void HashSamples(Report& report, const std::string& form, const Image& source) {
             const double x = draws.Between(source.x0 - 30.0, source.x1 + 30.0);
             const double y = draws.Between(source.y0 - 30.0, source.y1 + 30.0);
             const auto pixel = [&hash](const auto& at) { hash.Add(at.blue).Add(at.green).Add(at.red).Add(at.alpha); };
-            if (source.IsMask() && source.depth == 0) hash.Add(SampleMaskBilinear8(source, x, y, edge));
-            if (source.IsMask() && source.depth != 0) hash.Add(SampleMask14(source, x, y, edge));
-            if (!source.IsMask() && source.depth == 0) pixel(SampleBilinear8(source, x, y, edge));
-            if (!source.IsMask() && source.depth != 0) pixel(SampleBilinear14(source, x, y, edge));
+            if (source.IsMask() && source.GetDepth() == Depth::Eight) hash.Add(SampleMaskBilinear8(source, x, y, edge));
+            if (source.IsMask() && source.GetDepth() == Depth::Fourteen) hash.Add(SampleMask14(source, x, y, edge));
+            if (!source.IsMask() && source.GetDepth() == Depth::Eight) pixel(SampleBilinear8(source, x, y, edge));
+            if (!source.IsMask() && source.GetDepth() == Depth::Fourteen) pixel(SampleBilinear14(source, x, y, edge));
         }
         report.Add("image/sample edge " + std::to_string(edge) + form, hash);
     }
@@ -241,7 +242,8 @@ void HashImage(Report& report, const std::string& form, const Image& source) {
         mask.ApplySoftMask(*image, 1.25);
         report.Add("image/soft mask " + std::to_string(kind) + form, Hash().Add(*image));
     }
-    report.Add("image/other depth" + form, Hash().Add(source.Convert({2, 2, 40, 30}, source.depth == 0 ? 1 : 0).get()));
+    report.Add("image/other depth" + form,
+               Hash().Add(source.Convert({2, 2, 40, 30}, source.GetDepth() == Depth::Eight ? 1 : 0).get()));
     const auto image = source.Clone();
     image->FillChannel({5, 5, 20, 18}, 0.71);
     image->Unpremultiply({0, 0, 30, 30});
@@ -258,11 +260,13 @@ void HashFilters(Report& report) {
     for (const Filter* prototype : FilterRegistry::Instance().Filters()) {
         const std::string name = "filter/" + std::string(prototype->Name());
         if (!report.Wants(name)) continue;
-        for (const std::int32_t depth : bothDepths)
+        for (const Depth depth : bothDepths)
             for (const Rect& bounds : sizes)
-                for (const std::int32_t type : {Image::colourType, Image::maskType}) {
-                    if (type == Image::maskType && bounds != sizes[2]) continue;
-                    const Image source = Draws(41).Picture(bounds, type, depth, type == Image::colourType ? 1 : 0);
+                for (const PixelType type : {PixelType::Colour, PixelType::Mask}) {
+                    if (type == PixelType::Mask && bounds != sizes[2]) continue;
+                    const Image source =
+                        Draws(41).Picture(bounds, type, depth,
+                                          type == PixelType::Colour ? AlphaForm::Premultiplied : AlphaForm::Straight);
                     const std::string form = "/" + BitsOf(depth) + "/" + std::to_string(bounds.Width()) + "x" +
                                              std::to_string(bounds.Height()) + (source.IsMask() ? " mask" : "") + "/";
                     for (int setting = 0; setting < filterSettings; ++setting)
@@ -279,7 +283,7 @@ void HashRows(Report& report) {
 }
 
 void HashPastes(Report& report) {
-    for (const std::int32_t depth : bothDepths) {
+    for (const Depth depth : bothDepths) {
         const PasteImages images(depth);
         HashBrushPastes(report, images);
         HashImagePastes(report, images);
@@ -287,10 +291,10 @@ void HashPastes(Report& report) {
 }
 
 void HashImages(Report& report) {
-    for (const std::int32_t depth : bothDepths)
-        for (const std::int32_t type : {Image::colourType, Image::maskType}) {
-            const std::string form = "/" + BitsOf(depth) + (type == Image::maskType ? " mask" : "");
-            const Image source = Draws(51).Picture({-2, -1, 60, 36}, type, depth, 1);
+    for (const Depth depth : bothDepths)
+        for (const PixelType type : {PixelType::Colour, PixelType::Mask}) {
+            const std::string form = "/" + BitsOf(depth) + (type == PixelType::Mask ? " mask" : "");
+            const Image source = Draws(51).Picture({-2, -1, 60, 36}, type, depth, AlphaForm::Premultiplied);
             HashTransforms(report, form, source);
             HashSamples(report, form, source);
             HashImage(report, form, source);

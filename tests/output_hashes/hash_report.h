@@ -38,7 +38,7 @@ public:
     Hash& Add(const Image& image) {
         Add(image.Bounds()).Add(image.type).Add(image.depth).Add(image.flag);
         for (std::int32_t y = image.y0; y <= image.y1; ++y) {
-            if (image.depth == 0)
+            if (image.GetDepth() == Depth::Eight)
                 Add(image.Row8(y));
             else
                 Add(image.Row14(y));
@@ -100,14 +100,14 @@ public:
     }
     // Tiles of 16 pixels, most of one colour and the others noise: filters that smooth or gather find something to do.
     void Fill(Image& image) {
-        if (image.depth == 0)
+        if (image.GetDepth() == Depth::Eight)
             FillTiles<std::uint8_t>(image, [&image](std::int32_t y) { return image.Row8(y); });
         else
             FillTiles<std::uint16_t>(image, [&image](std::int32_t y) { return image.Row14(y); });
         if (image.flag != 0 && !image.IsMask()) image.Premultiply(image);
     }
-    [[nodiscard]] Image Picture(const Rect& bounds, std::int32_t type, std::int32_t depth, std::uint8_t flag = 0) {
-        Image image(bounds, type, depth, flag);
+    [[nodiscard]] Image Picture(const Rect& bounds, PixelType type, Depth depth, AlphaForm form = AlphaForm::Straight) {
+        Image image(bounds, type, depth, form);
         Fill(image);
         return image;
     }
@@ -132,8 +132,8 @@ private:
     std::mt19937 m_random;
 };
 
-inline constexpr std::int32_t bothDepths[] = {0, 1};
-inline std::string BitsOf(std::int32_t depth) { return depth == 0 ? "8" : "14"; }
+inline constexpr Depth bothDepths[] = {Depth::Eight, Depth::Fourteen};
+inline std::string BitsOf(Depth depth) { return depth == Depth::Eight ? "8" : "14"; }
 
 // Each reports one part of the outputs.
 void HashFilters(Report& report);

@@ -41,8 +41,8 @@ std::vector<path> FilesIn(const path& folder, const std::string& ending) {
 
 enum class Ground { AsDescribed, Noise };
 
-std::unique_ptr<Image> Painted(const app::StrokesFile& file, std::int32_t depth, Ground ground) {
-    auto canvas = app::MakeCanvas(file, {}, depth);
+std::unique_ptr<Image> Painted(const app::StrokesFile& file, Depth depth, Ground ground) {
+    auto canvas = app::MakeCanvas(file, {}, static_cast<std::int32_t>(depth));
     if (ground == Ground::Noise) Draws(61).Fill(*canvas);
     app::PictureFiles pictures(canvas->depth);
     app::PaintStrokes(file, *canvas, pictures, {});
@@ -59,7 +59,7 @@ void HashBrush(Report& report, const std::string& name, const json& brush) {
          {{{"brush", "brush"}, {"points", {{20, 30, 0.3}, {60, 80, 0.9}, {61, 80}, {90, 20.5}, {160, 60, 0.5}}}},
           {{"brush", "brush"}, {"points", {{5, 100}, {5, 100}, {40, 96, 0.6}, {110, 101, 0.2}}}}}}};
     const auto file = app::ParseStrokes(text.dump(), examples / "strokes" / "brush.json");
-    for (const std::int32_t depth : bothDepths)
+    for (const Depth depth : bothDepths)
         report.Add(name + "/" + BitsOf(depth), Hash().Add(Painted(file, depth, Ground::Noise).get()));
 }
 
@@ -128,9 +128,9 @@ public:
 };
 
 void HashMaskPlane(Report& report) {
-    for (const std::int32_t depth : bothDepths) {
-        Image canvas = Draws(71).Picture({0, 0, 99, 59}, Image::colourType, depth, 1);
-        Image mask(Rect(0, 0, 99, 59), Image::maskType, depth, 0);
+    for (const Depth depth : bothDepths) {
+        Image canvas = Draws(71).Picture({0, 0, 99, 59}, PixelType::Colour, depth, AlphaForm::Premultiplied);
+        Image mask = Image::Mask(Rect(0, 0, 99, 59), depth);
         MaskPlaneBrush brush(canvas, mask);
         Hash hash;
         hash.Add(brush.BeginStroke(10, 12.5, 0.7)).Add(brush.ContinueStroke(60, 40, 1.0));
@@ -204,8 +204,8 @@ void HashPreset(Report& report, const path& file) {
                Hash().Add(TextOfPreset(ViewOf(app::ReadPresetText(text, "preset", {}, clock)), {})));
     const bool isBrush = preset.kind == app::PresetKind::Brush;
     const path source = isBrush ? examples / "presets" / "chalk_strokes.json" : examples / "test-card.png";
-    for (const std::int32_t depth : bothDepths) {
-        const auto film = app::MakeVideo(app::ReadPreset(file, clock), {source, file, depth}, clock);
+    for (const Depth depth : bothDepths) {
+        const auto film = app::MakeVideo(app::ReadPreset(file, clock), {source, file, static_cast<std::int32_t>(depth)}, clock);
         for (const std::int32_t frame : {0, 17, 42, 70}) {
             clock.StandAt(frame);
             report.Add(name + "/" + BitsOf(depth) + "/frame " + std::to_string(frame),
@@ -246,7 +246,7 @@ void HashBrushes(Report& report) {
 
 void HashStrokesFiles(Report& report) {
     for (const path& file : FilesIn(examples / "strokes", ".json"))
-        for (const std::int32_t depth : bothDepths)
+        for (const Depth depth : bothDepths)
             report.Add("strokes/" + file.stem().string() + "/" + BitsOf(depth),
                        Hash().Add(Painted(app::ReadStrokes(file), depth, Ground::AsDescribed).get()));
 }

@@ -16,7 +16,9 @@ using Bgr = std::array<int, 3>;
 
 inline int LumaByteOf(const Bgr& c) { return (77 * c[2] + 151 * c[1] + 28 * c[0]) >> 8; }
 inline int LumaWordOf(const Bgr& c) { return (4915 * c[2] + 9666 * c[1] + 1802 * c[0]) >> 14; }
-inline int LumaAt(const Image& image, const Bgr& c) { return image.depth == 0 ? LumaByteOf(c) : LumaWordOf(c); }
+inline int LumaAt(const Image& image, const Bgr& c) {
+    return image.GetDepth() == Depth::Eight ? LumaByteOf(c) : LumaWordOf(c);
+}
 
 // A point filter on colours: function(image, colour, alpha) changes the colour.
 template <typename ColourFunction>
@@ -51,7 +53,7 @@ inline Image Chroma(const Image& source, float setting, const Rect* region) {
 
 inline Image Subtract(const Image& source, const Bgr& words, float add, const Rect* region) {
     return ColourFiltered(source, region, [&](const Image& image, Bgr& colour, int /*alpha*/) {
-        const float part = image.depth == 0 ? add * 0.015564915F : add;
+        const float part = image.GetDepth() == Depth::Eight ? add * 0.015564915F : add;
         for (std::size_t c = 0; c < 3; ++c)
             colour[c] =
                 std::clamp(colour[c] + static_cast<int>(part * static_cast<float>(words[c])), 0, FullScale(image));
@@ -63,7 +65,7 @@ inline Image ChannelMixer(const Image& source, int component, const std::array<f
     return ColourFiltered(source, region, [&](const Image& image, Bgr& colour, int /*alpha*/) {
         const float sum = static_cast<float>(colour[0]) * bgrInputs[0] + static_cast<float>(colour[2]) * bgrInputs[2] +
                           static_cast<float>(colour[1]) * bgrInputs[1];
-        const int wrapped = static_cast<int>(sum) & (image.depth == 0 ? 0xff : 0xffff);
+        const int wrapped = static_cast<int>(sum) & (image.GetDepth() == Depth::Eight ? 0xff : 0xffff);
         colour[static_cast<std::size_t>(2 - component)] = wrapped;
     });
 }
@@ -143,7 +145,7 @@ inline Image AutoEqualise(const Image& source, const Rect* region) {
 template <typename Turn>
 Image TurnedHues(const Image& source, const Rect* region, Turn turn) {
     return ColourFiltered(source, region, [&](const Image& image, Bgr& colour, int /*alpha*/) {
-        const bool bytes = image.depth == 0;
+        const bool bytes = image.GetDepth() == Depth::Eight;
         const auto unit = [&](int c) { return static_cast<float>(bytes ? c * 64 + (c >> 2) : c) * 6.103888e-05F; };
         const float b = unit(colour[0]);
         const float g = unit(colour[1]);
@@ -185,7 +187,7 @@ struct HueSettings {
 };
 
 inline Image HueRotated(const Image& source, const HueSettings& s, const Rect* region) {
-    const int n = source.depth == 0 ? 256 : 16384;
+    const int n = source.GetDepth() == Depth::Eight ? 256 : 16384;
     const auto size = static_cast<float>(n);
     const auto part = [](float peak) { return std::max(0.0F, peak / 360.0F); };
     return TurnedHues(source, region, [&](float h, float v) {

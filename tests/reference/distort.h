@@ -17,13 +17,13 @@ inline void PutSample(Image& result, int x, int y, const Image& source, float sx
         Put(result, x, y, 2, p.red);
         Put(result, x, y, 3, p.alpha);
     };
-    if (source.IsMask() && source.depth == 0)
+    if (source.IsMask() && source.GetDepth() == Depth::Eight)
         Put(result, x, y, 0,
             fast ? source.GetMaskEdge8(ix, iy, edgeMode) : chalkpane::SampleMaskBilinear8(source, sx, sy, edgeMode));
     else if (source.IsMask())
         Put(result, x, y, 0,
             fast ? source.GetMaskEdge14(ix, iy, edgeMode) : chalkpane::SampleMask14(source, sx, sy, edgeMode));
-    else if (source.depth == 0)
+    else if (source.GetDepth() == Depth::Eight)
         put4(fast ? source.GetPixelEdge8(ix, iy, edgeMode) : chalkpane::SampleBilinear8(source, sx, sy, edgeMode));
     else
         put4(fast ? source.GetPixelEdge14(ix, iy, edgeMode) : chalkpane::SampleBilinear14(source, sx, sy, edgeMode));

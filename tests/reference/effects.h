@@ -139,7 +139,7 @@ Image PointFiltered(const Image& source, const Rect* region, PixelFunction funct
     CopyOfArea(source, result);
     if (source.IsMask()) return result;
     if (source.flag != 0) result.Unpremultiply(result);
-    if (source.flag != 0 && source.depth != 0)
+    if (source.flag != 0 && source.GetDepth() == Depth::Fourteen)
         ForEachChannel(result, [&](int x, int y, int c) {  // no alpha at 14 bits counts as the smallest one
             if (c != 3 && Get(source, x, y, 3) == 0 && Get(source, x, y, c) != 0) Put(result, x, y, c, 16383);
         });
@@ -157,7 +157,7 @@ inline int Limited(float value, int max) {
 
 inline Image AddNoise(const Image& source, float level, bool uniform, bool rgb, int density, const Rect* region) {
     chalkpane::GrainRandom random(0);
-    const float amp = level * (source.depth == 0 ? 255.0F : 32766.0F);
+    const float amp = level * (source.GetDepth() == Depth::Eight ? 255.0F : 32766.0F);
     const auto noise = [&] {
         return uniform ? static_cast<float>(random.Next() & 0x7fffu) / 32767.0F - 0.5F : random.Gauss();
     };
@@ -174,7 +174,7 @@ inline Image AddNoise(const Image& source, float level, bool uniform, bool rgb, 
 // Point filters that see floats of 0 to 255: function(x, y, a, r, g, b).
 template <typename FloatFunction>
 Image FloatFiltered(const Image& source, const Rect* region, FloatFunction function) {
-    const bool deep = source.depth != 0;
+    const bool deep = source.GetDepth() == Depth::Fourteen;
     return PointFiltered(source, region, [&](Image& image, int x, int y) {
         std::array<float, 4> v{};
         for (int c = 0; c < 4; ++c) {
@@ -322,7 +322,7 @@ inline Image Voronoi(const Image& source, double s, double q, double edges, cons
                     delta += 2.0F;
                 }
             }
-        const int full = source.depth == 0 ? 256 : 16384;
+        const int full = source.GetDepth() == Depth::Eight ? 256 : 16384;
         for (int x = result.x0; x <= result.x1; ++x) {
             int weight = full;
             const float diff = std::sqrt(second[x]) - std::sqrt(best[x]);
@@ -361,17 +361,18 @@ inline Image FilmGrain(const Image& source, const GrainSettings& s, int frame) {
             start[k][y] = static_cast<int>(random.Next() & 0xffffu);
             step[k][y] = static_cast<int>((random.Next() & 0x7ff0u) + 0x2005u);
         }
-    const int mid = source.depth == 0 ? 128 : 8192;
+    const int mid = source.GetDepth() == Depth::Eight ? 128 : 8192;
     for (std::size_t k = 0; k < 3; ++k) {
         if (s.levels[k] < 0.001F) continue;
         const float amp = std::sqrt(s.sizes[k]) * s.levels[k];
         const float f = std::min(amp, 1.0F);
         const float scale = f * 127.0F / 32768.0F;
         const float gain = amp / f;
-        Image grain(area, Image::maskType, source.depth, 0);
+        Image grain = Image::Mask(area, source.GetDepth());
         ForEachChannel(grain, [&](int x, int y, int c) {
             const auto place = static_cast<std::uint16_t>(start[k][y] + x * step[k][y]);
-            const float value = static_cast<float>(table[place]) * scale * (source.depth == 0 ? 1.0F : 64.0F);
+            const float value =
+                static_cast<float>(table[place]) * scale * (source.GetDepth() == Depth::Eight ? 1.0F : 64.0F);
             Put(grain, x, y, c, static_cast<int>(std::floor(value + 0.5F)) + mid);
         });
         if (s.sizes[k] > 1.0F) grain = SuperSoften(grain, s.sizes[k], 3, nullptr, false);

@@ -12,16 +12,17 @@
 // which one would say it.
 namespace reference {
 
+using chalkpane::Depth;
 using chalkpane::Image;
 using chalkpane::Rect;
 
-inline int FullScale(const Image& image) { return image.depth == 0 ? 255 : 16383; }
+inline int FullScale(const Image& image) { return image.GetDepth() == Depth::Eight ? 255 : 16383; }
 inline int Channels(const Image& image) { return image.IsMask() ? 1 : 4; }
 
 inline int Get(const Image& image, int x, int y, int c) {
     const std::byte* p = image.Address(x, y);
-    return image.depth == 0 ? reinterpret_cast<const std::uint8_t*>(p)[c]
-                            : reinterpret_cast<const std::uint16_t*>(p)[c];
+    return image.GetDepth() == Depth::Eight ? reinterpret_cast<const std::uint8_t*>(p)[c]
+                                            : reinterpret_cast<const std::uint16_t*>(p)[c];
 }
 inline int GetOrZero(const Image& image, int x, int y, int c) { return image.Contains(x, y) ? Get(image, x, y, c) : 0; }
 inline int GetClamped(const Image& image, int x, int y, int c) {
@@ -29,7 +30,7 @@ inline int GetClamped(const Image& image, int x, int y, int c) {
 }
 inline void Put(Image& image, int x, int y, int c, int value) {
     std::byte* p = image.Address(x, y);
-    if (image.depth == 0)
+    if (image.GetDepth() == Depth::Eight)
         reinterpret_cast<std::uint8_t*>(p)[c] = static_cast<std::uint8_t>(value);
     else
         reinterpret_cast<std::uint16_t*>(p)[c] = static_cast<std::uint16_t>(value);
@@ -40,9 +41,7 @@ inline Rect WorkArea(const Image& source, const Rect* region, int grow) {
     return region == nullptr ? work : work.Intersection(*region);
 }
 
-inline Image Like(const Image& source, const Rect& bounds) {
-    return Image(bounds, source.type, source.depth, source.flag);
-}
+inline Image Like(const Image& source, const Rect& bounds) { return Image(bounds, source); }
 
 template <typename Function>
 void ForEachChannel(const Image& image, Function function) {
@@ -53,8 +52,8 @@ void ForEachChannel(const Image& image, Function function) {
 
 inline Image Blur(const Image& source, double softness, const Rect* region, bool expand) {
     const int r = static_cast<int>(std::ceil(softness));
-    const int total = source.depth == 0 ? 256 : 16384;
-    const int shift = source.depth == 0 ? 8 : 14;
+    const int total = source.GetDepth() == Depth::Eight ? 256 : 16384;
+    const int shift = source.GetDepth() == Depth::Eight ? 8 : 14;
     std::vector<int> taps;
     double sum = 0.0;
     for (int i = 0; i <= 2 * r; ++i) {

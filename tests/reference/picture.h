@@ -28,7 +28,8 @@ struct Picture {
                  static_cast<std::size_t>(channelCount)) {}
 
     explicit Picture(const chalkpane::Image& image)
-        : Picture(image.x0, image.y0, image.Width(), image.Height(), image.IsMask() ? 1 : 4, image.depth != 0) {
+        : Picture(image.x0, image.y0, image.Width(), image.Height(), image.IsMask() ? 1 : 4,
+                  image.GetDepth() == chalkpane::Depth::Fourteen) {
         for (int y = y0; y <= y1; ++y)
             for (int x = x0; x <= x1; ++x)
                 for (int c = 0; c < channels; ++c) {
@@ -157,7 +158,7 @@ inline void FillWithNoise(chalkpane::Image& image, std::uint32_t seed) {
     std::mt19937 random(seed);
     for (std::int64_t line = image.y0; line <= image.y1; ++line) {
         const auto y = static_cast<std::int32_t>(line);
-        if (image.depth == 0)
+        if (image.GetDepth() == chalkpane::Depth::Eight)
             for (auto& channel : image.Row8(y)) channel = static_cast<std::uint8_t>(random());
         else
             for (auto& channel : image.Row14(y)) channel = static_cast<std::uint16_t>(random() & 0x3fff);

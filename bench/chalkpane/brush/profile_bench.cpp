@@ -19,8 +19,9 @@ bool EqualsReference(const Image& mask, const reference::MaskGrid& reference) {
     for (std::int32_t y = 0; y < reference.side; ++y) {
         for (std::int32_t x = 0; x < reference.side; ++x) {
             const auto wanted = static_cast<std::uint8_t>(reference.At(x, y));
-            if (mask.depth == 0 && mask.GetMaskEdge8(x, y, edgeTransparent) != wanted) return false;
-            if (mask.depth != 0 && mask.GetMaskEdge14(x, y, edgeTransparent) != Widen(wanted)) return false;
+            if (mask.GetDepth() == Depth::Eight && mask.GetMaskEdge8(x, y, edgeTransparent) != wanted) return false;
+            if (mask.GetDepth() == Depth::Fourteen && mask.GetMaskEdge14(x, y, edgeTransparent) != Widen(wanted))
+                return false;
         }
     }
     return true;

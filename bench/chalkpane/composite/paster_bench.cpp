@@ -15,10 +15,10 @@ constexpr Rect canvas{0, 0, 1023, 1023};
 
 // A soft round dab around the middle of the canvas: the colour, and the coverage that falls off towards the rim.
 struct Dab {
-    Dab(std::int32_t radius, std::int32_t depth)
+    Dab(std::int32_t radius, Depth depth)
         : area(500 - radius, 500 - radius, 500 + radius, 500 + radius),
-          colour(area, ImageDefinition::colourType, depth, 0),
-          mask(area, ImageDefinition::maskType, depth, 0) {
+          colour(Image::Colour(area, depth, AlphaForm::Straight)),
+          mask(Image::Mask(area, depth)) {
         reference::FillWithNoise(colour, seed);
         colour.FillChannel(1.0);
         const int square = radius * radius + radius;
@@ -33,15 +33,15 @@ struct Dab {
     Image mask;
 };
 
-Image NoiseCanvas(std::int32_t depth) {
-    Image image(canvas, ImageDefinition::colourType, depth, 1);
+Image NoiseCanvas(Depth depth) {
+    Image image = Image::Colour(canvas, depth, AlphaForm::Premultiplied);
     reference::FillWithNoise(image, seed + 1);
     return image;
 }
 
 // Paints once on a fresh canvas and compares with the reference.
 template <typename Paint, typename Reference>
-void Check(benchmark::State& state, const Dab& dab, std::int32_t depth, Paint paint, Reference reference,
+void Check(benchmark::State& state, const Dab& dab, Depth depth, Paint paint, Reference reference,
            reference::Pasting job) {
     Image target = NoiseCanvas(depth);
     const reference::Picture source(dab.colour);
@@ -58,7 +58,7 @@ void Check(benchmark::State& state, const Dab& dab, std::int32_t depth, Paint pa
 
 // Arguments: radius, 0 for 8 bits or 1 for 14, blend mode, 1 for over.
 void PasteDab(benchmark::State& state) {
-    const auto depth = static_cast<std::int32_t>(state.range(1));
+    const Depth depth = DepthOf(static_cast<std::int32_t>(state.range(1)));
     const Dab dab(static_cast<std::int32_t>(state.range(0)), depth);
     BrushPaster paster;
     paster.SetOpacity(0.7);
@@ -80,7 +80,7 @@ void PasteDab(benchmark::State& state) {
 
 // Arguments: radius, depth.
 void EraseDab(benchmark::State& state) {
-    const auto depth = static_cast<std::int32_t>(state.range(1));
+    const Depth depth = DepthOf(static_cast<std::int32_t>(state.range(1)));
     const Dab dab(static_cast<std::int32_t>(state.range(0)), depth);
     Eraser eraser;
     eraser.SetOpacity(0.7);
@@ -97,7 +97,7 @@ void EraseDab(benchmark::State& state) {
 
 // The whole canvas at once. Arguments: depth, workers (0: one per processor).
 void PasteCanvas(benchmark::State& state) {
-    const auto depth = static_cast<std::int32_t>(state.range(0));
+    const Depth depth = DepthOf(static_cast<std::int32_t>(state.range(0)));
     MultiProcessor::Restart(static_cast<std::int32_t>(state.range(1)));
     const Image source = NoiseCanvas(depth);
     Image target = NoiseCanvas(depth);

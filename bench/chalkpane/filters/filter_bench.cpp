@@ -113,12 +113,12 @@ std::unique_ptr<Filter> FilterOf(const Case& work) {
     return filter;
 }
 
-const Image& Picture(std::int32_t width, std::int32_t height, std::int32_t depth) {
-    static std::map<std::vector<std::int32_t>, std::unique_ptr<Image>> pictures;
+const Image& Picture(std::int32_t width, std::int32_t height, Depth depth) {
+    static std::map<std::tuple<std::int32_t, std::int32_t, Depth>, std::unique_ptr<Image>> pictures;
     auto& picture = pictures[{width, height, depth}];
     if (!picture) {
         picture = std::make_unique<Image>(
-            test::NoisePicture({0, 0, width - 1, height - 1}, Image::colourType, depth, 0, 20261121));
+            test::NoisePicture({0, 0, width - 1, height - 1}, PixelType::Colour, depth, AlphaForm::Straight, 20261121));
         picture->FillChannel(1.0);
     }
     return *picture;
@@ -162,15 +162,15 @@ bool IsAsReference(const Case& work, const Image& source) {
     return wanted && result ? test::SamePixels(*result, *wanted) : !wanted && !result;
 }
 
-void ApplyFilter(benchmark::State& state, const Case& work, std::int32_t width, std::int32_t height, std::int32_t depth,
+void ApplyFilter(benchmark::State& state, const Case& work, std::int32_t width, std::int32_t height, Depth depth,
                  std::int32_t workers) {
     MultiProcessor::Restart(workers);
     const auto filter = FilterOf(work);
     const Image& picture = Picture(width, height, depth);
     const Image* source = &picture;
     std::unique_ptr<Image> converted;
-    if (filter->PreferredDepth(depth) != depth) {
-        converted = picture.Convert(Rect(), filter->PreferredDepth(depth));
+    if (filter->WorkingDepth(depth) != depth) {
+        converted = picture.Convert(Rect(), filter->WorkingDepth(depth));
         source = converted.get();
     }
     Shortest run;
@@ -204,10 +204,10 @@ const bool registered = [] {
     for (const Case& work : Cases()) {
         for (const std::int32_t height : {1024, 2160}) {
             const std::int32_t width = height == 1024 ? 1024 : 3840;
-            for (const std::int32_t depth : {0, 1}) {
+            for (const Depth depth : {Depth::Eight, Depth::Fourteen}) {
                 for (const std::int32_t workers : {1, 2}) {
                     const std::string name = "Filter/" + work.name + "/" + std::to_string(width) + "x" +
-                                             std::to_string(height) + (depth == 0 ? "/8bit" : "/14bit") +
+                                             std::to_string(height) + (depth == Depth::Eight ? "/8bit" : "/14bit") +
                                              "/workers:" + std::to_string(workers);
                     benchmark::RegisterBenchmark(
                         name.c_str(),

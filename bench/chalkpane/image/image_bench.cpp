@@ -17,15 +17,15 @@ namespace {
 constexpr std::int32_t side = 1024;
 constexpr std::int64_t pixels = std::int64_t{side} * side;
 
-Image Noise(std::int32_t depth) {
-    Image image(side, side, ImageDefinition::colourType, depth, 1);
+Image Noise(Depth depth) {
+    Image image = Image::Colour(side, side, depth, AlphaForm::Premultiplied);
     reference::FillWithNoise(image, 1);
     return image;
 }
 
 // Argument: depth.
 void Halve(benchmark::State& state) {
-    const Image image = Noise(static_cast<std::int32_t>(state.range(0)));
+    const Image image = Noise(DepthOf(static_cast<std::int32_t>(state.range(0))));
     for (auto _ : state) benchmark::DoNotOptimize(HalveImage(image, 0));
     state.SetItemsProcessed(state.iterations() * pixels);
     if (!reference::Same(reference::Picture(*HalveImage(image, 0)), reference::Halved(reference::Picture(image))))
@@ -34,7 +34,7 @@ void Halve(benchmark::State& state) {
 BENCHMARK(Halve)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 
 void HalveHalfWay(benchmark::State& state) {
-    const Image image = Noise(static_cast<std::int32_t>(state.range(0)));
+    const Image image = Noise(DepthOf(static_cast<std::int32_t>(state.range(0))));
     for (auto _ : state) benchmark::DoNotOptimize(HalveImage(image, 0.5));
     state.SetItemsProcessed(state.iterations() * pixels);
     if (!reference::Same(reference::Picture(*HalveImage(image, 0.5)),
@@ -45,12 +45,12 @@ BENCHMARK(HalveHalfWay)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 
 // A row of samples a third of a pixel apart, within the image.
 void SampleRow(benchmark::State& state) {
-    const Image image = Noise(static_cast<std::int32_t>(state.range(0)));
+    const Image image = Noise(DepthOf(static_cast<std::int32_t>(state.range(0))));
     constexpr int samples = 3000;
     const auto sampleAt = [&](int i) -> int {
         const double x = i / 3.0;
-        return image.depth == 0 ? SampleBilinear8(image, x, 100.4, edgeClamp).red
-                                : SampleBilinear14(image, x, 100.4, edgeClamp).red;
+        return image.GetDepth() == Depth::Eight ? SampleBilinear8(image, x, 100.4, edgeClamp).red
+                                                : SampleBilinear14(image, x, 100.4, edgeClamp).red;
     };
     for (auto _ : state)
         for (int i = 0; i < samples; ++i) benchmark::DoNotOptimize(sampleAt(i));
@@ -64,8 +64,8 @@ BENCHMARK(SampleRow)->Arg(0)->Arg(1);
 
 // Arguments: depth, workers.
 void CopyAll(benchmark::State& state) {
-    const Image source = Noise(static_cast<std::int32_t>(state.range(0)));
-    Image target(side, side, source.type, source.depth, 1);
+    const Image source = Noise(DepthOf(static_cast<std::int32_t>(state.range(0))));
+    Image target(side, side, source.GetPixelType(), source.GetDepth(), AlphaForm::Premultiplied);
     MultiProcessor::Restart(static_cast<std::int32_t>(state.range(1)));
     for (auto _ : state) target.CopyRegion(source, source);
     MultiProcessor::Restart(0);
@@ -77,7 +77,7 @@ BENCHMARK(CopyAll)->ArgsProduct({{0, 1}, {1, 2}})->UseRealTime();
 
 // Argument: depth. There and back: the picture is opaque, so that each round works on the same pixels.
 void PremultiplyAndBack(benchmark::State& state) {
-    Image image = Noise(static_cast<std::int32_t>(state.range(0)));
+    Image image = Noise(DepthOf(static_cast<std::int32_t>(state.range(0))));
     image.FillChannel(1.0);
     const reference::Picture before(image);
     for (auto _ : state) {
@@ -95,14 +95,14 @@ void FadeEdges(benchmark::State& state) {
     softMask.kind = static_cast<std::uint8_t>(state.range(0));
     softMask.rect = Rect(0, 0, side - 1, side - 1);
     softMask.softness = 100;
-    const Image source = Noise(static_cast<std::int32_t>(state.range(1)));
+    const Image source = Noise(DepthOf(static_cast<std::int32_t>(state.range(1))));
     const auto image = source.Clone();
     for (auto _ : state) {
         image->CopyRegion(source, source);
         softMask.ApplySoftMask(*image, 1.0);
     }
     state.SetItemsProcessed(state.iterations() * pixels);
-    if (image->depth == 0 && image->GetPixel8(512, 512) != source.GetPixel8(512, 512))
+    if (image->GetDepth() == Depth::Eight && image->GetPixel8(512, 512) != source.GetPixel8(512, 512))
         state.SkipWithError("the middle changed");
 }
 BENCHMARK(FadeEdges)->ArgsProduct({{SoftMask::rectangle, SoftMask::circle}, {0, 1}})->Unit(benchmark::kMillisecond);

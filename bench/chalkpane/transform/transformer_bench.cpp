@@ -16,7 +16,8 @@ constexpr std::uint32_t seed = 1;
 void ApplyTransform(benchmark::State& state, const Matrix3& matrix) {
     MultiProcessor::Restart(static_cast<std::int32_t>(state.range(3)));
     const auto size = static_cast<std::int32_t>(state.range(0));
-    Image source(size, size, static_cast<std::int32_t>(state.range(1)), static_cast<std::int32_t>(state.range(2)), 0);
+    Image source(size, size, static_cast<PixelType>(state.range(1)), DepthOf(static_cast<std::int32_t>(state.range(2))),
+                 AlphaForm::Straight);
     reference::FillWithNoise(source, seed);
     const double centre = size * 0.5;
     Transformer transformer;
@@ -26,7 +27,7 @@ void ApplyTransform(benchmark::State& state, const Matrix3& matrix) {
     state.SetItemsProcessed(state.iterations() * rect.Width() * rect.Height());
     const auto result = transformer.Apply(source, rect);
     reference::Picture wanted(rect.x0, rect.y0, rect.Width(), rect.Height(), source.IsMask() ? 1 : 4,
-                              source.depth != 0);
+                              source.GetDepth() == Depth::Fourteen);
     reference::ResampleInto(reference::Picture(source), source, transformer.Inverse(), rect, wanted);
     if (!reference::Same(reference::Picture(*result), wanted)) state.SkipWithError("differs from the plain reference");
     MultiProcessor::Restart(0);
@@ -38,7 +39,7 @@ void TurnImage(benchmark::State& state) { ApplyTransform(state, Matrix3::Rotatio
 // The 63 shifted copies of one mask, as a brush makes them when its width changes. Argument: the mask's side.
 void ShiftedMasks(benchmark::State& state) {
     const auto size = static_cast<std::int32_t>(state.range(0));
-    Image source(size, size, ImageDefinition::maskType, 0, 0);
+    Image source = Image::Mask(size, size, Depth::Eight);
     reference::FillWithNoise(source, seed);
     Transformer transformer;
     Rect rect;

@@ -215,8 +215,8 @@ TEST_CASE("a stroke that is ended without a beginning is survived") {
 }
 
 TEST_CASE("a target of one channel, or of no size, is left alone") {
-    Image mask(16, 16, ImageDefinition::maskType, 0, std::uint8_t{0});
-    Image empty(0, 0, ImageDefinition::colourType, 0, std::uint8_t{0});
+    Image mask = Image::Mask(16, 16, Depth::Eight);
+    Image empty = Image::Colour(0, 0, Depth::Eight, AlphaForm::Straight);
     BasicBrush brush("Chalk");
     for (Image* target : {&mask, &empty}) {
         brush.SetTarget(target);

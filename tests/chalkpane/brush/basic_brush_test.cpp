@@ -416,7 +416,7 @@ TEST_CASE("sources 6 and 7 replace what they cover, source 2 lies over it") {
 
 TEST_CASE("a cutout is painted while it is in use, and gone with null") {
     Image canvas = NewCanvas();
-    Image picture(3, 3, ImageDefinition::colourType, 0, std::uint8_t{0});
+    Image picture = Image::Colour(3, 3, Depth::Eight, AlphaForm::Straight);
     picture.FillChannel(1.0);
     BasicBrush brush("Cutout");
     brush.SetTarget(&canvas);
@@ -440,7 +440,7 @@ TEST_CASE("a cutout outlives the picture it was made of") {
     brush.SetTarget(&canvas);
     brush.SetColour(whitePaint);
     {
-        Image picture(3, 3, ImageDefinition::colourType, 0, std::uint8_t{0});
+        Image picture = Image::Colour(3, 3, Depth::Eight, AlphaForm::Straight);
         picture.FillChannel(1.0);
         brush.SetCutoutImage(&picture, true);
     }
@@ -516,7 +516,7 @@ public:
     using BasicBrush::paintPlaneOn;
 };
 
-Image NewMask() { return {64, 64, ImageDefinition::maskType, 0, std::uint8_t{0}}; }
+Image NewMask() { return Image::Mask(64, 64, Depth::Eight); }
 
 }  // namespace
 

@@ -11,7 +11,7 @@ namespace chalkpane {
 namespace {
 
 struct Dab {
-    std::int32_t depth = 0;
+    Depth depth = Depth::Eight;
     PasteBehaviour behaviour = PasteBehaviour::Over;
     double opacity = 1.0;
     std::uint8_t mode = 0;
@@ -24,9 +24,9 @@ struct Dab {
 
 // The pixel that a dab of one pixel leaves at (0, 0).
 ChannelValues Painted(const Dab& dab) {
-    const Image source = FlatImage(onePixel, ImageDefinition::colourType, dab.depth, dab.source);
-    const Image mask = FlatImage(onePixel, ImageDefinition::maskType, dab.depth, {dab.mask});
-    Image target = FlatImage(onePixel, ImageDefinition::colourType, dab.depth, dab.target, 1);
+    const Image source = FlatImage(onePixel, PixelType::Colour, dab.depth, dab.source);
+    const Image mask = FlatImage(onePixel, PixelType::Mask, dab.depth, {dab.mask});
+    Image target = FlatImage(onePixel, PixelType::Colour, dab.depth, dab.target, AlphaForm::Premultiplied);
     BrushPaster paster;
     paster.SetOpacity(dab.opacity);
     paster.SetMode(dab.mode);
@@ -40,9 +40,7 @@ struct Expected {
     int wanted;
 };
 
-Image ClipOf(int value, std::int32_t depth = 0) {
-    return FlatImage(onePixel, ImageDefinition::maskType, depth, {value});
-}
+Image ClipOf(int value, Depth depth = Depth::Eight) { return FlatImage(onePixel, PixelType::Mask, depth, {value}); }
 
 }  // namespace
 
@@ -55,8 +53,10 @@ TEST_CASE("one full 8-bit dab does not quite replace the target") {
 
 // Scale14(16383, 16383) = 16383, so A is full: d = s exactly.
 TEST_CASE("one full 14-bit dab replaces the target") {
-    CHECK_EQ(Painted({.depth = 1, .source = {200, 0, 16383, 16383}, .mask = 16383, .target = {100, 99, 98, 97}}),
-             ChannelValues{200, 0, 16383, 16383});
+    CHECK_EQ(
+        Painted(
+            {.depth = Depth::Fourteen, .source = {200, 0, 16383, 16383}, .mask = 16383, .target = {100, 99, 98, 97}}),
+        ChannelValues{200, 0, 16383, 16383});
 }
 
 // Opacity 1.0 * 255.001 truncates to 255; 1.1 would be 280 and is held at 255.
@@ -95,7 +95,7 @@ TEST_CASE("replacing by a transparent source lowers alpha") {
 TEST_CASE("compositing a transparent source does nothing") {
     const ChannelValues target{200, 150, 100, 220};
     CHECK_EQ(Painted({.source = {9, 9, 9, 0}, .target = target}), target);
-    CHECK_EQ(Painted({.depth = 1, .source = {9, 9, 9, 0}, .mask = 16383, .target = target}), target);
+    CHECK_EQ(Painted({.depth = Depth::Fourteen, .source = {9, 9, 9, 0}, .mask = 16383, .target = target}), target);
 }
 
 // a = Scale8(255, 255) = 255, A = Scale8(128, 255) = 128: d = Scale8(100, 0) + Scale8(200, 128) = 100, da = 128.
@@ -165,8 +165,12 @@ TEST_CASE("a blended paste reduces by the rounded product instead") {
 // Inverted with clip 8191: 16383 - 8191 = 8192, the same.
 TEST_CASE("at 14 bits the clip reduces likewise") {
     for (const Clip clipInverted : {Clip::Limiting, Clip::Inverted}) {
-        const Image clip = ClipOf(clipInverted == Clip::Limiting ? 8192 : 8191, 1);
-        Dab dab{.depth = 1, .source = {0, 0, 0, 16383}, .mask = 16383, .clip = &clip, .clipInverted = clipInverted};
+        const Image clip = ClipOf(clipInverted == Clip::Limiting ? 8192 : 8191, Depth::Fourteen);
+        Dab dab{.depth = Depth::Fourteen,
+                .source = {0, 0, 0, 16383},
+                .mask = 16383,
+                .clip = &clip,
+                .clipInverted = clipInverted};
         CHECK_EQ(Painted(dab)[3], 8191);
         dab.mode = 1;
         CHECK_EQ(Painted(dab)[3], 8192);
@@ -174,7 +178,7 @@ TEST_CASE("at 14 bits the clip reduces likewise") {
 }
 
 TEST_CASE("an inverted clip that lies elsewhere does nothing, a limiting one ends the paste") {
-    const Image far = FlatImage({5, 5, 9, 9}, ImageDefinition::maskType, 0, {255});
+    const Image far = FlatImage({5, 5, 9, 9}, PixelType::Mask, Depth::Eight, {255});
     Dab dab{.source = {255, 255, 255, 255}, .clip = &far, .clipInverted = Clip::Inverted};
     CHECK_EQ(Painted(dab), ChannelValues{254, 254, 254, 254});
     dab.clipInverted = Clip::Limiting;
@@ -216,11 +220,11 @@ TEST_CASE("a blended paste onto an opaque target mixes the blended colour in") {
 // m = 128: f = truncate(32768 * 1.003921627998352) = 32896; v = 32896; (32896 * 40 + 32640 * 200 + 32768) >> 16 =
 // 7876608 / 65536 = 120.2.
 TEST_CASE("a paste into a mask takes the red channel") {
-    const Image source = FlatImage(onePixel, 1, 0, {1, 2, 40, 255});
+    const Image source = FlatImage(onePixel, PixelType::Colour, Depth::Eight, {1, 2, 40, 255});
     for (const Expected& expected : {Expected{255, 40}, Expected{128, 120}, Expected{0, 200}}) {
         CAPTURE(expected.input);
-        const Image mask = FlatImage(onePixel, 2, 0, {expected.input});
-        Image target = FlatImage(onePixel, 2, 0, {200});
+        const Image mask = FlatImage(onePixel, PixelType::Mask, Depth::Eight, {expected.input});
+        Image target = FlatImage(onePixel, PixelType::Mask, Depth::Eight, {200});
         BrushPaster().PasteToMask(source, &mask, target, onePixel);
         CHECK_EQ(ValuesAt(target, 0, 0)[0], expected.wanted);
     }
@@ -230,11 +234,11 @@ TEST_CASE("a paste into a mask takes the red channel") {
 // With source alpha 8191: v = ((8191 + 0) * 65536) >> 14 = 32764: (32764 * 1000 + 0 + 32768) >> 16 = 500.4.
 TEST_CASE("a constant goes into a mask by the source's alpha, and what it lacks is lost") {
     BrushPaster paster;
-    const Image mask = FlatImage(onePixel, 2, 1, {16383});
+    const Image mask = FlatImage(onePixel, PixelType::Mask, Depth::Fourteen, {16383});
     for (const Expected& expected : {Expected{16383, 1000}, Expected{8191, 500}}) {
         CAPTURE(expected.input);
-        const Image source = FlatImage(onePixel, 1, 1, {1, 2, 3, expected.input});
-        Image target = FlatImage(onePixel, 2, 1, {9000});
+        const Image source = FlatImage(onePixel, PixelType::Colour, Depth::Fourteen, {1, 2, 3, expected.input});
+        Image target = FlatImage(onePixel, PixelType::Mask, Depth::Fourteen, {9000});
         paster.PasteValueToMask(source, &mask, target, onePixel, 1000);
         CHECK_EQ(ValuesAt(target, 0, 0)[0], expected.wanted);
     }
@@ -243,8 +247,8 @@ TEST_CASE("a constant goes into a mask by the source's alpha, and what it lacks 
 // A source of one channel is value and alpha at once: sa = 200, v = (201 * 65536) >> 8 = 51456;
 // (51456 * 200 + 0 + 32768) >> 16 = 157.5.
 TEST_CASE("a one-channel source of a mask paste is its own alpha") {
-    const Image source = FlatImage(onePixel, 2, 0, {200});
-    Image target = FlatImage(onePixel, 2, 0, {10});
+    const Image source = FlatImage(onePixel, PixelType::Mask, Depth::Eight, {200});
+    Image target = FlatImage(onePixel, PixelType::Mask, Depth::Eight, {10});
     BrushPaster().PasteToMask(source, nullptr, target, onePixel);
     CHECK_EQ(ValuesAt(target, 0, 0)[0], 157);
 }
@@ -252,8 +256,8 @@ TEST_CASE("a one-channel source of a mask paste is its own alpha") {
 // 0.5 * 256.01 = 128; f = truncate(255 * 128 * 1.003921627998352) = 32768; v = 32768:
 // (32768 * 40 + 32768 * 200 + 32768) >> 16 = 120.5.
 TEST_CASE("a mask paste has an opacity scale of its own") {
-    const Image source = FlatImage(onePixel, 1, 0, {1, 2, 40, 255});
-    Image target = FlatImage(onePixel, 2, 0, {200});
+    const Image source = FlatImage(onePixel, PixelType::Colour, Depth::Eight, {1, 2, 40, 255});
+    Image target = FlatImage(onePixel, PixelType::Mask, Depth::Eight, {200});
     BrushPaster paster;
     paster.SetOpacity(0.5);
     paster.PasteToMask(source, nullptr, target, onePixel);

@@ -13,7 +13,7 @@ namespace chalkpane {
 namespace {
 
 struct Wipe {
-    std::int32_t depth = 0;
+    Depth depth = Depth::Eight;
     double opacity = 1.0;
     int mask = 255;
     ChannelValues target{};
@@ -22,10 +22,10 @@ struct Wipe {
 };
 
 ChannelValues Wiped(const Wipe& wipe) {
-    const Image source(onePixel, ImageDefinition::colourType, wipe.depth, 0);
-    const Image mask = FlatImage(onePixel, ImageDefinition::maskType, wipe.depth, {wipe.mask});
-    const Image clip = FlatImage(onePixel, ImageDefinition::maskType, wipe.depth, {wipe.clip});
-    Image target = FlatImage(onePixel, ImageDefinition::colourType, wipe.depth, wipe.target, 1);
+    const Image source = Image::Colour(onePixel, wipe.depth, AlphaForm::Straight);
+    const Image mask = FlatImage(onePixel, PixelType::Mask, wipe.depth, {wipe.mask});
+    const Image clip = FlatImage(onePixel, PixelType::Mask, wipe.depth, {wipe.clip});
+    Image target = FlatImage(onePixel, PixelType::Colour, wipe.depth, wipe.target, AlphaForm::Premultiplied);
     Eraser eraser;
     eraser.SetOpacity(wipe.opacity);
     eraser.Paste(source, &mask, target, onePixel, 0, wipe.clip < 0 ? nullptr : &clip, wipe.clipInverted);
@@ -37,7 +37,8 @@ ChannelValues Wiped(const Wipe& wipe) {
 // op = truncate(256.001) = 256: f = 1 - 255 / 255.0 * 256 / 256 = 0.
 TEST_CASE("a full dab at full opacity erases everything at once") {
     CHECK_EQ(Wiped({.target = {200, 150, 100, 255}}), ChannelValues{0, 0, 0, 0});
-    CHECK_EQ(Wiped({.depth = 1, .mask = 16383, .target = {9000, 1, 16383, 16383}}), ChannelValues{0, 0, 0, 0});
+    CHECK_EQ(Wiped({.depth = Depth::Fourteen, .mask = 16383, .target = {9000, 1, 16383, 16383}}),
+             ChannelValues{0, 0, 0, 0});
 }
 
 TEST_CASE("no opacity and no mask leave the pixel untouched") {
@@ -73,18 +74,23 @@ TEST_CASE("the clip of the eraser reduces by a shift") {
 // Clip 16383: t = (1 * 16384) >> 14 = 1, p = 1: f = 1 - 1 / 16384: 16383 * f + 0.5 = 16382.5 + a little less than
 // nothing: 16383 - 0.99994 + 0.5 = 16382.50006. From 16383 it would be p = 0 and 16383.
 TEST_CASE("at 14 bits the inverted clip subtracts from 16384") {
-    CHECK_EQ(
-        Wiped({.depth = 1, .mask = 16383, .target = {16383, 0, 0, 0}, .clip = 1, .clipInverted = Clip::Inverted})[0],
-        0);
-    CHECK_EQ(
-        Wiped(
-            {.depth = 1, .mask = 16383, .target = {16383, 0, 0, 0}, .clip = 16383, .clipInverted = Clip::Inverted})[0],
-        16382);
+    CHECK_EQ(Wiped({.depth = Depth::Fourteen,
+                    .mask = 16383,
+                    .target = {16383, 0, 0, 0},
+                    .clip = 1,
+                    .clipInverted = Clip::Inverted})[0],
+             0);
+    CHECK_EQ(Wiped({.depth = Depth::Fourteen,
+                    .mask = 16383,
+                    .target = {16383, 0, 0, 0},
+                    .clip = 16383,
+                    .clipInverted = Clip::Inverted})[0],
+             16382);
 }
 
 TEST_CASE("erasing reads only the depth of its source and works without a mask") {
-    const Image source(Rect(), 1, 0, 0);
-    Image target = FlatImage({0, 0, 3, 3}, 1, 0, {9, 9, 9, 9});
+    const Image source = Image::Colour(Rect(), Depth::Eight, AlphaForm::Straight);
+    Image target = FlatImage({0, 0, 3, 3}, PixelType::Colour, Depth::Eight, {9, 9, 9, 9});
     SharedEraser().SetOpacity(1.0);
     SharedEraser().Paste(source, nullptr, target, {1, 1, 1, 1}, 0, nullptr, Clip::Limiting);
     CHECK_EQ(ValuesAt(target, 1, 1), ChannelValues{0, 0, 0, 0});
@@ -105,7 +111,7 @@ TEST_CASE("the eraser declares its opacity") {
     value.setDouble(0.0);
     Eraser eraser;
     eraser.setParameter(&value);
-    Image target = FlatImage(onePixel, 1, 0, {9, 9, 9, 9});
+    Image target = FlatImage(onePixel, PixelType::Colour, Depth::Eight, {9, 9, 9, 9});
     eraser.Paste(target, nullptr, target, onePixel, 0, nullptr, Clip::Limiting);
     CHECK_EQ(ValuesAt(target, 0, 0), ChannelValues{9, 9, 9, 9});
 }

@@ -10,9 +10,9 @@
 namespace chalkpane {
 
 // Noise, with a good part of the channels at the ends of the range, where the rules change.
-inline Image NoiseImage(const Rect& rect, std::int32_t type, std::int32_t depth, std::uint32_t seed,
-                        std::uint8_t flag = 0) {
-    Image image(rect, type, depth, flag);
+inline Image NoiseImage(const Rect& rect, PixelType type, Depth depth, std::uint32_t seed,
+                        AlphaForm form = AlphaForm::Straight) {
+    Image image(rect, type, depth, form);
     reference::FillWithNoise(image, seed);
     std::mt19937 random(seed + 1);
     const auto sharpen = [&](auto row, auto full) {
@@ -23,7 +23,7 @@ inline Image NoiseImage(const Rect& rect, std::int32_t type, std::int32_t depth,
         }
     };
     for (std::int32_t y = image.y0; y <= image.y1; ++y) {
-        if (depth == 0)
+        if (depth == Depth::Eight)
             sharpen(image.Row8(y), std::uint8_t{255});
         else
             sharpen(image.Row14(y), std::uint16_t{16383});
@@ -44,14 +44,14 @@ inline Rect RandomRect(std::mt19937& random) {
 using ChannelValues = std::array<int, 4>;
 
 // One colour everywhere, in the image's own scale; of a mask the first value.
-inline Image FlatImage(const Rect& rect, std::int32_t type, std::int32_t depth, const ChannelValues& values,
-                       std::uint8_t flag = 0) {
-    Image image(rect, type, depth, flag);
+inline Image FlatImage(const Rect& rect, PixelType type, Depth depth, const ChannelValues& values,
+                       AlphaForm form = AlphaForm::Straight) {
+    Image image(rect, type, depth, form);
     const std::size_t channels = image.IsMask() ? 1 : 4;
     for (std::int32_t y = image.y0; y <= image.y1; ++y)
         for (std::int32_t x = image.x0; x <= image.x1; ++x)
             for (std::size_t c = 0; c < channels; ++c) {
-                if (depth == 0)
+                if (depth == Depth::Eight)
                     reinterpret_cast<std::uint8_t*>(image.Address(x, y))[c] = static_cast<std::uint8_t>(values[c]);
                 else
                     reinterpret_cast<std::uint16_t*>(image.Address(x, y))[c] = static_cast<std::uint16_t>(values[c]);

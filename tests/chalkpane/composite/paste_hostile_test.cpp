@@ -52,12 +52,12 @@ void PasteAll(const Image& source, const Image* mask, Image& target, const Rect&
 }  // namespace
 
 TEST_CASE("any rectangle is survived") {
-    for (const std::int32_t depth : {0, 1}) {
-        const Image source = NoiseImage({-4, -4, 9, 9}, 1, depth, 1);
-        const Image mask = NoiseImage({2, 2, 5, 30}, 2, depth, 2);
-        const Image clip = NoiseImage({4, -9, 30, 4}, 1, depth, 3);
+    for (const Depth depth : {Depth::Eight, Depth::Fourteen}) {
+        const Image source = NoiseImage({-4, -4, 9, 9}, PixelType::Colour, depth, 1);
+        const Image mask = NoiseImage({2, 2, 5, 30}, PixelType::Mask, depth, 2);
+        const Image clip = NoiseImage({4, -9, 30, 4}, PixelType::Colour, depth, 3);
         for (const Rect& rect : hostileRects) {
-            Image target = NoiseImage({0, 0, 19, 19}, 1, depth, 4);
+            Image target = NoiseImage({0, 0, 19, 19}, PixelType::Colour, depth, 4);
             PasteAll(source, &mask, target, rect, &clip);
             PasteAll(source, nullptr, target, rect, nullptr);
         }
@@ -67,15 +67,15 @@ TEST_CASE("any rectangle is survived") {
 TEST_CASE("pictures at the ends of the plane are pasted") {
     for (const Rect& bounds : {Rect(highest - 12, highest - 5, highest, highest),
                                Rect(lowest, lowest, lowest + 12, lowest + 5), Rect(highest, lowest, highest, lowest)}) {
-        for (const std::int32_t depth : {0, 1}) {
-            const auto placed = [&](std::int32_t type, unsigned seed) {
+        for (const Depth depth : {Depth::Eight, Depth::Fourteen}) {
+            const auto placed = [&](PixelType type, unsigned seed) {
                 Image image = NoiseImage({0, 0, bounds.Width() - 1, bounds.Height() - 1}, type, depth, seed);
                 image.MoveTo(bounds.x0, bounds.y0);
                 return image;
             };
-            const Image source = placed(1, 1);
-            const Image mask = placed(2, 2);
-            for (const std::int32_t type : {1, 2}) {
+            const Image source = placed(PixelType::Colour, 1);
+            const Image mask = placed(PixelType::Mask, 2);
+            for (const PixelType type : {PixelType::Colour, PixelType::Mask}) {
                 Image target = placed(type, 3);
                 PasteAll(source, &mask, target, bounds, &mask);
                 PasteAll(source, nullptr, target, {lowest, lowest, highest, highest}, nullptr);
@@ -85,9 +85,9 @@ TEST_CASE("pictures at the ends of the plane are pasted") {
 }
 
 TEST_CASE("a rectangle without end is cut to the images") {
-    const Image source = FlatImage({-4, -4, 9, 9}, 1, 0, {255, 255, 255, 255});
-    const Image mask = FlatImage({2, 2, 5, 30}, 2, 0, {255});
-    Image target({0, 0, 19, 19}, 1, 0, 1);
+    const Image source = FlatImage({-4, -4, 9, 9}, PixelType::Colour, Depth::Eight, {255, 255, 255, 255});
+    const Image mask = FlatImage({2, 2, 5, 30}, PixelType::Mask, Depth::Eight, {255});
+    Image target = Image::Colour({0, 0, 19, 19}, Depth::Eight, AlphaForm::Premultiplied);
     BrushPaster().Paste(source, &mask, target, PasteBehaviour::Over, {lowest, lowest, highest, highest}, 0, nullptr,
                         Clip::Limiting);
     for (int y = 0; y < 20; ++y)
@@ -97,11 +97,12 @@ TEST_CASE("a rectangle without end is cut to the images") {
 TEST_CASE("images of another depth or format change nothing") {
     const Rect rect{0, 0, 9, 9};
     for (int i = 0; i < 64; ++i) {
-        const auto depthOf = [i](int bit) { return i >> bit & 1; };
-        const Image source = NoiseImage(rect, depthOf(4) + 1, depthOf(0), 1);
-        const Image mask = NoiseImage(rect, 2, depthOf(1), 2);
-        const Image clip = NoiseImage(rect, 2, depthOf(2), 3);
-        Image target = NoiseImage(rect, depthOf(5) + 1, depthOf(3), 4);
+        const auto depthOf = [i](int bit) { return DepthOf(i >> bit & 1); };
+        const auto typeOf = [i](int bit) { return (i >> bit & 1) != 0 ? PixelType::Mask : PixelType::Colour; };
+        const Image source = NoiseImage(rect, typeOf(4), depthOf(0), 1);
+        const Image mask = NoiseImage(rect, PixelType::Mask, depthOf(1), 2);
+        const Image clip = NoiseImage(rect, PixelType::Mask, depthOf(2), 3);
+        Image target = NoiseImage(rect, typeOf(5), depthOf(3), 4);
         const reference::Picture before(target);
         if (depthOf(0) != depthOf(3)) {
             PasteAll(source, &mask, target, rect, &clip);
@@ -114,10 +115,10 @@ TEST_CASE("images of another depth or format change nothing") {
 }
 
 TEST_CASE("empty images are survived") {
-    const Image nothing(Rect(), 1, 0, 0);
-    const Image nothingMask(Rect(), 2, 0, 0);
-    Image target = NoiseImage({0, 0, 9, 9}, 1, 0, 1);
-    Image emptyTarget(Rect(), 1, 0, 0);
+    const Image nothing = Image::Colour(Rect(), Depth::Eight, AlphaForm::Straight);
+    const Image nothingMask = Image::Mask(Rect(), Depth::Eight);
+    Image target = NoiseImage({0, 0, 9, 9}, PixelType::Colour, Depth::Eight, 1);
+    Image emptyTarget = Image::Colour(Rect(), Depth::Eight, AlphaForm::Straight);
     PasteAll(nothing, nullptr, target, target, nullptr);
     PasteAll(target, &nothingMask, target, target, nullptr);
     PasteAll(target, nullptr, target, target, &nothingMask);
@@ -128,19 +129,19 @@ TEST_CASE("empty images are survived") {
 TEST_CASE("14-bit words beyond full scale overflow nothing") {
     const Rect rect{0, 0, 15, 15};
     std::mt19937 random(5);
-    const auto wild = [&](std::int32_t type) {
-        Image image(rect, type, 1, static_cast<std::uint8_t>(random() & 1));
+    const auto wild = [&](PixelType type) {
+        Image image(rect, type, Depth::Fourteen, (random() & 1) != 0 ? AlphaForm::Premultiplied : AlphaForm::Straight);
         for (std::int32_t y = image.y0; y <= image.y1; ++y)
             for (auto& word : image.Row14(y)) word = static_cast<std::uint16_t>(random() % 3 == 0 ? 65535 : random());
         return image;
     };
     for (int i = 0; i < 20; ++i) {
-        const Image source = wild(1);
-        const Image sourceMask = wild(2);
-        const Image mask = wild(2);
-        const Image clip = wild(2);
-        Image target = wild(1);
-        Image targetMask = wild(2);
+        const Image source = wild(PixelType::Colour);
+        const Image sourceMask = wild(PixelType::Mask);
+        const Image mask = wild(PixelType::Mask);
+        const Image clip = wild(PixelType::Mask);
+        Image target = wild(PixelType::Colour);
+        Image targetMask = wild(PixelType::Mask);
         for (const Image* from : {&source, &sourceMask}) {
             PasteAll(*from, &mask, target, rect, &clip);
             PasteAll(*from, &mask, targetMask, rect, nullptr);
@@ -151,10 +152,10 @@ TEST_CASE("14-bit words beyond full scale overflow nothing") {
 
 TEST_CASE("opacities without sense are survived") {
     constexpr double infinity = std::numeric_limits<double>::infinity();
-    const Image source = NoiseImage({0, 0, 9, 9}, 1, 1, 1);
-    const Image mask = NoiseImage({0, 0, 9, 9}, 2, 1, 2);
-    Image target = NoiseImage({0, 0, 9, 9}, 1, 1, 3);
-    Image targetMask = NoiseImage({0, 0, 9, 9}, 2, 1, 3);
+    const Image source = NoiseImage({0, 0, 9, 9}, PixelType::Colour, Depth::Fourteen, 1);
+    const Image mask = NoiseImage({0, 0, 9, 9}, PixelType::Mask, Depth::Fourteen, 2);
+    Image target = NoiseImage({0, 0, 9, 9}, PixelType::Colour, Depth::Fourteen, 3);
+    Image targetMask = NoiseImage({0, 0, 9, 9}, PixelType::Mask, Depth::Fourteen, 3);
     for (const double opacity : {infinity, -infinity, 1e300, 1e-300, std::numeric_limits<double>::quiet_NaN()}) {
         BrushPaster paster;
         paster.SetOpacity(opacity);

@@ -22,18 +22,22 @@ constexpr std::array opacities{1.0, 0.9961, 0.99609375, 0.73, 0.5, 0.003, 1.5};
 // Everything that one random paste needs, and the same for the reference.
 class Scene {
 public:
-    Scene(std::uint32_t seed, std::int32_t depth, ClipKind clipKind, std::int32_t sourceType, std::int32_t targetType)
+    Scene(std::uint32_t seed, Depth depth, ClipKind clipKind, PixelType sourceType, PixelType targetType)
         : random(seed),
-          source(NoiseImage(RandomRect(random), sourceType, depth, seed * 5, static_cast<std::uint8_t>(random() & 1))),
-          target(NoiseImage({0, 0, 39, 36}, targetType, depth, seed * 5 + 1, 1)),
+          source(NoiseImage(RandomRect(random), sourceType, depth, seed * 5,
+                            (random() & 1) != 0 ? AlphaForm::Premultiplied : AlphaForm::Straight)),
+          target(NoiseImage({0, 0, 39, 36}, targetType, depth, seed * 5 + 1, AlphaForm::Premultiplied)),
           rect(RandomRect(random)),
           opacity(opacities[random() % opacities.size()]),
           sourcePicture(source),
           targetPicture(target) {
         const auto maskKind = random() % 3;
-        if (maskKind != 0) mask.emplace(NoiseImage(RandomRect(random), maskKind == 1 ? 2 : 1, depth, seed * 5 + 2));
+        if (maskKind != 0)
+            mask.emplace(NoiseImage(RandomRect(random), maskKind == 1 ? PixelType::Mask : PixelType::Colour, depth,
+                                    seed * 5 + 2));
         if (clipKind != ClipKind::None)
-            clip.emplace(NoiseImage(RandomRect(random), random() % 2 == 0 ? 2 : 1, depth, seed * 5 + 3));
+            clip.emplace(NoiseImage(RandomRect(random), random() % 2 == 0 ? PixelType::Mask : PixelType::Colour, depth,
+                                    seed * 5 + 3));
         if (mask) maskPicture.emplace(*mask);
         if (clip) clipPicture.emplace(*clip);
         clipInverted = clipKind == ClipKind::Inverted ? Clip::Inverted : Clip::Limiting;
@@ -67,9 +71,9 @@ public:
     std::optional<reference::Picture> clipPicture;
 };
 
-void CompareBrushPaste(std::uint32_t seed, std::int32_t depth, ClipKind clipKind, std::uint8_t mode,
+void CompareBrushPaste(std::uint32_t seed, Depth depth, ClipKind clipKind, std::uint8_t mode,
                        PasteBehaviour behaviour) {
-    Scene scene(seed, depth, clipKind, ImageDefinition::colourType, ImageDefinition::colourType);
+    Scene scene(seed, depth, clipKind, PixelType::Colour, PixelType::Colour);
     BrushPaster paster;
     paster.SetOpacity(scene.opacity);
     paster.SetMode(mode);
@@ -89,7 +93,7 @@ void CompareBrushPaste(std::uint32_t seed, std::int32_t depth, ClipKind clipKind
 
 template <typename Compare>
 void ForEachDepthAndClip(Compare compare) {
-    for (const std::int32_t depth : {0, 1})
+    for (const Depth depth : {Depth::Eight, Depth::Fourteen})
         for (const ClipKind clipKind : clipKinds) compare(depth, clipKind);
 }
 
@@ -97,7 +101,7 @@ void ForEachDepthAndClip(Compare compare) {
 
 TEST_CASE("unblended dabs agree with the plain reference") {
     std::uint32_t seed = 1000;
-    ForEachDepthAndClip([&](std::int32_t depth, ClipKind clipKind) {
+    ForEachDepthAndClip([&](Depth depth, ClipKind clipKind) {
         for (int i = 0; i < 100; ++i) {
             CompareBrushPaste(seed++, depth, clipKind, 0, PasteBehaviour::Over);
             CompareBrushPaste(seed++, depth, clipKind, 0, PasteBehaviour::Replace);
@@ -107,7 +111,7 @@ TEST_CASE("unblended dabs agree with the plain reference") {
 
 TEST_CASE("blended dabs agree with the plain reference in every mode") {
     std::uint32_t seed = 5000;
-    ForEachDepthAndClip([&](std::int32_t depth, ClipKind clipKind) {
+    ForEachDepthAndClip([&](Depth depth, ClipKind clipKind) {
         for (int mode = 1; mode < blendModeCount; ++mode) {
             for (int i = 0; i < 3; ++i) {
                 CompareBrushPaste(seed++, depth, clipKind, static_cast<std::uint8_t>(mode), PasteBehaviour::Over);
@@ -119,9 +123,9 @@ TEST_CASE("blended dabs agree with the plain reference in every mode") {
 
 TEST_CASE("erasing agrees with the plain reference") {
     std::uint32_t seed = 20000;
-    ForEachDepthAndClip([&](std::int32_t depth, ClipKind clipKind) {
+    ForEachDepthAndClip([&](Depth depth, ClipKind clipKind) {
         for (int i = 0; i < 100; ++i, ++seed) {
-            Scene scene(seed, depth, clipKind, ImageDefinition::colourType, ImageDefinition::colourType);
+            Scene scene(seed, depth, clipKind, PixelType::Colour, PixelType::Colour);
             Eraser eraser;
             eraser.SetOpacity(scene.opacity);
             eraser.Paste(scene.source, scene.Mask(), scene.target, scene.rect, 0, scene.ClipImage(),
@@ -137,12 +141,13 @@ TEST_CASE("erasing agrees with the plain reference") {
 
 TEST_CASE("pastes into a mask agree with the plain reference") {
     std::uint32_t seed = 30000;
-    for (const std::int32_t depth : {0, 1}) {
+    for (const Depth depth : {Depth::Eight, Depth::Fourteen}) {
         for (int i = 0; i < 200; ++i, ++seed) {
-            Scene scene(seed, depth, ClipKind::None, i % 3 == 0 ? 2 : 1, ImageDefinition::maskType);
+            Scene scene(seed, depth, ClipKind::None, i % 3 == 0 ? PixelType::Mask : PixelType::Colour, PixelType::Mask);
             BrushPaster paster;
             paster.SetOpacity(scene.opacity);
-            const int value = i % 2 == 0 ? -1 : static_cast<int>(scene.random() & (depth == 0 ? 0xff : 0x3fff));
+            const int value =
+                i % 2 == 0 ? -1 : static_cast<int>(scene.random() & (depth == Depth::Eight ? 0xff : 0x3fff));
             if (value < 0)
                 paster.PasteToMask(scene.source, scene.Mask(), scene.target, scene.rect);
             else
@@ -158,9 +163,9 @@ TEST_CASE("pastes into a mask agree with the plain reference") {
 
 TEST_CASE("compositing and replacing agree with the plain reference") {
     std::uint32_t seed = 40000;
-    ForEachDepthAndClip([&](std::int32_t depth, ClipKind clipKind) {
+    ForEachDepthAndClip([&](Depth depth, ClipKind clipKind) {
         for (int i = 0; i < 200; ++i, ++seed) {
-            Scene scene(seed, depth, clipKind, ImageDefinition::colourType, ImageDefinition::colourType);
+            Scene scene(seed, depth, clipKind, PixelType::Colour, PixelType::Colour);
             const bool visible = i % 16 != 15;
             Paster paster;
             paster.SetOpacity(scene.opacity);
@@ -183,13 +188,14 @@ TEST_CASE("compositing and replacing agree with the plain reference") {
 
 TEST_CASE("compositing onto a mask agrees with the plain reference") {
     std::uint32_t seed = 50000;
-    for (const std::int32_t depth : {0, 1}) {
+    for (const Depth depth : {Depth::Eight, Depth::Fourteen}) {
         for (int i = 0; i < 300; ++i, ++seed) {
             const auto what = static_cast<reference::Onto>(i % 3);
-            Scene scene(seed, depth, ClipKind::None, what == reference::Onto::Red ? 1 : 2, ImageDefinition::maskType);
+            Scene scene(seed, depth, ClipKind::None, what == reference::Onto::Red ? PixelType::Colour : PixelType::Mask,
+                        PixelType::Mask);
             Paster paster;
             paster.SetOpacity(scene.opacity);
-            const auto value = static_cast<std::uint16_t>(scene.random() & (depth == 0 ? 0xff : 0x3fff));
+            const auto value = static_cast<std::uint16_t>(scene.random() & (depth == Depth::Eight ? 0xff : 0x3fff));
             if (what == reference::Onto::Red) paster.PasteOnto(scene.source, scene.target, scene.rect, 0);
             if (what == reference::Onto::Mask) paster.PasteMaskOnto(scene.source, scene.target, scene.rect);
             if (what == reference::Onto::Value) paster.PasteValueOnto(value, scene.source, scene.target, scene.rect);
@@ -204,12 +210,12 @@ TEST_CASE("compositing onto a mask agrees with the plain reference") {
 
 // Three pieces of the scratch rows, the last one short.
 TEST_CASE("a blended paste of any width goes in pieces") {
-    for (const std::int32_t depth : {0, 1}) {
+    for (const Depth depth : {Depth::Eight, Depth::Fourteen}) {
         const Rect wide{-3, 0, 2200, 2};
-        const Image source = NoiseImage(wide, 1, depth, 71);
-        const Image mask = NoiseImage(wide, 2, depth, 72);
-        const Image clip = NoiseImage({500, 1, 1900, 1}, 2, depth, 73);
-        Image target = NoiseImage(wide, 1, depth, 74);
+        const Image source = NoiseImage(wide, PixelType::Colour, depth, 71);
+        const Image mask = NoiseImage(wide, PixelType::Mask, depth, 72);
+        const Image clip = NoiseImage({500, 1, 1900, 1}, PixelType::Mask, depth, 73);
+        Image target = NoiseImage(wide, PixelType::Colour, depth, 74);
         const reference::Picture sourcePicture(source);
         const reference::Picture maskPicture(mask);
         const reference::Picture clipPicture(clip);
@@ -231,12 +237,12 @@ TEST_CASE("a blended paste of any width goes in pieces") {
 
 TEST_CASE("one worker and many paint the same bytes") {
     const Rect large{0, 0, 399, 309};  // more than five bands of rows
-    for (const std::int32_t depth : {0, 1}) {
-        const Image source = NoiseImage(large, 1, depth, 81, 1);
-        const Image mask = NoiseImage(large, 2, depth, 82);
+    for (const Depth depth : {Depth::Eight, Depth::Fourteen}) {
+        const Image source = NoiseImage(large, PixelType::Colour, depth, 81, AlphaForm::Premultiplied);
+        const Image mask = NoiseImage(large, PixelType::Mask, depth, 82);
         const auto paintAll = [&](std::int32_t workers) {
             MultiProcessor::Restart(workers);
-            Image target = NoiseImage(large, 1, depth, 83, 1);
+            Image target = NoiseImage(large, PixelType::Colour, depth, 83, AlphaForm::Premultiplied);
             BrushPaster paster;
             paster.Paste(source, &mask, target, PasteBehaviour::Over, large, 0, nullptr, Clip::Limiting);
             paster.SetMode(4);

@@ -12,8 +12,8 @@ namespace chalkpane {
 namespace {
 
 struct PasteCase {
-    std::int32_t depth = 0;
-    std::uint8_t premultiplied = 1;
+    Depth depth = Depth::Eight;
+    AlphaForm form = AlphaForm::Premultiplied;
     double opacity = 1.0;
     ChannelValues source{};
     ChannelValues target{};
@@ -24,10 +24,9 @@ struct PasteCase {
 };
 
 ChannelValues Composited(const PasteCase& given) {
-    const Image source =
-        FlatImage(onePixel, ImageDefinition::colourType, given.depth, given.source, given.premultiplied);
-    const Image clip = FlatImage(onePixel, ImageDefinition::maskType, given.depth, {given.clip});
-    Image target = FlatImage(onePixel, ImageDefinition::colourType, given.depth, given.target, 1);
+    const Image source = FlatImage(onePixel, PixelType::Colour, given.depth, given.source, given.form);
+    const Image clip = FlatImage(onePixel, PixelType::Mask, given.depth, {given.clip});
+    Image target = FlatImage(onePixel, PixelType::Colour, given.depth, given.target, AlphaForm::Premultiplied);
     Paster paster;
     paster.SetOpacity(given.opacity);
     paster.SetVisible(given.visible);
@@ -41,16 +40,16 @@ ChannelValues Composited(const PasteCase& given) {
 
 // A one-channel target of `value` after one of the operations onto such a target.
 template <typename Operation>
-int Onto(std::int32_t depth, int value, double opacity, Operation operation) {
-    Image target = FlatImage(onePixel, ImageDefinition::maskType, depth, {value});
+int Onto(Depth depth, int value, double opacity, Operation operation) {
+    Image target = FlatImage(onePixel, PixelType::Mask, depth, {value});
     Paster paster;
     paster.SetOpacity(opacity);
     operation(paster, target);
     return ValuesAt(target, 0, 0)[0];
 }
 
-int MaskOnto(std::int32_t depth, int coverage, int value, double opacity) {
-    const Image mask = FlatImage(onePixel, ImageDefinition::maskType, depth, {coverage});
+int MaskOnto(Depth depth, int coverage, int value, double opacity) {
+    const Image mask = FlatImage(onePixel, PixelType::Mask, depth, {coverage});
     return Onto(depth, value, opacity,
                 [&](Paster& paster, Image& target) { paster.PasteMaskOnto(mask, target, onePixel); });
 }
@@ -58,12 +57,12 @@ int MaskOnto(std::int32_t depth, int coverage, int value, double opacity) {
 }  // namespace
 
 TEST_CASE("an opaque source at full opacity is copied") {
-    for (const std::uint8_t premultiplied : {std::uint8_t{0}, std::uint8_t{1}}) {
-        CHECK_EQ(Composited({.premultiplied = premultiplied, .source = {1, 2, 3, 255}, .target = {9, 9, 9, 9}}),
+    for (const AlphaForm form : {AlphaForm::Straight, AlphaForm::Premultiplied}) {
+        CHECK_EQ(Composited({.form = form, .source = {1, 2, 3, 255}, .target = {9, 9, 9, 9}}),
                  ChannelValues{1, 2, 3, 255});
-        CHECK_EQ(Composited(
-                     {.depth = 1, .premultiplied = premultiplied, .source = {1, 2, 3, 16383}, .target = {9, 9, 9, 9}}),
-                 ChannelValues{1, 2, 3, 16383});
+        CHECK_EQ(
+            Composited({.depth = Depth::Fourteen, .form = form, .source = {1, 2, 3, 16383}, .target = {9, 9, 9, 9}}),
+            ChannelValues{1, 2, 3, 16383});
     }
 }
 
@@ -108,14 +107,17 @@ TEST_CASE("half opacity of a premultiplied source") {
 // w = 201 * 256 = 51456, v = 14080: (150 * 51456 + 100 * 14080) >> 16 = 9126400 >> 16 = 139; alpha
 // (100 * 14080 + 51456 * 255) >> 16 = 14529280 >> 16 = 221.
 TEST_CASE("a straight source is weighted by its alpha") {
-    CHECK_EQ(Composited({.premultiplied = 0, .source = {150, 0, 0, 200}, .target = {100, 0, 0, 100}}),
+    CHECK_EQ(Composited({.form = AlphaForm::Straight, .source = {150, 0, 0, 200}, .target = {100, 0, 0, 100}}),
              ChannelValues{139, 0, 0, 221});
 }
 
 // 14 bits: a' = 8192 + 1 = 8193, p = 16384, w = 8193 << 14, v = 2^28 - w: (16000 * 8193 + 100 * 8191) / 16384 = 8051.
 // 131088000 + 819100 = 131907100; / 16384 = 8050.97. Alpha (0 + 8193 * 16383) / 16384 = 8192.5.
 TEST_CASE("at 14 bits a straight source needs 42 bits") {
-    CHECK_EQ(Composited({.depth = 1, .premultiplied = 0, .source = {16000, 0, 0, 8192}, .target = {100, 0, 0, 0}}),
+    CHECK_EQ(Composited({.depth = Depth::Fourteen,
+                         .form = AlphaForm::Straight,
+                         .source = {16000, 0, 0, 8192},
+                         .target = {100, 0, 0, 0}}),
              ChannelValues{8050, 0, 0, 8192});
 }
 
@@ -152,9 +154,11 @@ TEST_CASE("replacing copies above 255/256 of opacity and pastes at it") {
 }
 
 TEST_CASE("replacing clears its rectangle around the source and nothing else") {
-    const Image source = FlatImage({2, 2, 4, 4}, 1, 0, {7, 7, 7, 255}, 1);
+    const Image source =
+        FlatImage({2, 2, 4, 4}, PixelType::Colour, Depth::Eight, {7, 7, 7, 255}, AlphaForm::Premultiplied);
     for (const double opacity : {1.0, 0.5}) {
-        Image target = FlatImage({0, 0, 9, 9}, 1, 0, {50, 50, 50, 50}, 1);
+        Image target =
+            FlatImage({0, 0, 9, 9}, PixelType::Colour, Depth::Eight, {50, 50, 50, 50}, AlphaForm::Premultiplied);
         Paster paster;
         paster.SetOpacity(opacity);
         paster.Replace(source, target, {1, 1, 5, 5}, 0, nullptr, Clip::Limiting);
@@ -167,7 +171,7 @@ TEST_CASE("replacing clears its rectangle around the source and nothing else") {
                     CHECK_EQ(alpha, Rect(1, 1, 5, 5).Contains(x, y) ? 0 : 50);
             }
     }
-    Image target = FlatImage({0, 0, 9, 9}, 1, 0, {50, 50, 50, 50}, 1);
+    Image target = FlatImage({0, 0, 9, 9}, PixelType::Colour, Depth::Eight, {50, 50, 50, 50}, AlphaForm::Premultiplied);
     Paster().Replace(source, target, {6, 6, 20, 20}, 0, nullptr, Clip::Limiting);  // misses the source
     CHECK_EQ(ValuesAt(target, 6, 6)[3], 0);
     CHECK_EQ(ValuesAt(target, 5, 5)[3], 50);
@@ -176,12 +180,13 @@ TEST_CASE("replacing clears its rectangle around the source and nothing else") {
 // The factor takes part while it is set: 0.5F * 0.5 = 0.25, op = 64; k = (65536 - 256 * 64) >> 8 = 192:
 // (200 * 64) >> 8 = 50. Without it op = 128: 100.
 TEST_CASE("a factor multiplies the opacity") {
-    const Image source = FlatImage(onePixel, 1, 0, {200, 0, 0, 255}, 1);
+    const Image source =
+        FlatImage(onePixel, PixelType::Colour, Depth::Eight, {200, 0, 0, 255}, AlphaForm::Premultiplied);
     Paster paster;
     paster.SetOpacity(0.5);
     paster.SetFactor(0.5F);
     for (const int wanted : {50, 100}) {
-        Image target(onePixel, 1, 0, 1);
+        Image target = Image::Colour(onePixel, Depth::Eight, AlphaForm::Premultiplied);
         paster.Paste(source, target, onePixel, 0, nullptr, Clip::Limiting);
         CHECK_EQ(ValuesAt(target, 0, 0)[0], wanted);
         paster.RemoveFactor();
@@ -190,34 +195,34 @@ TEST_CASE("a factor multiplies the opacity") {
 
 // w = 256 * 128 = 32768: (32768 * 200 + 32768 * 40) >> 16 = 120. Full alpha and opacity: the red channel.
 TEST_CASE("red goes onto a mask by alpha") {
-    const Image source = FlatImage(onePixel, 1, 0, {1, 2, 40, 255});
+    const Image source = FlatImage(onePixel, PixelType::Colour, Depth::Eight, {1, 2, 40, 255});
     const auto paste = [&](Paster& paster, Image& target) { paster.PasteOnto(source, target, onePixel, 0); };
-    CHECK_EQ(Onto(0, 200, 0.5, paste), 120);
-    CHECK_EQ(Onto(0, 200, 1.0, paste), 40);
+    CHECK_EQ(Onto(Depth::Eight, 200, 0.5, paste), 120);
+    CHECK_EQ(Onto(Depth::Eight, 200, 1.0, paste), 40);
 }
 
 TEST_CASE("a constant goes onto a mask through another") {
-    const Image mask = FlatImage(onePixel, 2, 0, {255});
+    const Image mask = FlatImage(onePixel, PixelType::Mask, Depth::Eight, {255});
     const auto paste = [&](Paster& paster, Image& target) { paster.PasteValueOnto(40, mask, target, onePixel); };
-    CHECK_EQ(Onto(0, 200, 0.5, paste), 120);
-    CHECK_EQ(Onto(0, 200, 1.0, paste), 40);
+    CHECK_EQ(Onto(Depth::Eight, 200, 0.5, paste), 120);
+    CHECK_EQ(Onto(Depth::Eight, 200, 1.0, paste), 40);
 }
 
 // Coverage 255 at opacity 0.5: (255 + 1) & 255 = 0, so the target stays whole: (256 * 100 + 255 * 128) >> 8 = 227; and
 // at 200 it is limited: (256 * 200 + 32640) >> 8 = 327 -> 255. Coverage 254: (255 * 128) >> 8 = 127, (129 * 100 +
 // 254 * 128) >> 8 = 177.4. At full opacity coverage 255 covers: 255.
 TEST_CASE("full coverage below full opacity adds to a mask") {
-    CHECK_EQ(MaskOnto(0, 255, 100, 0.5), 227);
-    CHECK_EQ(MaskOnto(0, 255, 200, 0.5), 255);
-    CHECK_EQ(MaskOnto(0, 254, 100, 0.5), 177);
-    CHECK_EQ(MaskOnto(0, 255, 100, 1.0), 255);
-    CHECK_EQ(MaskOnto(0, 0, 100, 1.0), 100);
+    CHECK_EQ(MaskOnto(Depth::Eight, 255, 100, 0.5), 227);
+    CHECK_EQ(MaskOnto(Depth::Eight, 255, 200, 0.5), 255);
+    CHECK_EQ(MaskOnto(Depth::Eight, 254, 100, 0.5), 177);
+    CHECK_EQ(MaskOnto(Depth::Eight, 255, 100, 1.0), 255);
+    CHECK_EQ(MaskOnto(Depth::Eight, 0, 100, 1.0), 100);
 }
 
 // 14 bits: (16383 + 1) & 16383 = 0: (16384 * 100 + 16383 * 8192) >> 14 = 100 + 8191.5.
 TEST_CASE("at 14 bits full coverage wraps likewise") {
-    CHECK_EQ(MaskOnto(1, 16383, 100, 0.5), 8291);
-    CHECK_EQ(MaskOnto(1, 16383, 12000, 0.5), 16383);
+    CHECK_EQ(MaskOnto(Depth::Fourteen, 16383, 100, 0.5), 8291);
+    CHECK_EQ(MaskOnto(Depth::Fourteen, 16383, 12000, 0.5), 16383);
 }
 
 TEST_CASE("the paster declares opacity and visibility") {
@@ -233,8 +238,9 @@ TEST_CASE("the paster declares opacity and visibility") {
     hidden.setBoolean(false);
     Paster paster;
     paster.setParameter(&hidden);
-    Image target = FlatImage(onePixel, 1, 0, {9, 9, 9, 9}, 1);
-    paster.Paste(FlatImage(onePixel, 1, 0, {1, 1, 1, 255}, 1), target, onePixel, 0, nullptr, Clip::Limiting);
+    Image target = FlatImage(onePixel, PixelType::Colour, Depth::Eight, {9, 9, 9, 9}, AlphaForm::Premultiplied);
+    paster.Paste(FlatImage(onePixel, PixelType::Colour, Depth::Eight, {1, 1, 1, 255}, AlphaForm::Premultiplied), target,
+                 onePixel, 0, nullptr, Clip::Limiting);
     CHECK_EQ(ValuesAt(target, 0, 0)[0], 9);
     CHECK_EQ(paster.InputRegion({1, 2, 3, 4}), Rect(1, 2, 3, 4));
     CHECK_EQ(paster.OutputRegion({1, 2, 3, 4}), Rect(1, 2, 3, 4));

@@ -45,9 +45,9 @@ std::unique_ptr<Image> Run(Filter& filter, const Image& source, const Rect* regi
 }
 
 // The picture of random channels, of bounds that may end where the plane does.
-Image EndPicture(const Rect& bounds, std::int32_t type, std::int32_t depth) {
+Image EndPicture(const Rect& bounds, PixelType type, Depth depth) {
     Image picture = NoisePicture({0, 0, bounds.Width() - 1, bounds.Height() - 1}, type, depth,
-                                 type == Image::colourType ? 1 : 0, 31);
+                                 type == PixelType::Colour ? AlphaForm::Premultiplied : AlphaForm::Straight, 31);
     picture.MoveTo(bounds.x0, bounds.y0);
     return picture;
 }
@@ -56,12 +56,14 @@ Image EndPicture(const Rect& bounds, std::int32_t type, std::int32_t depth) {
 const std::vector<Image>& OddPictures() {
     static const std::vector<Image> pictures = [] {
         std::vector<Image> made;
-        for (const std::int32_t depth : {0, 1}) {
-            for (const std::int32_t type : {Image::colourType, Image::maskType}) {
+        for (const Depth depth : {Depth::Eight, Depth::Fourteen}) {
+            for (const PixelType type : {PixelType::Colour, PixelType::Mask}) {
                 for (const Rect& bounds :
                      {Rect(0, 0, 0, 0), Rect(-3, 5, -3, 17), Rect(-7, -9, 9, -9), Rect(2, 3, 14, 11)})
-                    made.push_back(NoisePicture(bounds, type, depth, type == Image::colourType ? 1 : 0, 31));
-                made.emplace_back(Rect(), type, depth, std::uint8_t{0});
+                    made.push_back(
+                        NoisePicture(bounds, type, depth,
+                                     type == PixelType::Colour ? AlphaForm::Premultiplied : AlphaForm::Straight, 31));
+                made.emplace_back(Rect(), type, depth, AlphaForm::Straight);
             }
         }
         return made;
@@ -140,8 +142,8 @@ TEST_CASE("Every filter works at the ends of the plane") {
             SetAll(*filter, false, setting);
             for (const Rect& bounds : {Rect(last - 9, last - 7, last, last), Rect(first, first, first + 9, first + 7),
                                        Rect(last, first, last, first + 3), Rect(first, last, first + 30, last)}) {
-                for (const std::int32_t type : {Image::colourType, Image::maskType}) {
-                    for (const std::int32_t depth : {0, 1}) {
+                for (const PixelType type : {PixelType::Colour, PixelType::Mask}) {
+                    for (const Depth depth : {Depth::Eight, Depth::Fourteen}) {
                         const Image source = EndPicture(bounds, type, depth);
                         const Rect corner(bounds.x1, bounds.y1, bounds.x1, bounds.y1);
                         for (const Rect* region : {static_cast<const Rect*>(nullptr), &corner})
@@ -159,9 +161,9 @@ TEST_CASE("One worker and many give the same bytes for every filter at both dept
         MultiProcessor::Restart(workers);
         std::vector<std::unique_ptr<Image>> results;
         for (const Filter* prototype : FilterRegistry::Instance().Filters()) {
-            for (const std::int32_t depth : {0, 1}) {
-                const Image source =
-                    NoisePicture({-20, 7, 349, 330}, Image::colourType, prototype->PreferredDepth(depth), 1, 5);
+            for (const Depth depth : {Depth::Eight, Depth::Fourteen}) {
+                const Image source = NoisePicture({-20, 7, 349, 330}, PixelType::Colour, prototype->WorkingDepth(depth),
+                                                  AlphaForm::Premultiplied, 5);
                 const auto filter = prototype->CreateNew();
                 const double setting = 1.0;
                 SetAll(*filter, false, &setting);

@@ -21,9 +21,9 @@ public:
 
 // A chain and the images of a dab that go through it.
 struct Dab {
-    explicit Dab(int depth = 0)
-        : colour(NoisePicture({0, 0, 10, 10}, 1, depth, 0, 11).Clone()),
-          mask(NoisePicture({0, 0, 10, 10}, ImageDefinition::maskType, depth, 0, 12).Clone()),
+    explicit Dab(Depth depth = Depth::Eight)
+        : colour(NoisePicture({0, 0, 10, 10}, PixelType::Colour, depth, AlphaForm::Straight, 11).Clone()),
+          mask(NoisePicture({0, 0, 10, 10}, PixelType::Mask, depth, AlphaForm::Straight, 12).Clone()),
           oldColour(*colour),
           oldMask(*mask) {}
     template <typename F>
@@ -93,7 +93,7 @@ TEST_CASE("a filter that does not filter masks leaves the mask where it was") {
 }
 
 TEST_CASE("a filter works in the depth it asks for, and the images have their own again behind the chain") {
-    Dab dab(1);
+    Dab dab(Depth::Fourteen);
     auto& bytes = dab.Add<ShiftForTest>();
     bytes.m_bytesOnly = true;
     auto& words = dab.Add<ShiftForTest>();

@@ -15,21 +15,21 @@
 namespace chalkpane::test {
 
 // A picture of random channels, a fifth of them at the ends of the scale. Reproducible by its seed.
-inline Image NoisePicture(const Rect& bounds, std::int32_t type, std::int32_t depth, std::uint8_t flag, unsigned seed) {
-    Image image(bounds, type, depth, flag);
+inline Image NoisePicture(const Rect& bounds, PixelType type, Depth depth, AlphaForm form, unsigned seed) {
+    Image image(bounds, type, depth, form);
     std::mt19937 random(seed);
-    const std::uint32_t full = depth == 0 ? 255 : 16383;
+    const std::uint32_t full = depth == Depth::Eight ? 255 : 16383;
     const auto channel = [&] {
         const auto draw = random();
         return draw % 10 == 0 ? 0 : (draw % 10 == 1 ? full : random() % (full + 1));
     };
     for (std::int32_t y = image.y0; y <= image.y1; ++y) {
-        if (depth == 0)
+        if (depth == Depth::Eight)
             for (auto& value : image.Row8(y)) value = static_cast<std::uint8_t>(channel());
         else
             for (auto& value : image.Row14(y)) value = static_cast<std::uint16_t>(channel());
     }
-    if (flag != 0 && type != Image::maskType) image.Premultiply(image);
+    if (form == AlphaForm::Premultiplied && type != PixelType::Mask) image.Premultiply(image);
     return image;
 }
 
@@ -37,7 +37,7 @@ inline Image NoisePicture(const Rect& bounds, std::int32_t type, std::int32_t de
 inline bool SamePixels(const Image& a, const Image& b) {
     if (a.Bounds() != b.Bounds() || a.type != b.type || a.depth != b.depth || a.flag != b.flag) return false;
     for (std::int32_t y = a.y0; y <= a.y1; ++y) {
-        if (a.depth == 0) {
+        if (a.GetDepth() == Depth::Eight) {
             const auto left = a.Row8(y);
             const auto right = b.Row8(y);
             if (!std::equal(left.begin(), left.end(), right.begin(), right.end())) return false;

@@ -88,7 +88,7 @@ TEST_CASE("what grows on the output is asked for on the input") {
 }
 
 TEST_CASE("a copy takes the settings and nothing of the frame") {
-    const Image image(4, 4, 1, 0, std::uint8_t{0});
+    const Image image = Image::Colour(4, 4, Depth::Eight, AlphaForm::Straight);
     InvertForTest filter;
     filter.m_amount = 0.25;
     filter.MakeValues(false, nullptr, nullptr);
@@ -146,7 +146,7 @@ TEST_CASE("a value reaches its field through its declaration, and one of another
 
 // 20 wide from 100, 40 high from 200: 50 per cent is 100 + 20 * 50 / 100 = 110, 25 per cent 200 + 40 * 25 / 100 = 210.
 TEST_CASE("attaching places positions given in per cent within the picture") {
-    const Image image(Rect(100, 200, 119, 239), 1, 0, 0);
+    const Image image = Image::Colour(Rect(100, 200, 119, 239), Depth::Eight, AlphaForm::Straight);
     PlacedForTest filter;
     filter.MakeValues(false, nullptr, nullptr);
     ParameterValue& centre = *filter.m_values->findValue(&filter.Definition(1));
@@ -175,7 +175,7 @@ TEST_CASE("attaching places positions given in per cent within the picture") {
 }
 
 TEST_CASE("attaching leaves animated positions alone") {
-    const Image image(Rect(100, 200, 119, 239), 1, 0, 0);
+    const Image image = Image::Colour(Rect(100, 200, 119, 239), Depth::Eight, AlphaForm::Straight);
     struct AnimatedForTest final : ParameterValue {
         explicit AnimatedForTest(const ParameterDef* definition) : ParameterValue(definition) {}
         bool isAnimated() const override { return true; }

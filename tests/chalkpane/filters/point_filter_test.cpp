@@ -22,8 +22,8 @@ void SetPixel(Image& image, std::int32_t x, std::int32_t y, std::initializer_lis
 // The one pixel of a picture through a probe: what the row saw, and what came out.
 template <typename Channel>
 struct OnePixel {
-    OnePixel(std::int32_t depth, std::uint8_t flag, std::initializer_list<int> channels) {
-        Image image(1, 1, ImageDefinition::colourType, depth, flag);
+    OnePixel(Depth depth, AlphaForm form, std::initializer_list<int> channels) {
+        Image image = Image::Colour(1, 1, depth, form);
         SetPixel<Channel>(image, 0, 0, channels);
         ProbeForTest probe;
         result = Applied(probe, image);
@@ -42,9 +42,9 @@ using Channels = std::vector<int>;
 }  // namespace
 
 TEST_CASE("a region that misses the source gives a blank image of the source's bounds") {
-    for (const int depth : {0, 1}) {
-        const Image source = NoisePicture({3, 4, 12, 9}, 1, depth, 1, 1);
-        const Image blank(source.Bounds(), 1, depth, 1);
+    for (const Depth depth : {Depth::Eight, Depth::Fourteen}) {
+        const Image source = NoisePicture({3, 4, 12, 9}, PixelType::Colour, depth, AlphaForm::Premultiplied, 1);
+        const Image blank = Image::Colour(source.Bounds(), depth, AlphaForm::Premultiplied);
         for (const Rect& region : {Rect(20, 20, 30, 30), Rect(8, 5, 4, 8), Rect()}) {
             ProbeForTest probe;
             const auto result = Applied(probe, source, &region);
@@ -57,9 +57,9 @@ TEST_CASE("a region that misses the source gives a blank image of the source's b
 }
 
 TEST_CASE("with a region the result is the region's part of the source") {
-    for (const int depth : {0, 1})
-        for (const std::uint8_t flag : {std::uint8_t{0}, std::uint8_t{1}}) {
-            const Image source = NoisePicture({-3, -4, 22, 19}, 1, depth, flag, 2);
+    for (const Depth depth : {Depth::Eight, Depth::Fourteen})
+        for (const AlphaForm form : {AlphaForm::Straight, AlphaForm::Premultiplied}) {
+            const Image source = NoisePicture({-3, -4, 22, 19}, PixelType::Colour, depth, form, 2);
             InvertForTest invert;
             const auto whole = Applied(invert, source);
             CHECK_EQ(whole->Bounds(), source.Bounds());
@@ -71,15 +71,15 @@ TEST_CASE("with a region the result is the region's part of the source") {
 }
 
 TEST_CASE("a mask comes back equal to the source") {
-    for (const int depth : {0, 1}) {
-        const Image source = NoisePicture({0, 0, 9, 9}, ImageDefinition::maskType, depth, 0, 3);
+    for (const Depth depth : {Depth::Eight, Depth::Fourteen}) {
+        const Image source = NoisePicture({0, 0, 9, 9}, PixelType::Mask, depth, AlphaForm::Straight, 3);
         InvertForTest invert;
         CHECK(SamePixels(*Applied(invert, source), source));
     }
 }
 
-TEST_CASE("the one channel of a mask goes to its own row operation, whatever the flag") {
-    Image source(Rect(4, 5, 6, 5), ImageDefinition::maskType, 0, std::uint8_t{1});
+TEST_CASE("the one channel of a mask goes to its own row operation, whatever the form") {
+    Image source(Rect(4, 5, 6, 5), PixelType::Mask, Depth::Eight, AlphaForm::Premultiplied);
     source.Row8(5)[1] = 99;
     ProbeForTest probe;
     CHECK(SamePixels(*Applied(probe, source), source));
@@ -92,53 +92,53 @@ TEST_CASE("the one channel of a mask goes to its own row operation, whatever the
 
 // 65280 / 128 = 510, (100 * 510) >> 8 = 199; back by 128 + 1: (199 * 129) >> 8 = 100.
 TEST_CASE("8-bit colour comes to the rows without its alpha and gets it back") {
-    const Byte half(0, 1, {100, 0, 128, 128});
+    const Byte half(Depth::Eight, AlphaForm::Premultiplied, {100, 0, 128, 128});
     CHECK_EQ(half.seen, Channels{199, 0, 255, 128});
     CHECK_EQ(half.left, Channels{100, 0, 128, 128});
-    CHECK_EQ(Byte(0, 1, {10, 20, 30, 255}).seen, Channels{10, 20, 30, 255});
+    CHECK_EQ(Byte(Depth::Eight, AlphaForm::Premultiplied, {10, 20, 30, 255}).seen, Channels{10, 20, 30, 255});
     // 65280 / 100 = 652, (200 * 652) >> 8 = 509, limited; (255 * 100) >> 8 = 99.
-    const Byte above(0, 1, {200, 0, 0, 100});
+    const Byte above(Depth::Eight, AlphaForm::Premultiplied, {200, 0, 0, 100});
     CHECK_EQ(above.seen, Channels{255, 0, 0, 100});
     CHECK_EQ(above.left, Channels{99, 0, 0, 100});
 }
 
 TEST_CASE("a fully transparent premultiplied 8-bit pixel has no colour") {
-    const Byte clear(0, 1, {0, 7, 255, 0});
+    const Byte clear(Depth::Eight, AlphaForm::Premultiplied, {0, 7, 255, 0});
     CHECK_EQ(clear.seen, Channels{0, 0, 0, 0});
     CHECK_EQ(clear.left, Channels{0, 0, 0, 0});
 }
 
 // 16383 / 8192 = 1.99988, 1000 * 1.99988 + 0.5 = 2000.378; back by 8192 + 1: (2000 * 8193) >> 14 = 1000.
 TEST_CASE("14-bit colour comes to the rows without its alpha and gets it back") {
-    const Word half(1, 1, {1000, 0, 16383, 8192});
+    const Word half(Depth::Fourteen, AlphaForm::Premultiplied, {1000, 0, 16383, 8192});
     CHECK_EQ(half.seen, Channels{2000, 0, 16383, 8192});
     CHECK_EQ(half.left[0], 1000);
-    CHECK_EQ(Word(1, 1, {10, 20, 30, 16383}).seen, Channels{10, 20, 30, 16383});
-    CHECK_EQ(Word(1, 1, {10, 20, 30, 16383}).left, Channels{10, 20, 30, 16383});
+    CHECK_EQ(Word(Depth::Fourteen, AlphaForm::Premultiplied, {10, 20, 30, 16383}).seen, Channels{10, 20, 30, 16383});
+    CHECK_EQ(Word(Depth::Fourteen, AlphaForm::Premultiplied, {10, 20, 30, 16383}).left, Channels{10, 20, 30, 16383});
 }
 
 // A word over an alpha of 0 is without bound, and so limited. No word is none.
 TEST_CASE("a fully transparent premultiplied 14-bit pixel shows full colour to the rows and has none behind them") {
-    const Word clear(1, 1, {0, 7, 16383, 0});
+    const Word clear(Depth::Fourteen, AlphaForm::Premultiplied, {0, 7, 16383, 0});
     CHECK_EQ(clear.seen, Channels{0, 16383, 16383, 0});
     CHECK_EQ(clear.left, Channels{0, 0, 0, 0});
 }
 
 TEST_CASE("colour that is not premultiplied is left as it stands") {
-    CHECK_EQ(Byte(0, 0, {100, 7, 255, 0}).seen, Channels{100, 7, 255, 0});
-    CHECK_EQ(Byte(0, 0, {100, 7, 255, 0}).left, Channels{100, 7, 255, 0});
-    CHECK_EQ(Word(1, 0, {100, 7, 16383, 3}).seen, Channels{100, 7, 16383, 3});
-    CHECK_EQ(Word(1, 0, {100, 7, 16383, 3}).left, Channels{100, 7, 16383, 3});
+    CHECK_EQ(Byte(Depth::Eight, AlphaForm::Straight, {100, 7, 255, 0}).seen, Channels{100, 7, 255, 0});
+    CHECK_EQ(Byte(Depth::Eight, AlphaForm::Straight, {100, 7, 255, 0}).left, Channels{100, 7, 255, 0});
+    CHECK_EQ(Word(Depth::Fourteen, AlphaForm::Straight, {100, 7, 16383, 3}).seen, Channels{100, 7, 16383, 3});
+    CHECK_EQ(Word(Depth::Fourteen, AlphaForm::Straight, {100, 7, 16383, 3}).left, Channels{100, 7, 16383, 3});
 }
 
 TEST_CASE("words beyond full scale are survived") {
-    CHECK_EQ(Word(1, 1, {65535, 0, 9, 65535}).left, Channels{65535, 0, 9, 65535});
-    CHECK_EQ(Word(1, 1, {65535, 0, 0, 1}).seen, Channels{16383, 0, 0, 1});
+    CHECK_EQ(Word(Depth::Fourteen, AlphaForm::Premultiplied, {65535, 0, 9, 65535}).left, Channels{65535, 0, 9, 65535});
+    CHECK_EQ(Word(Depth::Fourteen, AlphaForm::Premultiplied, {65535, 0, 0, 1}).seen, Channels{16383, 0, 0, 1});
 }
 
 // The row makes alpha half; its colour is premultiplied by that: (200 * (128 + 1)) >> 8 = 100.
 TEST_CASE("colour is premultiplied by the alpha that the row leaves") {
-    Image source(1, 1, ImageDefinition::colourType, 0, std::uint8_t{1});
+    Image source = Image::Colour(1, 1, Depth::Eight, AlphaForm::Premultiplied);
     SetPixel<std::uint8_t>(source, 0, 0, {200, 0, 0, 255});
     ProbeForTest probe;
     probe.change = [](std::int32_t, std::int32_t, float& a, float&, float&, float&) { a = 128; };
@@ -146,7 +146,7 @@ TEST_CASE("colour is premultiplied by the alpha that the row leaves") {
 }
 
 TEST_CASE("pixels go to a pixel operation with their place, as floats in the scale of a byte") {
-    Image source(Rect(7, -2, 7, -2), ImageDefinition::colourType, 0, std::uint8_t{0});
+    Image source = Image::Colour(Rect(7, -2, 7, -2), Depth::Eight, AlphaForm::Straight);
     SetPixel<std::uint8_t>(source, 7, -2, {10, 20, 30, 40});
     ProbeForTest probe;
     probe.change = [](std::int32_t x, std::int32_t y, float& a, float& r, float& g, float& b) {
@@ -166,7 +166,7 @@ TEST_CASE("pixels go to a pixel operation with their place, as floats in the sca
 
 // 127.5 * 64.24706 = 8191.50: truncated. 255.1 and infinity are limited.
 TEST_CASE("a pixel operation's 14-bit results are truncated and limited") {
-    Image source(1, 1, ImageDefinition::colourType, 1, std::uint8_t{0});
+    Image source = Image::Colour(1, 1, Depth::Fourteen, AlphaForm::Straight);
     ProbeForTest probe;
     probe.change = [](std::int32_t, std::int32_t, float& a, float& r, float& g, float& b) {
         b = 127.5F;
@@ -178,10 +178,10 @@ TEST_CASE("a pixel operation's 14-bit results are truncated and limited") {
 }
 
 TEST_CASE("a pixel operation that changes nothing leaves every value of either depth") {
-    Image words(4096, 1, ImageDefinition::colourType, 1, std::uint8_t{0});
+    Image words = Image::Colour(4096, 1, Depth::Fourteen, AlphaForm::Straight);
     std::uint16_t word = 0;
     for (auto& channel : words.Row14(0)) channel = word++;
-    Image bytes(64, 1, ImageDefinition::colourType, 0, std::uint8_t{0});
+    Image bytes = Image::Colour(64, 1, Depth::Eight, AlphaForm::Straight);
     std::uint8_t byte = 0;
     for (auto& channel : bytes.Row8(0)) channel = byte++;
     ProbeForTest probe;
@@ -191,8 +191,8 @@ TEST_CASE("a pixel operation that changes nothing leaves every value of either d
 }
 
 TEST_CASE("a row's span is cut to the row, and what lies outside it is copied") {
-    for (const std::uint8_t flag : {std::uint8_t{0}, std::uint8_t{1}}) {
-        const Image source = NoisePicture({0, 0, 9, 2}, 1, 0, flag, 4);
+    for (const AlphaForm form : {AlphaForm::Straight, AlphaForm::Premultiplied}) {
+        const Image source = NoisePicture({0, 0, 9, 2}, PixelType::Colour, Depth::Eight, form, 4);
         ProbeForTest probe;
         probe.span = [](std::int32_t y, std::int32_t& first, std::int32_t& last) {
             CHECK_EQ(first, 0);
@@ -219,8 +219,8 @@ TEST_CASE("a row's span is cut to the row, and what lies outside it is copied") 
 }
 
 TEST_CASE("an empty span copies the row, and its row operation is not called") {
-    const Image source = NoisePicture({0, 0, 9, 2}, 1, 0, 1, 5);
-    const Image mask = NoisePicture({0, 0, 9, 2}, ImageDefinition::maskType, 0, 0, 5);
+    const Image source = NoisePicture({0, 0, 9, 2}, PixelType::Colour, Depth::Eight, AlphaForm::Premultiplied, 5);
+    const Image mask = NoisePicture({0, 0, 9, 2}, PixelType::Mask, Depth::Eight, AlphaForm::Straight, 5);
     ProbeForTest probe;
     probe.span = [](std::int32_t y, std::int32_t& first, std::int32_t& last) {
         first = y == 1 ? 700 : 5;
@@ -233,7 +233,7 @@ TEST_CASE("an empty span copies the row, and its row operation is not called") {
 }
 
 TEST_CASE("a run prepares once before its rows, which come in ascending order, and ends once") {
-    const Image source = NoisePicture({0, -3, 4, 8}, 1, 1, 0, 6);
+    const Image source = NoisePicture({0, -3, 4, 8}, PixelType::Colour, Depth::Fourteen, AlphaForm::Straight, 6);
     ProbeForTest probe;
     Applied(probe, source);
     CHECK_EQ(probe.prepared, 1);
@@ -243,8 +243,8 @@ TEST_CASE("a run prepares once before its rows, which come in ascending order, a
 }
 
 TEST_CASE("a mask is ignored by a filter") {
-    const Image source = NoisePicture({0, 0, 20, 20}, 1, 0, 1, 7);
-    const Image mask(source.Bounds(), ImageDefinition::maskType, 0, 0);
+    const Image source = NoisePicture({0, 0, 20, 20}, PixelType::Colour, Depth::Eight, AlphaForm::Premultiplied, 7);
+    const Image mask = Image::Mask(source.Bounds(), Depth::Eight);
     InvertForTest invert;
     std::unique_ptr<Image> masked;
     invert.ApplyMasked(source, masked, &mask, false, nullptr, false);
@@ -252,8 +252,8 @@ TEST_CASE("a mask is ignored by a filter") {
 }
 
 TEST_CASE("one worker and many give the same picture") {
-    for (const int depth : {0, 1}) {
-        const Image source = NoisePicture({0, 0, 299, 299}, 1, depth, 1, 8);
+    for (const Depth depth : {Depth::Eight, Depth::Fourteen}) {
+        const Image source = NoisePicture({0, 0, 299, 299}, PixelType::Colour, depth, AlphaForm::Premultiplied, 8);
         InvertForTest invert;
         MultiProcessor::Restart(1);
         const auto alone = Applied(invert, source);
@@ -265,7 +265,7 @@ TEST_CASE("one worker and many give the same picture") {
 }
 
 TEST_CASE("an image without pixels comes back without any") {
-    const Image source(0, 0, 1, 0, std::uint8_t{0});
+    const Image source = Image::Colour(0, 0, Depth::Eight, AlphaForm::Straight);
     InvertForTest invert;
     const auto result = Applied(invert, source);
     REQUIRE(result);

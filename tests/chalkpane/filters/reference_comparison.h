@@ -12,18 +12,22 @@ namespace chalkpane::test {
 
 struct PictureCase {
     Rect bounds;
-    std::int32_t type;
-    std::int32_t depth;
-    std::uint8_t flag;
+    PixelType type;
+    Depth depth;
+    AlphaForm form;
 };
 
 // Formats and odd shapes that every filter must get right.
 inline const std::vector<PictureCase>& PictureCases() {
     static const std::vector<PictureCase> cases{
-        {{-3, 4, 40, 33}, Image::colourType, 0, 1}, {{-3, 4, 40, 33}, Image::colourType, 0, 0},
-        {{-3, 4, 40, 33}, Image::colourType, 1, 1}, {{5, -20, 31, -1}, Image::maskType, 0, 0},
-        {{5, -20, 31, -1}, Image::maskType, 1, 0},  {{0, 0, 0, 0}, Image::colourType, 0, 1},
-        {{0, 0, 0, 17}, Image::colourType, 1, 0},   {{-9, 3, 9, 3}, Image::colourType, 0, 1},
+        {{-3, 4, 40, 33}, PixelType::Colour, Depth::Eight, AlphaForm::Premultiplied},
+        {{-3, 4, 40, 33}, PixelType::Colour, Depth::Eight, AlphaForm::Straight},
+        {{-3, 4, 40, 33}, PixelType::Colour, Depth::Fourteen, AlphaForm::Premultiplied},
+        {{5, -20, 31, -1}, PixelType::Mask, Depth::Eight, AlphaForm::Straight},
+        {{5, -20, 31, -1}, PixelType::Mask, Depth::Fourteen, AlphaForm::Straight},
+        {{0, 0, 0, 0}, PixelType::Colour, Depth::Eight, AlphaForm::Premultiplied},
+        {{0, 0, 0, 17}, PixelType::Colour, Depth::Fourteen, AlphaForm::Straight},
+        {{-9, 3, 9, 3}, PixelType::Colour, Depth::Eight, AlphaForm::Premultiplied},
     };
     return cases;
 }
@@ -32,8 +36,8 @@ inline const std::vector<PictureCase>& PictureCases() {
 template <typename Reference>
 void CompareWithReference(Filter& filter, Reference reference, bool bothDepths = true) {
     for (const PictureCase& picture : PictureCases()) {
-        if (picture.depth != 0 && !bothDepths) continue;
-        const Image source = NoisePicture(picture.bounds, picture.type, picture.depth, picture.flag, 7);
+        if (picture.depth == Depth::Fourteen && !bothDepths) continue;
+        const Image source = NoisePicture(picture.bounds, picture.type, picture.depth, picture.form, 7);
         Rect part = picture.bounds;
         part.x1 = part.x0 + part.Width() / 2;
         part.InflateY(2);

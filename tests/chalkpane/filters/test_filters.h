@@ -57,7 +57,9 @@ public:
     }
     [[nodiscard]] bool MovesPixels() const override { return true; }
     [[nodiscard]] bool FiltersMask() const override { return m_filtersMask; }
-    [[nodiscard]] std::int32_t PreferredDepth(std::int32_t depth) const override { return m_bytesOnly ? 0 : depth; }
+    [[nodiscard]] std::int32_t PreferredDepth(std::int32_t depth) const override {
+        return m_bytesOnly ? static_cast<std::int32_t>(Depth::Eight) : depth;
+    }
     void BeginStep() override { ++begun; }
     void EndStep() override { ++ended; }
     [[nodiscard]] Rect InputRegion(const Rect& /*rect*/, const Rect& region) const override {

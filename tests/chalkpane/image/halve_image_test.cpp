@@ -11,25 +11,26 @@ using namespace chalkpane;
 
 namespace {
 
-constexpr std::int32_t colour = ImageDefinition::colourType;
-constexpr std::int32_t mask = ImageDefinition::maskType;
+constexpr PixelType colour = PixelType::Colour;
+constexpr PixelType mask = PixelType::Mask;
 
 struct Kind {
-    std::int32_t type;
-    std::int32_t depth;
+    PixelType type;
+    Depth depth;
 };
-constexpr Kind kinds[] = {{colour, 0}, {colour, 1}, {mask, 0}, {mask, 1}};
+constexpr Kind kinds[] = {
+    {colour, Depth::Eight}, {colour, Depth::Fourteen}, {mask, Depth::Eight}, {mask, Depth::Fourteen}};
 
 Image Noise(const Rect& rect, const Kind& kind, std::uint32_t seed) {
-    Image image(rect, kind.type, kind.depth, 1);
+    Image image(rect, kind.type, kind.depth, AlphaForm::Premultiplied);
     reference::FillWithNoise(image, seed);
     return image;
 }
 
 Image Flat(const Rect& rect, const Kind& kind, std::uint16_t value) {
-    Image image(rect, kind.type, kind.depth, 0);
+    Image image(rect, kind.type, kind.depth, AlphaForm::Straight);
     for (std::int32_t y = rect.y0; y <= rect.y1; ++y) {
-        if (kind.depth == 0)
+        if (kind.depth == Depth::Eight)
             for (auto& channel : image.Row8(y)) channel = static_cast<std::uint8_t>(value);
         else
             for (auto& channel : image.Row14(y)) channel = value;
@@ -40,17 +41,17 @@ Image Flat(const Rect& rect, const Kind& kind, std::uint16_t value) {
 }  // namespace
 
 TEST_CASE("An image of width or height 1 cannot be halved") {
-    CHECK_EQ(HalveImage(Image(1, 9, colour, 0, 0), 0), nullptr);
-    CHECK_EQ(HalveImage(Image(9, 1, mask, 1, 0), 0.5), nullptr);
-    CHECK_EQ(HalveImage(Image(0, 0, colour, 0, 0), 0), nullptr);
+    CHECK_EQ(HalveImage(Image(1, 9, colour, Depth::Eight, AlphaForm::Straight), 0), nullptr);
+    CHECK_EQ(HalveImage(Image(9, 1, mask, Depth::Fourteen, AlphaForm::Straight), 0.5), nullptr);
+    CHECK_EQ(HalveImage(Image(0, 0, colour, Depth::Eight, AlphaForm::Straight), 0), nullptr);
 }
 
 TEST_CASE("The half has half the size rounded up, half the position truncated, and the same format") {
     for (const Kind& kind : kinds) {
         const auto half = HalveImage(Noise(Rect(-3, 5, 4, 9), kind, 1), 0);  // 8 x 5
         CHECK(half->Bounds() == Rect(-1, 2, 2, 4));                          // 4 x 3
-        CHECK_EQ(half->type, kind.type);
-        CHECK_EQ(half->depth, kind.depth);
+        CHECK_EQ(half->GetPixelType(), kind.type);
+        CHECK_EQ(half->GetDepth(), kind.depth);
         CHECK_EQ(half->flag, 1);
     }
 }
@@ -58,7 +59,7 @@ TEST_CASE("The half has half the size rounded up, half the position truncated, a
 // 1 2 1 / 2 4 2 / 1 2 1 around (2, 2): only (2, 2) = 160 gives 160 * 4 / 16; only a corner (1, 3) = 160 gives 10 more,
 // a side (3, 2) = 8 gives 1 more.
 TEST_CASE("Inside, every second pixel is the 1-2-1 mean around it") {
-    Image image(5, 5, mask, 0, 0);
+    Image image(5, 5, mask, Depth::Eight, AlphaForm::Straight);
     image.SetAlpha8(2, 2, 160);
     CHECK_EQ(HalveImage(image, 0)->GetMaskEdge8(1, 1, 0), 40);
     image.SetAlpha8(1, 3, 160);
@@ -72,18 +73,18 @@ TEST_CASE("Inside, every second pixel is the 1-2-1 mean around it") {
 // At the border a sample half a pixel further, with nothing outside: the corner of a flat picture of odd size is a
 // quarter, an edge a half; the near border still finds four pixels.
 TEST_CASE("The border is sampled with nothing beyond the edge") {
-    const auto half = HalveImage(Flat(Rect(0, 0, 4, 4), {colour, 0}, 200), 0);
+    const auto half = HalveImage(Flat(Rect(0, 0, 4, 4), {colour, Depth::Eight}, 200), 0);
     CHECK_EQ(half->GetPixel8(0, 0).red, 200);
     CHECK_EQ(half->GetPixel8(2, 0).red, 100);
     CHECK_EQ(half->GetPixel8(2, 2).red, 50);
     CHECK_EQ(half->GetPixel8(1, 1).red, 200);
     // 14-bit masks take the nearest pixel there and do not darken.
-    CHECK_EQ(HalveImage(Flat(Rect(0, 0, 4, 4), {mask, 1}, 200), 0)->GetMaskEdge14(2, 2, 0), 200);
+    CHECK_EQ(HalveImage(Flat(Rect(0, 0, 4, 4), {mask, Depth::Fourteen}, 200), 0)->GetMaskEdge14(2, 2, 0), 200);
 }
 
 // x0 = 3: the grid starts at plane column 2, before the image; then 4, 6: odd columns of the buffer.
 TEST_CASE("An image that starts at an odd position is sampled on the plane's even grid") {
-    Image image(Rect(3, 3, 9, 9), mask, 1, 0);
+    Image image(Rect(3, 3, 9, 9), mask, Depth::Fourteen, AlphaForm::Straight);
     reference::FillWithNoise(image, 9);
     image.Row14(6)[3] = 5000;  // column 6
     const auto half = HalveImage(image, 0);
@@ -97,10 +98,10 @@ TEST_CASE("An image that starts at an odd position is sampled on the plane's eve
 }
 
 TEST_CASE("Parts of one picture are reduced to the same pixels wherever they start") {
-    const Image whole = Noise(Rect(0, 0, 19, 19), {colour, 0}, 17);
+    const Image whole = Noise(Rect(0, 0, 19, 19), {colour, Depth::Eight}, 17);
     const auto half = HalveImage(whole, 0);
     for (std::int32_t start = 0; start < 4; ++start) {
-        const auto part = HalveImage(*whole.Convert(Rect(start, start, 18, 18), 0), 0);
+        const auto part = HalveImage(*whole.Convert(Rect(start, start, 18, 18), Depth::Eight), 0);
         for (std::int32_t y = 3; y <= 7; ++y)
             for (std::int32_t x = 3; x <= 7; ++x) CHECK(part->GetPixel8(x, y) == half->GetPixel8(x, y));
     }
@@ -134,7 +135,7 @@ TEST_CASE("Noise of all sizes and positions is reduced and blended as in the pla
 // (0, 0): (4 - 0) * 128 >> 8 = 2. (1, 0): (4 + 0) * 128 >> 9 = 1. (0, 1): the same, 1.
 // (1, 1): (4 + 0 + 0 + 1 - 64) * 128 + 16 * 1024 = 8832, >> 10 = 8. (2, 2): (1 - 0) * 128 >> 8 = 0.
 TEST_CASE("A blended level lies between the picture and its half") {
-    Image image(4, 4, mask, 0, 0);
+    Image image(4, 4, mask, Depth::Eight, AlphaForm::Straight);
     image.SetAlpha8(1, 1, 16);
     const auto blended = HalveImage(image, 0.5);
     CHECK(blended->Bounds() == image.Bounds());
@@ -151,14 +152,14 @@ TEST_CASE("A blended level lies between the picture and its half") {
 // to
 // 1. There H is the pixel itself, 3, so (0, 0) is 3, and the others are 0 + 3 * 0.5 + 0.5 = 2.
 TEST_CASE("At 8 bits the last row and column of a blended level truncate") {
-    Image image(2, 2, mask, 0, 0);
+    Image image(2, 2, mask, Depth::Eight, AlphaForm::Straight);
     image.SetAlpha8(0, 0, 3);
     const auto blended = HalveImage(image, 0.5);
     CHECK_EQ(blended->GetMaskEdge8(0, 0, 0), 2);
     CHECK_EQ(blended->GetMaskEdge8(1, 0, 0), 0);
     CHECK_EQ(blended->GetMaskEdge8(0, 1, 0), 0);
     CHECK_EQ(blended->GetMaskEdge8(1, 1, 0), 0);
-    Image deep(2, 2, mask, 1, 0);
+    Image deep(2, 2, mask, Depth::Fourteen, AlphaForm::Straight);
     deep.Row14(0)[0] = 3;
     const auto rounded = HalveImage(deep, 0.5);
     CHECK_EQ(rounded->GetMaskEdge14(0, 0, 0), 3);
@@ -176,7 +177,7 @@ TEST_CASE("A flat picture of even size stays flat in a blended level, up to the 
 
 // Words above full scale in a flat picture: all is limited to 16383, but where four pixels meet to 16384.
 TEST_CASE("The limit of a 14-bit level is one higher where four pixels meet") {
-    const auto blended = HalveImage(Flat(Rect(0, 0, 7, 7), {colour, 1}, 20000), 0.5);
+    const auto blended = HalveImage(Flat(Rect(0, 0, 7, 7), {colour, Depth::Fourteen}, 20000), 0.5);
     CHECK_EQ(blended->GetPixel14(2, 2).red, 0x3fff);
     CHECK_EQ(blended->GetPixel14(3, 2).red, 0x3fff);
     CHECK_EQ(blended->GetPixel14(2, 3).red, 0x3fff);
@@ -184,7 +185,7 @@ TEST_CASE("The limit of a 14-bit level is one higher where four pixels meet") {
 }
 
 TEST_CASE("Blends that are no share of a picture count as the nearest end") {
-    const Image image = Noise(Rect(0, 0, 6, 6), {colour, 0}, 3);
+    const Image image = Noise(Rect(0, 0, 6, 6), {colour, Depth::Eight}, 3);
     const reference::Picture own(image);
     CHECK(reference::Same(reference::Picture(*HalveImage(image, 1e300)), own));
     CHECK(reference::Same(reference::Picture(*HalveImage(image, std::numeric_limits<double>::quiet_NaN())), own));

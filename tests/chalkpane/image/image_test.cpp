@@ -17,8 +17,8 @@ using namespace chalkpane;
 
 namespace {
 
-constexpr std::int32_t colour = ImageDefinition::colourType;
-constexpr std::int32_t mask = ImageDefinition::maskType;
+constexpr PixelType colour = PixelType::Colour;
+constexpr PixelType mask = PixelType::Mask;
 constexpr auto lowest = std::numeric_limits<std::int32_t>::min();
 constexpr auto highest = std::numeric_limits<std::int32_t>::max();
 
@@ -29,12 +29,13 @@ void SetPixel14(Image& image, std::int32_t x, std::int32_t y, const Pixel14& pix
     *reinterpret_cast<Pixel14*>(image.Address(x, y)) = pixel;
 }
 
-// Depth 0 and 1, mask and colour.
+// Both depths, mask and colour.
 struct Kind {
-    std::int32_t type;
-    std::int32_t depth;
+    PixelType type;
+    Depth depth;
 };
-constexpr Kind kinds[] = {{colour, 0}, {colour, 1}, {mask, 0}, {mask, 1}};
+constexpr Kind kinds[] = {
+    {colour, Depth::Eight}, {colour, Depth::Fourteen}, {mask, Depth::Eight}, {mask, Depth::Fourteen}};
 
 }  // namespace
 
@@ -62,49 +63,50 @@ TEST_CASE(
 TEST_CASE("A new image is zero and keeps what it was given") {
     for (const Kind kind : kinds)
         for (const bool bitmap : {false, true}) {
-            const Image image(Rect(-3, 5, 3, 8), kind.type, kind.depth, 1, bitmap);
+            const Image image(Rect(-3, 5, 3, 8), static_cast<std::int32_t>(kind.type),
+                              static_cast<std::int32_t>(kind.depth), 1, bitmap);
             CHECK(image.Bounds() == Rect(-3, 5, 3, 8));
             CHECK_EQ(image.flag, 1);
             CHECK_EQ(image.buffer->references, 1);
             for (const int value : reference::Picture(image).values) CHECK_EQ(value, 0);
         }
-    CHECK(Image(4, 3, colour, 0, 0).Bounds() == Rect(0, 0, 3, 2));
+    CHECK(Image(4, 3, colour, Depth::Eight, AlphaForm::Straight).Bounds() == Rect(0, 0, 3, 2));
 }
 
 TEST_CASE("The top row y1 lies first in memory") {
-    const Image image(Rect(10, 20, 14, 22), colour, 0, 0);
+    const Image image(Rect(10, 20, 14, 22), colour, Depth::Eight, AlphaForm::Straight);
     CHECK_EQ(image.Address(10, 22), image.buffer->pixels);
     CHECK_EQ(image.Address(11, 22) - image.Address(10, 22), 4);
     CHECK_EQ(image.Address(10, 21) - image.Address(10, 22), 20);
     CHECK_EQ(image.Row8(20).size(), 20u);
     CHECK_EQ(static_cast<void*>(image.Row8(20).data()), image.buffer->pixels + 40);
-    const Image deepMask(Rect(10, 20, 14, 22), mask, 1, 0);
+    const Image deepMask(Rect(10, 20, 14, 22), mask, Depth::Fourteen, AlphaForm::Straight);
     CHECK_EQ(deepMask.Row14(20).size(), 5u);
 }
 
 TEST_CASE("What cannot have pixels is an image of the empty rectangle") {
-    CHECK(Image(0, 5, colour, 0, 0).Bounds() == Rect());
-    CHECK(Image(-7, 5, colour, 0, 0).Bounds() == Rect());
-    CHECK(Image(lowest, lowest, colour, 0, 0).Bounds() == Rect());
-    CHECK(Image(Rect(3, 3, 2, 9), mask, 0, 0).Bounds() == Rect());
-    CHECK(Image(Rect(lowest, 0, highest, 0), colour, 1, 0).Bounds() == Rect());
-    const Image none(0, 0, mask, 0, 0);
+    CHECK(Image(0, 5, colour, Depth::Eight, AlphaForm::Straight).Bounds() == Rect());
+    CHECK(Image(-7, 5, colour, Depth::Eight, AlphaForm::Straight).Bounds() == Rect());
+    CHECK(Image(lowest, lowest, colour, Depth::Eight, AlphaForm::Straight).Bounds() == Rect());
+    CHECK(Image(Rect(3, 3, 2, 9), mask, Depth::Eight, AlphaForm::Straight).Bounds() == Rect());
+    CHECK(Image(Rect(lowest, 0, highest, 0), colour, Depth::Fourteen, AlphaForm::Straight).Bounds() == Rect());
+    const Image none(0, 0, mask, Depth::Eight, AlphaForm::Straight);
     CHECK_EQ(none.ByteSize(), 0u);
     CHECK(none.GetPixel8(0, 0) == Pixel8());
     for (const int edgeMode : {0, 1, 2, 4}) CHECK_EQ(none.GetMaskEdge8(0, 0, edgeMode), 0);
     CHECK(none.Clone()->Bounds() == Rect());
-    CHECK_EQ(none.Convert(Rect(), 0), nullptr);
+    CHECK_EQ(none.Convert(Rect(), Depth::Eight), nullptr);
 }
 
 TEST_CASE("An image beyond all memory throws and leaves nothing behind") {
     const std::int32_t living = Image::LivingImages();
-    CHECK_THROWS_AS(Image(highest / 4, highest, colour, 0, 0), std::bad_alloc);
+    CHECK_THROWS_AS(Image(highest / 4, highest, colour, Depth::Eight, AlphaForm::Straight), std::bad_alloc);
     CHECK_EQ(Image::LivingImages(), living);
 }
 
 TEST_CASE("Sharing images see each other's pixels, and the buffer stays until the last one goes") {
     const std::int32_t living = Image::LivingImages();
-    auto first = std::make_unique<Image>(2, 2, colour, 0, 0);
+    auto first = std::make_unique<Image>(2, 2, colour, Depth::Eight, AlphaForm::Straight);
     auto second = std::make_unique<Image>(*first);
     CHECK_EQ(Image::LivingImages(), living + 2);
     CHECK_EQ(first->buffer->references, 2);
@@ -118,12 +120,12 @@ TEST_CASE("Sharing images see each other's pixels, and the buffer stays until th
 }
 
 TEST_CASE("Assigning shares the other's buffer and lets go of the own one") {
-    Image first(2, 2, colour, 0, 0);
-    Image second(5, 5, mask, 1, 1);
+    Image first(2, 2, colour, Depth::Eight, AlphaForm::Straight);
+    Image second(5, 5, mask, Depth::Fourteen, AlphaForm::Premultiplied);
     second = first;
     CHECK_EQ(second.buffer, first.buffer);
     CHECK_EQ(first.buffer->references, 2);
-    CHECK_EQ(second.type, colour);
+    CHECK_EQ(second.GetPixelType(), colour);
     const Image& same = second;
     second = same;
     CHECK_EQ(first.buffer->references, 2);
@@ -131,7 +133,7 @@ TEST_CASE("Assigning shares the other's buffer and lets go of the own one") {
 
 TEST_CASE("A clone has pixels of its own") {
     for (const Kind kind : kinds) {
-        Image image(Rect(-2, -1, 4, 3), kind.type, kind.depth, 1);
+        Image image(Rect(-2, -1, 4, 3), kind.type, kind.depth, AlphaForm::Premultiplied);
         reference::FillWithNoise(image, 3);
         const auto clone = image.Clone();
         CHECK_NE(clone->buffer, image.buffer);
@@ -144,7 +146,7 @@ TEST_CASE("A clone has pixels of its own") {
 
 TEST_CASE("Conversion at the same depth shares the pixels of the part cut out") {
     for (const Kind kind : kinds) {
-        Image image(Rect(0, 0, 9, 9), kind.type, kind.depth, 1);
+        Image image(Rect(0, 0, 9, 9), kind.type, kind.depth, AlphaForm::Premultiplied);
         reference::FillWithNoise(image, 4);
         const auto cut = image.Convert(Rect(-5, 3, 4, 6), kind.depth);
         REQUIRE(cut);
@@ -158,10 +160,10 @@ TEST_CASE("Conversion at the same depth shares the pixels of the part cut out") 
 }
 
 TEST_CASE("An invalid rectangle converts the whole image, one that misses it gives null") {
-    const Image image(Rect(0, 0, 9, 9), colour, 0, 0);
-    CHECK(image.Convert(Rect(), 0)->Bounds() == image.Bounds());
-    CHECK(image.Convert(Rect(), 1)->Bounds() == image.Bounds());
-    for (const std::int32_t depth : {0, 1}) {
+    const Image image(Rect(0, 0, 9, 9), colour, Depth::Eight, AlphaForm::Straight);
+    CHECK(image.Convert(Rect(), Depth::Eight)->Bounds() == image.Bounds());
+    CHECK(image.Convert(Rect(), Depth::Fourteen)->Bounds() == image.Bounds());
+    for (const Depth depth : {Depth::Eight, Depth::Fourteen}) {
         CHECK_EQ(image.Convert(Rect(10, 0, 12, 5), depth), nullptr);
         CHECK_EQ(image.Convert(Rect(3, 3, 2, 5), depth), nullptr);  // valid, though reversed on x
     }
@@ -169,18 +171,18 @@ TEST_CASE("An invalid rectangle converts the whole image, one that misses it giv
 
 // 200 * 64 + (200 >> 2) = 12850; 16383 >> 6 = 255, 12850 >> 6 = 200.
 TEST_CASE("Conversion to another depth widens and narrows each channel") {
-    Image image(Rect(-1, -1, 2, 1), colour, 0, 1);
+    Image image(Rect(-1, -1, 2, 1), colour, Depth::Eight, AlphaForm::Premultiplied);
     SetPixel8(image, 0, 1, {0, 200, 255, 3});
-    const auto deep = image.Convert(Rect(0, 0, 9, 9), 1);
+    const auto deep = image.Convert(Rect(0, 0, 9, 9), Depth::Fourteen);
     CHECK(deep->Bounds() == Rect(0, 0, 2, 1));
     CHECK_EQ(deep->depth, 1);
     CHECK_EQ(deep->flag, 1);
     CHECK(deep->GetPixel14(0, 1) == Pixel14{0, 12850, 16383, 192});
-    const auto back = deep->Convert(Rect(), 0);
+    const auto back = deep->Convert(Rect(), Depth::Eight);
     CHECK(back->GetPixel8(0, 1) == Pixel8{0, 200, 255, 3});
-    Image deepMask(3, 1, mask, 1, 0);
+    Image deepMask(3, 1, mask, Depth::Fourteen, AlphaForm::Straight);
     deepMask.Row14(0)[2] = 16319;  // 254.98 * 64
-    CHECK_EQ(deepMask.Convert(Rect(), 0)->Row8(0)[2], 254);
+    CHECK_EQ(deepMask.Convert(Rect(), Depth::Eight)->Row8(0)[2], 254);
 }
 
 TEST_CASE("Widening and narrowing keep every 8-bit value") {
@@ -188,11 +190,11 @@ TEST_CASE("Widening and narrowing keep every 8-bit value") {
 }
 
 TEST_CASE("Pixels outside the image are zero") {
-    Image image(Rect(5, 5, 6, 6), colour, 0, 0);
+    Image image(Rect(5, 5, 6, 6), colour, Depth::Eight, AlphaForm::Straight);
     reference::FillWithNoise(image, 1);
     for (const auto& [x, y] : {std::pair{4, 5}, {7, 5}, {5, 4}, {5, 7}, {lowest, highest}, {highest, lowest}})
         CHECK(image.GetPixel8(x, y) == Pixel8());
-    Image deep(Rect(5, 5, 6, 6), colour, 1, 0);
+    Image deep(Rect(5, 5, 6, 6), colour, Depth::Fourteen, AlphaForm::Straight);
     SetPixel14(deep, 6, 6, {1, 2, 3, 4});
     CHECK(deep.GetPixel14(6, 6) == Pixel14{1, 2, 3, 4});
     CHECK(deep.GetPixel14(6, 7) == Pixel14());
@@ -200,7 +202,7 @@ TEST_CASE("Pixels outside the image are zero") {
 
 // Columns 3, 4, 5, 6 of values 10, 11, 12, 13.
 TEST_CASE("Edge modes bring a position inside") {
-    Image image(Rect(3, 0, 6, 0), mask, 0, 0);
+    Image image(Rect(3, 0, 6, 0), mask, Depth::Eight, AlphaForm::Straight);
     for (int i = 0; i < 4; ++i) image.Row8(0)[static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(10 + i);
     const auto read = [&](std::int32_t edgeMode, std::int32_t from) {
         std::vector<int> values;
@@ -220,7 +222,7 @@ TEST_CASE("Edge modes bring a position inside") {
 
 TEST_CASE("Edge modes agree with stepwise reflection and wrapping on both axes") {
     for (const auto& [width, height] : {std::pair{1, 1}, {1, 5}, {2, 1}, {2, 3}, {5, 4}}) {
-        Image image(Rect(-2, 3, -3 + width, 2 + height), colour, 1, 0);
+        Image image(Rect(-2, 3, -3 + width, 2 + height), colour, Depth::Fourteen, AlphaForm::Straight);
         reference::FillWithNoise(image, 8);
         const reference::Picture reference(image);
         bool right = true;
@@ -236,13 +238,13 @@ TEST_CASE("Edge modes agree with stepwise reflection and wrapping on both axes")
 }
 
 TEST_CASE("A single pixel reflects into itself") {
-    Image image(1, 1, mask, 1, 0);
+    Image image(1, 1, mask, Depth::Fourteen, AlphaForm::Straight);
     image.Row14(0)[0] = 777;
     CHECK_EQ(image.GetMaskEdge14(50, -50, edgeReflect), 777);
 }
 
 TEST_CASE("Positions at the ends of the 32-bit range are brought inside") {
-    Image image(Rect(lowest, highest - 2, lowest + 2, highest), colour, 0, 0);
+    Image image(Rect(lowest, highest - 2, lowest + 2, highest), colour, Depth::Eight, AlphaForm::Straight);
     reference::FillWithNoise(image, 2);
     CHECK(image.GetPixelEdge8(highest, lowest, edgeClamp) == image.GetPixel8(lowest + 2, highest - 2));
     // The range of 2^32 columns is one more than a multiple of 3.
@@ -252,16 +254,16 @@ TEST_CASE("Positions at the ends of the 32-bit range are brought inside") {
 }
 
 TEST_CASE("Alpha is set at 8 bits and widened in a 14-bit image") {
-    Image image(2, 1, colour, 0, 0);
+    Image image(2, 1, colour, Depth::Eight, AlphaForm::Straight);
     image.SetAlpha8(1, 0, 200);
     CHECK(image.GetPixel8(1, 0) == Pixel8{0, 0, 0, 200});
-    Image deep(2, 1, colour, 1, 0);
+    Image deep(2, 1, colour, Depth::Fourteen, AlphaForm::Straight);
     deep.SetAlpha8(1, 0, 200);
     CHECK(deep.GetPixel14(1, 0) == Pixel14{0, 0, 0, 12850});
-    Image small(2, 1, mask, 0, 0);
+    Image small(2, 1, mask, Depth::Eight, AlphaForm::Straight);
     small.SetAlpha8(1, 0, 9);
     CHECK_EQ(small.Row8(0)[1], 9);
-    Image deepMask(2, 1, mask, 1, 0);
+    Image deepMask(2, 1, mask, Depth::Fourteen, AlphaForm::Straight);
     deepMask.SetAlpha8(1, 0, 255);
     CHECK_EQ(deepMask.Row14(0)[1], 16383);
 }
@@ -285,13 +287,13 @@ TEST_CASE(
 
 // 0.5 * 255 + 0.5 = 128.0; 0.5 * 16383 + 0.5 = 8192.0.
 TEST_CASE("Filling a channel rounds, and keeps inside the image") {
-    Image image(Rect(0, 0, 3, 3), colour, 0, 0);
+    Image image(Rect(0, 0, 3, 3), colour, Depth::Eight, AlphaForm::Straight);
     image.FillChannel(Rect(2, -5, 50, 1), 0.5);
     CHECK(image.GetPixel8(2, 0) == Pixel8{0, 0, 0, 128});
     CHECK(image.GetPixel8(3, 1) == Pixel8{0, 0, 0, 128});
     CHECK(image.GetPixel8(1, 0) == Pixel8());
     CHECK(image.GetPixel8(2, 2) == Pixel8());
-    Image deepMask(2, 2, mask, 1, 0);
+    Image deepMask(2, 2, mask, Depth::Fourteen, AlphaForm::Straight);
     deepMask.FillChannel(0.5);
     for (const int value : reference::Picture(deepMask).values) CHECK_EQ(value, 8192);
     deepMask.FillChannel(Rect(), 1.0);
@@ -301,7 +303,7 @@ TEST_CASE("Filling a channel rounds, and keeps inside the image") {
 }
 
 TEST_CASE("Filling with what lies outside 0 to 1, or with NaN, stores an end") {
-    Image image(1, 1, mask, 0, 0);
+    Image image(1, 1, mask, Depth::Eight, AlphaForm::Straight);
     const auto filled = [&](double value) {
         image.FillChannel(value);
         return static_cast<int>(image.Row8(0)[0]);
@@ -313,33 +315,34 @@ TEST_CASE("Filling with what lies outside 0 to 1, or with NaN, stores an end") {
 }
 
 TEST_CASE("Alpha goes into a mask, which is cleared first where it is not covered") {
-    for (const std::int32_t depth : {0, 1}) {
-        Image image(Rect(0, 0, 3, 3), colour, depth, 0);
+    for (const Depth depth : {Depth::Eight, Depth::Fourteen}) {
+        Image image(Rect(0, 0, 3, 3), colour, depth, AlphaForm::Straight);
         reference::FillWithNoise(image, 6);
         reference::Picture reference(image);
-        Image inside(Rect(1, 1, 2, 2), mask, depth, 0);
+        Image inside(Rect(1, 1, 2, 2), mask, depth, AlphaForm::Straight);
         image.CopyAlphaToMask(inside);
         CHECK_EQ(reference::Picture(inside).At(2, 1, 0), reference.At(2, 1, 3));
-        Image beyond(Rect(2, 2, 5, 5), mask, depth, 0);
+        Image beyond(Rect(2, 2, 5, 5), mask, depth, AlphaForm::Straight);
         beyond.FillChannel(1.0);
         image.CopyAlphaToMask(beyond);
         CHECK_EQ(reference::Picture(beyond).At(3, 2, 0), reference.At(3, 2, 3));
         CHECK_EQ(reference::Picture(beyond).At(4, 2, 0), 0);
         CHECK_EQ(reference::Picture(beyond).At(2, 5, 0), 0);
-        Image apart(Rect(20, 20, 22, 22), mask, depth, 0);
+        Image apart(Rect(20, 20, 22, 22), mask, depth, AlphaForm::Straight);
         apart.FillChannel(1.0);
         image.CopyAlphaToMask(apart);
         for (const int value : reference::Picture(apart).values) CHECK_EQ(value, 0);
-        Image otherDepth(Rect(0, 0, 3, 3), mask, 1 - depth, 0);
+        Image otherDepth(Rect(0, 0, 3, 3), mask, depth == Depth::Eight ? Depth::Fourteen : Depth::Eight,
+                         AlphaForm::Straight);
         image.CopyAlphaToMask(otherDepth);  // another format: nothing
         for (const int value : reference::Picture(otherDepth).values) CHECK_EQ(value, 0);
     }
 }
 
 TEST_CASE("Clearing a cut-out leaves the rest of the buffer") {
-    Image image(Rect(0, 0, 3, 3), mask, 0, 0);
+    Image image(Rect(0, 0, 3, 3), mask, Depth::Eight, AlphaForm::Straight);
     image.FillChannel(1.0);
-    image.Convert(Rect(1, 1, 2, 2), 0)->Clear();
+    image.Convert(Rect(1, 1, 2, 2), Depth::Eight)->Clear();
     for (std::int32_t y = 0; y < 4; ++y)
         for (std::int32_t x = 0; x < 4; ++x)
             CHECK_EQ(image.GetMaskEdge8(x, y, 0), Rect(1, 1, 2, 2).Contains(x, y) ? 0 : 255);
@@ -348,7 +351,7 @@ TEST_CASE("Clearing a cut-out leaves the rest of the buffer") {
 // Alpha 128: factor 128 + 1 = 129, 200 * 129 >> 8 = 100 (25800 / 256 = 100.8).
 // Alpha 8192: factor 8192 + 1, 10000 * 8193 >> 14 = 5000 (81930000 / 16384 = 5000.6).
 TEST_CASE("Premultiplying shifts, and leaves what is opaque") {
-    Image image(3, 1, colour, 0, 0);
+    Image image(3, 1, colour, Depth::Eight, AlphaForm::Straight);
     SetPixel8(image, 0, 0, {200, 100, 255, 128});
     SetPixel8(image, 1, 0, {200, 100, 255, 255});
     SetPixel8(image, 2, 0, {200, 100, 255, 0});
@@ -356,7 +359,7 @@ TEST_CASE("Premultiplying shifts, and leaves what is opaque") {
     CHECK(image.GetPixel8(0, 0) == Pixel8{100, 50, 128, 128});
     CHECK(image.GetPixel8(1, 0) == Pixel8{200, 100, 255, 255});
     CHECK(image.GetPixel8(2, 0) == Pixel8{0, 0, 0, 0});
-    Image deep(3, 1, colour, 1, 0);
+    Image deep(3, 1, colour, Depth::Fourteen, AlphaForm::Straight);
     SetPixel14(deep, 0, 0, {10000, 0, 16383, 8192});
     SetPixel14(deep, 1, 0, {10000, 0, 16383, 16383});
     SetPixel14(deep, 2, 0, {65535, 0, 16383, 65535});
@@ -370,7 +373,7 @@ TEST_CASE("Premultiplying shifts, and leaves what is opaque") {
 // 14 bits: 7 * (16383 / 14) = 7 * 1170.2142857... = 8191.5, rounded 8192. (The factor in 32 bits is 1170.2142333984375,
 // by which 7 becomes 8191.4996.) 15 * 1170.2 is beyond full scale. 4000 * (16383 / 8191) = 8000.49, rounded 8000.
 TEST_CASE("Unpremultiplying leaves what has no alpha and what is opaque") {
-    Image image(4, 1, colour, 0, 0);
+    Image image(4, 1, colour, Depth::Eight, AlphaForm::Straight);
     SetPixel8(image, 0, 0, {60, 200, 0, 100});
     SetPixel8(image, 1, 0, {60, 200, 0, 0});
     SetPixel8(image, 2, 0, {60, 200, 0, 255});
@@ -380,7 +383,7 @@ TEST_CASE("Unpremultiplying leaves what has no alpha and what is opaque") {
     CHECK(image.GetPixel8(1, 0) == Pixel8{60, 200, 0, 0});
     CHECK(image.GetPixel8(2, 0) == Pixel8{60, 200, 0, 255});
     CHECK(image.GetPixel8(3, 0) == Pixel8{60, 200, 0, 100});
-    Image deep(3, 1, colour, 1, 0);
+    Image deep(3, 1, colour, Depth::Fourteen, AlphaForm::Straight);
     SetPixel14(deep, 0, 0, {7, 15, 0, 14});
     SetPixel14(deep, 1, 0, {7, 15, 0, 0});
     SetPixel14(deep, 2, 0, {4000, 12000, 0, 8191});
@@ -391,7 +394,7 @@ TEST_CASE("Unpremultiplying leaves what has no alpha and what is opaque") {
 }
 
 TEST_CASE("A mask has no colour to premultiply") {
-    Image image(4, 4, mask, 0, 0);
+    Image image(4, 4, mask, Depth::Eight, AlphaForm::Straight);
     reference::FillWithNoise(image, 6);
     const reference::Picture before(image);
     image.Premultiply(image);
@@ -403,9 +406,9 @@ TEST_CASE("Copying takes the overlap of both images and the region, with one wor
     for (const std::int32_t workers : {1, 3}) {
         MultiProcessor::Restart(workers);
         for (const Kind kind : kinds) {
-            Image source(Rect(-5, -5, 300, 400), kind.type, kind.depth, 0);
+            Image source(Rect(-5, -5, 300, 400), kind.type, kind.depth, AlphaForm::Straight);
             reference::FillWithNoise(source, 11);
-            Image target(Rect(0, 0, 500, 380), kind.type, kind.depth, 0);
+            Image target(Rect(0, 0, 500, 380), kind.type, kind.depth, AlphaForm::Straight);
             reference::FillWithNoise(target, 12);
             reference::Picture from(source);
             reference::Picture wanted(target);
@@ -423,9 +426,9 @@ TEST_CASE("Copying takes the overlap of both images and the region, with one wor
 }
 
 TEST_CASE("The second form of copying clears the target first") {
-    Image source(Rect(0, 0, 9, 9), mask, 0, 0);
+    Image source(Rect(0, 0, 9, 9), mask, Depth::Eight, AlphaForm::Straight);
     source.FillChannel(1.0);
-    Image target(Rect(5, 5, 14, 14), mask, 0, 0);
+    Image target(Rect(5, 5, 14, 14), mask, Depth::Eight, AlphaForm::Straight);
     target.FillChannel(0.5);
     target.ClearAndCopyRegion(source, Rect(0, 0, 7, 7));
     for (std::int32_t y = 5; y <= 14; ++y)
@@ -433,17 +436,17 @@ TEST_CASE("The second form of copying clears the target first") {
 }
 
 TEST_CASE("Copying between formats changes nothing") {
-    Image source(4, 4, colour, 0, 0);
+    Image source(4, 4, colour, Depth::Eight, AlphaForm::Straight);
     source.FillChannel(1.0);
-    for (const Kind kind : {Kind{colour, 1}, Kind{mask, 0}, Kind{mask, 1}}) {
-        Image target(4, 4, kind.type, kind.depth, 0);
+    for (const Kind kind : {Kind{colour, Depth::Fourteen}, Kind{mask, Depth::Eight}, Kind{mask, Depth::Fourteen}}) {
+        Image target(4, 4, kind.type, kind.depth, AlphaForm::Straight);
         target.CopyRegion(source, Rect(0, 0, 3, 3));
         for (const int value : reference::Picture(target).values) CHECK_EQ(value, 0);
     }
 }
 
 TEST_CASE("An image can be moved in the plane and keeps its pixels") {
-    Image image(Rect(0, 0, 3, 3), mask, 0, 0);
+    Image image(Rect(0, 0, 3, 3), mask, Depth::Eight, AlphaForm::Straight);
     image.SetAlpha8(1, 2, 99);
     image.Translate(100, -50);
     CHECK_EQ(image.GetMaskEdge8(101, -48, 0), 99);

@@ -13,10 +13,10 @@ using namespace chalkpane;
 
 namespace {
 
-constexpr std::int32_t colour = ImageDefinition::colourType;
+constexpr PixelType colour = PixelType::Colour;
 
 Image Noise(std::int32_t width, std::int32_t height) {
-    Image image(width, height, colour, 0, 0);
+    Image image(width, height, colour, Depth::Eight, AlphaForm::Straight);
     reference::FillWithNoise(image, 12);
     return image;
 }
@@ -28,7 +28,7 @@ bool SamePixels(const Image& a, const Image& b) {
 }  // namespace
 
 TEST_CASE("A fresh multi-resolution image shares its source and has its definition") {
-    const Image source(Rect(2, 3, 20, 30), colour, 1, 1);
+    const Image source(Rect(2, 3, 20, 30), colour, Depth::Fourteen, AlphaForm::Premultiplied);
     const ImageMRImage picture(source);
     CHECK(picture.Bounds() == source.Bounds());
     CHECK_EQ(picture.depth, 1);
@@ -44,7 +44,7 @@ TEST_CASE("A fresh multi-resolution image shares its source and has its definiti
 
 TEST_CASE("The levels of 1024 are 9: both sizes stay above 1") {
     const auto levels = [](std::int32_t width, std::int32_t height) {
-        return ImageMRImage(Image(width, height, ImageDefinition::maskType, 0, 0)).LevelCount();
+        return ImageMRImage(Image(width, height, PixelType::Mask, Depth::Eight, AlphaForm::Straight)).LevelCount();
     };
     CHECK_EQ(levels(1024, 1024), 9);
     CHECK_EQ(levels(1024, 8), 2);  // 4, 2
@@ -124,7 +124,8 @@ TEST_CASE("A pyramid answers with the level below, and never reduces") {
     ImageMRImage picture(Noise(16, 16));
     picture.hasPyramid = 1;
     CHECK_EQ(picture.GetWholeLevelImage(3, false, 0), &picture.base);  // not built
-    for (int i = 0; i < 3; ++i) picture.levels.push_back(std::make_unique<Image>(8 >> i, 8 >> i, colour, 0, 0));
+    for (int i = 0; i < 3; ++i)
+        picture.levels.push_back(std::make_unique<Image>(8 >> i, 8 >> i, colour, Depth::Eight, AlphaForm::Straight));
     CHECK_EQ(picture.GetWholeLevelImage(0.9, false, 0), &picture.base);
     CHECK_EQ(picture.GetScale(), 1.0);
     CHECK_EQ(picture.GetWholeLevelImage(1.9, false, 0), picture.levels[1].get());

@@ -13,8 +13,8 @@ using namespace chalkpane;
 
 namespace {
 
-constexpr std::int32_t colour = ImageDefinition::colourType;
-constexpr std::int32_t mask = ImageDefinition::maskType;
+constexpr PixelType colour = PixelType::Colour;
+constexpr PixelType mask = PixelType::Mask;
 
 SoftMask Mask(SoftMask::Kind kind, const Rect& rect, double softness) {
     SoftMask softMask;
@@ -24,8 +24,8 @@ SoftMask Mask(SoftMask::Kind kind, const Rect& rect, double softness) {
     return softMask;
 }
 
-Image FullMask(const Rect& rect, std::int32_t depth) {
-    Image image(rect, mask, depth, 0);
+Image FullMask(const Rect& rect, Depth depth) {
+    Image image(rect, mask, depth, AlphaForm::Straight);
     image.FillChannel(1.0);
     return image;
 }
@@ -62,10 +62,10 @@ Multiplier CircleFade(const SoftMask& soft, double zoom, int x, int y) {
 }
 
 void CheckAgainstReference(SoftMask softMask, const Rect& area, double zoom) {
-    for (const std::int32_t type : {colour, mask})
-        for (const std::int32_t depth : {0, 1})
+    for (const PixelType type : {colour, mask})
+        for (const Depth depth : {Depth::Eight, Depth::Fourteen})
             for (const bool alphaOnly : {false, true}) {
-                Image image(area, type, depth, 0);
+                Image image(area, type, depth, AlphaForm::Straight);
                 reference::FillWithNoise(image, 44);
                 reference::Picture wanted(image);
                 softMask.alphaOnly = alphaOnly ? 1 : 0;
@@ -75,7 +75,7 @@ void CheckAgainstReference(SoftMask softMask, const Rect& area, double zoom) {
                         for (int c = type == colour && alphaOnly ? 3 : 0; c < wanted.channels; ++c) {
                             const Multiplier fade = softMask.kind == SoftMask::circle
                                                         ? CircleFade(softMask, zoom, x, y)
-                                                        : RectangleFade(softMask, zoom, x, y, depth != 0);
+                                                        : RectangleFade(softMask, zoom, x, y, depth == Depth::Fourteen);
                             int& value = wanted.At(x, y, c);
                             value = static_cast<int>((value * fade.factor) >> fade.shift);
                         }
@@ -99,7 +99,7 @@ TEST_CASE("A soft mask is active with a kind and a softness of at least a thousa
 }
 
 TEST_CASE("Without a kind nothing fades") {
-    Image image = FullMask(Rect(0, 0, 9, 9), 0);
+    Image image = FullMask(Rect(0, 0, 9, 9), Depth::Eight);
     Mask(SoftMask::none, Rect(3, 3, 5, 5), 2).ApplySoftMask(image, 1);
     for (const int value : reference::Picture(image).values) CHECK_EQ(value, 255);
 }
@@ -109,7 +109,7 @@ TEST_CASE("Without a kind nothing fades") {
 // 1 - 0.559 = 0.44098, * 256 = 112.9, 255 * 112 >> 8 = 111. 14 bits: 0.75 * 65536 = 49152, 16383 * 0.75 = 12287.25.
 TEST_CASE("A rectangle fades straight along its sides and radially at its corners") {
     SoftMask softMask = Mask(SoftMask::rectangle, Rect(0, 0, 20, 20), 4);
-    Image image = FullMask(Rect(-3, -3, 23, 23), 0);
+    Image image = FullMask(Rect(-3, -3, 23, 23), Depth::Eight);
     softMask.ApplySoftMask(image, 1);
     CHECK_EQ(softMask.inverseWidth, 0.25F);
     CHECK_EQ(image.GetMaskEdge8(10, 10, 0), 255);
@@ -121,7 +121,7 @@ TEST_CASE("A rectangle fades straight along its sides and radially at its corner
     CHECK_EQ(image.GetMaskEdge8(1, 0, 0), 0);
     CHECK_EQ(image.GetMaskEdge8(2, 3, 0), 111);
     CHECK_EQ(image.GetMaskEdge8(18, 17, 0), 111);
-    Image deep = FullMask(Rect(-3, -3, 23, 23), 1);
+    Image deep = FullMask(Rect(-3, -3, 23, 23), Depth::Fourteen);
     softMask.ApplySoftMask(deep, 1);
     CHECK_EQ(deep.GetMaskEdge14(3, 10, 0), 12287);
 }
@@ -129,7 +129,7 @@ TEST_CASE("A rectangle fades straight along its sides and radially at its corner
 // Rectangle 0 .. 10 at zoom 2 is 0 .. 20; softness 2 becomes 4.
 TEST_CASE("Rectangle and softness follow the zoom") {
     SoftMask softMask = Mask(SoftMask::rectangle, Rect(0, 0, 10, 10), 2);
-    Image image = FullMask(Rect(0, 0, 20, 20), 0);
+    Image image = FullMask(Rect(0, 0, 20, 20), Depth::Eight);
     softMask.ApplySoftMask(image, 2);
     CHECK_EQ(softMask.inverseWidth, 0.25F);
     CHECK_EQ(image.GetMaskEdge8(3, 10, 0), 191);
@@ -138,11 +138,11 @@ TEST_CASE("Rectangle and softness follow the zoom") {
 
 // With a negative zoom the width is negative and factors rise above 1 outside: they multiply by 1, not by 256.
 TEST_CASE("A factor above 1 all but clears the pixel") {
-    Image image = FullMask(Rect(0, 0, 30, 0), 0);
+    Image image = FullMask(Rect(0, 0, 30, 0), Depth::Eight);
     Mask(SoftMask::rectangle, Rect(-30, -5, 0, 5), 1).ApplySoftMask(image, -0.5);
     // Scaled: x from 15 to 0, inner from 14.5 to 0.5: every column lies outside, at left of 14.5 first.
     CHECK_EQ(image.GetMaskEdge8(10, 0, 0), 0);  // 255 * 1 >> 8
-    Image deep = FullMask(Rect(0, 0, 30, 0), 1);
+    Image deep = FullMask(Rect(0, 0, 30, 0), Depth::Fourteen);
     Mask(SoftMask::rectangle, Rect(-30, -5, 0, 5), 1).ApplySoftMask(deep, -0.5);
     CHECK_EQ(deep.GetMaskEdge14(10, 0, 0), 0);
 }
@@ -151,7 +151,7 @@ TEST_CASE("A factor above 1 all but clears the pixel") {
 // (10.5 - 8) / 4.2 = 0.595, * 256 = 152.4, 255 * 152 >> 8 = 151. 14 bits: 16383 * 152 >> 8 = 9727.
 TEST_CASE("A circle fades in its ring and is nothing beyond") {
     SoftMask softMask = Mask(SoftMask::circle, Rect(0, 0, 20, 20), 4.2);
-    Image image = FullMask(Rect(-5, -5, 25, 25), 0);
+    Image image = FullMask(Rect(-5, -5, 25, 25), Depth::Eight);
     softMask.ApplySoftMask(image, 1);
     CHECK_EQ(image.GetMaskEdge8(10, 10, 0), 255);
     CHECK_EQ(image.GetMaskEdge8(16, 10, 0), 255);
@@ -160,20 +160,20 @@ TEST_CASE("A circle fades in its ring and is nothing beyond") {
     CHECK_EQ(image.GetMaskEdge8(21, 10, 0), 0);
     CHECK_EQ(image.GetMaskEdge8(10, -1, 0), 0);
     CHECK_EQ(image.GetMaskEdge8(0, 0, 0), 0);
-    Image deep = FullMask(Rect(-5, -5, 25, 25), 1);
+    Image deep = FullMask(Rect(-5, -5, 25, 25), Depth::Fourteen);
     softMask.ApplySoftMask(deep, 1);
     CHECK_EQ(deep.GetMaskEdge14(18, 10, 0), 9727);  // eight bits of fade here in both depths
 }
 
 TEST_CASE("With alpha alone colour stays, but a mask fades all the same") {
-    Image image(Rect(0, 0, 4, 4), colour, 0, 0);
+    Image image(Rect(0, 0, 4, 4), colour, Depth::Eight, AlphaForm::Straight);
     for (std::int32_t y = 0; y <= 4; ++y)
         for (auto& channel : image.Row8(y)) channel = 200;
     SoftMask softMask = Mask(SoftMask::rectangle, Rect(10, 10, 20, 20), 1);
     softMask.alphaOnly = 1;
     softMask.ApplySoftMask(image, 1);
     CHECK(image.GetPixel8(2, 2) == Pixel8{200, 200, 200, 0});
-    Image full = FullMask(Rect(0, 0, 4, 4), 0);
+    Image full = FullMask(Rect(0, 0, 4, 4), Depth::Eight);
     softMask.ApplySoftMask(full, 1);
     CHECK_EQ(full.GetMaskEdge8(2, 2, 0), 0);
 }
@@ -198,13 +198,13 @@ TEST_CASE("Settings and zooms that mean nothing are survived") {
             for (const double softness : {nan, infinity, 0.0, -3.0, 1e300, 1e-300, 2.0})
                 for (const Rect& rect :
                      {Rect(0, 0, 9, 9), Rect(), Rect(9, 0, 3, 5), Rect(lowest, lowest, highest, highest)})
-                    for (const std::int32_t depth : {0, 1}) {
-                        Image image(Rect(-3, -3, 12, 12), colour, depth, 0);
+                    for (const Depth depth : {Depth::Eight, Depth::Fourteen}) {
+                        Image image(Rect(-3, -3, 12, 12), colour, depth, AlphaForm::Straight);
                         reference::FillWithNoise(image, 1);
                         Mask(kind, rect, softness).ApplySoftMask(image, zoom);
-                        Image none(0, 0, mask, depth, 0);
+                        Image none(0, 0, mask, depth, AlphaForm::Straight);
                         Mask(kind, rect, softness).ApplySoftMask(none, zoom);
-                        Image far(Rect(highest - 2, lowest, highest, lowest + 1), mask, depth, 0);
+                        Image far(Rect(highest - 2, lowest, highest, lowest + 1), mask, depth, AlphaForm::Straight);
                         Mask(kind, rect, softness).ApplySoftMask(far, zoom);
                         CHECK_EQ(far.GetMaskEdge8(0, 0, 0), 0);
                     }

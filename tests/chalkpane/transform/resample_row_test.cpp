@@ -43,8 +43,8 @@ Matrix3 RandomMatrix(std::mt19937& random) {
 TEST_CASE("resampling agrees with the plain reference") {
     std::mt19937 random(77);
     for (std::uint32_t i = 0; i < 600; ++i) {
-        const std::int32_t depth = static_cast<std::int32_t>(i) % 2;
-        const std::int32_t type = static_cast<std::int32_t>(i) / 2 % 2 + 1;
+        const Depth depth = DepthOf(static_cast<std::int32_t>(i % 2));
+        const PixelType type = i / 2 % 2 == 0 ? PixelType::Colour : PixelType::Mask;
         const Image source = NoiseImage(RandomRect(random), type, depth, i);
         Image target = NoiseImage({0, 0, 39, 36}, type, depth, i + 1);
         const Rect rect = RandomRect(random);
@@ -75,7 +75,8 @@ TEST_CASE("resampling agrees with the plain reference") {
 TEST_CASE("the bounds of a rotated image hold all of it and no more") {
     std::mt19937 random(78);
     for (int i = 0; i < 60; ++i) {
-        const Image source({3, -2, 3 + static_cast<int>(random() % 20), -2 + static_cast<int>(random() % 20)}, 2, 0, 0);
+        const Image source = Image::Mask(
+            {3, -2, 3 + static_cast<int>(random() % 20), -2 + static_cast<int>(random() % 20)}, Depth::Eight);
         Transformer transformer;
         transformer.SetTransform(5.0, 5.0, Uniform(random, 4, 6), Uniform(random, 4, 6), 1.0, 1.0,
                                  Uniform(random, 1.0, 359.0));
@@ -114,7 +115,8 @@ TEST_CASE_TEMPLATE("the vector forms of resampling are equal to the plain ones",
     for (std::uint32_t i = 0; i < 4000; ++i) {
         const std::int32_t channels = i % 2 == 0 ? 1 : 4;
         const Image image = NoiseImage({0, 0, static_cast<int>(random() % 60), static_cast<int>(random() % 9)},
-                                       channels == 1 ? 2 : 1, Format::bits == 8 ? 0 : 1, i);
+                                       channels == 1 ? PixelType::Mask : PixelType::Colour,
+                                       Format::bits == 8 ? Depth::Eight : Depth::Fourteen, i);
         const ResampleSource<Channel> source{reinterpret_cast<const Channel*>(image.Address(0, 0)),
                                              -image.rowBytes / static_cast<std::ptrdiff_t>(sizeof(Channel)), image};
         const auto position = [&](double low, double high) { return reference::Fixed(Uniform(random, low, high)); };

@@ -17,11 +17,11 @@ namespace {
 using Values = std::vector<int>;
 
 // One row of a mask.
-Image MaskRow(const Values& values, std::int32_t depth = 0) {
-    Image image({0, 0, static_cast<std::int32_t>(values.size()) - 1, 0}, ImageDefinition::maskType, depth, 0);
+Image MaskRow(const Values& values, Depth depth = Depth::Eight) {
+    Image image = Image::Mask(Rect{0, 0, static_cast<std::int32_t>(values.size()) - 1, 0}, depth);
     for (std::size_t i = 0; i < values.size(); ++i) {
         const auto x = static_cast<std::int32_t>(i);
-        if (depth == 0)
+        if (depth == Depth::Eight)
             *reinterpret_cast<std::uint8_t*>(image.Address(x, 0)) = static_cast<std::uint8_t>(values[i]);
         else
             *reinterpret_cast<std::uint16_t*>(image.Address(x, 0)) = static_cast<std::uint16_t>(values[i]);
@@ -42,7 +42,7 @@ Values Moved(const Image& source, double x, Rect& rect) {
 }  // namespace
 
 TEST_CASE("the identity gives a copy with pixels of its own") {
-    const Image source = NoiseImage({-3, 2, 9, 9}, 1, 0, 5, 1);
+    const Image source = NoiseImage({-3, 2, 9, 9}, PixelType::Colour, Depth::Eight, 5, AlphaForm::Premultiplied);
     for (Transformer transformer : {Transformer(), Moving(0.00005, -0.00005)}) {
         Rect rect;
         const auto copy = transformer.Apply(source, rect);
@@ -54,7 +54,7 @@ TEST_CASE("the identity gives a copy with pixels of its own") {
 }
 
 TEST_CASE("a move by whole pixels moves the rectangle and copies the pixels") {
-    const Image source = NoiseImage({-3, 2, 9, 9}, 2, 1, 6);
+    const Image source = NoiseImage({-3, 2, 9, 9}, PixelType::Mask, Depth::Fourteen, 6);
     Rect rect;
     const auto moved = Moving(2.99995, -5.00005).Apply(source, rect);
     CHECK_EQ(rect, Rect(0, -3, 12, 4));
@@ -66,7 +66,7 @@ TEST_CASE("a move by half a pixel averages neighbours and fades the ends") {
     Rect rect;
     CHECK_EQ(Moved(MaskRow({200, 100, 50}), 0.5, rect), Values{100, 150, 75, 25});
     CHECK_EQ(rect, Rect(0, 0, 3, 0));
-    CHECK_EQ(Moved(MaskRow({200, 100, 50}, 1), 0.5, rect), Values{100, 150, 75, 25});
+    CHECK_EQ(Moved(MaskRow({200, 100, 50}, Depth::Fourteen), 0.5, rect), Values{100, 150, 75, 25});
 }
 
 // 8 bits: (128 * 255 * 256) >> 16 = 127.5 truncated. 14 bits: 128 * 16383 * 256 / 65535.0 + 0.5 = 8192.1, where a shift
@@ -74,9 +74,9 @@ TEST_CASE("a move by half a pixel averages neighbours and fades the ends") {
 TEST_CASE("half of a full channel is rounded down at 8 bits and up at 14") {
     Rect rect;
     CHECK_EQ(Moved(MaskRow({255}), 0.5, rect), Values{127, 127});
-    CHECK_EQ(Moved(MaskRow({16383}, 1), 0.5, rect), Values{8192, 8192});
+    CHECK_EQ(Moved(MaskRow({16383}, Depth::Fourteen), 0.5, rect), Values{8192, 8192});
     // Full weights: 16383 * 65536 / 65535.0 + 0.5 = 16383.75, no more than full scale.
-    CHECK_EQ(Moved(MaskRow({16383, 16383, 16383}, 1), 0.5, rect), Values{8192, 16383, 16383, 8192});
+    CHECK_EQ(Moved(MaskRow({16383, 16383, 16383}, Depth::Fourteen), 0.5, rect), Values{8192, 16383, 16383, 8192});
 }
 
 // Moved by 1/8 the iteration begins at (0.5 - 0.125) * 65536 - 32768 = -8192: fraction (-8192 >> 8) & 255 = 224, so a
@@ -97,7 +97,7 @@ TEST_CASE("fractions are eighths of a pixel exactly") {
 // pixel with centre (1.5, 2.5), and the 4 x 2 picture becomes 2 x 4 in 1 .. 2, -1 .. 2. The sine and cosine are
 // rounded, so a part in 256 may go astray.
 TEST_CASE("a quarter turn is clockwise and keeps the size") {
-    Image source({0, 0, 3, 1}, 2, 0, 0);
+    Image source = Image::Mask(Rect{0, 0, 3, 1}, Depth::Eight);
     source.SetAlpha8(0, 0, 255);
     Transformer transformer;
     transformer.SetTransform(2.0, 1.0, 2.0, 1.0, 1.0, 1.0, 90.0);
@@ -125,7 +125,7 @@ TEST_CASE("the seven values apply as origin, scale, turn and move") {
 }
 
 TEST_CASE("a target limit keeps the rest of the result blank, and even the identity resamples") {
-    const Image source = FlatImage({0, 0, 7, 7}, 2, 0, {90});
+    const Image source = FlatImage({0, 0, 7, 7}, PixelType::Mask, Depth::Eight, {90});
     Transformer transformer;
     transformer.LimitTarget({2, 3, 4, 5});
     Rect rect;
@@ -155,7 +155,7 @@ TEST_CASE("resampling into a target writes the rectangle and nothing else") {
     Image target = MaskRow({7, 7, 7, 7, 7, 7});
     Moving(0.5, 0.0).ApplyInto(source, target, {1, 0, 4, 0});
     CHECK_EQ(reference::Picture(target).values, Values{7, 150, 75, 25, 0, 7});
-    Image colour({0, 0, 5, 0}, 1, 0, 0);
+    Image colour = Image::Colour({0, 0, 5, 0}, Depth::Eight, AlphaForm::Straight);
     Moving(0.5, 0.0).ApplyInto(source, colour, colour);  // formats differ
     CHECK_EQ(reference::Picture(colour).values, Values(24, 0));
 }
@@ -163,7 +163,7 @@ TEST_CASE("resampling into a target writes the rectangle and nothing else") {
 // -log(1/4 * 1/4) / log(4) = 2: two halvings. From level 2 the inverse is a scaling by 4 and by the zoom 1/4, so the
 // result is the level itself, while the plain image is read at single pixels.
 TEST_CASE("a pyramid is read at the level that fits the scale") {
-    Image source({0, 0, 31, 31}, 2, 0, 0);
+    Image source = Image::Mask(Rect{0, 0, 31, 31}, Depth::Eight);
     for (int y = 0; y < 32; ++y)
         for (int x = 0; x < 32; ++x) source.SetAlpha8(x, y, (x / 3 + y / 3) % 2 == 0 ? 200 : 0);
     ImageMRImage pyramid(source);
@@ -180,7 +180,7 @@ TEST_CASE("a pyramid is read at the level that fits the scale") {
 }
 
 TEST_CASE("a pyramid at its own size is its image") {
-    const Image source = NoiseImage({0, 0, 9, 9}, 1, 0, 4);
+    const Image source = NoiseImage({0, 0, 9, 9}, PixelType::Colour, Depth::Eight, 4);
     ImageMRImage pyramid(source);
     Rect rect;
     CHECK(SamePixels(*Transformer().Apply(pyramid, rect), reference::Picture(source)));
@@ -191,7 +191,7 @@ TEST_CASE("a pyramid at its own size is its image") {
 TEST_CASE("matrices without inverse and results beyond any canvas give an empty image") {
     constexpr double nan = std::numeric_limits<double>::quiet_NaN();
     constexpr double infinity = std::numeric_limits<double>::infinity();
-    const Image source = FlatImage({0, 0, 99, 99}, 1, 0, {1, 2, 3, 4});
+    const Image source = FlatImage({0, 0, 99, 99}, PixelType::Colour, Depth::Eight, {1, 2, 3, 4});
     ImageMRImage pyramid(source);
     for (const Matrix3& matrix :
          {Matrix3::Scaling(0.0, 1.0), Matrix3::Scaling(nan, 1.0), Matrix3::Translation(nan, 0.0),
@@ -205,7 +205,7 @@ TEST_CASE("matrices without inverse and results beyond any canvas give an empty 
         REQUIRE(result != nullptr);
         CHECK_EQ(rect, Rect());
         CHECK_EQ(transformer.Apply(pyramid, rect)->ByteSize(), 0);
-        Image target = FlatImage({0, 0, 9, 9}, 1, 0, {1, 2, 3, 4});
+        Image target = FlatImage({0, 0, 9, 9}, PixelType::Colour, Depth::Eight, {1, 2, 3, 4});
         transformer.ApplyInto(source, target, target);  // survives, whatever it gives
         transformer.ApplyInto(pyramid, target, target);
     }
@@ -214,11 +214,11 @@ TEST_CASE("matrices without inverse and results beyond any canvas give an empty 
 TEST_CASE("hostile rectangles are cut to the target") {
     constexpr std::int32_t low = std::numeric_limits<std::int32_t>::min();
     constexpr std::int32_t high = std::numeric_limits<std::int32_t>::max();
-    const Image source = FlatImage({0, 0, 9, 9}, 1, 1, {1, 2, 3, 4});
+    const Image source = FlatImage({0, 0, 9, 9}, PixelType::Colour, Depth::Fourteen, {1, 2, 3, 4});
     for (const Rect& rect : {Rect(low, low, high, high), Rect(high, high, low, low), Rect(low, 0, low, 0),
                              Rect(high, high, high, high), Rect(3, 9, 2, 0), Rect()}) {
         for (const double scale : {1.0, 1e-9, 1e9, -1.0}) {
-            Image target = FlatImage({-5, -5, 14, 14}, 1, 1, {9, 9, 9, 9});
+            Image target = FlatImage({-5, -5, 14, 14}, PixelType::Colour, Depth::Fourteen, {9, 9, 9, 9});
             Transformer transformer;
             transformer.SetTransform(0.0, 0.0, 0.25, 0.25, scale, scale, 12.0);
             transformer.LimitSource(rect);
@@ -227,13 +227,13 @@ TEST_CASE("hostile rectangles are cut to the target") {
             transformer.ApplyInto(source, target, target);
         }
     }
-    Image target = FlatImage({0, 0, 9, 9}, 1, 1, {9, 9, 9, 9});
+    Image target = FlatImage({0, 0, 9, 9}, PixelType::Colour, Depth::Fourteen, {9, 9, 9, 9});
     Moving(0.0, 0.0).ApplyInto(source, target, {low, low, high, high});
     CHECK(SamePixels(target, reference::Picture(source)));
 }
 
 TEST_CASE("an empty image transforms to an empty image") {
-    const Image source(Rect(), 1, 0, 0);
+    const Image source = Image::Colour(Rect(), Depth::Eight, AlphaForm::Straight);
     Rect rect(1, 2, 3, 4);
     CHECK_EQ(Transformer().Apply(source, rect)->ByteSize(), 0);
     CHECK_EQ(Moving(0.5, 0.5).Apply(source, rect)->ByteSize(), 0);
@@ -272,8 +272,8 @@ TEST_CASE("the transformer declares the seven values") {
 }
 
 TEST_CASE("one worker and many resample to the same bytes") {
-    for (const std::int32_t type : {1, 2}) {
-        for (const std::int32_t depth : {0, 1}) {
+    for (const PixelType type : {PixelType::Colour, PixelType::Mask}) {
+        for (const Depth depth : {Depth::Eight, Depth::Fourteen}) {
             const Image source = NoiseImage({0, 0, 399, 299}, type, depth, 12);
             Transformer transformer;
             transformer.SetTransform(200.0, 150.0, 200.0, 150.0, 1.1, 0.9, 31.0);

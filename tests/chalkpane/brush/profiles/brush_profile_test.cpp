@@ -64,7 +64,7 @@ bool EqualsGrid(const Image& mask, const reference::MaskGrid& grid) {
         for (std::int32_t x = 0; x < grid.side; ++x) {
             const auto wanted = static_cast<std::uint8_t>(grid.At(x, y));
             const int got = picture.At(x, y, 0);
-            if (got == (mask.depth == 0 ? wanted : Widen(wanted))) continue;
+            if (got == (mask.GetDepth() == Depth::Eight ? wanted : Widen(wanted))) continue;
             MESSAGE("at ", x, ", ", y, " wanted ", static_cast<int>(wanted), " in 8 bits, got ", got);
             return false;
         }

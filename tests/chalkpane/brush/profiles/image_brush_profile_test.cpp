@@ -15,7 +15,7 @@ namespace {
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 Image NoiseMask(std::int32_t width, std::int32_t height, Depth depth = Depth::Eight) {
-    return NoiseImage({0, 0, width - 1, height - 1}, ImageDefinition::maskType, static_cast<std::int32_t>(depth), 5);
+    return NoiseImage({0, 0, width - 1, height - 1}, PixelType::Mask, depth, 5);
 }
 
 DabShape OfRadius(std::int32_t radius, double rotation = 0.0) { return {radius, 1.0, rotation, 1.0, 0}; }
@@ -79,7 +79,7 @@ TEST_CASE("A picture is converted to the depth of the profile") {
 }
 
 TEST_CASE("A picture in colour gives its alpha") {
-    const Image picture = NoiseImage({0, 0, 3, 3}, ImageDefinition::colourType, 0, 3);
+    const Image picture = NoiseImage({0, 0, 3, 3}, PixelType::Colour, Depth::Eight, 3);
     ImageBrushProfile profile(picture, OfRadius(2), Matrix3(), Depth::Eight);
     const auto mask = profile.GetMask(2.0, 2.0, 0.0);
     CHECK(mask->IsMask());
@@ -133,7 +133,7 @@ TEST_CASE("A picture of which nothing remains gives no mask") {
     const Image picture = NoiseMask(4, 4);
     for (const std::int32_t radius : {0, -1, 1025, std::numeric_limits<std::int32_t>::min()})
         CHECK(RectOf(ImageBrushProfile(picture, OfRadius(radius), Matrix3(), Depth::Eight)) == Rect());
-    const Image nothing(0, 0, ImageDefinition::maskType, 0, 0);
+    const Image nothing = Image::Mask(0, 0, Depth::Eight);
     CHECK(RectOf(ImageBrushProfile(nothing, OfRadius(0), Matrix3(), Depth::Eight)) == Rect());
 }
 

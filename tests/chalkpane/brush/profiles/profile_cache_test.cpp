@@ -16,7 +16,7 @@ constexpr DabShape plainShape{4, 1.0, 0.0, 1.0, 0};
 
 std::shared_ptr<const ProfileMasks> MasksOf(std::int32_t side) {
     auto masks = std::make_shared<ProfileMasks>();
-    masks->baseMask = std::make_unique<Image>(side, side, ImageDefinition::maskType, 0, std::uint8_t{0});
+    masks->baseMask = std::make_unique<Image>(side, side, PixelType::Mask, Depth::Eight, AlphaForm::Straight);
     return masks;
 }
 

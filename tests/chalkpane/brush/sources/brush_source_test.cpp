@@ -165,7 +165,7 @@ TEST_CASE("Types 1, 4 and 8 read at the offset, 2, 6 and 7 under the dab") {
 
 TEST_CASE("The profile type picks the profile, and a mask image goes before it") {
     SetImageFileLoader([](const std::string& name) {
-        return std::make_unique<Image>(name == "leaf" ? 7 : 0, 3, ImageDefinition::maskType, 0, std::uint8_t{0});
+        return std::make_unique<Image>(name == "leaf" ? 7 : 0, 3, PixelType::Mask, Depth::Eight, AlphaForm::Straight);
     });
     const auto rectOf = [](std::uint8_t type, const Image* maskImage) {
         Values values;
@@ -184,7 +184,7 @@ TEST_CASE("The profile type picks the profile, and a mask image goes before it")
     CHECK(rectOf(3, nullptr) == Rect(0, 0, 7, 7));
     CHECK(rectOf(4, nullptr) == Rect(0, 0, 6, 6));
     CHECK(rectOf(5, nullptr) == Rect(0, 0, 6, 6));
-    const Image mask(6, 2, ImageDefinition::maskType, 0, 0);
+    const Image mask = Image::Mask(6, 2, Depth::Eight);
     for (const std::uint8_t type : Bytes{0, 1, 2, 3, 4}) CHECK(rectOf(type, &mask) == Rect(0, 0, 5, 1));
     SetImageFileLoader({});
 }

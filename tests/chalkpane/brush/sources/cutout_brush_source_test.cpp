@@ -53,7 +53,7 @@ Rect RectOf(const BrushSource& source) {
 
 // The middle of 6 by 4 pixels, (3, 2), goes to (10, 20).
 TEST_CASE("A cutout in one frame is the picture and its alpha, placed by the middle") {
-    const Image picture = NoiseImage({0, 0, 5, 3}, ImageDefinition::colourType, 0, 8);
+    const Image picture = NoiseImage({0, 0, 5, 3}, PixelType::Colour, Depth::Eight, 8);
     Cutout cutout(picture, 1, 1, 1);
     const DabImages dab = DabAt(cutout.source, 10.0, 20.0);
     REQUIRE(dab.made);
@@ -70,7 +70,7 @@ TEST_CASE("A cutout in one frame is the picture and its alpha, placed by the mid
 
 // The picture is read as the mask it is; so is its colour image.
 TEST_CASE("A cutout of one channel is its own mask") {
-    const Image picture = NoiseImage({0, 0, 5, 3}, ImageDefinition::maskType, 0, 8);
+    const Image picture = NoiseImage({0, 0, 5, 3}, PixelType::Mask, Depth::Eight, 8);
     Cutout cutout(picture, 1, 1, 1);
     const DabImages dab = DabAt(cutout.source, 3.0, 2.0);
     REQUIRE(dab.made);
@@ -223,7 +223,7 @@ TEST_CASE("A policy that is none stays at the first frame") {
 }
 
 TEST_CASE("A cutout of nothing paints nothing") {
-    const Image nothing(0, 0, ImageDefinition::colourType, 0, 0);
+    const Image nothing = Image::Colour(0, 0, Depth::Eight, AlphaForm::Straight);
     for (const std::int32_t frames : {1, 3}) {
         Cutout cutout(nothing, frames, frames, 2);
         CHECK_FALSE(DabAt(cutout.source, 1.0, 1.0).made);

@@ -33,7 +33,7 @@ Image Patch(Depth depth = Depth::Eight) {
 
 // One channel of all pixels at full scale or at `value`.
 Image Plain(std::int32_t side, std::uint8_t value) {
-    Image image(side, side, ImageDefinition::colourType, 0, 0);
+    Image image = Image::Colour(side, side, Depth::Eight, AlphaForm::Straight);
     for (std::int32_t y = 0; y < side; ++y)
         for (auto& channel : image.Row8(y)) channel = value;
     return image;
@@ -158,11 +158,11 @@ TEST_CASE("The picture is a copy, and can be taken away") {
 }
 
 TEST_CASE("A picture of one channel, or of none, gives a dab of zeros") {
-    Image mask(3, 3, ImageDefinition::maskType, 0, 0);
+    Image mask = Image::Mask(3, 3, Depth::Eight);
     mask.FillChannel(1.0);
     CHECK_EQ(ReadAt(mask, 1, 1, 0.5, 0.5), nothing);
     CHECK_EQ(ReadAt<SplodgeBrushSource>(mask, 1, 1, 0.0, 0.0), nothing);
-    const Image empty(0, 0, ImageDefinition::colourType, 0, 0);
+    const Image empty = Image::Colour(0, 0, Depth::Eight, AlphaForm::Straight);
     CHECK_EQ(ReadAt(empty, 1, 1, 0.5, 0.5), nothing);
     CHECK_EQ(ReadAt(empty, 1, 1, 0.0, 0.0, Depth::Fourteen), nothing);
     CHECK_EQ(ReadAt<SplodgeBrushSource>(empty, 0, 0, 0.0, 0.0), nothing);
@@ -228,7 +228,7 @@ TEST_CASE("With pickup 2 a dab drags what was under the last one") {
 // Held at (10.5, 10.5), where the dab is 8 .. 12 and its middle 10.5. A quarter turn clockwise takes its right end,
 // (12, 10), to its lower end, (10, 8). Fixed-point positions cost a few levels.
 TEST_CASE("A dab that is dragged turns with the stroke about its middle") {
-    Image picture(21, 21, ImageDefinition::colourType, 0, 0);
+    Image picture = Image::Colour(21, 21, Depth::Eight, AlphaForm::Straight);
     reinterpret_cast<std::uint8_t*>(picture.Address(12, 10))[1] = 240;
     ImageBrushSource source(ImageFollows::Canvas);
     source.SetSourceImage(&picture);
@@ -243,7 +243,7 @@ TEST_CASE("A dab that is dragged turns with the stroke about its middle") {
 
 // Alpha 100: the factor is 100 / 255 = 0.392157, so 40, 80 and 120 become 15.7, 31.4 and 47.1, rounded.
 TEST_CASE("A splodge is one pixel of the picture, its colours scaled by its alpha") {
-    Image picture(21, 21, ImageDefinition::colourType, 0, 0);
+    Image picture = Image::Colour(21, 21, Depth::Eight, AlphaForm::Straight);
     auto* pixel = reinterpret_cast<std::uint8_t*>(picture.Address(10, 10));
     pixel[0] = 40;
     pixel[1] = 80;
@@ -265,7 +265,7 @@ TEST_CASE("A splodge is one pixel of the picture, its colours scaled by its alph
 
 // 14 bits: alpha 6424 of 16383 is a factor of 0.392114; 2600 * 0.392114 = 1019.5.
 TEST_CASE("A splodge at 14 bits scales by alpha over 16383") {
-    Image picture(3, 3, ImageDefinition::colourType, 1, 0);
+    Image picture = Image::Colour(3, 3, Depth::Fourteen, AlphaForm::Straight);
     auto* pixel = reinterpret_cast<std::uint16_t*>(picture.Address(1, 1));
     pixel[0] = 2600;
     pixel[1] = 16383;

@@ -71,7 +71,7 @@ inline DabImages MaskDabAt(BrushSource& source, double x, double y, double angle
 
 // A picture whose pixels tell where they are: blue 10 * x, green 10 * y, red 50, opaque.
 inline Image MapPicture(std::int32_t width, std::int32_t height) {
-    Image image(width, height, ImageDefinition::colourType, 0, 0);
+    Image image = Image::Colour(width, height, Depth::Eight, AlphaForm::Straight);
     for (std::int32_t y = 0; y < height; ++y) {
         for (std::int32_t x = 0; x < width; ++x) {
             auto* pixel = reinterpret_cast<std::uint8_t*>(image.Address(x, y));

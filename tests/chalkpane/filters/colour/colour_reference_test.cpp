@@ -143,7 +143,7 @@ TEST_CASE("Turning hues is its plain reference, with and without ranges") {
 }
 
 TEST_CASE("Jittering colour is its plain reference") {
-    const Image source = NoisePicture({-20, 3, 57, 21}, Image::colourType, 0, 1, 12);
+    const Image source = NoisePicture({-20, 3, 57, 21}, PixelType::Colour, Depth::Eight, AlphaForm::Premultiplied, 12);
     ColourJitterFilter filter;
     SetNumber(filter, "Hue Rotation", 80);
     SeedRandom(5);

@@ -31,13 +31,13 @@ namespace {
 
 // What becomes of one opaque pixel, not premultiplied.
 Pixel8 Run8(Filter& filter, const Pixel8& pixel) {
-    Image image(1, 1, Image::colourType, 0, 0);
+    Image image = Image::Colour(1, 1, Depth::Eight, AlphaForm::Straight);
     const std::uint8_t channels[] = {pixel.blue, pixel.green, pixel.red, pixel.alpha};
     std::copy(std::begin(channels), std::end(channels), image.Row8(0).begin());
     return Applied(filter, image)->GetPixel8(0, 0);
 }
 Pixel14 Run14(Filter& filter, const Pixel14& pixel) {
-    Image image(1, 1, Image::colourType, 1, 0);
+    Image image = Image::Colour(1, 1, Depth::Fourteen, AlphaForm::Straight);
     const std::uint16_t channels[] = {pixel.blue, pixel.green, pixel.red, pixel.alpha};
     std::copy(std::begin(channels), std::end(channels), image.Row14(0).begin());
     return Applied(filter, image)->GetPixel14(0, 0);
@@ -116,16 +116,16 @@ TEST_CASE("The channel mixer wraps in the chosen channel") {
 
 TEST_CASE("The channel mixer as made is a plain copy") {
     RGBChannelCC filter;
-    CHECK(filter.IsIdentity(Image(1, 1, 1, 0, 0)));
+    CHECK(filter.IsIdentity(Image(1, 1, PixelType::Colour, Depth::Eight, AlphaForm::Straight)));
     SetNumber(filter, "Component", 2);
-    CHECK_FALSE(filter.IsIdentity(Image(1, 1, 1, 0, 0)));
+    CHECK_FALSE(filter.IsIdentity(Image(1, 1, PixelType::Colour, Depth::Eight, AlphaForm::Straight)));
 }
 
 TEST_CASE("Brightness as made is no identity, and one with all settings at 0") {
     BrightnessCC filter;
-    CHECK_FALSE(filter.IsIdentity(Image(1, 1, 1, 0, 0)));
+    CHECK_FALSE(filter.IsIdentity(Image(1, 1, PixelType::Colour, Depth::Eight, AlphaForm::Straight)));
     for (const auto* label : {"Brightness", "Contrast", "Gamma", "Saturation"}) SetNumber(filter, label, 0);
-    CHECK(filter.IsIdentity(Image(1, 1, 1, 0, 0)));
+    CHECK(filter.IsIdentity(Image(1, 1, PixelType::Colour, Depth::Eight, AlphaForm::Straight)));
 }
 
 // Brightness 0.5 is 150 per cent: 100 / 255 * 1.5 - 0.5 + 0.5 = 0.588235, times 255 + 0.5 = 150.5 -> 150; 200 is
@@ -155,8 +155,8 @@ TEST_CASE("Fresh graphs are plain copies at both depths") {
     LumaCC luma;
     ComponentCC component;
     for (Filter* filter : {static_cast<Filter*>(&luma), static_cast<Filter*>(&component)}) {
-        for (const std::int32_t depth : {0, 1}) {
-            const Image source = NoisePicture({0, 0, 40, 40}, Image::colourType, depth, 1, 5);
+        for (const Depth depth : {Depth::Eight, Depth::Fourteen}) {
+            const Image source = NoisePicture({0, 0, 40, 40}, PixelType::Colour, depth, AlphaForm::Premultiplied, 5);
             const Rect region(3, 3, 9, 9);
             CHECK(SamePixels(*Applied(*filter, source, &region), source));  // the copy ignores the region
         }
@@ -200,7 +200,7 @@ TEST_CASE("Each component has its own curve") {
 
 TEST_CASE("Equalising leaves a picture of one colour as it is") {
     for (const std::int32_t side : {1, 4, 30}) {
-        Image source(side, side, Image::colourType, 0, 0);
+        Image source = Image::Colour(side, side, Depth::Eight, AlphaForm::Straight);
         for (std::int32_t y = 0; y < side; ++y) std::fill(source.Row8(y).begin(), source.Row8(y).end(), 90);
         AutoEqCC filter;
         CHECK(SamePixels(*Applied(filter, source), source));
@@ -211,7 +211,7 @@ TEST_CASE("Equalising leaves a picture of one colour as it is") {
 // g = log 0.5 / log 0.32 = 0.60832; 128 gains 200 * 0.64 ^ 0.60832 / 128: 200 * 0.76224 = 152.4; 64 gains to
 // 200 * 0.5 = 100; at or above hi, and at 0, nothing changes.
 TEST_CASE("Equalising brings the median to the middle") {
-    Image source(40, 1, Image::colourType, 0, 0);
+    Image source = Image::Colour(40, 1, Depth::Eight, AlphaForm::Straight);
     const auto row = source.Row8(0);
     for (std::size_t x = 0; x < 40; ++x) {
         const int level = x < 2 ? 0 : (x < 21 ? 64 : (x < 38 ? 128 : 200));
@@ -247,13 +247,13 @@ TEST_CASE("The main hue setting is a hundredth of a degree, a range setting a de
 TEST_CASE("Hue settings below 1e-5 are a plain copy") {
     HueCC filter;
     SetNumber(filter, "Hue Rotation", 9e-6);
-    CHECK(filter.IsIdentity(Image(1, 1, 1, 0, 0)));
+    CHECK(filter.IsIdentity(Image(1, 1, PixelType::Colour, Depth::Eight, AlphaForm::Straight)));
     SetNumber(filter, "Midtone Hue Rotation", 1e-4);
-    CHECK_FALSE(filter.IsIdentity(Image(1, 1, 1, 0, 0)));
+    CHECK_FALSE(filter.IsIdentity(Image(1, 1, PixelType::Colour, Depth::Eight, AlphaForm::Straight)));
 }
 
 TEST_CASE("Colour jitter draws once a run, and rests after a draw of nothing") {
-    const Image source = NoisePicture({0, 0, 20, 20}, Image::colourType, 0, 0, 8);
+    const Image source = NoisePicture({0, 0, 20, 20}, PixelType::Colour, Depth::Eight, AlphaForm::Straight, 8);
     SeedRandom(3);
     static_cast<void>(Random());
     const std::int32_t second = Random();
@@ -274,7 +274,7 @@ TEST_CASE("Colour jitter draws once a run, and rests after a draw of nothing") {
 // The generator's first states after 1: 1 * 214013 + 2531011 = 2745024, >> 16 = 41; 2745024 * 214013 + 2531011 wraps to
 // 3357800067, of which bits 16 .. 30 are 18467.
 TEST_CASE("Colour jitter draws even where its region misses the picture") {
-    const Image source = NoisePicture({0, 0, 3, 3}, Image::colourType, 0, 0, 8);
+    const Image source = NoisePicture({0, 0, 3, 3}, PixelType::Colour, Depth::Eight, AlphaForm::Straight, 8);
     const Rect missed(9, 9, 9, 9);
     SeedRandom(1);
     ColourJitterFilter filter;
@@ -402,7 +402,7 @@ TEST_CASE("Colour filters leave masks, give the same with one worker and many, a
     constexpr double infinite = std::numeric_limits<double>::infinity();
     for (const auto& filter : filters) {
         CAPTURE(filter->Name());
-        const Image mask = NoisePicture({0, 0, 20, 20}, Image::maskType, 0, 0, 4);
+        const Image mask = NoisePicture({0, 0, 20, 20}, PixelType::Mask, Depth::Eight, AlphaForm::Straight, 4);
         CHECK(SamePixels(*Applied(*filter, mask), mask));
         const DataSet* const values = filter->MakeValues(false, nullptr, nullptr);
         for (const double setting : {0.0, 1.0, -1.0, 100.0, 255.0, 1e30, -1e30, infinite, std::nan("")}) {
@@ -415,8 +415,9 @@ TEST_CASE("Colour filters leave masks, give the same with one worker and many, a
                 value->setColour({12000, 30, 16383});
                 filter->setParameter(value.get());
             }
-            for (const std::int32_t depth : {0, 1}) {
-                const Image source = NoisePicture({-5, 2, 90, 70}, Image::colourType, depth, 1, 6);
+            for (const Depth depth : {Depth::Eight, Depth::Fourteen}) {
+                const Image source =
+                    NoisePicture({-5, 2, 90, 70}, PixelType::Colour, depth, AlphaForm::Premultiplied, 6);
                 MultiProcessor::Restart(1);
                 const auto one = Applied(*filter, source);
                 MultiProcessor::Restart(3);

@@ -48,7 +48,7 @@ private:
 };
 
 Image RowOf(const std::vector<int>& values, std::int32_t left) {
-    Image image(Rect(left, 0, left + static_cast<std::int32_t>(values.size()) - 1, 0), Image::maskType, 0, 0);
+    Image image = Image::Mask(Rect(left, 0, left + static_cast<std::int32_t>(values.size()) - 1, 0), Depth::Eight);
     for (std::size_t i = 0; i < values.size(); ++i) image.Row8(0)[i] = static_cast<std::uint8_t>(values[i]);
     return image;
 }
@@ -83,11 +83,11 @@ TEST_CASE("A row's span is moved and the rest copied") {
 }
 
 TEST_CASE("A distortion whose region misses the picture is blank and draws no random number") {
-    const Image source = NoisePicture({0, 0, 8, 8}, Image::colourType, 0, 1, 3);
+    const Image source = NoisePicture({0, 0, 8, 8}, PixelType::Colour, Depth::Eight, AlphaForm::Premultiplied, 3);
     MarbleEffect marble;
     TurbulenceEffect turbulence;
     SetNumber(turbulence, "Amount", 5);
-    const Image blank(source.Bounds(), source.type, source.depth, source.flag);
+    const Image blank(source.Bounds(), source);
     const auto state = RandomState();
     for (const Rect& region : {Rect(20, 20, 30, 30), Rect(6, 6, 2, 2)}) {
         CHECK(SamePixels(*Applied(marble, source, &region, true), blank));
@@ -105,7 +105,8 @@ TEST_CASE("Turbulence reads where the noise sends it") {
         SetNumber(filter, "Amount", amount);
         SetNumber(filter, "Lattice Size", lattice);
         SetNumber(filter, "Edges", edges);
-        Applied(filter, NoisePicture({0, 0, 0, 0}, Image::colourType, 0, 0, 1));  // the first run builds the lattice
+        Applied(filter, NoisePicture({0, 0, 0, 0}, PixelType::Colour, Depth::Eight, AlphaForm::Straight,
+                                     1));  // the first run builds the lattice
         for (const bool fast : {false, true}) {
             const auto reference = [&, a = amount, l = lattice, e = edges](const Image& source, const Rect* region,
                                                                            bool expand) {
@@ -122,7 +123,8 @@ TEST_CASE("Turbulence reads where the noise sends it") {
             const float tried = amount;
             CAPTURE(tried);
             if (!fast) CompareWithReference(filter, reference);
-            const Image source = NoisePicture({-9, -9, 20, 11}, Image::colourType, 1, 1, 4);
+            const Image source =
+                NoisePicture({-9, -9, 20, 11}, PixelType::Colour, Depth::Fourteen, AlphaForm::Premultiplied, 4);
             std::unique_ptr<Image> result;
             filter.Apply(source, result, fast, nullptr, true);
             CHECK(SamePixels(*result, reference(source, nullptr, true)));
@@ -140,7 +142,8 @@ TEST_CASE("Marble reads along the noise's contour lines") {
         SetNumber(filter, "Distance", distance);
         SetNumber(filter, "Turbulence", turbulence);
         SetNumber(filter, "Edges", edges);
-        Applied(filter, NoisePicture({0, 0, 0, 0}, Image::colourType, 0, 0, 1));  // the first run builds the lattice
+        Applied(filter, NoisePicture({0, 0, 0, 0}, PixelType::Colour, Depth::Eight, AlphaForm::Straight,
+                                     1));  // the first run builds the lattice
         CompareWithReference(filter, [&, s = scale * 100.0F, f = distance * 30.0F, t = turbulence, e = edges](
                                          const Image& source, const Rect* region, bool /*expand*/) {
             return reference::Distort(
@@ -159,7 +162,7 @@ TEST_CASE("Marble reads along the noise's contour lines") {
 
 // Without turbulence the angle is 0: x stays, y moves by 30 * 0.1 = 3.
 TEST_CASE("Marble without turbulence moves the picture upward by the distance") {
-    const Image source = NoisePicture({0, 0, 8, 8}, Image::colourType, 0, 0, 3);
+    const Image source = NoisePicture({0, 0, 8, 8}, PixelType::Colour, Depth::Eight, AlphaForm::Straight, 3);
     MarbleEffect filter;
     SetNumber(filter, "Turbulence", 0);
     const auto result = Applied(filter, source);
@@ -169,7 +172,7 @@ TEST_CASE("Marble without turbulence moves the picture upward by the distance") 
 
 // Clamp repeats the top row where transparency leaves nothing.
 TEST_CASE("The fourth choice of edges clamps, and both its numbers are called so") {
-    const Image source = NoisePicture({0, 0, 8, 8}, Image::colourType, 0, 0, 3);
+    const Image source = NoisePicture({0, 0, 8, 8}, PixelType::Colour, Depth::Eight, AlphaForm::Straight, 3);
     MarbleEffect filter;
     SetNumber(filter, "Turbulence", 0);
     SetNumber(filter, "Edges", 3);
@@ -210,7 +213,7 @@ TEST_CASE("Turbulence says how far it reaches, truncated") {
 TEST_CASE("Distortions take any setting") {
     const double infinity = std::numeric_limits<double>::infinity();
     for (const Rect& bounds : {Rect(0, 0, 0, 0), Rect(2147483000, -2147483000, 2147483003, -2147482998)}) {
-        const Image source = NoisePicture(bounds, Image::colourType, 0, 1, 3);
+        const Image source = NoisePicture(bounds, PixelType::Colour, Depth::Eight, AlphaForm::Premultiplied, 3);
         for (const double value : {-1e30, -1.0, 0.0, 1e-30, 1e30, infinity, -infinity, std::nan("")}) {
             for (const char* label : {"Scale", "Distance", "Turbulence"}) {
                 for (const bool fast : {false, true}) {

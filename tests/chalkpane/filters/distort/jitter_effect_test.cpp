@@ -56,7 +56,7 @@ TEST_CASE("Jitter draws turn, zoom and move, and goes on from the fifth number")
 // 148874323; + 9 = 148874332, low 15 bits 148874332 - 4543 * 32768 = 9308: 9308 / 16384 - 1 = -0.431884. A move of 64 x
 // that is -27.64.
 TEST_CASE("The third draw moves along x") {
-    Image source(Rect(0, 0, 0, 0), Image::maskType, 0, 0);
+    Image source = Image::Mask(Rect(0, 0, 0, 0), Depth::Eight);
     source.Row8(0)[0] = 255;
     JitterEffect filter;
     Set(filter, 0, 0, 64, 0);
@@ -68,8 +68,8 @@ TEST_CASE("The third draw moves along x") {
 }
 
 TEST_CASE("Within a step all runs are alike, and the next step is another") {
-    const Image source = NoisePicture({0, 0, 20, 20}, Image::colourType, 0, 1, 7);
-    const Image mask = NoisePicture({0, 0, 20, 20}, Image::maskType, 0, 0, 8);
+    const Image source = NoisePicture({0, 0, 20, 20}, PixelType::Colour, Depth::Eight, AlphaForm::Premultiplied, 7);
+    const Image mask = NoisePicture({0, 0, 20, 20}, PixelType::Mask, Depth::Eight, AlphaForm::Straight, 8);
     JitterEffect filter;
     Set(filter, 25, 40, 5, 5);
     CHECK(filter.NeedsStepHooks());
@@ -87,7 +87,7 @@ TEST_CASE("Within a step all runs are alike, and the next step is another") {
 }
 
 TEST_CASE("Seeded from time, jitter depends on the frame alone") {
-    const Image source = NoisePicture({0, 0, 20, 20}, Image::colourType, 0, 1, 7);
+    const Image source = NoisePicture({0, 0, 20, 20}, PixelType::Colour, Depth::Eight, AlphaForm::Premultiplied, 7);
     JitterEffect filter;
     Set(filter, 25, 40, 5, 5);
     SetNumber(filter, "Seed From Time", 1);
@@ -111,7 +111,7 @@ TEST_CASE("A fresh jitter zooms; with all settings at 0 it rests") {
 
 TEST_CASE("Jitter takes any setting") {
     const double infinity = std::numeric_limits<double>::infinity();
-    const Image source = NoisePicture({0, 0, 8, 8}, Image::colourType, 1, 1, 3);
+    const Image source = NoisePicture({0, 0, 8, 8}, PixelType::Colour, Depth::Fourteen, AlphaForm::Premultiplied, 3);
     for (const double value : {-1e30, -100.0, 0.0, 1e30, infinity, -infinity, std::nan("")})
         for (const char* label : {"Max Angle", "Max Zoom", "Max Move X", "Max Move Y"}) {
             JitterEffect filter;

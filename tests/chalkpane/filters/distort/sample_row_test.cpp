@@ -37,8 +37,8 @@ std::vector<float> Places(std::size_t count, unsigned seed) {
 }
 
 template <typename Pixel, typename Row, typename Sample>
-void CompareRow(std::int32_t depth, Row row, Sample sample) {
-    const Image image = test::NoisePicture({-5, -5, 11, 9}, Image::colourType, depth, 0, 2);
+void CompareRow(Depth depth, Row row, Sample sample) {
+    const Image image = test::NoisePicture({-5, -5, 11, 9}, PixelType::Colour, depth, AlphaForm::Straight, 2);
     const auto x = Places(517, 1);
     const auto y = Places(517, 2);
     for (const std::int32_t edgeMode : {edgeTransparent, edgeReflect, edgeWrap, edgeClamp}) {
@@ -56,12 +56,12 @@ void CompareRow(std::int32_t depth, Row row, Sample sample) {
 }  // namespace
 
 TEST_CASE("A row of samples is the samples one by one") {
-    CompareRow<Pixel8>(0, SampleRow8, SampleBilinear8);
-    CompareRow<Pixel14>(1, SampleRow14, SampleBilinear14);
+    CompareRow<Pixel8>(Depth::Eight, SampleRow8, SampleBilinear8);
+    CompareRow<Pixel14>(Depth::Fourteen, SampleRow14, SampleBilinear14);
 }
 
 TEST_CASE("An image of one pixel has no inside to sample from") {
-    const Image image = test::NoisePicture({2, 3, 2, 3}, Image::colourType, 0, 0, 2);
+    const Image image = test::NoisePicture({2, 3, 2, 3}, PixelType::Colour, Depth::Eight, AlphaForm::Straight, 2);
     const std::vector<float> x{2.0F, 2.5F, 1.5F, 2.25F, 2.0F};
     const std::vector<float> y{3.0F, 3.0F, 3.5F, 2.25F, 2.9F};
     std::vector<Pixel8> pixels(x.size());

@@ -60,7 +60,7 @@ TEST_CASE("Rows of noise run in parallel where every pixel passes, and in order 
 }
 
 TEST_CASE("Two runs of noise on one picture are equal") {
-    const Image source = NoisePicture({0, 0, 30, 30}, Image::colourType, 0, 0, 3);
+    const Image source = NoisePicture({0, 0, 30, 30}, PixelType::Colour, Depth::Eight, AlphaForm::Straight, 3);
     AddNoiseEffect filter;
     SetNumber(filter, "Level", 0.5);
     const auto first = Applied(filter, source);
@@ -73,21 +73,21 @@ TEST_CASE("Two runs of noise on one picture are equal") {
 // 4820 / 32767 - 0.5 = -0.352901.
 // 8 bits at level 1: 200 - 0.352901 * 255 = 110.01 -> 110. 14 bits: 12000 - 0.352901 * 32766 = 436.8 -> 436.
 TEST_CASE("Noise at 16 bits is twice as strong, measured against full scale") {
-    for (const int depth : {0, 1}) {
-        Image source(1, 1, Image::colourType, depth, 0);
-        for (int c = 0; c < 4; ++c) reference::Put(source, 0, 0, c, depth == 0 ? 200 : 12000);
+    for (const Depth depth : {Depth::Eight, Depth::Fourteen}) {
+        Image source = Image::Colour(1, 1, depth, AlphaForm::Straight);
+        for (int c = 0; c < 4; ++c) reference::Put(source, 0, 0, c, depth == Depth::Eight ? 200 : 12000);
         AddNoiseEffect filter;
         SetNumber(filter, "Level", 1);
         SetNumber(filter, "Distribution", 1);
         const auto result = Applied(filter, source);
-        for (int c = 0; c < 3; ++c) CHECK_EQ(reference::Get(*result, 0, 0, c), depth == 0 ? 110 : 436);
-        CHECK_EQ(reference::Get(*result, 0, 0, 3), depth == 0 ? 200 : 12000);
+        for (int c = 0; c < 3; ++c) CHECK_EQ(reference::Get(*result, 0, 0, c), depth == Depth::Eight ? 110 : 436);
+        CHECK_EQ(reference::Get(*result, 0, 0, 3), depth == Depth::Eight ? 200 : 12000);
     }
 }
 
 // The first draw of seed 0 leaves 6, which is at most 6 and above 5.
 TEST_CASE("A pixel passes the density test when its draw is at most the density") {
-    Image source(1, 1, Image::colourType, 0, 0);
+    Image source = Image::Colour(1, 1, Depth::Eight, AlphaForm::Straight);
     reference::Put(source, 0, 0, 1, 128);
     AddNoiseEffect filter;
     SetNumber(filter, "Level", 1);
@@ -99,7 +99,7 @@ TEST_CASE("A pixel passes the density test when its draw is at most the density"
 }
 
 TEST_CASE("No level, or no density, is a plain copy, whatever the region") {
-    const Image source = NoisePicture({0, 0, 8, 8}, Image::colourType, 1, 1, 3);
+    const Image source = NoisePicture({0, 0, 8, 8}, PixelType::Colour, Depth::Fourteen, AlphaForm::Premultiplied, 3);
     const Rect region(2, 2, 4, 4);
     AddNoiseEffect filter;
     CHECK(SamePixels(*Applied(filter, source, &region), source));
@@ -111,8 +111,8 @@ TEST_CASE("No level, or no density, is a plain copy, whatever the region") {
 
 TEST_CASE("Noise takes any setting") {
     const double infinity = std::numeric_limits<double>::infinity();
-    for (const int depth : {0, 1}) {
-        const Image source = NoisePicture({0, 0, 8, 8}, Image::colourType, depth, 1, 3);
+    for (const Depth depth : {Depth::Eight, Depth::Fourteen}) {
+        const Image source = NoisePicture({0, 0, 8, 8}, PixelType::Colour, depth, AlphaForm::Premultiplied, 3);
         for (const double level : {-1e30, -1.0, 1e30, infinity, -infinity, std::nan("")}) {
             AddNoiseEffect filter;
             SetNumber(filter, "Level", level);

@@ -16,8 +16,8 @@ void SetColour(Filter& filter, const Colour& colour) {
 }
 
 // Opaque grey.
-Image Grey(std::int32_t width, std::int32_t height, std::int32_t depth, int level) {
-    Image image(width, height, Image::colourType, depth, 0);
+Image Grey(std::int32_t width, std::int32_t height, Depth depth, int level) {
+    Image image = Image::Colour(width, height, depth, AlphaForm::Straight);
     for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x)
             for (int c = 0; c < 4; ++c) reference::Put(image, x, y, c, c == 3 ? reference::FullScale(image) : level);
@@ -69,8 +69,8 @@ TEST_CASE("A flat picture under light from above takes the colour itself") {
     EmbossEffect filter;
     SetNumber(filter, "Light Elevation", 90);
     SetColour(filter, {16383, 8000, 64});
-    CHECK((Applied(filter, Grey(3, 3, 0, 90))->GetPixel8(1, 1) == Pixel8{1, 125, 255, 255}));
-    CHECK((Applied(filter, Grey(3, 3, 1, 90))->GetPixel14(1, 1) == Pixel14{64, 8000, 16383, 16383}));
+    CHECK((Applied(filter, Grey(3, 3, Depth::Eight, 90))->GetPixel8(1, 1) == Pixel8{1, 125, 255, 255}));
+    CHECK((Applied(filter, Grey(3, 3, Depth::Fourteen, 90))->GetPixel14(1, 1) == Pixel14{64, 8000, 16383, 16383}));
 }
 
 // Light along +y: Ly = 255.9 truncated = 255 at elevation 0, Lz = 0, Lx = 0. The slope: the row below (y = 0) is 90,
@@ -78,7 +78,7 @@ TEST_CASE("A flat picture under light from above takes the colour itself") {
 // 255 / sqrt(269 * 269 + 510 * 510) = 68595 / 576.59 = 118.97 truncated = 118. White times 118 / 255 = 118 or, where
 // the quotient rounds down, 117.
 TEST_CASE("The row that follows is the one below") {
-    Image source = Grey(3, 3, 0, 0);
+    Image source = Grey(3, 3, Depth::Eight, 0);
     for (int x = 0; x < 3; ++x)
         for (int c = 0; c < 3; ++c) reference::Put(source, x, 0, c, 90);
     EmbossEffect filter;
@@ -95,7 +95,7 @@ TEST_CASE("The row that follows is the one below") {
 
 // A bump of 0.0001: Nz = 6 * 16383 / 0.0003 = 327,660,000, whose square needs 57 bits; the shade stays close to Lz.
 TEST_CASE("A flat bump keeps the background's shade at 14 bits") {
-    Image source = Grey(5, 5, 1, 0);
+    Image source = Grey(5, 5, Depth::Fourteen, 0);
     reference::Put(source, 1, 2, 0, 16383);
     EmbossEffect filter;
     SetNumber(filter, "Light Elevation", 90);
@@ -105,7 +105,7 @@ TEST_CASE("A flat bump keeps the background's shade at 14 bits") {
 }
 
 TEST_CASE("Emboss clears colour under alpha 0") {
-    Image source(1, 1, Image::colourType, 0, 0);
+    Image source = Image::Colour(1, 1, Depth::Eight, AlphaForm::Straight);
     source.Row8(0)[0] = 77;
     EmbossEffect filter;
     SetNumber(filter, "Mix With Image", 1);
@@ -113,7 +113,7 @@ TEST_CASE("Emboss clears colour under alpha 0") {
 }
 
 TEST_CASE("Emboss takes any setting") {
-    const Image source = NoisePicture({0, 0, 8, 8}, Image::colourType, 1, 1, 3);
+    const Image source = NoisePicture({0, 0, 8, 8}, PixelType::Colour, Depth::Fourteen, AlphaForm::Premultiplied, 3);
     const double infinity = std::numeric_limits<double>::infinity();
     for (const double value : {-1e30, -1.0, 1e-30, 1e30, infinity, -infinity, std::nan("")})
         for (const char* label : {"Light Direction", "Light Elevation", "Bump Height", "Mix With Image"}) {

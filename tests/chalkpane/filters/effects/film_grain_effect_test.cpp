@@ -32,7 +32,7 @@ TEST_CASE("Film grain is its plain reference") {
             FilmGrainEffect filter;
             Set(filter, s);
             for (const PictureCase& picture : PictureCases()) {
-                const Image source = NoisePicture(picture.bounds, picture.type, picture.depth, picture.flag, 7);
+                const Image source = NoisePicture(picture.bounds, picture.type, picture.depth, picture.form, 7);
                 const Image wanted = reference::FilmGrain(source, s, frame);
                 filter.Advance(&source, frame, 0, 0, 0, 0);
                 for (const int workers : {1, 3}) {
@@ -51,7 +51,7 @@ TEST_CASE("Film grain is its plain reference") {
 }
 
 TEST_CASE("Film grain with levels that add up to less than 0.001 is a plain copy") {
-    const Image source = NoisePicture({0, 0, 8, 8}, Image::colourType, 0, 0, 3);
+    const Image source = NoisePicture({0, 0, 8, 8}, PixelType::Colour, Depth::Eight, AlphaForm::Straight, 3);
     FilmGrainEffect filter;
     Set(filter, {{0.0003F, 0.0003F, 0.0003F}, {1.0F, 1.0F, 1.0F}, 5});
     filter.Advance(&source, 3, 0, 0, 0, 0);
@@ -59,13 +59,13 @@ TEST_CASE("Film grain with levels that add up to less than 0.001 is a plain copy
 }
 
 TEST_CASE("There is no grain before a step was announced, nor beyond the rows it was announced for") {
-    const Image source = NoisePicture({0, 0, 20, 20}, Image::colourType, 0, 0, 3);
+    const Image source = NoisePicture({0, 0, 20, 20}, PixelType::Colour, Depth::Eight, AlphaForm::Straight, 3);
     FilmGrainEffect filter;
     Set(filter, {{1.0F, 1.0F, 1.0F}, {1.0F, 1.0F, 1.0F}, 5});
     CHECK(SamePixels(*Applied(filter, source), source));
     filter.Advance(nullptr, 3, 0, 0, 0, 0);
     CHECK(SamePixels(*Applied(filter, source), source));
-    const Image part(Rect(0, 5, 0, 9), Image::colourType, 0, 0);
+    const Image part = Image::Colour(Rect(0, 5, 0, 9), Depth::Eight, AlphaForm::Straight);
     filter.Advance(&part, 3, 0, 0, 0, 0);
     const auto result = Applied(filter, source);
     CHECK(std::equal(source.Row8(3).begin(), source.Row8(3).end(), result->Row8(3).begin()));
@@ -75,7 +75,7 @@ TEST_CASE("There is no grain before a step was announced, nor beyond the rows it
 }
 
 TEST_CASE("Grain changes from frame to frame, and a frame always has the same") {
-    const Image source = NoisePicture({0, 0, 8, 8}, Image::colourType, 1, 0, 3);
+    const Image source = NoisePicture({0, 0, 8, 8}, PixelType::Colour, Depth::Fourteen, AlphaForm::Straight, 3);
     FilmGrainEffect filter;
     Set(filter, {{1.0F, 1.0F, 1.0F}, {1.0F, 2.0F, 1.0F}, 5});
     const auto frame = [&](int number) {
@@ -100,7 +100,7 @@ TEST_CASE("A set of grain values comes with a seed from the clock") {
 }
 
 TEST_CASE("A copy of film grain has its settings and no grain") {
-    const Image source = NoisePicture({0, 0, 8, 8}, Image::colourType, 0, 0, 3);
+    const Image source = NoisePicture({0, 0, 8, 8}, PixelType::Colour, Depth::Eight, AlphaForm::Straight, 3);
     FilmGrainEffect filter;
     Set(filter, {{1.0F, 1.0F, 1.0F}, {1.0F, 2.0F, 1.0F}, 5});
     filter.Advance(&source, 1, 0, 0, 0, 0);
@@ -111,7 +111,7 @@ TEST_CASE("A copy of film grain has its settings and no grain") {
 
 TEST_CASE("Film grain takes any setting") {
     const double infinity = std::numeric_limits<double>::infinity();
-    const Image source = NoisePicture({0, 0, 8, 8}, Image::colourType, 1, 1, 3);
+    const Image source = NoisePicture({0, 0, 8, 8}, PixelType::Colour, Depth::Fourteen, AlphaForm::Premultiplied, 3);
     for (const double value : {-1e30, -1.0, 0.0, 1e30, infinity, -infinity, std::nan("")})
         for (const char* label : {"Red Level", "Red Size"}) {
             FilmGrainEffect filter;

@@ -22,7 +22,7 @@ void Set(Filter& filter, const reference::HalftoneSettings& s) {
 
 // One row of opaque pixels of one grey.
 Image GreyRow(std::int32_t width, std::uint8_t grey) {
-    Image image(width, 1, Image::colourType, 0, 0);
+    Image image = Image::Colour(width, 1, Depth::Eight, AlphaForm::Straight);
     for (std::size_t i = 0; i < image.Row8(0).size(); ++i) image.Row8(0)[i] = i % 4 == 3 ? 255 : grey;
     return image;
 }
@@ -73,7 +73,7 @@ TEST_CASE("The soft ramp rises from the threshold on") {
     HalftoneEffect filter;
     Set(filter, {10, 0.3F, 0, true, {}});
     CHECK_EQ(Applied(filter, GreyRow(1, 240))->GetPixel8(0, 0).green, 0);
-    Image source(Rect(0, 5, 0, 5), Image::colourType, 0, 0);
+    Image source = Image::Colour(Rect(0, 5, 0, 5), Depth::Eight, AlphaForm::Straight);
     for (auto& channel : source.Row8(5)) channel = 20;
     CHECK((Applied(filter, source)->GetPixel8(0, 5) == Pixel8{67, 67, 67, 20}));
 }
@@ -99,7 +99,8 @@ TEST_CASE("The angles of green and blue are offered in colour only") {
 
 TEST_CASE("Halftone takes any setting, anywhere in the plane") {
     const double infinity = std::numeric_limits<double>::infinity();
-    const Image far = NoisePicture({2147483000, -2147483000, 2147483003, -2147482998}, Image::colourType, 1, 1, 3);
+    const Image far = NoisePicture({2147483000, -2147483000, 2147483003, -2147482998}, PixelType::Colour,
+                                   Depth::Fourteen, AlphaForm::Premultiplied, 3);
     for (const double value : {-1e30, -1.0, 0.0, 1.0, 1e30, infinity, -infinity, std::nan("")})
         for (const char* label : {"Softness", "Red/Black Angle"}) {
             HalftoneEffect filter;

@@ -30,7 +30,7 @@ TEST_CASE("Oil is its plain reference") {
 }
 
 TEST_CASE("Oil with all levels and radius 0 is a plain copy") {
-    const Image source = NoisePicture({0, 0, 8, 8}, Image::colourType, 0, 1, 3);
+    const Image source = NoisePicture({0, 0, 8, 8}, PixelType::Colour, Depth::Eight, AlphaForm::Premultiplied, 3);
     OilEffect filter;
     SetNumber(filter, "Levels", 255);
     SetNumber(filter, "Radius", 0);
@@ -40,7 +40,7 @@ TEST_CASE("Oil with all levels and radius 0 is a plain copy") {
 // Blue of 10, 100, 200 in one row, which the window of radius 1 sees three times: in the middle each tone counts 3, and
 // at the right the edge's 200 counts twice as often as 100.
 TEST_CASE("Among equally full tones the darkest wins") {
-    Image source(3, 1, Image::colourType, 0, 0);
+    Image source = Image::Colour(3, 1, Depth::Eight, AlphaForm::Straight);
     auto row = source.Row8(0);
     row[0] = 10;
     row[4] = 100;
@@ -53,10 +53,10 @@ TEST_CASE("Among equally full tones the darkest wins") {
 }
 
 TEST_CASE("Oil works in 8 bits and takes any setting") {
-    const Image deep = NoisePicture({0, 0, 8, 8}, Image::colourType, 1, 1, 3);
+    const Image deep = NoisePicture({0, 0, 8, 8}, PixelType::Colour, Depth::Fourteen, AlphaForm::Premultiplied, 3);
     OilEffect filter;
     CHECK_EQ(filter.PreferredDepth(1), 0);
-    CHECK(SamePixels(*Applied(filter, deep), *Applied(filter, *deep.Convert(Rect(), 0))));
+    CHECK(SamePixels(*Applied(filter, deep), *Applied(filter, *deep.Convert(Rect(), Depth::Eight))));
     for (const double value : {-2147483648.0, -1.0, 0.0, 2147483647.0})
         for (const char* label : {"Radius", "Levels"}) {
             OilEffect hostile;

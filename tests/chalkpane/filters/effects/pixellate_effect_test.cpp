@@ -20,7 +20,7 @@ TEST_CASE("Pixellate is its plain reference") {
 // Size 2 over columns -1 .. 3: blocks are -2 .. -1, 0 .. 1 and 2 .. 3, so the first has one column inside. Means: 9;
 // (1 + 2 + 1) / 2 = 2; (10 + 13 + 1) / 2 = 12.
 TEST_CASE("Squares stand at multiples of their size and round their mean") {
-    Image source(Rect(-1, 0, 3, 0), Image::maskType, 0, 0);
+    Image source = Image::Mask(Rect(-1, 0, 3, 0), Depth::Eight);
     const std::uint8_t values[] = {9, 1, 2, 10, 13};
     std::copy(std::begin(values), std::end(values), source.Row8(0).begin());
     PixellateEffect filter;
@@ -31,7 +31,7 @@ TEST_CASE("Squares stand at multiples of their size and round their mean") {
 }
 
 TEST_CASE("Squares of one pixel are a plain copy, whatever the region") {
-    const Image source = NoisePicture({0, 0, 8, 8}, Image::colourType, 0, 1, 3);
+    const Image source = NoisePicture({0, 0, 8, 8}, PixelType::Colour, Depth::Eight, AlphaForm::Premultiplied, 3);
     const Rect region(2, 2, 4, 4);
     PixellateEffect filter;
     CHECK_FALSE(filter.IsActive());
@@ -43,7 +43,7 @@ TEST_CASE("Squares of one pixel are a plain copy, whatever the region") {
 
 // Size 2147483647 in a picture on both sides of 0 makes blocks from -2147483647 and from 0.
 TEST_CASE("Squares of any size stay inside the picture") {
-    const Image source = NoisePicture({-3, -3, 8, 8}, Image::colourType, 1, 0, 3);
+    const Image source = NoisePicture({-3, -3, 8, 8}, PixelType::Colour, Depth::Fourteen, AlphaForm::Straight, 3);
     PixellateEffect filter;
     SetNumber(filter, "Size", 2147483647);
     const auto huge = Applied(filter, source);
@@ -55,7 +55,7 @@ TEST_CASE("Squares of any size stay inside the picture") {
 }
 
 TEST_CASE("Pixellate reads the whole square although the region shows a part of it") {
-    Image source(4, 1, Image::maskType, 0, 0);
+    Image source = Image::Mask(4, 1, Depth::Eight);
     source.Row8(0)[3] = 200;
     PixellateEffect filter;
     SetNumber(filter, "Size", 4);

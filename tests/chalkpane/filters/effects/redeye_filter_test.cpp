@@ -25,7 +25,7 @@ TEST_CASE("Red-eye removal is its plain reference") {
 // = 65.97. Green 103 lies 0.33 above k: red stays at sensitivity 0, and falls at 1: (103 + 7.733) * 0.5 / 0.5133333 =
 // 107.86.
 TEST_CASE("Red falls to the level of green and blue where it stands out") {
-    Image source(1, 1, Image::colourType, 0, 0);
+    Image source = Image::Colour(1, 1, Depth::Eight, AlphaForm::Straight);
     const auto redWith = [&source](std::uint8_t green, std::uint8_t alpha, double sensitivity) {
         const std::uint8_t pixel[] = {40, green, 200, alpha};
         std::copy(std::begin(pixel), std::end(pixel), source.Row8(0).begin());

@@ -40,7 +40,7 @@ TEST_CASE("Stained glass is its plain reference") {
 // 10 lies 5 from two of them and goes to the one that is met first, the left; column 0 goes to -5, which reads the
 // source's edge.
 TEST_CASE("Without randomness the cells are a regular grid") {
-    Image source(Rect(0, 0, 39, 0), Image::colourType, 0, 0);
+    Image source = Image::Colour(Rect(0, 0, 39, 0), Depth::Eight, AlphaForm::Straight);
     for (int x = 0; x < 40; ++x)
         for (int c = 0; c < 4; ++c) reference::Put(source, x, 0, c, x);
     VoronoiEffect filter;
@@ -57,7 +57,7 @@ TEST_CASE("Without randomness the cells are a regular grid") {
 // The same row with edges of 0.4 * 10 = 4 pixels: at column 10 both distances are 5, difference 0 < 3: black. At 12
 // they are 7 and 3, difference 4: full colour. At 11: 6 and 4, difference 2 < 3: black. Alpha stays.
 TEST_CASE("Between the cells runs a black line") {
-    Image source(Rect(0, 0, 39, 0), Image::colourType, 0, 0);
+    Image source = Image::Colour(Rect(0, 0, 39, 0), Depth::Eight, AlphaForm::Straight);
     for (int x = 0; x < 40; ++x)
         for (int c = 0; c < 4; ++c) reference::Put(source, x, 0, c, 200);
     VoronoiEffect filter;
@@ -90,7 +90,7 @@ TEST_CASE("Stained glass in bands, on several workers, is that of one row after 
 }
 
 TEST_CASE("Two runs of stained glass on one picture are equal") {
-    const Image source = NoisePicture({0, 0, 50, 50}, Image::colourType, 1, 1, 3);
+    const Image source = NoisePicture({0, 0, 50, 50}, PixelType::Colour, Depth::Fourteen, AlphaForm::Premultiplied, 3);
     VoronoiEffect filter;
     Set(filter, 8, 0.8, 0.3);
     CHECK(SamePixels(*Applied(filter, source), *Applied(filter, source)));
@@ -101,7 +101,7 @@ TEST_CASE("Stained glass takes any setting, anywhere in the plane") {
     for (const Rect& bounds :
          {Rect(-40000, -40000, -39995, -39995), Rect(2147483000, 2147483000, 2147483003, 2147483003),
           Rect(-2147483000, -2147483000, -2147482998, -2147482998)}) {
-        const Image source = NoisePicture(bounds, Image::colourType, 0, 1, 3);
+        const Image source = NoisePicture(bounds, PixelType::Colour, Depth::Eight, AlphaForm::Premultiplied, 3);
         for (const double value : {-1e30, -1.0, 0.0, 1e-30, 1.0, 1e30, infinity, -infinity, std::nan("")})
             for (const char* label : {"Spacing", "Randomness", "Edges"}) {
                 VoronoiEffect filter;

@@ -19,7 +19,7 @@ using namespace chalkpane::test;
 namespace {
 
 Image MaskOf(std::int32_t width, std::int32_t height, const std::vector<int>& values) {
-    Image image(width, height, Image::maskType, 0, 0);
+    Image image = Image::Mask(width, height, Depth::Eight);
     for (std::int32_t y = 0; y < height; ++y)
         for (std::int32_t x = 0; x < width; ++x)
             reference::Put(image, x, y, 0, values[static_cast<std::size_t>((height - 1 - y) * width + x)]);
@@ -47,7 +47,7 @@ TEST_CASE("The blur is its plain reference") {
 }
 
 TEST_CASE("A blur below one pixel is a plain copy") {
-    const Image source = NoisePicture({0, 0, 8, 8}, Image::colourType, 0, 1, 3);
+    const Image source = NoisePicture({0, 0, 8, 8}, PixelType::Colour, Depth::Eight, AlphaForm::Premultiplied, 3);
     Softener filter(0.9);
     CHECK_FALSE(filter.IsActive());
     CHECK(SamePixels(*Applied(filter, source), source));
@@ -65,9 +65,9 @@ TEST_CASE("A blur of one pixel has three taps that add up to 256") {
 }
 
 TEST_CASE("A flat picture stays flat inside under the blur, and fades at its edge") {
-    for (const std::int32_t depth : {0, 1}) {
-        const int full = depth == 0 ? 255 : 16383;
-        Image source(60, 60, Image::maskType, depth, 0);
+    for (const Depth depth : {Depth::Eight, Depth::Fourteen}) {
+        const int full = depth == Depth::Eight ? 255 : 16383;
+        Image source = Image::Mask(60, 60, depth);
         source.FillChannel(1.0);
         for (const double softness : {1.0, 3.3, 10.0, 20.0}) {
             Softener filter(softness);
@@ -106,7 +106,7 @@ TEST_CASE("Half a pixel of the coarse soft blur is a plain copy, of the high one
 }
 
 TEST_CASE("Smart blur leaves in the result what was there") {
-    const Image source = NoisePicture({0, 0, 8, 8}, Image::colourType, 0, 1, 3);
+    const Image source = NoisePicture({0, 0, 8, 8}, PixelType::Colour, Depth::Eight, AlphaForm::Premultiplied, 3);
     ThresholdBlur filter;
     SetNumber(filter, "Softness", 5);
     CHECK(filter.IsActive());
@@ -135,9 +135,9 @@ TEST_CASE("The median is its plain reference") {
 
 // Rows longer than the pieces in which columns are sorted, and values few enough for medians at the ends of bins.
 TEST_CASE("Medians are the same with wide registers and without, at every size of window") {
-    for (const std::int32_t type : {Image::colourType, Image::maskType}) {
+    for (const PixelType type : {PixelType::Colour, PixelType::Mask}) {
         for (const std::int32_t width : {7, 33, 700}) {
-            Image source = NoisePicture({-5, 2, width - 6, 13}, type, 0, 0, 17);
+            Image source = NoisePicture({-5, 2, width - 6, 13}, type, Depth::Eight, AlphaForm::Straight, 17);
             for (std::int32_t y = 2; y < 8; ++y)
                 for (auto& value : source.Row8(y)) value = static_cast<std::uint8_t>((value & 0x30) + 15);
             for (const int radius : {1, 2, 3, 6, 7, 20, 127}) {
@@ -220,7 +220,7 @@ TEST_CASE("Crossed thresholds: below the lower one is black") {
 // 0 and 256 nothing changes; softness 100 maps v to (v - 27) * 255 / 200 above 27: 21 gives 0, 255 is above 227 and
 // gives 255.
 TEST_CASE("Dilation leaves a matte of grey, opaque pixels") {
-    Image source(2, 1, Image::colourType, 0, 0);
+    Image source = Image::Colour(2, 1, Depth::Eight, AlphaForm::Straight);
     const std::uint8_t pixels[] = {10, 20, 30, 40, 255, 255, 255, 0};
     std::copy(std::begin(pixels), std::end(pixels), source.Row8(0).begin());
     DilateFilter filter;
@@ -246,14 +246,14 @@ TEST_CASE("Dilation ramps between the softened thresholds") {
 TEST_CASE("Dilation with a region and expansion grows beyond the region") {
     DilateFilter filter;
     SetNumber(filter, "Radius", 2.5);
-    const Image source = NoisePicture({0, 0, 20, 20}, Image::maskType, 0, 0, 5);
+    const Image source = NoisePicture({0, 0, 20, 20}, PixelType::Mask, Depth::Eight, AlphaForm::Straight, 5);
     const Rect region(4, 4, 10, 10);
     CHECK(Applied(filter, source, &region, true)->Bounds() == Rect(1, 1, 13, 13));
     CHECK(Applied(filter, source, &region, false)->Bounds() == region);
 }
 
 TEST_CASE("A region beside the picture gives a blank picture of the source's bounds") {
-    const Image source = NoisePicture({0, 0, 8, 8}, Image::colourType, 0, 1, 3);
+    const Image source = NoisePicture({0, 0, 8, 8}, PixelType::Colour, Depth::Eight, AlphaForm::Premultiplied, 3);
     const Rect beside(20, 20, 30, 30);
     const Rect reversed(6, 6, 2, 2);
     Softener softener(3.0);
@@ -268,7 +268,7 @@ TEST_CASE("A region beside the picture gives a blank picture of the source's bou
         for (const Rect& region : {beside, reversed}) {
             const auto result = Applied(*filter, source, &region, true);
             REQUIRE(result);
-            CHECK(SamePixels(*result, Image(source.Bounds(), source.type, source.depth, source.flag)));
+            CHECK(SamePixels(*result, Image(source.Bounds(), source)));
         }
     }
 }
