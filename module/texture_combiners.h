@@ -4,7 +4,7 @@
 
 namespace chalkpane {
 
-// How a texture unit lays the canvas over what came before it. The canvas is premultiplied by its alpha.
+// How a texture unit composites the canvas with what came before it. The canvas is premultiplied by its alpha.
 enum class Combiner {
     StrokesOverBase,   // base texture: the stroke covers the container's own look, alpha adds
     StrokesCutByBase,  // base texture: the base picture's alpha cuts out the strokes

@@ -31,19 +31,21 @@ void FileNameValue::getFileName(FileName& out) const {
     out = last->value;
 }
 
-void PathValue::writeValue(TextOut& out) const { writeHeld(out, FileName(value).relativeTo()); }
+void PathValue::writeValue(TextOut& out) const { writeContent(out, FileName(value).relativeTo()); }
 
 bool PathValue::readValue(TextScanner& scanner) {
     FileName path;
-    if (!readHeld(scanner, path)) return false;
+    if (!readContent(scanner, path)) return false;
     value = path.absolute();
     return true;
 }
 
-void FileNameValue::writeValue(TextOut& out) const { writeHeld(out, relative ? value.relativeTo() : value.string()); }
+void FileNameValue::writeValue(TextOut& out) const {
+    writeContent(out, relative ? value.relativeTo() : value.string());
+}
 
 bool FileNameValue::readValue(TextScanner& scanner) {
-    if (!readHeld(scanner, value)) return false;
+    if (!readContent(scanner, value)) return false;
     if (relative) value.assign(value.absolute());
     return true;
 }

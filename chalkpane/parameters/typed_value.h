@@ -30,25 +30,25 @@ private:
 };
 
 // What all plain values share: the stored field and the rules of reading, setting, resetting and construction.
-// `Value` gives `static void ask(const ParameterValue&, Held& out)`, which reads any value through the typed getter of
-// its own family.
-template <typename Value, typename Held>
+// `Value` gives `static void ask(const ParameterValue&, Content& out)`, which reads any value through the typed getter
+// of its own family.
+template <typename Value, typename Content>
 class TypedValue : public ParameterValue {
 public:
-    using Stored = Held;
+    using Stored = Content;
 
     // Past every rule: no record, no comparison.
-    void store(const Held& newValue, bool newIsSet) {
+    void store(const Content& newValue, bool newIsSet) {
         value = newValue;
         isSet = newIsSet;
     }
 
     // What this value itself holds, whether it inherits or not.
-    const Held& stored() const { return value; }
+    const Content& stored() const { return value; }
 
     // Takes the parent's value, or zero, through the setter, which records undo and finds the two equal.
     void reset() override {
-        Held inherited{};
+        Content inherited{};
         if (const ParameterValue* above = getParent()) Value::ask(*above, inherited);
         set(inherited);
     }
@@ -70,13 +70,13 @@ public:
     bool readText(TextScanner& scanner) override { return scanner.readBoolean(isSet) && readValue(scanner); }
 
 protected:
-    virtual void writeValue(TextOut& out) const { writeHeld(out, value); }
-    virtual bool readValue(TextScanner& scanner) { return readHeld(scanner, value); }
+    virtual void writeValue(TextOut& out) const { writeContent(out, value); }
+    virtual bool readValue(TextScanner& scanner) { return readContent(scanner, value); }
 
     explicit TypedValue(const ParameterDef* definition) : ParameterValue(definition) {
         if (definition != nullptr && definition->defaultValue) Value::ask(*definition->defaultValue, value);
     }
-    explicit TypedValue(const Held& literal) : ParameterValue(nullptr), value(literal) {}
+    explicit TypedValue(const Content& literal) : ParameterValue(nullptr), value(literal) {}
 
     // The parent that a setter compares with; a class that shadows this may not take just any.
     const ParameterValue* comparable() const { return getParent(); }
@@ -84,19 +84,19 @@ protected:
     Value& self() { return static_cast<Value&>(*this); }
 
     // A value set to exactly what it would inherit goes back to inheriting, unless the declaration forbids it.
-    void set(const Held& newValue) {
+    void set(const Content& newValue) {
         recordUndo<UndoTypedValue<Value>>(self());
         bool differs = true;
         const ParameterValue* above = self().comparable();
         if (above != nullptr && (parameter == nullptr || parameter->inherits)) {
-            Held inherited{};
+            Content inherited{};
             Value::ask(*above, inherited);
             differs = !(newValue == inherited);
         }
         store(newValue, differs);
     }
 
-    Held value{};
+    Content value{};
 };
 
 }  // namespace chalkpane

@@ -15,13 +15,13 @@ void FillKeySink::TakeField(const OutputField& field) {
         if (sink->WantsEveryField()) sink->TakeField(field);
 }
 
-void FillKeySink::GiveHeld(OutputSink& sink) const {
+void FillKeySink::GiveLast(OutputSink& sink) const {
     if (!sink.WantsEveryField() && m_last.Of(View::Fill) != nullptr) sink.TakeField(m_last);
 }
 
 void FillKeySink::Close() {
     for (OutputSink* sink : {m_fill.get(), m_key.get()}) {
-        GiveHeld(*sink);
+        GiveLast(*sink);
         sink->Close();
     }
 }

@@ -22,7 +22,7 @@ public:
 
 private:
     // One of the pair may be a video and the other one picture, which waits for the last field.
-    void GiveHeld(OutputSink& sink) const;
+    void GiveLast(OutputSink& sink) const;
 
     std::unique_ptr<OutputSink> m_fill;
     std::unique_ptr<OutputSink> m_key;

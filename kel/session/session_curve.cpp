@@ -41,12 +41,12 @@ std::vector<SessionPoint> SpreadAlong(const std::vector<SessionPoint>& path, std
 
     std::vector<SessionPoint> places;
     places.reserve(steps + 1);
-    std::size_t next = 1;  // the end of the straight piece that the walk is on
-    double walked = 0.0;   // the length up to the start of that piece
+    std::size_t next = 1;  // the end of the straight piece that the next place lies on
+    double passed = 0.0;   // the length up to the start of that piece
     for (std::size_t step = 0; step < steps; ++step) {
         const double wanted = length * static_cast<double>(step) / static_cast<double>(steps);
-        while (next < path.size() && walked + Distance(path[next - 1], path[next]) <= wanted) {
-            walked += Distance(path[next - 1], path[next]);
+        while (next < path.size() && passed + Distance(path[next - 1], path[next]) <= wanted) {
+            passed += Distance(path[next - 1], path[next]);
             ++next;
         }
         if (next >= path.size()) {
@@ -55,7 +55,7 @@ std::vector<SessionPoint> SpreadAlong(const std::vector<SessionPoint>& path, std
         }
         const SessionPoint& from = path[next - 1];
         const SessionPoint& to = path[next];
-        const double t = (wanted - walked) / Distance(from, to);
+        const double t = (wanted - passed) / Distance(from, to);
         places.push_back({from.x + (to.x - from.x) * t, from.y + (to.y - from.y) * t});
     }
     places.push_back(path.back());

@@ -53,10 +53,10 @@ private:
     [[nodiscard]] ParameterValue Whole() const {
         const double number = Number();
         if (number != std::floor(number)) throw std::string("must be a whole number");
-        const double held = std::clamp<double>(number, std::numeric_limits<std::int32_t>::min(),
-                                               std::numeric_limits<std::int32_t>::max());
+        const double clamped = std::clamp<double>(number, std::numeric_limits<std::int32_t>::min(),
+                                                  std::numeric_limits<std::int32_t>::max());
         CheckLimits(number);
-        return static_cast<std::int32_t>(held);
+        return static_cast<std::int32_t>(clamped);
     }
 
     [[nodiscard]] ParameterValue Real() const {

@@ -143,7 +143,7 @@ inline Image AutoEqualise(const Image& source, const Rect* region) {
 
 // Turns hues by turn(value), value being the largest component in 0 .. 1.
 template <typename Turn>
-Image TurnedHues(const Image& source, const Rect* region, Turn turn) {
+Image RotatedHues(const Image& source, const Rect* region, Turn turn) {
     return ColourFiltered(source, region, [&](const Image& image, Bgr& colour, int /*alpha*/) {
         const bool bytes = image.GetDepth() == Depth::Eight;
         const auto unit = [&](int c) { return static_cast<float>(bytes ? c * 64 + (c >> 2) : c) * 6.103888e-05F; };
@@ -190,7 +190,7 @@ inline Image HueRotated(const Image& source, const HueSettings& s, const Rect* r
     const int n = source.GetDepth() == Depth::Eight ? 256 : 16384;
     const auto size = static_cast<float>(n);
     const auto part = [](float peak) { return std::max(0.0F, peak / 360.0F); };
-    return TurnedHues(source, region, [&](float h, float v) {
+    return RotatedHues(source, region, [&](float h, float v) {
         const float rotated = h + s.hue / 360.0F * 0.01F;
         if (s.shadow == 0.0F && s.midtone == 0.0F && s.highlight == 0.0F) return rotated;
         const int i = static_cast<int>(v * static_cast<float>(n - 1));

@@ -196,7 +196,7 @@ inline void CompositePixel(const Pasting& job, int x, int y, int op) {
     }
 }
 
-inline void Lay(const Pasting& job, bool visible) {
+inline void Composite(const Pasting& job, bool visible) {
     const int one = job.deep() ? 16384 : 256;
     if (!visible || job.opacity <= 0) return;
     job.forEach([&](int x, int y) { CompositePixel(job, x, y, Truncated(job.opacity * (one + 0.001), one)); });

@@ -14,8 +14,8 @@ void ReadLine(std::istream& stream, const std::string& wanted, Value& value) {
 }
 
 // One list of the lines, for both ways.
-template <typename Held, typename Each>
-void ForEachLine(Held& figures, Each each) {
+template <typename Figures, typename Each>
+void ForEachLine(Figures& figures, Each each) {
     each("seed", figures.seed);
     each("episodes", figures.episodes);
     each("events", figures.events);

@@ -184,7 +184,7 @@ public:
         }
         if (course.size() == 1) Lead(brush, last, {right, last.value});
         if (isDown) brush.EndStroke(course.size() == 1 ? right : last.frame, last.value, 1.0);
-        Lay(layer);
+        Composite(layer);
     }
 
     void DrawKeys(const CurveLine& line, const Chalk& chalk) {
@@ -284,7 +284,7 @@ private:
     }
 
     // Memory of both runs alike: blue, green, red, alpha, premultiplied, from the top row down.
-    void Lay(Image& layer) {
+    void Composite(Image& layer) {
         cairo_surface_t* const source = cairo_image_surface_create_for_data(
             layer.Row8(height - 1).data(), CAIRO_FORMAT_ARGB32, width, height, layer.rowBytes);
         cairo_set_source_surface(m_cairo.get(), source, 0.0, 0.0);

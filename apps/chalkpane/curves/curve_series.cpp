@@ -173,9 +173,9 @@ std::vector<HandleEnd> HandleEnds(const ParameterValue& value, std::size_t compo
     };
     // A positive handle is flat, a negative one runs along the slope.
     const auto add = [&](std::int32_t i, double handle, double span, double direction) {
-        const double reach = std::fabs(handle) * span * direction;
-        const double rise = handle < 0.0 ? slope(i) * reach : 0.0;
-        ends.push_back({{frame(i), scale.ToPlain(number(i))}, {frame(i) + reach, scale.ToPlain(number(i) + rise)}});
+        const double length = std::fabs(handle) * span * direction;
+        const double rise = handle < 0.0 ? slope(i) * length : 0.0;
+        ends.push_back({{frame(i), scale.ToPlain(number(i))}, {frame(i) + length, scale.ToPlain(number(i) + rise)}});
     };
     for (std::int32_t i = 0; i < last; ++i) {
         const double span = frame(i + 1) - frame(i);

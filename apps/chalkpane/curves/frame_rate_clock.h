@@ -17,7 +17,7 @@ public:
     explicit FrameRateClock(double framesPerSecond = usualRate) : m_rate(framesPerSecond) {}
 
     double frameToTime(std::int32_t frame) const override { return frame / m_rate; }
-    // The nearest frame. Times beyond some 400 days of film are held there, far from where counting frames would end.
+    // The nearest frame. Times are clamped to some 400 days, far from where counting frames would end.
     std::int32_t timeToFrame(double time) const override {
         constexpr double farthest = 1 << 30;
         const double frame = time * m_rate;

@@ -20,27 +20,27 @@ constexpr std::int32_t lastFrame = (keyCount - 1) * framesToAKey;
 // Of key `i`, another for each component.
 double NumberOf(std::int32_t i, std::int32_t component) { return 1000.0 + (i * 7919 + component * 104729) % 5000; }
 
-template <typename Held>
-Held HeldOf(std::int32_t i) {
-    Held held{};
-    if constexpr (std::is_same_v<Held, FileName>) {
-        held.assign(std::to_string(i));
-    } else if constexpr (std::is_same_v<Held, bool>) {
-        held = i % 3 == 0;
-    } else if constexpr (std::is_base_of_v<PathPoint, Held>) {
-        held = Held::at({NumberOf(i, 0), NumberOf(i, 1)});
+template <typename Content>
+Content ContentOf(std::int32_t i) {
+    Content content{};
+    if constexpr (std::is_same_v<Content, FileName>) {
+        content.assign(std::to_string(i));
+    } else if constexpr (std::is_same_v<Content, bool>) {
+        content = i % 3 == 0;
+    } else if constexpr (std::is_base_of_v<PathPoint, Content>) {
+        content = Content::at({NumberOf(i, 0), NumberOf(i, 1)});
     } else {
-        for (std::int32_t c = 0; c < componentsOf<Held>(); ++c) setComponent(held, c, NumberOf(i, c));
+        for (std::int32_t c = 0; c < componentsOf<Content>(); ++c) setComponent(content, c, NumberOf(i, c));
     }
-    return held;
+    return content;
 }
 
 template <typename Value>
-using HeldBy = std::remove_cvref_t<decltype(std::declval<Value>().keyValue(0))>;
+using ContentBy = std::remove_cvref_t<decltype(std::declval<Value>().keyValue(0))>;
 
 template <typename Value>
 void Fill(Value& value) {
-    for (std::int32_t i = 0; i < keyCount; ++i) value.addKey(i * framesToAKey, HeldOf<HeldBy<Value>>(i));
+    for (std::int32_t i = 0; i < keyCount; ++i) value.addKey(i * framesToAKey, ContentOf<ContentBy<Value>>(i));
     for (std::int32_t i = 0; i < keyCount; ++i) value.keyAt(i)->setHandles(i % 2 == 0 ? -0.3 : 0.4, -0.35);
 }
 
@@ -60,28 +60,28 @@ long double ReferenceAt(const AnimatedValue& value, std::int32_t frame, const Nu
 // True where numbers agree with their reference, and everything else with what its keys say.
 template <typename Value>
 bool AsTheReferenceSays(const Value& value) {
-    using Held = HeldBy<Value>;
+    using Content = ContentBy<Value>;
     for (std::int32_t frame = 0; frame < lastFrame; ++frame) {
         const std::int32_t left = frame / framesToAKey;
-        Held held{};
-        value.evaluate(frame, held);
-        if constexpr (std::is_same_v<Held, bool> || std::is_same_v<Held, FileName>) {
-            if (!(held == value.keyValue(left))) return false;
-        } else if constexpr (std::is_base_of_v<PathPoint, Held> || std::is_same_v<Value, AnimatedMapXY>) {
+        Content content{};
+        value.evaluate(frame, content);
+        if constexpr (std::is_same_v<Content, bool> || std::is_same_v<Content, FileName>) {
+            if (!(content == value.keyValue(left))) return false;
+        } else if constexpr (std::is_base_of_v<PathPoint, Content> || std::is_same_v<Value, AnimatedMapXY>) {
             if (frame % framesToAKey != 0) continue;
             for (std::int32_t c = 0; c < 2; ++c)
-                if (getComponent(held, c) != NumberOf(left, c)) return false;
+                if (getComponent(content, c) != NumberOf(left, c)) return false;
         } else {
             constexpr bool isLogarithmic = std::is_same_v<Value, AnimatedLogDouble>;
-            constexpr bool truncates = !std::is_same_v<Held, double> && !std::is_same_v<Held, DoublePair>;
-            for (std::int32_t c = 0; c < componentsOf<Held>(); ++c) {
+            constexpr bool truncates = !std::is_same_v<Content, double> && !std::is_same_v<Content, DoublePair>;
+            for (std::int32_t c = 0; c < componentsOf<Content>(); ++c) {
                 const auto number = [c](std::int32_t i) -> long double {
                     return isLogarithmic ? std::log(NumberOf(i, c)) : NumberOf(i, c);
                 };
                 const long double reference = ReferenceAt(value, frame, number);
                 const auto wanted = static_cast<double>(isLogarithmic ? std::exp(reference) : reference);
                 // Whole numbers and the components of a color are cut off; floats round.
-                if (!(std::fabs(getComponent(held, c) - wanted) <= (truncates ? 1.001 : 1e-3))) return false;
+                if (!(std::fabs(getComponent(content, c) - wanted) <= (truncates ? 1.001 : 1e-3))) return false;
             }
         }
     }
@@ -94,11 +94,11 @@ void Evaluate(benchmark::State& state) {
     const FrameClock clock;
     Value value(nullptr, false, &clock);
     Fill(value);
-    HeldBy<Value> held{};
+    ContentBy<Value> content{};
     std::int32_t frame = 0;
     for (auto _ : state) {
-        value.evaluate(frame, held);
-        benchmark::DoNotOptimize(held);
+        value.evaluate(frame, content);
+        benchmark::DoNotOptimize(content);
         frame = (frame + 113) % lastFrame;
     }
     state.SetItemsProcessed(state.iterations());

@@ -16,7 +16,7 @@ namespace {
 }
 
 // Two taps in the bytes of each 16 bits, as the hardware multiplies neighbouring bytes by them and adds the products:
-// without a sign by with one, held within 16 bits with a sign. So two neighbouring taps may come to 128.
+// without a sign by with one, clamped to 16 bits with a sign. So two neighbouring taps may come to 128.
 constexpr std::size_t mostPairs = 128;
 struct TapPairs {
     std::array<std::int32_t, mostPairs> pairs;

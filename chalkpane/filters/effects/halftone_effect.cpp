@@ -94,7 +94,7 @@ void HalftoneEffect::BeginRun(const Image& source) {
     m_red = turn(m_redAngle);
     m_green = turn(m_greenAngle);
     m_blue = turn(m_blueAngle);
-    m_reach = Truncated(m_softness * 127.0F);
+    m_greyRadius = Truncated(m_softness * 127.0F);
     m_tileSize = std::clamp(m_size, 1, largestSize);
     m_shades.clear();
     for (std::int32_t difference = lowestDifference; difference <= largestDifference; ++difference) {
@@ -115,11 +115,11 @@ void HalftoneEffect::BeginRun(const Image& source) {
 
 float HalftoneEffect::Screened(float level, std::int32_t threshold) const {
     const auto middle = static_cast<float>(threshold);
-    const auto reach = static_cast<float>(m_reach);
-    if (middle + reach < level) return 255.0F;
-    if (level < middle - reach) return 0.0F;
+    const auto radius = static_cast<float>(m_greyRadius);
+    if (middle + radius < level) return 255.0F;
+    if (level < middle - radius) return 0.0F;
     // KEEP: without softness a level on its threshold is 0 / 0, which is stored as 0.
-    return (level - middle) * 255.0F / (2.0F * reach);
+    return (level - middle) * 255.0F / (2.0F * radius);
 }
 
 template <bool far>

@@ -80,7 +80,7 @@ private:
     std::vector<std::uint8_t> m_tile;  // thresholds, rows of `m_tileSize`
     std::int32_t m_tileSize = 1;
     std::vector<std::uint16_t> m_shades;  // channels by whole level less threshold, from `lowestDifference` on
-    std::int32_t m_reach = 0;             // on both sides of a threshold, within which levels are grey
+    std::int32_t m_greyRadius = 0;        // on both sides of a threshold, within which levels are grey
     Turn m_red;
     Turn m_green;
     Turn m_blue;

@@ -148,11 +148,13 @@ struct OilJob {
           workers(static_cast<std::size_t>(std::max(MultiProcessor::Instance().ProcessorCount(), 1))) {}
 
     // Rows of the source that some window touches.
-    [[nodiscard]] std::int64_t Held(std::int64_t y) const { return std::clamp<std::int64_t>(y, source.y0, source.y1); }
-    [[nodiscard]] std::int64_t FirstLine() const { return Held(std::int64_t{result.y0} - radius); }
-    [[nodiscard]] std::int64_t LastLine() const { return Held(std::int64_t{result.y1} + radius); }
+    [[nodiscard]] std::int64_t Clamped(std::int64_t y) const {
+        return std::clamp<std::int64_t>(y, source.y0, source.y1);
+    }
+    [[nodiscard]] std::int64_t FirstLine() const { return Clamped(std::int64_t{result.y0} - radius); }
+    [[nodiscard]] std::int64_t LastLine() const { return Clamped(std::int64_t{result.y1} + radius); }
     [[nodiscard]] Lanes* Line(std::int64_t y) {
-        return read.data() + static_cast<std::size_t>(Held(y) - FirstLine()) * rowLength;
+        return read.data() + static_cast<std::size_t>(Clamped(y) - FirstLine()) * rowLength;
     }
 
     void PrepareRow(std::int32_t y, std::int32_t /*worker*/) {

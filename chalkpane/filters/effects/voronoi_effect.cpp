@@ -38,15 +38,15 @@ public:
           m_jitter(spacing * randomness),
           m_rowHeight(std::sqrt(3.0) * spacing * 0.5),
           m_left(area.x0),
-          m_reach(static_cast<std::int64_t>(std::ceil((2.0 * randomness + m_rowHeight) / m_rowHeight))),
+          m_rowRadius(static_cast<std::int64_t>(std::ceil((2.0 * randomness + m_rowHeight) / m_rowHeight))),
           m_columns(static_cast<std::size_t>(std::ceil((2.0 * randomness + area.Width()) / spacing + 4.0))),
-          m_first(GridRow(area.y0) - 2 * m_reach),
+          m_first(GridRow(area.y0) - 2 * m_rowRadius),
           m_next(m_first),
-          m_cells(static_cast<std::size_t>(2 * m_reach + 1) * m_columns) {}
+          m_cells(static_cast<std::size_t>(2 * m_rowRadius + 1) * m_columns) {}
 
     // Begins at row y as if all rows before it had been made: their numbers are skipped.
     void BeginAt(std::int32_t y) {
-        m_next = GridRow(y) - 2 * m_reach;
+        m_next = GridRow(y) - 2 * m_rowRadius;
         m_random = GrainRandom(cellSeed);
         m_random.Jump(GrainJump::Of(static_cast<std::uint64_t>(m_next - m_first) * m_columns * 2));
     }
@@ -60,14 +60,14 @@ public:
 
 private:
     [[nodiscard]] std::int64_t GridRow(std::int32_t y) const {
-        return static_cast<std::int64_t>(std::floor(y / m_rowHeight)) + m_reach;
+        return static_cast<std::int64_t>(std::floor(y / m_rowHeight)) + m_rowRadius;
     }
 
     // KEEP: 0 .. 2, so cells move to the right and upward only.
     float Shift() { return static_cast<float>(m_random.Next15()) * 6.1035156e-05F; }
 
     void MakeRow(std::int64_t k) {
-        const auto ring = 2 * m_reach + 1;
+        const auto ring = 2 * m_rowRadius + 1;
         const std::int64_t slot = ((k + 10000) % ring + ring) % ring;
         double x = (k % 2 == 0 ? m_spacing * 0.5 : 0.0) - 2.0 * m_spacing;
         const double y = static_cast<double>(k) * m_rowHeight;
@@ -82,7 +82,7 @@ private:
     double m_jitter;
     double m_rowHeight;
     std::int32_t m_left;
-    std::int64_t m_reach;  // grid rows to either side
+    std::int64_t m_rowRadius;  // grid rows to either side
     std::size_t m_columns;
     std::int64_t m_first;  // grid row that the numbers begin with
     std::int64_t m_next;   // grid row to be made next
@@ -91,7 +91,7 @@ private:
 };
 
 // Rounded down and clamped.
-std::int32_t HeldInside(float place, std::int32_t first, std::int32_t last) {
+std::int32_t ClampedInside(float place, std::int32_t first, std::int32_t last) {
     const double floored = std::floor(static_cast<double>(place));
     return static_cast<std::int32_t>(std::clamp<double>(floored, first, last));
 }
@@ -105,7 +105,7 @@ public:
         : m_source(source),
           m_result(result),
           m_ring(result, spacing, randomness),
-          m_reach(spacing + spacing * randomness),
+          m_supportRadius(spacing + spacing * randomness),
           m_edge(edges * spacing),
           m_best(static_cast<std::size_t>(result.Width())),
           m_second(m_best.size()),
@@ -141,8 +141,8 @@ private:
     }
 
     [[nodiscard]] Colour ColourAt(const CellRing::Cell& cell) const {
-        const std::int32_t x = HeldInside(cell.x, m_source.x0, m_source.x1);
-        const std::int32_t y = HeldInside(cell.y, m_source.y0, m_source.y1);
+        const std::int32_t x = ClampedInside(cell.x, m_source.x0, m_source.x1);
+        const std::int32_t y = ClampedInside(cell.y, m_source.y0, m_source.y1);
         const Channel* const pixel =
             ImageRow<F>(m_source, y).data() + (static_cast<std::ptrdiff_t>(x) - m_source.x0) * 4;
         Colour colour;
@@ -153,9 +153,9 @@ private:
     void Spread(const CellRing::Cell& cell, std::int32_t y) {
         const float dy = cell.y - static_cast<float>(y);
         const float dy2 = dy * dy;
-        const double reach2 = m_reach * m_reach;
-        if (dy2 > reach2) return;
-        const double w = std::sqrt(reach2 - dy2);
+        const double radius2 = m_supportRadius * m_supportRadius;
+        if (dy2 > radius2) return;
+        const double w = std::sqrt(radius2 - dy2);
         const double low = std::floor(cell.x - w);
         const double high = std::ceil(cell.x + w);
         if (high < m_result.x0 || low > m_result.x1) return;
@@ -209,8 +209,8 @@ private:
     const Image& m_source;
     Image& m_result;
     CellRing m_ring;
-    double m_reach;  // pixels around its centre that a cell may colour
-    double m_edge;   // pixels
+    double m_supportRadius;  // pixels around its centre that a cell may colour
+    double m_edge;           // pixels
     // Of each column: the squares of the distances to the nearest two cells, and the colour of the nearest. A column
     // that no cell reaches keeps the colour of the row before.
     std::vector<float> m_best;

@@ -74,27 +74,27 @@ DoublePair Polyline::at(double arc) const {
     return points[segments];
 }
 
-template <typename Held>
-std::int32_t AnimatedPath<Held>::nextGroup(std::int32_t index) const {
+template <typename Content>
+std::int32_t AnimatedPath<Content>::nextGroup(std::int32_t index) const {
     std::int32_t other = index + 1;
     while (other < this->keyCount() && this->frameOf(other) == this->frameOf(index)) ++other;
     return other < this->keyCount() ? other : -1;
 }
 
-template <typename Held>
-std::int32_t AnimatedPath<Held>::previousGroup(std::int32_t index) const {
+template <typename Content>
+std::int32_t AnimatedPath<Content>::previousGroup(std::int32_t index) const {
     std::int32_t other = index - 1;
     while (other >= 0 && this->frameOf(other) == this->frameOf(index)) --other;
     return other;
 }
 
-template <typename Held>
-Polyline AnimatedPath<Held>::flatten(std::int32_t left, std::int32_t right) const {
+template <typename Content>
+Polyline AnimatedPath<Content>::flatten(std::int32_t left, std::int32_t right) const {
     return {this->storedAt(left), this->storedAt(right)};
 }
 
-template <typename Held>
-DoublePair AnimatedPath<Held>::pointBetween(std::int32_t index, std::int32_t frame) const {
+template <typename Content>
+DoublePair AnimatedPath<Content>::pointBetween(std::int32_t index, std::int32_t frame) const {
     const std::int32_t next = nextGroup(index);
     if (next < 0) return this->storedAt(index).point;  // keys out of order, after a change of time without resortKey
     const std::int32_t previous = previousGroup(index);
@@ -120,8 +120,8 @@ DoublePair AnimatedPath<Held>::pointBetween(std::int32_t index, std::int32_t fra
     return line.at(easeFraction(p, q, timeFraction) * line.length);
 }
 
-template <typename Held>
-void AnimatedPath<Held>::evaluate(std::int32_t frame, Held& out) const {
+template <typename Content>
+void AnimatedPath<Content>::evaluate(std::int32_t frame, Content& out) const {
     const KeySpan span = this->findKeySpan(frame);
     if (span.exact) {
         out = this->storedAt(span.index);
@@ -134,28 +134,28 @@ void AnimatedPath<Held>::evaluate(std::int32_t frame, Held& out) const {
         } else {
             point = {};
         }
-        out = Held::at(point);
+        out = Content::at(point);
     }
 }
 
-template <typename Held>
-void AnimatedPath<Held>::setDoubleXY(double x, double y) {
+template <typename Content>
+void AnimatedPath<Content>::setDoubleXY(double x, double y) {
     addKeyDoubleXY(this->currentFrame(), x, y);
 }
 
-template <typename Held>
-void AnimatedPath<Held>::getDoubleXY(double& outX, double& outY) const {
+template <typename Content>
+void AnimatedPath<Content>::getDoubleXY(double& outX, double& outY) const {
     valueAtFrameDoubleXY(this->currentFrame(), outX, outY);
 }
 
-template <typename Held>
-void AnimatedPath<Held>::addKeyDoubleXY(std::int32_t frame, double x, double y) {
-    this->addKey(frame, Held::at({x, y}));
+template <typename Content>
+void AnimatedPath<Content>::addKeyDoubleXY(std::int32_t frame, double x, double y) {
+    this->addKey(frame, Content::at({x, y}));
 }
 
-template <typename Held>
-void AnimatedPath<Held>::valueAtFrameDoubleXY(std::int32_t frame, double& outX, double& outY) const {
-    Held value = Held::at({outX, outY});
+template <typename Content>
+void AnimatedPath<Content>::valueAtFrameDoubleXY(std::int32_t frame, double& outX, double& outY) const {
+    Content value = Content::at({outX, outY});
     evaluate(frame, value);
     outX = value.point.x;
     outY = value.point.y;

@@ -25,11 +25,11 @@ struct Polyline {
 
 // A position that moves along a Bezier path with handles in its keys, at a speed that meets those of the neighbouring
 // spans. Keys that share a frame form one group: the path jumps there.
-template <typename Held>
-class AnimatedPath : public AnimatedComponents<Held> {
+template <typename Content>
+class AnimatedPath : public AnimatedComponents<Content> {
 public:
     // On a key with the key's handles, elsewhere on the point that is found.
-    void evaluate(std::int32_t frame, Held& out) const override;
+    void evaluate(std::int32_t frame, Content& out) const override;
 
     void setDoubleXY(double x, double y) override;
     void getDoubleXY(double& outX, double& outY) const override;
@@ -37,7 +37,7 @@ public:
     void valueAtFrameDoubleXY(std::int32_t frame, double& outX, double& outY) const override;
 
 protected:
-    using AnimatedComponents<Held>::AnimatedComponents;
+    using AnimatedComponents<Content>::AnimatedComponents;
 
 private:
     // The first key behind `index`, and the last before it, on another frame; -1 for none.

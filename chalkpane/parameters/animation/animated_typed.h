@@ -9,11 +9,11 @@
 
 namespace chalkpane {
 
-// What the animated classes share whose keys hold a `Held`: adding, evaluating, copying, and the text of the keys.
-template <typename Held>
+// What the animated classes share whose keys hold a `Content`: adding, evaluating, copying, and the text of the keys.
+template <typename Content>
 class AnimatedTyped : public AnimatedValue {
 public:
-    using Pair = KeyValuePair<Held>;
+    using Pair = KeyValuePair<Content>;
 
     // Copies of the keys with their handles; of another class: ignored.
     void copyKeysFrom(const AnimatedValue& other) override {
@@ -26,43 +26,43 @@ public:
         }
     }
     void addKeyAtFrame(std::int32_t frame) override {
-        Held value{};
+        Content value{};
         evaluate(frame, value);
         addKey(frame, value);
     }
 
     void appendValueText(std::string& target, const Key& key) const override {
         TextOut out(target);
-        writeKeyHeld(out, toPlain(static_cast<const Pair&>(key).value));
+        writeKeyContent(out, toPlain(static_cast<const Pair&>(key).value));
     }
     void writeValueToStream(TextSink& target, const Key& key) const override {
         TextOut out(target);
-        writeKeyHeld(out, toPlain(static_cast<const Pair&>(key).value));
+        writeKeyContent(out, toPlain(static_cast<const Pair&>(key).value));
     }
     bool readKeyValue(TextScanner& scanner, double time, double inHandle, double outHandle) override {
-        Held plain{};
-        if (!readKeyHeld(scanner, plain)) return false;
+        Content plain{};
+        if (!readKeyContent(scanner, plain)) return false;
         appendPair(toStored(plain), time, inHandle, outHandle);
         return true;
     }
 
     // The value at a frame. Without keys the parent answers by the typed getter of this class's type, or zero where
     // there is no parent.
-    virtual void evaluate(std::int32_t frame, Held& out) const = 0;
+    virtual void evaluate(std::int32_t frame, Content& out) const = 0;
     // The value of a key is kept as `toStored` of it and answered as `toPlain`; the same but for logarithms.
-    virtual Held toStored(const Held& plain) const { return plain; }
-    virtual Held toPlain(const Held& stored) const { return stored; }
-    virtual void addKey(std::int32_t frame, const Held& value) { insertKey(frame, makePair(toStored(value))); }
+    virtual Content toStored(const Content& plain) const { return plain; }
+    virtual Content toPlain(const Content& stored) const { return stored; }
+    virtual void addKey(std::int32_t frame, const Content& value) { insertKey(frame, makePair(toStored(value))); }
 
-    Held keyValue(std::int32_t index) const { return toPlain(storedAt(index)); }
+    Content keyValue(std::int32_t index) const { return toPlain(storedAt(index)); }
 
 protected:
     using AnimatedValue::AnimatedValue;
 
     Pair& pairAt(std::int32_t index) const { return static_cast<Pair&>(*keyAt(index)); }
-    const Held& storedAt(std::int32_t index) const { return pairAt(index).value; }
-    Pair* makePair(const Held& stored) const { return new Pair(stored, undoable); }
-    void appendPair(const Held& stored, double time, double inHandle, double outHandle) {
+    const Content& storedAt(std::int32_t index) const { return pairAt(index).value; }
+    Pair* makePair(const Content& stored) const { return new Pair(stored, undoable); }
+    void appendPair(const Content& stored, double time, double inHandle, double outHandle) {
         Pair* key = makePair(stored);
         key->time = time;
         key->inHandle = inHandle;
@@ -82,11 +82,11 @@ inline void askFor(const ParameterValue& any, DoublePair& out) { any.getDoubleXY
 inline void askFor(const ParameterValue& any, PathPoint& out) { any.getDoubleXY(out.point.x, out.point.y); }
 
 // A value made of numbers, which a curve editor can show in the range of the declaration over the curve scale.
-template <typename Held>
-class AnimatedComponents : public AnimatedTyped<Held> {
+template <typename Content>
+class AnimatedComponents : public AnimatedTyped<Content> {
 public:
     double normalisedValue(std::int32_t component) const override {
-        Held value{};
+        Content value{};
         this->evaluate(this->currentFrame(), value);
         return this->normaliseComponent(getComponent(value, component));
     }
@@ -97,34 +97,34 @@ public:
     // Puts a new key in the place of the old one, so that the change can be undone.
     void setNormalisedKeyValue(std::int32_t index, double number, std::int32_t component) override {
         if (!this->isIndex(index)) return;
-        Held value = this->keyValue(index);
+        Content value = this->keyValue(index);
         setComponent(value, component, this->denormaliseComponent(number));
         this->replaceKey(index, this->makePair(this->toStored(value)));
     }
 
 protected:
-    using AnimatedTyped<Held>::AnimatedTyped;
+    using AnimatedTyped<Content>::AnimatedTyped;
 
-    void askParent(Held& out) const {
+    void askParent(Content& out) const {
         if (const ParameterValue* above = this->getParent()) {
             askFor(*above, out);
         } else {
-            out = Held{};
+            out = Content{};
         }
     }
 };
 
 // A value whose components each run on a curve of their own.
-template <typename Held>
-class AnimatedNumbers : public AnimatedComponents<Held> {
+template <typename Content>
+class AnimatedNumbers : public AnimatedComponents<Content> {
 public:
-    void evaluate(std::int32_t frame, Held& out) const override {
+    void evaluate(std::int32_t frame, Content& out) const override {
         const KeySpan span = this->findKeySpan(frame);
         if (span.exact) {
             out = this->keyValue(span.index);
         } else if (span.between) {
-            Held stored{};
-            for (std::int32_t c = 0; c < componentsOf<Held>(); ++c)
+            Content stored{};
+            for (std::int32_t c = 0; c < componentsOf<Content>(); ++c)
                 setComponent(stored, c, evaluateComponent(span.index, frame, c));
             out = this->toPlain(stored);
         } else {
@@ -133,7 +133,7 @@ public:
     }
 
 protected:
-    using AnimatedComponents<Held>::AnimatedComponents;
+    using AnimatedComponents<Content>::AnimatedComponents;
 
     // Between the keys `index` and `index + 1`, before it is narrowed to its type.
     double evaluateComponent(std::int32_t index, std::int32_t frame, std::int32_t component) const {

@@ -44,14 +44,15 @@ protected:
 void disposeOfKey(Key* key);
 
 // A key with its value.
-template <typename Held>
+template <typename Content>
 class KeyValuePair final : public Key {
 public:
-    explicit KeyValuePair(const Held& held = Held(), bool recordsUndo = false) : Key(recordsUndo), value(held) {}
+    explicit KeyValuePair(const Content& content = Content(), bool recordsUndo = false)
+        : Key(recordsUndo), value(content) {}
     KeyValuePair(const KeyValuePair&) = delete;
     KeyValuePair& operator=(const KeyValuePair&) = default;
 
-    Held value;
+    Content value;
 };
 
 // A point of a path with its handles, all absolute.

@@ -9,10 +9,10 @@
 namespace chalkpane {
 
 // The numbers that a key's value is made of, each of which runs on a curve of its own.
-template <typename Held>
+template <typename Content>
 constexpr std::int32_t componentsOf() {
-    if constexpr (std::is_same_v<Held, Colour>) return 3;
-    return std::is_arithmetic_v<Held> ? 1 : 2;
+    if constexpr (std::is_same_v<Content, Colour>) return 3;
+    return std::is_arithmetic_v<Content> ? 1 : 2;
 }
 
 inline std::uint16_t& componentOf(Colour& colour, std::int32_t component) {
@@ -25,9 +25,9 @@ Number& componentOf(NumberPair<Number>& pair, std::int32_t component) {
 template <typename Number>
 requires std::is_arithmetic_v<Number> Number& componentOf(Number& number, std::int32_t) { return number; }
 
-template <typename Held>
-double getComponent(Held value, std::int32_t component) {
-    if constexpr (std::is_base_of_v<PathPoint, Held>) {
+template <typename Content>
+double getComponent(Content value, std::int32_t component) {
+    if constexpr (std::is_base_of_v<PathPoint, Content>) {
         return componentOf(value.point, component);
     } else {
         return componentOf(value, component);
@@ -36,9 +36,9 @@ double getComponent(Held value, std::int32_t component) {
 
 // Narrows to the component's own type: whole numbers truncate, a component of a colour keeps the low 16 bits, and a
 // point takes its handles along.
-template <typename Held>
-void setComponent(Held& value, std::int32_t component, double number) {
-    if constexpr (std::is_base_of_v<PathPoint, Held>) {
+template <typename Content>
+void setComponent(Content& value, std::int32_t component, double number) {
+    if constexpr (std::is_base_of_v<PathPoint, Content>) {
         DoublePair point = value.point;
         componentOf(point, component) = number;
         value.moveTo(point);

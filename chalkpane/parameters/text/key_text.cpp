@@ -10,78 +10,80 @@ void writePair(TextOut& out, const DoublePair& pair) { out << pair.x << " " << p
 
 // KEEP: handles on the point leave their place to a comma. The sink's text stops there; the string's goes on with the
 // other numbers, which a reader takes for the next key.
-void writeHandles(TextOut& out, const PathPoint& held) {
-    const bool onPoint = held.in == held.point && held.out == held.point;
+void writeHandles(TextOut& out, const PathPoint& content) {
+    const bool onPoint = content.in == content.point && content.out == content.point;
     if (onPoint) {
         out << ",";
         if (out.isStream()) return;
     } else {
-        out << held.in.x;
+        out << content.in.x;
     }
-    out << " " << held.in.y << " ";
-    writePair(out, held.out);
+    out << " " << content.in.y << " ";
+    writePair(out, content.out);
 }
 
 // The numbers, or what stands in their place: a comma, or "nan" four times.
-bool readHandles(TextScanner& scanner, PathPoint& held) {
-    held = PathPoint::at(held.point);
+bool readHandles(TextScanner& scanner, PathPoint& content) {
+    content = PathPoint::at(content.point);
     if (scanner.expectPunctuation(',')) return true;
     if (scanner.expectIdentifier("nan")) {
         for (int i = 0; i < 3; ++i)
             if (!scanner.expectIdentifier("nan")) return false;
         return true;
     }
-    return readHeld(scanner, held.in) && readHeld(scanner, held.out);
+    return readContent(scanner, content.in) && readContent(scanner, content.out);
 }
 
 }  // namespace
 
-void writeKeyHeld(TextOut& out, bool held) { out << held; }
-void writeKeyHeld(TextOut& out, std::int32_t held) { out << held; }
-void writeKeyHeld(TextOut& out, float held) { out << double{held}; }
-void writeKeyHeld(TextOut& out, double held) { out << held; }
-void writeKeyHeld(TextOut& out, const IntegerPair& held) { out << held.x << " " << held.y; }
-void writeKeyHeld(TextOut& out, const DoublePair& held) { writePair(out, held); }
-void writeKeyHeld(TextOut& out, const Colour& held) {
-    out << "true " << std::int32_t{held.red} << " " << std::int32_t{held.green} << " " << std::int32_t{held.blue};
+void writeKeyContent(TextOut& out, bool content) { out << content; }
+void writeKeyContent(TextOut& out, std::int32_t content) { out << content; }
+void writeKeyContent(TextOut& out, float content) { out << double{content}; }
+void writeKeyContent(TextOut& out, double content) { out << content; }
+void writeKeyContent(TextOut& out, const IntegerPair& content) { out << content.x << " " << content.y; }
+void writeKeyContent(TextOut& out, const DoublePair& content) { writePair(out, content); }
+void writeKeyContent(TextOut& out, const Colour& content) {
+    out << "true " << std::int32_t{content.red} << " " << std::int32_t{content.green} << " "
+        << std::int32_t{content.blue};
 }
-void writeKeyHeld(TextOut& out, const FileName& held) { writeHeld(out, held); }
-void writeKeyHeld(TextOut& out, const PathPoint& held) {
-    writePair(out, held.point);
+void writeKeyContent(TextOut& out, const FileName& content) { writeContent(out, content); }
+void writeKeyContent(TextOut& out, const PathPoint& content) {
+    writePair(out, content.point);
     out << " ";
-    writeHandles(out, held);
+    writeHandles(out, content);
 }
-void writeKeyHeld(TextOut& out, const SmoothPathPoint& held) {
-    if (!held.smooth) {
-        writeKeyHeld(out, static_cast<const PathPoint&>(held));
+void writeKeyContent(TextOut& out, const SmoothPathPoint& content) {
+    if (!content.smooth) {
+        writeKeyContent(out, static_cast<const PathPoint&>(content));
         return;
     }
-    writePair(out, held.point);
+    writePair(out, content.point);
     out << " smooth ";
 }
 
-bool readKeyHeld(TextScanner& scanner, bool& held) { return readHeld(scanner, held); }
-bool readKeyHeld(TextScanner& scanner, std::int32_t& held) { return readHeld(scanner, held); }
-bool readKeyHeld(TextScanner& scanner, float& held) { return readHeld(scanner, held); }
-bool readKeyHeld(TextScanner& scanner, double& held) { return readHeld(scanner, held); }
-bool readKeyHeld(TextScanner& scanner, IntegerPair& held) { return readHeld(scanner, held); }
-bool readKeyHeld(TextScanner& scanner, DoublePair& held) { return readHeld(scanner, held); }
-bool readKeyHeld(TextScanner& scanner, Colour& held) {
+bool readKeyContent(TextScanner& scanner, bool& content) { return readContent(scanner, content); }
+bool readKeyContent(TextScanner& scanner, std::int32_t& content) { return readContent(scanner, content); }
+bool readKeyContent(TextScanner& scanner, float& content) { return readContent(scanner, content); }
+bool readKeyContent(TextScanner& scanner, double& content) { return readContent(scanner, content); }
+bool readKeyContent(TextScanner& scanner, IntegerPair& content) { return readContent(scanner, content); }
+bool readKeyContent(TextScanner& scanner, DoublePair& content) { return readContent(scanner, content); }
+bool readKeyContent(TextScanner& scanner, Colour& content) {
     bool isFourteenBits = false;
     if (!scanner.readBoolean(isFourteenBits)) return false;
-    return readComponent(scanner, isFourteenBits, held.red) && readComponent(scanner, isFourteenBits, held.green) &&
-           readComponent(scanner, isFourteenBits, held.blue);
+    return readComponent(scanner, isFourteenBits, content.red) &&
+           readComponent(scanner, isFourteenBits, content.green) &&
+           readComponent(scanner, isFourteenBits, content.blue);
 }
-bool readKeyHeld(TextScanner& scanner, FileName& held) { return readHeld(scanner, held); }
-bool readKeyHeld(TextScanner& scanner, PathPoint& held) {
-    return readHeld(scanner, held.point) && readHandles(scanner, held);
+bool readKeyContent(TextScanner& scanner, FileName& content) { return readContent(scanner, content); }
+bool readKeyContent(TextScanner& scanner, PathPoint& content) {
+    return readContent(scanner, content.point) && readHandles(scanner, content);
 }
-bool readKeyHeld(TextScanner& scanner, SmoothPathPoint& held) {
-    if (!readHeld(scanner, held.point)) return false;
-    held = SmoothPathPoint::at(held.point);
+bool readKeyContent(TextScanner& scanner, SmoothPathPoint& content) {
+    if (!readContent(scanner, content.point)) return false;
+    content = SmoothPathPoint::at(content.point);
     if (scanner.expectIdentifier("smooth")) return true;
-    held.smooth = false;
-    return readHandles(scanner, held);
+    content.smooth = false;
+    return readHandles(scanner, content);
 }
 
 }  // namespace chalkpane

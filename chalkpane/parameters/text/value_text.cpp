@@ -33,13 +33,13 @@ bool readKnot(TextScanner& scanner, bool isFourteenBits, ColourSpline& spline) {
     float position = 0.0f;
     float midpoint = 0.0f;
     Colour colour;
-    if (!readHeld(scanner, position) || !scanner.expectPunctuation(':')) return false;
+    if (!readContent(scanner, position) || !scanner.expectPunctuation(':')) return false;
     if (!readComponents(scanner, isFourteenBits, colour)) return false;
     if (!scanner.expectPunctuation(',')) {
         spline.addKnot(colour, position);
         return true;
     }
-    if (!readHeld(scanner, midpoint)) return false;
+    if (!readContent(scanner, midpoint)) return false;
     spline.addKnot(colour, position, midpoint);
     return true;
 }
@@ -53,96 +53,98 @@ bool readComponent(TextScanner& scanner, bool isFourteenBits, std::uint16_t& com
     return true;
 }
 
-void writeHeld(TextOut& out, bool held) { out << " " << held; }
-void writeHeld(TextOut& out, std::uint8_t held) { out << " " << std::int32_t{held}; }
-void writeHeld(TextOut& out, std::int32_t held) { out << " " << held; }
-void writeHeld(TextOut& out, float held) { out << " " << double{held}; }
-void writeHeld(TextOut& out, double held) { out << " " << held; }
-void writeHeld(TextOut& out, const IntegerPair& held) { out << " " << held.x << " " << held.y; }
-void writeHeld(TextOut& out, const DoublePair& held) { out << " " << held.x << " " << held.y; }
-void writeHeld(TextOut& out, const Rect& held) {
-    out << " " << held.x0 << " " << held.y1 << " " << held.x1 << " " << held.y0;
+void writeContent(TextOut& out, bool content) { out << " " << content; }
+void writeContent(TextOut& out, std::uint8_t content) { out << " " << std::int32_t{content}; }
+void writeContent(TextOut& out, std::int32_t content) { out << " " << content; }
+void writeContent(TextOut& out, float content) { out << " " << double{content}; }
+void writeContent(TextOut& out, double content) { out << " " << content; }
+void writeContent(TextOut& out, const IntegerPair& content) { out << " " << content.x << " " << content.y; }
+void writeContent(TextOut& out, const DoublePair& content) { out << " " << content.x << " " << content.y; }
+void writeContent(TextOut& out, const Rect& content) {
+    out << " " << content.x0 << " " << content.y1 << " " << content.x1 << " " << content.y0;
 }
-void writeHeld(TextOut& out, const Colour& held) {
+void writeContent(TextOut& out, const Colour& content) {
     out << " " << fourteenBits;
-    writeComponents(out, held, " , ");
+    writeComponents(out, content, " , ");
 }
-void writeHeld(TextOut& out, const std::string& held) {
+void writeContent(TextOut& out, const std::string& content) {
     out << " ";
-    out.quote(held);
+    out.quote(content);
 }
-void writeHeld(TextOut& out, const FileName& held) { writeHeld(out, held.string()); }
-void writeHeld(TextOut& out, const Font* held) {
+void writeContent(TextOut& out, const FileName& content) { writeContent(out, content.string()); }
+void writeContent(TextOut& out, const Font* content) {
     out << " ";
-    if (held == nullptr) return;
+    if (content == nullptr) return;
     bool bold = false;
     bool italic = false;
     std::string name;
-    held->getDescription(bold, italic, name);
+    content->getDescription(bold, italic, name);
     out << " \"" << name << "\" " << bold << " " << italic;
 }
-void writeHeld(TextOut& out, const ShapePointList& held) { held.write(out); }
-void writeHeld(TextOut& out, const ColourSpline& held) {
-    out << " " << static_cast<std::int32_t>(held.knotCount()) << " " << fourteenBits;
-    for (std::size_t i = 0; i < held.knotCount(); ++i) {
-        out << "\n" << double{held.knotPosition(i)} << " : ";
-        writeComponents(out, held.knotColour(i), " , ");
-        out << " , " << double{held.knotMidpoint(i)};
+void writeContent(TextOut& out, const ShapePointList& content) { content.write(out); }
+void writeContent(TextOut& out, const ColourSpline& content) {
+    out << " " << static_cast<std::int32_t>(content.knotCount()) << " " << fourteenBits;
+    for (std::size_t i = 0; i < content.knotCount(); ++i) {
+        out << "\n" << double{content.knotPosition(i)} << " : ";
+        writeComponents(out, content.knotColour(i), " , ");
+        out << " , " << double{content.knotMidpoint(i)};
     }
 }
 
-bool readHeld(TextScanner& scanner, bool& held) { return scanner.readBoolean(held); }
-bool readHeld(TextScanner& scanner, std::uint8_t& held) {
+bool readContent(TextScanner& scanner, bool& content) { return scanner.readBoolean(content); }
+bool readContent(TextScanner& scanner, std::uint8_t& content) {
     std::int32_t number = 0;
     if (!scanner.readInteger(number)) return false;
-    held = static_cast<std::uint8_t>(number);
+    content = static_cast<std::uint8_t>(number);
     return true;
 }
-bool readHeld(TextScanner& scanner, std::int32_t& held) { return scanner.readInteger(held); }
-bool readHeld(TextScanner& scanner, float& held) {
+bool readContent(TextScanner& scanner, std::int32_t& content) { return scanner.readInteger(content); }
+bool readContent(TextScanner& scanner, float& content) {
     double number = 0.0;
     if (!scanner.readReal(number)) return false;
-    held = toFloat(number);
+    content = toFloat(number);
     return true;
 }
-bool readHeld(TextScanner& scanner, double& held) { return scanner.readReal(held); }
-bool readHeld(TextScanner& scanner, IntegerPair& held) {
-    return scanner.readInteger(held.x) && scanner.readInteger(held.y);
+bool readContent(TextScanner& scanner, double& content) { return scanner.readReal(content); }
+bool readContent(TextScanner& scanner, IntegerPair& content) {
+    return scanner.readInteger(content.x) && scanner.readInteger(content.y);
 }
-bool readHeld(TextScanner& scanner, DoublePair& held) { return scanner.readReal(held.x) && scanner.readReal(held.y); }
-bool readHeld(TextScanner& scanner, Rect& held) {
-    return scanner.readInteger(held.x0) && scanner.readInteger(held.y1) && scanner.readInteger(held.x1) &&
-           scanner.readInteger(held.y0);
+bool readContent(TextScanner& scanner, DoublePair& content) {
+    return scanner.readReal(content.x) && scanner.readReal(content.y);
 }
-bool readHeld(TextScanner& scanner, Colour& held) {
+bool readContent(TextScanner& scanner, Rect& content) {
+    return scanner.readInteger(content.x0) && scanner.readInteger(content.y1) && scanner.readInteger(content.x1) &&
+           scanner.readInteger(content.y0);
+}
+bool readContent(TextScanner& scanner, Colour& content) {
     bool isFourteenBits = false;
-    return scanner.readBoolean(isFourteenBits) && readComponents(scanner, isFourteenBits, held);
+    return scanner.readBoolean(isFourteenBits) && readComponents(scanner, isFourteenBits, content);
 }
-bool readHeld(TextScanner& scanner, std::string& held) { return scanner.readString(held); }
-bool readHeld(TextScanner& scanner, FileName& held) {
+bool readContent(TextScanner& scanner, std::string& content) { return scanner.readString(content); }
+bool readContent(TextScanner& scanner, FileName& content) {
     std::string name;
     if (!scanner.readFileName(name)) return false;
-    held.assign(name);
+    content.assign(name);
     return true;
 }
-bool readHeld(TextScanner& scanner, Font*& held) {
+bool readContent(TextScanner& scanner, Font*& content) {
     std::string name;
     bool bold = false;
     bool italic = false;
     if (!scanner.readString(name) || !scanner.readBoolean(bold) || !scanner.readBoolean(italic)) return false;
     Font* const font = findFont(name, bold, italic);
     if (font == nullptr) return false;
-    held = font;
+    content = font;
     return true;
 }
-bool readHeld(TextScanner& scanner, ShapePointList& held) { return held.read(scanner); }
-bool readHeld(TextScanner& scanner, ColourSpline& held) {
+bool readContent(TextScanner& scanner, ShapePointList& content) { return content.read(scanner); }
+bool readContent(TextScanner& scanner, ColourSpline& content) {
     std::int32_t count = 0;
     bool isFourteenBits = false;
     if (!scanner.readInteger(count) || !scanner.readBoolean(isFourteenBits)) return false;
-    held.clear();
+    content.clear();
     for (std::int32_t i = 0; i < count; ++i)
-        if (!readKnot(scanner, isFourteenBits, held)) return false;
+        if (!readKnot(scanner, isFourteenBits, content)) return false;
     return true;
 }
 

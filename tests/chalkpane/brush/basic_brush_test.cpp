@@ -397,7 +397,7 @@ TEST_CASE("an update keeps the colour") {
     CHECK_EQ(canvas.GetPixel8(4, 4), Pixel8{0, 0, 254, 254});
 }
 
-// An image source without an image gives a dab of zeros. Laid over, it changes nothing; in place of what is there, it
+// An image source without an image gives a dab of zeros. Composited, it changes nothing; in place of what is there, it
 // takes it away: 255 - 255 = 0.
 TEST_CASE("sources 6 and 7 replace what they cover, source 2 lies over it") {
     const auto left = [](int sourceType) {

@@ -59,7 +59,7 @@ TEST_CASE("one full 14-bit dab replaces the target") {
         ChannelValues{200, 0, 16383, 16383});
 }
 
-// Opacity 1.0 * 255.001 truncates to 255; 1.1 would be 280 and is held at 255.
+// Opacity 1.0 * 255.001 truncates to 255; 1.1 would be 280 and is clamped to 255.
 TEST_CASE("opacity stops at full scale") {
     const Dab dab{.source = {200, 0, 255, 255}, .target = {100, 255, 0, 50}};
     Dab strong = dab;

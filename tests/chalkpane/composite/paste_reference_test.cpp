@@ -174,7 +174,7 @@ TEST_CASE("compositing and replacing agree with the plain reference") {
             reference.mask = nullptr;
             if (i % 2 == 0) {
                 paster.Paste(scene.source, scene.target, scene.rect, 0, scene.ClipImage(), scene.clipInverted);
-                reference::Lay(reference, visible);
+                reference::Composite(reference, visible);
             } else {
                 paster.Replace(scene.source, scene.target, scene.rect, 0, scene.ClipImage(), scene.clipInverted);
                 reference::ReplaceBy(reference, visible);

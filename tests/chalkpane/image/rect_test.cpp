@@ -107,7 +107,7 @@ TEST_CASE("Inflating on y alone does not ask whether the rectangle is valid") {
     CHECK(rect == Rect(0, 4, 9, 5));
 }
 
-TEST_CASE("Sides are held at the ends of the 32-bit range") {
+TEST_CASE("Sides are clamped to the ends of the 32-bit range") {
     Rect rect(lowest, lowest, highest, highest);
     CHECK_EQ(rect.Width(), highest);
     rect.Inflate(10);

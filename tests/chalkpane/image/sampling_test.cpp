@@ -98,7 +98,8 @@ TEST_CASE("Random positions sample as in the plain reference, in every format an
         Image mask8 = Image::Mask(rect, Depth::Eight);
         Image mask14 = Image::Mask(rect, Depth::Fourteen);
         for (Image* image : {&colour8, &colour14, &mask8, &mask14}) reference::FillWithNoise(*image, seed);
-        const reference::Picture twin8(colour8), twin14(colour14), twinMask8(mask8), twinMask14(mask14);
+        const reference::Picture reference8(colour8), reference14(colour14), referenceMask8(mask8),
+            referenceMask14(mask14);
         for (int i = 0; i < 4000; ++i) {
             double x = position(random);
             double y = position(random);
@@ -109,12 +110,14 @@ TEST_CASE("Random positions sample as in the plain reference, in every format an
                 const Pixel8 pixel8 = SampleBilinear8(colour8, x, y, edgeMode);
                 const Pixel14 pixel14 = SampleBilinear14(colour14, x, y, edgeMode);
                 const bool same =
-                    pixel8.blue == twin8.Sample(x, y, 0, edgeMode) && pixel8.green == twin8.Sample(x, y, 1, edgeMode) &&
-                    pixel8.red == twin8.Sample(x, y, 2, edgeMode) && pixel8.alpha == twin8.Sample(x, y, 3, edgeMode) &&
-                    pixel14.blue == twin14.Sample(x, y, 0, edgeMode) &&
-                    pixel14.alpha == twin14.Sample(x, y, 3, edgeMode) &&
-                    SampleMaskBilinear8(mask8, x, y, edgeMode) == twinMask8.Sample(x, y, 0, edgeMode) &&
-                    SampleMask14(mask14, x, y, edgeMode) == twinMask14.Sample(x, y, 0, edgeMode);
+                    pixel8.blue == reference8.Sample(x, y, 0, edgeMode) &&
+                    pixel8.green == reference8.Sample(x, y, 1, edgeMode) &&
+                    pixel8.red == reference8.Sample(x, y, 2, edgeMode) &&
+                    pixel8.alpha == reference8.Sample(x, y, 3, edgeMode) &&
+                    pixel14.blue == reference14.Sample(x, y, 0, edgeMode) &&
+                    pixel14.alpha == reference14.Sample(x, y, 3, edgeMode) &&
+                    SampleMaskBilinear8(mask8, x, y, edgeMode) == referenceMask8.Sample(x, y, 0, edgeMode) &&
+                    SampleMask14(mask14, x, y, edgeMode) == referenceMask14.Sample(x, y, 0, edgeMode);
                 CAPTURE(x);
                 CAPTURE(y);
                 CAPTURE(edgeMode);

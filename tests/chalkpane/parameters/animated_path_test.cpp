@@ -109,9 +109,9 @@ TEST_CASE("A companion without use leaves the fraction between 0 and 1") {
 TEST_CASE("A key of a position has its handles on its point") {
     AnimatedPosition position(nullptr, false, &frames);
     position.addKeyDoubleXY(0, 3.0, 4.0);
-    const PathPoint held = position.keyValue(0);
-    CHECK(held.in == DoublePair{3.0, 4.0});
-    CHECK(held.out == DoublePair{3.0, 4.0});
+    const PathPoint content = position.keyValue(0);
+    CHECK(content.in == DoublePair{3.0, 4.0});
+    CHECK(content.out == DoublePair{3.0, 4.0});
 }
 
 TEST_CASE("A straight span is flattened into 28 segments when its handles lie on its points") {

@@ -14,7 +14,7 @@ namespace {
 
 using namespace chalkpane;
 
-TEST_CASE("The identity answers x, held flat outside 0 to 1") {
+TEST_CASE("The identity answers x, clamped outside 0 to 1") {
     const ShapePointList list;
     REQUIRE_EQ(list.size(), 2);
     // Handles on their points make x(u) = y(u), so y = x but for the solver's last error.

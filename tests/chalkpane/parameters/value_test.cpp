@@ -38,30 +38,31 @@ ColourSpline Spline(float position) {
 }
 
 // One line per value class: its class, the type of its declaration, two samples and how they are set.
-#define VALUE_CASE(Class, type, setter, first, second)                       \
-    struct Class##Case {                                                     \
-        using Value = Class;                                                 \
-        using Record = Undo##Class;                                          \
-        static constexpr ParameterType definitionType = type;                \
-        static auto First() { return Value::Stored(first); }                 \
-        static auto Second() { return Value::Stored(second); }               \
-        static void Set(Value& value, const Value::Stored& held) { setter; } \
+#define VALUE_CASE(Class, type, setter, first, second)                          \
+    struct Class##Case {                                                        \
+        using Value = Class;                                                    \
+        using Record = Undo##Class;                                             \
+        static constexpr ParameterType definitionType = type;                   \
+        static auto First() { return Value::Stored(first); }                    \
+        static auto Second() { return Value::Stored(second); }                  \
+        static void Set(Value& value, const Value::Stored& content) { setter; } \
     }
 using enum ParameterType;
-VALUE_CASE(BooleanValue, boolean, value.setBoolean(held), true, false);
-VALUE_CASE(IntegerValue, integer, value.setInteger(held), 7, -3);
-VALUE_CASE(EnumerationValue, enumeration, value.setEnumeration(held), 255, 4);
-VALUE_CASE(FloatValue, float32, value.setFloat(held), 0.1f, -8.0f);
-VALUE_CASE(DoubleValue, real, value.setDouble(held), 0.1, -8.0);
-VALUE_CASE(IntegerXYValue, integerPair, value.setIntegerXY(held.x, held.y), (IntegerPair{1, 2}), (IntegerPair{1, 3}));
-VALUE_CASE(DoubleXYValue, doublePair, value.setDoubleXY(held.x, held.y), (DoublePair{1, 2}), (DoublePair{3, 2}));
-VALUE_CASE(ColourValue, colour, value.setColour(held), (Colour{1, 2, 3}), (Colour{1, 2, 4}));
-VALUE_CASE(RectValue, rectangle, value.setRect(held), Rect(1, 2, 3, 4), Rect(1, 2, 3, 5));
-VALUE_CASE(FontValue, font, value.setFont(held), &fontA, &fontB);
-VALUE_CASE(StringValue, string, value.setString(held), "chalk", "pane");
-VALUE_CASE(FileNameValue, fileName, value.setFileName(held), "a/b.png", "c.png");
-VALUE_CASE(GraphValue, graph, value.setGraph(held), Curve(0.25), Curve(0.5));
-VALUE_CASE(ColourSplineValue, colourSpline, value.setColourSpline(held), Spline(0.25f), Spline(0.5f));
+VALUE_CASE(BooleanValue, boolean, value.setBoolean(content), true, false);
+VALUE_CASE(IntegerValue, integer, value.setInteger(content), 7, -3);
+VALUE_CASE(EnumerationValue, enumeration, value.setEnumeration(content), 255, 4);
+VALUE_CASE(FloatValue, float32, value.setFloat(content), 0.1f, -8.0f);
+VALUE_CASE(DoubleValue, real, value.setDouble(content), 0.1, -8.0);
+VALUE_CASE(IntegerXYValue, integerPair, value.setIntegerXY(content.x, content.y), (IntegerPair{1, 2}),
+           (IntegerPair{1, 3}));
+VALUE_CASE(DoubleXYValue, doublePair, value.setDoubleXY(content.x, content.y), (DoublePair{1, 2}), (DoublePair{3, 2}));
+VALUE_CASE(ColourValue, colour, value.setColour(content), (Colour{1, 2, 3}), (Colour{1, 2, 4}));
+VALUE_CASE(RectValue, rectangle, value.setRect(content), Rect(1, 2, 3, 4), Rect(1, 2, 3, 5));
+VALUE_CASE(FontValue, font, value.setFont(content), &fontA, &fontB);
+VALUE_CASE(StringValue, string, value.setString(content), "chalk", "pane");
+VALUE_CASE(FileNameValue, fileName, value.setFileName(content), "a/b.png", "c.png");
+VALUE_CASE(GraphValue, graph, value.setGraph(content), Curve(0.25), Curve(0.5));
+VALUE_CASE(ColourSplineValue, colourSpline, value.setColourSpline(content), Spline(0.25f), Spline(0.5f));
 #undef VALUE_CASE
 
 #define ALL_VALUES                                                                                                 \

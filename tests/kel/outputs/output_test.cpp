@@ -51,17 +51,17 @@ picture_io::Picture CleanCard(const KelFolder& folder) {
 // Frames of a film or of numbered pictures.
 class Frames {
 public:
-    Frames(const KelFolder& folder, const std::string& name) : m_desk(folder), m_name(name) {
+    Frames(const KelFolder& folder, const std::string& name) : m_folder(folder), m_name(name) {
         if (!IsNumbered()) m_film.emplace(folder.Path(name));
     }
     [[nodiscard]] std::int64_t Count() const {
         std::int64_t count = 0;
         if (m_film) return m_film->FrameCount();
-        while (m_desk.Has(NameAt(count))) ++count;
+        while (m_folder.Has(NameAt(count))) ++count;
         return count;
     }
     [[nodiscard]] picture_io::Picture At(std::int64_t field) {
-        return m_film ? m_film->ReadFrame(field) : m_desk.Open(NameAt(field));
+        return m_film ? m_film->ReadFrame(field) : m_folder.Open(NameAt(field));
     }
 
 private:
@@ -71,7 +71,7 @@ private:
         return m_name.substr(0, m_name.find('%')) + std::string(5 - digits.size(), '0') + digits + ".png";
     }
 
-    const KelFolder& m_desk;
+    const KelFolder& m_folder;
     std::string m_name;
     std::optional<VideoReader> m_film;
 };

@@ -33,7 +33,7 @@ void CheckLaysOver(Telestrator& telestrator) {
 
 }  // namespace
 
-TEST_CASE("The overlay laid over the picture gives the rendered picture, on every unit") {
+TEST_CASE("The overlay composited over the picture gives the rendered picture, on every unit") {
     const picture_io::Picture base = testing::Speckled(side, side);
     for (const std::int32_t unit : {1, 2}) {
         Telestrator telestrator(unit, &base);
@@ -44,14 +44,14 @@ TEST_CASE("The overlay laid over the picture gives the rendered picture, on ever
     CheckLaysOver(transparent);
 }
 
-TEST_CASE("The overlay laid over the plain container gives the rendered picture") {
+TEST_CASE("The overlay composited over the plain container gives the rendered picture") {
     Telestrator telestrator(0);
     telestrator.Set("Transparent", 0);
     CheckLaysOver(telestrator);
 }
 
 // Half of a green picture shows, and behind it stands another; the stroke makes the container itself more opaque.
-TEST_CASE("The overlay laid over the picture gives the rendered picture where the container is half clear") {
+TEST_CASE("The overlay composited over the picture gives the rendered picture where the container is half clear") {
     const picture_io::Picture behind = testing::Speckled(side, side);
     const picture_io::Picture halfClear = testing::Plain(1, 1, {0, 255, 0, 128});
     for (const std::int32_t unit : {0, 1}) {

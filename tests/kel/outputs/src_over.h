@@ -9,7 +9,7 @@
 
 namespace kel::testing {
 
-// The overlay laid over an opaque picture of its size, by the arithmetic of docs/output.md, in real numbers:
+// The overlay composited over an opaque picture of its size, by the arithmetic of docs/output.md, in real numbers:
 //   premultiplied   picture * (1 - alpha) + overlay
 //   straight        picture * (1 - alpha) + overlay * alpha
 [[nodiscard]] inline picture_io::Picture LaidOver(const picture_io::Picture& overlay,

@@ -281,7 +281,7 @@ TEST_CASE("An angle of up to 0.0001 degrees does not turn a mask") {
 }
 
 // Radius 3, R = 3.5, narrow in x: at (2, 0) q = 4 / 3.5, outside; at (0, 2) q = 0.5714, 0.4286 * 255 = 109. A quarter
-// turn swaps the two, but for positions that are held in 1/65536 and read in 1/256 of a pixel, which costs a few
+// turn swaps the two, but for positions that are stored in 1/65536 and read in 1/256 of a pixel, which costs a few
 // levels.
 TEST_CASE("A rotated mask is rotated clockwise about the middle of its copy") {
     GraphBrushProfile profile({3, 2.0, 0.0, 1.0, 0}, Matrix3(), Depth::Eight, nullptr);

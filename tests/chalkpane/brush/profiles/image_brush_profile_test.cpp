@@ -98,7 +98,7 @@ TEST_CASE("The picture is only read, and only while the profile is made") {
 TEST_CASE("The dab's angle adds to the rotation; the fast mask knows the rotation alone") {
     const Image picture = NoiseMask(6, 4);
     ImageBrushProfile profile(picture, OfRadius(3, 30.0), Matrix3(), Depth::Eight);
-    // Turned back, it is the picture moved by whole pixels: (10, 10) less half of 6 by 4.
+    // Rotated back, it is the picture moved by whole pixels: (10, 10) less half of 6 by 4.
     CHECK(profile.GetMask(10.0, 10.0, -30.0)->Bounds() == Rect(7, 8, 12, 11));
     CHECK_NE(profile.GetMask(10.0, 10.0, 0.0)->Bounds(), Rect(7, 8, 12, 11));
     CHECK(profile.GetMaskFast(10.0, 10.0)->Bounds() == profile.GetMask(10.0, 10.0, 0.0)->Bounds());

@@ -150,8 +150,8 @@ TEST_CASE("Jittering colour is its plain reference") {
     const auto result = Applied(filter, source);
     SeedRandom(5);
     const float turn = (80.0F * (static_cast<float>(Random()) / 32767.0F)) / 360.0F;
-    CHECK(
-        SamePixels(*result, reference::TurnedHues(source, nullptr, [turn](float h, float /*v*/) { return h + turn; })));
+    CHECK(SamePixels(*result,
+                     reference::RotatedHues(source, nullptr, [turn](float h, float /*v*/) { return h + turn; })));
 }
 
 TEST_CASE("Tinting is its plain reference in every mixture of ranges") {
