@@ -16,11 +16,11 @@ namespace reference {
 struct StrokeSettings {
     double spacing = 0.15;
     bool adjustSpacing = false;
-    int spacingType = 2;
+    chalkpane::SpacingType spacingType = chalkpane::SpacingType::Shorten;
     bool buildUp = false;
     bool matchPath = false;
     int blendMode = 0;
-    int sourceType = 0;
+    chalkpane::SourceType sourceType = chalkpane::SourceType::Colour;
     double opacity = 1.0;
     double decay = 0.0;
 };
@@ -87,12 +87,12 @@ private:
         if (settings.adjustSpacing)
             gap = source.GetSizeInDirection(std::atan2(x - lastX, y - lastY)) * settings.spacing;
         double factor = 1.0;
-        if (settings.spacingType != 0 && (hx[2] != hx[3] || hy[2] != hy[3])) {
+        if (settings.spacingType != chalkpane::SpacingType::Keep && (hx[2] != hx[3] || hy[2] != hy[3])) {
             const double lx = static_cast<double>(hx[3]) - hx[2];
             const double ly = static_cast<double>(hy[3]) - hy[2];
             const double length = std::sqrt(lx * lx + ly * ly);
             if (gap > length) {
-                if (settings.spacingType == 1) factor = std::sqrt(length / gap);
+                if (settings.spacingType == chalkpane::SpacingType::ShortenAndThin) factor = std::sqrt(length / gap);
                 gap = length;
             }
         }
@@ -158,8 +158,11 @@ private:
                 paster.SetOpacity(running * p);
                 paster.SetMode(static_cast<std::uint8_t>(settings.blendMode));
                 paster.Paste(*colour, mask.get(), target,
-                             settings.sourceType == 6 || settings.sourceType == 7 ? Replace : Over, area, 0, nullptr,
-                             chalkpane::Clip::Inverted);
+                             settings.sourceType == chalkpane::SourceType::Replace ||
+                                     settings.sourceType == chalkpane::SourceType::ReplaceToo
+                                 ? Replace
+                                 : Over,
+                             area, 0, nullptr, chalkpane::Clip::Inverted);
             }
             source.DabPlaced(x, y, turn);
             changed = area.Intersection(target);

@@ -170,7 +170,7 @@ public:
         BasicBrush brush("Chalk");
         brush.SetTarget(&layer);
         brush.SetColour(chalk.colour);
-        brush.SetSpacing(0.2, 0);
+        brush.SetSpacing(0.2, SpacingType::Keep);
         brush.SetSize(2);
         bool isDown = false;
         CurvePoint last;

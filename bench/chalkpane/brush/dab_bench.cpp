@@ -16,7 +16,7 @@ constexpr Colour paint{16383, 8192, 1024};
 
 // A canvas as the plug-in has it, at either depth.
 struct Easel {
-    Easel(Depth depth, std::int32_t radius, std::int32_t sourceType = 0)
+    Easel(Depth depth, std::int32_t radius, SourceType sourceType = SourceType::Colour)
         : canvas(Image::Colour(1024, 1024, depth, AlphaForm::Premultiplied)) {
         brush.SetTarget(&canvas);
         brush.SetSourceType(sourceType);
@@ -28,10 +28,10 @@ struct Easel {
 };
 
 // True when the same samples leave the pixels of a brush that evaluates every step.
-bool AsTheReferenceDoes(Depth depth, std::int32_t radius, std::int32_t sourceType) {
+bool AsTheReferenceDoes(Depth depth, std::int32_t radius, SourceType sourceType) {
     Easel easel(depth, radius, sourceType);
     const auto referenceCanvas = easel.canvas.Clone();
-    const auto source = MakeBrushSource(static_cast<std::uint8_t>(sourceType), FileName(), depth);
+    const auto source = MakeBrushSource(sourceType, FileName(), depth);
     for (const auto& value : easel.brush.SourceValues()) source->setParameter(value.get());
     source->SetColour(paint);
     source->Prepare(0, dynamic_cast<GraphValue*>(easel.brush.Value(BrushParameter::ProfileGraph)), Matrix3());
@@ -51,7 +51,7 @@ bool AsTheReferenceDoes(Depth depth, std::int32_t radius, std::int32_t sourceTyp
 void Dab(benchmark::State& state) {
     const auto radius = static_cast<std::int32_t>(state.range(0));
     const Depth depth = DepthOf(static_cast<std::int32_t>(state.range(1)));
-    const auto sourceType = static_cast<std::int32_t>(state.range(2));
+    const auto sourceType = static_cast<SourceType>(state.range(2));
     Easel easel(depth, radius, sourceType);
     double x = 300;
     for (auto _ : state) {
@@ -78,7 +78,7 @@ BENCHMARK(RestingSample);
 // Short of the spacing of a large brush, back and forth.
 void SampleWithoutDab(benchmark::State& state) {
     Easel easel(Depth::Eight, 60);
-    easel.brush.SetSpacing(0.15, 0);
+    easel.brush.SetSpacing(0.15, SpacingType::Keep);
     easel.brush.Update();
     easel.brush.SetColour(paint);
     easel.brush.BeginStroke(300, 300, 1);

@@ -60,7 +60,7 @@ TEST_CASE("a dab that found no memory is left out and the stroke goes on") {
     Image canvas = NewCanvas();
     BasicBrush brush("Chalk");
     brush.SetTarget(&canvas);
-    brush.SetSpacing(2.0, 0);  // of 7 pixels: the dabs do not touch
+    brush.SetSpacing(2.0, SpacingType::Keep);  // of 7 pixels: the dabs do not touch
     brush.SetSize(3);
     brush.SetColour(whitePaint);
     auto filter = std::make_unique<StarvedForTest>();
@@ -139,7 +139,7 @@ TEST_CASE("a negative spacing places dabs as its positive reference does, where 
         Image canvas = NewCanvas();
         BasicBrush brush("Chalk");
         brush.SetTarget(&canvas);
-        brush.SetSpacing(sign == 0 ? 0.5 : -0.5, 0);
+        brush.SetSpacing(sign == 0 ? 0.5 : -0.5, SpacingType::Keep);
         brush.SetSize(2);
         brush.SetColour(whitePaint);
         DabRecorder& recorder = Record(brush);
@@ -192,7 +192,8 @@ TEST_CASE("numbers that are none in every setting are survived") {
                 .setFloat(static_cast<float>(std::isfinite(odd) ? 1e30 : odd));
             SourceValueOf(brush, SourceParameter::Feather).setDouble(odd);
             SourceValueOf(brush, SourceParameter::Offset).setDoubleXY(odd, odd);
-            SourceValueOf(brush, SourceParameter::Pickup).setEnumeration(2);
+            SourceValueOf(brush, SourceParameter::Pickup)
+                .setEnumeration(static_cast<std::uint8_t>(PickupMode::EveryDab));
             SourceValueOf(brush, SourceParameter::Rows).setInteger(0);
             SourceValueOf(brush, SourceParameter::Columns).setInteger(0);
             brush.SetSize(2);
@@ -236,9 +237,9 @@ TEST_CASE("values that an owner has taken out of a brush are not missed") {
         if (code != 10) brush.Values().removeValue(BasicBrush::ClassParameters().find(code));
         brush.SourceValues().removeValue(BrushSource::ClassParameters().find(code));
     }
-    brush.SetSourceType(5);
+    brush.SetSourceType(SourceType::Eraser);
     brush.SetBlendMode(1);
-    brush.SetSpacing(1, 1);
+    brush.SetSpacing(1, SpacingType::ShortenAndThin);
     brush.SetMatchPath(true);
     brush.SetSize(3);
     brush.SetColour(whitePaint);

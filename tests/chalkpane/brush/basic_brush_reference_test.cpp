@@ -24,11 +24,12 @@ reference::StrokeSettings RandomSettings(Draw& draw) {
     const double spacings[] = {0.15, 0.05, 0.6, 1.5, 0.0};
     settings.spacing = spacings[draw.Below(5)];
     settings.adjustSpacing = draw.OneIn(4);
-    settings.spacingType = draw.Below(3);
+    settings.spacingType = static_cast<SpacingType>(draw.Below(3));
     settings.buildUp = draw.OneIn(2);
     settings.matchPath = draw.OneIn(3);
     settings.blendMode = draw.OneIn(3) ? draw.Below(22) : 0;
-    const int sourceTypes[] = {0, 0, 0, 5, 6, 2};
+    const SourceType sourceTypes[] = {SourceType::Colour, SourceType::Colour,  SourceType::Colour,
+                                      SourceType::Eraser, SourceType::Replace, SourceType::Image};
     settings.sourceType = sourceTypes[draw.Below(6)];
     settings.opacity = draw.Between(0.1, 1.0);
     settings.decay = draw.OneIn(3) ? draw.Between(0.0, 0.3) : 0.0;
@@ -49,7 +50,7 @@ void Give(BasicBrush& brush, const reference::StrokeSettings& settings) {
 
 std::unique_ptr<BrushSource> ReferenceSource(BasicBrush& brush, const reference::StrokeSettings& settings,
                                              const Colour& paint, Depth depth) {
-    auto source = MakeBrushSource(static_cast<std::uint8_t>(settings.sourceType), FileName(), depth);
+    auto source = MakeBrushSource(settings.sourceType, FileName(), depth);
     for (const auto& value : brush.SourceValues()) source->setParameter(value.get());
     source->SetColour(paint);
     source->Prepare(0, dynamic_cast<GraphValue*>(&ValueOf(brush, BrushParameter::ProfileGraph)), Matrix3());
@@ -113,7 +114,7 @@ TEST_CASE("strokes that leave the canvas and come back leave the pixels and rect
         CAPTURE(seed);
         Draw draw{std::mt19937(seed)};
         reference::StrokeSettings settings = RandomSettings(draw);
-        settings.sourceType = draw.OneIn(2) ? 0 : 5;
+        settings.sourceType = draw.OneIn(2) ? SourceType::Colour : SourceType::Eraser;
         if (!draw.OneIn(8)) settings.decay = 0.0;
         if (!draw.OneIn(8)) settings.matchPath = settings.adjustSpacing = false;
         const Depth depth = DepthOf(draw.Below(2));

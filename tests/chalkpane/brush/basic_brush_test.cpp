@@ -132,7 +132,7 @@ TEST_CASE("every dab fades the rest of the stroke by the square root of what dec
         Image canvas = NewCanvas();
         BasicBrush brush("Pixel");
         ValueOf(brush, BrushParameter::Decay).setDouble(decay);
-        brush.SetSpacing(3.0, 0);
+        brush.SetSpacing(3.0, SpacingType::Keep);
         MakePixelBrush(brush, canvas);
         brush.BeginStroke(4.5, 4.5, 1);
         CHECK_EQ(brush.ContinueStroke(28.5, 4.5, 1), Rect(7, 4, 7, 4));
@@ -254,7 +254,7 @@ TEST_CASE("a brush that matches the path paints nothing at a click without movem
 TEST_CASE("a path that outruns the spacing at once begins where it is, not at the start") {
     Image canvas = NewCanvas();
     BasicBrush brush("Pixel");
-    brush.SetSpacing(2.0, 0);
+    brush.SetSpacing(2.0, SpacingType::Keep);
     brush.SetMatchPath(true);
     MakePixelBrush(brush, canvas);
     brush.BeginStroke(10.5, 10.5, 1);
@@ -270,7 +270,7 @@ TEST_CASE("a brush that matches the path turns its dabs along the movement") {
         BasicBrush brush("Chalk");
         brush.SetTarget(&canvas);
         brush.SetMatchPath(true);
-        brush.SetSpacing(3.0, 0);
+        brush.SetSpacing(3.0, SpacingType::Keep);
         SourceValueOf(brush, SourceParameter::Flatness).setDouble(5.0);
         brush.SetSize(5);
         brush.SetColour(whitePaint);
@@ -295,7 +295,7 @@ TEST_CASE("adjusted spacing takes the angle with the x difference first") {
         Image canvas = NewCanvas();
         BasicBrush brush("Chalk");
         ValueOf(brush, BrushParameter::AdjustSpacing).setBoolean(true);
-        brush.SetSpacing(1.0, 0);
+        brush.SetSpacing(1.0, SpacingType::Keep);
         brush.SetTarget(&canvas);
         SourceValueOf(brush, SourceParameter::Flatness).setDouble(2.0);
         brush.SetSize(2);
@@ -316,7 +316,7 @@ TEST_CASE("a pointer held still builds up only when asked, and only once its las
         Image canvas = NewCanvas();
         BasicBrush brush("Chalk");
         ValueOf(brush, BrushParameter::BuildUp).setBoolean(buildUp);
-        brush.SetSpacing(0.15, 0);
+        brush.SetSpacing(0.15, SpacingType::Keep);
         brush.SetTarget(&canvas);
         brush.SetSize(20);
         brush.SetColour(whitePaint);
@@ -356,7 +356,7 @@ TEST_CASE("build up compares samples as they are stored") {
 TEST_CASE("the end of a stroke leads the curve to its last sample") {
     Image canvas = NewCanvas(200, 64);
     BasicBrush brush("Pixel");
-    brush.SetSpacing(1.0, 0);
+    brush.SetSpacing(1.0, SpacingType::Keep);
     MakePixelBrush(brush, canvas);
     brush.BeginStroke(10.5, 10.5, 1);
     brush.ContinueStroke(150.5, 10.5, 1);
@@ -373,7 +373,7 @@ TEST_CASE("settings take hold at the next update, a size at once") {
     BasicBrush brush("Pixel");
     MakePixelBrush(brush, canvas);
     brush.BeginStroke(4.5, 4.5, 1);
-    brush.SetSourceType(5);
+    brush.SetSourceType(SourceType::Eraser);
     brush.SetBlendMode(2);
     brush.BeginStroke(6.5, 4.5, 1);
     CHECK_EQ(Alpha(canvas, 6, 4), 254);
@@ -382,7 +382,7 @@ TEST_CASE("settings take hold at the next update, a size at once") {
     CHECK_EQ(Alpha(canvas, 4, 4), 0);
 
     SourceValueOf(brush, SourceParameter::ProfileName).setString("Soft");
-    SourceValueOf(brush, SourceParameter::ProfileType).setEnumeration(0);
+    SourceValueOf(brush, SourceParameter::ProfileType).setEnumeration(static_cast<std::uint8_t>(ProfileType::Graph));
     brush.SetSize(3);
     CHECK_EQ(brush.BeginStroke(20.5, 20.5, 1).Width(), 7);
 }
@@ -400,7 +400,7 @@ TEST_CASE("an update keeps the colour") {
 // An image source without an image gives a dab of zeros. Composited, it changes nothing; in place of what is there, it
 // takes it away: 255 - 255 = 0.
 TEST_CASE("sources 6 and 7 replace what they cover, source 2 lies over it") {
-    const auto left = [](int sourceType) {
+    const auto left = [](SourceType sourceType) {
         Image canvas = NewCanvas();
         canvas.FillChannel(1.0);
         BasicBrush brush("Pixel");
@@ -409,9 +409,9 @@ TEST_CASE("sources 6 and 7 replace what they cover, source 2 lies over it") {
         brush.BeginStroke(4.5, 4.5, 1);
         return Alpha(canvas, 4, 4);
     };
-    CHECK_EQ(left(2), 255);
-    CHECK_EQ(left(6), 0);
-    CHECK_EQ(left(7), 0);
+    CHECK_EQ(left(SourceType::Image), 255);
+    CHECK_EQ(left(SourceType::Replace), 0);
+    CHECK_EQ(left(SourceType::ReplaceToo), 0);
 }
 
 TEST_CASE("a cutout is painted while it is in use, and gone with null") {

@@ -126,14 +126,16 @@ TEST_CASE("a filter's values are made in table order, with a layer that knows it
 TEST_CASE("a value reaches its field through its declaration, and one of another class does nothing") {
     InvertForTest filter;
     filter.MakeValues(false, nullptr, nullptr);
-    ParameterValue* const row = filter.m_values->findValue(InvertForTest::ClassParameters().find(1));
+    ParameterValue* const row =
+        filter.m_values->findValue(InvertForTest::ClassParameters().find(InvertForTest::rowCode));
     CHECK_EQ(filter.m_row, -1);  // not the default of the table
     filter.setParameter(row);
     CHECK_EQ(filter.m_row, 3);
     row->setInteger(-800);
     filter.setParameter(row);
     CHECK_EQ(filter.m_row, -800);
-    ParameterValue* const amount = filter.m_values->findValue(InvertForTest::ClassParameters().find(0));
+    ParameterValue* const amount =
+        filter.m_values->findValue(InvertForTest::ClassParameters().find(InvertForTest::amountCode));
     amount->setDouble(std::numeric_limits<double>::quiet_NaN());
     filter.setParameter(amount);
     CHECK_EQ(filter.m_amount, 0.0);

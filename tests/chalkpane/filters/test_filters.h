@@ -19,11 +19,13 @@ constexpr std::array<ParameterRow<Self>, 0> noParameters{};
 class InvertForTest final : public FilterClass<InvertForTest, PointFilter> {
 public:
     static constexpr FilterIdentity identity{"Invert For Test", "invert", "Test"};
+    static constexpr std::uint8_t amountCode = 0;
+    static constexpr std::uint8_t rowCode = 1;
     static constexpr auto Parameters() {
         using Self = InvertForTest;
         return std::to_array<ParameterRow<Self>>({
-            {0, "Amount", "Amount", 1.0, {0, 1}, &Self::m_amount},
-            {1, "Row", "Row", 3, {0, 9}, &Self::m_row},
+            {amountCode, "Amount", "Amount", 1.0, {0, 1}, &Self::m_amount},
+            {rowCode, "Row", "Row", 3, {0, 9}, &Self::m_row},
         });
     }
     void ProcessRow8(std::int32_t /*firstX*/, std::int32_t /*lastX*/, std::int32_t /*y*/,

@@ -11,8 +11,8 @@
 namespace chalkpane::test {
 
 // Words of all 16 bits, above full scale too, as a stranger's picture may hold them.
-inline Image WordPicture(const Rect& bounds, std::int32_t type, std::uint8_t flag, unsigned seed) {
-    Image image(bounds, type, 1, flag);
+inline Image WordPicture(const Rect& bounds, PixelType type, AlphaForm form, unsigned seed) {
+    Image image(bounds, type, Depth::Fourteen, form);
     std::mt19937 random(seed);
     for (std::int32_t y = image.y0; y <= image.y1; ++y)
         for (auto& word : image.Row14(y)) word = static_cast<std::uint16_t>(random());
@@ -32,10 +32,11 @@ inline void CompareWithPlainForms(Filter& filter) {
     };
     for (const std::int32_t width : {1, 2, 5, 6, 8, 9, 16, 17, 31, 33, 64, 100}) {
         const Rect bounds(-2, 3, width - 3, 11);
-        for (const auto type : {Image::colourType, Image::maskType}) {
-            for (const auto flag : {std::uint8_t{0}, std::uint8_t{1}}) {
-                for (const std::int32_t depth : {0, 1}) compare(NoisePicture(bounds, type, depth, flag, 11));
-                compare(WordPicture(bounds, type, flag, 12));
+        for (const PixelType type : {PixelType::Colour, PixelType::Mask}) {
+            for (const AlphaForm form : {AlphaForm::Straight, AlphaForm::Premultiplied}) {
+                for (const Depth depth : {Depth::Eight, Depth::Fourteen})
+                    compare(NoisePicture(bounds, type, depth, form, 11));
+                compare(WordPicture(bounds, type, form, 12));
             }
         }
     }

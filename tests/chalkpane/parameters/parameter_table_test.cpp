@@ -15,19 +15,22 @@ using namespace chalkpane;
 // A class as the brushes and filters are: a field of every kind.
 class Settings final : public WithParameters<Settings, ParameterisedObject> {
 public:
+    static constexpr std::uint8_t levelsCode = 1;
+    static constexpr std::uint8_t amountCode = 3;
+    static constexpr std::uint8_t graphCode = 9;
     static constexpr auto Parameters() {
         using Self = Settings;
         return std::to_array<ParameterRow<Self>>({
             {0, "Name", "Test Name", "Soft", {}, &Self::name},
-            {1, "Levels", "Test Levels", 8, {2, 256}, &Self::levels},
+            {levelsCode, "Levels", "Test Levels", 8, {2, 256}, &Self::levels},
             {2, "Softness", "Test Softness", 0.5, {0, 1}, &Self::softness},
-            {3, "Amount", "Test Amount", 1.0, {0, 1}, &Self::amount, percent},
+            {amountCode, "Amount", "Test Amount", 1.0, {0, 1}, &Self::amount, percent},
             {4, "Grey", "Test Grey", true, {}, &Self::grey},
             {5, "Mode", "Test Mode", 2, {}, &Self::mode},
             {6, "Paint", "Test Paint", Colour::fromIndex(3), {}, &Self::paint},
             {7, "Scale", "Test Scale", DoublePair{1.0, 1.0}, {}, &Self::scale},
             {8, "File", "Test File", "a/b", {}, &Self::file},
-            {9, "Graph", "Test Graph", {}, {}, &Self::graph},
+            {graphCode, "Graph", "Test Graph", {}, {}, &Self::graph},
             {10, "Curve", "Test Curve", {}, {}, &Self::curve},
             {11, "Wide Mode", "Test Wide Mode", 1, {}, &Self::wideMode},
             {12, "Turn", "Test Turn", 90, {0, 360}, &Self::turn, angle0To360},
@@ -60,10 +63,12 @@ public:
 
 class Numbers final : public WithParameters<Numbers, NumberBase> {
 public:
+    static constexpr std::uint8_t numberCode = 0;
+    static constexpr std::uint8_t wideCode = 1;
     static constexpr auto Parameters() {
         return std::to_array<ParameterRow<Numbers>>({
-            {0, "Float", "Test NaN Float", 1.0, {}, &Numbers::number},
-            {1, "Double", "Test NaN Double", 1.0, {}, &Numbers::wide},
+            {numberCode, "Float", "Test NaN Float", 1.0, {}, &Numbers::number},
+            {wideCode, "Double", "Test NaN Double", 1.0, {}, &Numbers::wide},
         });
     }
     float number = 1.0f;
@@ -107,7 +112,7 @@ TEST_CASE("A fresh object holds its initialisers; the values of its list bring t
     CHECK(settings.paint == Colour{16383, 16383, 16383});
     CHECK(settings.scale == DoublePair{1.0, 1.0});
     CHECK_EQ(settings.file.string(), "a\\b");
-    CHECK_EQ(settings.graph, values.findValue(settings.getParameters().find(9)));
+    CHECK_EQ(settings.graph, values.findValue(settings.getParameters().find(Settings::graphCode)));
     CHECK_EQ(settings.wideMode, 1);
     CHECK_EQ(settings.turn, 90.0);
     CHECK_EQ(settings.fine, 0.25);
@@ -115,7 +120,7 @@ TEST_CASE("A fresh object holds its initialisers; the values of its list bring t
 
 TEST_CASE("setParameter takes what comes, out of range too") {
     Settings settings;
-    IntegerValue levels(settings.getParameters().find(1));
+    IntegerValue levels(settings.getParameters().find(Settings::levelsCode));
     levels.setInteger(100000);
     settings.setParameter(&levels);
     CHECK_EQ(settings.levels, 100000);
@@ -123,7 +128,7 @@ TEST_CASE("setParameter takes what comes, out of range too") {
 
 TEST_CASE("A value of another family, of an unknown code or without a declaration leaves every field alone") {
     Settings settings;
-    DoubleValue wrongFamily(settings.getParameters().find(1));
+    DoubleValue wrongFamily(settings.getParameters().find(Settings::levelsCode));
     wrongFamily.setDouble(9.0);
     settings.setParameter(&wrongFamily);
     ParameterDef unknown("Test Unknown", "Unknown", ParameterType::integer, 200);
@@ -138,17 +143,17 @@ TEST_CASE("A value of another family, of an unknown code or without a declaratio
 
 TEST_CASE("NaN is stored as 0 where the base asks for it, and as it is elsewhere") {
     Numbers numbers;
-    FloatValue number(numbers.getParameters().find(0));
+    FloatValue number(numbers.getParameters().find(Numbers::numberCode));
     number.setFloat(std::numeric_limits<float>::quiet_NaN());
     numbers.setParameter(&number);
     CHECK_EQ(numbers.number, 0.0f);
-    DoubleValue wide(numbers.getParameters().find(1));
+    DoubleValue wide(numbers.getParameters().find(Numbers::wideCode));
     wide.setDouble(std::numeric_limits<double>::quiet_NaN());
     numbers.setParameter(&wide);
     CHECK_EQ(numbers.wide, 0.0);
 
     Settings settings;
-    DoubleValue amount(settings.getParameters().find(3));
+    DoubleValue amount(settings.getParameters().find(Settings::amountCode));
     amount.setDouble(std::numeric_limits<double>::quiet_NaN());
     settings.setParameter(&amount);
     CHECK(std::isnan(settings.amount));

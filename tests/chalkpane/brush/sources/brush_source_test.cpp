@@ -20,7 +20,7 @@ using Values = SourceValues;
 
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
-std::unique_ptr<BrushSource> Source(std::uint8_t type, const Values& values = Values()) {
+std::unique_ptr<BrushSource> Source(SourceType type, const Values& values = Values()) {
     auto source = MakeBrushSource(type, FileName(), Depth::Eight);
     values.SetUp(*source);
     return source;
@@ -81,7 +81,7 @@ TEST_CASE("The defaults are a round, soft brush of radius 20 in one frame") {
     float roundness = 0.0F;
     values[SourceParameter::Roundness].getFloat(roundness);
     CHECK_EQ(roundness, 1.0F);
-    CHECK_EQ(Source(0)->GetSize(), 41.0);
+    CHECK_EQ(Source(SourceType::Colour)->GetSize(), 41.0);
 }
 
 TEST_CASE("Three names stand for profile types and all others for none") {
@@ -154,11 +154,12 @@ TEST_CASE("The source type picks the class and its flag") {
 TEST_CASE("Types 1, 4 and 8 read at the offset, 2, 6 and 7 under the dab") {
     const Image picture = MapPicture(5, 5);
     const auto values = [] { return std::make_unique<Values>(); }();
-    values->Choice(SourceParameter::ProfileType, 2).Offset(1.0, 0.0);
-    for (const std::uint8_t type : Bytes{1, 2, 4, 6, 7, 8}) {
+    values->Choice(SourceParameter::ProfileType, ProfileType::OnePixel).Offset(1.0, 0.0);
+    for (const SourceType type : {SourceType::Clone, SourceType::Image, SourceType::Splodge, SourceType::Replace,
+                                  SourceType::ReplaceToo, SourceType::SplodgeToo}) {
         const auto source = Source(type, *values);
         source->SetSourceImage(&picture);
-        const bool follows = type == 1 || type == 4 || type == 8;
+        const bool follows = type == SourceType::Clone || type == SourceType::Splodge || type == SourceType::SplodgeToo;
         CHECK_EQ(ValuesAt(*DabAt(*source, 2.0, 2.0).colour, 2, 2)[0], follows ? 30 : 20);
     }
 }
@@ -167,68 +168,70 @@ TEST_CASE("The profile type picks the profile, and a mask image goes before it")
     SetImageFileLoader([](const std::string& name) {
         return std::make_unique<Image>(name == "leaf" ? 7 : 0, 3, PixelType::Mask, Depth::Eight, AlphaForm::Straight);
     });
-    const auto rectOf = [](std::uint8_t type, const Image* maskImage) {
+    const auto rectOf = [](ProfileType type, const Image* maskImage) {
         Values values;
         values.Integer(SourceParameter::Size, 3).Choice(SourceParameter::ProfileType, type);
         static_cast<FileNameValue&>(values[SourceParameter::ProfileMask]).setFileName(FileName("leaf"));
-        const auto source = MakeBrushSource(0, FileName(), Depth::Eight);
+        const auto source = MakeBrushSource(SourceType::Colour, FileName(), Depth::Eight);
         source->SetMaskImage(maskImage);
         values.SetUp(*source);
         Rect rect;
         source->GetDabRect(rect);
         return rect;
     };
-    CHECK(rectOf(0, nullptr) == Rect(0, 0, 6, 6));
-    CHECK(rectOf(1, nullptr) == Rect(0, 0, 6, 2));
-    CHECK(rectOf(2, nullptr) == Rect(0, 0, 0, 0));
-    CHECK(rectOf(3, nullptr) == Rect(0, 0, 7, 7));
-    CHECK(rectOf(4, nullptr) == Rect(0, 0, 6, 6));
-    CHECK(rectOf(5, nullptr) == Rect(0, 0, 6, 6));
+    CHECK(rectOf(ProfileType::Graph, nullptr) == Rect(0, 0, 6, 6));
+    CHECK(rectOf(ProfileType::Image, nullptr) == Rect(0, 0, 6, 2));
+    CHECK(rectOf(ProfileType::OnePixel, nullptr) == Rect(0, 0, 0, 0));
+    CHECK(rectOf(ProfileType::Texture, nullptr) == Rect(0, 0, 7, 7));
+    CHECK(rectOf(ProfileType::Feather, nullptr) == Rect(0, 0, 6, 6));
+    CHECK(rectOf(static_cast<ProfileType>(5), nullptr) == Rect(0, 0, 6, 6));
     const Image mask = Image::Mask(6, 2, Depth::Eight);
-    for (const std::uint8_t type : Bytes{0, 1, 2, 3, 4}) CHECK(rectOf(type, &mask) == Rect(0, 0, 5, 1));
+    for (const ProfileType type :
+         {ProfileType::Graph, ProfileType::Image, ProfileType::OnePixel, ProfileType::Texture, ProfileType::Feather})
+        CHECK(rectOf(type, &mask) == Rect(0, 0, 5, 1));
     SetImageFileLoader({});
 }
 
 // Feather 0.5 at radius 2 is full one pixel aside, the graph is 153 there.
 TEST_CASE("The settings of a source reach its profile") {
     Values values;
-    values.Integer(SourceParameter::Size, 2).Choice(SourceParameter::ProfileType, 4);
+    values.Integer(SourceParameter::Size, 2).Choice(SourceParameter::ProfileType, ProfileType::Feather);
     values[SourceParameter::Feather].setDouble(0.5);
-    auto source = Source(0, values);
+    auto source = Source(SourceType::Colour, values);
     CHECK_EQ(ValuesAt(*source->MakePlainMask(2.0, 2.0), 3, 2)[0], 255);
-    values.Choice(SourceParameter::ProfileType, 0);
-    CHECK_EQ(ValuesAt(*Source(0, values)->MakePlainMask(2.0, 2.0), 3, 2)[0], 153);
+    values.Choice(SourceParameter::ProfileType, ProfileType::Graph);
+    CHECK_EQ(ValuesAt(*Source(SourceType::Colour, values)->MakePlainMask(2.0, 2.0), 3, 2)[0], 153);
     values[SourceParameter::Flatness].setDouble(2.0);
-    CHECK_EQ(ValuesAt(*Source(0, values)->MakePlainMask(2.0, 2.0), 3, 2)[0], 51);
+    CHECK_EQ(ValuesAt(*Source(SourceType::Colour, values)->MakePlainMask(2.0, 2.0), 3, 2)[0], 51);
     values[SourceParameter::Rotation].setFloat(90.0F);
-    CHECK_EQ(ValuesAt(*Source(0, values)->MakePlainMask(2.0, 2.0), 3, 2)[0], 153);
+    CHECK_EQ(ValuesAt(*Source(SourceType::Colour, values)->MakePlainMask(2.0, 2.0), 3, 2)[0], 153);
     values[SourceParameter::Flatness].setDouble(1.0);
     values[SourceParameter::Roundness].setFloat(2.0F);
-    CHECK_EQ(ValuesAt(*Source(0, values)->MakePlainMask(2.0, 2.0), 3, 3)[0], 51);
+    CHECK_EQ(ValuesAt(*Source(SourceType::Colour, values)->MakePlainMask(2.0, 2.0), 3, 3)[0], 51);
 }
 
 TEST_CASE("A one-pixel profile makes the size 0") {
     Values values;
-    values.Integer(SourceParameter::Size, 7).Choice(SourceParameter::ProfileType, 2);
-    CHECK_EQ(Source(0, values)->GetSize(), 1.0);
-    CHECK_EQ(Source(0, values)->GetSizeInDirection(1.0), doctest::Approx(1.0).epsilon(1e-12));
+    values.Integer(SourceParameter::Size, 7).Choice(SourceParameter::ProfileType, ProfileType::OnePixel);
+    CHECK_EQ(Source(SourceType::Colour, values)->GetSize(), 1.0);
+    CHECK_EQ(Source(SourceType::Colour, values)->GetSizeInDirection(1.0), doctest::Approx(1.0).epsilon(1e-12));
 }
 
 TEST_CASE("A margin widens the dab, and is the radius of a one-pixel profile") {
-    for (const std::uint8_t type : Bytes{0, 2}) {
-        const auto source = MakeBrushSource(0, FileName(), Depth::Eight);
+    for (const ProfileType type : {ProfileType::Graph, ProfileType::OnePixel}) {
+        const auto source = MakeBrushSource(SourceType::Colour, FileName(), Depth::Eight);
         Values values;
         values.Integer(SourceParameter::Size, 1).Choice(SourceParameter::ProfileType, type).Give(*source);
         source->Prepare(3, nullptr, Matrix3());
         Rect rect;
         source->GetDabRect(rect);
-        CHECK(rect == (type == 0 ? Rect(0, 0, 8, 8) : Rect(0, 0, 6, 6)));
+        CHECK(rect == (type == ProfileType::Graph ? Rect(0, 0, 8, 8) : Rect(0, 0, 6, 6)));
     }
 }
 
 TEST_CASE("A source shows the graph of its profile") {
     GraphValue graph{ShapePointList()};
-    const auto source = MakeBrushSource(0, FileName(), Depth::Eight);
+    const auto source = MakeBrushSource(SourceType::Colour, FileName(), Depth::Eight);
     CHECK_EQ(source->GetGraph(), nullptr);
     source->Prepare(0, &graph, Matrix3());
     CHECK_EQ(source->GetGraph(), &graph);
@@ -239,7 +242,7 @@ TEST_CASE("The size in a direction shrinks with the flatness") {
     Values values;
     values.Integer(SourceParameter::Size, 2);
     values[SourceParameter::Flatness].setDouble(2.0);
-    const auto source = Source(0, values);
+    const auto source = Source(SourceType::Colour, values);
     CHECK_EQ(source->GetSizeInDirection(std::numbers::pi / 2), doctest::Approx(2.5).epsilon(1e-12));
     CHECK_EQ(source->GetSizeInDirection(std::numbers::pi), doctest::Approx(5.0).epsilon(1e-12));
 }
@@ -250,8 +253,8 @@ TEST_CASE("At angle 0 the size is the whole width, however the dab is rotated") 
     values.Integer(SourceParameter::Size, 2);
     values[SourceParameter::Flatness].setDouble(2.0);
     values[SourceParameter::Rotation].setFloat(90.0F);
-    CHECK_EQ(Source(0, values)->GetSizeInDirection(0.0), 5.0);
-    CHECK_LT(Source(0, values)->GetSizeInDirection(1e-9), 2.6);
+    CHECK_EQ(Source(SourceType::Colour, values)->GetSizeInDirection(0.0), 5.0);
+    CHECK_LT(Source(SourceType::Colour, values)->GetSizeInDirection(1e-9), 2.6);
 }
 
 // a = 90 / 57.295 - 1 = 0.570817, the width 5 / sqrt(cos^2 + 4 sin^2) = 3.650668; by the true constant 3.650725.
@@ -260,14 +263,15 @@ TEST_CASE("Degrees become radians by 57.295") {
     values.Integer(SourceParameter::Size, 2);
     values[SourceParameter::Flatness].setDouble(2.0);
     values[SourceParameter::Rotation].setFloat(90.0F);
-    CHECK_EQ(Source(0, values)->GetSizeInDirection(1.0), doctest::Approx(3.650667962635).epsilon(1e-11));
+    CHECK_EQ(Source(SourceType::Colour, values)->GetSizeInDirection(1.0),
+             doctest::Approx(3.650667962635).epsilon(1e-11));
 }
 
 TEST_CASE("The largest sizes are no overflow and no dab") {
     for (const std::int32_t size : {std::numeric_limits<std::int32_t>::max(), 1025, -1}) {
         Values values;
         values.Integer(SourceParameter::Size, size);
-        for (const std::uint8_t type : Bytes{0, 1, 4, 5}) {
+        for (const SourceType type : {SourceType::Colour, SourceType::Clone, SourceType::Splodge, SourceType::Eraser}) {
             const auto source = Source(type, values);
             CHECK_EQ(source->GetSize(), 2.0 * size + 1.0);
             const DabImages dab = DabAt(*source, 5.0, 5.0);
@@ -282,7 +286,8 @@ TEST_CASE("The largest sizes are no overflow and no dab") {
 }
 
 TEST_CASE("A source that was not prepared makes no dab") {
-    for (const std::uint8_t type : Bytes{0, 1, 3, 4, 5}) {
+    for (const SourceType type :
+         {SourceType::Colour, SourceType::Clone, SourceType::Cutout, SourceType::Splodge, SourceType::Eraser}) {
         const auto source = MakeBrushSource(type, FileName(), Depth::Eight);
         CHECK_FALSE(DabAt(*source, 5.0, 5.0).made);
         CHECK_FALSE(MaskDabAt(*source, 5.0, 5.0).made);
@@ -296,9 +301,9 @@ TEST_CASE("A source that was not prepared makes no dab") {
 
 TEST_CASE("A dab that cannot be placed is not made, held or not") {
     Values values;
-    values.Integer(SourceParameter::Size, 3).Choice(SourceParameter::Pickup, 2);
+    values.Integer(SourceParameter::Size, 3).Choice(SourceParameter::Pickup, PickupMode::EveryDab);
     const Image picture = MapPicture(5, 5);
-    for (const std::uint8_t type : Bytes{0, 1, 2, 4}) {
+    for (const SourceType type : {SourceType::Colour, SourceType::Clone, SourceType::Image, SourceType::Splodge}) {
         const auto source = Source(type, values);
         source->SetSourceImage(&picture);
         for (int round = 0; round < 2; ++round) {
@@ -323,19 +328,20 @@ TEST_CASE("Numbers that are none in the settings are survived") {
     values[SourceParameter::Roundness].setFloat(std::numeric_limits<float>::infinity());
     values[SourceParameter::Feather].setDouble(notANumber);
     const Image picture = MapPicture(5, 5);
-    for (const std::uint8_t type : Bytes{0, 1, 4, 5}) {
-        for (const std::uint8_t profile : Bytes{0, 1, 2, 3, 4, 200}) {
+    for (const SourceType type : {SourceType::Colour, SourceType::Clone, SourceType::Splodge, SourceType::Eraser}) {
+        for (const ProfileType profile : {ProfileType::Graph, ProfileType::Image, ProfileType::OnePixel,
+                                          ProfileType::Texture, ProfileType::Feather, static_cast<ProfileType>(200)}) {
             values.Choice(SourceParameter::ProfileType, profile);
             const auto source = Source(type, values);
             source->SetSourceImage(&picture);
-            CHECK_EQ(DabAt(*source, 2.0, 2.0, 20.0).made, profile != 1);
+            CHECK_EQ(DabAt(*source, 2.0, 2.0, 20.0).made, profile != ProfileType::Image);
             CHECK_FALSE(std::isfinite(source->GetSizeInDirection(1.0)));
         }
     }
 }
 
 TEST_CASE("The areas that a brush stores come back") {
-    const auto source = Source(0);
+    const auto source = Source(SourceType::Colour);
     source->SetDabArea({1, 2, 3, 4});
     source->SetTargetArea({5, 6, 7, 8});
     CHECK(source->DabArea() == Rect(1, 2, 3, 4));

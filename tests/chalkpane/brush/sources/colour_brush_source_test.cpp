@@ -10,7 +10,8 @@ namespace {
 
 using Values = SourceValues;
 
-void SetUp(ColourBrushSource& source, std::int32_t radius, std::uint8_t pickup = 0, Depth depth = Depth::Eight) {
+void SetUp(ColourBrushSource& source, std::int32_t radius, PickupMode pickup = PickupMode::Off,
+           Depth depth = Depth::Eight) {
     Values values;
     values.Integer(SourceParameter::Size, radius).Choice(SourceParameter::Pickup, pickup).SetUp(source, depth);
     source.SetColour({16383, 8191, 63});
@@ -40,7 +41,7 @@ TEST_CASE("A colour dab is the upper eight bits of the colour, opaque, over its 
 
 TEST_CASE("At 14 bits a colour dab is the colour as it is") {
     ColourBrushSource source(ColourUse::Paint);
-    SetUp(source, 2, 0, Depth::Fourteen);
+    SetUp(source, 2, PickupMode::Off, Depth::Fourteen);
     const DabImages dab = DabAt(source, 10.25, 10.5);
     REQUIRE(dab.made);
     CHECK_EQ(dab.mask->depth, 1);
@@ -51,7 +52,7 @@ TEST_CASE("At 14 bits a colour dab is the colour as it is") {
 TEST_CASE("A colour beyond full scale keeps its low byte at 8 bits and its word at 14") {
     for (const Depth depth : {Depth::Eight, Depth::Fourteen}) {
         ColourBrushSource source(ColourUse::Paint);
-        SetUp(source, 1, 0, depth);
+        SetUp(source, 1, PickupMode::Off, depth);
         source.SetColour({20000, 0, 0});
         CHECK_EQ(ValuesAt(*DabAt(source, 5.0, 5.0).colour, 5, 5)[2], depth == Depth::Eight ? 56 : 20000);
     }
@@ -85,7 +86,7 @@ TEST_CASE("A dab larger than those before gets its colour in full") {
 
 TEST_CASE("With pickup 1 the first dab is dragged along the stroke") {
     ColourBrushSource source(ColourUse::Paint);
-    SetUp(source, 2, 1);
+    SetUp(source, 2, PickupMode::OncePerStroke);
     CHECK(DabAt(source, 10.5, 10.5).made);
     source.DabPlaced(10.5, 10.5, 0.0);
     source.SetColour({0, 0, 0});
@@ -99,13 +100,13 @@ TEST_CASE("With pickup 1 the first dab is dragged along the stroke") {
 }
 
 TEST_CASE("Without pickup every dab is fresh, and with pickup 2 every one after the next") {
-    for (const std::uint8_t pickup : Bytes{0, 2}) {
+    for (const PickupMode pickup : {PickupMode::Off, PickupMode::EveryDab}) {
         ColourBrushSource source(ColourUse::Paint);
         SetUp(source, 2, pickup);
         CHECK(DabAt(source, 10.5, 10.5).made);
         source.SetColour({0, 0, 0});
         CHECK(IsAll(*DabAt(source, 13.5, 9.5).colour,
-                    pickup == 0 ? ChannelValues{0, 0, 0, 255} : ChannelValues{0, 127, 255, 255}));
+                    pickup == PickupMode::Off ? ChannelValues{0, 0, 0, 255} : ChannelValues{0, 127, 255, 255}));
         source.DabPlaced(13.5, 9.5, 0.0);
         CHECK(IsAll(*DabAt(source, 20.5, 9.5).colour, {0, 0, 0, 255}));
     }

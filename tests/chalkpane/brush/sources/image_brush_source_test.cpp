@@ -46,7 +46,7 @@ ChannelValues ReadAt(const Image& picture, std::int32_t x, std::int32_t y, doubl
     Source source(follows);
     source.SetSourceImage(&picture);
     Values values;
-    values.Choice(SourceParameter::ProfileType, 2).Offset(offsetX, offsetY).SetUp(source, depth);
+    values.Choice(SourceParameter::ProfileType, ProfileType::OnePixel).Offset(offsetX, offsetY).SetUp(source, depth);
     const DabImages dab = DabAt(source, x, y);
     REQUIRE(dab.made);
     REQUIRE(dab.colour->Bounds() == Rect(x, y, x, y));
@@ -127,7 +127,7 @@ TEST_CASE("Dab and offset both go through the matrix") {
     const Image picture = MapPicture(8, 8);
     source.SetSourceImage(&picture);
     Values values;
-    values.Choice(SourceParameter::ProfileType, 2)
+    values.Choice(SourceParameter::ProfileType, ProfileType::OnePixel)
         .Offset(0.5, 0.5)
         .SetUp(source, Depth::Eight, Matrix3::Scaling(2.0, 2.0));
     const DabImages dab = DabAt(source, 1.0, 1.0);
@@ -148,7 +148,7 @@ TEST_CASE("The picture is a copy, and can be taken away") {
     source.SetSourceImage(&picture);
     picture.Clear();
     Values values;
-    values.Choice(SourceParameter::ProfileType, 2).SetUp(source);
+    values.Choice(SourceParameter::ProfileType, ProfileType::OnePixel).SetUp(source);
     CHECK_EQ(ValuesAt(*DabAt(source, 1.0, 1.0).colour, 1, 1)[0], 200);
     source.SetSourceImage(nullptr);
     const DabImages dab = DabAt(source, 1.0, 1.0);
@@ -198,7 +198,9 @@ TEST_CASE("The mask plane reads its own picture and holds its own dab") {
     source.SetSourceImage(&paint);
     source.SetMaskSourceImage(&forMask);
     Values values;
-    values.Choice(SourceParameter::ProfileType, 2).Choice(SourceParameter::Pickup, 1).SetUp(source);
+    values.Choice(SourceParameter::ProfileType, ProfileType::OnePixel)
+        .Choice(SourceParameter::Pickup, PickupMode::OncePerStroke)
+        .SetUp(source);
     CHECK_EQ(ValuesAt(*DabAt(source, 2.0, 2.0).colour, 2, 2)[0], 200);
     CHECK_EQ(ValuesAt(*MaskDabAt(source, 3.0, 2.0).colour, 3, 2)[0], 30);
     CHECK_EQ(ValuesAt(*MaskDabAt(source, 7.0, 2.0).colour, 7, 2)[0], 30);
@@ -214,7 +216,9 @@ TEST_CASE("With pickup 2 a dab drags what was under the last one") {
     source.SetSourceImage(&picture);
     source.SetMaskSourceImage(&picture);
     Values values;
-    values.Choice(SourceParameter::ProfileType, 2).Choice(SourceParameter::Pickup, 2).SetUp(source);
+    values.Choice(SourceParameter::ProfileType, ProfileType::OnePixel)
+        .Choice(SourceParameter::Pickup, PickupMode::EveryDab)
+        .SetUp(source);
     const std::int32_t stops[] = {2, 5, 9, 14};
     const std::int32_t picked[] = {2, 2, 5, 9};
     for (std::size_t i = 0; i < std::size(stops); ++i) {
@@ -233,7 +237,7 @@ TEST_CASE("A dab that is dragged turns with the stroke about its middle") {
     ImageBrushSource source(ImageFollows::Canvas);
     source.SetSourceImage(&picture);
     Values values;
-    values.Integer(SourceParameter::Size, 2).Choice(SourceParameter::Pickup, 1).SetUp(source);
+    values.Integer(SourceParameter::Size, 2).Choice(SourceParameter::Pickup, PickupMode::OncePerStroke).SetUp(source);
     CHECK_EQ(ValuesAt(*DabAt(source, 10.5, 10.5, 10.0).colour, 12, 10)[1], 240);
     const DabImages rotated = DabAt(source, 110.5, 10.5, 100.0);
     REQUIRE(rotated.made);

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <initializer_list>
 #include <memory>
 #include <utility>
 
@@ -10,9 +9,6 @@
 #include "tests/chalkpane/composite/paste_fixture.h"
 
 namespace chalkpane {
-
-// Small numbers to iterate over.
-using Bytes = std::initializer_list<std::uint8_t>;
 
 // Values for the parameters of a source, as a brush keeps them; the defaults at first.
 class SourceValues {
@@ -28,8 +24,9 @@ public:
         (*this)[code].setInteger(number);
         return *this;
     }
-    SourceValues& Choice(Code code, std::uint8_t index) {
-        (*this)[code].setEnumeration(index);
+    template <typename Enumeration>
+    SourceValues& Choice(Code code, Enumeration choice) {
+        (*this)[code].setEnumeration(static_cast<std::uint8_t>(choice));
         return *this;
     }
     SourceValues& Offset(double x, double y) {

@@ -31,8 +31,8 @@ TEST_CASE("Noise is its plain reference, in every distribution and on both sets 
 
 TEST_CASE("Noise is its plain reference in rows of any length, drawn by one generator or by many") {
     for (const int width : {63, 64, 65, 127, 128, 129, 1000, 2048, 2049, 4100}) {
-        for (const int depth : {0, 1}) {
-            const Image source = NoisePicture({-7, 5, width - 8, 11}, Image::colourType, depth, 0, 3);
+        for (const Depth depth : {Depth::Eight, Depth::Fourteen}) {
+            const Image source = NoisePicture({-7, 5, width - 8, 11}, PixelType::Colour, depth, AlphaForm::Straight, 3);
             for (const int choice : {0, 1, 2, 3}) {
                 CAPTURE(width);
                 CAPTURE(depth);
