@@ -36,7 +36,7 @@ picture_io::Picture FieldViews::Make(View view, Host& host, ObjectId drawn) {
         case View::Rendered:
             return host.ReadFrame();
         case View::Overlay:
-            return host.ReadOverlay(m_alpha);
+            return m_isStraight ? host.ReadOverlay() : host.ReadPremultipliedOverlay();
         case View::Fill:
             return Opaque(*Show(View::Overlay, host));
         case View::Key:
@@ -44,7 +44,7 @@ picture_io::Picture FieldViews::Make(View view, Host& host, ObjectId drawn) {
         case View::Canvas:
             break;
     }
-    return host.ReadCanvas(drawn, PictureAlpha::Straight);
+    return host.ReadCanvas(drawn);
 }
 
 }  // namespace kel

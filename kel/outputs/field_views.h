@@ -11,7 +11,8 @@ namespace kel {
 // picture is the same it is not made again: then the very pictures of the field before are shown.
 class FieldViews {
 public:
-    explicit FieldViews(PictureAlpha alpha) : m_alpha(alpha) {}
+    //   isStraight  the colours of overlay and fill are not multiplied by alpha
+    explicit FieldViews(bool isStraight) : m_isStraight(isStraight) {}
 
     //   drawn  the container whose canvas is shown; needed for the canvas alone, which is straight in any case
     [[nodiscard]] SharedPicture Show(View view, Host& host, ObjectId drawn = noObject);
@@ -19,7 +20,7 @@ public:
 private:
     [[nodiscard]] picture_io::Picture Make(View view, Host& host, ObjectId drawn);
 
-    PictureAlpha m_alpha;  // of overlay and fill
+    bool m_isStraight;
     std::optional<std::uint64_t> m_pictureNumber;
     std::array<SharedPicture, viewCount> m_views;
 };

@@ -22,14 +22,13 @@ const ImageObject* CanvasImage(HostState& state, const ContainerObject& containe
 
 }  // namespace
 
-picture_io::Picture CanvasPicture(HostState& state, const ContainerObject& container, PictureAlpha form) {
+picture_io::Picture CanvasPicture(HostState& state, const ContainerObject& container) {
     const ImageObject* image = CanvasImage(state, container);
     if (image == nullptr) throw cli::Error("the container shows no canvas yet");
     picture_io::Picture picture(image->width, image->height);
     const BoundTexture bound(image->texture);
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
     glGetTexImage(GL_TEXTURE_2D, 0, GL_RGBA, GL_UNSIGNED_BYTE, picture.rgba.data());
-    if (form == PictureAlpha::Straight) picture = picture_io::DividedByAlpha(std::move(picture));
     return picture_io::Flipped(picture);
 }
 

@@ -5,7 +5,8 @@
 
 namespace kel {
 
-// The texture that the module has put on the container, upright. Throws Error when there is none.
-[[nodiscard]] picture_io::Picture CanvasPicture(HostState& state, const ContainerObject& container, PictureAlpha form);
+// The texture that the module has put on the container, upright; colours multiplied by
+// alpha. Throws Error when there is none.
+[[nodiscard]] picture_io::Picture CanvasPicture(HostState& state, const ContainerObject& container);
 
 }  // namespace kel

@@ -304,14 +304,20 @@ void Host::ShowFramePart(const FrameArea& area, const FrameArea& part, std::uint
     glDisable(GL_SCISSOR_TEST);
 }
 
-picture_io::Picture Host::ReadCanvas(ObjectId container, PictureAlpha form) const {
-    const AtWork work(*m_state);
-    return CanvasPicture(*m_state, FindContainer(*m_state, container), form);
+picture_io::Picture Host::ReadCanvas(ObjectId container) const {
+    return picture_io::DividedByAlpha(ReadPremultipliedCanvas(container));
 }
 
-picture_io::Picture Host::ReadOverlay(PictureAlpha form) {
+picture_io::Picture Host::ReadPremultipliedCanvas(ObjectId container) const {
     const AtWork work(*m_state);
-    return OverlayPicture(*m_state, form);
+    return CanvasPicture(*m_state, FindContainer(*m_state, container));
+}
+
+picture_io::Picture Host::ReadOverlay() { return picture_io::DividedByAlpha(ReadPremultipliedOverlay()); }
+
+picture_io::Picture Host::ReadPremultipliedOverlay() {
+    const AtWork work(*m_state);
+    return OverlayPicture(*m_state);
 }
 
 WindowSize Host::Window() const { return m_state->window; }

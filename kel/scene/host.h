@@ -30,8 +30,6 @@ struct ParameterSetting {
     ParameterValue value;
 };
 
-enum class PictureAlpha { Straight, Premultiplied };
-
 // What a render draws anew: what has changed since the last one, or all of the picture. The pictures are the same.
 enum class Redraw { Changed, Whole };
 
@@ -119,12 +117,16 @@ public:
     void ShowFramePart(const FrameArea& area, const FrameArea& part, std::uint32_t target = 0) const;
     // What the module on this container draws, alone and upright, as of the last render. Throws when it has put no
     // texture on the container yet.
-    [[nodiscard]] picture_io::Picture ReadCanvas(ObjectId container, PictureAlpha form = PictureAlpha::Straight) const;
+    [[nodiscard]] picture_io::Picture ReadCanvas(ObjectId container) const;
+    // The same as the module has it, its colours multiplied by its alpha.
+    [[nodiscard]] picture_io::Picture ReadPremultipliedCanvas(ObjectId container) const;
 
     // What all modules draw, in the window's size and at its place: composited over the picture as it would be without
     // drawings, it gives the picture last rendered (docs/output.md). Draws what has changed since the last call three
     // times more, and leaves that picture as it was.
-    [[nodiscard]] picture_io::Picture ReadOverlay(PictureAlpha form = PictureAlpha::Straight);
+    [[nodiscard]] picture_io::Picture ReadOverlay();
+    // The same with colours multiplied by alpha, as it is composited.
+    [[nodiscard]] picture_io::Picture ReadPremultipliedOverlay();
 
     [[nodiscard]] WindowSize Window() const;
     void ResizeWindow(WindowSize window);  // asks for a redraw

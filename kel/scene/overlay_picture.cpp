@@ -117,7 +117,7 @@ picture_io::Picture OverlayOf(const OverlaySources& sources) {
     return overlay;
 }
 
-picture_io::Picture OverlayPicture(HostState& state, PictureAlpha form) {
+const picture_io::Picture& OverlayPicture(HostState& state) {
     const FrameArea whole{0, 0, state.window.width, state.window.height};
     DrawnOverlay& overlay = state.overlay;
     if (!overlay.target) {
@@ -129,7 +129,7 @@ picture_io::Picture OverlayPicture(HostState& state, PictureAlpha form) {
     const bool isBehind = state.changes.IsEverything() || !state.changes.Area().IsEmpty();
     RenewOverlay(state, isBehind ? whole : overlay.stale);
     overlay.stale = isBehind ? whole : FrameArea{};
-    return form == PictureAlpha::Straight ? picture_io::DividedByAlpha(overlay.picture) : overlay.picture;
+    return overlay.picture;
 }
 
 }  // namespace kel

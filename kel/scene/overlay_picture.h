@@ -5,8 +5,8 @@
 
 namespace kel {
 
-// The drawings of all modules alone, at the window's size.
-[[nodiscard]] picture_io::Picture OverlayPicture(HostState& state, PictureAlpha form);
+// The drawings of all modules alone, at the window's size; colours multiplied by alpha. Borrowed until the next call.
+[[nodiscard]] const picture_io::Picture& OverlayPicture(HostState& state);
 
 // One scene, rendered in four ways; opaque pictures of one size.
 struct OverlaySources {

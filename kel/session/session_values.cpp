@@ -1,12 +1,12 @@
 #include "kel/session/session_values.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <limits>
 
 #include "cli/error.h"
+#include "cli/hex_colour.h"
 #include "cli/nearest_name.h"
 
 namespace kel {
@@ -81,9 +81,9 @@ private:
 
     [[nodiscard]] ParameterValue Colour() const {
         constexpr const char* form = "must be a color, \"#rrggbb\" or \"#rrggbbaa\"";
-        const auto colour = ParseColour(Get<std::string>(form));
+        const auto colour = cli::ParseHexColour(Get<std::string>(form));
         if (!colour) throw std::string(form);
-        return *colour;
+        return colour->rgba;
     }
 
     [[nodiscard]] ParameterValue Option() const {
@@ -119,17 +119,6 @@ const Parameter& ParameterOf(const Session& session, const SessionValue& value,
         names.push_back(parameter.name);
     }
     throw cli::Error(session.file.string(), value.place, "unknown parameter" + cli::NearestHint(value.name, names));
-}
-
-std::optional<ColourBytes> ParseColour(std::string_view text) {
-    if ((text.size() != 7 && text.size() != 9) || text[0] != '#') return {};
-    ColourBytes colour = {0, 0, 0, 0xFF};
-    for (std::size_t i = 1; i < text.size(); i += 2) {
-        const char* const digits = text.data() + i;
-        const auto [end, error] = std::from_chars(digits, digits + 2, colour[i / 2], 16);
-        if (error != std::errc() || end != digits + 2) return {};
-    }
-    return colour;
 }
 
 std::string SessionText(const Parameter& parameter, const ParameterValue& value) {

@@ -18,7 +18,4 @@ namespace kel {
 [[nodiscard]] const Parameter& ParameterOf(const Session& session, const SessionValue& value,
                                            const std::vector<Parameter>& parameters);
 
-// "#rrggbb" (opaque) or "#rrggbbaa"; nothing for any other text.
-[[nodiscard]] std::optional<ColourBytes> ParseColour(std::string_view text);
-
 }  // namespace kel

@@ -84,7 +84,7 @@ void PlaySession(Report& report, const std::string& name, const kel::Session& se
     }
     report.Add("gl/" + name + "/end/frame", HashOf(host.ReadFrame()));
     if (const kel::ObjectId container = player.OverlayContainer(); container != kel::noObject) {
-        report.Add("gl/" + name + "/end/canvas", HashOf(host.ReadCanvas(container, kel::PictureAlpha::Premultiplied)));
+        report.Add("gl/" + name + "/end/canvas", HashOf(host.ReadPremultipliedCanvas(container)));
         report.Add("gl/" + name + "/end/overlay", HashOf(host.ReadOverlay()));
     }
 }

@@ -8,6 +8,7 @@
 
 #include "chalkpane/image/pixel_format.h"
 #include "cli/error.h"
+#include "cli/hex_colour.h"
 #include "cli/nearest_name.h"
 
 namespace chalkpane::app {
@@ -44,13 +45,6 @@ std::string ShortestText(Number number) {
     return {text.data(), end};
 }
 
-std::optional<std::uint8_t> HexByte(std::string_view digits) {
-    std::uint8_t byte = 0;
-    const auto [end, failure] = std::from_chars(digits.data(), digits.data() + digits.size(), byte, 16);
-    if (failure != std::errc() || end != digits.data() + digits.size()) return std::nullopt;
-    return byte;
-}
-
 struct NamedColour {
     std::string_view name;
     std::uint32_t rgb;
@@ -82,16 +76,10 @@ ColourText ParseHexColour(std::string_view text) {
     std::string digits(text.substr(1));
     if (digits.size() == 3 || digits.size() == 4)
         for (std::size_t i = digits.size(); i-- > 0;) digits.insert(i, 1, digits[i]);
-    std::array<std::uint8_t, 4> bytes{};
-    bool fits = digits.size() == 6 || digits.size() == 8;
-    for (std::size_t i = 0; fits && i < digits.size() / 2; ++i) {
-        const auto byte = HexByte(std::string_view(digits).substr(2 * i, 2));
-        fits = byte.has_value();
-        bytes[i] = byte.value_or(0);
-    }
-    if (!fits) throw Error(Quoted(text) + " is not a color such as #ff8000");
-    ColourText result{{Widen(bytes[0]), Widen(bytes[1]), Widen(bytes[2])}, {}};
-    if (digits.size() == 8) result.alpha = bytes[3] / 255.0;
+    const auto colour = cli::ParseHexColour('#' + digits);
+    if (!colour) throw Error(Quoted(text) + " is not a color such as #ff8000");
+    ColourText result{{Widen(colour->rgba[0]), Widen(colour->rgba[1]), Widen(colour->rgba[2])}, {}};
+    if (colour->hasAlpha) result.alpha = colour->rgba[3] / 255.0;
     return result;
 }
 

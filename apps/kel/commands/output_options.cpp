@@ -30,7 +30,7 @@ void AddOutputOptions(CLI::App& command, OutputOptions& options) {
     command.add_option("--key", options.key, "Writes the alpha of the strokes as gray; goes with --fill")
         ->type_name("FILE");
     command.add_flag_callback(
-        "--straight", [&options] { options.alpha = PictureAlpha::Straight; },
+        "--straight", [&options] { options.isStraight = true; },
         "Overlay and fill have colors that are not multiplied by alpha");
 }
 

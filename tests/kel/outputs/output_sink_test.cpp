@@ -94,7 +94,7 @@ TEST_CASE("The strokes alone go to no sink that drops alpha") {
 TEST_CASE("While a host's picture stays the same, its views are the very same pictures") {
     Host host({8, 8});
     host.RunField();
-    FieldViews views(PictureAlpha::Premultiplied);
+    FieldViews views(false);
     const SharedPicture rendered = views.Show(View::Rendered, host);
     const SharedPicture key = views.Show(View::Key, host);
     host.RunField();

@@ -16,8 +16,8 @@ namespace {
 using nlohmann::json;
 using testing::CheckRefused;
 using testing::CheckRefusedLike;
+using testing::Composited;
 using testing::KelFolder;
-using testing::LaidOver;
 using testing::Pixel;
 using testing::SessionWith;
 using testing::WorstDifference;
@@ -97,15 +97,14 @@ TEST_CASE("An overlay that was written lies over the picture as the rendered str
     const picture_io::Picture clean = CleanCard(folder);
     struct Way {
         std::string name;
-        PictureAlpha form;
+        bool isStraight;
     };
     for (const Way& way :
-         {Way{"overlay.mov", PictureAlpha::Premultiplied}, Way{"overlay.mov", PictureAlpha::Straight},
-          Way{"overlay.mkv", PictureAlpha::Straight}, Way{"premultiplied.mkv", PictureAlpha::Premultiplied},
-          Way{"overlay%05d.png", PictureAlpha::Premultiplied}, Way{"straight%05d.png", PictureAlpha::Straight}}) {
+         {Way{"overlay.mov", false}, Way{"overlay.mov", true}, Way{"overlay.mkv", true},
+          Way{"premultiplied.mkv", false}, Way{"overlay%05d.png", false}, Way{"straight%05d.png", true}}) {
         CAPTURE(way.name);
-        CAPTURE(way.form == PictureAlpha::Straight);
-        const std::string straight = way.form == PictureAlpha::Straight ? " --straight" : "";
+        CAPTURE(way.isStraight);
+        const std::string straight = way.isStraight ? " --straight" : "";
         REQUIRE_EQ(folder.Run("play s.json --out out.mov --overlay " + way.name + straight).exitCode, 0);
         Frames rendered(folder, "out.mov");
         Frames overlay(folder, way.name);
@@ -113,7 +112,8 @@ TEST_CASE("An overlay that was written lies over the picture as the rendered str
         REQUIRE_EQ(overlay.Count(), cardFields);
         CHECK_EQ(Covered(overlay.At(0)), 0);
         for (std::int64_t field = 2; field < cardFields; field += 3)
-            CHECK_LE(WorstDifference(LaidOver(overlay.At(field), clean, way.form), rendered.At(field)), rounding);
+            CHECK_LE(WorstDifference(Composited(overlay.At(field), clean, way.isStraight), rendered.At(field)),
+                     rounding);
         CHECK_GT(HalfCovered(overlay.At(cardFields - 1)), 1000);
         CHECK_GT(Covered(overlay.At(cardFields - 1)), 3000);
     }
@@ -123,9 +123,9 @@ TEST_CASE("An overlay that was written lies over the picture as the rendered str
 TEST_CASE("Fill and key lie over the picture as the rendered strokes do") {
     const CardFolder folder;
     const picture_io::Picture clean = CleanCard(folder);
-    for (const PictureAlpha form : {PictureAlpha::Premultiplied, PictureAlpha::Straight}) {
-        CAPTURE(form == PictureAlpha::Straight);
-        const std::string straight = form == PictureAlpha::Straight ? " --straight" : "";
+    for (const bool isStraight : {false, true}) {
+        CAPTURE(isStraight);
+        const std::string straight = isStraight ? " --straight" : "";
         REQUIRE_EQ(folder.Run("play s.json --out out%05d.png --fill fill.mov --key key.mkv" + straight).exitCode, 0);
         Frames rendered(folder, "out%05d.png");
         Frames fill(folder, "fill.mov");
@@ -141,7 +141,7 @@ TEST_CASE("Fill and key lie over the picture as the rendered strokes do") {
                 strokes.rgba[at + 3] = alpha.rgba[at];
             }
             CHECK_EQ(coloured, 0);
-            CHECK_LE(WorstDifference(LaidOver(strokes, clean, form), rendered.At(field)), rounding);
+            CHECK_LE(WorstDifference(Composited(strokes, clean, isStraight), rendered.At(field)), rounding);
         }
     }
 }

@@ -19,14 +19,14 @@ using testing::Scribble;
 using testing::side;
 using testing::Telestrator;
 
-void CheckLaysOver(Telestrator& telestrator) {
+void CheckComposites(Telestrator& telestrator) {
     const picture_io::Picture without = telestrator.host.ReadFrame();
     Scribble(telestrator);
     const picture_io::Picture with = telestrator.host.ReadFrame();
     REQUIRE_FALSE(with == without);
-    for (const PictureAlpha form : {PictureAlpha::Premultiplied, PictureAlpha::Straight})
-        CHECK_LE(testing::WorstDifference(testing::LaidOver(telestrator.host.ReadOverlay(form), without, form), with),
-                 2);
+    const picture_io::Picture premultiplied = telestrator.host.ReadPremultipliedOverlay();
+    CHECK_LE(testing::WorstDifference(testing::Composited(premultiplied, without, false), with), 2);
+    CHECK_LE(testing::WorstDifference(testing::Composited(telestrator.host.ReadOverlay(), without, true), with), 2);
     CHECK(telestrator.host.ReadFrame() == with);
     CHECK(telestrator.host.WrongUses().empty());
 }
@@ -37,17 +37,17 @@ TEST_CASE("The overlay composited over the picture gives the rendered picture, o
     const picture_io::Picture base = testing::Speckled(side, side);
     for (const std::int32_t unit : {1, 2}) {
         Telestrator telestrator(unit, &base);
-        CheckLaysOver(telestrator);
+        CheckComposites(telestrator);
     }
     const picture_io::Picture hidden = testing::Plain(1, 1, testing::green);
     Telestrator transparent(0, &hidden, &base);
-    CheckLaysOver(transparent);
+    CheckComposites(transparent);
 }
 
 TEST_CASE("The overlay composited over the plain container gives the rendered picture") {
     Telestrator telestrator(0);
     telestrator.Set("Transparent", 0);
-    CheckLaysOver(telestrator);
+    CheckComposites(telestrator);
 }
 
 // Half of a green picture shows, and behind it stands another; the stroke makes the container itself more opaque.
@@ -57,7 +57,7 @@ TEST_CASE("The overlay composited over the picture gives the rendered picture wh
     for (const std::int32_t unit : {0, 1}) {
         Telestrator telestrator(unit, &halfClear, &behind);
         telestrator.Set("Transparent", 0);
-        CheckLaysOver(telestrator);
+        CheckComposites(telestrator);
     }
 }
 

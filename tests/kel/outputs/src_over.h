@@ -12,12 +12,12 @@ namespace kel::testing {
 // The overlay composited over an opaque picture of its size, by the arithmetic of docs/output.md, in real numbers:
 //   premultiplied   picture * (1 - alpha) + overlay
 //   straight        picture * (1 - alpha) + overlay * alpha
-[[nodiscard]] inline picture_io::Picture LaidOver(const picture_io::Picture& overlay,
-                                                  const picture_io::Picture& picture, PictureAlpha form) {
+[[nodiscard]] inline picture_io::Picture Composited(const picture_io::Picture& overlay,
+                                                    const picture_io::Picture& picture, bool isStraight) {
     picture_io::Picture result = picture;
     for (std::size_t pixel = 0; pixel < result.rgba.size(); pixel += 4) {
         const double alpha = overlay.rgba[pixel + 3] / 255.0;
-        const double share = form == PictureAlpha::Straight ? alpha : 1.0;
+        const double share = isStraight ? alpha : 1.0;
         for (std::size_t channel = pixel; channel < pixel + 3; ++channel) {
             const double value = picture.rgba[channel] * (1 - alpha) + overlay.rgba[channel] * share;
             result.rgba[channel] = static_cast<std::uint8_t>(std::clamp(std::lround(value), 0L, 255L));

@@ -22,7 +22,7 @@ using testing::Telestrator;
 // pixel, both as stored: colours of the canvas multiplied by its alpha.
 template <typename Wanted>
 int WorstDifference(const Telestrator& telestrator, const picture_io::Picture& base, Wanted wanted) {
-    const picture_io::Picture canvas = telestrator.host.ReadCanvas(telestrator.container, PictureAlpha::Premultiplied);
+    const picture_io::Picture canvas = telestrator.host.ReadPremultipliedCanvas(telestrator.container);
     const picture_io::Picture frame = telestrator.host.ReadFrame();
     REQUIRE_EQ(canvas.width, side);
     int worst = 0;
@@ -228,9 +228,9 @@ TEST_CASE("The same session gives the same bytes") {
 TEST_CASE("Whatever a stroke changes reaches the texture piece by piece") {
     Telestrator telestrator(1);
     Scribble(telestrator);
-    const picture_io::Picture pieces = telestrator.host.ReadCanvas(telestrator.container, PictureAlpha::Premultiplied);
+    const picture_io::Picture pieces = telestrator.host.ReadPremultipliedCanvas(telestrator.container);
     telestrator.Set("TexUnit", 2);
-    CHECK(telestrator.host.ReadCanvas(telestrator.container, PictureAlpha::Premultiplied) == pieces);
+    CHECK(telestrator.host.ReadPremultipliedCanvas(telestrator.container) == pieces);
 }
 
 TEST_CASE("Events that come faster than fields lose nothing of what they paint") {
@@ -241,11 +241,11 @@ TEST_CASE("Events that come faster than fields lose nothing of what they paint")
         telestrator.host.QueuePointer(PointerKind::Release, x + 50, 700);
     }
     while (telestrator.host.HasQueuedPointer()) telestrator.host.RunField();
-    const picture_io::Picture pieces = telestrator.host.ReadCanvas(telestrator.container, PictureAlpha::Premultiplied);
+    const picture_io::Picture pieces = telestrator.host.ReadPremultipliedCanvas(telestrator.container);
     CHECK_GT(pieces.At(100, 300)[3], 0);
     CHECK_GT(pieces.At(700, 300)[3], 0);
     telestrator.Set("TexUnit", 2);
-    CHECK(telestrator.host.ReadCanvas(telestrator.container, PictureAlpha::Premultiplied) == pieces);
+    CHECK(telestrator.host.ReadPremultipliedCanvas(telestrator.container) == pieces);
 }
 
 TEST_CASE("The panel follows the brush type and the texture unit") {

@@ -228,7 +228,7 @@ TEST_CASE("A canvas is read with its colours divided by alpha, or as they are") 
     const picture_io::Picture straight = probed.host->ReadCanvas(probed.container);
     CHECK_EQ(testing::Text(straight.At(0, 0)), testing::Text({128, 255, 255, 128}));
     CHECK_EQ(testing::Text(straight.At(1, 0)), testing::Text({9, 9, 9, 0}));
-    const picture_io::Picture stored = probed.host->ReadCanvas(probed.container, PictureAlpha::Premultiplied);
+    const picture_io::Picture stored = probed.host->ReadPremultipliedCanvas(probed.container);
     CHECK_EQ(testing::Text(stored.At(0, 0)), testing::Text({64, 128, 200, 128}));
 }
 
