@@ -131,7 +131,7 @@ PictureFile ReadPictureFile(const std::filesystem::path& file) { return ReadName
 
 void RequireFitting(const FormatRow& format, bool hasWords) {
     if (hasWords && !format.hasWords)
-        throw cli::Error(WithArticle(format) + " has 8 bits a channel; 16 bits need a name in .png");
+        throw cli::Error(WordsRefusal(format));
 }
 
 bool FitsProfile(const Bytes& profile, bool isGrey) {

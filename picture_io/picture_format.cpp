@@ -40,6 +40,14 @@ bool BeginsWith(std::span<const std::uint8_t> bytes, std::string_view start) {
            });
 }
 
+// ".png, .jpg or .jpeg": those of the formats that `which` takes.
+std::string EndingsOf(bool (*which)(const FormatRow&)) {
+    std::vector<std::string> endings;
+    for (const FormatRow& row : PictureFormats())
+        if (which(row)) endings.insert(endings.end(), row.endings.begin(), row.endings.end());
+    return cli::WordList(endings, "or");
+}
+
 }  // namespace
 
 std::span<const FormatRow> PictureFormats() {
@@ -82,13 +90,13 @@ const FormatRow* FormatOfBytes(std::span<const std::uint8_t> bytes) {
 }
 
 const std::string& EndingsRule() {
-    static const std::string rule = [] {
-        std::vector<std::string> endings;
-        for (const FormatRow& row : PictureFormats())
-            endings.insert(endings.end(), row.endings.begin(), row.endings.end());
-        return "pictures end in " + cli::WordList(endings, "or");
-    }();
+    static const std::string rule = "pictures end in " + EndingsOf([](const FormatRow&) { return true; });
     return rule;
+}
+
+std::string WordsRefusal(const FormatRow& format) {
+    return WithArticle(format) + " has 8 bits a channel; 16 bits need a name in " +
+           EndingsOf([](const FormatRow& row) { return row.hasWords; });
 }
 
 }  // namespace picture_io

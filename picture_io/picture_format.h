@@ -34,5 +34,7 @@ struct FormatRow {
 
 // "pictures end in .png, .jpg or .jpeg".
 [[nodiscard]] const std::string& EndingsRule();
+// "a BMP has 8 bits a channel; 16 bits need a name in .png or .tif", of a format without words.
+[[nodiscard]] std::string WordsRefusal(const FormatRow& format);
 
 }  // namespace picture_io

@@ -1,28 +1,26 @@
 #include "kel/outputs/output_format.h"
 
-#include <algorithm>
-#include <array>
-#include <string_view>
 #include <vector>
 
 #include "cli/file_ending.h"
 #include "cli/word_list.h"
 #include "kel/video/video_format.h"
+#include "picture_io/picture_format.h"
 
 namespace kel {
 namespace {
 
-// Compressing a PNG takes several times as long as a field, so no picture is live.
-constexpr std::array pictureFormats{
-    OutputFormat{".png", "PNG", OutputMedium::Picture, true, true, false},
-    OutputFormat{".jpg", "JPEG", OutputMedium::Picture, false, false, false},
-    OutputFormat{".jpeg", "JPEG", OutputMedium::Picture, false, false, false},
-};
-
 std::vector<OutputFormat> AllFormats() {
-    std::vector<OutputFormat> all(pictureFormats.begin(), pictureFormats.end());
+    // Compressing a picture takes several times as long as a field, so none is live.
+    constexpr bool isLive = false;
+    std::vector<OutputFormat> all;
+    for (const picture_io::FormatRow& picture : picture_io::PictureFormats()) {
+        if (!picture.hasColour) continue;  // a field has colours
+        for (const std::string_view ending : picture.endings)
+            all.push_back({ending, picture.name, OutputMedium::Picture, picture.hasAlpha, isLive});
+    }
     for (const VideoFormat& video : VideoFormats())
-        all.push_back({video.ending, video.name, OutputMedium::Video, video.isExact, video.hasAlpha, video.isLive});
+        all.push_back({video.ending, video.name, OutputMedium::Video, video.hasAlpha, video.isLive});
     return all;
 }
 

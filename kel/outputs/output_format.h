@@ -3,18 +3,18 @@
 #include <filesystem>
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace kel {
 
 enum class OutputMedium { Picture, Video };
 
 // What the ending of an output's name stands for. OutputFormats is the only list of them: messages, help texts and
-// checks are made from it.
+// checks are made from it, and it from the tables of picture_io and kel/video.
 struct OutputFormat {
-    const char* ending;  // in lower case, such as ".mov"
-    const char* name;    // as people call it
+    std::string_view ending;  // in lower case, such as ".mov"
+    std::string_view name;    // as people call it
     OutputMedium medium;
-    bool isExact;   // every pixel comes back as it was
     bool hasAlpha;  // can hold the strokes alone
     bool isLive;    // can be written while one draws
 };

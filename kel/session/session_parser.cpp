@@ -9,6 +9,7 @@
 #include "kel/session/session.h"
 #include "kel/session/session_lines.h"
 #include "picture_io/picture.h"
+#include "picture_io/picture_format.h"
 
 namespace kel {
 namespace {
@@ -172,7 +173,7 @@ void ReadStroke(const cli::JsonNode& node, EventDraft& draft) {
 
 void ReadSave(const cli::JsonNode& node, EventDraft& draft) {
     const std::filesystem::path name = node.Text();
-    if (!picture_io::IsPictureName(name)) node.Refuse("must be a file name that ends in .png, .jpg or .jpeg");
+    if (!picture_io::IsPictureName(name)) node.Refuse("must be the name of a picture; " + picture_io::EndingsRule());
     if (name.has_parent_path() || name.string().find('\\') != std::string::npos)
         node.Refuse("must be a file name without a folder; `kel play --saves` says where to");
     if (name.string().starts_with('.')) node.Refuse("must not begin with a dot");

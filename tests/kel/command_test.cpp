@@ -213,9 +213,8 @@ TEST_CASE("An output that cannot be written is refused before anything is played
     std::filesystem::create_directory(folder.Path("folder.png"));
     CheckRefused(folder, "play s.json --out none/o.png", "none/o.png: cannot be written: there is no folder none");
     CheckRefused(folder, "play s.json --out folder.png", "folder.png: cannot be written: it is a folder");
-    CheckRefused(folder, "play s.json --out o.gif",
-                 "o.gif: neither a picture nor a film ends in \".gif\"; there are \".png\", \".jpg\", \".jpeg\", "
-                 "\".mov\", \".mkv\", \".mp4\", \".webm\"");
+    CheckRefused(folder, "play s.json --out o.movie",
+                 "o.movie: neither a picture nor a film ends in \".movie\"; did you mean \".mov\"?");
     CheckRefused(folder, "play s.json --out o.png --canvas ./o.png", "./o.png: two outputs have this name");
     CheckRefused(folder, "play s.json --frames none/f%05d.png",
                  "none/f00000.png: cannot be written: there is no folder none");

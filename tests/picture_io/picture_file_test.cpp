@@ -271,7 +271,8 @@ TEST_CASE("a colour picture goes into no PGM, and words into no format of bytes"
         return Thrown([&] { (void)EncodePictureFile(picture, RowOf(format), {}); });
     };
     CHECK_EQ(refusal(Counted(4, 4), PictureFormat::Pgm), "a PGM is grey, and this picture is not; a .ppm has colors");
-    CHECK_EQ(refusal(Picture16(4, 4), PictureFormat::Bmp), "a BMP has 8 bits a channel; 16 bits need a name in .png");
+    CHECK_EQ(refusal(Picture16(4, 4), PictureFormat::Bmp),
+             "a BMP has 8 bits a channel; 16 bits need a name in .png, .tif, .tiff, .ppm, .pnm, .pgm or .pam");
 }
 
 // A header of 13 bytes, a palette of two colours, a picture of 2 x 1 pixels with the indices 0 and 1: minimum code size

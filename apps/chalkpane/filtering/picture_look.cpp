@@ -37,7 +37,7 @@ const FormatRow& FormatFor(const std::filesystem::path& file) {
 void RequireDepth(const std::filesystem::path& file, std::int32_t depth) {
     const FormatRow& format = FormatFor(file);
     if (depth != 0 && !format.hasWords)
-        throw cli::Error(file.string(), {}, WithArticle(format) + " has 8 bits a channel; 16 bits need a name in .png");
+        throw cli::Error(file.string(), {}, WordsRefusal(format));
 }
 
 picture_io::WriteOptions OptionsFor(const PictureLook& look, const picture_io::PictureInfo* info) {

@@ -5,6 +5,7 @@
 #include <set>
 #include <string>
 
+#include "picture_io/picture_format.h"
 #include "tests/cli/temporary_folder.h"
 #include "tests/kel/kel_folder.h"
 
@@ -19,7 +20,7 @@ TEST_CASE("An ending stands for one output, in either case of letters") {
     std::set<std::string> endings;
     for (const OutputFormat& format : OutputFormats()) {
         CAPTURE(format.ending);
-        CHECK(endings.insert(format.ending).second);
+        CHECK(endings.insert(std::string(format.ending)).second);
         CHECK_EQ(FormatOfOutput("folder.x/name" + std::string(format.ending)), &format);
     }
     CHECK_EQ(FormatOfOutput("A.PNG"), FormatOfOutput("a.png"));
@@ -28,11 +29,25 @@ TEST_CASE("An ending stands for one output, in either case of letters") {
     CHECK_EQ(FormatOfOutput(""), nullptr);
 }
 
+TEST_CASE("Every picture with colours that is written is an output, and one without is none") {
+    for (const picture_io::FormatRow& picture : picture_io::PictureFormats())
+        for (const std::string_view ending : picture.endings) {
+            CAPTURE(ending);
+            const OutputFormat* const format = FormatOfOutput("a" + std::string(ending));
+            REQUIRE_EQ(format != nullptr, picture.hasColour);
+            if (format == nullptr) continue;
+            CHECK_EQ(format->medium, OutputMedium::Picture);
+            CHECK_EQ(format->name, picture.name);
+            CHECK_EQ(format->hasAlpha, picture.hasAlpha);
+        }
+}
+
 TEST_CASE("Endings are listed as a sentence has them") {
-    CHECK_EQ(OutputEndings(IsAlphaOutput, "or"), ".png, .mov or .mkv");
+    CHECK_EQ(OutputEndings(IsAlphaOutput, "or"), ".png, .webp, .tif, .tiff, .pam, .avif, .heic, .heif, .mov or .mkv");
     CHECK_EQ(OutputEndings(IsAlphaVideoOutput, "and"), ".mov and .mkv");
-    CHECK_EQ(OutputEndings(IsAlphaPictureOutput, "or"), ".png");
-    CHECK_EQ(OutputEndings(IsPictureOutput, ""), ".png, .jpg, .jpeg");
+    CHECK_EQ(OutputEndings(IsAlphaPictureOutput, "or"), ".png, .webp, .tif, .tiff, .pam, .avif, .heic or .heif");
+    CHECK_EQ(OutputEndings(IsPictureOutput, ""),
+             ".png, .jpg, .jpeg, .webp, .tif, .tiff, .bmp, .ppm, .pnm, .pam, .gif, .avif, .heic, .heif");
     CHECK_EQ(OutputEndings(IsVideoOutput, "or"), ".mov, .mkv, .mp4 or .webm");
 }
 
@@ -43,8 +58,8 @@ TEST_CASE("The page about outputs and the help know every ending and its codec")
     for (const OutputFormat& format : OutputFormats()) {
         CAPTURE(format.ending);
         CHECK(Contains(page, "`" + std::string(format.ending) + "`"));
-        CHECK(Contains(page, format.name));
-        CHECK(Contains(help, format.ending));
+        CHECK(Contains(page, std::string(format.name)));
+        CHECK(Contains(help, std::string(format.ending)));
     }
 }
 

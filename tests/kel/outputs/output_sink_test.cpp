@@ -56,7 +56,7 @@ TEST_CASE("A sink that is abandoned leaves nothing behind, and one that is commi
             CAPTURE(format.ending);
             CAPTURE(isNumbered);
             const cli::testing::TemporaryFolder folder;
-            const std::string path = (folder / (isNumbered ? "f%02d" : "f")).string() + format.ending;
+            const std::string path = (folder / (isNumbered ? "f%02d" : "f")).string() + std::string(format.ending);
             { const Run abandoned(MakeSink(View::Rendered, path)); }
             CHECK_EQ(folder.Entries(), 0);
             Run finished(MakeSink(View::Rendered, path));
@@ -82,7 +82,7 @@ TEST_CASE("Fill and key are one sink, whatever each of them is") {
 TEST_CASE("The strokes alone go to no sink that drops alpha") {
     for (const OutputFormat& format : OutputFormats()) {
         CAPTURE(format.ending);
-        const std::string path = std::string("f") + format.ending;
+        const std::string path = "f" + std::string(format.ending);
         if (format.hasAlpha)
             CHECK_NE(MakeSink(View::Overlay, path), nullptr);
         else

@@ -229,12 +229,13 @@ TEST_CASE("Fill and key as one picture are those of the last field") {
 
 TEST_CASE("Outputs that cannot be are refused before anything is played") {
     const KelFolder folder;
+    const std::string alphaEndings = ".png, .webp, .tif, .tiff, .pam, .avif, .heic, .heif, .mov or .mkv";
     CheckRefused(folder, "play s.json --overlay o.mp4",
-                 "o.mp4: .mp4 has no alpha; the strokes alone need .png, .mov or .mkv, or else --fill and --key");
+                 "o.mp4: .mp4 has no alpha; the strokes alone need " + alphaEndings + ", or else --fill and --key");
     CheckRefused(folder, "play s.json --overlay o.jpg",
-                 "o.jpg: .jpg has no alpha; the strokes alone need .png, .mov or .mkv, or else --fill and --key");
+                 "o.jpg: .jpg has no alpha; the strokes alone need " + alphaEndings + ", or else --fill and --key");
     CheckRefused(folder, "play s.json --overlay o%03d.jpg",
-                 "o%03d.jpg: .jpg has no alpha; the strokes alone need .png, .mov or .mkv, or else --fill and --key");
+                 "o%03d.jpg: .jpg has no alpha; the strokes alone need " + alphaEndings + ", or else --fill and --key");
     CheckRefused(folder, "play s.json --out o.mp5",
                  "o.mp5: neither a picture nor a film ends in \".mp5\"; did you mean \".mp4\"?");
     CheckRefused(folder, "play s.json --fill o.mov",

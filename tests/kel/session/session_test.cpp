@@ -2,6 +2,7 @@
 
 #include "kel/session/session.h"
 #include "kel/session/session_curve.h"
+#include "picture_io/picture_format.h"
 #include "tests/cli/temporary_folder.h"
 #include "tests/cli/thrown.h"
 #include "tests/kel/session/session_text.h"
@@ -208,9 +209,9 @@ TEST_CASE("A saved picture has a name without a folder") {
     CHECK_EQ(RefusalWith("/events/6/save", "../eight.png"),
              "s.json: /events/6/save: must be a file name without a folder; `kel play --saves` says where to");
     CHECK_EQ(RefusalWith("/events/6/save", "eight.txt"),
-             "s.json: /events/6/save: must be a file name that ends in .png, .jpg or .jpeg");
+             "s.json: /events/6/save: must be the name of a picture; " + picture_io::EndingsRule());
     CHECK_EQ(RefusalWith("/events/6/save", ".png"),
-             "s.json: /events/6/save: must be a file name that ends in .png, .jpg or .jpeg");
+             "s.json: /events/6/save: must be the name of a picture; " + picture_io::EndingsRule());
 }
 
 TEST_CASE("A file that cannot be read is refused with its name and the reason") {
