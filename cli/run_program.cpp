@@ -27,10 +27,7 @@ int Complain(const CLI::App& program, std::string message, int exitCode) {
     return exitCode;
 }
 
-}  // namespace
-
-int RunProgram(CLI::App& program, int argc, char** argv) {
-    std::signal(SIGXFSZ, SIG_IGN);  // a file at its limit is told like a full disk
+int RunCommand(CLI::App& program, int argc, char** argv) {
     std::vector<std::string> words;
     try {
         program.set_version_flag("--version", program.get_name() + " " + CHALKPANE_VERSION, "Prints the version");
@@ -57,6 +54,23 @@ int RunProgram(CLI::App& program, int argc, char** argv) {
         return Complain(program, error.what(), exitFailure);
     }
     return 0;
+}
+
+}  // namespace
+
+int RunProgram(const ProgramDescription& description, int argc, char** argv) noexcept {
+    std::signal(SIGXFSZ, SIG_IGN);  // a file at its limit is told like a full disk
+    try {
+        CLI::App program(description.purpose, description.name);
+        program.require_subcommand(1);
+        description.addCommands(program);
+        return RunCommand(program, argc, argv);
+    } catch (const std::bad_alloc&) {
+        return ComplainOfMemory();
+    } catch (...) {  // what the answer to another failure has thrown
+        std::fprintf(stderr, "%s: failed, and failed to say why\n", description.name);
+        return exitFailure;
+    }
 }
 
 }  // namespace cli

@@ -44,7 +44,7 @@ fs::path NewFile(const fs::path& file, const fs::path& place) {
     std::error_code failure;
     const mode_t mode = fs::exists(place, failure) ? 0600 : 0666;
     for (int attempt = 0; attempt < 100; ++attempt) {
-        const fs::path name = UnfinishedName(folder, place.extension());
+        fs::path name = UnfinishedName(folder, place.extension());
         const OpenFile opened(open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, mode));
         if (opened) return name;
         if (errno != EEXIST) Refuse(file, errno);

@@ -2,8 +2,9 @@
 #include "cli/run_program.h"
 
 int main(int argc, char** argv) {
-    CLI::App program("The paint engine and the image filters, on picture files", "chalkpane");
-    program.require_subcommand(1);
-    for (const auto& add : chalkpane::app::commands) add(program);
-    return cli::RunProgram(program, argc, argv);
+    constexpr cli::ProgramDescription description{
+        "chalkpane", "The paint engine and the image filters, on picture files", [](CLI::App& program) {
+            for (const auto& add : chalkpane::app::commands) add(program);
+        }};
+    return cli::RunProgram(description, argc, argv);
 }

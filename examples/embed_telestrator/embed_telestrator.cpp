@@ -44,8 +44,8 @@ int main(int count, char** arguments) {
         return chalkpane::CanvasPosition{512 + radius * std::cos(t), 512 + 0.6 * radius * std::sin(t)};
     };
     telestrator.Press(settings, place(0));
-    for (double t = 0.1; t < 6.28; t += 0.1) {
-        telestrator.Move(settings, place(t));
+    for (int step = 1; step < 63; ++step) {
+        telestrator.Move(settings, place(0.1 * step));
         telestrator.Field(settings);
     }
     telestrator.Release(settings, place(6.28));

@@ -21,7 +21,9 @@ struct Shape {
 struct MaskGrid {
     int side;
     std::vector<int> values;
-    int At(int x, int y) const { return values[static_cast<std::size_t>(y * side + x)]; }
+    int At(int x, int y) const {
+        return values[static_cast<std::size_t>(y) * static_cast<std::size_t>(side) + static_cast<std::size_t>(x)];
+    }
 };
 
 enum class Kind { Round, Graph, Feather, Texture };

@@ -64,6 +64,7 @@ ColourText ParseColourName(std::string_view text) {
     const auto* const named = std::ranges::find(namedColours, text, &NamedColour::name);
     if (named == namedColours.end()) {
         std::vector<std::string> names;
+        names.reserve(namedColours.size());
         for (const NamedColour& colour : namedColours) names.emplace_back(colour.name);
         throw Error(Quoted(text) + " is not a color such as #ff8000" + cli::NearestHint(text, names));
     }

@@ -15,8 +15,8 @@ std::filesystem::path ProgramFolder() {
 std::filesystem::path Find(const char* name, const char* installedFolder) {
     std::error_code failure;
     const auto folder = ProgramFolder();
-    const auto beside = folder / name;
-    const auto installed = (folder / installedFolder / name).lexically_normal();
+    auto beside = folder / name;
+    auto installed = (folder / installedFolder / name).lexically_normal();
     if (!std::filesystem::exists(beside, failure) && std::filesystem::exists(installed, failure)) return installed;
     return beside;
 }

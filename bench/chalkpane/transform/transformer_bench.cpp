@@ -45,7 +45,9 @@ void ShiftedMasks(benchmark::State& state) {
     Rect rect;
     for (auto _ : state) {
         for (int i = 1; i < 64; ++i) {
-            transformer.SetTransform(0.0, 0.0, i % 8 / 8.0, i / 8 / 8.0, 1.0, 1.0, 0.0);
+            const int column = i % 8;
+            const int row = i / 8;
+            transformer.SetTransform(0.0, 0.0, column / 8.0, row / 8.0, 1.0, 1.0, 0.0);
             benchmark::DoNotOptimize(transformer.Apply(source, rect));
         }
     }

@@ -170,7 +170,7 @@ void SoftenLine(FloatLine& line, FloatLine& spare, double softness, std::int32_t
     }
     if (chain.empty()) return;
     Chain run(std::move(chain), spare);
-    run.Run(line.At(line.Left()), static_cast<std::size_t>(line.Right() - line.Left() + 1));
+    run.Run(line.At(line.Left()), static_cast<std::size_t>(line.Right() - line.Left()) + 1);
 }
 
 }  // namespace chalkpane

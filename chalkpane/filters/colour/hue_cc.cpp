@@ -14,13 +14,14 @@ bool HueCC::IsIdentity(const Image& /*source*/) const { return HasNoRanges() && 
 void HueCC::BeginRun(const Image& source) {
     if (HasNoRanges()) return;
     const std::int32_t size = source.GetDepth() == Depth::Eight ? 256 : 16384;
+    const std::int32_t middle = size / 2;
     const auto n = static_cast<float>(size);
     const auto peak = [](float part) { return std::max(0.0F, part / 360.0F); };
     m_turns.clear();
     m_turns.reserve(static_cast<std::size_t>(size));
     for (std::int32_t i = 0; i < size; ++i) {
         const auto twice = static_cast<float>(2 * i);
-        const auto fromMiddle = static_cast<float>(2 * (i - size / 2));
+        const auto fromMiddle = static_cast<float>(2 * (i - middle));
         const float shadow = peak(1.0F - twice / n);
         const float midtone = peak(1.0F - std::fabs(fromMiddle) / n);
         const float highlight = peak(fromMiddle / n);

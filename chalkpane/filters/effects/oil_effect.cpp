@@ -174,7 +174,7 @@ struct OilJob {
     void Row(std::int32_t y, std::int32_t worker) {
         Tones& tones = workers[static_cast<std::size_t>(worker)];
         std::array<const Lanes*, 2 * largestRadius + 1> lines;
-        const auto lineCount = static_cast<std::size_t>(2 * radius + 1);
+        const auto lineCount = 2 * static_cast<std::size_t>(radius) + 1;
         for (std::size_t i = 0; i < lineCount; ++i)
             lines[i] = Line(std::int64_t{y} - radius + static_cast<std::int64_t>(i));
         tones.Clear();

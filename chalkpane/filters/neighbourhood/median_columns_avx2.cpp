@@ -72,7 +72,7 @@ struct Columns {
 }  // namespace
 
 [[gnu::target("avx2")]] void MedianColumns::MedianChannelAvx2(std::size_t channel, std::span<std::uint8_t> out) const {
-    const auto width = static_cast<std::size_t>(2 * m_radius + 1);
+    const std::size_t width = 2 * static_cast<std::size_t>(m_radius) + 1;
     const std::size_t step = m_channels * groupSize;
     const Columns coarse{m_coarse.data() + channel * groupSize, step, width};
     const __m256i half = _mm256_set1_epi16(static_cast<short>(width * width / 2));

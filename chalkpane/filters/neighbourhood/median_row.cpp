@@ -82,7 +82,7 @@ using Nine = std::array<std::uint8_t, 9>;
 
 void MedianRowByHistogram(std::span<const std::uint8_t* const> rows, std::int32_t channels, std::int32_t radius,
                           std::span<std::uint8_t> out) {
-    const auto width = static_cast<std::size_t>(2 * radius + 1);
+    const std::size_t width = 2 * static_cast<std::size_t>(radius) + 1;
     const auto half = static_cast<std::int32_t>(width * width / 2);
     const auto step = static_cast<std::size_t>(channels);
     for (std::size_t channel = 0; channel < step; ++channel) {

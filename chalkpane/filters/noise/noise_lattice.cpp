@@ -62,7 +62,8 @@ void NoiseLattice::Build() {
 }
 
 float NoiseLattice::Corner(std::int32_t column, std::int32_t row, float dx, float dy) const {
-    const auto entry = static_cast<std::size_t>(m_permutation[static_cast<std::size_t>(column + row)]);
+    const auto sum = static_cast<std::size_t>(column) + static_cast<std::size_t>(row);
+    const auto entry = static_cast<std::size_t>(m_permutation[sum]);
     return m_gradient[entry].x * dx + m_gradient[entry].y * dy;
 }
 

@@ -101,7 +101,7 @@ TEST_CASE("Every filter takes its defaults and both ends of every parameter, and
         std::vector<std::string> texts{label};
         for (const ParameterDescription& parameter : TextsOf(*prototype).Describe())
             for (const std::string& text : TextsFor(parameter))
-                texts.push_back(label + ':' + parameter.label + '=' + text);
+                texts.push_back(std::string(label).append(":").append(parameter.label).append("=").append(text));
         for (const std::string& text : texts) {
             CAPTURE(text);
             const auto filter = FilterFromText(text);

@@ -50,7 +50,7 @@ TEST_CASE("several pictures come into a folder as each by itself would come out"
     folder.Succeed("filter p?.png --out-dir out" + grain);
     for (int i = 0; i < 7; ++i) {
         const std::string name = "p" + std::to_string(i) + ".png";
-        folder.Succeed("filter " + name + " alone.png" + grain);
+        folder.Succeed(std::string("filter ").append(name).append(" alone.png").append(grain));
         CHECK(folder.Bytes("out/" + name) == folder.Bytes("alone.png"));
     }
 }

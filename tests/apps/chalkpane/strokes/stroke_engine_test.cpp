@@ -67,7 +67,7 @@ TEST_CASE("A stroke of a file is the stroke that the engine paints, with every k
         ValueOf(brush, "Brush Decay").setDouble(0.05);
         ValueOf(brush, "Brush Spacing").setDouble(0.4);
         ValueOf(brush, "Brush Adjust Spacing").setBoolean(true);
-        ValueOf(brush, "Brush Space Type").setEnumeration(static_cast<std::uint8_t>(SpacingType::ShortenAndThin));
+        ValueOf(brush, "Brush Space Type").setEnumeration(1);
         ValueOf(brush, "Brush Match Path").setBoolean(true);
         ValueOf(brush, "Profile Graph").setGraph(graph);
         ValueOf(brush, "Brush Blend Mode").setEnumeration(8);
@@ -75,7 +75,7 @@ TEST_CASE("A stroke of a file is the stroke that the engine paints, with every k
         ValueOf(brush, "Brush Flatness").setDouble(2.5);
         ValueOf(brush, "Brush Rotation").setFloat(30.0F);
         ValueOf(brush, "Brush Roundness").setFloat(1.5F);
-        ValueOf(brush, "Brush Pickup").setEnumeration(static_cast<std::uint8_t>(PickupMode::OncePerStroke));
+        ValueOf(brush, "Brush Pickup").setEnumeration(1);
         brush.SetTarget(&canvas);
         brush.Update();
         brush.SetColour(teal);
@@ -100,9 +100,7 @@ TEST_CASE("A stroke through a chain of filters is the one that the engine paints
         Image plain = NewCanvas(depth);
         for (Image* target : {&canvas, &plain}) {
             BasicBrush brush("by hand");
-            ValueOf(brush, "Brush Preset Type")
-                .setEnumeration(
-                    static_cast<std::uint8_t>(ProfileType::Texture));  // speckle, so that filters have something to do
+            ValueOf(brush, "Brush Preset Type").setEnumeration(3);  // speckle, so that filters have something to do
             if (target == &canvas) {
                 brush.Filters().push_back(Radius<MedianFilter>(MedianFilter::Parameters()[0].code, 2));
                 brush.Filters().push_back(Radius<Softener>(Softener::Parameters()[0].code, 6));

@@ -37,6 +37,7 @@ public:
     }
     std::vector<int> NextColumns(int count) {
         std::vector<int> columns;
+        columns.reserve(static_cast<std::size_t>(count));
         for (int i = 0; i < count; ++i) columns.push_back(NextCorner().first);
         return columns;
     }
