@@ -80,6 +80,7 @@ EllipseFit FitEllipse(std::span<const Vector3> points, const Vector3& centroid, 
     const auto seen = std::make_unique_for_overwrite<double[]>(4 * count);
     const auto numbers = [&](std::size_t index) { return std::span(seen.get() + index * count, count); };
     for (std::size_t i = 0; i < count; ++i) {
+        // KEEP: 32-bit floats; radius and angle are those of the rounded difference.
         const Vector3 d = points[i] - centroid;
         numbers(0)[i] = d.x;
         numbers(1)[i] = d.y;
