@@ -7,33 +7,34 @@ namespace {
 constexpr auto distanceSpacing = static_cast<std::int32_t>(SpacingType::Shorten);
 constexpr double brushSpacing = 0.15;  // of the brush's diameter
 
-void ConfigureStroke(TelestratorSurface& surface, std::int32_t width) {
+// What the operator sets as a width is the radius of a dab.
+void ConfigureStroke(TelestratorSurface& surface, std::int32_t radius) {
     surface.SetSpacingMode(distanceSpacing);
     surface.SetBrushSpacing(brushSpacing);
-    surface.SetBrushWidth(width);
+    surface.SetBrushWidth(radius);
     // The brush takes a changed source up one pass late, so this last pass is needed.
     surface.ApplyBrushSettings();
 }
 
-void ConfigureEraser(TelestratorSurface& surface, std::int32_t width) {
+void ConfigureEraser(TelestratorSurface& surface, std::int32_t radius) {
     surface.ResetBrushImage();
     surface.SetEraseSource();
     surface.SetMatchPath(false);
-    ConfigureStroke(surface, width);
+    ConfigureStroke(surface, radius);
 }
 
-void ConfigureColour(TelestratorSurface& surface, std::int32_t width) {
+void ConfigureColour(TelestratorSurface& surface, std::int32_t radius) {
     surface.ResetBrushImage();
     surface.SetMatchPath(false);
     surface.SetColourSource();
-    ConfigureStroke(surface, width);
+    ConfigureStroke(surface, radius);
 }
 
-void ConfigurePicture(TelestratorSurface& surface, const BrushPicture& picture, std::int32_t width) {
+void ConfigurePicture(TelestratorSurface& surface, const BrushPicture& picture, std::int32_t radius) {
     surface.SetColourSource();
     if (picture.pixels != nullptr) surface.LoadBrushImage(picture.width, picture.height, picture.pixels);
     surface.SetMatchPath(false);
-    ConfigureStroke(surface, width);
+    ConfigureStroke(surface, radius);
 }
 
 }  // namespace

@@ -161,6 +161,7 @@ public:
 
 private:
     void PaintStroke(const TelestratorSettings& settings, StrokeStage stage, const CanvasPosition& position) noexcept;
+    // A width is the radius of a dab.
     void SetWidth(std::int32_t width, std::int32_t& lastWidth) noexcept;
     void AppendResampled(const Vector3& point, std::int32_t pointSpacing);
     void Append(const Vector3& point);

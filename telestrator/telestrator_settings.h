@@ -13,8 +13,8 @@ enum class BrushType : std::int32_t { Colour = 0, Eraser = 1 };
 // telestrator keeps none of it but what it compares with. Any value is survived.
 struct TelestratorSettings {
     BrushType brushType = BrushType::Colour;
-    std::int32_t brushWidth = 5;              // canvas pixels; also the spacing of the stored stroke points
-    std::int32_t eraserWidth = 10;            // canvas pixels
+    std::int32_t brushWidth = 5;    // the radius of a dab in canvas pixels; also the spacing of the stored points
+    std::int32_t eraserWidth = 10;  // the radius of a dab in canvas pixels
     std::uint32_t brushColour = 0xF0000000U;  // four bytes in memory order red, green, blue, alpha
     bool recogniseShapes = false;             // a finished line becomes a shape or a smoothed line
     bool recogniseEllipse = true;

@@ -77,8 +77,8 @@ void TelestratorSurface::ClearPixels() {
     }
 }
 
-void TelestratorSurface::SetBrushWidth(std::int32_t pixels) {
-    width = pixels;
+void TelestratorSurface::SetBrushWidth(std::int32_t radius) {
+    width = radius;
     ApplyBrushSettings();
 }
 

@@ -58,8 +58,8 @@ public:
     void ClearPixels();
 
     // Each stores and then applies all settings once, also when the value is the old one.
-    // The width in canvas pixels is used as the radius of the brush.
-    void SetBrushWidth(std::int32_t pixels);
+    // The radius of the brush in canvas pixels, which the operator sets as its width.
+    void SetBrushWidth(std::int32_t radius);
     void SetBrushColour(std::uint16_t red, std::uint16_t green, std::uint16_t blue);
     void SetBrushSpacing(double fractionOfDiameter);
     void SetSpacingMode(std::int32_t mode);
@@ -85,7 +85,7 @@ public:
     bool ownsCanvas = false;
     std::unique_ptr<BasicBrush> brush;
     std::unique_ptr<Image> brushImage;
-    std::int32_t width = 5;  // canvas pixels; used as the radius of the brush
+    std::int32_t width = 5;  // the radius of the brush in canvas pixels
     Colour colour;
     std::int32_t sourceMode = colourMode;
     std::int32_t blendMode = 0;
