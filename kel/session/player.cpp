@@ -37,7 +37,7 @@ void Player::BuildContainer(const SessionContainer& container, const std::filesy
     played.id = m_host.AddContainer(placement);
     if (!container.picture.empty())
         m_host.SetPicture(played.id, ReadPictureAt(container.picture, container.place + "/picture"));
-    if (!container.film.empty()) played.video = OpenVideo(container, played.id);
+    if (!container.video.empty()) played.video = OpenVideo(container, played.id);
     if (!container.plugin) return;
     played.module = &LoadModule(*container.plugin, defaultModule);
     m_host.Attach(played.id, *played.module, Settings(container.plugin->parameters, *played.module));
@@ -45,7 +45,7 @@ void Player::BuildContainer(const SessionContainer& container, const std::filesy
 
 std::unique_ptr<VideoShow> Player::OpenVideo(const SessionContainer& container, ObjectId id) const {
     const std::string place = container.place + "/film";
-    const std::filesystem::path file = m_access.InputFile(container.film, place);
+    const std::filesystem::path file = m_access.InputFile(container.video, place);
     try {
         return std::make_unique<VideoShow>(file, id, m_session.fieldsPerSecond);
     } catch (const cli::Error& error) {

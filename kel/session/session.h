@@ -57,7 +57,7 @@ struct SessionContainer {
     SessionVector rotation{};  // degrees about x, y, z
     SessionVector scale{1.0, 1.0, 1.0};
     std::string picture;  // path, relative to the session file; empty: none
-    std::string film;     // likewise; a container has a picture or a film
+    std::string video;    // likewise; a container has a picture or a video
     std::optional<SessionPlugin> plugin;
     std::string place;
 };
@@ -82,7 +82,7 @@ struct ButtonEvent {
 };
 struct VideoEvent {
     VideoChange change;         // at least one thing changes
-    std::size_t container = 0;  // index into `containers`; has a film
+    std::size_t container = 0;  // index into `containers`; has a video
 };
 struct SaveEvent {
     std::string name;  // the file name of a picture, without a folder

@@ -65,7 +65,7 @@ bool SessionAccess::IsInside(const fs::path& file) const {
 }
 
 // A recording of the window names the files that its operator drew on wherever they are. Whoever made it, the account
-// that plays it must own them, and their readers take nothing but pictures and films.
+// that plays it must own them, and their readers take nothing but pictures and videos.
 bool SessionAccess::IsRecordedInput(const fs::path& file) const {
     struct stat status {};
     return m_session.isRecording && ::stat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&

@@ -17,7 +17,7 @@ struct SessionPermissions {
     std::vector<std::filesystem::path> moduleFolders;  // where the program is installed; all modules there are trusted
     std::vector<std::filesystem::path> files;          // named on the command line
     bool allowModules = false;                         // whatever module a session names is loaded
-    bool allowOutside = false;                         // whatever picture or film a session names is read
+    bool allowOutside = false;                         // whatever picture or video a session names is read
     std::uint64_t memory = cli::MemoryBudget::HalfOfTheMachine();  // bytes; see CheckMemory
 };
 
@@ -35,7 +35,7 @@ public:
     // A trusted module by its name alone, in whichever folder it is: the operator's own, or else an installed one.
     [[nodiscard]] std::optional<std::filesystem::path> TrustedModule(const std::filesystem::path& name) const;
 
-    // A picture or a film. One that is not there passes, and its reader tells.
+    // A picture or a video. One that is not there passes, and its reader tells.
     [[nodiscard]] std::filesystem::path InputFile(const std::string& path, const std::string& place) const;
 
 private:

@@ -21,8 +21,8 @@ std::vector<SessionInput> InputsOf(const Session& session) {
     for (const SessionContainer& container : session.containers) {
         if (!container.picture.empty())
             inputs.push_back({container.picture, container.place + "/picture", SessionInput::Use::Picture});
-        if (!container.film.empty())
-            inputs.push_back({container.film, container.place + "/film", SessionInput::Use::Film});
+        if (!container.video.empty())
+            inputs.push_back({container.video, container.place + "/film", SessionInput::Use::Video});
         if (container.plugin) AddValues(session, container.plugin->parameters, inputs);
     }
     for (const SessionEvent& event : session.events)

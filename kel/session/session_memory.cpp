@@ -18,7 +18,7 @@ constexpr double copiesOfWindow = 8;          // colour and depth, twice for the
 constexpr double bytesOfPlugIn = 64U << 20U;  // canvas, strokes, texture and undos
 
 void CountInput(const SessionInput& input, const std::filesystem::path& file, cli::MemoryBudget& budget) {
-    if (input.use != SessionInput::Use::Film) {
+    if (input.use != SessionInput::Use::Video) {
         budget.Count(picture_io::MemoryOfPicture(file, copiesOfPicture, false),
                      "the picture " + cli::Quoted(input.path));
     } else if (const auto pixels = ReadVideoPixels(file)) {

@@ -17,7 +17,7 @@ namespace {
 constexpr double farthest = 1e6;                   // scene units
 constexpr double farthestPixel = 100'000;          // the pointer may leave the window, within reason
 constexpr std::int64_t longest = 1'000'000;        // fields
-constexpr std::int64_t farthestFrame = 9'999'999;  // two days of film
+constexpr std::int64_t farthestFrame = 9'999'999;  // two days of video
 constexpr std::size_t mostContainers = 1000;
 constexpr double secondsAfterTheLastEvent = 2.0;  // for what a module finishes some time after the pointer's release
 
@@ -89,7 +89,7 @@ constexpr auto containerKeys = std::to_array<cli::JsonKey<SessionContainer>>({
     {"film", false,
      [](const auto& node, auto& container) {
          if (!container.picture.empty()) node.Refuse("the container has a picture already");
-         container.film = node.Text();
+         container.video = node.Text();
      }},
     {"plugin", false,
      [](const auto& node, auto& container) {
@@ -114,7 +114,7 @@ struct PluginOn {
 };
 struct VideoOn {
     static constexpr const char* name = "film";
-    static bool Has(const SessionContainer& container) { return !container.film.empty(); }
+    static bool Has(const SessionContainer& container) { return !container.video.empty(); }
 };
 
 // The container that an event is for: the one it names, else the only one that has such a thing.
@@ -144,18 +144,18 @@ void ReadContainerName(const cli::JsonNode& node, EventDraft& draft) {
     node.Refuse("there is no container " + cli::Quoted(name) + cli::NearestHint(name, names));
 }
 
-constexpr auto filmKeys = std::to_array<cli::JsonKey<VideoChange>>({
+constexpr auto videoKeys = std::to_array<cli::JsonKey<VideoChange>>({
     {"frame", false, [](const auto& node, auto& change) { change.frame = node.Integer(0, farthestFrame); }},
     {"play", false, [](const auto& node, auto& change) { change.play = node.Truth(); }},
     {"loop", false, [](const auto& node, auto& change) { change.loop = node.Truth(); }},
 });
 
 void ReadVideo(const cli::JsonNode& node, EventDraft& draft) {
-    VideoEvent film;
-    cli::ReadKeys<VideoChange>(node, filmKeys, film.change);
+    VideoEvent video;
+    cli::ReadKeys<VideoChange>(node, videoKeys, video.change);
     if (node.Value().empty()) node.Refuse("changes nothing; it needs one of \"frame\", \"play\", \"loop\"");
-    film.container = AddressedContainer<VideoOn>(node, draft);
-    draft.event.what = film;
+    video.container = AddressedContainer<VideoOn>(node, draft);
+    draft.event.what = video;
 }
 
 template <PointerKind kind>
@@ -212,7 +212,7 @@ constexpr auto buttonKeys = std::to_array<EventKey>({
          draft.event.what = ButtonEvent{node.Text(), AddressedContainer<PluginOn>(node, draft)};
      }},
 });
-constexpr auto filmEventKeys = std::to_array<EventKey>({fieldKey, containerKey<VideoOn>, {"film", true, ReadVideo}});
+constexpr auto videoEventKeys = std::to_array<EventKey>({fieldKey, containerKey<VideoOn>, {"film", true, ReadVideo}});
 constexpr auto saveKeys = std::to_array<EventKey>({fieldKey, {"save", true, ReadSave}});
 
 // What an event does is said by one key, which is the name of the kind.
@@ -227,7 +227,7 @@ constexpr auto eventKinds = std::to_array<EventKind>({
     {"stroke", strokeKeys},
     {"set", setKeys},
     {"button", buttonKeys},
-    {"film", filmEventKeys},
+    {"film", videoEventKeys},
     {"save", saveKeys},
 });
 
@@ -339,7 +339,7 @@ Session ReadSession(const std::filesystem::path& file) { return ParseSession(cli
 std::vector<SessionShape> SessionShapes() {
     std::vector<SessionShape> shapes = {Shape("session", sessionKeys), Shape("window", windowKeys),
                                         Shape("camera", cameraKeys),   Shape("container", containerKeys),
-                                        Shape("plugin", pluginKeys),   Shape("filmChange", filmKeys)};
+                                        Shape("plugin", pluginKeys),   Shape("filmChange", videoKeys)};
     for (const EventKind& kind : eventKinds) shapes.push_back(Shape(kind.action, kind.keys));
     return shapes;
 }

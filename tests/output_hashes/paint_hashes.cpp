@@ -7,8 +7,8 @@
 
 #include "apps/chalkpane/curves/frame_rate_clock.h"
 #include "apps/chalkpane/presets/preset.h"
-#include "apps/chalkpane/presets/preset_film.h"
 #include "apps/chalkpane/presets/preset_values.h"
+#include "apps/chalkpane/presets/preset_film.h"
 #include "apps/chalkpane/strokes/brush_choices.h"
 #include "apps/chalkpane/strokes/picture_files.h"
 #include "apps/chalkpane/strokes/stroke_painter.h"

@@ -48,20 +48,20 @@ picture_io::Picture CleanCard(const KelFolder& folder) {
     return folder.Open("clean.png");
 }
 
-// Frames of a film or of numbered pictures.
+// Frames of a video or of numbered pictures.
 class Frames {
 public:
     Frames(const KelFolder& folder, const std::string& name) : m_folder(folder), m_name(name) {
-        if (!IsNumbered()) m_film.emplace(folder.Path(name));
+        if (!IsNumbered()) m_video.emplace(folder.Path(name));
     }
     [[nodiscard]] std::int64_t Count() const {
         std::int64_t count = 0;
-        if (m_film) return m_film->FrameCount();
+        if (m_video) return m_video->FrameCount();
         while (m_folder.Has(NameAt(count))) ++count;
         return count;
     }
     [[nodiscard]] picture_io::Picture At(std::int64_t field) {
-        return m_film ? m_film->ReadFrame(field) : m_folder.Open(NameAt(field));
+        return m_video ? m_video->ReadFrame(field) : m_folder.Open(NameAt(field));
     }
 
 private:
@@ -73,7 +73,7 @@ private:
 
     const KelFolder& m_folder;
     std::string m_name;
-    std::optional<VideoReader> m_film;
+    std::optional<VideoReader> m_video;
 };
 
 // Every pixel's alpha is a byte of it; how many are neither clear nor opaque.
@@ -146,7 +146,7 @@ TEST_CASE("Fill and key lie over the picture as the rendered strokes do") {
     }
 }
 
-TEST_CASE("A lossy film of a session has its size, its fields and about its colours") {
+TEST_CASE("A lossy video of a session has its size, its fields and about its colours") {
     const CardFolder folder;
     REQUIRE_EQ(folder.Run("play s.json --out out.mp4").exitCode, 0);
     REQUIRE_EQ(folder.Run("play s.json --out last.png").exitCode, 0);
@@ -165,7 +165,7 @@ TEST_CASE("A lossy film of a session has its size, its fields and about its colo
     CHECK_LE(testing::Difference(read.At(290, 66), last.At(290, 66)), 40);  // soft all over
 }
 
-TEST_CASE("Numbered pictures are the same by --out and by --frames, and the film has them too") {
+TEST_CASE("Numbered pictures are the same by --out and by --frames, and the video has them too") {
     const CardFolder folder;
     REQUIRE_EQ(folder.Run("play s.json --out a%05d.png --frames b%05d.png").exitCode, 0);
     REQUIRE_EQ(folder.Run("play s.json --out c.mov --frames d%05d.png").exitCode, 0);
@@ -252,7 +252,7 @@ TEST_CASE("Outputs that cannot be are refused before anything is played") {
                      "s.json: /containers: no container has a plug-in, so there is no overlay");
 }
 
-// The limit counts blocks of 512 or 1024 bytes; the films are larger than 8 of either.
+// The limit counts blocks of 512 or 1024 bytes; the videos are larger than 8 of either.
 TEST_CASE("A disk that is full ends a play with one clear line and no file") {
     const CardFolder folder;
     for (const std::string name : {"out.mov", "out.mkv", "out.mp4", "out.webm", "out%05d.png"}) {

@@ -49,7 +49,7 @@ TEST_CASE("The pictures of a session are counted together before one of them is 
 }
 
 // Frames of 64 x 64 pixels, 44 bytes to each; the window has 4, eight times.
-TEST_CASE("A film is counted by its frames, and one that says nothing is left to its reader") {
+TEST_CASE("A video is counted by its frames, and one that says nothing is left to its reader") {
     const cli::testing::TemporaryFolder folder;
     std::filesystem::copy_file(KEL_SOURCE_FOLDER "/tests/fuzz/seeds/film/small.mp4", folder / "a.mp4");
     cli::testing::WriteText(folder / "b.mp4", "no film");

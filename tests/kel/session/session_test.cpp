@@ -57,7 +57,7 @@ TEST_CASE("A complete session comes out as it was written") {
     REQUIRE(front.plugin.has_value());
     CHECK_EQ(front.plugin->module, "other.qop");
     REQUIRE_EQ(front.plugin->parameters.size(), 4);
-    CHECK_EQ(session.containers[2].film, "match.mp4");
+    CHECK_EQ(session.containers[2].video, "match.mp4");
     REQUIRE_EQ(session.events.size(), 8);
     CHECK_EQ(std::get<PointerEvent>(session.events[0].what).at.x, 10.0);
     const auto& stroke = std::get<StrokeEvent>(session.events[3].what);
@@ -67,14 +67,14 @@ TEST_CASE("A complete session comes out as it was written") {
     CHECK_EQ(std::get<SetEvent>(session.events[4].what).container, 1);
     CHECK_EQ(std::get<ButtonEvent>(session.events[5].what).name, "Clear");
     CHECK_EQ(std::get<SaveEvent>(session.events[6].what).name, "eight.png");
-    const auto& film = std::get<VideoEvent>(session.events[7].what);
-    CHECK_EQ(film.container, 2);
-    CHECK_EQ(film.change.frame, 12);
-    CHECK_EQ(film.change.play, true);
-    CHECK_EQ(film.change.loop, false);
+    const auto& video = std::get<VideoEvent>(session.events[7].what);
+    CHECK_EQ(video.container, 2);
+    CHECK_EQ(video.change.frame, 12);
+    CHECK_EQ(video.change.play, true);
+    CHECK_EQ(video.change.loop, false);
 }
 
-TEST_CASE("A container shows a picture or a film, and a film's event needs one") {
+TEST_CASE("A container shows a picture or a video, and a video's event needs one") {
     CHECK_EQ(RefusalWith("/containers/1/film", "f.mp4"),
              "s.json: /containers/1/film: the container has a picture already");
     CHECK_EQ(RefusalWith("/events/7/container", "front"),

@@ -13,7 +13,7 @@ using cli::testing::TemporaryFolder;
 using cli::testing::Thrown;
 using nlohmann::json;
 
-// A film of ten frames, one a field, that fills the window.
+// A video of ten frames, one a field, that fills the window.
 class VideoSession {
 public:
     explicit VideoSession(const json& events, const std::string& film = "counted.mkv") {
@@ -53,19 +53,19 @@ using Numbers = std::vector<std::int64_t>;
 
 }  // namespace
 
-TEST_CASE("A session shows its film frame by frame, and the last one from its end on") {
+TEST_CASE("A session shows its video frame by frame, and the last one from its end on") {
     const VideoSession session(json::array());
     CHECK_EQ(session.NumbersSeen(12) == Numbers{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 9, 9}, true);
 }
 
-TEST_CASE("A film is stopped, sought, looped and let go by events") {
+TEST_CASE("A video is stopped, sought, looped and let go by events") {
     const VideoSession session({{{"field", 2}, {"film", {{"play", false}}}},
                                 {{"field", 4}, {"film", {{"frame", 8}, {"play", true}, {"loop", true}}}},
                                 {{"field", 8}, {"container", "screen"}, {"film", {{"frame", 5}, {"play", false}}}}});
     CHECK_EQ(session.NumbersSeen(10) == Numbers{0, 1, 2, 2, 8, 9, 0, 1, 5, 5}, true);
 }
 
-TEST_CASE("A film that is not there, or a frame that it does not have, is refused with its place") {
+TEST_CASE("A video that is not there, or a frame that it does not have, is refused with its place") {
     CHECK_EQ(VideoSession(json::array(), "gone.mkv").Refusal().starts_with("s.json: /containers/0/film: gone.mkv: "),
              true);
     CHECK_EQ(VideoSession(json::array({{{"field", 2}, {"film", {{"frame", 10}}}}})).Refusal(),

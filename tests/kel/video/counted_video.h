@@ -8,7 +8,7 @@
 
 namespace kel::testing {
 
-// Frame `index`, up to 63, of a film in which every frame says its number: the first quarter of the width has the grey
+// Frame `index`, up to 63, of a video in which every frame says its number: the first quarter of the width has the grey
 // 32 * (index / 8), the second 32 * (index % 8), and the right half is noise in colour, in blocks of 8 by 8. Lossy
 // codecs keep both apart.
 [[nodiscard]] inline picture_io::Picture CountedFrame(std::int64_t index, std::int32_t width, std::int32_t height) {

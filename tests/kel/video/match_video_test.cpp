@@ -5,7 +5,7 @@
 #include "kel/video/video_reader.h"
 #include "tests/kel/pixels.h"
 
-// The films that examples/make_film.cpp writes at every build.
+// The videos that examples/make_film.cpp writes at every build.
 
 namespace kel {
 namespace {
@@ -19,7 +19,7 @@ int NumberIn(const picture_io::Picture& frame) {
 
 }  // namespace
 
-TEST_CASE("The film of a match is read frame by frame in all its kinds") {
+TEST_CASE("The video of a match is read frame by frame in all its kinds") {
     for (const std::string ending : {".mp4", ".mov", ".mkv", ".webm"}) {
         CAPTURE(ending);
         VideoReader film(FILMS_FOLDER "/match" + ending);
@@ -36,7 +36,7 @@ TEST_CASE("The film of a match is read frame by frame in all its kinds") {
 }
 
 // At frame 0 the first runner is at the right end of his ellipse, (150 + 60, 120).
-TEST_CASE("The films of a match agree about its colours") {
+TEST_CASE("The videos of a match agree about its colours") {
     const picture_io::Picture exact = VideoReader(FILMS_FOLDER "/match.mkv").ReadFrame(0);
     CHECK_EQ(testing::Text(exact.At(210, 120)), testing::Text({208, 36, 40, 255}));
     CHECK_EQ(testing::Text(exact.At(20, 300)), testing::Text({58, 132, 52, 255}));

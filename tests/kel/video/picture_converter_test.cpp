@@ -42,7 +42,7 @@ constexpr Pixel byHigh{255, 24, 0, 255};
 
 }  // namespace
 
-TEST_CASE("A film's colours follow the matrix that it declares") {
+TEST_CASE("A video's colours follow the matrix that it declares") {
     const AvFrame frame = PlainFrame(AV_PIX_FMT_YUV444P, 32, 32, reddish);
     frame->colorspace = AVCOL_SPC_SMPTE170M;
     CheckConverted(frame, byStandard);
@@ -52,7 +52,7 @@ TEST_CASE("A film's colours follow the matrix that it declares") {
     CheckConverted(frame, byHigh);
 }
 
-TEST_CASE("A film that declares no matrix has that of its size") {
+TEST_CASE("A video that declares no matrix has that of its size") {
     CheckConverted(PlainFrame(AV_PIX_FMT_YUV444P, 1024, 16, reddish), byStandard);
     CheckConverted(PlainFrame(AV_PIX_FMT_YUV444P, 16, 576, reddish), byStandard);
     CheckConverted(PlainFrame(AV_PIX_FMT_YUV444P, 1026, 16, reddish), byHigh);
@@ -61,7 +61,7 @@ TEST_CASE("A film that declares no matrix has that of its size") {
 
 // BT.601, full range: red 76 + 1.402 * 127 = 254.1; green 76 + 0.344 * 43 - 0.714 * 127 = 0.1; blue 76 - 1.772 * 43 =
 // -0.2.
-TEST_CASE("A film's colours follow the range that it declares") {
+TEST_CASE("A video's colours follow the range that it declares") {
     constexpr std::array<std::uint8_t, 4> fullRed{76, 85, 255, 255};
     const AvFrame frame = PlainFrame(AV_PIX_FMT_YUV444P, 32, 32, fullRed);
     frame->color_range = AVCOL_RANGE_JPEG;
@@ -70,20 +70,20 @@ TEST_CASE("A film's colours follow the range that it declares") {
 }
 
 // Grey 126 of the narrow range is (126 - 16) * 255 / 219 = 128.1.
-TEST_CASE("Grey alone has the full range unless the film declares the narrow one") {
+TEST_CASE("Grey alone has the full range unless the video declares the narrow one") {
     const AvFrame frame = PlainFrame(AV_PIX_FMT_GRAY8, 32, 32, {126, 0, 0, 0});
     CheckConverted(frame, {126, 126, 126, 255});
     frame->color_range = AVCOL_RANGE_MPEG;
     CheckConverted(frame, {128, 128, 128, 255});
 }
 
-TEST_CASE("A film's alpha stays as it is") {
+TEST_CASE("A video's alpha stays as it is") {
     const AvFrame frame = PlainFrame(AV_PIX_FMT_YUVA444P, 32, 32, reddish);
     CheckConverted(frame, {254, 0, 0, 77});
     CHECK_EQ(PictureConverter().Convert(*frame, 32, 32).At(5, 5)[3], 77);
 }
 
-TEST_CASE("Frames of another size are scaled to the film's") {
+TEST_CASE("Frames of another size are scaled to the video's") {
     const picture_io::Picture picture =
         PictureConverter().Convert(*PlainFrame(AV_PIX_FMT_YUV444P, 20, 30, reddish), 64, 48);
     CHECK_EQ(picture.width, 64);

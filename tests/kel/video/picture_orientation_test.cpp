@@ -17,7 +17,7 @@ using cli::testing::TemporaryFolder;
 
 constexpr std::array<std::int32_t, 4> upright{1, 0, 0, 1};
 
-// A film whose file says how it was held: the matrix is that of the track's header, numbers of 16.16 bits, a b u c d v
+// A video whose file says how it was held: the matrix is that of the track's header, numbers of 16.16 bits, a b u c d v
 // x y w, behind 40 bytes of others.
 void WriteHeldVideo(const std::filesystem::path& file, const std::array<std::int32_t, 4>& matrix) {
     testing::WriteCountedVideo(file, 3, 64, 32);
@@ -43,7 +43,7 @@ picture_io::Picture FirstFrame(const std::filesystem::path& file) { return Video
 
 // A quarter to the right takes what is stored at the left, from bottom to top, to the upper edge: x' = height - 1 - y
 // and y' = x, so a = 0, b = 1, c = -1, d = 0.
-TEST_CASE("A film from a phone stands upright") {
+TEST_CASE("A video from a phone stands upright") {
     const TemporaryFolder folder;
     WriteHeldVideo(folder / "flat.mp4", upright);
     const picture_io::Picture flat = FirstFrame(folder / "flat.mp4");
@@ -70,7 +70,7 @@ TEST_CASE("A film from a phone stands upright") {
     CHECK_EQ(wrong, 0);
 }
 
-TEST_CASE("A display matrix that means nothing leaves a film as it is stored") {
+TEST_CASE("A display matrix that means nothing leaves a video as it is stored") {
     const TemporaryFolder folder;
     WriteHeldVideo(folder / "flat.mp4", upright);
     WriteHeldVideo(folder / "zero.mp4", {0, 0, 0, 0});

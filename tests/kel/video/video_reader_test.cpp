@@ -28,7 +28,7 @@ std::string ThrownByOpening(const std::filesystem::path& file) {
 
 }  // namespace
 
-TEST_CASE("A film says its size, its rate and how many frames it has") {
+TEST_CASE("A video says its size, its rate and how many frames it has") {
     const TemporaryFolder folder;
     for (const std::string ending : endings) {
         CAPTURE(ending);
@@ -69,7 +69,7 @@ TEST_CASE("A frame has the same pixels however it was come to") {
     }
 }
 
-TEST_CASE("Numbers beyond the film give its first and its last frame") {
+TEST_CASE("Numbers beyond the video give its first and its last frame") {
     const TemporaryFolder folder;
     WriteCountedVideo(folder / "film.mp4", 12, 32, 32);
     VideoReader reader(folder / "film.mp4");
@@ -105,7 +105,7 @@ TEST_CASE("Every second field has a new frame also where the container rounds ti
         CHECK_EQ(reader.FrameAt(static_cast<double>(field) * 1001 / 60000), field / 2);
 }
 
-TEST_CASE("What is no film is refused in one line with the file and the reason") {
+TEST_CASE("What is no video is refused in one line with the file and the reason") {
     const TemporaryFolder folder;
     const auto refusal = [&](const std::string& name) { return ThrownByOpening(folder / name); };
     const std::string start = folder.Path().string() + "/";
@@ -120,8 +120,8 @@ TEST_CASE("What is no film is refused in one line with the file and the reason")
     CHECK_EQ(refusal("picture.png"), start + "picture.png: is no MP4, MOV, MKV or WebM film, or a damaged one");
 }
 
-// The film that is named is there and could be opened: what is refused is the way to it.
-TEST_CASE("A list of other files is no film, whatever it is called") {
+// The video that is named is there and could be opened: what is refused is the way to it.
+TEST_CASE("A list of other files is no video, whatever it is called") {
     const TemporaryFolder folder;
     WriteCountedVideo(folder / "other.mp4", 3, 32, 32);
     const std::string other = (folder / "other.mp4").string();
@@ -149,7 +149,7 @@ TEST_CASE("A list of other files is no film, whatever it is called") {
 }
 
 // Both would never end.
-TEST_CASE("A pipe and a device are refused at once as films") {
+TEST_CASE("A pipe and a device are refused at once as videos") {
     const TemporaryFolder folder;
     const std::filesystem::path pipe = folder / "pipe.mp4";
     REQUIRE_EQ(mkfifo(pipe.c_str(), 0600), 0);
@@ -157,7 +157,7 @@ TEST_CASE("A pipe and a device are refused at once as films") {
     CHECK_EQ(ThrownByOpening("/dev/zero"), "/dev/zero: is not a regular file");
 }
 
-TEST_CASE("A film that is cut off is refused") {
+TEST_CASE("A video that is cut off is refused") {
     const TemporaryFolder folder;
     for (const std::string ending : endings) {
         WriteCountedVideo(folder / ("film" + ending), 12, 32, 32);
@@ -175,7 +175,7 @@ TEST_CASE("A film that is cut off is refused") {
     CHECK_EQ(ThrownByOpening(folder / "cut.mkv"), (folder / "cut.mkv").string() + ": breaks off after 12 frames");
 }
 
-TEST_CASE("A damaged film does no harm") {
+TEST_CASE("A damaged video does no harm") {
     const TemporaryFolder folder;
     for (const std::string ending : endings) {
         WriteCountedVideo(folder / ("film" + ending), 8, 32, 32);

@@ -64,7 +64,7 @@ private:
 
 }  // namespace
 
-TEST_CASE("A lossless film gives back every pixel as it was written") {
+TEST_CASE("A lossless video gives back every pixel as it was written") {
     const TemporaryFolder folder;
     for (const std::string name : {"film.mov", "film.mkv"})
         for (const bool alpha : {false, true}) {
@@ -86,7 +86,7 @@ TEST_CASE("A lossless film gives back every pixel as it was written") {
         }
 }
 
-TEST_CASE("Small films come back as they were written") {
+TEST_CASE("Small videos come back as they were written") {
     const TemporaryFolder folder;
     for (const std::string name : {"film.mov", "film.mkv"})
         for (const std::array<std::int32_t, 2> size : {std::array{2, 2}, {2, 9}, {9, 2}, {15, 16}, {16, 16}, {17, 3}}) {
@@ -106,7 +106,7 @@ TEST_CASE("Small films come back as they were written") {
     }
 }
 
-TEST_CASE("A film without alpha drops it and keeps the colours as they are") {
+TEST_CASE("A video without alpha drops it and keeps the colours as they are") {
     const TemporaryFolder folder;
     const picture_io::Picture picture = Mottled(20, 20);
     picture_io::Picture opaque = picture;
@@ -118,7 +118,7 @@ TEST_CASE("A film without alpha drops it and keeps the colours as they are") {
 }
 
 // Eight levels: what a plain field of colour may lose in rounding to the narrow range and to the codec's steps.
-TEST_CASE("A lossy film keeps plain colours") {
+TEST_CASE("A lossy video keeps plain colours") {
     const TemporaryFolder folder;
     for (const std::string name : {"film.mp4", "film.webm"})
         for (const std::int32_t width : {64, 1280})
@@ -134,7 +134,7 @@ TEST_CASE("A lossy film keeps plain colours") {
             }
 }
 
-TEST_CASE("A lossy film of odd sides repeats the last column and row") {
+TEST_CASE("A lossy video of odd sides repeats the last column and row") {
     const TemporaryFolder folder;
     for (const std::string name : {"film.mp4", "film.webm"}) {
         picture_io::Picture picture = testing::Plain(33, 21, {60, 60, 60, 255});
@@ -148,7 +148,7 @@ TEST_CASE("A lossy film of odd sides repeats the last column and row") {
     }
 }
 
-TEST_CASE("The same pictures give the same film") {
+TEST_CASE("The same pictures give the same video") {
     const TemporaryFolder folder;
     for (const std::string ending : {".mov", ".mkv", ".mp4"}) {
         CAPTURE(ending);
@@ -158,7 +158,7 @@ TEST_CASE("The same pictures give the same film") {
     }
 }
 
-TEST_CASE("A film appears when it is committed and leaves nothing behind otherwise") {
+TEST_CASE("A video appears when it is committed and leaves nothing behind otherwise") {
     const TemporaryFolder folder;
     cli::testing::WriteText(folder / "film.mkv", "old");
     {
@@ -174,7 +174,7 @@ TEST_CASE("A film appears when it is committed and leaves nothing behind otherwi
     CHECK_EQ(folder.Entries(), 1);
 }
 
-TEST_CASE("A full disk ends a film with one clear line and no file") {
+TEST_CASE("A full disk ends a video with one clear line and no file") {
     const TemporaryFolder folder;
     for (const std::string name : {"film.mov", "film.mkv", "film.mp4", "film.webm"}) {
         CAPTURE(name);
@@ -187,7 +187,7 @@ TEST_CASE("A full disk ends a film with one clear line and no file") {
     }
 }
 
-TEST_CASE("What cannot become a film is refused in one line") {
+TEST_CASE("What cannot become a video is refused in one line") {
     const TemporaryFolder folder;
     const auto refusal = [&](const std::string& name, const VideoSettings& settings) {
         return Thrown([&] { const VideoWriter writer(folder / name, settings); });
