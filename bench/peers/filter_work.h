@@ -22,8 +22,7 @@ inline constexpr std::int32_t pictureSize = 1024;
 inline constexpr Rect pictureArea{0, 0, pictureSize - 1, pictureSize - 1};
 
 inline Image NoisePicture(Depth depth) {
-    Image picture = test::NoisePicture(pictureArea, PixelType::Colour, static_cast<std::int32_t>(depth),
-                                       AlphaForm::Straight, 20261121);
+    Image picture = test::NoisePicture(pictureArea, PixelType::Colour, depth, AlphaForm::Straight, 20261121);
     picture.FillChannel(1.0);
     return picture;
 }

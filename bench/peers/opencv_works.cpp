@@ -158,8 +158,7 @@ PeerWork RotationWork(Depth depth) {
     constexpr double degrees = 30.0;
     constexpr double middle = (pictureSize - 1) / 2.0;
     const auto job =
-        std::make_shared<Job>(Job{WavePicture(depth), Image(pictureArea, PixelType::Colour,
-                                                            static_cast<std::int32_t>(depth), AlphaForm::Straight)});
+        std::make_shared<Job>(Job{WavePicture(depth), Image::Colour(pictureArea, depth, AlphaForm::Straight)});
     job->transformer.SetTransform(middle + 0.5, middle + 0.5, middle + 0.5, middle + 0.5, 1.0, 1.0, degrees);
     const cv::Mat turn = cv::getRotationMatrix2D({static_cast<float>(middle), static_cast<float>(middle)}, -degrees, 1);
     PeerWork work = PictureWork(depth == Depth::Eight ? "bilinear turn, 8 bits" : "bilinear turn, 14 bits", 1.0);
