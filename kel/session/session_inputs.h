@@ -12,7 +12,7 @@ namespace kel {
 struct SessionInput {
     enum class Use : std::uint8_t {
         Picture,
-        Film,
+        Video,
         PluginPicture
     };  // a plug-in's own is read once, however often named
 

@@ -196,7 +196,9 @@ TEST_CASE("The canvas is one picture in its own size, straight in any case") {
     CHECK(folder.Open("a.png") == folder.Open("b.png"));
     for (const std::string name : {"c.mov", "c%05d.png"})
         CheckRefused(folder, "play s.json --canvas " + name,
-                     name + ": --canvas is one picture, of the end; it needs a name in .png");
+                     name +
+                         ": --canvas is one picture, of the end; it needs a name in .png, .webp, .tif, .tiff, .pam, "
+                         ".avif, .heic or .heif");
 }
 
 TEST_CASE("A play that writes nothing says so, and one that saves does not") {
