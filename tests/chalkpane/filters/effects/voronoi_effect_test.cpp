@@ -70,7 +70,7 @@ TEST_CASE("Between the cells runs a black line") {
 
 // 460 rows are eight bands of 64. With randomness 0 and at most a pixel to reach, some columns keep the row before.
 TEST_CASE("Stained glass in bands, on several workers, is that of one row after the other") {
-    const Image source = NoisePicture({-5, -77, 24, 382}, Image::colourType, 0, 0, 3);
+    const Image source = NoisePicture({-5, -77, 24, 382}, PixelType::Colour, Depth::Eight, AlphaForm::Straight, 3);
     for (const double spacing : {0.4, 0.9, 3.0, 12.0, 70.0}) {
         for (const double randomness : {0.0, 0.4, 1.0, 3.0}) {
             CAPTURE(spacing);
