@@ -130,8 +130,7 @@ PictureFile ReadNamed(const std::filesystem::path& file, Depths depths) {
 PictureFile ReadPictureFile(const std::filesystem::path& file) { return ReadNamed(file, Depths::Any); }
 
 void RequireFitting(const FormatRow& format, bool hasWords) {
-    if (hasWords && !format.hasWords)
-        throw cli::Error(WordsRefusal(format));
+    if (hasWords && !format.hasWords) throw cli::Error(WordsRefusal(format));
 }
 
 bool FitsProfile(const Bytes& profile, bool isGrey) {

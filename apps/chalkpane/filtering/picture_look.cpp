@@ -36,8 +36,7 @@ const FormatRow& FormatFor(const std::filesystem::path& file) {
 
 void RequireDepth(const std::filesystem::path& file, std::int32_t depth) {
     const FormatRow& format = FormatFor(file);
-    if (depth != 0 && !format.hasWords)
-        throw cli::Error(file.string(), {}, WordsRefusal(format));
+    if (depth != 0 && !format.hasWords) throw cli::Error(file.string(), {}, WordsRefusal(format));
 }
 
 picture_io::WriteOptions OptionsFor(const PictureLook& look, const picture_io::PictureInfo* info) {
