@@ -251,10 +251,7 @@ void Host::SetDrawing(bool on) {
     m_state->drawing = on;
 }
 
-void Host::RunField(int fieldsDue) {
-    const AtWork work(*m_state);
-    DeliverPointer(fieldsDue);
-    DeliverOperator();
+void Host::RunFieldCallbacks() {
     const auto start = std::chrono::steady_clock::now();
     ForEachInstance(*m_state, [&](Instance& instance) {
         m_state->CallInstance(
@@ -265,6 +262,22 @@ void Host::RunField(int fieldsDue) {
     const bool isFirst = times.last.count() == 0;
     times.last = std::chrono::steady_clock::now() - start;
     if (!isFirst) times.slowest = std::max(times.slowest, times.last);
+}
+
+void Host::RunField(int fieldsDue) {
+    const AtWork work(*m_state);
+    DeliverPointer(fieldsDue);
+    DeliverOperator();
+    RunFieldCallbacks();
+    if (m_state->redraw) Render();
+}
+
+std::optional<PointerKind> Host::NextPointer() const { return m_state->pointerQueue.Next(); }
+
+void Host::RunStep() {
+    const AtWork work(*m_state);
+    DeliverPointer(1);
+    RunFieldCallbacks();
     if (m_state->redraw) Render();
 }
 

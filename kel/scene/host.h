@@ -88,7 +88,13 @@ public:
     //   fieldsDue  how many fields follow each other at once, this one counted; at least 1. What waits of the pointer
     //              is spread over them
     void RunField(int fieldsDue = 1);
-    // What that field got of the pointer; empty: it did nothing.
+    // What the next field gets of the pointer, if it is due alone; empty: nothing.
+    [[nodiscard]] std::optional<PointerKind> NextPointer() const;
+    // Between two fields: delivers what waits of the pointer, as a field does, with a field callback and a render of
+    // its own. What of an operator waits besides goes on waiting. A module's changed rectangle is thereby uploaded
+    // before it is replaced by the next one.
+    void RunStep();
+    // What that field or step got of the pointer; empty: it did nothing.
     [[nodiscard]] const std::optional<PointerStep>& DeliveredPointer() const;
 
     // What the operator's panel shows.
@@ -142,6 +148,7 @@ public:
 private:
     void DeliverPointer(int fieldsDue);
     void DeliverOperator();
+    void RunFieldCallbacks();
     void Render();
 
     std::unique_ptr<HostState> m_state;

@@ -16,6 +16,13 @@ std::optional<PointerStep> PointerQueue::TakeField(int fieldsDue) {
     return taken;
 }
 
+std::optional<PointerKind> PointerQueue::Next() const {
+    if (m_waiting.empty()) return std::nullopt;
+    const auto button =
+        std::ranges::find_if(m_waiting, [](const PointerStep& step) { return step.kind != PointerKind::Move; });
+    return button == m_waiting.end() ? PointerKind::Move : button->kind;
+}
+
 bool PointerQueue::HasButton() const {
     return std::ranges::any_of(m_waiting, [](const PointerStep& step) { return step.kind != PointerKind::Move; });
 }

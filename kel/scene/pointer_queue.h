@@ -27,6 +27,9 @@ public:
     // what waits is spread over them, so that a hand that moved while the machine was busy still draws its path.
     [[nodiscard]] std::optional<PointerStep> TakeField(int fieldsDue = 1);
 
+    // What TakeField would answer, of all that waits; empty: nothing waits.
+    [[nodiscard]] std::optional<PointerKind> Next() const;
+
     [[nodiscard]] bool HasButton() const;  // a press or a release waits
 
 private:

@@ -144,8 +144,11 @@ std::vector<std::string> Player::DeliverPendingChanges() {
 
 std::vector<std::string> Player::PlayField(Rendering rendering, int fieldsDue) {
     for (; m_nextPointer < m_pointer.size() && m_pointer[m_nextPointer].field == m_field; ++m_nextPointer) {
-        const PointerStep& step = m_pointer[m_nextPointer].step;
+        const auto& [field, step, isStep] = m_pointer[m_nextPointer];
         m_host.QueuePointer(step.kind, step.x, step.y);
+        if (!isStep) continue;
+        m_host.SetDrawing(false);
+        m_host.RunStep();
     }
     std::vector<std::string> saves = DeliverPendingChanges();
     const bool isLast = m_field + 1 == m_session.fields;

@@ -17,10 +17,12 @@ public:
         CheckFree(event);
         std::int64_t field = event.field;
         if (!m_track.empty()) field = std::max(field, m_track.back().field);
-        if (IsOver(field)) ++field;
+        const bool isBehind =
+            pointer.isStep && !m_track.empty() && m_track.back().field == field && !m_track.back().isStep;
+        if (IsOver(field) || isBehind) ++field;
         if (field >= m_session.fields)
             Refuse(event, "has to wait for field " + std::to_string(field) + ", after the last one played");
-        Append(field, pointer.kind, pointer.at);
+        Append(field, pointer.kind, pointer.at, pointer.isStep);
     }
 
     void Add(const SessionEvent& event, const StrokeEvent& stroke) {
@@ -48,7 +50,8 @@ private:
 
     // True when the pointer was pressed or released in that field, the last one so far.
     [[nodiscard]] bool IsOver(std::int64_t field) const {
-        return !m_track.empty() && m_track.back().field == field && m_track.back().step.kind != PointerKind::Move;
+        return !m_track.empty() && m_track.back().field == field && !m_track.back().isStep &&
+               m_track.back().step.kind != PointerKind::Move;
     }
 
     void CheckFree(const SessionEvent& event) const {
@@ -57,12 +60,13 @@ private:
                    "the pointer is busy with the stroke " + m_busyWith + " until field " + std::to_string(m_busyUntil));
     }
 
-    void Append(std::int64_t field, PointerKind kind, const SessionPoint& at) {
-        // Only a move can stand there in the same field, and the later position counts.
-        if (!m_track.empty() && m_track.back().field == field) m_track.pop_back();
+    void Append(std::int64_t field, PointerKind kind, const SessionPoint& at, bool isStep = false) {
+        // Besides steps only a move can stand there in the same field, and the later position counts.
+        if (!m_track.empty() && m_track.back().field == field && !m_track.back().isStep) m_track.pop_back();
         m_track.push_back(
             {field,
-             {kind, static_cast<std::int32_t>(std::lround(at.x)), static_cast<std::int32_t>(std::lround(at.y))}});
+             {kind, static_cast<std::int32_t>(std::lround(at.x)), static_cast<std::int32_t>(std::lround(at.y))},
+             isStep});
     }
 
     const Session& m_session;

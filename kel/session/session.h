@@ -65,6 +65,7 @@ struct SessionContainer {
 struct PointerEvent {
     PointerKind kind = PointerKind::Move;
     SessionPoint at;
+    bool isStep = false;  // before the field's own, with a field callback of its own; presses and moves alone
 };
 // A path drawn with the pressed pointer: pressed in the event's field, released `fields` later, at even speed.
 struct StrokeEvent {

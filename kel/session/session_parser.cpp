@@ -104,6 +104,7 @@ struct EventDraft {
     SessionEvent event;
     std::int64_t fields = 1;
     bool curve = false;
+    bool isStep = false;
     std::optional<std::size_t> container;
 };
 
@@ -160,7 +161,7 @@ void ReadVideo(const cli::JsonNode& node, EventDraft& draft) {
 
 template <PointerKind kind>
 void ReadPointer(const cli::JsonNode& node, EventDraft& draft) {
-    draft.event.what = PointerEvent{kind, Point(node)};
+    draft.event.what = PointerEvent{kind, Point(node), draft.isStep};
 }
 
 void ReadStroke(const cli::JsonNode& node, EventDraft& draft) {
@@ -187,8 +188,12 @@ constexpr EventKey fieldKey = {"field", true, [](const cli::JsonNode& node, Even
 template <typename Thing>
 constexpr EventKey containerKey = {"container", false, ReadContainerName<Thing>};
 
-constexpr auto pressKeys = std::to_array<EventKey>({fieldKey, {"press", true, ReadPointer<PointerKind::Press>}});
-constexpr auto moveKeys = std::to_array<EventKey>({fieldKey, {"move", true, ReadPointer<PointerKind::Move>}});
+constexpr EventKey stepKey = {"step", false,
+                              [](const cli::JsonNode& node, EventDraft& draft) { draft.isStep = node.Truth(); }};
+
+constexpr auto pressKeys =
+    std::to_array<EventKey>({fieldKey, stepKey, {"press", true, ReadPointer<PointerKind::Press>}});
+constexpr auto moveKeys = std::to_array<EventKey>({fieldKey, stepKey, {"move", true, ReadPointer<PointerKind::Move>}});
 constexpr auto releaseKeys = std::to_array<EventKey>({fieldKey, {"release", true, ReadPointer<PointerKind::Release>}});
 constexpr auto strokeKeys = std::to_array<EventKey>({
     fieldKey,
@@ -268,7 +273,7 @@ void ReadContainers(const cli::JsonNode& node, Session& session) {
 
 void ReadEvents(const cli::JsonNode& node, Session& session) {
     for (const cli::JsonNode& element : node.Elements(0)) {
-        EventDraft draft{session.containers, {}, 1, false, {}};
+        EventDraft draft{session.containers, {}, 1, false, false, {}};
         draft.event.place = element.Place();
         cli::ReadKeys<EventDraft>(element, KindOf(element).keys, draft);
         if (draft.event.LastField() >= longest) element.Refuse("ends after field " + std::to_string(longest - 1));

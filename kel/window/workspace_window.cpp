@@ -58,6 +58,8 @@ private:
     void ShowPicture();
     void PlaySession();
     void RunDueFields();
+    [[nodiscard]] bool WantsStep() const { return m_options.hasSteps && m_workspace->CanStep(); }
+    void RunDueStep();
     void NoteForPanel(const SDL_Event& event);
     [[nodiscard]] Clock::time_point NextPanel() const;
 
@@ -66,6 +68,7 @@ private:
     std::unique_ptr<Workspace> m_workspace;
     const Registration* m_fitted = nullptr;
     FittedKeys m_keys;
+    Clock::time_point m_nextStep;
     FieldPacer m_pacer{50, Clock::now()};  // the scene's own rate once it runs
     WindowPainter m_painter{m_window};
     Panel m_panel;
@@ -339,6 +342,15 @@ void WorkspaceWindow::RunDueFields() {
     ShowPicture();
 }
 
+void WorkspaceWindow::RunDueStep() {
+    constexpr auto shortestStep = std::chrono::nanoseconds(std::chrono::seconds(1)) / 240;
+    const auto now = Clock::now();
+    if (now < m_nextStep || !WantsStep()) return;
+    m_nextStep = now + shortestStep;
+    m_workspace->RunStep();
+    ShowPicture();
+}
+
 void WorkspaceWindow::ShowPicture() {
     PlacePicture();
     Host& host = m_workspace->TheHost();
@@ -363,9 +375,11 @@ void WorkspaceWindow::Run() {
             PlaySession();
             continue;
         }
+        RunDueStep();
         RunDueFields();
         if (Clock::now() >= NextPanel()) ShowPanel();
-        m_window.WaitForEvent(std::min(m_pacer.Next(), NextPanel()));
+        const auto next = std::min(m_pacer.Next(), NextPanel());
+        m_window.WaitForEvent(WantsStep() ? std::min(next, m_nextStep) : next);
     }
     if (m_workspace->IsPlayingSession()) return;
     m_workspace->RunFields(1);  // in which takes effect what was done last

@@ -13,6 +13,7 @@ struct WindowOptions {
     WorkspaceOptions workspace;  // what it says of OpenGL and of sizes is the window's own business
     KeysTable keys;
     bool areKeysGiven = false;    // by the operator: keys that the module has no use for are errors
+    bool hasSteps = true;         // the module is stepped as the pressed pointer moves, not with fields alone
     LiveOutputs* live = nullptr;  // borrowed; gets every field of the file as it is drawn; null: nobody does
 };
 

@@ -44,6 +44,13 @@ std::vector<std::string> NameContainers(ordered_json& containers) {
     return names;
 }
 
+ordered_json PointerJson(std::int64_t field, const PointerStep& step) {
+    constexpr std::int32_t farthest = 100'000;  // what a session takes
+    const char* kind = step.kind == PointerKind::Press ? "press" : step.kind == PointerKind::Move ? "move" : "release";
+    return {{"field", field},
+            {kind, {std::clamp(step.x, -farthest, farthest), std::clamp(step.y, -farthest, farthest)}}};
+}
+
 }  // namespace
 
 Recording::Recording(const WorkspaceScene& scene, const std::vector<const Registration*>& modules,
@@ -80,11 +87,12 @@ Recording::Recording(const WorkspaceScene& scene, const std::vector<const Regist
     for (const ordered_json& event : events) AddLine(Dump(event));
 }
 
-void Recording::AddPointer(std::int64_t field, const PointerStep& step) {
-    constexpr std::int32_t farthest = 100'000;  // what a session takes
-    const char* kind = step.kind == PointerKind::Press ? "press" : step.kind == PointerKind::Move ? "move" : "release";
-    AddLine(Dump({{"field", field},
-                  {kind, {std::clamp(step.x, -farthest, farthest), std::clamp(step.y, -farthest, farthest)}}}));
+void Recording::AddPointer(std::int64_t field, const PointerStep& step) { AddLine(Dump(PointerJson(field, step))); }
+
+void Recording::AddStep(std::int64_t field, const PointerStep& step) {
+    ordered_json event = PointerJson(field, step);
+    event["step"] = true;
+    AddLine(Dump(event));
 }
 
 void Recording::AddSetting(std::int64_t field, std::size_t container, const Parameter& parameter,

@@ -26,6 +26,8 @@ public:
 
     // Fields never go back. The container is an index into the scene's.
     void AddPointer(std::int64_t field, const PointerStep& step);
+    // Of a step that was run before the field.
+    void AddStep(std::int64_t field, const PointerStep& step);
     void AddSetting(std::int64_t field, std::size_t container, const Parameter& parameter, const ParameterValue& value);
     void AddButton(std::int64_t field, std::size_t container, const std::string& button);
     void AddVideo(std::int64_t field, std::size_t container, const VideoChange& change);

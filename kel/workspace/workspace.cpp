@@ -198,7 +198,6 @@ void Workspace::Deliver(const PendingChange& change) {
 // been pressed is nothing, unless the picture shows it.
 bool Workspace::Record(std::int64_t field, const std::vector<PendingChange>& changes, bool isOtherPicture) {
     const auto& step = m_host->DeliveredPointer();
-    if (step && step->kind != PointerKind::Move) m_isPressed = step->kind == PointerKind::Press;
     const bool counts = step && (step->kind != PointerKind::Move || m_isPressed || isOtherPicture);
     if (counts) m_recording->AddPointer(field, *step);
     for (const PendingChange& change : changes) {
@@ -222,6 +221,7 @@ void Workspace::PlayField(int fieldsDue) {
     } catch (const cli::Error& error) {
         m_news.emplace_back(error.what());
     }
+    NotePressed();
     if (m_recording) {
         const bool isOtherPicture = m_host->PictureNumber() != pictureBefore;
         const bool plays = Video() != nullptr && Video()->Clock().IsRunning(field);
@@ -229,6 +229,26 @@ void Workspace::PlayField(int fieldsDue) {
     }
     // A field delivers its press before what is set in it.
     for (const PointerStep& step : std::exchange(m_heldPointer, {})) m_host->QueuePointer(step.kind, step.x, step.y);
+}
+
+void Workspace::NotePressed() {
+    const auto& step = m_host->DeliveredPointer();
+    if (step && step->kind != PointerKind::Move) m_isPressed = step->kind == PointerKind::Press;
+}
+
+bool Workspace::CanStep() const {
+    if (IsPlayingSession() || NextField() >= mostRecordedFields) return false;
+    const auto next = m_host->NextPointer();
+    return next == PointerKind::Press || (next == PointerKind::Move && m_isPressed);
+}
+
+void Workspace::RunStep() {
+    m_host->SetDrawing(true);
+    m_host->RunStep();
+    NotePressed();
+    if (!m_recording) return;
+    m_recording->AddStep(NextField(), *m_host->DeliveredPointer());
+    m_lastChange = NextField();
 }
 
 void Workspace::RunFields(int fields) {

@@ -88,6 +88,11 @@ public:
     // Runs as many fields at once, at least 1; the host's picture is of the last one.
     void RunFields(int fields);
 
+    // Between fields, while the pointer is pressed or just so: what waits of it takes effect at once. It counts as no
+    // field, so that delays keep their length, and a release waits for its field.
+    [[nodiscard]] bool CanStep() const;
+    void RunStep();  // CanStep
+
     void SavePicture();
     void SaveOverlay();
 
@@ -108,6 +113,7 @@ private:
     void PlayField(int fieldsDue);
     void Deliver(const PendingChange& change);
     bool Record(std::int64_t field, const std::vector<PendingChange>& changes, bool isOtherPicture);
+    void NotePressed();
     [[nodiscard]] const Player::Container* VideoContainer() const;
     [[nodiscard]] std::string SaveName(const char* ending) const;
 

@@ -24,6 +24,7 @@ struct WindowLine {
     std::string recording;
     bool overwrites = false;
     std::string saves = ".";
+    std::string steps = "motion";
     OutputOptions outputs;
 };
 
@@ -77,6 +78,7 @@ void Window(const WindowLine& line) {
     options.workspace.isModuleGiven = line.access.IsModuleGiven();
     options.workspace.module = line.access.DefaultModule();
     options.workspace.permissions = line.access.Permissions();
+    options.hasSteps = line.steps == "motion";
     options.workspace.recording = line.recording;
     options.workspace.saves = line.saves;
     if (!outputs.WantAnything()) {
@@ -112,6 +114,9 @@ void AddWindowCommand(CLI::App& program) {
     command->add_option("--keys", line->keys, "What the keys do, a JSON file (docs/window.md)")->type_name("FILE");
     AddSessionOptions(*command, line->access);
     command->add_option("--saves", line->saves, "Where pictures are saved (default: here)")->type_name("FOLDER");
+    command
+        ->add_option("--steps", line->steps, "With motion (default) the pen draws as it moves, with field once a field")
+        ->check(CLI::IsMember({"motion", "field"}));
     AddOutputOptions(*command, line->outputs);
     command->footer("The outputs are there when the window has been closed.");
     command->callback([line] { Window(*line); });

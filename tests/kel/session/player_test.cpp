@@ -127,7 +127,7 @@ TEST_CASE("A stroke is a press, moves at even speed, and a release") {
 
 TEST_CASE("Positions are rounded to the nearest pixel") {
     const Track track = TrackOf({{{"field", 3}, {"fields", 2}, {"stroke", {{0, 0}, {5, -3}}}}});
-    CHECK_EQ(track[1] == TimedPointerStep{4, {PointerKind::Move, 3, -2}}, true);  // 2.5 and -1.5, away from 0
+    CHECK_EQ(track[1] == TimedPointerStep{4, {PointerKind::Move, 3, -2}, false}, true);  // 2.5 and -1.5, away from 0
 }
 
 TEST_CASE("What comes after a press or a release waits for the next field") {

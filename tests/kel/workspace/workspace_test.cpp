@@ -371,6 +371,40 @@ TEST_CASE("A recording grows by what happens, and an idle hour writes nothing") 
     CHECK_EQ(ReadSession(place.options.recording).events.size(), 20U);
 }
 
+TEST_CASE("Steps between fields draw at once, count as none, and play again to the same canvas") {
+    const Place place;
+    picture_io::Picture live;
+    {
+        Workspace workspace(place.folder / "grey.png", place.options);
+        workspace.RunFields(2);
+        CHECK_FALSE(workspace.CanStep());
+        workspace.Point(PointerKind::Move, 30, 60);
+        CHECK_FALSE(workspace.CanStep());  // nothing is pressed
+        workspace.Point(PointerKind::Press, 40, 60);
+        for (int i = 0; i < 30; ++i) {
+            REQUIRE(workspace.CanStep());
+            workspace.RunStep();
+            CHECK_FALSE(workspace.CanStep());
+            if (i % 4 == 3) workspace.RunFields(1);
+            workspace.Point(PointerKind::Move, 40 + 8 * i, 60 + 37 * i % 50);
+        }
+        workspace.RunStep();
+        CHECK_EQ(workspace.NextField(), 2 + 7);
+        CHECK_EQ(CanvasOf(workspace) == picture_io::Picture(1024, 1024), false);
+        workspace.Point(PointerKind::Release, 290, 60);
+        CHECK_FALSE(workspace.CanStep());  // a release has its field
+        workspace.RunFields(1);
+        Draw(workspace, {40, 160, 280, 160});
+        live = CanvasOf(workspace);
+    }
+    const json recorded = place.Recorded();
+    int steps = 0;
+    for (const json& event : recorded["events"]) steps += event.value("step", false) ? 1 : 0;
+    CHECK_EQ(steps, 31);
+    CHECK_EQ(recorded["fields"], 2 + 7 + 1 + 10);
+    CHECK_EQ(PlayedCanvas(place.options.recording) == live, true);
+}
+
 TEST_CASE("Pictures are saved under names that are free") {
     const Place place;
     WriteText(place.folder / "grey-overlay-001.png", "taken");
