@@ -62,8 +62,9 @@ void AddInLanes(std::span<typename F::Channel> pixels, const GrainLanes& lanes, 
     const NoiseSums sums{numbers[eachChannel ? 2 : 0].data(), numbers[eachChannel ? 1 : 0].data(), numbers[0].data()};
     const std::array<const std::int32_t*, 3> ofChannel{sums.blue, sums.green, sums.red};
     for (std::size_t i = AddNoiseAvx2(pixels, sums, scale); i + 3 < pixels.size(); i += 4) {
+        const std::size_t pixel = i / 4;
         for (std::size_t c = 0; c < 3; ++c) {
-            const float sum = static_cast<float>(ofChannel[c][i / 4]);
+            const auto sum = static_cast<float>(ofChannel[c][pixel]);
             AddTo<F>(pixels[i + c], (sum / scale.divisor - scale.middle) * scale.amplitude);
         }
     }
