@@ -54,7 +54,8 @@ Series FilterSeries(std::string_view label, const Settings& settings) {
     for (const double megapixels : {1.0, 2.0, 4.0, 8.0, 16.0, 32.0, 64.0}) {
         const auto height = static_cast<std::int32_t>(std::sqrt(megapixels) * 1024);
         const auto width = static_cast<std::int32_t>(megapixels * 1024 * 1024 / height);
-        Image picture = test::NoisePicture({0, 0, width - 1, height - 1}, Image::colourType, 0, 0, 20261121);
+        Image picture = test::NoisePicture({0, 0, width - 1, height - 1}, PixelType::Colour, Depth::Eight,
+                                           AlphaForm::Straight, 20261121);
         picture.FillChannel(1.0);
         for (const Filter* prototype : FilterRegistry::Instance().Filters()) {
             if (prototype->Label() != label) continue;
