@@ -9,6 +9,7 @@
 #include "kel/scene/canvas_picture.h"
 #include "kel/scene/gl.h"
 #include "kel/scene/host_state.h"
+#include "kel/scene/instance_rebuild.h"
 #include "kel/scene/overlay_picture.h"
 #include "kel/scene/scene_renderer.h"
 
@@ -63,22 +64,12 @@ void CheckValue(const Instance& instance, std::size_t index, const ParameterValu
     if (!reason.empty()) throw cli::Error(Named("parameter", parameter.name) + ": " + reason);
 }
 
-void SendGuiStatus(HostState& state, Instance& instance) {
-    state.CallInstance(instance, Callback::GuiStatus,
-                       [](const EntryPoints& module, chalkpane::PluginInstance* block) { module.guiStatus(block); });
-}
-
+// Calls the function with each container that has an instance.
 template <typename Function>
-void ForEachInstance(HostState& state, Function function) {
+void ForEachPlugIn(HostState& state, Function function) {
     state.objects.ForEach<ContainerObject>([&](ObjectId, ContainerObject& container) {
-        if (container.instance) function(*container.instance);
+        if (container.instance) function(container);
     });
-}
-
-void EndInstance(HostState& state, Instance& instance) {
-    state.CallInstance(
-        instance, Callback::CleanupFunction,
-        [](const EntryPoints& module, chalkpane::PluginInstance* block) { module.cleanupFunction(block); });
 }
 
 void Register(HostState& state, Module& module) {
@@ -91,38 +82,22 @@ void Register(HostState& state, Module& module) {
 }
 
 void Deliver(HostState& state, const QueuedSetting& setting) {
-    Instance& instance = FindInstance(state, setting.container);
-    if (instance.Value(setting.parameter) == setting.value) return;
-    instance.SetValue(setting.parameter, setting.value);
-    state.CallInstance(instance, Callback::Changed, [&](const EntryPoints& module, chalkpane::PluginInstance* block) {
-        module.changedCallback(block, static_cast<std::int32_t>(setting.parameter) + 1);
-    });
-    SendGuiStatus(state, instance);
+    const SettingInput input{setting.parameter, setting.value};
+    ContainerObject& container = FindContainer(state, setting.container);
+    container.history.At(state.fieldsRun).operatorInputs.emplace_back(input);
+    ChangeValue(state, FindInstance(state, setting.container), input);
 }
 
 void Deliver(HostState& state, const QueuedAction& action) {
-    state.CallInstance(
-        FindInstance(state, action.container), Callback::ExecAction,
-        [&](const EntryPoints& module, chalkpane::PluginInstance* block) { module.execAction(block, action.action); });
+    const ActionInput input{action.action};
+    FindContainer(state, action.container).history.At(state.fieldsRun).operatorInputs.emplace_back(input);
+    DoAction(state, FindInstance(state, action.container), input);
 }
 
 void Deliver(HostState& state, QueuedKey) {
-    ForEachInstance(state, [&](Instance& instance) {
-        state.CallInstance(
-            instance, Callback::Keyboard,
-            [](const EntryPoints& module, chalkpane::PluginInstance* block) { module.keyboardCallback(block); });
-    });
-}
-
-// The left button, which is the only one here.
-void DeliverButton(HostState& state, const PointerStep& step) {
-    constexpr std::int32_t leftButton = 1;
-    constexpr std::int32_t activeWindow = 1;
-    const std::int32_t pressed = step.kind == PointerKind::Press ? 1 : 0;
-    ForEachInstance(state, [&](Instance& instance) {
-        state.CallInstance(instance, Callback::Mouse, [&](const EntryPoints& module, chalkpane::PluginInstance* block) {
-            module.mouseCallback(block, 0, leftButton, pressed, activeWindow, step.x, step.y, 0, 0);
-        });
+    ForEachPlugIn(state, [&](ContainerObject& container) {
+        container.history.At(state.fieldsRun).operatorInputs.emplace_back(KeyInput{});
+        PressKeyFor(state, *container.instance);
     });
 }
 
@@ -136,7 +111,7 @@ Host::Host(WindowSize window, GlSource source) : m_state(std::make_unique<HostSt
 
 Host::~Host() {
     const AtWork work(*m_state);
-    ForEachInstance(*m_state, [&](Instance& instance) { EndInstance(*m_state, instance); });
+    ForEachPlugIn(*m_state, [&](ContainerObject& container) { EndInstance(*m_state, *container.instance); });
     m_state.reset();  // its textures end while the context is current
 }
 
@@ -192,10 +167,10 @@ void Host::Attach(ObjectId container, const Module& module, const std::vector<Pa
         instance->SetValue(index, setting.value);
     }
     attached.instance = std::move(instance);
-    m_state->CallInstance(
-        *attached.instance, Callback::InitFunction,
-        [](const EntryPoints& entry, chalkpane::PluginInstance* block) { entry.initFunction(block); });
-    SendGuiStatus(*m_state, *attached.instance);
+    attached.history.firstField = m_state->fieldsRun;
+    for (std::size_t i = 0; i < module.registration.parameters.size(); ++i)
+        attached.history.firstValues.push_back(attached.instance->Value(i));
+    BeginInstance(*m_state, *attached.instance);
     m_state->ShowAnew();
 }
 
@@ -228,7 +203,10 @@ void Host::DeliverPointer(int fieldsDue) {
     const PointerStep step = *m_state->deliveredPointer;
     m_state->pointerX = step.x;
     m_state->pointerY = step.y;
-    if (step.kind != PointerKind::Move) DeliverButton(*m_state, step);
+    ForEachPlugIn(*m_state, [&](ContainerObject& container) {
+        NotePointer(*m_state, container, step);
+        if (step.kind != PointerKind::Move) MoveButton(*m_state, *container.instance, step);
+    });
 }
 
 void Host::DeliverOperator() {
@@ -253,15 +231,12 @@ void Host::SetDrawing(bool on) {
 
 void Host::RunFieldCallbacks() {
     const auto start = std::chrono::steady_clock::now();
-    ForEachInstance(*m_state, [&](Instance& instance) {
-        m_state->CallInstance(
-            instance, Callback::PerField,
-            [](const EntryPoints& module, chalkpane::PluginInstance* block) { module.execPerField(block); });
-    });
+    ForEachPlugIn(*m_state, [&](ContainerObject& container) { PassField(*m_state, *container.instance); });
     FieldTimes& times = m_state->times;
     const bool isFirst = times.last.count() == 0;
     times.last = std::chrono::steady_clock::now() - start;
     if (!isFirst) times.slowest = std::max(times.slowest, times.last);
+    ++m_state->fieldsRun;
 }
 
 void Host::RunField(int fieldsDue) {
@@ -279,6 +254,14 @@ void Host::RunStep() {
     DeliverPointer(1);
     RunFieldCallbacks();
     if (m_state->redraw) Render();
+}
+
+const InstanceHistory& Host::History(ObjectId container) const { return FindContainer(*m_state, container).history; }
+
+void Host::Rebuild(ObjectId container, const InstanceHistory& history) {
+    const AtWork work(*m_state);
+    (void)FindInstance(*m_state, container);
+    RebuildInstance(*m_state, FindContainer(*m_state, container), history);
 }
 
 const std::optional<PointerStep>& Host::DeliveredPointer() const { return m_state->deliveredPointer; }

@@ -12,6 +12,7 @@
 #include "kel/module_loading/module.h"
 #include "kel/scene/frame_buffer.h"
 #include "kel/scene/gl_context.h"
+#include "kel/scene/instance_history.h"
 #include "kel/scene/pointer_queue.h"
 #include "kel/scene/scene.h"
 #include "picture_io/picture.h"
@@ -94,6 +95,13 @@ public:
     // its own. What of an operator waits besides goes on waiting. A module's changed rectangle is thereby uploaded
     // before it is replaced by the next one.
     void RunStep();
+    // What the instance on this container was given so far.
+    [[nodiscard]] const InstanceHistory& History(ObjectId container) const;
+    // Puts a fresh instance in the place of the one on this container, which lives through all fields so far with what
+    // `history` says instead, and then has the present values. What is given from now on goes on in the container's own
+    // history, which stays. Takes the time of all those fields, without their drawing.
+    void Rebuild(ObjectId container, const InstanceHistory& history);
+
     // What that field or step got of the pointer; empty: it did nothing.
     [[nodiscard]] const std::optional<PointerStep>& DeliveredPointer() const;
 

@@ -73,6 +73,7 @@ struct HostState {
     PointerQueue pointerQueue;
     std::optional<PointerStep> deliveredPointer;  // in the last field
     std::vector<std::variant<QueuedSetting, QueuedAction, QueuedKey>> operatorQueue;
+    std::int64_t fieldsRun = 0;  // steps between fields counted too
     bool redraw = true;
     std::uint64_t pictureNumber = 0;  // of what was last rendered
     bool drawing = true;

@@ -13,6 +13,7 @@
 #include "kel/scene/gl_context.h"
 #include "kel/scene/gl_texture.h"
 #include "kel/scene/instance.h"
+#include "kel/scene/instance_history.h"
 #include "kel/scene/scene.h"
 #include "picture_io/picture.h"
 
@@ -57,6 +58,7 @@ struct ContainerObject {
     ObjectId picture = noObject;  // texture on unit 0 where the module has put none
     std::array<ObjectId, textureUnits> multiTextures = NoTextures();
     std::unique_ptr<Instance> instance;  // null: no plug-in
+    InstanceHistory history;             // what the instance was given
     RenderCalls calls;                   // of the last render
     RenderCalls drawnCalls;              // of the last one that was drawn
 

@@ -303,6 +303,13 @@ void DrawAgain(HostState& state, const FrameBuffer& target, Look look, const Fra
     while (glGetError() != GL_NO_ERROR) continue;  // told when it was asked for first
 }
 
+void RunRenderCallbacks(HostState& state, ContainerObject& container) {
+    ResetState(Look::AsItIs);
+    state.frame->Bind();
+    RenderContainer(state, container, {CurrentCameraMatrix(state), Look::AsItIs, false});
+    FinishUploads(state);
+}
+
 void RenderField(HostState& state) {
     const Pass pass{CurrentCameraMatrix(state), Look::AsItIs, state.drawing};
     const bool isWhole = state.changes.IsEverything() || state.redraws == Redraw::Whole;

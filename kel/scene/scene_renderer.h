@@ -19,6 +19,9 @@ void DrawAgain(HostState& state, const FrameBuffer& target, Look look, const Fra
 // picture is that of RenderScene, byte for byte. Without drawing, what changes is kept for the next time.
 void RenderField(HostState& state);
 
+// One container's render callbacks, as in a field that is not drawn.
+void RunRenderCallbacks(HostState& state, ContainerObject& container);
+
 // Puts OpenGL's state back to what every container starts from, whatever was left before.
 void ResetState(Look look = Look::AsItIs);
 

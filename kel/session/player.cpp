@@ -98,6 +98,9 @@ void Player::PreparePendingChange(const SessionEvent& event) {
         CheckFrame(event, *video);
         change.container = video->container;
         change.video = video->change;
+    } else if (const auto* ink = std::get_if<InkEvent>(&event.what)) {
+        change.container = ink->container;
+        change.ink = PrepareInk(event, *ink);
     } else if (const auto* save = std::get_if<SaveEvent>(&event.what)) {
         change.save = save->name;
     } else {
@@ -136,6 +139,7 @@ std::vector<std::string> Player::DeliverPendingChanges() {
         for (const ParameterSetting& setting : change.settings)
             m_host.SetParameter(container, setting.name, setting.value);
         if (!change.button.empty()) m_host.PushButton(container, change.button);
+        if (change.ink) EditInk(change.container, *change.ink);
         if (change.video) ChangeVideo(change.container, *change.video);
         if (!change.save.empty()) saves.push_back(change.save);
     }

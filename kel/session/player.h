@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "kel/scene/host.h"
+#include "kel/session/ink_edits.h"
 #include "kel/session/player_pointer.h"
 #include "kel/session/session.h"
 #include "kel/session/session_access.h"
@@ -33,12 +34,24 @@ public:
         ObjectId id = noObject;
         const Module* module = nullptr;    // borrowed from the host; null without a plug-in
         std::unique_ptr<VideoShow> video;  // null without a video
+        InkEdits edits;                    // of what was drawn there
     };
     // In the order of the session.
     [[nodiscard]] std::span<const Container> Containers() const { return m_containers; }
 
     // Changes a video as an event of the next field would. The index is that of a container with a video.
     void ChangeVideo(std::size_t container, const VideoChange& change);
+
+    // An edit of what was drawn, with its parameters as the module knows them.
+    struct InkEdit {
+        InkEvent::Kind kind = InkEvent::Kind::Undo;
+        std::size_t number = 1;
+        std::int32_t right = 0;  // window pixels
+        std::int32_t down = 0;
+        std::vector<SettingInput> values;
+    };
+    // Makes it at once, before the next field, on a container with a plug-in. False: there was nothing to do.
+    bool EditInk(std::size_t container, const InkEdit& edit);
 
     enum class Rendering { Wanted, NotWanted };
 
@@ -52,13 +65,14 @@ public:
     [[nodiscard]] ObjectId OverlayContainer() const;
 
 private:
-    // What happens in a field besides the pointer. One of the four is there.
+    // What happens in a field besides the pointer. One of the five is there.
     struct PendingChange {
         std::int64_t field = 0;
         std::size_t container = 0;
         std::vector<ParameterSetting> settings;
         std::string button;
         std::optional<VideoChange> video;
+        std::optional<InkEdit> ink;
         std::string save;
     };
 
@@ -68,6 +82,8 @@ private:
     std::vector<ParameterSetting> Settings(const std::vector<SessionValue>& values, const Module& module);
     picture_io::Picture ReadPictureAt(const std::string& path, const std::string& place) const;
     void PreparePendingChange(const SessionEvent& event);
+    InkEdit PrepareInk(const SessionEvent& event, const InkEvent& ink);
+    void CheckStroke(const SessionEvent& event, const InkEvent& ink) const;
     void CheckFrame(const SessionEvent& event, const VideoEvent& video) const;
     std::vector<std::string> DeliverPendingChanges();
     void ShowVideos();

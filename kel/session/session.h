@@ -85,13 +85,22 @@ struct VideoEvent {
     VideoChange change;         // at least one thing changes
     std::size_t container = 0;  // index into `containers`; has a video
 };
+// An edit of what was drawn. Strokes are numbered from 1 as they were drawn on the container.
+struct InkEvent {
+    enum class Kind : std::uint8_t { Undo, Redo, Remove, Move, Recolour };
+    Kind kind = Kind::Undo;
+    std::int64_t number = 1;           // how often, or which stroke
+    SessionPoint by;                   // of a move, window pixels
+    std::vector<SessionValue> values;  // of a recolouring, what it is drawn with
+    std::size_t container = 0;         // index into `containers`; has a plug-in
+};
 struct SaveEvent {
     std::string name;  // the file name of a picture, without a folder
 };
 
 struct SessionEvent {
     std::int64_t field = 0;
-    std::variant<PointerEvent, StrokeEvent, SetEvent, ButtonEvent, VideoEvent, SaveEvent> what;
+    std::variant<PointerEvent, StrokeEvent, SetEvent, ButtonEvent, VideoEvent, InkEvent, SaveEvent> what;
     std::string place;
 
     // The field in which the event is over: a stroke's release, otherwise the event's own field.

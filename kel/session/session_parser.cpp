@@ -106,6 +106,8 @@ struct EventDraft {
     bool curve = false;
     bool isStep = false;
     std::optional<std::size_t> container;
+    SessionPoint by;
+    std::vector<SessionValue> parameters;
 };
 
 // What an event asks its container to have.
@@ -218,6 +220,38 @@ constexpr auto buttonKeys = std::to_array<EventKey>({
      }},
 });
 constexpr auto videoEventKeys = std::to_array<EventKey>({fieldKey, containerKey<VideoOn>, {"film", true, ReadVideo}});
+
+constexpr std::int64_t mostStrokes = longest;
+
+template <InkEvent::Kind kind>
+void ReadInk(const cli::JsonNode& node, EventDraft& draft) {
+    InkEvent ink;
+    ink.kind = kind;
+    ink.number = node.Integer(1, mostStrokes);
+    ink.by = draft.by;
+    ink.values = std::move(draft.parameters);
+    ink.container = AddressedContainer<PluginOn>(node, draft);
+    draft.event.what = std::move(ink);
+}
+
+constexpr auto undoKeys =
+    std::to_array<EventKey>({fieldKey, containerKey<PluginOn>, {"undo", true, ReadInk<InkEvent::Kind::Undo>}});
+constexpr auto redoKeys =
+    std::to_array<EventKey>({fieldKey, containerKey<PluginOn>, {"redo", true, ReadInk<InkEvent::Kind::Redo>}});
+constexpr auto removeStrokeKeys = std::to_array<EventKey>(
+    {fieldKey, containerKey<PluginOn>, {"removeStroke", true, ReadInk<InkEvent::Kind::Remove>}});
+constexpr auto moveStrokeKeys = std::to_array<EventKey>({
+    fieldKey,
+    containerKey<PluginOn>,
+    {"by", true, [](const auto& node, auto& draft) { draft.by = Point(node); }},
+    {"moveStroke", true, ReadInk<InkEvent::Kind::Move>},
+});
+constexpr auto recolourStrokeKeys = std::to_array<EventKey>({
+    fieldKey,
+    containerKey<PluginOn>,
+    {"parameters", true, [](const auto& node, auto& draft) { draft.parameters = Values(node); }},
+    {"recolourStroke", true, ReadInk<InkEvent::Kind::Recolour>},
+});
 constexpr auto saveKeys = std::to_array<EventKey>({fieldKey, {"save", true, ReadSave}});
 
 // What an event does is said by one key, which is the name of the kind.
@@ -233,6 +267,11 @@ constexpr auto eventKinds = std::to_array<EventKind>({
     {"set", setKeys},
     {"button", buttonKeys},
     {"film", videoEventKeys},
+    {"undo", undoKeys},
+    {"redo", redoKeys},
+    {"removeStroke", removeStrokeKeys},
+    {"moveStroke", moveStrokeKeys},
+    {"recolourStroke", recolourStrokeKeys},
     {"save", saveKeys},
 });
 
@@ -273,7 +312,7 @@ void ReadContainers(const cli::JsonNode& node, Session& session) {
 
 void ReadEvents(const cli::JsonNode& node, Session& session) {
     for (const cli::JsonNode& element : node.Elements(0)) {
-        EventDraft draft{session.containers, {}, 1, false, false, {}};
+        EventDraft draft{session.containers, {}, 1, false, false, {}, {}, {}};
         draft.event.place = element.Place();
         cli::ReadKeys<EventDraft>(element, KindOf(element).keys, draft);
         if (draft.event.LastField() >= longest) element.Refuse("ends after field " + std::to_string(longest - 1));

@@ -256,6 +256,10 @@ void WorkspaceWindow::DoAction(WorkspaceAction action) {
         case WorkspaceAction::Quit:
             m_isOver = true;
             return;
+        case WorkspaceAction::Undo:
+            return m_workspace->Undo();
+        case WorkspaceAction::Redo:
+            return m_workspace->Redo();
         default:
             return m_workspace->DoVideo(action);
     }

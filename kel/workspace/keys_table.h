@@ -29,11 +29,13 @@ enum class WorkspaceAction {
     Panel,
     Help,
     Close,
-    Quit
+    Quit,
+    Undo,
+    Redo
 };
-inline constexpr std::array<std::string_view, 12> workspaceActionNames{
-    "pause",        "step",        "step back", "start", "loop",  "save picture",
-    "save overlay", "full screen", "panel",     "help",  "close", "quit"};
+inline constexpr std::array<std::string_view, 14> workspaceActionNames{
+    "pause",       "step",  "step back", "start", "loop", "save picture", "save overlay",
+    "full screen", "panel", "help",      "close", "quit", "undo",         "redo"};
 
 // The names and values here are the file's; FitKeys holds them against a module.
 struct ButtonKey {

@@ -77,9 +77,11 @@ Recording::Recording(const WorkspaceScene& scene, const std::vector<const Regist
     ordered_json events = json.value("events", ordered_json::array());
     for (const SessionEvent& event : session.events) {
         const auto* set = std::get_if<SetEvent>(&event.what);
-        if (set == nullptr) continue;
+        const auto* ink = std::get_if<InkEvent>(&event.what);
+        if (set == nullptr && (ink == nullptr || ink->values.empty())) continue;
         ordered_json& written = json[ordered_json::json_pointer(event.place)];
-        MakeImagesAbsolute(written["set"], *modules[set->container], session);
+        if (set != nullptr) MakeImagesAbsolute(written["set"], *modules[set->container], session);
+        if (ink != nullptr) MakeImagesAbsolute(written["parameters"], *modules[ink->container], session);
     }
     events = json.value("events", ordered_json::array());
     for (const char* key : {"$schema", "events", "fields"}) json.erase(key);
@@ -104,6 +106,11 @@ void Recording::AddSetting(std::int64_t field, std::size_t container, const Para
 
 void Recording::AddButton(std::int64_t field, std::size_t container, const std::string& button) {
     AddLine(Dump({{"field", field}, {"container", m_names[container]}, {"button", button}}));
+}
+
+void Recording::AddInk(std::int64_t field, std::size_t container, InkEvent::Kind kind) {
+    const char* word = kind == InkEvent::Kind::Undo ? "undo" : "redo";
+    AddLine(Dump({{"field", field}, {"container", m_names[container]}, {word, 1}}));
 }
 
 void Recording::AddVideo(std::int64_t field, std::size_t container, const VideoChange& change) {

@@ -123,6 +123,19 @@ void Workspace::Push(const std::string& button) {
     if (!IsPlayingSession()) m_pendingChanges.push_back({m_chosen, std::nullopt, {}, button});
 }
 
+void Workspace::Edit(InkEvent::Kind kind) {
+    if (!IsPlayingSession() && Chosen() != nullptr) m_pendingEdits.push_back({m_chosen, kind});
+}
+
+// Before anything else of the field, as a session that has them first plays them.
+void Workspace::DeliverEdits() {
+    for (const PendingEdit& edit : std::exchange(m_pendingEdits, {})) {
+        const std::size_t container = m_plugIns[edit.plugIn].container;
+        if (m_player->EditInk(container, {edit.kind, 1, 0, 0, {}}) && m_recording)
+            m_recording->AddInk(NextField(), container, edit.kind);
+    }
+}
+
 void Workspace::Do(const ModuleKey& key) {
     switch (key.kind) {
         case ModuleKey::Kind::Button:
@@ -213,6 +226,7 @@ bool Workspace::Record(std::int64_t field, const std::vector<PendingChange>& cha
 
 void Workspace::PlayField(int fieldsDue) {
     const std::int64_t field = NextField();
+    DeliverEdits();
     const std::vector<PendingChange> changes = std::exchange(m_pendingChanges, {});
     for (const PendingChange& change : changes) Deliver(change);
     const std::uint64_t pictureBefore = m_host->PictureNumber();

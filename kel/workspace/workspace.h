@@ -77,6 +77,10 @@ public:
     [[nodiscard]] bool IsShown(std::size_t parameter) const;
     void Push(const std::string& button);
     void Do(const ModuleKey& key);
+    // Takes back the last stroke, button or edit on the chosen plug-in's canvas, or does the one taken back last again;
+    // to any depth, whatever the module's own undo can do.
+    void Undo() { Edit(InkEvent::Kind::Undo); }
+    void Redo() { Edit(InkEvent::Kind::Redo); }
 
     // The scene's first video; null: there is none.
     [[nodiscard]] const VideoShow* Video() const;
@@ -107,7 +111,13 @@ private:
         ParameterValue value;
         std::string button;
     };
+    struct PendingEdit {
+        std::size_t plugIn = 0;
+        InkEvent::Kind kind = InkEvent::Kind::Undo;
+    };
 
+    void Edit(InkEvent::Kind kind);
+    void DeliverEdits();
     void StartRecording(const WorkspaceOptions& options);
     void WriteRecording();
     void PlayField(int fieldsDue);
@@ -126,6 +136,7 @@ private:
     std::int64_t m_firstOwnField = 0;
     std::vector<PendingChange> m_pendingChanges;
     std::vector<PointerStep> m_heldPointer;  // until m_pendingChanges have taken effect
+    std::vector<PendingEdit> m_pendingEdits;
     std::unique_ptr<Recording> m_recording;
     std::unique_ptr<RecordingFile> m_recordingFile;
     std::chrono::steady_clock::time_point m_nextWrite;

@@ -58,7 +58,7 @@ TEST_CASE("A complete session comes out as it was written") {
     CHECK_EQ(front.plugin->module, "other.qop");
     REQUIRE_EQ(front.plugin->parameters.size(), 4);
     CHECK_EQ(session.containers[2].video, "match.mp4");
-    REQUIRE_EQ(session.events.size(), 8);
+    REQUIRE_EQ(session.events.size(), 13);
     CHECK_EQ(std::get<PointerEvent>(session.events[0].what).at.x, 10.0);
     const auto& stroke = std::get<StrokeEvent>(session.events[3].what);
     CHECK_EQ(stroke.path.size(), 3);
@@ -67,6 +67,13 @@ TEST_CASE("A complete session comes out as it was written") {
     CHECK_EQ(std::get<SetEvent>(session.events[4].what).container, 1);
     CHECK_EQ(std::get<ButtonEvent>(session.events[5].what).name, "Clear");
     CHECK_EQ(std::get<SaveEvent>(session.events[6].what).name, "eight.png");
+    CHECK(std::get<InkEvent>(session.events[8].what).kind == InkEvent::Kind::Undo);
+    CHECK_EQ(std::get<InkEvent>(session.events[8].what).number, 2);
+    const auto& moved = std::get<InkEvent>(session.events[11].what);
+    CHECK(moved.kind == InkEvent::Kind::Move);
+    CHECK_EQ(moved.by.y, -4.0);
+    CHECK_EQ(moved.container, 1);
+    CHECK_EQ(std::get<InkEvent>(session.events[12].what).values[0].name, "Color");
     const auto& video = std::get<VideoEvent>(session.events[7].what);
     CHECK_EQ(video.container, 2);
     CHECK_EQ(video.change.frame, 12);
@@ -151,7 +158,8 @@ TEST_CASE("A missing key is refused at the object that lacks it") {
     CHECK_EQ(RefusalWithout("/events/3", "fields"), "s.json: /events/3: \"fields\" is missing");
     CHECK_EQ(RefusalWithout("/events/0", "press"),
              "s.json: /events/0: the event does nothing; it needs one of \"press\", \"move\", \"release\", \"stroke\", "
-             "\"set\", \"button\", \"film\", \"save\"");
+             "\"set\", \"button\", \"film\", \"undo\", \"redo\", \"removeStroke\", \"moveStroke\", "
+             "\"recolourStroke\", \"save\"");
 }
 
 TEST_CASE("A value of the wrong type or beyond its limits is refused with what was wanted") {

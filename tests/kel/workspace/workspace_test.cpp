@@ -99,6 +99,40 @@ TEST_CASE("What is recorded at the workspace plays to the same canvas, byte for 
     CHECK_EQ(place.Recorded()["fields"], 1 + 10 + 10 + 10 + 3 + 4);
 }
 
+TEST_CASE("The workspace undoes beyond the module's ring and redoes, and its recording plays to the same canvas") {
+    const Place place;
+    picture_io::Picture live;
+    {
+        Workspace workspace(place.folder / "grey.png", place.options);
+        workspace.Set(IndexOf(workspace, "MaxUndos"), std::int32_t{1});
+        workspace.RunFields(1);
+        std::vector<picture_io::Picture> canvases = {CanvasOf(workspace)};
+        for (int i = 0; i < 3; ++i) {
+            Draw(workspace, {40, 60 + 50 * i, 280, 60 + 50 * i});
+            canvases.push_back(CanvasOf(workspace));
+        }
+        const auto after = [&] {
+            workspace.RunFields(1);
+            return CanvasOf(workspace);
+        };
+        for (std::size_t there = 3; there > 0; --there) {
+            workspace.Undo();
+            CHECK(after() == canvases[there - 1]);
+        }
+        workspace.Undo();  // nothing is left to undo, and nothing happens
+        CHECK(after() == canvases[0]);
+        workspace.Redo();
+        CHECK(after() == canvases[1]);
+        workspace.Redo();
+        workspace.Redo();
+        CHECK(after() == canvases[3]);
+        workspace.Undo();
+        live = after();
+        CHECK(live == canvases[2]);
+    }
+    CHECK_EQ(PlayedCanvas(place.options.recording) == live, true);
+}
+
 TEST_CASE("A shape that is recognised at the workspace is recognised by the play of its recording") {
     const Place place;
     picture_io::Picture live;
