@@ -25,8 +25,10 @@ std::vector<SessionInput> InputsOf(const Session& session) {
             inputs.push_back({container.video, container.place + "/film", SessionInput::Use::Video});
         if (container.plugin) AddValues(session, container.plugin->parameters, inputs);
     }
-    for (const SessionEvent& event : session.events)
+    for (const SessionEvent& event : session.events) {
         if (const auto* set = std::get_if<SetEvent>(&event.what)) AddValues(session, set->values, inputs);
+        if (const auto* ink = std::get_if<InkEvent>(&event.what)) AddValues(session, ink->values, inputs);
+    }
     return inputs;
 }
 
