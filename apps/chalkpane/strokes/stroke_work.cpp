@@ -15,6 +15,8 @@ namespace {
 constexpr double passesOfAFilter = 500;        // a wide median or a curve of 14 bits costs as much for each pixel
 constexpr double leastPixelsOfAFilter = 2000;  // what it prepares does not shrink with the dab
 constexpr double passesOfAProfile = 65;        // the shape and its shifted copies
+constexpr double passesOfMatchPath = 10;       // each dab's mask is rotated to lie along the path
+constexpr double passesOfPickup = 7;           // each dab takes what lies under it along
 constexpr int finalSteps = 4;                  // with which a stroke ends
 
 double NumberOf(const ParameterValue* value) {
@@ -52,8 +54,12 @@ BrushPace PaceOf(BasicBrush& brush) {
     pace.spacing = std::abs(width * NumberOf(brush.Value(BrushParameter::Spacing)));
     pace.shortens = static_cast<SpacingType>(spacingType) != SpacingType::Keep;
     const double area = std::max(PixelsOf(brush.Source()->DabArea()), PixelsOf(brush.Source()->TargetArea()));
-    pace.pixels =
-        area + passesOfAFilter * std::max(area, leastPixelsOfAFilter) * static_cast<double>(brush.Filters().size());
+    bool matchesPath = false;
+    if (const ParameterValue* const value = brush.Value(BrushParameter::MatchPath)) value->getBoolean(matchesPath);
+    const bool picksUp = brush.Source()->GetPickupMode() != PickupMode::Off;
+    const double passes = 1 + (matchesPath ? passesOfMatchPath : 0) + (picksUp ? passesOfPickup : 0);
+    pace.pixels = passes * area +
+                  passesOfAFilter * std::max(area, leastPixelsOfAFilter) * static_cast<double>(brush.Filters().size());
     pace.preparedPixels = area * passesOfAProfile;
     return pace;
 }

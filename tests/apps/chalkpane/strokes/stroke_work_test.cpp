@@ -83,6 +83,20 @@ TEST_CASE("What would take hours is refused") {
              tooMuch);
 }
 
+// 1001 dabs for each of 3000 segments, of some 20,000 pixels: 6e10, and 2e10 are possible.
+TEST_CASE("What a dab costs besides its pixels is counted") {
+    const auto refusal = [](const std::string& settings, int points) {
+        return Thrown([&] {
+            (void)Painted(FileOf(canvas, R"({"brush": {"Size": 64, "Profile Name": "Soft", "Spacing": 0)" + settings +
+                                             R"(}, "points": )" + ManyPoints(points, 5) + "}"));
+        });
+    };
+    CHECK_EQ(refusal("", 3000), tooMuch);
+    // Of a tenth of the segments only those are too many whose dabs are rotated, or take the canvas along.
+    CHECK_EQ(refusal(R"(, "Match Path": true)", 300), tooMuch);
+    CHECK_EQ(refusal(R"(, "Pickup": "Every Dab")", 300), tooMuch);
+}
+
 TEST_CASE("Numbers at the edge of what a file may say paint without harm") {
     for (const char* settings :
          {R"(, "Flatness": 1e300, "Adjust Spacing": true)", R"(, "Flatness": 0)",
