@@ -50,72 +50,6 @@ std::string ShownNumber(double number) {
     return text.data();
 }
 
-// Follows the parser, to know the place of what it is reading and to refuse what JSON lets pass: keys that stand twice,
-// and more than there should be room for.
-class JsonWatcher {
-public:
-    explicit JsonWatcher(const std::filesystem::path& file) : m_file(file) {}
-
-    bool operator()(json::parse_event_t event, const json& parsed) {
-        switch (event) {
-            case json::parse_event_t::object_start:
-            case json::parse_event_t::array_start:
-                if (m_open.size() == nestingLimit) throw Error(m_file.string(), Place(), "nested too deeply");
-                Count(bytesOfValue + (event == json::parse_event_t::array_start ? bytesOfList : bytesOfObject));
-                m_open.push_back({event == json::parse_event_t::array_start, 0, {}, {}});
-                break;
-            case json::parse_event_t::object_end:
-            case json::parse_event_t::array_end:
-                m_open.pop_back();
-                Advance();
-                break;
-            case json::parse_event_t::key:
-                m_open.back().key = parsed.get<std::string>();
-                Count(bytesOfKey + 2 * m_open.back().key.size());
-                if (!m_open.back().keys.insert(m_open.back().key).second)
-                    throw Error(m_file.string(), Place(), "the key stands twice");
-                break;
-            case json::parse_event_t::value:
-                Count(parsed.is_string() ? bytesOfValue + bytesOfText + parsed.get_ref<const std::string&>().size()
-                                         : bytesOfValue);
-                Advance();
-                break;
-        }
-        return true;
-    }
-
-    [[nodiscard]] std::string Place() const {
-        std::string place;
-        for (const Level& level : m_open)
-            place += '/' + (level.isArray ? std::to_string(level.index) : EscapePointer(level.key));
-        return place.empty() ? "/" : place;
-    }
-
-private:
-    static constexpr std::size_t nestingLimit = 32;
-
-    struct Level {
-        bool isArray = false;
-        std::size_t index = 0;
-        std::string key;
-        std::set<std::string> keys;
-    };
-
-    void Count(std::size_t bytes) {
-        m_bytes += bytes;
-        if (m_bytes > largestTree)
-            throw Error(m_file.string(), Place(), "up to here the file holds more than 1 GiB of memory has room for");
-    }
-
-    void Advance() {
-        if (!m_open.empty() && m_open.back().isArray) ++m_open.back().index;
-    }
-
-    const std::filesystem::path& m_file;
-    std::vector<Level> m_open;
-    std::size_t m_bytes = 0;
-};
-
 // `byte` counts from 1 and is the last one that the parser read.
 std::string LineAndColumn(const std::string& text, std::size_t byte) {
     const std::size_t end = std::min(byte == 0 ? 0 : byte - 1, text.size());
@@ -135,6 +69,108 @@ std::string ParserReason(std::string reason) {
     }
     return reason;
 }
+
+// Makes the tree of what the parser reads, knows the place of it, and refuses what JSON lets pass: keys that stand
+// twice, and more than there should be room for. (The library's own tree with a callback looks through a whole list at
+// the end of each object in it, which never ends for a million of them.)
+class JsonTree : public json::json_sax_t {
+public:
+    JsonTree(const std::string& text, const std::filesystem::path& file) : m_text(text), m_file(file) {}
+
+    json Take() { return std::move(m_root); }
+
+    bool null() override { return Leaf(nullptr); }
+    bool boolean(bool value) override { return Leaf(value); }
+    bool number_integer(number_integer_t value) override { return Leaf(value); }
+    bool number_unsigned(number_unsigned_t value) override { return Leaf(value); }
+    bool number_float(number_float_t value, const string_t&) override { return Leaf(value); }
+    bool binary(binary_t& value) override { return Leaf(std::move(value)); }
+    bool string(string_t& value) override {
+        Count(bytesOfText + value.size());
+        return Leaf(std::move(value));
+    }
+
+    bool start_object(std::size_t) override { return Open(json::object(), bytesOfObject); }
+    bool start_array(std::size_t) override { return Open(json::array(), bytesOfList); }
+    bool end_object() override { return Close(); }
+    bool end_array() override { return Close(); }
+
+    bool key(string_t& key) override {
+        m_open.back().key = std::move(key);
+        Count(bytesOfKey + 2 * m_open.back().key.size());
+        if (!m_open.back().keys.insert(m_open.back().key).second)
+            throw Error(m_file.string(), Place(), "the key stands twice");
+        return true;
+    }
+
+    bool parse_error(std::size_t position, const std::string&, const json::exception& error) override {
+        if (error.id == 406) throw Error(m_file.string(), Place(), "the number is too large");
+        throw Error(m_file.string(), LineAndColumn(m_text, position), ParserReason(error.what()));
+    }
+
+private:
+    static constexpr std::size_t nestingLimit = 32;
+
+    struct Level {
+        json* value;  // stays where it is while it is open: nothing is added beside it until then
+        std::size_t index;
+        std::string key;
+        std::set<std::string> keys;
+    };
+
+    [[nodiscard]] std::string Place() const {
+        std::string place;
+        for (const Level& level : m_open)
+            place += '/' + (level.value->is_array() ? std::to_string(level.index) : EscapePointer(level.key));
+        return place.empty() ? "/" : place;
+    }
+
+    bool Open(json empty, std::size_t bytes) {
+        if (m_open.size() == nestingLimit) throw Error(m_file.string(), Place(), "nested too deeply");
+        Count(bytesOfValue + bytes);
+        m_open.push_back({Add(std::move(empty)), 0, {}, {}});
+        return true;
+    }
+
+    bool Close() {
+        m_open.pop_back();
+        return Advance();
+    }
+
+    bool Leaf(json value) {
+        Count(bytesOfValue);
+        Add(std::move(value));
+        return Advance();
+    }
+
+    json* Add(json value) {
+        if (m_open.empty()) {
+            m_root = std::move(value);
+            return &m_root;
+        }
+        const Level& level = m_open.back();
+        if (level.value->is_object()) return &((*level.value)[level.key] = std::move(value));
+        level.value->push_back(std::move(value));
+        return &level.value->back();
+    }
+
+    bool Advance() {
+        if (!m_open.empty()) ++m_open.back().index;
+        return true;
+    }
+
+    void Count(std::size_t bytes) {
+        m_bytes += bytes;
+        if (m_bytes > largestTree)
+            throw Error(m_file.string(), Place(), "up to here the file holds more than 1 GiB of memory has room for");
+    }
+
+    const std::string& m_text;
+    const std::filesystem::path& m_file;
+    json m_root;
+    std::vector<Level> m_open;
+    std::size_t m_bytes = 0;
+};
 
 }  // namespace
 
@@ -198,15 +234,9 @@ std::string JsonNode::Text() const {
 }
 
 nlohmann::json ParseJson(const std::string& text, const std::filesystem::path& file) {
-    JsonWatcher watcher(file);
-    try {
-        return json::parse(text,
-                           [&](int, json::parse_event_t event, const json& parsed) { return watcher(event, parsed); });
-    } catch (const json::parse_error& error) {
-        throw Error(file.string(), LineAndColumn(text, error.byte), ParserReason(error.what()));
-    } catch (const json::out_of_range&) {
-        throw Error(file.string(), watcher.Place(), "the number is too large");
-    }
+    JsonTree tree(text, file);
+    json::sax_parse(text, &tree);
+    return tree.Take();
 }
 
 std::string ReadJsonText(const std::filesystem::path& file) {

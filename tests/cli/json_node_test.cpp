@@ -42,4 +42,19 @@ TEST_CASE("A million points are read") {
     CHECK_EQ(json.size(), 1'000'001);
 }
 
+// Half a million objects in one list: reading that looked through the list at the end of each would take days.
+TEST_CASE("A list of many objects is read in the time of its length") {
+    const auto json = ParseJson('[' + Repeated(R"({"a":[1]},)", 500'000) + R"({"b":{"c":-1}}])", "f.json");
+    CHECK_EQ(json.size(), 500'001);
+    CHECK_EQ(json[499'999].dump(), R"({"a":[1]})");
+    CHECK_EQ(json[500'000].dump(), R"({"b":{"c":-1}})");
+}
+
+TEST_CASE("Every kind of value is read as what it is") {
+    const std::string text = R"({"a":[null,true,-3,18446744073709551615,0.5,"x"],"b":{},"c":[]})";
+    CHECK_EQ(ParseJson(text, "f.json").dump(), text);
+    CHECK_EQ(Refusal(R"({"a": [1, 1e400]})"), "f.json: /a/1: the number is too large");
+    CHECK(ParseJson("7", "f.json").is_number_unsigned());
+}
+
 }  // namespace cli
