@@ -271,18 +271,17 @@ TEST_CASE("Alpha is set at 8 bits and widened in a 14-bit image") {
 TEST_CASE(
     "An image that is still to be written has the rectangle and format asked for, and rows with nothing between") {
     const Rect area(-3, 4, 1, 6);
-    const auto deep = Image::Unwritten(area, Image(1, 1, colour, 1, 1));
+    const auto deep = Image::Unwritten(area, Image::Colour(1, 1, Depth::Fourteen, AlphaForm::Premultiplied));
     CHECK(deep->Bounds() == area);
-    CHECK_EQ(deep->type, colour);
-    CHECK_EQ(deep->depth, 1);
-    CHECK_EQ(deep->flag, 1);
+    CHECK(deep->HasFormatOf(Image::Colour(1, 1, Depth::Fourteen, AlphaForm::Straight)));
+    CHECK(deep->IsPremultiplied());
     CHECK_EQ(deep->rowBytes, 40);
     // Five bytes a row are rounded up to eight, of which the last three are zero.
-    const auto narrow = Image::Unwritten(area, Image(1, 1, mask, 0, 0));
+    const auto narrow = Image::Unwritten(area, Image::Mask(1, 1, Depth::Eight));
     CHECK_EQ(narrow->rowBytes, 8);
     for (int y = 4; y <= 6; ++y)
         for (int gap = 5; gap < 8; ++gap) CHECK_EQ(std::to_integer<int>(narrow->Address(-3, y)[gap]), 0);
-    CHECK_EQ(Image::Unwritten(Rect(), Image(1, 1, mask, 0, 0))->ByteSize(), 0);
+    CHECK_EQ(Image::Unwritten(Rect(), Image::Mask(1, 1, Depth::Eight))->ByteSize(), 0);
 }
 
 // 0.5 * 255 + 0.5 = 128.0; 0.5 * 16383 + 0.5 = 8192.0.
