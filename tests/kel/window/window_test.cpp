@@ -200,6 +200,7 @@ TEST_CASE("A value typed into the panel is taken within its limits and not beyon
     type("31");
     CHECK_EQ(window.ValuesSet("BrushWidth"), nlohmann::json::array());
     type("7");
+    WaitUntil("the width is recorded", [&] { return !window.ValuesSet("BrushWidth").empty(); });
     CHECK_EQ(window.ValuesSet("BrushWidth"), nlohmann::json::array({7}));
     CHECK_EQ(window.ValuesSet("BrushColor"), nlohmann::json::array());  // the digits were no keys
 }
