@@ -195,8 +195,9 @@ inline Image HueRotated(const Image& source, const HueSettings& s, const Rect* r
         if (s.shadow == 0.0F && s.midtone == 0.0F && s.highlight == 0.0F) return rotated;
         const int i = static_cast<int>(v * static_cast<float>(n - 1));
         const float shadow = part(1.0F - static_cast<float>(2 * i) / size);
-        const float midtone = part(1.0F - static_cast<float>(std::abs(2 * (i - n / 2))) / size);
-        const float highlight = part(static_cast<float>(2 * (i - n / 2)) / size);
+        const int aboveMiddle = i - n / 2;
+        const float midtone = part(1.0F - static_cast<float>(std::abs(2 * aboveMiddle)) / size);
+        const float highlight = part(static_cast<float>(2 * aboveMiddle) / size);
         return rotated + (shadow * s.shadow + midtone * s.midtone + highlight * s.highlight);
     });
 }

@@ -239,7 +239,8 @@ inline Image Halftone(const Image& source, const HalftoneSettings& s, const Rect
         };
         const int i = place(static_cast<float>(x) * cosine + static_cast<float>(y) * sine);
         const int j = place(static_cast<float>(y) * cosine - static_cast<float>(x) * sine);
-        const int t = tile[static_cast<std::size_t>(j * s.size + i)];
+        const int cell = j * s.size + i;
+        const int t = tile[static_cast<std::size_t>(cell)];
         if (static_cast<float>(t + h) < level) return 255.0F;
         if (level < static_cast<float>(t - h)) return 0.0F;
         return (level - static_cast<float>(t)) * 255.0F / static_cast<float>(2 * h);
@@ -349,8 +350,8 @@ inline Image FilmGrain(const Image& source, const GrainSettings& s, int frame) {
     CopyOfArea(source, result);
     if (source.IsMask()) return result;
     chalkpane::GrainRandom random(static_cast<std::uint32_t>(frame) * 65537u + static_cast<std::uint32_t>(s.seed));
-    std::vector<int> table;
-    for (int i = 0; i < 65536; ++i) table.push_back(static_cast<std::int16_t>(random.Next() & 0xffffu));
+    std::vector<int> table(65536);
+    for (int& value : table) value = static_cast<std::int16_t>(random.Next() & 0xffffu);
     const int grow = static_cast<int>(*std::max_element(s.sizes.begin(), s.sizes.end()));
     Rect area = source.Bounds();
     area.Inflate(grow);

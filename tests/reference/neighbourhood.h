@@ -72,13 +72,15 @@ inline Image Blur(const Image& source, double softness, const Rect* region, bool
     Image between = Like(source, work);
     ForEachChannel(between, [&](int x, int y, int c) {
         int value = 1 << (shift - 1);
-        for (int i = -r; i <= r; ++i) value += taps[static_cast<std::size_t>(i + r)] * GetOrZero(source, x, y + i, c);
+        for (int k = 0; k <= 2 * r; ++k)
+            value += taps[static_cast<std::size_t>(k)] * GetOrZero(source, x, y + k - r, c);
         Put(between, x, y, c, value >> shift);
     });
     Image result = Like(source, work);
     ForEachChannel(result, [&](int x, int y, int c) {
         int value = 1 << (shift - 1);
-        for (int i = -r; i <= r; ++i) value += taps[static_cast<std::size_t>(i + r)] * GetOrZero(between, x + i, y, c);
+        for (int k = 0; k <= 2 * r; ++k)
+            value += taps[static_cast<std::size_t>(k)] * GetOrZero(between, x + k - r, y, c);
         Put(result, x, y, c, value >> shift);
     });
     return result;

@@ -20,7 +20,9 @@ TEST_CASE("The page of brushes has a row for each source, with its number and it
     const std::string page = Page("brushes.md");
     for (const SourceTypeRow& row : SourceTypes()) {
         const std::string number = std::to_string(static_cast<int>(row.type));
-        const std::string begin = "| " + number + " | " + std::string(row.name) + " | ![A stroke of source " + number;
+        std::string begin = "| " + number + " | ";
+        begin += row.name;
+        begin += " | ![A stroke of source " + number;
         CAPTURE(begin);
         CHECK_NE(page.find(begin), std::string::npos);
     }

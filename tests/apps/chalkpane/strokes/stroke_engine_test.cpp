@@ -113,11 +113,11 @@ TEST_CASE("A stroke through a chain of filters is the one that the engine paints
         }
         const std::string first = MedianFilter::Parameters()[0].label;
         const std::string second = Softener::Parameters()[0].label;
-        const auto painted = Painted(FileOf(canvasText,
-                                            R"({"brush": {"color": "#008080", "Profile Type": "Texture", "filters": [
-            {"filter": "Median", ")" + first + R"(": 2}, {"filter": "Blur", ")" +
-                                                second + R"(": 6}]}, )" + threePoints + "}",
-                                            depth == 0 ? "" : testing::in14Bits));
+        std::string stroke = R"({"brush": {"color": "#008080", "Profile Type": "Texture", "filters": [)";
+        stroke += R"({"filter": "Median", ")" + first + R"(": 2}, )";
+        stroke += R"({"filter": "Blur", ")" + second + R"(": 6}]}, )";
+        stroke += threePoints;
+        const auto painted = Painted(FileOf(canvasText, stroke + "}", depth == 0 ? "" : testing::in14Bits));
         CHECK_FALSE(SamePixels(canvas, plain));
         CHECK(SamePixels(*painted, canvas));
     }

@@ -46,6 +46,7 @@ void CompareWithReference(std::int32_t fullScale, std::int32_t total, int shift,
             }
             taps[radius] = static_cast<Channel>(rest);
             std::vector<const Channel*> sources;
+            sources.reserve(rows.size());
             for (const auto& row : rows) sources.push_back(row.data());
             const auto wanted = Reference(rows, taps, shift);
             std::vector<Channel> fast(length);

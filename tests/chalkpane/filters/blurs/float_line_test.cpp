@@ -60,10 +60,11 @@ TEST_CASE("A soft line is the running sums of the plain line, lane by lane") {
             std::vector<std::vector<float>> lanes(FloatLine::lanes,
                                                   std::vector<float>(static_cast<std::size_t>(size + 2 * radius)));
             for (std::int32_t p = 0; p < size; ++p) {
+                const std::int32_t padded = p + radius;
                 for (std::size_t lane = 0; lane < FloatLine::lanes; ++lane) {
                     const auto value = static_cast<float>(random() % 16384);
                     line.At(p)[lane] = value;
-                    lanes[lane][static_cast<std::size_t>(p + radius)] = value;
+                    lanes[lane][static_cast<std::size_t>(padded)] = value;
                 }
             }
             SoftenLine(line, spare, softness, passes);
