@@ -27,6 +27,9 @@ public:
     FrameBuffer(FrameBuffer&&) = delete;
     FrameBuffer& operator=(FrameBuffer&&) = delete;
 
+    [[nodiscard]] std::int32_t Width() const { return m_width; }
+    [[nodiscard]] std::int32_t Height() const { return m_height; }
+
     void Bind() const;
     // grey: 0.0 black .. 1.0 white; as far away as can be
     void BindAndClear(float grey) const;
@@ -35,6 +38,7 @@ public:
     [[nodiscard]] picture_io::Picture Read(const FrameArea& area) const;
     // Copies the colours over `area` of the framebuffer `target`, which stays bound.
     void ShowIn(const FrameArea& area, std::uint32_t target) const;
+    void ShowIn(const FrameArea& area, const FrameBuffer& target) const { ShowIn(area, target.m_frame); }
 
 private:
     std::int32_t m_width;

@@ -285,19 +285,12 @@ picture_io::Picture Host::ReadFrame() const {
     return m_state->frame->Read();
 }
 
-void Host::ShowFrame(const FrameArea& area, std::uint32_t target) const {
-    const AtWork work(*m_state);
-    ResetState();
-    m_state->frame->ShowIn(area, target);
-}
+void Host::ShowFrame(const FrameArea& area, std::uint32_t target) const { ShowFramePart(area, area, target); }
 
 void Host::ShowFramePart(const FrameArea& area, const FrameArea& part, std::uint32_t target) const {
     const AtWork work(*m_state);
     ResetState();
-    glEnable(GL_SCISSOR_TEST);
-    glScissor(part.x, part.y, std::max(part.width, 0), std::max(part.height, 0));
-    m_state->frame->ShowIn(area, target);
-    glDisable(GL_SCISSOR_TEST);
+    m_state->shrinker.Show(*m_state->frame, area, part, target);
 }
 
 picture_io::Picture Host::ReadCanvas(ObjectId container) const {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "kel/scene/frame_buffer.h"
+#include "kel/scene/frame_shrinker.h"
 #include "kel/scene/gl_context.h"
 #include "kel/scene/host.h"
 #include "kel/scene/objects.h"
@@ -61,6 +62,7 @@ struct HostState {
     GlContext context;  // first: the objects below end while it is there
     WindowSize window;
     std::unique_ptr<FrameBuffer> frame;
+    FrameShrinker shrinker;  // for what is shown of the frame
     ImageObject clearImage;  // one clear pixel, in place of a module's texture; built when it is first needed
 
     Objects objects;

@@ -88,12 +88,10 @@ private:
 WorkspaceWindow::WorkspaceWindow(const WindowOptions& options) : m_options(options) {
     m_options.workspace.gl = GlSource::Current;
     const WindowSize room = m_window.Room();
-    m_options.workspace.largest = {std::max(room.width - panelWidth, 64), std::max(room.height - statusHeight, 64)};
     m_workspace = std::make_unique<Workspace>(m_options.file, m_options.workspace);
     FitTheKeys(m_options.areKeysGiven ? KeyFit::All : KeyFit::WhatFits);
-    const WindowSize scene = m_workspace->TheHost().Window();
-    const PictureArea shown = FitPicture(scene, {std::min(scene.width, m_options.workspace.largest.width),
-                                                 std::min(scene.height, m_options.workspace.largest.height)});
+    const WindowSize shown = FirstSize(m_workspace->TheHost().Window(), {std::max(room.width - panelWidth, 64),
+                                                                         std::max(room.height - statusHeight, 64)});
     m_window.SetTitle(m_workspace->File().filename().string() + " - kel");
     m_window.Show({shown.width + panelWidth, std::max(shown.height, 560) + statusHeight});
 }

@@ -27,6 +27,17 @@ PictureArea FitPicture(WindowSize scene, WindowSize free) {
     return area;
 }
 
+WindowSize FirstSize(WindowSize scene, WindowSize room) {
+    constexpr double usualSide = 1280;  // pixels: small ones are enlarged to it, where there is room
+    constexpr double leastGain = 1.5;   // for less than that pixels stay sharp
+    const double width = scene.width;
+    const double height = scene.height;
+    const double enlarged = usualSide / std::max(width, height);
+    const double scale = std::min({enlarged < leastGain ? 1.0 : enlarged, room.width / width, room.height / height});
+    const auto side = [&](double length) { return std::max(1, static_cast<int>(std::lround(length * scale))); };
+    return {side(width), side(height)};
+}
+
 ScenePixel SceneAt(const PictureArea& area, WindowSize scene, std::int32_t windowX, std::int32_t windowY) {
     return {Along(windowX, area.x, area.width, scene.width), Along(windowY, area.y, area.height, scene.height)};
 }

@@ -21,6 +21,10 @@ struct PictureArea {
 // free: what of the window the picture may take, from its upper left corner
 [[nodiscard]] PictureArea FitPicture(WindowSize scene, WindowSize free);
 
+// How large a scene is shown at first: at its own size or smaller, so that it fits into `room`; one much smaller
+// than a screen is enlarged.
+[[nodiscard]] WindowSize FirstSize(WindowSize scene, WindowSize room);
+
 struct ScenePixel {
     std::int32_t x = 0;
     std::int32_t y = 0;

@@ -22,7 +22,7 @@ Workspace::Workspace(const std::filesystem::path& file, const WorkspaceOptions& 
     : m_file(file), m_saver(options.saves) {
     m_host = std::make_unique<Host>(WindowSize{16, 16}, options.gl);
     CheckPictureMemory(file, options.permissions);
-    m_scene = OpenWorkspaceScene(file, m_host->LoadModule(options.module).registration, options.largest);
+    m_scene = OpenWorkspaceScene(file, m_host->LoadModule(options.module).registration);
     const Session& session = m_scene.session;
     m_host->ResizeWindow({session.window.width, session.window.height});
     SessionPermissions permissions = options.permissions;

@@ -23,7 +23,6 @@ struct WorkspaceOptions {
     std::filesystem::path module;     // for plug-ins that name none
     bool isModuleGiven = false;       // by the operator: a recording names it
     SessionPermissions permissions;   // of the sessions opened; the file that is opened may be read wherever it is
-    WindowSize largest{1280, 720};    // of the window of a picture or a video
     std::filesystem::path recording;  // empty: none
     std::filesystem::path saves = ".";
 };

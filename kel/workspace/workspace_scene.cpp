@@ -24,7 +24,6 @@ namespace fs = std::filesystem;
 
 constexpr double fieldOfView = 40;
 constexpr double usualFieldsPerSecond = 50;
-constexpr double usualSide = 1280;  // pixels: small pictures are enlarged to it, where there is room
 
 // How much nearer to the camera than the picture the pane stands. It is smaller by as much, so that both meet the same
 // pixels.
@@ -84,14 +83,12 @@ ordered_json PenValues(const Registration& module) {
     return values;
 }
 
-ordered_json SceneAround(const fs::path& file, const Backdrop& backdrop, const Registration& module,
-                         WindowSize largest) {
+ordered_json SceneAround(const fs::path& file, const Backdrop& backdrop, const Registration& module) {
     const auto [width, height] = backdrop.size;
     const double side = std::max(width, height);
     const double distance = height / 2.0 / std::tan(fieldOfView / 2 / 180 * std::numbers::pi);
-    const WindowSize window = WindowFor(backdrop.size, largest);
     const double paneScale = 1 - paneNearness;
-    return {{"window", {{"width", window.width}, {"height", window.height}}},
+    return {{"window", {{"width", width}, {"height", height}}},
             {"fieldsPerSecond", backdrop.fieldsPerSecond},
             {"camera", {{"position", {0, 0, distance}}, {"target", {0, 0, 0}}, {"fieldOfView", fieldOfView}}},
             {"containers",
@@ -105,18 +102,9 @@ ordered_json SceneAround(const fs::path& file, const Backdrop& backdrop, const R
 
 }  // namespace
 
-WindowSize WindowFor(WindowSize picture, WindowSize largest) {
-    const double width = picture.width;
-    const double height = picture.height;
-    const double enlarged = std::max(1.0, usualSide / std::max(width, height));
-    const double scale = std::min({enlarged, largest.width / width, largest.height / height});
-    const auto side = [&](double length) { return std::max(1, static_cast<int>(std::lround(length * scale))); };
-    return {side(width), side(height)};
-}
-
 bool IsSessionFile(const fs::path& file) { return KindOf(file) == FileKind::Session; }
 
-WorkspaceScene OpenWorkspaceScene(const fs::path& file, const Registration& module, WindowSize largest) {
+WorkspaceScene OpenWorkspaceScene(const fs::path& file, const Registration& module) {
     WorkspaceScene scene;
     const FileKind kind = KindOf(file);
     if (kind == FileKind::Session) {
@@ -126,8 +114,7 @@ WorkspaceScene OpenWorkspaceScene(const fs::path& file, const Registration& modu
         return scene;
     }
     const Backdrop backdrop = kind == FileKind::Picture ? PictureBackdrop(file) : VideoBackdrop(file);
-    scene.text =
-        SceneAround(file, backdrop, module, largest).dump(2, ' ', false, ordered_json::error_handler_t::replace);
+    scene.text = SceneAround(file, backdrop, module).dump(2, ' ', false, ordered_json::error_handler_t::replace);
     scene.session = ParseSession(scene.text, file);
     return scene;
 }

@@ -24,7 +24,7 @@ PictureArea FindPaper(const picture_io::Picture& screen) {
 }
 
 PaperWindow::PaperWindow(const std::vector<std::string>& more) {
-    picture_io::WritePicture(Plain(400, 300, paper), folder / "paper.png");
+    picture_io::WritePicture(Plain(1200, 900, paper), folder / "paper.png");
     std::vector<std::string> arguments = {"paper.png", "--record", "run.json"};
     arguments.insert(arguments.end(), more.begin(), more.end());
     Start(arguments);

@@ -1,5 +1,7 @@
 #include <doctest/doctest.h>
 
+#include <utility>
+
 #include "kel/workspace/field_pacer.h"
 #include "kel/workspace/pen_times.h"
 #include "kel/workspace/picture_area.h"
@@ -92,6 +94,19 @@ TEST_CASE("A picture fills what is free as far as its proportions go, in the mid
     const PictureArea tall = FitPicture({100, 400}, {300, 200});
     CHECK_EQ(tall.x, 125);
     CHECK_EQ(tall.width, 50);
+}
+
+TEST_CASE(
+    "A scene is shown first at its own size, a large one as it fits, and one much smaller than a screen enlarged") {
+    const auto size = [](WindowSize scene, WindowSize room) {
+        const WindowSize first = FirstSize(scene, room);
+        return std::pair(first.width, first.height);
+    };
+    CHECK_EQ(size({1280, 720}, {1560, 1000}), std::pair(1280, 720));
+    CHECK_EQ(size({1200, 900}, {1560, 1000}), std::pair(1200, 900));  // 1280 / 1200 would be 1.07
+    CHECK_EQ(size({4000, 3000}, {1560, 900}), std::pair(1200, 900));
+    CHECK_EQ(size({320, 240}, {1560, 1000}), std::pair(1280, 960));
+    CHECK_EQ(size({320, 240}, {800, 480}), std::pair(640, 480));
 }
 
 TEST_CASE("A pixel of the window is one of the scene") {

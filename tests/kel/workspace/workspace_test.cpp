@@ -22,13 +22,12 @@ using cli::testing::Thrown;
 using cli::testing::WriteText;
 using nlohmann::json;
 
-// A folder with a grey picture of 64 x 48, and how a workspace is opened on it.
+// A folder with a grey picture of 320 x 240, and how a workspace is opened on it.
 class Place {
 public:
     Place() {
-        picture_io::WritePicture(testing::Plain(64, 48, {90, 90, 90, 255}), folder / "grey.png");
+        picture_io::WritePicture(testing::Plain(320, 240, {90, 90, 90, 255}), folder / "grey.png");
         options.module = CHALKPANE_MODULE;
-        options.largest = {320, 240};
         options.recording = folder / "run.json";
         options.saves = folder.Path();
     }
@@ -178,6 +177,19 @@ TEST_CASE("Over a picture that is not square dabs are round on the screen") {
     CHECK_EQ(seen.At(317, 237), testing::Pixel{90, 90, 90, 255});
 }
 
+TEST_CASE("A picture is saved from the workspace with the pixels that it has, however many") {
+    Place place;
+    place.options.recording.clear();
+    const picture_io::Picture photo = testing::Speckled(1500, 1100);
+    picture_io::WritePicture(photo, place.folder / "photo.png");
+    {
+        Workspace workspace(place.folder / "photo.png", place.options);
+        workspace.RunFields(1);
+        workspace.SavePicture();
+    }
+    CHECK_EQ(picture_io::ReadPicture(place.folder / "photo-picture-001.png") == photo, true);
+}
+
 TEST_CASE("Keys act on the chosen plug-in, and steps in one field add up") {
     const Place place;
     Workspace workspace(place.folder / "grey.png", place.options);
@@ -296,7 +308,7 @@ TEST_CASE("A recording names the operator's module by its name, which plays wher
 
 TEST_CASE("A film is paused, stepped and looped while one draws, and its recording shows the same frames") {
     Place place;
-    testing::WriteCountedVideo(place.folder / "counted.mkv", 12, 64, 48, 25);
+    testing::WriteCountedVideo(place.folder / "counted.mkv", 12, 320, 240, 25);
     std::vector<std::int64_t> live;
     {
         Workspace workspace(place.folder / "counted.mkv", place.options);
