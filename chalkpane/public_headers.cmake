@@ -71,4 +71,5 @@ set(chalkpane_public_headers
     chalkpane/brush/profiles/profile_preset.h
     chalkpane/brush/sources/brush_source.h
     chalkpane/brush/sources/source_types.h
-    chalkpane/brush/spline_iterator.h)
+    chalkpane/brush/spline_iterator.h
+    chalkpane/brush/spline_weights.h)

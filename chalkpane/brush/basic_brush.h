@@ -21,6 +21,7 @@ class BrushSource;
 class ColourBrushSource;
 class Filter;
 class ProfileCache;
+struct SmallDabTarget;
 
 // Turns a path of pointer samples into dabs on an image.
 //
@@ -141,11 +142,14 @@ private:
     void RebuildSource();
     [[nodiscard]] double BaseSpacing(const StrokePoint& sample) const;
     Rect StepAlongPath(const StrokePoint& sample, bool& painted);
+    Rect PaintEvenStretch(double squaredSpacing, double pressureFactor, bool& painted);
     [[nodiscard]] std::int32_t NextCandidate(std::int32_t step, double squaredSpacing) const;
     Rect PaintDab(StrokePoint place, bool repeat);
     void MeasureTouchingArea();
     // True: a dab there touches nothing of the target and leaves nothing else behind, so it need not be made.
-    [[nodiscard]] bool Misses(const StrokePoint& place) const;
+    [[nodiscard]] bool Misses(const StrokePoint& place) const {
+        return place.x < touching.minX || place.x > touching.maxX || place.y < touching.minY || place.y > touching.maxY;
+    }
     // Passes over a stretch of the path all of whose dabs miss. True: that was one, and the last dab is where it would
     // be; `painted` tells whether there was one.
     bool PassStretchOver(double squaredSpacing, double pressureFactor, bool& painted);
@@ -158,6 +162,10 @@ private:
     // True: each dab is one colour through a mask, not rotated, onto the target, and nothing else.
     [[nodiscard]] bool PaintsPlainDabs() const;
     Rect PaintPlainDab(const Dab& dab);
+    [[nodiscard]] SmallDabTarget TargetOfSmallDabs() const;
+    bool PaintSmallDab(const SmallDabTarget& canvas, const StrokePoint& place, Rect& changed) const;
+    void PaintNextPlainDab(const StrokePoint& place, Rect& changed);
+    void FadeOpacity();
     Rect PaintOnTarget(Dab& dab);
     void PaintOnMask(Dab& dab);
 

@@ -29,12 +29,8 @@ void BasicBrush::MeasureTouchingArea() {
     touching = {target->x0 - half, target->y0 - half, target->x1 + half, target->y1 + half};
 }
 
-bool BasicBrush::Misses(const StrokePoint& place) const {
-    return place.x < touching.minX || place.x > touching.maxX || place.y < touching.minY || place.y > touching.maxY;
-}
-
 bool BasicBrush::PassStretchOver(double squaredSpacing, double pressureFactor, bool& painted) {
-    if (!history.StaysBeside(touching.minX, touching.minY, touching.maxX, touching.maxY)) {
+    if (!Misses(lastInput) || !history.StaysBeside(touching.minX, touching.minY, touching.maxX, touching.maxY)) {
         stepsToPassOver = mostStepsPassedOver;
         return false;
     }

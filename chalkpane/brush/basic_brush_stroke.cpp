@@ -5,6 +5,7 @@
 #include "chalkpane/brush/basic_brush.h"
 #include "chalkpane/brush/sources/colour_brush_source.h"
 #include "chalkpane/brush/sources/source_types.h"
+#include "chalkpane/brush/spline_search.h"
 #include "chalkpane/composite/brush_paster.h"
 #include "chalkpane/composite/eraser.h"
 #include "chalkpane/filters/filter_chain.h"
@@ -90,12 +91,9 @@ Rect BasicBrush::StepAlongPath(const StrokePoint& sample, bool& painted) {
     double squaredSpacing = Square(pathSpacing);
     MeasureTouchingArea();
     if (PassStretchOver(squaredSpacing, pressureFactor, painted)) return {};
+    if (!adjustSpacing && !firstDabPending) return PaintEvenStretch(squaredSpacing, pressureFactor, painted);
     Rect changed;
-    bool missed = true;  // the last dab, so the next ones may as well
-    std::int32_t tryAgainAt = 0;
     for (std::int32_t step = 0; step < SplineIterator::steps; ++step) {
-        if (missed && step >= tryAgainAt)
-            step = PassMissesOver(step, squaredSpacing, pressureFactor, painted, tryAgainAt);
         step = NextCandidate(step, squaredSpacing);
         if (step >= SplineIterator::steps) break;
         const StrokePoint point = history.PointAt(step);
@@ -108,7 +106,6 @@ Rect BasicBrush::StepAlongPath(const StrokePoint& sample, bool& painted) {
         if (!beyond && !(firstDabPending && squaredDistance >= squaredStart)) continue;
         // KEEP: a path that outruns the spacing at once begins here; only a slow one begins at its first sample.
         if (beyond) firstDabPending = false;
-        missed = Misses(point);
         changed = changed.Union(PaintDab({point.x, point.y, point.pressure * pressureFactor}, false));
         painted = true;
     }
@@ -121,29 +118,13 @@ std::int32_t BasicBrush::NextCandidate(std::int32_t step, double squaredSpacing)
     // At least the start's distance is the same as beyond the number just below it.
     static const double belowStart = std::nextafter(squaredStart, 0.0);
     const double limit = !firstDabPending || squaredSpacing < squaredStart ? squaredSpacing : belowStart;
-    return history.FirstBeyond(step, lastDabX, lastDabY, limit);
+    return SplineSearch(history, limit).FirstBeyond(step, lastDabX, lastDabY);
 }
 
 double BasicBrush::AngleAlongPath(const StrokePoint& place, bool repeat) {
     if (!matchPath) return 0.0;
     if (!repeat) lastAngle = -std::atan2(lastDabY - place.y, place.x - lastDabX) * 180 / 3.141592653589793;
     return lastAngle;
-}
-
-bool BasicBrush::PaintsPlainDabs() const {
-    return colourSource != nullptr && colourSource->HasPlainDabs() && paintPlaneOn && !maskPlaneOn && !maskPlaneClips &&
-           !matchPath && filters.empty() && target != nullptr;
-}
-
-// What `PaintOnTarget` comes to for such dabs, with no images made.
-Rect BasicBrush::PaintPlainDab(const Dab& dab) {
-    ColourDab plain;
-    if (!colourSource->FindDab(dab.place.x, dab.place.y, plain)) return {};
-    if (dab.erases)
-        EraseColourDab(plain, *target, dab.opacity);
-    else
-        PasteColourDab(plain, *target, SourceTypeOf(sourceType).behaviour, dab.opacity, blendMode);
-    return plain.rect.Intersection(*target);
 }
 
 Rect BasicBrush::PaintDab(StrokePoint place, bool repeat) {
@@ -171,8 +152,7 @@ Rect BasicBrush::PaintDab(StrokePoint place, bool repeat) {
             // No memory for the images: the dab is left out and the stroke goes on.
         }
     }
-    const double kept = 1.0 - decay;
-    currentOpacity *= kept > 0.0 ? std::sqrt(kept) : 0.0;
+    FadeOpacity();
     return changed;
 }
 

@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "chalkpane/brush/spline_weights.h"
+
 namespace chalkpane {
 
 // One pointer sample, or one point of the curve between samples: canvas pixels, and a pressure of 0.0 .. 1.0.
@@ -13,6 +15,19 @@ struct StrokePoint {
     double pressure = 0.0;
 };
 
+using SplineSamples = std::array<float, 4>;  // oldest first
+
+inline double BlendSamples(const SplineWeights& weights, const SplineSamples& samples) {
+    return static_cast<double>(weights[0]) * samples[0] + static_cast<double>(weights[1]) * samples[1] +
+           static_cast<double>(weights[2]) * samples[2] + static_cast<double>(weights[3]) * samples[3];
+}
+
+// Bounds on how far the points of two steps can lie apart.
+struct SplineStepBounds {
+    double perStep = 0.0;   // between neighbouring steps, without rounding
+    double rounding = 0.0;  // of any two steps, besides
+};
+
 // The uniform cubic B-spline through the last four samples of a stroke, evaluated at 1001 steps of its parameter from 0
 // to 1.
 //
@@ -20,7 +35,7 @@ struct StrokePoint {
 // on the step alone, so they stand in a table.
 class SplineIterator {
 public:
-    static constexpr std::int32_t steps = 1001;
+    static constexpr std::int32_t steps = splineSteps;
 
     // All four samples become this one.
     void Fill(const StrokePoint& sample);
@@ -35,16 +50,18 @@ public:
     [[nodiscard]] bool Rests() const;
 
     // step: 0 .. steps - 1.
-    [[nodiscard]] StrokePoint PointAt(std::int32_t step) const;
+    [[nodiscard]] StrokePoint PointAt(std::int32_t step) const {
+        const SplineWeights& weights = splineWeights.ofStep[static_cast<std::size_t>(step)];
+        return {BlendSamples(weights, xs), BlendSamples(weights, ys), BlendSamples(weights, pressures)};
+    }
 
-    // The first step from `step` on whose point lies further from (x, y) than the square root of `squaredLimit`;
-    // `steps` when there is none. The answer is that of testing each step in turn; stretches of the curve that cannot
-    // get so far are passed over. A limit that is NaN is never exceeded.
-    [[nodiscard]] std::int32_t FirstBeyond(std::int32_t step, float x, float y, double squaredLimit) const;
+    [[nodiscard]] const SplineSamples& Xs() const { return xs; }
+    [[nodiscard]] const SplineSamples& Ys() const { return ys; }
+    [[nodiscard]] SplineStepBounds StepBounds() const;
 
-    // The last of the steps that `FirstBeyond` finds when each one found becomes, narrowed to floats, the point to get
-    // away from; `steps` when it finds none. Takes from `budget` what it took in tested steps; with nothing left, the
-    // curve's last step is the answer.
+    // The last of the steps that a `SplineSearch` finds when each one found becomes, narrowed to floats, the point to
+    // get away from; `steps` when it finds none. Takes from `budget` what it took in tested steps; with nothing left,
+    // the curve's last step is the answer.
     [[nodiscard]] std::int32_t LastBeyond(float x, float y, double squaredLimit, std::int32_t& budget) const;
     // A step shortly before `end` that is among those whatever (x, y) was; `steps` when there is none surely.
     [[nodiscard]] std::int32_t SurelyBeyond(double squaredLimit, std::int32_t end = steps) const;
@@ -57,17 +74,12 @@ public:
                                                   double maxY) const;
 
 private:
-    struct StepBounds;
-
-    [[nodiscard]] StepBounds StepBoundsOfSamples() const;
-    [[nodiscard]] std::int32_t FirstBeyond(const StepBounds& bounds, std::int32_t step, float x, float y,
+    [[nodiscard]] std::int32_t FirstBeyond(const SplineStepBounds& bounds, std::int32_t step, float x, float y,
                                            double squaredLimit, std::int32_t& tested) const;
 
-    using Samples = std::array<float, 4>;  // oldest first
-
-    Samples xs{};
-    Samples ys{};
-    Samples pressures{};
+    SplineSamples xs{};
+    SplineSamples ys{};
+    SplineSamples pressures{};
 };
 
 }  // namespace chalkpane

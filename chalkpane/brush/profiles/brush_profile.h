@@ -50,10 +50,12 @@ protected:
     static void RectOf(const Image* mask, Rect& out) { out = mask != nullptr ? mask->Bounds() : Rect(); }
 };
 
-// Whole pixels of a coordinate, towards zero; nothing when it is NaN or beyond 2 to the 30.
+// False for a coordinate that is NaN or beyond 2 to the 30.
+[[nodiscard]] inline bool IsPlaceable(double coordinate) { return std::abs(coordinate) < 1 << 30; }
+
+// Whole pixels of a coordinate, towards zero; nothing when it is not placeable.
 [[nodiscard]] inline std::optional<std::int32_t> WholePixels(double coordinate) {
-    constexpr double farthest = 1 << 30;
-    if (!(std::abs(coordinate) < farthest)) return std::nullopt;
+    if (!IsPlaceable(coordinate)) return std::nullopt;
     return static_cast<std::int32_t>(coordinate);
 }
 

@@ -11,17 +11,6 @@
 
 namespace chalkpane {
 
-namespace {
-
-// Which eighth of a pixel a coordinate asks for. KEEP: half a pixel is added to what follows the truncation, so that a
-// whole coordinate takes the copy of four eighths, and the half takes eight eighths, which is the unshifted one.
-std::size_t Eighth(double coordinate) {
-    const double fraction = coordinate + 0.5 - static_cast<std::int32_t>(coordinate);
-    return static_cast<std::size_t>(std::abs(static_cast<std::int32_t>(fraction * 8))) % 8;
-}
-
-}  // namespace
-
 RoundBrushProfile::ChosenCopy RoundBrushProfile::Choose(double x, double y) const {
     const Point2 at = matrix.Transform(x, y);
     if (BaseMask() == nullptr || !WholePixels(at.x) || !WholePixels(at.y)) return {};
@@ -29,13 +18,12 @@ RoundBrushProfile::ChosenCopy RoundBrushProfile::Choose(double x, double y) cons
 }
 
 RoundBrushProfile::PlacedMask RoundBrushProfile::FindMask(double x, double y) const {
-    const auto [copy, placeX, placeY] = Choose(x, y);
+    const auto [number, moveX, moveY] = FindCopy(x, y);
+    if (number < 0) return {};
+    const Image* const copy = Shifted(static_cast<std::size_t>(number) / 8, static_cast<std::size_t>(number) % 8);
     if (copy == nullptr) return {};
-    const auto moveX = WholePixels(placeX);
-    const auto moveY = WholePixels(placeY);
-    if (!moveX || !moveY) return {};
     PlacedMask placed{copy, copy->Bounds()};
-    placed.rect.Translate(*moveX, *moveY);
+    placed.rect.Translate(moveX, moveY);
     return placed;
 }
 
@@ -70,9 +58,10 @@ void RoundBrushProfile::Prepare(const DabShape& shape, const Matrix3& newMatrix)
     for (const std::int32_t number : {shape.radius, shape.margin, static_cast<std::int32_t>(depth)})
         key.push_back(static_cast<std::uint32_t>(number));
     if (!content.empty()) masks = cache->Find(key);
-    if (masks) return;
-    masks = Build(shape);
-    if (!content.empty() && BaseMask() != nullptr) cache->Add(key, masks);
+    const bool isKept = masks != nullptr;
+    if (!isKept) masks = Build(shape);
+    isBuilt = BaseMask() != nullptr;
+    if (!isKept && !content.empty() && isBuilt) cache->Add(key, masks);
 }
 
 std::shared_ptr<const ProfileMasks> RoundBrushProfile::Build(const DabShape& shape) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdlib>
 #include <memory>
 #include <vector>
 
@@ -28,6 +29,22 @@ public:
         Rect rect;
     };
     [[nodiscard]] PlacedMask FindMask(double x, double y) const;
+    // The same by the number of the shifted copy, 8 * j + i, and the whole pixels that it moves by. A number below 0:
+    // no mask.
+    struct CopyPlace {
+        std::int32_t copy = -1;
+        std::int32_t moveX = 0;
+        std::int32_t moveY = 0;
+    };
+    [[nodiscard]] CopyPlace FindCopy(double x, double y) const {
+        const Point2 at = matrix.Transform(x, y);
+        const double placeX = at.x - offsetX;
+        const double placeY = at.y - offsetY;
+        if (!isBuilt || !IsPlaceable(at.x) || !IsPlaceable(at.y) || !IsPlaceable(placeX) || !IsPlaceable(placeY))
+            return {};
+        return {static_cast<std::int32_t>(8 * Eighth(at.x) + Eighth(at.y)), static_cast<std::int32_t>(placeX),
+                static_cast<std::int32_t>(placeY)};
+    }
     // KEEP: by the radius alone, past the matrix, and half a pixel from where `GetMask` puts it.
     [[nodiscard]] std::unique_ptr<Image> GetMaskFast(double x, double y) override;
     // Makes the base mask and the shifted copies, or takes them from the cache.
@@ -50,6 +67,14 @@ protected:
     void IdentifyContent(ProfileKey key) { content = std::move(key); }
 
 private:
+    // Which eighth of a pixel a coordinate asks for. KEEP: half a pixel is added to what follows the truncation, so
+    // that a whole coordinate takes the copy of four eighths, and the half takes eight eighths, which is the unshifted
+    // one.
+    static std::size_t Eighth(double coordinate) {
+        const double fraction = coordinate + 0.5 - static_cast<std::int32_t>(coordinate);
+        return static_cast<std::size_t>(std::abs(static_cast<std::int32_t>(fraction * 8))) % 8;
+    }
+
     [[nodiscard]] std::shared_ptr<const ProfileMasks> Build(const DabShape& shape) const;
 
     struct ChosenCopy {
@@ -61,6 +86,7 @@ private:
 
     std::shared_ptr<ProfileCache> cache = ProfileCache::Shared();
     std::shared_ptr<const ProfileMasks> masks;  // the base mask and its shifted copies; null before `Prepare`
+    bool isBuilt = false;                       // there is a base mask
     std::int32_t totalRadius = 0;               // radius and margin
     double offsetX = 0.0;                       // of the dab's point in the base mask, through the matrix
     double offsetY = 0.0;

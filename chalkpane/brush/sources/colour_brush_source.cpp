@@ -1,6 +1,7 @@
 #include "chalkpane/brush/sources/colour_brush_source.h"
 
 #include <algorithm>
+#include <bit>
 
 #include "chalkpane/brush/sources/dab_colour.h"
 
@@ -36,6 +37,22 @@ bool ColourBrushSource::MakeDab(double x, double y, double angle, std::unique_pt
 void ColourBrushSource::Prepare(std::int32_t margin, GraphValue* graph, const Matrix3& newMatrix) {
     ProfiledBrushSource::Prepare(margin, graph, newMatrix);
     roundProfile = dynamic_cast<const RoundBrushProfile*>(profile.get());
+    TakeSmallMasks();
+}
+
+void ColourBrushSource::TakeSmallMasks() {
+    hasSmallDabs = roundProfile != nullptr && roundProfile->BaseMask() != nullptr && !erasing;
+    for (std::size_t copy = 0; hasSmallDabs && copy < smallMasks.size(); ++copy) {
+        const Image* const mask = roundProfile->Shifted(copy / 8, copy % 8);
+        hasSmallDabs = mask != nullptr && smallMasks[copy].Take(*mask);
+    }
+}
+
+std::uint32_t ColourBrushSource::Pixel8() const {
+    const DabPixel pixel = PixelOf(colour, Depth::Eight);
+    return std::bit_cast<std::uint32_t>(
+        std::array<std::uint8_t, 4>{static_cast<std::uint8_t>(pixel[0]), static_cast<std::uint8_t>(pixel[1]),
+                                    static_cast<std::uint8_t>(pixel[2]), static_cast<std::uint8_t>(pixel[3])});
 }
 
 bool ColourBrushSource::FindDab(double x, double y, ColourDab& dab) {

@@ -1,11 +1,13 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <memory>
 
 #include "chalkpane/brush/profiles/round_brush_profile.h"
 #include "chalkpane/brush/sources/profiled_brush_source.h"
 #include "chalkpane/composite/colour_dab.h"
+#include "chalkpane/composite/small_dab.h"
 
 namespace chalkpane {
 
@@ -27,12 +29,31 @@ public:
     [[nodiscard]] bool HasPlainDabs() const { return roundProfile != nullptr && HoldsNothing(); }
     // The dab of `MakeDab` without rotation, on images that stay the source's. False: there is none.
     bool FindDab(double x, double y, ColourDab& dab);
+    // The same of a dab small enough to be painted as a block. A mask of null: there is no dab.
+    struct SmallDab {
+        const SmallMask8* mask = nullptr;
+        std::int32_t moveX = 0;  // of the mask's rectangle
+        std::int32_t moveY = 0;
+    };
+    [[nodiscard]] bool HasSmallDabs() const { return hasSmallDabs; }
+    [[nodiscard]] SmallDab FindSmallDab(double x, double y) const {
+        const auto [copy, moveX, moveY] = roundProfile->FindCopy(x, y);
+        if (copy < 0) return {};
+        return {&smallMasks[static_cast<std::size_t>(copy)], moveX, moveY};
+    }
+    // The colour as it lies in memory at 8 bits.
+    [[nodiscard]] std::uint32_t Pixel8() const;
 
 private:
     void FillFor(const Image& mask);
     [[nodiscard]] std::unique_ptr<Image> ColourImage(const Image& mask);
 
     const RoundBrushProfile* roundProfile = nullptr;  // the profile, where it is one of that family
+
+    void TakeSmallMasks();
+
+    std::array<SmallMask8, 64> smallMasks;  // of the profile's copies, 8 * j + i
+    bool hasSmallDabs = false;
 
     Colour colour;
     bool erasing;

@@ -16,16 +16,6 @@ SplineIterator IterateThrough(const StrokePoint (&samples)[4]) {
     return spline;
 }
 
-std::int32_t EachStepInTurn(const SplineIterator& spline, std::int32_t step, float x, float y, double squaredLimit) {
-    for (; step < SplineIterator::steps; ++step) {
-        const StrokePoint point = spline.PointAt(step);
-        const double dx = point.x - x;
-        const double dy = point.y - y;
-        if (dx * dx + dy * dy > squaredLimit) return step;
-    }
-    return SplineIterator::steps;
-}
-
 }  // namespace
 
 // At t = 0 the weights are 1/6, 4/6, 1/6 and 0: (6 + 4 * 12 + 18) / 6 = 12, (0 + 4 * 3 + 6) / 6 = 3.
@@ -78,48 +68,6 @@ TEST_CASE("a curve rests only when place and pressure of all four samples are th
     spline.Push({5, 9, 0.5});
     CHECK(spline.Moves());
     CHECK_EQ(spline.NewestLength(), 3.0);
-}
-
-TEST_CASE("passing over stretches of the curve finds the step that testing each in turn finds") {
-    constexpr unsigned seed = 20;
-    CAPTURE(seed);
-    std::mt19937 random(seed);
-    const double scales[] = {0.0, 1e-3, 0.3, 4, 60, 1000, 1e6, 1e9};
-    std::uniform_real_distribution<double> unit(-1, 1);
-    for (int round = 0; round < 4000; ++round) {
-        const double scale = scales[random() % std::size(scales)];
-        const double place = scales[random() % std::size(scales)];
-        SplineIterator spline;
-        for (int i = 0; i < 4; ++i) spline.Push({place + scale * unit(random), place - scale * unit(random), 1});
-        const auto x = static_cast<float>(place + scale * unit(random));
-        const auto y = static_cast<float>(place + scale * unit(random));
-        const double limits[] = {0.0, 1e-12, scale * scale * 0.04, scale * scale, scale * scale * 3, 37.8, 5.0};
-        const double limit = limits[random() % std::size(limits)];
-        const auto from = static_cast<std::int32_t>(random() % SplineIterator::steps);
-        CAPTURE(round);
-        CAPTURE(scale);
-        CAPTURE(limit);
-        REQUIRE_EQ(spline.FirstBeyond(0, x, y, limit), EachStepInTurn(spline, 0, x, y, limit));
-        REQUIRE_EQ(spline.FirstBeyond(from, x, y, limit), EachStepInTurn(spline, from, x, y, limit));
-    }
-}
-
-// The distance at each step is itself taken as the limit: nothing is beyond it there, and the next larger one is.
-TEST_CASE("a step exactly at the limit is not beyond it") {
-    const SplineIterator spline = IterateThrough({{0, 0, 1}, {1, 2, 1}, {4, 3, 1}, {9, 5, 1}});
-    for (std::int32_t step = 1; step + 1 < SplineIterator::steps; ++step) {
-        const StrokePoint point = spline.PointAt(step);
-        const double squared = point.x * point.x + point.y * point.y;
-        REQUIRE_EQ(spline.FirstBeyond(0, 0, 0, squared), EachStepInTurn(spline, 0, 0, 0, squared));
-        REQUIRE_GT(spline.FirstBeyond(step, 0, 0, squared), step);
-    }
-}
-
-TEST_CASE("a limit that is NaN is never exceeded, and one below zero always") {
-    const SplineIterator spline = IterateThrough({{0, 0, 1}, {10, 0, 1}, {20, 0, 1}, {30, 0, 1}});
-    CHECK_EQ(spline.FirstBeyond(0, 0, 0, std::numeric_limits<double>::quiet_NaN()), SplineIterator::steps);
-    CHECK_EQ(spline.FirstBeyond(0, 0, 0, std::numeric_limits<double>::infinity()), SplineIterator::steps);
-    CHECK_EQ(spline.FirstBeyond(7, 0, 0, -1.0), 7);
 }
 
 TEST_CASE(

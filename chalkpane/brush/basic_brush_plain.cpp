@@ -1,0 +1,105 @@
+#include "chalkpane/base/memory_loss.h"
+#include "chalkpane/brush/basic_brush.h"
+#include "chalkpane/brush/sources/colour_brush_source.h"
+#include "chalkpane/brush/sources/source_types.h"
+#include "chalkpane/brush/spline_search.h"
+#include "chalkpane/composite/brush_paster_rows.h"
+
+#include <cmath>
+#include <new>
+
+namespace chalkpane {
+
+// The dabs that a telestrator sets by the ten thousand: one colour through one of the profile's own masks. What they
+// have in common is found once for a stretch of the path.
+
+bool BasicBrush::PaintsPlainDabs() const {
+    return colourSource != nullptr && colourSource->HasPlainDabs() && paintPlaneOn && !maskPlaneOn && !maskPlaneClips &&
+           !matchPath && filters.empty() && target != nullptr;
+}
+
+// What `PaintOnTarget` comes to for such dabs, with no images made.
+Rect BasicBrush::PaintPlainDab(const Dab& dab) {
+    ColourDab plain;
+    if (!colourSource->FindDab(dab.place.x, dab.place.y, plain)) return {};
+    if (dab.erases)
+        EraseColourDab(plain, *target, dab.opacity);
+    else
+        PasteColourDab(plain, *target, SourceTypeOf(sourceType).behaviour, dab.opacity, blendMode);
+    return plain.rect.Intersection(*target);
+}
+
+// Of a canvas that small dabs can be painted on as blocks; anything else has no origin.
+SmallDabTarget BasicBrush::TargetOfSmallDabs() const {
+    if (!colourSource->HasSmallDabs() || paintEraserFlag || blendMode != 0) return {};
+    if (SourceTypeOf(sourceType).behaviour != PasteBehaviour::Over) return {};
+    return SmallDabTarget::Of(*target, colourSource->Pixel8());
+}
+
+// False: this dab is none for a block, and nothing is painted.
+bool BasicBrush::PaintSmallDab(const SmallDabTarget& canvas, const StrokePoint& place, Rect& changed) const {
+    const auto [mask, moveX, moveY] = colourSource->FindSmallDab(place.x, place.y);
+    if (mask == nullptr) return false;
+    const Rect rect(mask->rect.x0 + moveX, mask->rect.y0 + moveY, mask->rect.x1 + moveX, mask->rect.y1 + moveY);
+    if (!canvas.Holds(rect)) return false;
+    using F = PixelFormat8;
+    const std::int32_t dabOpacity =
+        IntegerOpacity(currentOpacity * place.pressure, pasteOpacityFactor<F>, F::fullScale);
+    SmallColourOver8(canvas, *mask, rect.x0, rect.y1, dabOpacity);
+    changed = changed.Union(rect);
+    return true;
+}
+
+void BasicBrush::PaintNextPlainDab(const StrokePoint& place, Rect& changed) {
+    Dab dab;
+    dab.place = place;
+    dab.opacity = currentOpacity * place.pressure;
+    dab.erases = source->IsEraser() || paintEraserFlag;
+    try {
+        changed = changed.Union(PaintPlainDab(dab));
+    } catch (const std::bad_alloc&) {
+        CountMemoryLoss();
+    }
+}
+
+// Where the spacing is the same in all directions, and no dab is pending.
+Rect BasicBrush::PaintEvenStretch(double squaredSpacing, double pressureFactor, bool& painted) {
+    const SplineSearch search(history, squaredSpacing);
+    const bool isPlain = PaintsPlainDabs();
+    const SmallDabTarget small = isPlain ? TargetOfSmallDabs() : SmallDabTarget();
+    Rect changed;
+    bool missed = Misses({lastDabX, lastDabY, 0});  // so the next ones may as well
+    bool followsDab = false;
+    std::int32_t tryAgainAt = 0;
+    for (std::int32_t step = 0; step < SplineIterator::steps; ++step) {
+        if (missed && step >= tryAgainAt) {
+            const std::int32_t passed = PassMissesOver(step, squaredSpacing, pressureFactor, painted, tryAgainAt);
+            followsDab = followsDab || passed != step;
+            step = passed;
+        }
+        step = followsDab ? search.NextBeyond(step, lastDabX, lastDabY) : search.FirstBeyond(step, lastDabX, lastDabY);
+        if (step >= SplineIterator::steps) break;
+        StrokePoint place = history.PointAt(step);
+        missed = Misses(place);
+        place.pressure *= pressureFactor;
+        painted = followsDab = true;
+        if (!isPlain) {
+            changed = changed.Union(PaintDab(place, false));
+            continue;
+        }
+        PlaceUnpaintedDab(place, 1.0);
+        if (!missed && !(small.origin != nullptr && PaintSmallDab(small, place, changed)))
+            PaintNextPlainDab(place, changed);
+        FadeOpacity();
+    }
+    return changed;
+}
+
+// Each dab fades the rest of the stroke.
+void BasicBrush::FadeOpacity() {
+    if (decay == 0.0) return;
+    const double kept = 1.0 - decay;
+    currentOpacity *= kept > 0.0 ? std::sqrt(kept) : 0.0;
+}
+
+}  // namespace chalkpane

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstdint>
+
+#include "chalkpane/brush/spline_iterator.h"
+
+namespace chalkpane {
+
+// Finds the steps of one curve at which dabs fall: those that lie further from the last dab than the spacing.
+//
+// The answers are those of testing each step in turn; stretches of the curve that cannot get so far are passed over.
+// Made anew for each curve, on the stack; borrows nothing.
+class SplineSearch {
+public:
+    // squaredLimit: of the spacing. One that is NaN is never exceeded.
+    SplineSearch(const SplineIterator& spline, double squaredLimit);
+
+    // The first step from `step` on whose point lies further from (x, y) than the limit; `SplineIterator::steps` when
+    // there is none.
+    [[nodiscard]] std::int32_t FirstBeyond(std::int32_t step, float x, float y) const;
+    // The same where (x, y) is the point of the step before `step`, narrowed to floats, as it is after a dab.
+    [[nodiscard]] std::int32_t NextBeyond(std::int32_t step, float x, float y) const;
+
+private:
+    friend struct SplineSearchAvx2;
+
+    [[nodiscard]] std::int32_t FirstBeyondPlain(std::int32_t step, float x, float y) const;
+
+    SplineSamples xs_;
+    SplineSamples ys_;
+    SplineStepBounds bounds_;
+    double squaredLimit_;
+    double surely_;  // whatever is nearer than that, but for the rounding of its weights, is within the limit
+};
+
+// Needs AVX2, and is there where `builtWithAvx2`.
+struct SplineSearchAvx2 {
+    [[nodiscard]] static std::int32_t FirstBeyond(const SplineSearch& search, std::int32_t step, float x, float y);
+};
+
+}  // namespace chalkpane
