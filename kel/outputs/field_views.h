@@ -17,6 +17,9 @@ public:
     //   drawn  the container whose canvas is shown; needed for the canvas alone, which is straight in any case
     [[nodiscard]] SharedPicture Show(View view, Host& host, ObjectId drawn = noObject);
 
+    // What comes next is another host.
+    void Forget() { m_pictureNumber.reset(); }
+
 private:
     [[nodiscard]] picture_io::Picture Make(View view, Host& host, ObjectId drawn);
 

@@ -1,6 +1,7 @@
 #include "kel/outputs/live_outputs.h"
 
 #include <exception>
+#include <utility>
 
 namespace kel {
 namespace {
@@ -25,15 +26,25 @@ void LiveOutputs::Start(WindowSize window, double fieldsPerSecond) {
 
 void LiveOutputs::TakeField(Host& host) {
     if (!m_outputs) return;
-    std::vector<OutputField> fields = m_outputs->Look(host);
+    PassOn();
+    if (!m_outputs) return;
+    m_last = m_outputs->Look(host);
+    m_hasField = true;
+}
+
+void LiveOutputs::TakeFieldAgain(Host& host) {
+    if (m_outputs && m_hasField) m_last = m_outputs->LookAgain(host);
+}
+
+void LiveOutputs::PassOn() {
+    if (!m_hasField) return;
     bool isLate = false;
     {
         const std::lock_guard lock(m_mutex);
         isLate = m_hasFailed || m_waiting.size() >= mostWaiting;
-        if (!isLate) m_waiting.push_back(std::move(fields));
+        if (!isLate) m_waiting.push_back(std::exchange(m_last, {}));
     }
     if (isLate) return Abandon();
-    m_hasField = true;
     m_changed.notify_one();
 }
 
@@ -47,6 +58,7 @@ void LiveOutputs::Abandon() {
 }
 
 bool LiveOutputs::Finish() {
+    if (m_outputs) PassOn();
     End();
     if (!m_outputs || m_hasFailed || !m_hasField) {
         m_outputs.reset();

@@ -29,17 +29,21 @@ public:
     void Start(WindowSize window, double fieldsPerSecond);
     // The host has just drawn the next field. Returns at once.
     void TakeField(Host& host);
+    // The same in the place of the one taken last: what is written is what a field looks like when the next one comes.
+    void TakeFieldAgain(Host& host);
     void Abandon();
     // Writes the end of all files and gives them their names. False: they were abandoned, or no field came.
     [[nodiscard]] bool Finish();
 
 private:
+    void PassOn();
     void WriteFields();
     void End();
 
     OutputOptions m_options;
     std::unique_ptr<Outputs> m_outputs;  // null: not started, or abandoned
     std::thread m_writer;
+    std::vector<OutputField> m_last;  // waits for the next one
     bool m_hasField = false;
     std::mutex m_mutex;
     std::condition_variable m_changed;

@@ -45,6 +45,10 @@ bool Outputs::WantEveryField() const {
     return std::ranges::any_of(m_sinks, [](const auto& sink) { return sink->WantsEveryField(); });
 }
 
+bool Outputs::WantLastField() const {
+    return !std::ranges::all_of(m_sinks, [](const auto& sink) { return sink->WantsEveryField(); });
+}
+
 bool Outputs::AreLive() const {
     return std::ranges::all_of(m_sinks, [](const auto& sink) { return sink->IsLive(); });
 }
@@ -58,10 +62,14 @@ OutputField Outputs::FieldFor(const OutputSink& sink, std::int64_t number, Host&
 }
 
 std::vector<OutputField> Outputs::Look(Host& host) {
+    ++m_field;
+    return LookAgain(host);
+}
+
+std::vector<OutputField> Outputs::LookAgain(Host& host) {
     std::vector<OutputField> fields;
     for (const auto& sink : m_sinks)
-        if (sink->WantsEveryField()) fields.push_back(FieldFor(*sink, m_field, host, noObject));
-    ++m_field;
+        if (sink->WantsEveryField()) fields.push_back(FieldFor(*sink, m_field - 1, host, noObject));
     return fields;
 }
 

@@ -43,8 +43,13 @@ public:
     void Announce(const std::filesystem::path& picture) { m_files.Announce(picture); }
     void Stage(const picture_io::Picture& picture, const std::filesystem::path& file) { m_files.Stage(picture, file); }
 
+    // The next field is of another host than those before.
+    void ChangeHost() { m_views.Forget(); }
+
     // True: every field is looked at, so each has to be drawn.
     [[nodiscard]] bool WantEveryField() const;
+    // True: one of them shows the last field alone.
+    [[nodiscard]] bool WantLastField() const;
     // True: all of them can follow in real time.
     [[nodiscard]] bool AreLive() const;
     // The host has just drawn a field.
@@ -52,6 +57,8 @@ public:
     // The same in two steps, which may belong to two threads: what the sinks want to see of the field, and giving it to
     // them.
     [[nodiscard]] std::vector<OutputField> Look(Host& host);
+    // The same for the field that was looked at last, which has changed since.
+    [[nodiscard]] std::vector<OutputField> LookAgain(Host& host);
     void Take(const std::vector<OutputField>& fields);
     // The host's picture is that of the last field. Writes what shows it, and gives all files their names.
     //   drawn  the container whose canvas is written; noObject where none is wanted

@@ -229,6 +229,11 @@ void Host::SetDrawing(bool on) {
     m_state->drawing = on;
 }
 
+void Host::DrawAgain() {
+    const AtWork work(*m_state);
+    DrawFieldAgain(*m_state);
+}
+
 void Host::RunFieldCallbacks() {
     const auto start = std::chrono::steady_clock::now();
     ForEachPlugIn(*m_state, [&](ContainerObject& container) { PassField(*m_state, *container.instance); });

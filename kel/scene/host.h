@@ -114,6 +114,8 @@ public:
     void SetDrawing(bool on);
 
     void SetRedraw(Redraw redraw);  // Changed, as at the start
+    // Draws the scene once more with the pictures that it has now, between two fields and without any callback.
+    void DrawAgain();
     // What of the picture has changed since this was last asked, or a rectangle around it.
     [[nodiscard]] FrameArea TakeChangedArea();
 

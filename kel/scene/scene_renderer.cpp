@@ -326,6 +326,13 @@ void RenderField(HostState& state) {
     NotePicture(state, WholeWindow(state));
 }
 
+void DrawFieldAgain(HostState& state) {
+    DrawAgain(state, *state.frame, Look::AsItIs, WholeWindow(state));
+    state.changedArea = WholeWindow(state);
+    state.overlay.stale = WholeWindow(state);
+    ++state.pictureNumber;
+}
+
 void BuildTexture(ImageObject& image) {
     if (image.texture.Name() == 0) image.texture = GlTexture::Generate();
     const BoundTexture bound(image.texture);

@@ -19,6 +19,10 @@ void DrawAgain(HostState& state, const FrameBuffer& target, Look look, const Fra
 // picture is that of RenderScene, byte for byte. Without drawing, what changes is kept for the next time.
 void RenderField(HostState& state);
 
+// Draws all of the host's frame with what modules asked of OpenGL last. The next field is drawn as if this had not
+// been.
+void DrawFieldAgain(HostState& state);
+
 // One container's render callbacks, as in a field that is not drawn.
 void RunRenderCallbacks(HostState& state, ContainerObject& container);
 

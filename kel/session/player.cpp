@@ -129,6 +129,10 @@ void Player::ChangeVideo(std::size_t container, const VideoChange& change) {
     m_containers[container].video->Change(change, m_field);
 }
 
+void Player::ShowVideoFrame(std::size_t container, std::int64_t frame) {
+    if (m_containers[container].video->ShowFrame(m_host, frame)) m_host.DrawAgain();
+}
+
 // Those of the field to come; returns what it saves.
 std::vector<std::string> Player::DeliverPendingChanges() {
     std::vector<std::string> saves;

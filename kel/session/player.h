@@ -42,6 +42,10 @@ public:
     // Changes a video as an event of the next field would. The index is that of a container with a video.
     void ChangeVideo(std::size_t container, const VideoChange& change);
 
+    // Shows that frame of a container's video under what is drawn now, between two fields. Throws Error when the frame
+    // is damaged.
+    void ShowVideoFrame(std::size_t container, std::int64_t frame);
+
     // An edit of what was drawn, with its parameters as the module knows them.
     struct InkEdit {
         InkEvent::Kind kind = InkEvent::Kind::Undo;

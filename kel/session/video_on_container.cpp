@@ -12,13 +12,13 @@ VideoShow::VideoShow(const std::filesystem::path& file, ObjectId container, doub
       m_framesPerSecond(m_reader.FramesPerSecond()),
       m_clock(m_reader.FrameCount(), m_framesPerSecond / fieldsPerSecond) {}
 
-void VideoShow::Show(Host& host, std::int64_t field) {
-    const std::int64_t frame = m_clock.FrameAt(field);
-    if (frame == m_shown) return;
+bool VideoShow::ShowFrame(Host& host, std::int64_t frame) {
+    if (frame == m_shown) return false;
     m_shown = frame;
     const picture_io::Picture picture = TakeFrame(frame);
     Prefetch(frame + 1 < m_clock.Frames() ? frame + 1 : 0);
     host.SetPicture(m_container, picture);
+    return true;
 }
 
 picture_io::Picture VideoShow::TakeFrame(std::int64_t frame) {

@@ -29,7 +29,13 @@ public:
 
     // Puts the field's frame on the container. Throws Error when the frame is damaged; the one before it stays then,
     // and the damaged one is not tried again until another has been shown.
-    void Show(Host& host, std::int64_t field);
+    void Show(Host& host, std::int64_t field) { (void)ShowFrame(host, m_clock.FrameAt(field)); }
+    // The same for a frame, whatever the field. False: it is there already.
+    bool ShowFrame(Host& host, std::int64_t frame);
+    // The frame at a time, counted from the first one.
+    [[nodiscard]] std::int64_t FrameAtTime(double seconds) const { return m_reader.FrameAt(seconds); }
+    // What the container shows; -1: nothing yet.
+    [[nodiscard]] std::int64_t Shown() const { return m_shown; }
 
 private:
     picture_io::Picture TakeFrame(std::int64_t frame);

@@ -37,7 +37,10 @@ public:
 private:
     void FitTheKeys(KeyFit fit);
     void Open(const std::filesystem::path& file);
+    void StartLive();
     void FeedLive(int fields);
+    void FeedFrame();
+    void EndFeed();
     void StartPacing() { m_pacer = FieldPacer(m_workspace->FieldsPerSecond(), Clock::now()); }
     [[nodiscard]] WindowSize Free() const;
 
@@ -79,7 +82,8 @@ private:
     PenTimes m_pen;
     std::vector<SDL_Event> m_keysUp;
     int m_opened = 1;
-    bool m_isDrawing = false;  // the pointer was pressed on the picture
+    std::int64_t m_fedFrame = -1;  // the last one of the video that what is written has
+    bool m_isDrawing = false;      // the pointer was pressed on the picture
     bool m_hasPanel = true;
     bool m_hasHelp = false;
     bool m_isOver = false;
@@ -122,10 +126,30 @@ void WorkspaceWindow::Open(const std::filesystem::path& file) {
 // fields went by undrawn; then it is made from the recording when the window is closed.
 void WorkspaceWindow::FeedLive(int fields) {
     if (m_options.live == nullptr || m_opened > 1) return;
+    if (m_options.followsVideo) return FeedFrame();
     if (fields == 1)
         m_options.live->TakeField(m_workspace->TheHost());
     else
         m_options.live->Abandon();
+}
+
+// A video that is played once and straight on, with any pauses, can be written as it goes. Jumps are for the recording.
+void WorkspaceWindow::FeedFrame() {
+    const std::int64_t frame = m_workspace->Video()->Shown();
+    if (frame == m_fedFrame + 1)
+        m_options.live->TakeField(m_workspace->TheHost());
+    else if (frame == m_fedFrame)
+        m_options.live->TakeFieldAgain(m_workspace->TheHost());
+    else
+        m_options.live->Abandon();
+    m_fedFrame = frame;
+}
+
+// Frames that have not been shown are missing in what was written.
+void WorkspaceWindow::EndFeed() {
+    if (m_options.live == nullptr || !m_options.followsVideo) return;
+    const VideoShow* video = m_workspace->Video();
+    if (video == nullptr || m_fedFrame + 1 < video->Clock().Frames() || m_opened > 1) m_options.live->Abandon();
 }
 
 WindowSize WorkspaceWindow::Free() const {
@@ -364,11 +388,17 @@ void WorkspaceWindow::ShowPicture() {
     m_pen.Shown(now);
 }
 
-void WorkspaceWindow::Run() {
-    // A session's own events go by undrawn, and where nothing can be drawn the outputs are refused afterwards.
+// A session's own events go by undrawn, and where nothing can be drawn the outputs are refused afterwards.
+void WorkspaceWindow::StartLive() {
     const bool canFollow = !m_workspace->IsPlayingSession() && !m_workspace->PlugIns().empty();
-    if (m_options.live != nullptr && canFollow)
-        m_options.live->Start(m_workspace->TheHost().Window(), m_workspace->FieldsPerSecond());
+    if (m_options.live == nullptr || !canFollow) return;
+    const double rate =
+        m_options.followsVideo ? m_workspace->Video()->FramesPerSecond() : m_workspace->FieldsPerSecond();
+    m_options.live->Start(m_workspace->TheHost().Window(), rate);
+}
+
+void WorkspaceWindow::Run() {
+    StartLive();
     StartPacing();
     ShowPanel();
     while (!m_isOver) {
@@ -386,6 +416,7 @@ void WorkspaceWindow::Run() {
     if (m_workspace->IsPlayingSession()) return;
     m_workspace->RunFields(1);  // in which takes effect what was done last
     FeedLive(1);
+    EndFeed();
 }
 
 }  // namespace

@@ -14,6 +14,7 @@ struct WindowOptions {
     KeysTable keys;
     bool areKeysGiven = false;    // by the operator: keys that the module has no use for are errors
     bool hasSteps = true;         // the module is stepped as the pressed pointer moves, not with fields alone
+    bool followsVideo = false;    // what is written has a field for each frame of the video that is open
     LiveOutputs* live = nullptr;  // borrowed; gets every field of the file as it is drawn; null: nobody does
 };
 

@@ -20,6 +20,7 @@ void AddPlayCommand(CLI::App& program) {
                      "Where the session's own save events write (default: a folder named after the session)")
         ->type_name("FOLDER");
     command->add_flag("--overwrite", options->overwrite, "Lets the session's saves replace files that are there");
+    AddTimelineOption(*command, options->timeline);
     AddSessionOptions(*command, options->access);
     command->callback([options] { PlaySession(*options); });
 }

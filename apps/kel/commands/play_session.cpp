@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <memory>
+#include <optional>
+#include <utility>
 
 #include "apps/kel/commands/claimed_files.h"
 #include "cli/error.h"
@@ -12,6 +14,7 @@
 #include "kel/session/player.h"
 #include "kel/session/session_inputs.h"
 #include "kel/session/session_saves.h"
+#include "kel/session/video_timeline.h"
 
 namespace kel {
 namespace {
@@ -34,43 +37,138 @@ bool HasSaves(const PlayOptions& options, const Session& session) {
            });
 }
 
+// Says how far the play has come, and ends it when it is interrupted.
+class PlayProgress {
+public:
+    PlayProgress(const PlayOptions& options, const char* noun, std::int64_t all)
+        : m_told(options.progress), m_all(all), m_line(noun, all) {}
+    void Show(std::int64_t done) {
+        m_line.Show(done);
+        if (m_told && !m_told(done, m_all)) throw PlayStopped();
+        if (cli::InterruptGuard::IsInterrupted())
+            throw CLI::RuntimeError("interrupted", cli::InterruptGuard::ExitCode());
+    }
+
+private:
+    const std::function<bool(std::int64_t, std::int64_t)>& m_told;
+    std::int64_t m_all;
+    cli::ProgressLine m_line;
+};
+
+TimelinePlay::Stage MakeStage(const Session& session, const PlayOptions& options) {
+    TimelinePlay::Stage stage;
+    stage.host = std::make_unique<Host>(WindowSize{session.window.width, session.window.height});
+    stage.player =
+        std::make_unique<Player>(session, *stage.host, options.access.DefaultModule(), options.access.Permissions());
+    return stage;
+}
+
+struct Wanted {
+    Outputs& outputs;
+    const SessionSaves* saves;  // null: none of the session's own
+};
+
+void PlayFields(TimelinePlay::Stage& stage, const PlayOptions& options, const Session& session, const Wanted& wanted,
+                Player::Rendering rendering) {
+    PlayProgress progress(options, "field", session.fields);
+    while (!stage.player->IsOver()) {
+        const auto names = stage.player->PlayField(rendering);
+        if (wanted.saves != nullptr)
+            for (const std::string& name : names)
+                wanted.outputs.Stage(stage.host->ReadFrame(), wanted.saves->FileOf(name));
+        if (rendering == Player::Rendering::Wanted) wanted.outputs.TakeField(*stage.host);
+        progress.Show(stage.player->NextField());
+    }
+}
+
+void PlayAlongVideo(TimelinePlay& play, const PlayOptions& options, Outputs& outputs) {
+    const auto& steps = play.Timeline().steps;
+    PlayProgress progress(options, "frame", static_cast<std::int64_t>(steps.size()));
+    std::int64_t done = 0;
+    for (const VideoTimeline::Step& step : steps) {
+        if (play.Show(step)) outputs.ChangeHost();
+        outputs.TakeField(play.TheHost());
+        progress.Show(++done);
+    }
+}
+
+// The outputs of a session, from its first field to the names of their files.
+class SessionOutputs {
+public:
+    SessionOutputs(const PlayOptions& options, const Session& session, const OutputOptions& wanted);
+    void Play();
+
+private:
+    [[nodiscard]] TimelinePlay::Stage MakeStage() const { return kel::MakeStage(m_session, m_options); }
+    void CheckStage() const;
+    // False: all is finished by it.
+    bool PlayVideo();
+
+    const PlayOptions& m_options;
+    const Session& m_session;
+    std::unique_ptr<SessionSaves> m_saves;
+    TimelinePlay::Stage m_stage;
+    std::optional<VideoTimeline> m_timeline;
+    std::optional<Outputs> m_outputs;
+};
+
+// Every file that the play will write is checked before the first field. What fails leaves the folder of the saves
+// last, when nothing is in it any more.
+SessionOutputs::SessionOutputs(const PlayOptions& options, const Session& session, const OutputOptions& wanted)
+    : m_options(options), m_session(session), m_saves(SavesOf(options, session)) {
+    const WindowSize window{session.window.width, session.window.height};
+    if (FollowsVideo(options.timeline, session)) {
+        m_stage = MakeStage();
+        m_timeline = TimelineOf(session, *m_stage.player);
+    }
+    if (m_timeline)
+        m_outputs.emplace(wanted, window, m_timeline->framesPerSecond,
+                          static_cast<std::int64_t>(m_timeline->steps.size()));
+    else
+        m_outputs.emplace(wanted, window, session.fieldsPerSecond, session.fields);
+    if (m_saves) Announce(*m_saves, session, *m_outputs);
+    if (!m_stage.player) m_stage = MakeStage();
+    CheckStage();
+}
+
+void SessionOutputs::CheckStage() const {
+    if (m_options.outputs.WantDrawings() && m_stage.player->OverlayContainer() == noObject)
+        throw cli::Error(m_options.session, "/containers", "no container has a plug-in, so there is no overlay");
+    if (!m_options.outputs.WantAnything() && !HasSaves(m_options, m_session))
+        std::fprintf(stderr, "kel: nothing is written: %s\n",
+                     "the session saves no picture, and none of --out, --overlay, --canvas, --fill is given");
+}
+
+bool SessionOutputs::PlayVideo() {
+    TimelinePlay play(*m_timeline, std::move(m_stage), [this] { return MakeStage(); });
+    PlayAlongVideo(play, m_options, *m_outputs);
+    if (!m_outputs->WantLastField() && !HasSaves(m_options, m_session)) return false;
+    m_outputs->ChangeHost();
+    return true;
+}
+
+void SessionOutputs::Play() {
+    const bool isEveryFieldWanted = m_outputs->WantEveryField();
+    if (m_timeline && isEveryFieldWanted) {
+        if (!PlayVideo()) return m_outputs->Finish();
+        m_stage = MakeStage();  // for the pictures of the end and those that the session saves
+    }
+    const bool areFieldsTaken = isEveryFieldWanted && !m_timeline;
+    PlayFields(m_stage, m_options, m_session, {*m_outputs, m_saves.get()},
+               areFieldsTaken ? Player::Rendering::Wanted : Player::Rendering::NotWanted);
+    m_outputs->Finish(*m_stage.host, m_stage.player->OverlayContainer());
+}
+
 }  // namespace
 
 void PlaySession(const PlayOptions& options) {
     const Session session = ReadSession(options.session);
-    const WindowSize window{session.window.width, session.window.height};
     OutputOptions wanted = options.outputs;
     wanted.inputs = InputFilesOf(session);
     ClaimFiles(wanted, {});
-    // Every file that the play will write is checked before the first field. What fails leaves the folder of the saves
-    // last, when nothing is in it any more.
-    const std::unique_ptr<SessionSaves> saves = SavesOf(options, session);
-    Outputs outputs(wanted, window, session.fieldsPerSecond, session.fields);
-    if (saves) Announce(*saves, session, outputs);
-
-    Host host(window);
-    Player player(session, host, options.access.DefaultModule(), options.access.Permissions());
-    if (options.outputs.WantDrawings() && player.OverlayContainer() == noObject)
-        throw cli::Error(options.session, "/containers", "no container has a plug-in, so there is no overlay");
-    if (!options.outputs.WantAnything() && !HasSaves(options, session))
-        std::fprintf(stderr, "kel: nothing is written: %s\n",
-                     "the session saves no picture, and none of --out, --overlay, --canvas, --fill is given");
-
-    const auto picture = outputs.WantEveryField() ? Player::Rendering::Wanted : Player::Rendering::NotWanted;
+    SessionOutputs outputs(options, session, wanted);
     const cli::InterruptGuard guard;
-    {
-        cli::ProgressLine progress("field", session.fields);
-        while (!player.IsOver()) {
-            if (cli::InterruptGuard::IsInterrupted())
-                throw CLI::RuntimeError("interrupted", cli::InterruptGuard::ExitCode());
-            const auto names = player.PlayField(picture);
-            if (saves)
-                for (const std::string& name : names) outputs.Stage(host.ReadFrame(), saves->FileOf(name));
-            if (picture == Player::Rendering::Wanted) outputs.TakeField(host);
-            progress.Show(player.NextField());
-        }
-    }
-    outputs.Finish(host, player.OverlayContainer());
+    outputs.Play();
 }
 
 }  // namespace kel

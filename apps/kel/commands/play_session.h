@@ -1,10 +1,12 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 
 #include "apps/kel/commands/session_options.h"
+#include "apps/kel/commands/timeline_option.h"
 #include "kel/outputs/outputs.h"
 
 namespace kel {
@@ -16,7 +18,13 @@ struct PlayOptions {
     bool areSavesWritten = true;                       // what the session's own save events ask for
     std::optional<std::filesystem::path> savesFolder;  // none: one named after the session
     bool overwrite = false;                            // saves may replace files
+    TimelineChoice timeline = TimelineChoice::Usual;
+    // Told how many pictures of how many are done; false: the play stops as if it were interrupted. Empty: not told.
+    std::function<bool(std::int64_t done, std::int64_t all)> progress;
 };
+
+// Thrown where the progress said so; nothing is written then.
+class PlayStopped : public std::exception {};
 
 // Plays a session without a window and writes its outputs, with a progress line. Throws Error; then nothing is written.
 void PlaySession(const PlayOptions& options);

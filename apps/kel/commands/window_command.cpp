@@ -1,7 +1,10 @@
+#include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <optional>
+#include <string>
 #include <system_error>
+#include <vector>
 
 #include "apps/kel/commands/claimed_files.h"
 #include "apps/kel/commands/commands.h"
@@ -9,10 +12,13 @@
 #include "apps/kel/commands/output_options.h"
 #include "apps/kel/commands/play_session.h"
 #include "cli/error.h"
+#include "cli/word_list.h"
 #include "kel/session/session_inputs.h"
+#include "kel/window/progress_window.h"
 #include "kel/window/workspace_window.h"
 #include "kel/workspace/embedded_text.h"
 #include "kel/workspace/workspace_scene.h"
+#include "picture_io/picture_size.h"
 
 namespace kel {
 namespace {
@@ -25,6 +31,7 @@ struct WindowLine {
     bool overwrites = false;
     std::string saves = ".";
     std::string steps = "motion";
+    TimelineChoice timeline = TimelineChoice::Usual;
     OutputOptions outputs;
 };
 
@@ -64,6 +71,47 @@ std::vector<std::filesystem::path> FilesReadFor(const std::filesystem::path& fil
     return InputFilesOf(ReadSession(file));
 }
 
+// A film has its own time, unless every field is asked for; a picture has none.
+bool FollowsVideoOf(const std::filesystem::path& file, TimelineChoice choice) {
+    if (IsSessionFile(file)) return FollowsVideo(choice, ReadSession(file));
+    const bool isVideo = !picture_io::ReadPictureSize(file).has_value();
+    if (choice == TimelineChoice::Video && !isVideo)
+        throw cli::Error(file.string(), {}, "is a picture, so there is no film whose --timeline could be followed");
+    return isVideo && choice != TimelineChoice::Session;
+}
+
+std::string NamesOf(const OutputOptions& outputs) {
+    std::vector<std::string> names;
+    for (const std::string& name :
+         {outputs.out, outputs.frames, outputs.overlay, outputs.canvas, outputs.fill, outputs.key})
+        if (!name.empty()) names.push_back(std::filesystem::path(name).filename().string());
+    return cli::WordList(names, "and");
+}
+
+// Nothing that was drawn is lost with outputs that the operator no longer waits for.
+std::filesystem::path KeepRecording(const std::filesystem::path& recording, const std::filesystem::path& folder) {
+    std::filesystem::create_directories(folder);
+    std::filesystem::path kept;
+    int number = 1;
+    do {
+        kept = folder / ("recording-" + std::to_string(number++) + ".json");
+    } while (std::filesystem::exists(kept));
+    std::filesystem::copy_file(recording, kept);
+    return kept;
+}
+
+void WriteAfterwards(PlayOptions again, bool isScratch, const std::filesystem::path& saves) {
+    try {
+        RunWithProgressWindow("Writing " + NamesOf(again.outputs), [&](WorkProgress& progress) {
+            again.progress = [&](std::int64_t done, std::int64_t all) { return progress.Tell(done, all); };
+            PlaySession(again);
+        });
+    } catch (const PlayStopped&) {
+        const auto recording = isScratch ? KeepRecording(again.session, saves) : std::filesystem::path(again.session);
+        std::fprintf(stderr, "kel: stopped: no output is written; kel play %s makes them\n", recording.c_str());
+    }
+}
+
 void Window(const WindowLine& line) {
     WindowOptions options;
     options.file = line.file.empty() ? FindExampleScene() : std::filesystem::path(line.file);
@@ -86,6 +134,7 @@ void Window(const WindowLine& line) {
         return;
     }
     CheckOutputs(outputs);
+    options.followsVideo = FollowsVideoOf(options.file, line.timeline);
     std::optional<ScratchFolder> scratch;
     if (line.recording.empty()) options.workspace.recording = scratch.emplace().Path() / "recording.json";
     LiveOutputs live(outputs);
@@ -99,7 +148,8 @@ void Window(const WindowLine& line) {
     again.access = line.access;
     again.access.allowModules = again.access.allowOutside = true;
     again.areSavesWritten = false;
-    PlaySession(again);
+    again.timeline = options.followsVideo ? TimelineChoice::Video : TimelineChoice::Session;
+    WriteAfterwards(again, scratch.has_value(), line.saves);
 }
 
 }  // namespace
@@ -117,6 +167,7 @@ void AddWindowCommand(CLI::App& program) {
     command
         ->add_option("--steps", line->steps, "With motion (default) the pen draws as it moves, with field once a field")
         ->check(CLI::IsMember({"motion", "field"}));
+    AddTimelineOption(*command, line->timeline);
     AddOutputOptions(*command, line->outputs);
     command->footer("The outputs are there when the window has been closed.");
     command->callback([line] { Window(*line); });

@@ -61,6 +61,31 @@ TEST_CASE("Outputs that cannot follow, or are abandoned, leave nothing and say s
     }
 }
 
+TEST_CASE("A field that is taken again is written as it was last") {
+    const TemporaryFolder folder;
+    OutputOptions options;
+    options.out = (folder / "last.mov").string();
+    Outputs outputs(options, {testing::side, testing::side}, rate, 0);
+    int field = 0;
+    DrawStroke([&](Host& host) {
+        if (++field % 5 == 0) outputs.TakeField(host);
+    });
+    outputs.Finish();
+    OutputOptions liveOptions;
+    liveOptions.out = (folder / "live.mov").string();
+    LiveOutputs live(liveOptions);
+    live.Start({testing::side, testing::side}, rate);
+    field = 0;
+    DrawStroke([&](Host& host) {
+        if (field++ % 5 == 0)
+            live.TakeField(host);
+        else
+            live.TakeFieldAgain(host);
+    });
+    CHECK(live.Finish());
+    CHECK(cli::testing::ReadText(options.out) == cli::testing::ReadText(liveOptions.out));
+}
+
 TEST_CASE("A live output that got no field is none") {
     const TemporaryFolder folder;
     OutputOptions options;
