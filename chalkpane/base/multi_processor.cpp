@@ -13,6 +13,7 @@ constexpr std::int32_t maximumProcessorCount = 1024;
 
 std::atomic<MultiProcessor*> instance{nullptr};  // owned; the keeper below deletes it
 std::atomic<bool> unloading{false};
+std::atomic<RunListener*> runListener{nullptr};
 
 // The workers run code of this module, so they must be gone before it is unmapped or the process tears down its
 // statics: a parked thread that wakes up later would return into nothing.
@@ -42,6 +43,32 @@ void RunBand(std::int32_t band, void* userData, std::int32_t worker) {
     const std::int64_t last = std::min<std::int64_t>(first + job.rowsPerBand - 1, job.lastRow);
     for (std::int64_t row = first; row <= last; ++row)
         job.rowFunction(static_cast<std::int32_t>(row), job.userData, worker);
+}
+
+struct HeardJob {
+    RunListener& listener;
+    RowFunction rowFunction;
+    void* userData;
+};
+
+void RunHeardRow(std::int32_t row, void* userData, std::int32_t worker) {
+    const HeardJob& job = *static_cast<const HeardJob*>(userData);
+    job.rowFunction(row, job.userData, worker);
+    job.listener.RowDone();
+}
+
+// Calls `run` with the rows as they are, or with such that the listener hears of.
+template <typename RunThem>
+void RunHeard(std::int32_t firstRow, std::int32_t lastRow, RowFunction rowFunction, void* userData, RunThem run) {
+    RunListener* const listener = runListener.load(std::memory_order_acquire);
+    if (listener == nullptr || lastRow < firstRow) return run(rowFunction, userData);
+    listener->BeginLoop(std::int64_t{lastRow} - firstRow + 1);
+    HeardJob job{*listener, rowFunction, userData};
+    run(RunHeardRow, &job);
+}
+
+void RunSerially(std::int32_t firstRow, std::int32_t lastRow, RowFunction rowFunction, void* userData) {
+    for (std::int64_t row = firstRow; row <= lastRow; ++row) rowFunction(static_cast<std::int32_t>(row), userData, 0);
 }
 
 }  // namespace
@@ -103,15 +130,25 @@ void MultiProcessor::StopWorkers(std::int32_t started) {
     for (std::int32_t i = 0; i < started; ++i) m_threads[static_cast<std::size_t>(i)].join();
 }
 
+RunListener* MultiProcessor::SetListener(RunListener* listener) {
+    return runListener.exchange(listener, std::memory_order_acq_rel);
+}
+
 void MultiProcessor::Run(std::int32_t firstRow, std::int32_t lastRow, RowFunction rowFunction, void* userData) {
+    RunHeard(firstRow, lastRow, rowFunction, userData,
+             [&](RowFunction row, void* data) { RunRows(firstRow, lastRow, row, data); });
+}
+
+void MultiProcessor::RunInOrder(std::int32_t firstRow, std::int32_t lastRow, RowFunction rowFunction, void* userData) {
+    RunHeard(firstRow, lastRow, rowFunction, userData,
+             [&](RowFunction row, void* data) { RunSerially(firstRow, lastRow, row, data); });
+}
+
+void MultiProcessor::RunRows(std::int32_t firstRow, std::int32_t lastRow, RowFunction rowFunction, void* userData) {
     const std::int64_t count = std::int64_t{lastRow} - firstRow + 1;
     const bool parallel =
         count > 5 && count > 2 * std::int64_t{m_processorCount} && m_processorCount >= 2 && m_busy.exchange(1) == 0;
-    if (!parallel) {
-        for (std::int64_t row = firstRow; row <= lastRow; ++row)
-            rowFunction(static_cast<std::int32_t>(row), userData, 0);
-        return;
-    }
+    if (!parallel) return RunSerially(firstRow, lastRow, rowFunction, userData);
     m_userData = userData;
     m_rowFunction = rowFunction;
     RunParallel(firstRow, lastRow);

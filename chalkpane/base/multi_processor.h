@@ -18,6 +18,22 @@ namespace chalkpane {
 // ready before the run.
 using RowFunction = void (*)(std::int32_t row, void* userData, std::int32_t worker);
 
+// Hears how far the loops of this process have come, for a program that shows it.
+class RunListener {
+public:
+    RunListener() = default;
+    RunListener(const RunListener&) = delete;
+    RunListener& operator=(const RunListener&) = delete;
+    RunListener(RunListener&&) = delete;
+    RunListener& operator=(RunListener&&) = delete;
+    virtual ~RunListener() = default;
+
+    // A loop begins that is counted in so many rows, or bands of rows. On the thread that runs it.
+    virtual void BeginLoop(std::int64_t rows) = 0;
+    // One of them is done. Several threads come at a time. Must not throw.
+    virtual void RowDone() = 0;
+};
+
 // The process-wide runner that spreads the rows of a loop over the processors: one call, one barrier, no queue.
 //
 // There is one instance. Its workers, one per processor, start with it and park on an event between runs, until the
@@ -36,6 +52,13 @@ public:
     // rows, or up to two rows per worker, run on the calling thread in ascending order; none when the range is
     // reversed.
     void Run(std::int32_t firstRow, std::int32_t lastRow, RowFunction rowFunction, void* userData);
+
+    // The same on the calling thread alone and in ascending order.
+    static void RunInOrder(std::int32_t firstRow, std::int32_t lastRow, RowFunction rowFunction, void* userData);
+
+    // From now on `listener` hears of all loops; null: nobody. Answers who did before. Not owned. Nothing may be
+    // running. Loops of a single band, see `RunInBands`, are not worth telling.
+    static RunListener* SetListener(RunListener* listener);
 
     [[nodiscard]] std::int32_t ProcessorCount() const { return m_processorCount; }
 
@@ -61,6 +84,7 @@ private:
     };
 
     explicit MultiProcessor(std::int32_t processorCount);
+    void RunRows(std::int32_t firstRow, std::int32_t lastRow, RowFunction rowFunction, void* userData);
     void RunParallel(std::int32_t firstRow, std::int32_t lastRow);
     void Work(std::int32_t worker);
     void StopWorkers(std::int32_t started);

@@ -110,7 +110,7 @@ void RunRows(RowJob& job) {
         RunInBands(area.y0, area.y1, area.Width(), row, &job);
         return;
     }
-    for (std::int64_t y = area.y0; y <= area.y1; ++y) row(static_cast<std::int32_t>(y), &job, 0);
+    MultiProcessor::RunInOrder(area.y0, area.y1, row, &job);
 }
 
 }  // namespace

@@ -28,11 +28,6 @@ constexpr std::array bandFilters{
 
 constexpr std::int32_t mostRowsAround = 256;  // more, and the rows made twice cost more than the bands save
 
-std::int32_t BandRows(std::int32_t width, std::int32_t rowsAround) {
-    constexpr std::int32_t bandPixels = 1 << 17;
-    return std::max({1, bandPixels / width, 4 * rowsAround});
-}
-
 // The rows from `topY` down that are wanted still, with those that were read put below them.
 std::unique_ptr<Image> WithRowsBelow(const Image* kept, const picture_io::AnyPicture& rows, std::int32_t topY,
                                      std::int32_t firstY, std::int32_t width, std::int32_t depth) {
@@ -46,17 +41,28 @@ std::unique_ptr<Image> WithRowsBelow(const Image* kept, const picture_io::AnyPic
 
 }  // namespace
 
+std::optional<std::int32_t> RowsAround(const Filter& filter) {
+    const auto* const found = std::ranges::find(bandFilters, filter.Name(), &BandFilter::name);
+    if (found == bandFilters.end()) return std::nullopt;
+    const Rect pixel(0, 0, 0, 0);
+    const Rect needed = filter.InputRegion(pixel, pixel);
+    return std::max({0, -needed.y0, needed.y1}) + found->more;
+}
+
 std::optional<std::int32_t> RowsAround(std::span<const std::unique_ptr<Filter>> filters) {
     std::int32_t rows = 0;
     for (const auto& filter : filters) {
-        const auto* const found = std::ranges::find(bandFilters, filter->Name(), &BandFilter::name);
-        if (found == bandFilters.end()) return std::nullopt;
-        const Rect pixel(0, 0, 0, 0);
-        const Rect needed = filter->InputRegion(pixel, pixel);
-        rows += std::max({0, -needed.y0, needed.y1}) + found->more;
+        const auto ofFilter = RowsAround(*filter);
+        if (!ofFilter) return std::nullopt;
+        rows += *ofFilter;
         if (rows > mostRowsAround) return std::nullopt;
     }
     return rows;
+}
+
+std::int32_t BandRows(std::int32_t width, std::int32_t rowsAround) {
+    constexpr std::int32_t bandPixels = 1 << 17;
+    return std::max({1, bandPixels / width, 4 * rowsAround});
 }
 
 bool RunByBands(picture_io::RowReader& reader, std::span<const std::unique_ptr<Filter>> filters, const FilterRun& run,

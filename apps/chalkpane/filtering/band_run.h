@@ -20,6 +20,11 @@ namespace chalkpane::app {
 // How many rows above and below a row the chain needs to make it. Nothing where one of the filters needs the whole
 // picture: because it measures it, draws random numbers in its order, or moves pixels over any distance.
 [[nodiscard]] std::optional<std::int32_t> RowsAround(std::span<const std::unique_ptr<Filter>> filters);
+// The same for one filter, however many they are.
+[[nodiscard]] std::optional<std::int32_t> RowsAround(const Filter& filter);
+
+// Rows of a band for a picture of that width: as much as stays close to the processor, and more than what is around it.
+[[nodiscard]] std::int32_t BandRows(std::int32_t width, std::int32_t rowsAround);
 
 // Takes a finished band, straight, with the bounds that its rows have in the whole picture; bands come from the top
 // row down. False ends the run.

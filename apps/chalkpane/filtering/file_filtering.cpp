@@ -7,7 +7,9 @@
 #include <utility>
 
 #include "apps/chalkpane/filtering/band_run.h"
+#include "apps/chalkpane/filtering/chain_progress.h"
 #include "apps/chalkpane/filtering/filter_memory.h"
+#include "apps/chalkpane/filtering/filter_run.h"
 #include "apps/chalkpane/filtering/picture_filtering.h"
 #include "apps/chalkpane/filtering/picture_image.h"
 #include "apps/chalkpane/filtering/picture_look.h"
@@ -51,7 +53,7 @@ public:
         RequireDepth(m_out, m_depth);
         const bool isPlain = m_options.region.empty() && m_options.mask.empty() && !m_options.expand;
         const auto rowsAround = isPlain ? RowsAround(filters) : std::nullopt;
-        return rowsAround ? ByBands(reader, *rowsAround) : AsWhole(reader, filters);
+        return rowsAround ? ByBands(reader, *rowsAround) : AsWhole(std::move(reader), filters);
     }
 
 private:
@@ -127,23 +129,57 @@ private:
         return image;
     }
 
-    Bytes AsWhole(RowReader& reader, const FilterList& filters) {
-        const std::int64_t height = reader.Height();
-        const std::int64_t all = height * static_cast<std::int64_t>(filters.size() + 2);
-        Show(0, all);
-        auto source = WholeImage(reader, all);
-        const auto image = Filtered(std::move(source), filters, m_options, m_options.frame,
-                                    [&](std::int32_t done) { Show(height * (done + 1), all); });
-        RequireNoLoss();
-        SetAlphaForm(*image, AlphaForm::Straight);
-        return Written(image->Width(), image->Height(), reader.Info(), [&](RowWriter& writer) {
-            for (std::int32_t top = image->y1; top >= image->y0; top -= rowsAtOnce) {
-                const Rect band(image->x0, std::max(image->y0, top - rowsAtOnce + 1), image->x1, top);
-                if (!WriteRows(writer, *image->Convert(band, m_depth))) return false;
-                Show(all - height * (band.y0 - image->y0) / image->Height(), all);
-            }
-            return true;
+    std::unique_ptr<Image> Run(std::unique_ptr<Image> source, const FilterList& filters, std::int64_t all) {
+        const FilterRun run = RunOf(m_options, *source, m_options.frame);
+        const std::int64_t height = source->Height();
+        std::optional<ChainProgress> progress;
+        if (m_progress) progress.emplace(filters, height, [&](std::int64_t rows) { Show(height + rows, all); });
+        auto picture = RunFilters(filters, std::move(source), run, [&progress](std::int32_t done) {
+            if (progress) progress->EndFilter(done);
         });
+        RequireNoLoss();
+        SetAlphaForm(*picture, AlphaForm::Straight);
+        return picture;
+    }
+
+    // Rows of the result mixed with those of the input, which is read once more instead of being kept.
+    static std::unique_ptr<Image> MixedRows(RowReader& input, const Image& picture, const Image& mask,
+                                            const Rect& band) {
+        auto before = std::make_unique<Image>(band, ImageDefinition(band, Image::colourType, picture.depth, 0));
+        FillRows(*before, input.Read(band.Height()), band.y1);
+        return MixByMask(std::move(before), picture, mask);
+    }
+
+    // The picture goes as soon as the writer has it.
+    bool WritePicture(RowWriter& writer, std::unique_ptr<Image>& picture, const Image* mask, std::int64_t all) {
+        std::optional<RowReader> input;
+        if (mask != nullptr) input.emplace(Reader());
+        const Rect area = mask != nullptr ? mask->Bounds() : picture->Bounds();
+        for (std::int32_t top = area.y1; top >= area.y0; top -= rowsAtOnce) {
+            const Rect band(area.x0, std::max(area.y0, top - rowsAtOnce + 1), area.x1, top);
+            if (!WriteRows(writer, mask != nullptr ? *MixedRows(*input, *picture, *mask, band)
+                                                   : *picture->Convert(band, m_depth)))
+                return false;
+            Show(all - m_height * (std::int64_t{band.y0} - area.y0) / area.Height(), all);
+        }
+        picture.reset();
+        return true;
+    }
+
+    Bytes AsWhole(RowReader reader, const FilterList& filters) {
+        m_height = reader.Height();
+        const std::int64_t all = m_height * static_cast<std::int64_t>(filters.size() + 2);
+        Show(0, all);
+        const Rect bounds(0, 0, reader.Width() - 1, reader.Height() - 1);
+        (void)RunOf(m_options, bounds, m_options.frame);  // what is wrong with a region is told first
+        const auto mask = ReadMask(m_options, bounds, m_depth);
+        const picture_io::PictureInfo info = reader.Info();
+        auto source = WholeImage(reader, all);
+        { const RowReader done = std::move(reader); }  // with whatever it had decoded
+        auto picture = Run(std::move(source), filters, all);
+        const Rect area = mask ? mask->Bounds() : picture->Bounds();
+        return Written(area.Width(), area.Height(), info,
+                       [&](RowWriter& writer) { return WritePicture(writer, picture, mask.get(), all); });
     }
 
     std::string m_name;
@@ -153,6 +189,7 @@ private:
     const RowProgress& m_progress;
     Background m_background;
     std::int32_t m_depth = 0;
+    std::int64_t m_height = 0;  // of the input
 };
 
 }  // namespace

@@ -1,12 +1,15 @@
 #include "apps/chalkpane/filtering/filter_run.h"
 
 #include <array>
+#include <cstring>
 #include <new>
 #include <utility>
 
 #include "apps/chalkpane/filtering/picture_image.h"
 #include "apps/chalkpane/filtering/pixel_rows.h"
+#include "apps/chalkpane/filtering/sparing_run.h"
 #include "chalkpane/base/random.h"
+#include "chalkpane/filters/blurs/threshold_blur.h"
 #include "chalkpane/filters/distort/marble_effect.h"
 #include "chalkpane/filters/distort/turbulence_effect.h"
 #include "chalkpane/filters/point_filter.h"
@@ -32,39 +35,57 @@ bool IsOpaque(const Image& image) {
     });
 }
 
-// The same pixels where the image has the form already, or is opaque, where both forms are alike; otherwise new ones.
-// To be read only.
-std::unique_ptr<Image> InForm(const Image& source, AlphaForm form) {
-    if (source.GetAlphaForm() == form || IsOpaque(source)) {
-        auto same = std::make_unique<Image>(source);
-        same->DeclareAlphaForm(form);
-        return same;
+// The picture in that form: with the pixels as they are where it has the form already, or is opaque, where both forms
+// are alike; otherwise with others, which are its own.
+std::unique_ptr<Image> InForm(std::unique_ptr<Image> image, AlphaForm form) {
+    if (image->GetAlphaForm() == form) return image;
+    if (IsOpaque(*image)) {
+        image->DeclareAlphaForm(form);
+        return image;
     }
-    auto copy = source.Clone();
-    SetAlphaForm(*copy, form);
-    return copy;
+    image = Unshared(std::move(image));
+    SetAlphaForm(*image, form);
+    return image;
 }
 
 AlphaForm FormFor(const Filter& filter) {
     return dynamic_cast<const PointFilter*>(&filter) != nullptr ? AlphaForm::Straight : AlphaForm::Premultiplied;
 }
 
-// What the filter makes of the whole source or of the region, with whatever bounds it gives it.
-std::unique_ptr<Image> Applied(Filter& filter, const Image& source, const FilterRun& run) {
-    const auto prepared = source.Convert(Rect(), filter.WorkingDepth(source.GetDepth()));
-    const auto input = InForm(*prepared, FormFor(filter));
-    auto result = std::make_unique<Image>(*input);  // stays when the filter stores none
-    filter.Attach(input.get(), run.frame, run.time, nullptr);
-    filter.Advance(input.get(), run.frame, 0, 0, 0, 0);
+// What the filter makes of the whole input, or of the region, with whatever bounds it gives it.
+std::unique_ptr<Image> Applied(Filter& filter, const Image& input, const FilterRun& run) {
+    auto result = std::make_unique<Image>(input);  // stays when the filter stores none
+    filter.Attach(&input, run.frame, run.time, nullptr);
+    filter.Advance(&input, run.frame, 0, 0, 0, 0);
     filter.BeginStep();
     std::optional<Rect> region = run.region;
-    if (region) region = filter.InputRegion(*input, *region);  // its edges come out right only with what is around it
-    filter.Apply(*input, result, run.fast, region ? &*region : nullptr, run.expand);
+    if (region) region = filter.InputRegion(input, *region);  // its edges come out right only with what is around it
+    filter.Apply(input, result, run.fast, region ? &*region : nullptr, run.expand);
     filter.EndStep();
     filter.Detach();
     if (!result) throw std::bad_alloc();
-    if (result->buffer == input->buffer) return std::make_unique<Image>(source);  // it stored none
-    return result->Convert(Rect(), source.GetDepth());
+    return result;
+}
+
+// The same at the picture's depth, from a picture that the caller wants back in the form that the filter likes, or,
+// with null, not at all.
+std::unique_ptr<Image> AppliedTo(Filter& filter, std::unique_ptr<Image> source, const FilterRun& run,
+                                 std::unique_ptr<Image>* back) {
+    const Depth depth = source->GetDepth();
+    const Depth working = filter.WorkingDepth(depth);
+    const AlphaForm form = FormFor(filter);
+    std::unique_ptr<Image> input;
+    if (working == depth) {
+        input = InForm(std::move(source), form);
+        if (back != nullptr) *back = std::make_unique<Image>(*input);
+    } else {
+        input = InForm(source->Convert(Rect(), working), form);
+        if (back != nullptr) *back = InForm(std::move(source), form);
+        source.reset();
+    }
+    auto result = Applied(filter, *input, run);
+    input.reset();
+    return result->Convert(Rect(), depth);
 }
 
 // The parts of `whole` that lie outside `hole`, which cuts it: above, below, left and right.
@@ -73,12 +94,47 @@ std::array<Rect, 4> Around(const Rect& whole, const Rect& hole) {
             Rect(whole.x0, hole.y0, hole.x0 - 1, hole.y1), Rect(hole.x1 + 1, hole.y0, whole.x1, hole.y1)};
 }
 
-void KeepOutside(const Rect& region, const Image& source, Image& picture) {
+void CopyOutside(const Rect& region, const Image& source, Image& picture) {
     const Rect hole = region.Intersection(source);
-    const auto own = InForm(source, picture.GetAlphaForm());
-    if (!hole.IsValid()) return picture.CopyRegion(*own, source);
+    if (!hole.IsValid()) return picture.CopyRegion(source, source);
     for (const Rect& part : Around(source, hole))
-        if (part.x0 <= part.x1 && part.y0 <= part.y1) picture.CopyRegion(*own, part);
+        if (part.x0 <= part.x1 && part.y0 <= part.y1) picture.CopyRegion(source, part);
+}
+
+std::unique_ptr<Image> WithBounds(std::unique_ptr<Image> made, const Rect& bounds) {
+    if (made->Bounds() == bounds) return made;
+    auto picture = std::make_unique<Image>(bounds, *made);
+    picture->CopyRegion(*made, bounds);
+    return picture;
+}
+
+void ClearRegion(Image& image, const Rect& region) {
+    for (std::int32_t y = region.y0; y <= region.y1; ++y)
+        std::memset(image.Address(region.x0, y), 0,
+                    static_cast<std::size_t>(region.Width()) * static_cast<std::size_t>(image.pixelBytes));
+}
+
+// With the region from what was made, and all else from the source, whose pixels are used where nobody else has them.
+std::unique_ptr<Image> WithRegion(std::unique_ptr<Image> source, const Image& made, const Rect& region) {
+    source = Unshared(std::move(source));
+    const Rect hole = region.Intersection(*source);
+    if (hole.Width() < 1 || hole.Height() < 1) return source;
+    if (!made.Contains(hole)) ClearRegion(*source, hole);
+    source->CopyRegion(made, hole);
+    return source;
+}
+
+std::unique_ptr<Image> RunInRegion(Filter& filter, std::unique_ptr<Image> source, const FilterRun& run,
+                                   const Rect& region) {
+    const Rect own = source->Bounds();
+    std::unique_ptr<Image> before;
+    auto made = AppliedTo(filter, std::move(source), run, &before);
+    before = InForm(std::move(before), made->GetAlphaForm());
+    const Rect bounds = run.expand ? own.Union(*made) : own;
+    if (bounds == own) return WithRegion(std::move(before), *made, region);
+    auto picture = WithBounds(std::move(made), bounds);
+    CopyOutside(region, *before, *picture);
+    return picture;
 }
 
 // One pixel of the mix. With a and b the two alphas and m the mask of full scale f, alpha is (a (f - m) + b m) / f and
@@ -123,14 +179,17 @@ void SettleLattice() {
     }();
 }
 
-std::unique_ptr<Image> RunFilter(Filter& filter, const Image& source, const FilterRun& run) {
-    auto made = Applied(filter, source, run);
-    const Rect bounds = run.expand ? source.Union(*made) : source.Bounds();
-    if (!run.region && made->Bounds() == bounds) return made;
-    auto picture = std::make_unique<Image>(bounds, *made);
-    picture->CopyRegion(*made, bounds);
-    if (run.region) KeepOutside(*run.region, source, *picture);
-    return picture;
+std::unique_ptr<Image> Unshared(std::unique_ptr<Image> image) {
+    return image->buffer != nullptr && image->buffer->references > 1 ? image->Clone() : std::move(image);
+}
+
+std::unique_ptr<Image> RunFilter(Filter& filter, std::unique_ptr<Image> source, const FilterRun& run) {
+    if (dynamic_cast<const ThresholdBlur*>(&filter) != nullptr) return source;  // not even in another form
+    if (run.region) return RunInRegion(filter, std::move(source), run, *run.region);
+    const Rect own = source->Bounds();
+    auto made = AppliedTo(filter, std::move(source), run, nullptr);
+    const Rect bounds = run.expand ? own.Union(*made) : own;
+    return WithBounds(std::move(made), bounds);
 }
 
 std::unique_ptr<Image> RunFilters(std::span<const std::unique_ptr<Filter>> filters, const Image& source,
@@ -146,16 +205,15 @@ std::unique_ptr<Image> RunFilters(std::span<const std::unique_ptr<Filter>> filte
     std::unique_ptr<Image> picture = std::move(source);
     std::int32_t count = 0;
     for (const auto& filter : filters) {
-        picture = RunFilter(*filter, *picture, run);
+        picture = RunSparingly(*filter, std::move(picture), run);
         if (done) done(++count);
     }
     return picture;
 }
 
 std::unique_ptr<Image> MixByMask(std::unique_ptr<Image> before, const Image& after, const Image& mask) {
-    auto mixed = InForm(*before, AlphaForm::Straight);
-    before.reset();
-    const auto to = InForm(after, AlphaForm::Straight);
+    auto mixed = InForm(std::move(before), AlphaForm::Straight);
+    const auto to = InForm(std::make_unique<Image>(after), AlphaForm::Straight);
     for (std::int32_t y = mixed->y0; y <= mixed->y1; ++y)
         AtDepth(mixed->depth, [&]<typename F>(F) { MixRow<F>(*to, mask, *mixed, y); });
     return mixed;

@@ -29,7 +29,11 @@ struct FilterRun {
 // pixels of the source outside it are the source's own; what a filter makes beyond the source's edges stays.
 //
 // Throws std::bad_alloc when there is no memory.
-[[nodiscard]] std::unique_ptr<Image> RunFilter(Filter& filter, const Image& source, const FilterRun& run);
+// A source whose pixels nobody else has is changed, and gone before the result is there.
+[[nodiscard]] std::unique_ptr<Image> RunFilter(Filter& filter, std::unique_ptr<Image> source, const FilterRun& run);
+
+// The image, or one of the same pixels where others have them too.
+[[nodiscard]] std::unique_ptr<Image> Unshared(std::unique_ptr<Image> image);
 
 // Runs filters in order, each over what the one before it made. `done` is called with the number of those that ran,
 // after each; it may be empty. The same filters, fresh, picture and frame give the same result: the engine's random
@@ -37,8 +41,7 @@ struct FilterRun {
 [[nodiscard]] std::unique_ptr<Image> RunFilters(std::span<const std::unique_ptr<Filter>> filters, const Image& source,
                                                 const FilterRun& run,
                                                 const std::function<void(std::int32_t)>& done = {});
-// The same, but that the source is gone before the result is there where nobody else has its pixels: a large picture
-// takes its memory twice then and not three times.
+// The same for a source that goes as `RunFilter` says: a large picture is there twice then and not three times.
 [[nodiscard]] std::unique_ptr<Image> RunFilters(std::span<const std::unique_ptr<Filter>> filters,
                                                 std::unique_ptr<Image> source, const FilterRun& run,
                                                 const std::function<void(std::int32_t)>& done = {});

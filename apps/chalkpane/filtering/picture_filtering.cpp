@@ -59,13 +59,6 @@ std::unique_ptr<Image> ReadMaskRows(const std::string& file, std::int32_t depth)
     return mask;
 }
 
-std::unique_ptr<Image> ReadMask(const std::string& file, const Image& picture) {
-    auto mask = ReadMaskRows(file, picture.depth);
-    if (mask->Bounds() != picture.Bounds())
-        throw Error(file, {}, "is " + SizeText(*mask) + " pixels, but the picture is " + SizeText(picture));
-    return mask;
-}
-
 }  // namespace
 
 std::vector<std::unique_ptr<Filter>> FiltersOf(const FilterOptions& options, const FrameRateClock& clock) {
@@ -83,14 +76,26 @@ std::optional<std::int32_t> DepthOf(const FilterOptions& options) {
     return options.bits == 8 ? 0 : 1;
 }
 
-std::unique_ptr<Image> Filtered(std::unique_ptr<Image> source, std::span<const std::unique_ptr<Filter>> filters,
-                                const FilterOptions& options, std::int32_t frame,
-                                const std::function<void(std::int32_t)>& done) {
+std::unique_ptr<Image> ReadMask(const FilterOptions& options, const Rect& picture, std::int32_t depth) {
+    if (options.mask.empty()) return nullptr;
+    auto mask = ReadMaskRows(options.mask, depth);
+    if (mask->Bounds() != picture)
+        throw Error(options.mask, {}, "is " + SizeText(*mask) + " pixels, but the picture is " + SizeText(picture));
+    return mask;
+}
+
+FilterRun RunOf(const FilterOptions& options, const Rect& picture, std::int32_t frame) {
     FilterRun run{.fast = options.fast, .expand = options.expand, .frame = frame};
-    if (!options.region.empty()) run.region = RegionFromText(options.region, *source);
-    const auto mask = options.mask.empty() ? nullptr : ReadMask(options.mask, *source);
+    if (!options.region.empty()) run.region = RegionFromText(options.region, picture);
+    return run;
+}
+
+std::unique_ptr<Image> Filtered(std::unique_ptr<Image> source, std::span<const std::unique_ptr<Filter>> filters,
+                                const FilterOptions& options, std::int32_t frame) {
+    const FilterRun run = RunOf(options, *source, frame);
+    const auto mask = ReadMask(options, *source, source->depth);
     auto before = mask ? std::make_unique<Image>(*source) : nullptr;
-    auto picture = RunFilters(filters, std::move(source), run, done);
+    auto picture = RunFilters(filters, std::move(source), run);
     return mask ? MixByMask(std::move(before), *picture, *mask) : std::move(picture);
 }
 

@@ -1,11 +1,11 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <vector>
 
 #include "apps/chalkpane/filtering/filter_options.h"
+#include "apps/chalkpane/filtering/filter_run.h"
 #include "chalkpane/filters/filter.h"
 #include "chalkpane/image/image.h"
 
@@ -18,11 +18,17 @@ namespace chalkpane::app {
 // The depth that the options ask for, as images count it; none: the picture's own.
 [[nodiscard]] std::optional<std::int32_t> DepthOf(const FilterOptions& options);
 
+// The mask that the options name, one channel of that depth; null: they name none. Throws cli::Error for one of another
+// size than the picture.
+[[nodiscard]] std::unique_ptr<Image> ReadMask(const FilterOptions& options, const Rect& picture, std::int32_t depth);
+
+// Throws cli::Error for a region that does not lie within the picture.
+[[nodiscard]] FilterRun RunOf(const FilterOptions& options, const Rect& picture, std::int32_t frame);
+
 // The picture that the active ones among the filters make of `source`, with region and mask, as the given frame. Throws
 // cli::Error for a region or a mask that does not fit, std::bad_alloc when there is no memory.
 [[nodiscard]] std::unique_ptr<Image> Filtered(std::unique_ptr<Image> source,
                                               std::span<const std::unique_ptr<Filter>> filters,
-                                              const FilterOptions& options, std::int32_t frame,
-                                              const std::function<void(std::int32_t)>& done = {});
+                                              const FilterOptions& options, std::int32_t frame);
 
 }  // namespace chalkpane::app

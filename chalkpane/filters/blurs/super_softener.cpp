@@ -188,13 +188,15 @@ struct StripJob {
 
 template <typename F>
 std::unique_ptr<Image> Softened(const Image& source, const Rect& work, double softness, std::int32_t passes) {
-    auto between = Image::Unwritten(Rect(work.x0, source.y0, work.x1, source.y1), source);
+    // Columns are fetched before they are brought back, so what lies between the two directions lies in the memory of
+    // the result, and no third picture is needed.
+    const Rect softenedRows(work.x0, source.y0, work.x1, source.y1);
+    const auto all = Image::Unwritten(softenedRows.Union(work), source);
+    const auto between = all->Convert(softenedRows, all->GetDepth());
+    auto result = all->Convert(work, all->GetDepth());
     StripJob<F>{source, *between, softness, passes}.RunRows();
-    // Columns are fetched before they are brought back, so where the rows stay the same no third picture is needed.
-    const bool staysInPlace = between->Bounds() == work;
-    auto result = staysInPlace ? nullptr : Image::Unwritten(work, source);
-    StripJob<F>{*between, staysInPlace ? *between : *result, softness, passes}.RunColumns();
-    return staysInPlace ? std::move(between) : std::move(result);
+    StripJob<F>{*between, *result, softness, passes}.RunColumns();
+    return result;
 }
 
 }  // namespace

@@ -111,7 +111,7 @@ TEST_CASE("Every filter takes its defaults and both ends of every parameter, and
                 CHECK_EQ(Told(*filter, parameter), text.substr(equals + 1));
             }
             for (const auto& picture : pictures) {
-                const auto result = RunFilter(*filter, *picture, {});
+                const auto result = RunFilter(*filter, std::make_unique<Image>(*picture), {});
                 CHECK(result->Bounds() == picture->Bounds());
                 CHECK_EQ(result->depth, picture->depth);
             }

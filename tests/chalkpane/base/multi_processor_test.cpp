@@ -265,3 +265,40 @@ TEST_CASE("Any number of pixels a row will do for bands") {
         CHECK_EQ(log.SerialHere(), pixels < 16384);
     }
 }
+
+namespace {
+
+class Heard final : public RunListener {
+public:
+    Heard() { MultiProcessor::SetListener(this); }
+    ~Heard() override { MultiProcessor::SetListener(nullptr); }
+    Heard(const Heard&) = delete;
+    Heard& operator=(const Heard&) = delete;
+    Heard(Heard&&) = delete;
+    Heard& operator=(Heard&&) = delete;
+
+    void BeginLoop(std::int64_t rows) override { loops.push_back(rows); }
+    void RowDone() override { ++rowsDone; }
+
+    std::vector<std::int64_t> loops;
+    std::atomic<int> rowsDone{0};
+};
+
+}  // namespace
+
+// 90 rows of 1024 pixels are 6 bands of 16.
+TEST_CASE("A listener hears of loops and their rows, on one thread and on many, until it goes") {
+    const Workers workers(2);
+    Log log(5, 90);
+    {
+        Heard heard;
+        RunInBands(5, 94, 1024, Log::Note, &log);
+        MultiProcessor::Instance().Run(5, 7, Log::Note, &log);
+        MultiProcessor::RunInOrder(8, 94, Log::Note, &log);
+        RunInBands(5, 94, 1, Log::Note, &log);  // a single band
+        MultiProcessor::Instance().Run(5, 4, Log::Note, &log);
+        CHECK(heard.loops == std::vector<std::int64_t>{6, 3, 87});
+        CHECK_EQ(heard.rowsDone, 6 + 3 + 87);
+    }
+    MultiProcessor::Instance().Run(5, 94, Log::Note, &log);
+}
