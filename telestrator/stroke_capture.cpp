@@ -1,5 +1,7 @@
 #include <algorithm>
+#include <new>
 
+#include "telestrator/line_draft.h"
 #include "telestrator/telestrator.h"
 
 namespace chalkpane {
@@ -77,6 +79,22 @@ void Telestrator::AddStrokePoint(const TelestratorSettings& settings, const Canv
     } else if (strokePointCount > 0) {
         AppendResampled(point, std::max(settings.brushWidth, 1));
     }
+    FollowWithDraft(settings);
+}
+
+// An eraser changes the shape surface with each event, so nothing can be drawn on it beforehand. Without memory for a
+// draft nothing is lost but time.
+void Telestrator::FollowWithDraft(const TelestratorSettings& settings) noexcept {
+    const std::span<const Vector3> stored = StoredStroke();
+    if (settings.brushType == BrushType::Eraser || stored.size() < LineDraft::fewestStored) return ForgetDraft();
+    if (!shapeSurface) return;
+    auto& draft = shapeSurface->lineDraft;
+    if (!draft) draft.reset(new (std::nothrow) LineDraft);
+    if (draft) draft->Follow(*shapeSurface, stored, aspect);
+}
+
+void Telestrator::ForgetDraft() noexcept {
+    if (shapeSurface && shapeSurface->lineDraft) shapeSurface->lineDraft->Forget();
 }
 
 std::span<Vector3> Telestrator::StoredStroke() const {
@@ -86,6 +104,7 @@ std::span<Vector3> Telestrator::StoredStroke() const {
 
 void Telestrator::SizeRecognitionBuffers(bool wanted) noexcept {
     if (!wanted) {
+        if (shapeSurface) shapeSurface->lineDraft.reset();
         strokePoints.reset();
         houghAccumulator.reset();
         recognitionBuffersReady = false;

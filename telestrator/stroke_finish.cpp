@@ -1,12 +1,13 @@
+#include <algorithm>
 #include <span>
 
+#include "telestrator/line_draft.h"
 #include "telestrator/telestrator.h"
 
 namespace chalkpane {
 namespace {
 
 constexpr std::int32_t fewestLinePoints = 7;
-constexpr std::size_t decimation = 4;
 
 // A short dab is a gesture. A click without motion has 2 points and is none.
 bool IsUndoGesture(std::int32_t pointCount) { return pointCount == 3 || pointCount == 4; }
@@ -14,14 +15,19 @@ bool IsUndoGesture(std::int32_t pointCount) { return pointCount == 3 || pointCou
 // Keeps the first point, every fourth from the second, and the last. Returns what is kept.
 std::span<Vector3> Decimate(std::span<Vector3> points) {
     std::size_t kept = 1;
-    for (std::size_t source = 1; source < points.size() - 1; source += decimation) points[kept++] = points[source];
+    while (LineDraft::StoredIndex(kept) < points.size() - 1) {
+        points[kept] = points[LineDraft::StoredIndex(kept)];
+        ++kept;
+    }
     points[kept++] = points.back();
     return points.first(kept);
 }
 
-void DrawLine(const ShapePen& pen, std::span<const Vector3> points) {
-    pen.Begin(points.front().x, points.front().y);
-    for (const Vector3& point : points.subspan(1, points.size() - 2)) pen.Continue(point.x, point.y);
+// From the point of that number on.
+void DrawLine(const ShapePen& pen, std::span<const Vector3> points, std::size_t from) {
+    if (from == 0) pen.Begin(points.front().x, points.front().y);
+    from = std::max(from, std::size_t{1});
+    for (const Vector3& point : points.subspan(from, points.size() - 1 - from)) pen.Continue(point.x, point.y);
     pen.End(points.back().x, points.back().y);
 }
 
@@ -62,7 +68,8 @@ void Telestrator::DrawSmoothedLine(const TelestratorSettings& settings) {
     const std::span<Vector3> points = Decimate(StoredStroke());
     strokePointCount = static_cast<std::int32_t>(points.size());
     const ShapePen pen(memory, shapeSurface.get(), aspect);
-    DrawLine(pen, points);
+    LineDraft* const draft = shapeSurface ? shapeSurface->lineDraft.get() : nullptr;
+    DrawLine(pen, points, draft != nullptr ? draft->Take(*shapeSurface, points, aspect) : 0);
     if (settings.arrow) DrawArrowHead(pen, points, settings.arrowLength, settings.arrowWidth);
 }
 

@@ -160,6 +160,8 @@ public:
     StrokeResult result = StrokeResult::None;
 
 private:
+    void FollowWithDraft(const TelestratorSettings& settings) noexcept;
+    void ForgetDraft() noexcept;
     void PaintStroke(const TelestratorSettings& settings, StrokeStage stage, const CanvasPosition& position) noexcept;
     // A width is the radius of a dab.
     void SetWidth(std::int32_t width, std::int32_t& lastWidth) noexcept;

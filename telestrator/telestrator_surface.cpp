@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "chalkpane/brush/basic_brush.h"
+#include "telestrator/line_draft.h"
 
 namespace chalkpane {
 namespace {

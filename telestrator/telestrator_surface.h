@@ -11,6 +11,7 @@
 namespace chalkpane {
 
 class BasicBrush;
+class LineDraft;
 class TelestratorSurface;
 
 enum class StrokeStage { Begin, Continue, End };
@@ -93,7 +94,8 @@ public:
     std::int32_t spacingMode = 2;
     bool matchPath = false;
     std::uint8_t unusedByte = 0;
-    StepListener* listener = nullptr;  // not owned
+    StepListener* listener = nullptr;      // not owned
+    std::unique_ptr<LineDraft> lineDraft;  // of a line to be drawn here; null before the first long stroke
 
 private:
     void DestroyOwnedCanvas();

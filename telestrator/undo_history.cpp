@@ -75,6 +75,7 @@ void Telestrator::PushUndoSnapshot() noexcept {
 
 void Telestrator::RestoreUndoSnapshot() noexcept {
     if (!canvasSurface || RingSize() == 0) return;
+    ForgetDraft();
     const CanvasPixels pixels = canvasSurface->GetPixels();
     const std::byte* saved = (*undoRing)[static_cast<std::size_t>(undoIndex)].get();
     std::memcpy(pixels.bytes, saved, pixels.byteSize);
@@ -87,6 +88,7 @@ void Telestrator::RestoreUndoSnapshot() noexcept {
 
 void Telestrator::ClearCanvas() noexcept {
     if (!canvasSurface) return;
+    ForgetDraft();
     canvasSurface->ClearPixels();
     shapeSurface->ClearPixels();
     const CanvasPixels pixels = canvasSurface->GetPixels();

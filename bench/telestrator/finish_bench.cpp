@@ -1,7 +1,9 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
+#include <ctime>
 #include <random>
 
 #include "chalkpane/base/multi_processor.h"
@@ -61,6 +63,13 @@ Points Scattered(int count, double from, double to) {
     return points;
 }
 
+// Of all threads.
+std::chrono::duration<double, std::milli> ProcessorTime() {
+    timespec time{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+}
+
 enum class Line { Scribble, ToAndFro, Scattered, ScatteredAround, GreatEllipse, Ellipse };
 
 Points PointsOf(Line line, std::int32_t width) {
@@ -114,6 +123,47 @@ FINISH_LINE(scattered, Line::Scattered, 1, 30);
 FINISH_LINE(scatteredAround, Line::ScatteredAround, 1, 30);
 FINISH_LINE(greatEllipse, Line::GreatEllipse, 1, 30);
 FINISH_LINE(ellipse, Line::Ellipse, 1, 2, 5, 30);
+
+// A scribble of so many movements from end to end of the canvas, each in a field of its own, which fills the buffer of
+// stored points or not; what counts is the slowest of its fields and the one in which it is finished. Arguments: brush
+// width, movements, 1 for a change of colour just before the end.
+void LongStroke(benchmark::State& state) {
+    TelestratorSettings settings;
+    settings.recogniseShapes = settings.recogniseCircle = true;
+    settings.shapeDelay = 1;
+    settings.brushWidth = static_cast<std::int32_t>(state.range(0));
+    std::chrono::duration<double, std::milli> slowest{};
+    std::chrono::duration<double, std::milli> finish{};
+    for (auto _ : state) {
+        Telestrator telestrator;
+        telestrator.Field(settings);
+        std::mt19937 random(1);
+        std::uniform_real_distribution<double> place(10, 1010);
+        telestrator.Press(settings, {500, 500});
+        for (std::int64_t i = 0; i < state.range(1); ++i) {
+            const double x = place(random);
+            const double y = place(random);
+            const auto start = ProcessorTime();
+            telestrator.Move(settings, {x, y});
+            telestrator.Field(settings);
+            slowest = std::max(slowest, ProcessorTime() - start);
+        }
+        telestrator.Release(settings, {500, 500});
+        if (state.range(2) == 1) settings.brushColour ^= 0x00ff00U;
+        const auto start = ProcessorTime();
+        telestrator.Field(settings);
+        finish = ProcessorTime() - start;
+        if (telestrator.result != StrokeResult::Arrow && telestrator.result != StrokeResult::Cross)
+            state.SkipWithError("the stroke was not finished");
+    }
+    state.counters["slowest_ms"] = slowest.count();
+    state.counters["finish_ms"] = finish.count();
+}
+BENCHMARK(LongStroke)
+    ->ArgsProduct({{1, 30}, {2200}, {0, 1}})
+    ->Args({30, 70000, 0})
+    ->Iterations(1)
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace chalkpane

@@ -46,6 +46,7 @@ ParameterValue* BasicBrush::SourceValue(SourceParameter code) const {
 }
 
 void BasicBrush::Update() {
+    ++revision;
     for (auto& value : extraValues) values->addValue(std::move(value));
     extraValues.clear();
     StoreProfile();
@@ -100,6 +101,7 @@ void BasicBrush::RebuildSource() {
 }
 
 void BasicBrush::SetTarget(Image* image) {
+    ++revision;
     target = image;
     if (target != nullptr && target->GetDepth() != sourceDepth) RebuildSource();
 }
@@ -130,6 +132,7 @@ void BasicBrush::SetMatchPath(bool on) {
 }
 
 void BasicBrush::SetColour(const Colour& newColour) {
+    ++revision;
     colour = newColour;
     currentPaintColour = newColour;
     paintPlaneOn = true;
@@ -139,6 +142,7 @@ void BasicBrush::SetColour(const Colour& newColour) {
 }
 
 void BasicBrush::SetCutoutImage(const Image* image, bool use) {
+    ++revision;
     cutoutImage.reset();
     if (image == nullptr) return;
     cutoutImage = std::make_unique<Image>(*image);

@@ -102,6 +102,26 @@ public:
     Rect ContinueStroke(double x, double y, double pressure);
     Rect EndStroke(double x, double y, double pressure);
 
+    // What a stroke has come to so far, but for its pixels: it can be laid aside while the brush paints another, and
+    // gone on with.
+    struct StrokeState {
+        StrokePoint lastInput;
+        SplineIterator history;
+        float lastDabX = 0.0F;
+        float lastDabY = 0.0F;
+        float lastDabPressure = 0.0F;
+        bool firstDabPending = false;
+        std::int32_t stepsToPassOver = 0;
+        double currentOpacity = 1.0;
+        double lastAngle = 0.0;
+    };
+    [[nodiscard]] StrokeState Stroke() const;
+    void GoOnWith(const StrokeState& stroke);
+    // True: each dab is one colour through a mask, not rotated, onto the target, and leaves nothing else behind.
+    [[nodiscard]] bool PaintsPlainDabs() const;
+    // Differs after whatever may change what the brush paints, and after each step of a stroke.
+    [[nodiscard]] std::uint64_t Revision() const { return revision; }
+
     // The values of this brush, and those of its sources, which come and go with `Update` while these stay.
     [[nodiscard]] DataSet& Values() { return *values; }
     [[nodiscard]] DataSet& SourceValues() { return *sourceValues; }
@@ -159,8 +179,6 @@ private:
                                 std::int32_t& tryAgainAt);
     void PlaceUnpaintedDab(const StrokePoint& place, double pressureFactor);
     double AngleAlongPath(const StrokePoint& place, bool repeat);
-    // True: each dab is one colour through a mask, not rotated, onto the target, and nothing else.
-    [[nodiscard]] bool PaintsPlainDabs() const;
     Rect PaintPlainDab(const Dab& dab);
     [[nodiscard]] SmallDabTarget TargetOfSmallDabs() const;
     bool PaintSmallDab(const SmallDabTarget& canvas, const StrokePoint& place, Rect& changed) const;
@@ -211,6 +229,7 @@ private:
     double currentOpacity = 1.0;
     std::unique_ptr<DataSet> sourceValues;  // outlive the sources, which are made from them
     Depth sourceDepth = Depth::Eight;       // of the target that the source was made for
+    std::uint64_t revision = 0;
 };
 
 }  // namespace chalkpane

@@ -29,6 +29,7 @@ bool IsUsable(const StrokePoint& sample) {
 Rect BasicBrush::BeginStroke(double x, double y, double pressure) {
     const StrokePoint sample{x, y, pressure};
     if (target == nullptr || !IsUsable(sample)) return {};
+    ++revision;
     AdvanceFilters(filters, target);
     if (source) source->DropPickup();
     currentOpacity = opacity;
@@ -67,6 +68,24 @@ Rect BasicBrush::EndStroke(double x, double y, double pressure) {
     return changed;
 }
 
+BasicBrush::StrokeState BasicBrush::Stroke() const {
+    return {lastInput,       history,         lastDabX,       lastDabY, lastDabPressure,
+            firstDabPending, stepsToPassOver, currentOpacity, lastAngle};
+}
+
+void BasicBrush::GoOnWith(const StrokeState& stroke) {
+    ++revision;
+    lastInput = stroke.lastInput;
+    history = stroke.history;
+    lastDabX = stroke.lastDabX;
+    lastDabY = stroke.lastDabY;
+    lastDabPressure = stroke.lastDabPressure;
+    firstDabPending = stroke.firstDabPending;
+    stepsToPassOver = stroke.stepsToPassOver;
+    currentOpacity = stroke.currentOpacity;
+    lastAngle = stroke.lastAngle;
+}
+
 // Canvas pixels between dabs.
 double BasicBrush::BaseSpacing(const StrokePoint& sample) const {
     if (!adjustSpacing) return source->GetSize() * spacing;
@@ -75,6 +94,7 @@ double BasicBrush::BaseSpacing(const StrokePoint& sample) const {
 }
 
 Rect BasicBrush::StepAlongPath(const StrokePoint& sample, bool& painted) {
+    ++revision;
     lastInput = sample;
     history.Push(sample);
     if (!source) return {};

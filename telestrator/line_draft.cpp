@@ -1,0 +1,154 @@
+#include "telestrator/line_draft.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <new>
+#include <utility>
+
+#include "chalkpane/brush/sources/brush_source.h"
+#include "telestrator/surface_pen.h"
+
+namespace chalkpane {
+namespace {
+
+// What one event is worth, in canvas pixels of the line under a brush of the widest that settings allow, and what a
+// point costs beside its length. No movement over the canvas is as long as that, so a draft catches up.
+constexpr double lengthPerEvent = 16384;
+constexpr double lengthPerPoint = 16;
+constexpr double widestBrush = 61;
+
+constexpr double fullPressure = 1.0;
+
+// The place at which a line's pen would draw the point.
+CanvasPosition PlaceOf(const Vector3& point, float aspect) { return {double{point.x}, double{point.y} * aspect}; }
+
+// False: a stroke cannot begin there, and a brush would go on with whatever it did before.
+bool CanBegin(const CanvasPosition& at) {
+    return IsPaintable(at.x, at.y) && std::abs(at.x) <= BasicBrush::farthest && std::abs(at.y) <= BasicBrush::farthest;
+}
+
+bool HaveOneFormat(const Image& a, const Image& b) {
+    return static_cast<const Rect&>(a) == static_cast<const Rect&>(b) && a.rowBytes == b.rowBytes &&
+           a.ByteSize() == b.ByteSize();
+}
+
+bool HaveOnePicture(const Image& a, const Image& b) {
+    return HaveOneFormat(a, b) && std::memcmp(a.origin, b.origin, a.ByteSize()) == 0;
+}
+
+void CopyPicture(const Image& from, std::unique_ptr<Image>& to) {
+    if (to && HaveOneFormat(from, *to))
+        std::memcpy(to->origin, from.origin, from.ByteSize());
+    else
+        to = from.Clone();
+}
+
+// Has the brush paint on the draft, going on with the draft's stroke, and gives it its own back.
+class LentBrush {
+public:
+    LentBrush(BasicBrush& brush, Image& draft, Image* canvas, BasicBrush::StrokeState& stroke)
+        : brush_(brush), canvas_(canvas), stroke_(stroke), own_(brush.Stroke()) {
+        brush_.SetTarget(&draft);
+        brush_.GoOnWith(stroke_);
+    }
+    ~LentBrush() {
+        stroke_ = brush_.Stroke();
+        brush_.GoOnWith(own_);
+        brush_.SetTarget(canvas_);
+    }
+    LentBrush(const LentBrush&) = delete;
+    LentBrush& operator=(const LentBrush&) = delete;
+    LentBrush(LentBrush&&) = delete;
+    LentBrush& operator=(LentBrush&&) = delete;
+
+private:
+    BasicBrush& brush_;
+    Image* canvas_;
+    BasicBrush::StrokeState& stroke_;
+    BasicBrush::StrokeState own_;
+};
+
+}  // namespace
+
+// The last point drawn stands for those before it: a stroke that grows leaves them alone, and `Take` looks at all.
+bool LineDraft::Continues(const TelestratorSurface& surface, std::span<const Vector3> stored, float aspect) const {
+    return !drawn_.empty() && canvas_ == surface.canvas && revision_ == surface.brush->Revision() &&
+           aspect_ == aspect && StoredIndex(drawn_.size() - 1) < stored.size() &&
+           stored[StoredIndex(drawn_.size() - 1)] == drawn_.back();
+}
+
+bool LineDraft::Begin(const TelestratorSurface& surface, std::size_t room, float aspect) {
+    Forget();
+    drawn_.reserve(room);
+    CopyPicture(*surface.canvas, pixels_);
+    CopyPicture(*surface.canvas, below_);
+    canvas_ = surface.canvas;
+    stroke_ = surface.brush->Stroke();
+    aspect_ = aspect;
+    return HaveOnePicture(*pixels_, *surface.canvas);
+}
+
+void LineDraft::Follow(TelestratorSurface& surface, std::span<const Vector3> stored, float aspect) noexcept {
+    if (stored.size() < fewestStored || surface.canvas == nullptr || !surface.brush->PaintsPlainDabs() ||
+        !CanBegin(PlaceOf(stored.front(), aspect)))
+        return Forget();
+    try {
+        const std::size_t room = surface.canvas->ByteSize() / sizeof(std::uint32_t) / decimation + 2;
+        if (!Continues(surface, stored, aspect) && !Begin(surface, room, aspect)) return Forget();
+    } catch (const std::bad_alloc&) {
+        return Release();
+    }
+    {
+        const LentBrush lent(*surface.brush, *pixels_, surface.canvas, stroke_);
+        Draw(*surface.brush, stored);
+    }
+    revision_ = surface.brush->Revision();
+}
+
+// The stroke's last point may be no point of the line yet.
+void LineDraft::Draw(BasicBrush& brush, std::span<const Vector3> stored) {
+    const double dab = brush.Source()->GetSize();
+    double left = lengthPerEvent * widestBrush / std::max(widestBrush, dab);
+    while (left > 0 && drawn_.size() < drawn_.capacity()) {
+        const std::size_t next = StoredIndex(drawn_.size());
+        if (next + 1 >= stored.size()) break;
+        const CanvasPosition at = PlaceOf(stored[next], aspect_);
+        left -= lengthPerPoint;
+        if (drawn_.empty()) {
+            brush.BeginStroke(at.x, at.y, fullPressure);
+        } else {
+            left -= (stored[next] - drawn_.back()).Length();
+            if (IsPaintable(at.x, at.y)) brush.ContinueStroke(at.x, at.y, fullPressure);
+        }
+        drawn_.push_back(stored[next]);
+    }
+}
+
+bool LineDraft::StandsOn(const Image& canvas) const { return HaveOnePicture(*below_, canvas); }
+
+std::size_t LineDraft::Take(TelestratorSurface& surface, std::span<const Vector3> line, float aspect) noexcept {
+    const std::size_t count = drawn_.size();
+    const bool isTheLine = count > 0 && count < line.size() && canvas_ == surface.canvas && aspect_ == aspect &&
+                           revision_ == surface.brush->Revision() && surface.brush->PaintsPlainDabs() &&
+                           std::equal(drawn_.begin(), drawn_.end(), line.begin()) && StandsOn(*surface.canvas);
+    Forget();
+    if (!isTheLine) return 0;
+    std::memcpy(surface.canvas->origin, pixels_->origin, pixels_->ByteSize());
+    surface.brush->GoOnWith(stroke_);
+    for (std::size_t i = 0; i < count && surface.listener != nullptr; ++i) {
+        const CanvasPosition at = PlaceOf(line[i], aspect);
+        if (!IsPaintable(at.x, at.y)) continue;
+        surface.listener->OnStep(surface, i == 0 ? StrokeStage::Begin : StrokeStage::Continue, at.x, at.y,
+                                 fullPressure);
+    }
+    return count;
+}
+
+void LineDraft::Release() noexcept {
+    drawn_ = {};
+    pixels_.reset();
+    below_.reset();
+}
+
+}  // namespace chalkpane
