@@ -12,11 +12,38 @@
 namespace chalkpane {
 namespace {
 
-// What one event is worth, in canvas pixels of the line under a brush of the widest that settings allow, and what a
-// point costs beside its length. No movement over the canvas is as long as that, so a draft catches up.
-constexpr double lengthPerEvent = 16384;
-constexpr double lengthPerPoint = 16;
-constexpr double widestBrush = 61;
+// What one event is worth, and what a line costs, in nanoseconds. No movement over the canvas brings as much, so a
+// draft that had to begin anew catches up.
+constexpr double worthOfEvent = 5e6;
+constexpr double costOfPoint = 120;
+constexpr double costOfStep = 20;  // of a curve that runs beside the canvas
+constexpr double costOfDab = 60;
+constexpr double costOfPixel = 0.35;
+
+// What a brush has done so far.
+class Cost {
+public:
+    explicit Cost(BasicBrush& brush) : brush_(brush), dabs_(brush.PaintedDabs()) {
+        const double side = brush.Source()->GetSize();
+        ofDab_ = costOfDab + costOfPixel * side * side;
+    }
+    // Call it after each point.
+    void Count() {
+        const std::int32_t stepsLeft = brush_.Stroke().stepsToPassOver;
+        sum_ += costOfPoint + costOfStep * std::max(stepsLeft_ - stepsLeft, 0);
+        stepsLeft_ = stepsLeft;
+    }
+    [[nodiscard]] bool IsSpent() const {
+        return sum_ + static_cast<double>(brush_.PaintedDabs() - dabs_) * ofDab_ > worthOfEvent;
+    }
+
+private:
+    const BasicBrush& brush_;
+    std::uint64_t dabs_;
+    std::int32_t stepsLeft_ = brush_.Stroke().stepsToPassOver;
+    double ofDab_;
+    double sum_ = 0;
+};
 
 constexpr double fullPressure = 1.0;
 
@@ -108,19 +135,14 @@ void LineDraft::Follow(TelestratorSurface& surface, std::span<const Vector3> sto
 
 // The stroke's last point may be no point of the line yet.
 void LineDraft::Draw(BasicBrush& brush, std::span<const Vector3> stored) {
-    const double dab = brush.Source()->GetSize();
-    double left = lengthPerEvent * widestBrush / std::max(widestBrush, dab);
-    while (left > 0 && drawn_.size() < drawn_.capacity()) {
+    for (Cost cost(brush); !cost.IsSpent() && drawn_.size() < drawn_.capacity(); cost.Count()) {
         const std::size_t next = StoredIndex(drawn_.size());
         if (next + 1 >= stored.size()) break;
         const CanvasPosition at = PlaceOf(stored[next], aspect_);
-        left -= lengthPerPoint;
-        if (drawn_.empty()) {
+        if (drawn_.empty())
             brush.BeginStroke(at.x, at.y, fullPressure);
-        } else {
-            left -= (stored[next] - drawn_.back()).Length();
-            if (IsPaintable(at.x, at.y)) brush.ContinueStroke(at.x, at.y, fullPressure);
-        }
+        else if (IsPaintable(at.x, at.y))
+            brush.ContinueStroke(at.x, at.y, fullPressure);
         drawn_.push_back(stored[next]);
     }
 }

@@ -58,7 +58,10 @@ bool Telestrator::Field(const TelestratorSettings& settings) noexcept {
 void Telestrator::CountDown(const TelestratorSettings& settings) noexcept {
     constexpr std::int32_t rest = -2;
     if (shapeCountdown <= rest) return;
-    if (--shapeCountdown == 0) FinishStroke(settings);
+    if (--shapeCountdown == 0)
+        FinishStroke(settings);
+    else if (shapeCountdown > 0)
+        FollowWithDraft(settings);
 }
 
 bool Telestrator::Commit() noexcept {

@@ -121,6 +121,8 @@ public:
     [[nodiscard]] bool PaintsPlainDabs() const;
     // Differs after whatever may change what the brush paints, and after each step of a stroke.
     [[nodiscard]] std::uint64_t Revision() const { return revision; }
+    // How many dabs a brush of plain ones has painted on its targets, ever.
+    [[nodiscard]] std::uint64_t PaintedDabs() const { return paintedDabs; }
 
     // The values of this brush, and those of its sources, which come and go with `Update` while these stay.
     [[nodiscard]] DataSet& Values() { return *values; }
@@ -230,6 +232,7 @@ private:
     std::unique_ptr<DataSet> sourceValues;  // outlive the sources, which are made from them
     Depth sourceDepth = Depth::Eight;       // of the target that the source was made for
     std::uint64_t revision = 0;
+    std::uint64_t paintedDabs = 0;
 };
 
 }  // namespace chalkpane

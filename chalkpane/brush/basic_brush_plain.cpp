@@ -88,6 +88,7 @@ Rect BasicBrush::PaintEvenStretch(double squaredSpacing, double pressureFactor, 
             continue;
         }
         PlaceUnpaintedDab(place, 1.0);
+        if (!missed) ++paintedDabs;
         if (!missed && !(small.origin != nullptr && PaintSmallDab(small, place, changed)))
             PaintNextPlainDab(place, changed);
         FadeOpacity();

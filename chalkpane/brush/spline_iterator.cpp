@@ -89,6 +89,8 @@ std::int32_t SplineIterator::FirstBeyond(const SplineStepBounds& bounds, std::in
 std::int32_t SplineIterator::SurelyBeyond(double squaredLimit, std::int32_t end) const {
     constexpr std::int32_t tried = 16;
     const double twice = 2.000001 * std::sqrt(squaredLimit) + 1e-5;
+    const SplineStepBounds bounds = StepBounds();
+    if (twice > bounds.perStep + bounds.rounding) return steps;
     StrokePoint place = PointAt(end - 1);
     for (std::int32_t step = end - 1; step > std::max(end - 1 - tried, 0); --step) {
         const StrokePoint before = PointAt(step - 1);
