@@ -35,7 +35,8 @@ inline Image WavePicture(Depth depth) {
         for (std::int32_t y = picture.y0; y <= picture.y1; ++y) {
             const auto row = ImageRow<F>(picture, y);
             for (std::size_t i = 0; i < row.size(); ++i) {
-                const double wave = std::sin(static_cast<double>(i / 4) * 0.11) * std::cos(y * 0.07 + 0.5);
+                const std::size_t pixel = i / 4;
+                const double wave = std::sin(static_cast<double>(pixel) * 0.11) * std::cos(y * 0.07 + 0.5);
                 row[i] = static_cast<typename F::Channel>((0.5 + 0.45 * wave) * F::fullScale);
             }
         }

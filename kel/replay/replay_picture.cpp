@@ -39,6 +39,7 @@ std::int32_t PlacesPerPixel(std::int32_t length, std::int32_t canvasLength) {
 std::vector<Between> PlacesOf(std::int32_t pixel, std::int32_t length, std::int32_t canvasLength) {
     std::vector<Between> places;
     const std::int32_t count = PlacesPerPixel(length, canvasLength);
+    places.reserve(static_cast<std::size_t>(count));
     for (std::int32_t i = 0; i < count; ++i) places.push_back(PlaceOn(pixel + (i + 0.5) / count, length, canvasLength));
     return places;
 }

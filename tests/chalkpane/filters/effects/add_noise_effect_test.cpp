@@ -39,9 +39,11 @@ TEST_CASE("Noise is its plain reference in rows of any length, drawn by one gene
                 CAPTURE(choice);
                 AddNoiseEffect filter;
                 SetNumber(filter, "Level", 0.7);
-                SetNumber(filter, "Distribution", choice % 2);
-                SetNumber(filter, "Channels", choice / 2);
-                const Image wanted = reference::AddNoise(source, 0.7F, choice % 2 != 0, choice / 2 != 0, 100, nullptr);
+                const int distribution = choice % 2;
+                const int channels = choice / 2;
+                SetNumber(filter, "Distribution", distribution);
+                SetNumber(filter, "Channels", channels);
+                const Image wanted = reference::AddNoise(source, 0.7F, distribution != 0, channels != 0, 100, nullptr);
                 CHECK(SamePixels(*Applied(filter, source), wanted));
                 const ScopedCpuFeatures plain(CpuFeatures::Plain);
                 CHECK(SamePixels(*Applied(filter, source), wanted));

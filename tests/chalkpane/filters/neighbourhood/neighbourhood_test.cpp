@@ -20,9 +20,9 @@ namespace {
 
 Image MaskOf(std::int32_t width, std::int32_t height, const std::vector<int>& values) {
     Image image = Image::Mask(width, height, Depth::Eight);
-    for (std::int32_t y = 0; y < height; ++y)
-        for (std::int32_t x = 0; x < width; ++x)
-            reference::Put(image, x, y, 0, values[static_cast<std::size_t>((height - 1 - y) * width + x)]);
+    auto value = values.begin();
+    for (std::int32_t y = height; y-- > 0;)
+        for (std::int32_t x = 0; x < width; ++x) reference::Put(image, x, y, 0, *value++);
     return image;
 }
 

@@ -2,8 +2,9 @@
 
 #include <doctest/doctest.h>
 
+#include <bit>
 #include <cmath>
-#include <cstring>
+#include <cstdint>
 #include <limits>
 #include <random>
 #include <vector>
@@ -70,7 +71,7 @@ TEST_CASE("Noise in rows is the noise of each place, bit by bit") {
     std::vector<float> sumX(x.size());
     std::vector<float> sumY(x.size());
     const auto same = [](float a, float b) {
-        return std::memcmp(&a, &b, sizeof a) == 0 || (std::isnan(a) && std::isnan(b));
+        return std::bit_cast<std::uint32_t>(a) == std::bit_cast<std::uint32_t>(b) || (std::isnan(a) && std::isnan(b));
     };
     for (const float y : {0.0F, 0.7F, -33.25F, 123456.8F, -4e9F, infinite}) {
         lattice.NoiseRow(x, y, noise);
