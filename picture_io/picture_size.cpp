@@ -5,10 +5,12 @@
 
 #include <algorithm>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <vector>
 
 #include "cli/open_file.h"
+#include "picture_io/exif.h"
 #include "picture_io/picture_format.h"
 #include "picture_io/placed_bytes.h"
 #include "picture_io/png_header.h"
@@ -29,7 +31,9 @@ std::vector<std::uint8_t> StartOf(PlacedBytes& file) {
 Size PngSize(PlacedBytes& file) {
     constexpr int bitsOfWord = 16;
     const auto png = ReadPngHeader(StartOf(file));
-    return png ? Size({png->width, png->height, png->bits == bitsOfWord}) : std::nullopt;
+    if (!png) return std::nullopt;
+    return PictureSize{
+        .width = png->width, .height = png->height, .hasWords = png->bits == bitsOfWord, .decodingCopies = 1};
 }
 
 // A frame header is any of C0 to CF but for three that are tables and extensions.
@@ -37,22 +41,54 @@ bool IsFrameHeader(int marker) {
     return marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
 }
 
-// From behind the mark of its beginning: segment after segment up to the first frame header.
+// The block of EXIF that a segment holds; empty for others.
+std::vector<std::uint8_t> ExifIn(PlacedBytes& file, std::uint64_t at, std::uint32_t length) {
+    using namespace std::string_view_literals;
+    constexpr std::string_view start = "Exif\0\0"sv;
+    std::vector<std::uint8_t> exif;
+    if (!file.Has(at + 2, start)) return exif;
+    for (std::uint64_t i = 2 + start.size(); i < length; ++i) exif.push_back(file.At(at + i).value_or(0));
+    return exif;
+}
+
+// Coefficients are kept until the last scan where there are several: two bytes each, in up to as many as the channels.
+double CoefficientsOf(std::uint32_t components) { return 2.0 * components; }
+
+// From behind the mark of its beginning: segment after segment up to the first scan, or to what is none.
 Size JpegSize(PlacedBytes& file) {
+    constexpr int scan = 0xDA;
+    constexpr int progressive = 0xC2;
+    constexpr int application1 = 0xE1;
+    Size size;
+    std::uint32_t components = 0;
+    bool isUpright = true;
     std::uint64_t at = 2;
     while (file.At(at) == 0xFF) {
         ++at;
         while (file.At(at) == 0xFF) ++at;  // padding
         const int marker = file.At(at++).value_or(0);
         const std::uint32_t length = file.Big(at, 2);
-        if (marker == 0 || length < 2) return std::nullopt;
-        if (IsFrameHeader(marker)) {
+        if (marker == 0 || length < 2) break;
+        if (marker == application1) {
+            const auto exif = ExifIn(file, at, length);
+            if (!exif.empty()) isUpright = OrientationIn(exif) == Orientation::Upright;
+        }
+        if (IsFrameHeader(marker) && !size) {
             if (!file.At(at + 6)) return std::nullopt;
-            return PictureSize{file.Big(at + 5, 2), file.Big(at + 3, 2)};  // behind the length and the bits
+            size = PictureSize{.width = file.Big(at + 5, 2),
+                               .height = file.Big(at + 3, 2)};  // behind the length and the bits
+            components = file.Big(at + 7, 1);
+            if (marker >= progressive) size->keptByDecoder = CoefficientsOf(components);
+        }
+        if (marker == scan && size) {
+            if (file.Big(at + 2, 1) < components) size->keptByDecoder = CoefficientsOf(components);
+            break;
         }
         at += length;
     }
-    return std::nullopt;
+    if (size) size->comesByRows = isUpright;
+    if (size) size->decodingCopies = 2;
+    return size;
 }
 
 // The canvas, or the picture where one does not fit into it.
@@ -80,13 +116,13 @@ Size WebPSize(PlacedBytes& file) {
     return size.width > 0 ? Size(size) : std::nullopt;
 }
 
-Size GifSize(PlacedBytes& file) { return PictureSize{file.Little(6, 2), file.Little(8, 2)}; }
+Size GifSize(PlacedBytes& file) { return PictureSize{.width = file.Little(6, 2), .height = file.Little(8, 2)}; }
 
 Size BmpSize(PlacedBytes& file) {
     constexpr std::uint32_t oldHeader = 12;
-    if (file.Little(14, 4) == oldHeader) return PictureSize{file.Little(18, 2), file.Little(20, 2)};
+    if (file.Little(14, 4) == oldHeader) return PictureSize{.width = file.Little(18, 2), .height = file.Little(20, 2)};
     const std::uint32_t height = file.Little(22, 4);  // below 0: the first row is the highest
-    return PictureSize{file.Little(18, 4), (height & 0x80000000U) != 0 ? 0U - height : height};
+    return PictureSize{.width = file.Little(18, 4), .height = (height & 0x80000000U) != 0 ? 0U - height : height};
 }
 
 // The tags of a TIFF's first picture, of which every one counts that says how large it is.

@@ -11,6 +11,11 @@ struct PictureSize {
     std::uint32_t width = 0;
     std::uint32_t height = 0;
     bool hasWords = false;  // 16 bits a channel
+    // How it is decoded: row by row, as an upright JPEG is, or all at once, and then with so many copies of the pixels
+    // at most; and what the decoder keeps of the whole picture besides, in bytes to each pixel.
+    bool comesByRows = false;
+    double decodingCopies = 3;
+    double keptByDecoder = 0;
 
     [[nodiscard]] double Pixels() const { return static_cast<double>(width) * static_cast<double>(height); }
 };

@@ -84,6 +84,9 @@ PngWriter::PngWriter(const PngShape& shape, const PictureInfo& info, int compres
       m_rows((m_mostRows + 1) * m_rowBytes),
       m_filtered(window + m_mostRows * (m_rowBytes + 1)),
       m_file(signature.begin(), signature.end()) {
+    // As much as rows that cannot be packed take: what stays unused is never there, and what grows is never there
+    // twice.
+    m_file.reserve(static_cast<std::size_t>(shape.height) * (m_rowBytes + 1 + m_rowBytes / 1024 + 16) + window);
     AppendChunk(m_file, "IHDR", HeaderOf(shape));
     const Bytes chunks = PngChunksOf(info);
     m_file.insert(m_file.end(), chunks.begin(), chunks.end());

@@ -58,11 +58,6 @@ struct FilterLine {
     SavedPreset saved;
 };
 
-struct FilePair {
-    std::filesystem::path in;
-    std::filesystem::path out;
-};
-
 // Of the same name in the folder, but for formats that are read alone.
 std::filesystem::path NameIn(const std::filesystem::path& folder, const std::filesystem::path& in) {
     if (in == "-") throw Error("-", {}, "standard input has no name to go by in a folder; name an output");
@@ -121,9 +116,7 @@ void StagePreset(const FilterLine& line, picture_io::OutputFiles& outputs) {
 
 // Those that FilterMany works on at a time.
 void CheckMemory(const std::vector<FilePair>& pairs, const FilterOptions& options) {
-    std::vector<std::filesystem::path> inputs;
-    for (const FilePair& pair : pairs) inputs.push_back(pair.in);
-    CheckFilterMemory(inputs, std::max(1U, std::thread::hardware_concurrency()), options);
+    CheckFilterMemory(pairs, std::max(1U, std::thread::hardware_concurrency()), options);
 }
 
 void FilterOne(const FilePair& pair, const FilterOptions& options, picture_io::OutputFiles& outputs) {

@@ -27,10 +27,10 @@ using picture_io::RowWriter;
 
 constexpr std::int32_t rowsAtOnce = 64;
 
-Bytes BytesOf(const std::filesystem::path& in, const FilterOptions& options) {
+Bytes BytesOf(const std::filesystem::path& in, const std::filesystem::path& out, const FilterOptions& options) {
     if (in != "-") return cli::ReadFileBytes(in);
     Bytes bytes = cli::ReadStandardInput(options.memory);
-    CheckStreamMemory(bytes, options);
+    CheckStreamMemory(bytes, out, options);
     return bytes;
 }
 
@@ -40,7 +40,7 @@ public:
     FileFilter(const std::filesystem::path& in, std::filesystem::path out, const FilterOptions& options,
                const RowProgress& progress)
         : m_name(in == "-" ? "standard input" : in.string()),
-          m_bytes(BytesOf(in, options)),
+          m_bytes(BytesOf(in, out, options)),
           m_out(std::move(out)),
           m_options(options),
           m_progress(progress),
@@ -51,8 +51,7 @@ public:
         RowReader reader = Reader();
         m_depth = DepthOf(m_options).value_or(reader.HasWords() ? 1 : 0);
         RequireDepth(m_out, m_depth);
-        const bool isPlain = m_options.region.empty() && m_options.mask.empty() && !m_options.expand;
-        const auto rowsAround = isPlain ? RowsAround(filters) : std::nullopt;
+        const auto rowsAround = RowsAroundFor(filters, m_options);
         return rowsAround ? ByBands(reader, *rowsAround) : AsWhole(std::move(reader), filters);
     }
 
@@ -63,10 +62,7 @@ private:
 
     [[nodiscard]] FilterList Filters() const {
         FrameRateClock clock(m_options.rate);
-        clock.StandAt(m_options.frame);
-        auto filters = FiltersOf(m_options, clock);
-        std::erase_if(filters, [](const auto& filter) { return !filter->m_active; });
-        return filters;
+        return ActiveFiltersOf(m_options, clock);
     }
 
     // Calls `write` with one writer after the other until one of them was content, and finishes that.

@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 
+#include "apps/chalkpane/filtering/band_run.h"
 #include "apps/chalkpane/filtering/filter_run.h"
 #include "apps/chalkpane/filtering/filter_texts.h"
 #include "apps/chalkpane/filtering/picture_image.h"
@@ -74,6 +75,19 @@ std::vector<std::unique_ptr<Filter>> FiltersOf(const FilterOptions& options, con
 std::optional<std::int32_t> DepthOf(const FilterOptions& options) {
     if (options.bits == 0) return std::nullopt;
     return options.bits == 8 ? 0 : 1;
+}
+
+std::optional<std::int32_t> RowsAroundFor(std::span<const std::unique_ptr<Filter>> filters,
+                                          const FilterOptions& options) {
+    const bool isPlain = options.region.empty() && options.mask.empty() && !options.expand;
+    return isPlain ? RowsAround(filters) : std::nullopt;
+}
+
+std::vector<std::unique_ptr<Filter>> ActiveFiltersOf(const FilterOptions& options, FrameRateClock& clock) {
+    clock.StandAt(options.frame);
+    auto filters = FiltersOf(options, clock);
+    std::erase_if(filters, [](const auto& filter) { return !filter->m_active; });
+    return filters;
 }
 
 std::unique_ptr<Image> ReadMask(const FilterOptions& options, const Rect& picture, std::int32_t depth) {

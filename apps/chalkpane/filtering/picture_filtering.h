@@ -18,6 +18,13 @@ namespace chalkpane::app {
 // The depth that the options ask for, as images count it; none: the picture's own.
 [[nodiscard]] std::optional<std::int32_t> DepthOf(const FilterOptions& options);
 
+// The rows around a row that the filters need where the picture goes through them by bands; none: it goes as a whole.
+[[nodiscard]] std::optional<std::int32_t> RowsAroundFor(std::span<const std::unique_ptr<Filter>> filters,
+                                                        const FilterOptions& options);
+
+// Those that change anything, as they stand for the first frame.
+[[nodiscard]] std::vector<std::unique_ptr<Filter>> ActiveFiltersOf(const FilterOptions& options, FrameRateClock& clock);
+
 // The mask that the options name, one channel of that depth; null: they name none. Throws cli::Error for one of another
 // size than the picture.
 [[nodiscard]] std::unique_ptr<Image> ReadMask(const FilterOptions& options, const Rect& picture, std::int32_t depth);

@@ -20,7 +20,7 @@ void FilterVideoFile(const std::filesystem::path& in, const std::filesystem::pat
     for (const std::string& input : {options.mask, options.preset})
         if (!input.empty()) files.AnnounceInput(input);
     files.AnnounceOther(out);
-    CheckFilterMemory({&in, 1}, 1, options);
+    CheckFilterMemory({{in, out}}, 1, options);
     FrameRateClock clock(options.rate);
     auto filters = FiltersOf(options, clock);
     std::erase_if(filters, [](const auto& filter) { return !filter->m_active; });
