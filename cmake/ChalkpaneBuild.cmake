@@ -47,8 +47,10 @@ function(chalkpane_watch_branches target)
 endfunction()
 
 # For what spends its time elsewhere, such as tests and the reading of command lines: it is rather built soon than fast.
+# Among the checks of the sanitizers, optimisation takes clang++ twice as long as all the rest.
+set(chalkpane_soon $<$<CONFIG:Release>:-O1> $<$<CONFIG:Sanitize>:-O0>)
 function(chalkpane_build_soon target)
-  target_compile_options(${target} PRIVATE $<$<CONFIG:Release>:-O1>)
+  target_compile_options(${target} PRIVATE ${chalkpane_soon})
 endfunction()
 
 # The test programs that `./test quick` runs, and all programs that the guides use, as `./run` builds them.
@@ -64,9 +66,11 @@ endfunction()
 
 # One test program per subsystem: every source of the folder, or of those named below it and its own, run by CTest under
 # the name. `./test quick` runs it too, unless it is SLOW: takes more than some ten seconds, or needs much else built.
-#   chalkpane_test(image LIBRARIES chalkpane_engine [FOLDERS those] [SOURCES more.cpp] [ARGUMENTS for the program] [SLOW])
+# One that works out many PIXELS itself, to compare with, is optimised under the sanitizers too.
+#   chalkpane_test(image LIBRARIES chalkpane_engine [FOLDERS those] [SOURCES more.cpp] [ARGUMENTS for the program] [SLOW]
+#                  [PIXELS])
 function(chalkpane_test name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "SLOW" "" "LIBRARIES;FOLDERS;SOURCES;ARGUMENTS")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "SLOW;PIXELS" "" "LIBRARIES;FOLDERS;SOURCES;ARGUMENTS")
   if(arg_FOLDERS)
     list(TRANSFORM arg_FOLDERS PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
     list(TRANSFORM arg_FOLDERS APPEND /*.cpp)
@@ -74,15 +78,16 @@ function(chalkpane_test name)
   else()
     file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
   endif()
-  add_executable(${name}_test ${sources} ${arg_SOURCES} ${PROJECT_SOURCE_DIR}/tests/test_main.cpp)
+  add_executable(${name}_test ${sources} ${arg_SOURCES} $<TARGET_OBJECTS:no_tests>)
   target_link_libraries(${name}_test PRIVATE chalkpane_flags ${arg_LIBRARIES} doctest::doctest)
-  chalkpane_build_soon(${name}_test)
-  # Builds that come after the plain one, which has shown that each file includes what it needs, read headers but once.
-  if(CHALKPANE_SANITIZE)
-    target_precompile_headers(${name}_test PRIVATE <doctest/doctest.h> <algorithm> <array> <cmath> <memory> <random>
-                                                   <string> <vector>)
-    # It has to say what it wants of doctest before it reads it.
-    set_source_files_properties(${PROJECT_SOURCE_DIR}/tests/test_main.cpp PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
+  if(arg_PIXELS)
+    target_compile_options(${name}_test PRIVATE $<$<CONFIG:Release>:-O1>)
+  else()
+    chalkpane_build_soon(${name}_test)
+    # Headers that are read beforehand have to be compiled alike.
+    if(CHALKPANE_SANITIZE)
+      target_precompile_headers(${name}_test REUSE_FROM no_tests)
+    endif()
   endif()
   add_test(NAME ${name} COMMAND ${name}_test ${arg_ARGUMENTS})
   set_tests_properties(${name} PROPERTIES TIMEOUT 1500)
