@@ -19,7 +19,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
                 point.y = std::clamp(point.y, -200.0, 200.0);
             }
         const auto canvas = MakeCanvas(file, {}, std::nullopt);
-        PictureFiles pictures(canvas->depth);
+        PictureFiles pictures(canvas->GetDepth());
         PaintStrokes(file, *canvas, pictures, {});
     });
     return 0;
