@@ -1,4 +1,4 @@
-// Videos a passage of play from above, and writes it to each file as its ending says:  make_film OUT.mp4 OUT.mkv ...
+// Draws a passage of play from above, and writes it to each file as its ending says:  make_film OUT.mp4 OUT.mkv ...
 //
 // Four seconds, 25 frames each, of 640 by 360: discs in two colours run over a pitch, and a ball among them. The
 // squares in the top left corner count: eight of them, white for one and black for nought, the highest first, say the
@@ -98,15 +98,15 @@ int main(int argc, char** argv) {
         return 2;
     }
     try {
-        std::vector<kel::VideoWriter> films;
+        std::vector<kel::VideoWriter> videos;
         for (int index = 1; index < argc; ++index)
-            films.emplace_back(argv[index], kel::VideoSettings{width, height, framesPerSecond, false});
+            videos.emplace_back(argv[index], kel::VideoSettings{width, height, framesPerSecond, false});
         for (int frame = 0; frame < frames; ++frame) {
             const picture_io::Picture picture = Frame(frame);
-            for (kel::VideoWriter& film : films) film.Write(picture);
+            for (kel::VideoWriter& video : videos) video.Write(picture);
         }
-        for (kel::VideoWriter& film : films) film.Close();
-        for (kel::VideoWriter& film : films) film.Commit();
+        for (kel::VideoWriter& video : videos) video.Close();
+        for (kel::VideoWriter& video : videos) video.Commit();
     } catch (const std::exception& error) {
         std::fprintf(stderr, "make_film: %s\n", error.what());
         return 2;

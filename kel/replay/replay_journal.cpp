@@ -24,7 +24,7 @@ using chalkpane::RecordKind;
 
 constexpr double mostFields = 10000000;
 
-// A picture, a film, or nothing.
+// A picture, a video, or nothing.
 class Background {
 public:
     explicit Background(const std::string& path) {

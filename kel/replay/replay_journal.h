@@ -9,12 +9,12 @@ namespace kel {
 struct ReplayOptions {
     std::string journal;           // path
     std::string out;               // path; its ending says how, as for every output
-    std::string over;              // a picture or a film to draw on; empty: nothing
+    std::string over;              // a picture or a video to draw on; empty: nothing
     double speed = 1;              // above 0; 2: in half the time
-    std::optional<double> length;  // seconds of the film, instead of a speed
+    std::optional<double> length;  // seconds of the video, instead of a speed
     std::optional<double> from;    // seconds of the drawing, from its first press; what came before is there
     std::optional<double> to;      // seconds of the drawing
-    double fieldsPerSecond = 50;   // of the drawing and of the film
+    double fieldsPerSecond = 50;   // of the drawing and of the video
     bool straight = false;         // ink alone has colours that are not multiplied by alpha
     bool each = false;             // one output for each stroke, its number before the name's ending
 };

@@ -41,9 +41,9 @@ void ShowTransport(const VideoClock& clock, bool isRunning, const FittedKeys& ke
 }  // namespace
 
 void ShowVideoPanel(Workspace& workspace, const FittedKeys& keys, std::vector<WorkspaceAction>& asked) {
-    const VideoShow* film = workspace.Video();
-    if (film == nullptr) return;
-    const VideoClock& clock = film->Clock();
+    const VideoShow* video = workspace.Video();
+    if (video == nullptr) return;
+    const VideoClock& clock = video->Clock();
     const std::int64_t last = clock.Frames() - 1;
     std::int64_t frame = workspace.VideoFrame();
     ShowTransport(clock, clock.IsRunning(workspace.NextField()), keys, asked);
@@ -52,8 +52,8 @@ void ShowVideoPanel(Workspace& workspace, const FittedKeys& keys, std::vector<Wo
     if (ImGui::SliderScalar("##frame", ImGuiDataType_S64, &frame, &first, &last, "frame %lld",
                             ImGuiSliderFlags_NoInput))
         workspace.ChangeVideo({frame, std::nullopt, std::nullopt});
-    const double seconds = static_cast<double>(frame) / film->FramesPerSecond();
-    const double length = static_cast<double>(clock.Frames()) / film->FramesPerSecond();
+    const double seconds = static_cast<double>(frame) / video->FramesPerSecond();
+    const double length = static_cast<double>(clock.Frames()) / video->FramesPerSecond();
     ImGui::TextDisabled("%s of %s", TimeText(seconds).c_str(), TimeText(length).c_str());
     ImGui::Separator();
 }

@@ -7,7 +7,7 @@
 
 namespace kel {
 
-// The film's controls, in the window that is being made: play, step, seek, loop. Nothing where the scene has no film.
+// The video's controls, in the window that is being made: play, step, seek, loop. Nothing where the scene has no video.
 void ShowVideoPanel(Workspace& workspace, const FittedKeys& keys, std::vector<WorkspaceAction>& asked);
 
 }  // namespace kel

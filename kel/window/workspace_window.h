@@ -9,7 +9,7 @@
 namespace kel {
 
 struct WindowOptions {
-    std::filesystem::path file;  // a picture, a film or a session
+    std::filesystem::path file;  // a picture, a video or a session
     WorkspaceOptions workspace;  // what it says of OpenGL and of sizes is the window's own business
     KeysTable keys;
     bool areKeysGiven = false;    // by the operator: keys that the module has no use for are errors

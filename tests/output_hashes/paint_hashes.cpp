@@ -7,8 +7,8 @@
 
 #include "apps/chalkpane/curves/frame_rate_clock.h"
 #include "apps/chalkpane/presets/preset.h"
-#include "apps/chalkpane/presets/preset_film.h"
 #include "apps/chalkpane/presets/preset_values.h"
+#include "apps/chalkpane/presets/preset_video.h"
 #include "apps/chalkpane/strokes/brush_choices.h"
 #include "apps/chalkpane/strokes/picture_files.h"
 #include "apps/chalkpane/strokes/stroke_painter.h"
@@ -42,9 +42,9 @@ std::vector<path> FilesIn(const path& folder, const std::string& ending) {
 enum class Ground { AsDescribed, Noise };
 
 std::unique_ptr<Image> Painted(const app::StrokesFile& file, Depth depth, Ground ground) {
-    auto canvas = app::MakeCanvas(file, {}, static_cast<std::int32_t>(depth));
+    auto canvas = app::MakeCanvas(file, {}, depth);
     if (ground == Ground::Noise) Draws(61).Fill(*canvas);
-    app::PictureFiles pictures(canvas->depth);
+    app::PictureFiles pictures(canvas->GetDepth());
     app::PaintStrokes(file, *canvas, pictures, {});
     return canvas;
 }
@@ -205,8 +205,7 @@ void HashPreset(Report& report, const path& file) {
     const bool isBrush = preset.kind == app::PresetKind::Brush;
     const path source = isBrush ? examples / "presets" / "chalk_strokes.json" : examples / "test-card.png";
     for (const Depth depth : bothDepths) {
-        const auto film =
-            app::MakeVideo(app::ReadPreset(file, clock), {source, file, static_cast<std::int32_t>(depth)}, clock);
+        const auto film = app::MakeVideo(app::ReadPreset(file, clock), {source, file, depth}, clock);
         for (const std::int32_t frame : {0, 17, 42, 70}) {
             clock.StandAt(frame);
             report.Add(name + "/" + BitsOf(depth) + "/frame " + std::to_string(frame),

@@ -6,10 +6,11 @@
 #include "apps/chalkpane/commands/commands.h"
 #include "apps/chalkpane/commands/preset_options.h"
 #include "apps/chalkpane/filtering/filter_memory.h"
+#include "apps/chalkpane/filtering/picture_image.h"
 #include "apps/chalkpane/filtering/picture_look.h"
 #include "apps/chalkpane/filtering/video_output.h"
-#include "apps/chalkpane/presets/preset_film.h"
 #include "apps/chalkpane/presets/preset_places.h"
+#include "apps/chalkpane/presets/preset_video.h"
 #include "cli/error.h"
 #include "cli/interrupt_guard.h"
 #include "cli/memory_option.h"
@@ -26,21 +27,21 @@ constexpr std::int32_t mostFrames = 100'000;
 
 struct AnimateOptions {
     std::string in;
-    std::string out;  // a film, or the pattern of numbered pictures
+    std::string out;  // a video, or the pattern of numbered pictures
     std::string preset;
     std::string frames;
-    std::optional<double> rate;                                    // none: the film's, or the usual
+    std::optional<double> rate;                                    // none: the video's, or the usual
     std::int32_t bits = 0;                                         // 0: as the source
     std::uint64_t memory = cli::MemoryBudget::HalfOfTheMachine();  // bytes
     PictureLook look;
 };
 
-// From frame 0 to the last key, or to the film's last frame, where nobody says more.
+// From frame 0 to the last key, or to the video's last frame, where nobody says more.
 FrameRange FramesToMake(const std::string& text, const Preset& preset, const FrameRateClock& clock,
-                        const kel::VideoReader* film) {
+                        const kel::VideoReader* reader) {
     const std::int32_t usualLast =
-        film != nullptr ? static_cast<std::int32_t>(std::min<std::int64_t>(film->FrameCount(), mostFrames)) - 1
-                        : std::max(0, FramesOfKeys(PlacesIn(preset), clock).last);
+        reader != nullptr ? static_cast<std::int32_t>(std::min<std::int64_t>(reader->FrameCount(), mostFrames)) - 1
+                          : std::max(0, FramesOfKeys(PlacesIn(preset), clock).last);
     const FrameRange range = text.empty() ? FrameRange{0, usualLast} : ParseFrames(text);
     if (range.first < 0) throw Error("--frames", {}, "the first picture is that of frame 0");
     if (range.last - range.first >= mostFrames)
@@ -72,34 +73,35 @@ void MakePictures(PresetVideo& video, const FrameRange& frames, FrameRateClock& 
     outputs.Commit();
 }
 
-void MakeFilm(PresetVideo& video, const FrameRange& frames, FrameRateClock& clock, const AnimateOptions& options,
-              double framesPerSecond, picture_io::OutputFiles& outputs) {
+void WriteVideo(PresetVideo& video, const FrameRange& frames, FrameRateClock& clock, const AnimateOptions& options,
+                double framesPerSecond, picture_io::OutputFiles& outputs) {
     outputs.AnnounceOther(options.out);
-    VideoOutput film(options.out, framesPerSecond, true);
-    MakeFrames(video, frames, clock, [&](std::int32_t, std::unique_ptr<Image> image) { film.Write(std::move(image)); });
-    film.Commit();
+    VideoOutput output(options.out, framesPerSecond, true);
+    MakeFrames(video, frames, clock,
+               [&](std::int32_t, std::unique_ptr<Image> image) { output.Write(std::move(image)); });
+    output.Commit();
 }
 
 void Animate(const AnimateOptions& options) {
-    const bool makesFilm = IsVideoName(options.out);
-    if (!makesFilm) (void)picture_io::NumberedName(options.out);
+    const bool makesVideo = IsVideoName(options.out);
+    if (!makesVideo) (void)picture_io::NumberedName(options.out);
     picture_io::OutputFiles outputs;
     outputs.AnnounceInput(options.in);
     outputs.AnnounceInput(options.preset);
-    const auto depth = options.bits == 0 ? std::nullopt : std::optional(options.bits == 8 ? 0 : 1);
+    const auto depth = options.bits == 0 ? std::nullopt : std::optional(DepthOfBits(options.bits));
     CheckAnimationMemory(options.in, depth, options.memory);
     auto reader = IsVideoName(options.in) ? std::make_unique<kel::VideoReader>(options.in) : nullptr;
     const double rate = options.rate.value_or(reader ? reader->FramesPerSecond() : FrameRateClock::usualRate);
     FrameRateClock clock(rate);
     Preset preset = ReadPreset(options.preset, clock);
     const FrameRange frames = FramesToMake(options.frames, preset, clock, reader.get());
-    VideoSource source{.file = options.in, .presetFile = options.preset, .film = std::move(reader)};
+    VideoSource source{.file = options.in, .presetFile = options.preset, .video = std::move(reader)};
     source.beforeReading = [&outputs](const auto& picture) { outputs.AnnounceInput(picture); };
     source.memory = options.memory;
     source.depth = depth;
     const auto video = MakeVideo(std::move(preset), std::move(source), clock);
-    if (makesFilm)
-        MakeFilm(*video, frames, clock, options, rate, outputs);
+    if (makesVideo)
+        WriteVideo(*video, frames, clock, options, rate, outputs);
     else
         MakePictures(*video, frames, clock, options, outputs);
 }

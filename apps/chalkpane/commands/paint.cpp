@@ -7,6 +7,7 @@
 #include "apps/chalkpane/commands/commands.h"
 #include "apps/chalkpane/commands/preset_options.h"
 #include "apps/chalkpane/curves/frame_rate_clock.h"
+#include "apps/chalkpane/filtering/picture_image.h"
 #include "apps/chalkpane/filtering/picture_look.h"
 #include "apps/chalkpane/strokes/preset_brush.h"
 #include "apps/chalkpane/strokes/stroke_painter.h"
@@ -60,14 +61,14 @@ void Paint(const PaintArguments& arguments) {
     FrameRateClock clock(arguments.rate);
     auto brush = BrushOf(arguments, clock);
     StrokesFile file = ReadStrokes(arguments.strokes);
-    std::optional<std::int32_t> depth;
-    if (arguments.bits) depth = *arguments.bits == 8 ? 0 : 1;
+    std::optional<Depth> depth;
+    if (arguments.bits) depth = DepthOfBits(*arguments.bits);
     StrokesMemory memory(arguments.memory, arguments.strokes);
     memory.Count(file, arguments.picture, depth);
     if (!file.canvas.picture.empty()) outputs.AnnounceInput(file.canvas.picture);
     auto canvas = MakeCanvas(file, arguments.picture, depth);
-    RequireDepth(arguments.output, canvas->depth);
-    PictureFiles pictures(canvas->depth, [&](const auto& picture) {
+    RequireDepth(arguments.output, canvas->GetDepth());
+    PictureFiles pictures(canvas->GetDepth(), [&](const auto& picture) {
         outputs.AnnounceInput(picture);
         memory.CountPicture(picture);
     });

@@ -88,7 +88,7 @@ struct CurveLine {
     std::vector<HandleEnd> handles;
 };
 
-// Enough places to show every pixel's frame, and no more: a film may be long.
+// Enough places to show every pixel's frame, and no more: a video may be long.
 std::vector<std::int32_t> FramesShown(const FrameRange& frames) {
     const std::int64_t count = std::int64_t{frames.last} - frames.first;
     const std::int64_t steps = std::min<std::int64_t>(count, 4 * width);
@@ -166,7 +166,7 @@ public:
 
     // Chalk from the engine's own brush, composited onto the board.
     void DrawCourse(const std::vector<CurvePoint>& course, const Chalk& chalk) {
-        Image layer(width, height, Image::colourType, 0, 1);
+        Image layer = Image::Colour(width, height, Depth::Eight, AlphaForm::Premultiplied);
         BasicBrush brush("Chalk");
         brush.SetTarget(&layer);
         brush.SetColour(chalk.colour);

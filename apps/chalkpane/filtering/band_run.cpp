@@ -30,10 +30,10 @@ constexpr std::int32_t mostRowsAround = 256;  // more, and the rows made twice c
 
 // The rows from `topY` down that are wanted still, with those that were read put below them.
 std::unique_ptr<Image> WithRowsBelow(const Image* kept, const picture_io::AnyPicture& rows, std::int32_t topY,
-                                     std::int32_t firstY, std::int32_t width, std::int32_t depth) {
+                                     std::int32_t firstY, std::int32_t width, Depth depth) {
     const std::int32_t count = std::visit([](const auto& any) { return any.height; }, rows);
-    auto image = std::make_unique<Image>(Rect(0, firstY - count + 1, width - 1, topY), Image::colourType, depth,
-                                         std::uint8_t{0});
+    auto image = std::make_unique<Image>(
+        Image::Colour(Rect(0, firstY - count + 1, width - 1, topY), depth, AlphaForm::Straight));
     if (kept != nullptr) image->CopyRegion(*kept, Rect(0, firstY + 1, width - 1, topY));
     FillRows(*image, rows, firstY);
     return image;
@@ -66,7 +66,7 @@ std::int32_t BandRows(std::int32_t width, std::int32_t rowsAround) {
 }
 
 bool RunByBands(picture_io::RowReader& reader, std::span<const std::unique_ptr<Filter>> filters, const FilterRun& run,
-                std::int32_t depth, std::int32_t rowsAround, const TakeBand& take) {
+                Depth depth, std::int32_t rowsAround, const TakeBand& take) {
     const std::int32_t width = reader.Width();
     const std::int32_t bandRows = BandRows(width, rowsAround);
     const std::int32_t highest = reader.Height() - 1;

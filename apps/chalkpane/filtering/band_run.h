@@ -33,6 +33,6 @@ using TakeBand = std::function<bool(const Image& band)>;
 // What is read is decoded on a thread of its own, ahead of the filters. False: `take` ended the run. Throws cli::Error
 // with the reason alone for what is wrong with the file, and std::bad_alloc.
 [[nodiscard]] bool RunByBands(picture_io::RowReader& reader, std::span<const std::unique_ptr<Filter>> filters,
-                              const FilterRun& run, std::int32_t depth, std::int32_t rowsAround, const TakeBand& take);
+                              const FilterRun& run, Depth depth, std::int32_t rowsAround, const TakeBand& take);
 
 }  // namespace chalkpane::app

@@ -49,7 +49,7 @@ public:
     Bytes Run() {
         const auto filters = Filters();
         RowReader reader = Reader();
-        m_depth = DepthOf(m_options).value_or(reader.HasWords() ? 1 : 0);
+        m_depth = DepthAskedFor(m_options).value_or(reader.HasWords() ? Depth::Fourteen : Depth::Eight);
         RequireDepth(m_out, m_depth);
         const auto rowsAround = RowsAroundFor(filters, m_options);
         return rowsAround ? ByBands(reader, *rowsAround) : AsWhole(std::move(reader), filters);
@@ -117,7 +117,7 @@ private:
 
     std::unique_ptr<Image> WholeImage(RowReader& reader, std::int64_t all) {
         auto image =
-            std::make_unique<Image>(reader.Width(), reader.Height(), Image::colourType, m_depth, std::uint8_t{0});
+            std::make_unique<Image>(Image::Colour(reader.Width(), reader.Height(), m_depth, AlphaForm::Straight));
         for (std::int32_t top = image->y1; top >= 0; top -= rowsAtOnce) {
             FillRows(*image, reader.Read(rowsAtOnce), top);
             Show(std::min(image->Height(), image->y1 - top + rowsAtOnce), all);
@@ -141,7 +141,7 @@ private:
     // Rows of the result mixed with those of the input, which is read once more instead of being kept.
     static std::unique_ptr<Image> MixedRows(RowReader& input, const Image& picture, const Image& mask,
                                             const Rect& band) {
-        auto before = std::make_unique<Image>(band, ImageDefinition(band, Image::colourType, picture.depth, 0));
+        auto before = std::make_unique<Image>(Image::Colour(band, picture.GetDepth(), AlphaForm::Straight));
         FillRows(*before, input.Read(band.Height()), band.y1);
         return MixByMask(std::move(before), picture, mask);
     }
@@ -184,7 +184,7 @@ private:
     const FilterOptions& m_options;
     const RowProgress& m_progress;
     Background m_background;
-    std::int32_t m_depth = 0;
+    Depth m_depth = Depth::Eight;
     std::int64_t m_height = 0;  // of the input
 };
 

@@ -23,19 +23,19 @@ constexpr double channels = 4;
 
 using Parts = std::vector<MemoryPart>;
 
-bool HasWords(std::optional<std::int32_t> depth) { return depth.value_or(0) != 0; }
+bool HasWords(std::optional<Depth> depth) { return depth == Depth::Fourteen; }
 
 std::string Shown(const std::filesystem::path& input) {
     return (IsVideoName(input) ? "the film " : "the picture ") + cli::Quoted(input.string());
 }
 
 // With the pictures of a film that are read ahead, and those that its writer keeps.
-double MemoryOfVideo(const std::filesystem::path& input, double copies, std::optional<std::int32_t> depth) {
+double MemoryOfVideo(const std::filesystem::path& input, double copies, std::optional<Depth> depth) {
     const double bytesOfPixel = 2 * kel::bytesOfVideoPixel + copies * channels * (HasWords(depth) ? 2 : 1);
     return kel::ReadVideoPixels(input).value_or(0.0) * bytesOfPixel;
 }
 
-double MemoryOfInput(const std::filesystem::path& input, double copies, std::optional<std::int32_t> depth) {
+double MemoryOfInput(const std::filesystem::path& input, double copies, std::optional<Depth> depth) {
     return IsVideoName(input) ? MemoryOfVideo(input, copies, depth)
                               : picture_io::MemoryOfPicture(input, copies, HasWords(depth));
 }
@@ -63,8 +63,9 @@ public:
 
     [[nodiscard]] Parts Of(const FilePair& files) const {
         if (IsVideoName(files.in))
-            return {{MemoryOfVideo(files.in, copiesOfFrame + (m_options.mask.empty() ? 0 : 3), DepthOf(m_options)),
-                     Shown(files.in)}};
+            return {
+                {MemoryOfVideo(files.in, copiesOfFrame + (m_options.mask.empty() ? 0 : 3), DepthAskedFor(m_options)),
+                 Shown(files.in)}};
         const auto size = picture_io::ReadPictureSize(files.in);
         if (!size) return {};  // its reader tells
         return MemoryOf({Shown(files.in), SizeOfFile(files.in), *size, &FormatFor(files.out)}, m_filters, m_options);
@@ -102,8 +103,7 @@ void CheckStreamMemory(std::span<const std::uint8_t> bytes, const std::filesyste
     budget.Check(options.memory, "standard input");
 }
 
-void CheckAnimationMemory(const std::filesystem::path& input, std::optional<std::int32_t> depth,
-                          std::uint64_t allowed) {
+void CheckAnimationMemory(const std::filesystem::path& input, std::optional<Depth> depth, std::uint64_t allowed) {
     cli::MemoryBudget budget;
     budget.Count(MemoryOfInput(input, copiesOfFrame + 1, depth), Shown(input));
     budget.Check(allowed, input.string());

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "apps/chalkpane/filtering/filter_options.h"
+#include "chalkpane/image/pixel_format.h"
 
 namespace chalkpane::app {
 
@@ -23,7 +24,7 @@ void CheckFilterMemory(const std::vector<FilePair>& files, std::size_t atATime, 
 void CheckStreamMemory(std::span<const std::uint8_t> bytes, const std::filesystem::path& out,
                        const FilterOptions& options);
 
-// Over one picture or film again and again, each time with other values.
-void CheckAnimationMemory(const std::filesystem::path& input, std::optional<std::int32_t> depth, std::uint64_t allowed);
+// Over one picture or video again and again, each time with other values.
+void CheckAnimationMemory(const std::filesystem::path& input, std::optional<Depth> depth, std::uint64_t allowed);
 
 }  // namespace chalkpane::app

@@ -6,13 +6,13 @@
 #include <utility>
 
 #include "apps/chalkpane/filtering/picture_image.h"
-#include "apps/chalkpane/filtering/pixel_rows.h"
 #include "apps/chalkpane/filtering/sparing_run.h"
 #include "chalkpane/base/random.h"
 #include "chalkpane/filters/blurs/threshold_blur.h"
 #include "chalkpane/filters/distort/marble_effect.h"
 #include "chalkpane/filters/distort/turbulence_effect.h"
 #include "chalkpane/filters/point_filter.h"
+#include "chalkpane/image/image_rows.h"
 #include "chalkpane/image/pixel_format.h"
 
 namespace chalkpane::app {
@@ -25,9 +25,9 @@ void SeedForFrame(std::int32_t frame) {
 }
 
 bool IsOpaque(const Image& image) {
-    return AtDepth(image.depth, [&image]<typename F>(F) {
+    return WithFormatOf(image, [&image]<typename F>(F) {
         for (std::int32_t y = image.y0; y <= image.y1; ++y) {
-            const auto row = RowOf<F>(image, y);
+            const auto row = ImageRow<F>(image, y);
             for (std::size_t i = 3; i < row.size(); i += 4)
                 if (row[i] != F::fullScale) return false;
         }
@@ -154,14 +154,14 @@ void MixPixel(std::span<const typename F::Channel, 4> after, std::int64_t mask,
 
 template <typename F>
 void MixRow(const Image& after, const Image& mask, Image& before, std::int32_t y) {
-    const auto own = RowOf<F>(before, y);
-    const auto coverage = RowOf<F>(mask, y);
+    const auto own = ImageRow<F>(before, y);
+    const auto coverage = ImageRow<F>(mask, y);
     constexpr std::array<typename F::Channel, 4> nothing{};
     for (std::int32_t x = before.x0; x <= before.x1; ++x) {
         const auto i = static_cast<std::size_t>(x - before.x0);
         std::span<const typename F::Channel, 4> made = nothing;
         if (after.Contains(x, y))
-            made = std::span<const typename F::Channel>(RowOf<F>(after, y))
+            made = std::span<const typename F::Channel>(ImageRow<F>(after, y))
                        .subspan(4 * static_cast<std::size_t>(x - after.x0))
                        .template first<4>();
         MixPixel<F>(made, coverage[i], own.subspan(4 * i).template first<4>());
@@ -215,7 +215,7 @@ std::unique_ptr<Image> MixByMask(std::unique_ptr<Image> before, const Image& aft
     auto mixed = InForm(std::move(before), AlphaForm::Straight);
     const auto to = InForm(std::make_unique<Image>(after), AlphaForm::Straight);
     for (std::int32_t y = mixed->y0; y <= mixed->y1; ++y)
-        AtDepth(mixed->depth, [&]<typename F>(F) { MixRow<F>(*to, mask, *mixed, y); });
+        WithFormatOf(*mixed, [&]<typename F>(F) { MixRow<F>(*to, mask, *mixed, y); });
     return mixed;
 }
 

@@ -69,7 +69,8 @@ public:
     Estimate(const PictureWork& work, const FilterOptions& options)
         : m_work(work),
           m_options(options),
-          m_words(DepthOf(options).value_or(work.size.hasWords ? 1 : 0) != 0),
+          m_words(DepthAskedFor(options).value_or(work.size.hasWords ? Depth::Fourteen : Depth::Eight) ==
+                  Depth::Fourteen),
           m_decoded(work.size.Pixels() * channels * (work.size.hasWords ? 2 : 1)),
           m_result{static_cast<double>(work.size.width), static_cast<double>(work.size.height)} {}
 

@@ -8,9 +8,9 @@
 #include "apps/chalkpane/filtering/filter_run.h"
 #include "apps/chalkpane/filtering/filter_texts.h"
 #include "apps/chalkpane/filtering/picture_image.h"
-#include "apps/chalkpane/filtering/pixel_rows.h"
 #include "apps/chalkpane/presets/preset.h"
 #include "apps/chalkpane/values/value_parsing.h"
+#include "chalkpane/image/image_rows.h"
 #include "cli/error.h"
 #include "cli/file_bytes.h"
 #include "cli/nearest_name.h"
@@ -44,17 +44,16 @@ Rect RegionFromText(const std::string& text, const Rect& picture) {
 }
 
 // By rows, so that the picture of a mask is never there in all its channels as an image, too.
-std::unique_ptr<Image> ReadMaskRows(const std::string& file, std::int32_t depth) {
+std::unique_ptr<Image> ReadMaskRows(const std::string& file, Depth depth) {
     const auto bytes = cli::ReadFileBytes(file);
     picture_io::RowReader reader(bytes, picture_io::Depths::Any, file);
-    auto mask = std::make_unique<Image>(Rect(0, 0, reader.Width() - 1, reader.Height() - 1), Image::maskType, depth,
-                                        std::uint8_t{0});
+    auto mask = std::make_unique<Image>(Image::Mask(reader.Width(), reader.Height(), depth));
     constexpr std::int32_t rowsAtOnce = 64;
     for (std::int32_t top = mask->y1; top >= 0; top -= rowsAtOnce) {
         const auto part = MaskOf(reader.Read(rowsAtOnce), depth);
         for (std::int32_t row = 0; row < part->Height(); ++row)
-            AtDepth(depth, [&]<typename F>(F) {
-                std::ranges::copy(RowOf<F>(*part, part->y1 - row), RowOf<F>(*mask, top - row).begin());
+            WithFormatOf(*part, [&]<typename F>(F) {
+                std::ranges::copy(ImageRow<F>(*part, part->y1 - row), ImageRow<F>(*mask, top - row).begin());
             });
     }
     return mask;
@@ -72,9 +71,9 @@ std::vector<std::unique_ptr<Filter>> FiltersOf(const FilterOptions& options, con
     return filters;
 }
 
-std::optional<std::int32_t> DepthOf(const FilterOptions& options) {
+std::optional<Depth> DepthAskedFor(const FilterOptions& options) {
     if (options.bits == 0) return std::nullopt;
-    return options.bits == 8 ? 0 : 1;
+    return DepthOfBits(options.bits);
 }
 
 std::optional<std::int32_t> RowsAroundFor(std::span<const std::unique_ptr<Filter>> filters,
@@ -90,7 +89,7 @@ std::vector<std::unique_ptr<Filter>> ActiveFiltersOf(const FilterOptions& option
     return filters;
 }
 
-std::unique_ptr<Image> ReadMask(const FilterOptions& options, const Rect& picture, std::int32_t depth) {
+std::unique_ptr<Image> ReadMask(const FilterOptions& options, const Rect& picture, Depth depth) {
     if (options.mask.empty()) return nullptr;
     auto mask = ReadMaskRows(options.mask, depth);
     if (mask->Bounds() != picture)
@@ -107,7 +106,7 @@ FilterRun RunOf(const FilterOptions& options, const Rect& picture, std::int32_t 
 std::unique_ptr<Image> Filtered(std::unique_ptr<Image> source, std::span<const std::unique_ptr<Filter>> filters,
                                 const FilterOptions& options, std::int32_t frame) {
     const FilterRun run = RunOf(options, *source, frame);
-    const auto mask = ReadMask(options, *source, source->depth);
+    const auto mask = ReadMask(options, *source, source->GetDepth());
     auto before = mask ? std::make_unique<Image>(*source) : nullptr;
     auto picture = RunFilters(filters, std::move(source), run);
     return mask ? MixByMask(std::move(before), *picture, *mask) : std::move(picture);

@@ -15,8 +15,8 @@ namespace chalkpane::app {
 // stands. Values with keys refer to it as long as they live. Throws cli::Error, also where there are no filters.
 [[nodiscard]] std::vector<std::unique_ptr<Filter>> FiltersOf(const FilterOptions& options, const FrameRateClock& clock);
 
-// The depth that the options ask for, as images count it; none: the picture's own.
-[[nodiscard]] std::optional<std::int32_t> DepthOf(const FilterOptions& options);
+// The depth that the options ask for; none: the picture's own.
+[[nodiscard]] std::optional<Depth> DepthAskedFor(const FilterOptions& options);
 
 // The rows around a row that the filters need where the picture goes through them by bands; none: it goes as a whole.
 [[nodiscard]] std::optional<std::int32_t> RowsAroundFor(std::span<const std::unique_ptr<Filter>> filters,
@@ -27,7 +27,7 @@ namespace chalkpane::app {
 
 // The mask that the options name, one channel of that depth; null: they name none. Throws cli::Error for one of another
 // size than the picture.
-[[nodiscard]] std::unique_ptr<Image> ReadMask(const FilterOptions& options, const Rect& picture, std::int32_t depth);
+[[nodiscard]] std::unique_ptr<Image> ReadMask(const FilterOptions& options, const Rect& picture, Depth depth);
 
 // Throws cli::Error for a region that does not lie within the picture.
 [[nodiscard]] FilterRun RunOf(const FilterOptions& options, const Rect& picture, std::int32_t frame);

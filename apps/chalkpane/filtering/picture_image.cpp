@@ -6,8 +6,8 @@
 #include <span>
 #include <type_traits>
 
-#include "apps/chalkpane/filtering/pixel_rows.h"
 #include "chalkpane/base/memory_loss.h"
+#include "chalkpane/image/image_rows.h"
 #include "chalkpane/image/pixel_format.h"
 
 namespace chalkpane::app {
@@ -35,7 +35,7 @@ template <typename F, typename Word>
 void FillFromPicture(Image& image, const BasicPicture<Word>& picture, std::int32_t topY) {
     const auto* word = picture.rgba.data();
     for (std::int32_t y = topY; y > topY - picture.height; --y) {
-        const auto row = RowOf<F>(image, y);
+        const auto row = ImageRow<F>(image, y);
         for (std::size_t i = 0; i < row.size(); i += 4)
             for (std::size_t c = 0; c < 4; ++c) row[i + c] = ChannelOf<F>(word[i + fileOrder[c]]);
         word += row.size();
@@ -47,7 +47,7 @@ auto ToPicture(const Image& image) {
     BasicPicture<typename F::Channel> picture(image.Width(), image.Height());
     auto* word = picture.rgba.data();
     for (std::int32_t y = image.y1; y >= image.y0; --y) {
-        const auto row = RowOf<F>(image, y);
+        const auto row = ImageRow<F>(image, y);
         for (std::size_t i = 0; i < row.size(); i += 4)
             for (std::size_t c = 0; c < 4; ++c) word[i + c] = WordOf(row[i + fileOrder[c]]);
         word += row.size();
@@ -79,13 +79,14 @@ void Divide(std::span<typename F::Channel> row) {
 
 }  // namespace
 
-std::unique_ptr<Image> ImageOf(const AnyPicture& picture, std::optional<std::int32_t> depth, AlphaForm form) {
-    const std::int32_t imageDepth = depth.value_or(std::holds_alternative<Picture16>(picture) ? 1 : 0);
+std::unique_ptr<Image> ImageOf(const AnyPicture& picture, std::optional<Depth> depth, AlphaForm form) {
+    const Depth own = std::holds_alternative<Picture16>(picture) ? Depth::Fourteen : Depth::Eight;
+    const Depth imageDepth = depth.value_or(own);
     auto image = std::visit(
         [imageDepth](const auto& file) {
             auto made =
-                std::make_unique<Image>(file.width, file.height, Image::colourType, imageDepth, std::uint8_t{0});
-            AtDepth(imageDepth, [&]<typename F>(F) { FillFromPicture<F>(*made, file, made->y1); });
+                std::make_unique<Image>(Image::Colour(file.width, file.height, imageDepth, AlphaForm::Straight));
+            WithFormatOf(*made, [&]<typename F>(F) { FillFromPicture<F>(*made, file, made->y1); });
             return made;
         },
         picture);
@@ -93,13 +94,13 @@ std::unique_ptr<Image> ImageOf(const AnyPicture& picture, std::optional<std::int
     return image;
 }
 
-std::unique_ptr<Image> ReadImage(const std::filesystem::path& file, std::optional<std::int32_t> depth, AlphaForm form) {
+std::unique_ptr<Image> ReadImage(const std::filesystem::path& file, std::optional<Depth> depth, AlphaForm form) {
     return ImageOf(picture_io::ReadAnyPicture(file), depth, form);
 }
 
 void FillRows(Image& image, const AnyPicture& rows, std::int32_t topY) {
     std::visit(
-        [&](const auto& any) { AtDepth(image.depth, [&]<typename F>(F) { FillFromPicture<F>(image, any, topY); }); },
+        [&](const auto& any) { WithFormatOf(image, [&]<typename F>(F) { FillFromPicture<F>(image, any, topY); }); },
         rows);
 }
 
@@ -107,16 +108,16 @@ AnyPicture PictureOf(const Image& image) {
     const std::unique_ptr<Image> straight = image.IsPremultiplied() ? image.Clone() : nullptr;
     if (straight) SetAlphaForm(*straight, AlphaForm::Straight);
     const Image& source = straight ? *straight : image;
-    return AtDepth(source.depth, [&]<typename F>(F) -> AnyPicture { return ToPicture<F>(source); });
+    return WithFormatOf(source, [&]<typename F>(F) -> AnyPicture { return ToPicture<F>(source); });
 }
 
-std::unique_ptr<Image> MaskOf(const AnyPicture& picture, std::int32_t depth) {
+std::unique_ptr<Image> MaskOf(const AnyPicture& picture, Depth depth) {
     const auto colour = ImageOf(picture, depth, AlphaForm::Straight);
-    auto mask = std::make_unique<Image>(colour->Bounds(), Image::maskType, depth, std::uint8_t{0});
-    AtDepth(depth, [&]<typename F>(F) {
+    auto mask = std::make_unique<Image>(Image::Mask(colour->Bounds(), depth));
+    WithFormatOf(*mask, [&]<typename F>(F) {
         for (std::int32_t y = mask->y0; y <= mask->y1; ++y) {
-            const auto from = RowOf<F>(*colour, y);
-            const auto to = RowOf<F>(*mask, y);
+            const auto from = ImageRow<F>(*colour, y);
+            const auto to = ImageRow<F>(*mask, y);
             for (std::size_t x = 0; x < static_cast<std::size_t>(mask->Width()); ++x)
                 to[x] = static_cast<typename F::Channel>(
                     F::Scale(Lightness(from[4 * x + 2], from[4 * x + 1], from[4 * x]), from[4 * x + 3]));
@@ -128,9 +129,9 @@ std::unique_ptr<Image> MaskOf(const AnyPicture& picture, std::int32_t depth) {
 void SetAlphaForm(Image& image, AlphaForm form) {
     if (image.GetAlphaForm() == form) return;
     const bool wanted = form == AlphaForm::Premultiplied;
-    AtDepth(image.depth, [&]<typename F>(F) {
+    WithFormatOf(image, [&]<typename F>(F) {
         for (std::int32_t y = image.y0; y <= image.y1; ++y)
-            wanted ? Multiply<F>(RowOf<F>(image, y)) : Divide<F>(RowOf<F>(image, y));
+            wanted ? Multiply<F>(ImageRow<F>(image, y)) : Divide<F>(ImageRow<F>(image, y));
     });
     image.DeclareAlphaForm(form);
 }

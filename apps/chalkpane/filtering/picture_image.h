@@ -13,7 +13,7 @@ namespace chalkpane::app {
 // Picture files as the engine's images and back.
 //
 // An image made from a picture of w x h pixels has the bounds (0, 0, w - 1, h - 1); the picture's top row is the row
-// y = h - 1, so that memory and file run alike. Depths are the engine's: 0 is 8 bits, 1 is 14.
+// y = h - 1, so that memory and file run alike.
 //
 // A word of 16 bits becomes 14 bits without its lowest two; 14 bits become 16 with their highest two behind them, so
 // that every 14-bit channel comes back from a file, full scale is full scale, and the 14 bits of a byte are what the
@@ -24,14 +24,16 @@ namespace chalkpane::app {
 }
 [[nodiscard]] constexpr std::uint16_t ChannelOf16(std::uint16_t word) { return static_cast<std::uint16_t>(word >> 2); }
 
+constexpr Depth DepthOfBits(std::int64_t bits) { return bits == 8 ? Depth::Eight : Depth::Fourteen; }
+
 // depth: none is the picture's own, 8 bits or, for words, 14
-[[nodiscard]] std::unique_ptr<Image> ImageOf(const picture_io::AnyPicture& picture, std::optional<std::int32_t> depth,
+[[nodiscard]] std::unique_ptr<Image> ImageOf(const picture_io::AnyPicture& picture, std::optional<Depth> depth,
                                              AlphaForm form);
 // Puts rows of a picture as wide as the image into it, the first one into row topY, straight alpha and all.
 void FillRows(Image& image, const picture_io::AnyPicture& rows, std::int32_t topY);
 
 // Reads a picture file; "-" is standard input. Throws cli::Error naming the file and the reason.
-[[nodiscard]] std::unique_ptr<Image> ReadImage(const std::filesystem::path& file, std::optional<std::int32_t> depth,
+[[nodiscard]] std::unique_ptr<Image> ReadImage(const std::filesystem::path& file, std::optional<Depth> depth,
                                                AlphaForm form);
 
 // The picture of a four-channel image in either form, of bytes or, at 14 bits, of words. Alpha is straight. Throws
@@ -39,7 +41,7 @@ void FillRows(Image& image, const picture_io::AnyPicture& rows, std::int32_t top
 [[nodiscard]] picture_io::AnyPicture PictureOf(const Image& image);
 
 // A mask (one channel) from a picture: how light a pixel is, by its luma, times its alpha.
-[[nodiscard]] std::unique_ptr<Image> MaskOf(const picture_io::AnyPicture& picture, std::int32_t depth);
+[[nodiscard]] std::unique_ptr<Image> MaskOf(const picture_io::AnyPicture& picture, Depth depth);
 
 // Turns a four-channel image's pixels into the other form in place, rounding to the nearest. Dividing leaves black
 // where alpha is 0, and no colour above full scale. Images that are in the form already stay as they are.

@@ -34,9 +34,9 @@ const FormatRow& FormatFor(const std::filesystem::path& file) {
     return *format;
 }
 
-void RequireDepth(const std::filesystem::path& file, std::int32_t depth) {
+void RequireDepth(const std::filesystem::path& file, Depth depth) {
     const FormatRow& format = FormatFor(file);
-    if (depth != 0 && !format.hasWords) throw cli::Error(file.string(), {}, WordsRefusal(format));
+    if (depth == Depth::Fourteen && !format.hasWords) throw cli::Error(file.string(), {}, WordsRefusal(format));
 }
 
 picture_io::WriteOptions OptionsFor(const PictureLook& look, const picture_io::PictureInfo* info) {

@@ -22,7 +22,7 @@ struct PictureLook {
 };
 
 // Throws cli::Error when a picture of an image of this depth cannot be written under the name.
-void RequireDepth(const std::filesystem::path& file, std::int32_t depth);
+void RequireDepth(const std::filesystem::path& file, Depth depth);
 
 // Those of the format that a name asks for; "-" is a PNG. Throws cli::Error for a name that is no picture's.
 [[nodiscard]] const picture_io::FormatRow& FormatFor(const std::filesystem::path& file);

@@ -35,7 +35,7 @@ void FilterVideoFile(const std::filesystem::path& in, const std::filesystem::pat
             const std::int32_t number = options.frame + static_cast<std::int32_t>(frame);
             clock.StandAt(number);
             for (const auto& filter : filters) TakeValues(*filter);
-            auto source = ImageOf(reader.ReadFrame(frame), DepthOf(options), AlphaForm::Straight);
+            auto source = ImageOf(reader.ReadFrame(frame), DepthAskedFor(options), AlphaForm::Straight);
             output.Write(Filtered(std::move(source), filters, options, number));
             progress.Show(frame + 1);
         }

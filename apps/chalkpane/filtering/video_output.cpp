@@ -16,11 +16,11 @@ VideoOutput::VideoOutput(std::filesystem::path file, double framesPerSecond, boo
       m_framesPerSecond(framesPerSecond),
       m_hasAlpha(hasAlpha && kel::FormatOfVideo(m_file)->hasAlpha) {}
 
-// A film has 8 bits a channel.
+// A video has 8 bits a channel.
 void VideoOutput::Write(std::unique_ptr<Image> image) {
     RequireNoLoss();
     SetAlphaForm(*image, AlphaForm::Straight);
-    if (image->depth != 0) image = image->Convert(Rect(), 0);
+    if (image->GetDepth() != Depth::Eight) image = image->Convert(Rect(), Depth::Eight);
     const auto picture = std::get<picture_io::Picture>(PictureOf(*image));
     if (!m_writer)
         m_writer.emplace(m_file, kel::VideoSettings{picture.width, picture.height, m_framesPerSecond, m_hasAlpha});

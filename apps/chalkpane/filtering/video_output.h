@@ -9,11 +9,11 @@
 
 namespace chalkpane::app {
 
-// A film made of images, of the size of the first. It appears with Commit, whole or not at all. Everything throws
+// A video made of images, of the size of the first. It appears with Commit, whole or not at all. Everything throws
 // cli::Error, and std::bad_alloc when the engine has left anything out for lack of memory.
 class VideoOutput {
 public:
-    // hasAlpha: the images have some; it is kept where such a film keeps it
+    // hasAlpha: the images have some; it is kept where such a video keeps it
     VideoOutput(std::filesystem::path file, double framesPerSecond, bool hasAlpha);
 
     void Write(std::unique_ptr<Image> image);
@@ -27,7 +27,7 @@ private:
 };
 
 [[nodiscard]] bool IsVideoName(const std::filesystem::path& file);
-// Throws cli::Error where a film cannot be written under the name.
+// Throws cli::Error where a video cannot be written under the name.
 void RequireVideoName(const std::filesystem::path& file);
 
 }  // namespace chalkpane::app

@@ -28,8 +28,8 @@ const Image& ReadOnce(std::map<std::filesystem::path, std::unique_ptr<Image>>& i
 }  // namespace
 
 // Colours are handed to a brush; masks are what it asks for by name.
-PictureFiles::PictureFiles(std::int32_t pictureDepth, ReadNotification beforeReading)
-    : m_depth(pictureDepth), m_beforeReading(std::move(beforeReading)) {
+PictureFiles::PictureFiles(Depth depth, ReadNotification beforeReading)
+    : m_depth(depth), m_beforeReading(std::move(beforeReading)) {
     SetImageFileLoader([this](const std::string& name) { return LoadMask(name); });
 }
 

@@ -22,17 +22,17 @@ class PictureFiles {
 public:
     using ReadNotification = std::function<void(const std::filesystem::path& file)>;
 
-    // pictureDepth: of all images; 0: 8 bits, 1: 14
+    // depth: of all images
     // beforeReading: called with each file once, before it is opened; what it throws comes out of the readers; may be
     // empty
-    explicit PictureFiles(std::int32_t pictureDepth, ReadNotification beforeReading = {});
+    explicit PictureFiles(Depth depth, ReadNotification beforeReading = {});
     ~PictureFiles();
     PictureFiles(const PictureFiles&) = delete;
     PictureFiles& operator=(const PictureFiles&) = delete;
     PictureFiles(PictureFiles&&) = delete;
     PictureFiles& operator=(PictureFiles&&) = delete;
 
-    [[nodiscard]] std::int32_t Depth() const { return m_depth; }
+    [[nodiscard]] Depth GetDepth() const { return m_depth; }
     // Throw cli::Error that begins with `place`, where the file is named.
     [[nodiscard]] const Image& Colours(const std::filesystem::path& file, const std::string& place);
     [[nodiscard]] const Image& Mask(const std::filesystem::path& file, const std::string& place);
@@ -45,7 +45,7 @@ private:
     void Remember(const std::filesystem::path& file);
     [[nodiscard]] std::unique_ptr<Image> LoadMask(const std::string& engineName);
 
-    std::int32_t m_depth;
+    Depth m_depth;
     ReadNotification m_beforeReading;
     Images m_colours;
     Images m_masks;

@@ -14,16 +14,16 @@ namespace chalkpane::app {
 namespace {
 
 // Of a channel's full scale.
-std::uint16_t AlphaOf(double alpha, std::int32_t depth) {
-    const std::int32_t full = depth == 0 ? PixelFormat8::fullScale : PixelFormat14::fullScale;
+std::uint16_t AlphaOf(double alpha, Depth depth) {
+    const std::int32_t full = depth == Depth::Eight ? PixelFormat8::fullScale : PixelFormat14::fullScale;
     return static_cast<std::uint16_t>(alpha * full + 0.5);
 }
 
-std::unique_ptr<Image> FilledCanvas(const CanvasDescription& description, std::int32_t depth) {
-    auto canvas = std::make_unique<Image>(
-        Image::Colour(description.width, description.height, DepthOf(depth), AlphaForm::Straight));
+std::unique_ptr<Image> FilledCanvas(const CanvasDescription& description, Depth depth) {
+    auto canvas =
+        std::make_unique<Image>(Image::Colour(description.width, description.height, depth, AlphaForm::Straight));
     const auto word = [depth](std::uint16_t channel) -> std::uint16_t {
-        return depth == 0 ? Narrow(channel) : channel;
+        return depth == Depth::Eight ? Narrow(channel) : channel;
     };
     const Colour& colour = description.colour;
     FillWithPixel(*canvas,
@@ -32,7 +32,7 @@ std::unique_ptr<Image> FilledCanvas(const CanvasDescription& description, std::i
     return canvas;
 }
 
-std::unique_ptr<Image> ReadCanvas(const std::filesystem::path& picture, std::optional<std::int32_t> depth,
+std::unique_ptr<Image> ReadCanvas(const std::filesystem::path& picture, std::optional<Depth> depth,
                                   const std::string& place) {
     try {
         return ReadImage(picture, depth, AlphaForm::Premultiplied);
@@ -79,11 +79,11 @@ private:
 }  // namespace
 
 std::unique_ptr<Image> MakeCanvas(const StrokesFile& file, const std::filesystem::path& picture,
-                                  std::optional<std::int32_t> depth) {
+                                  std::optional<Depth> depth) {
     if (!depth) depth = file.depth;
     if (!picture.empty()) return ReadCanvas(picture, depth, {});
     if (!file.canvas.picture.empty()) return ReadCanvas(file.canvas.picture, depth, file.canvas.place);
-    return FilledCanvas(file.canvas, depth.value_or(0));
+    return FilledCanvas(file.canvas, depth.value_or(Depth::Eight));
 }
 
 std::int64_t PointCount(const StrokesFile& file) {

@@ -13,10 +13,10 @@ namespace chalkpane::app {
 
 // A new image to paint on, premultiplied: the canvas that a file describes, or `picture` where that is not empty. Its
 // lower left pixel is (0, 0).
-//   depth: 0: 8 bits; 1: 14 bits; none: that of the file, or of the picture
+//   depth: none: that of the file, or of the picture
 // Throws cli::Error for a picture that cannot be read.
 [[nodiscard]] std::unique_ptr<Image> MakeCanvas(const StrokesFile& file, const std::filesystem::path& picture,
-                                                std::optional<std::int32_t> depth);
+                                                std::optional<Depth> depth);
 
 struct PaintOptions {
     std::int32_t frame = 0;  // that filters with a course in time are at

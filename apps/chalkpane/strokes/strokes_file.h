@@ -8,6 +8,7 @@
 
 #include "apps/chalkpane/strokes/brush_description.h"
 #include "chalkpane/brush/spline_iterator.h"
+#include "chalkpane/image/pixel_format.h"
 
 namespace chalkpane::app {
 
@@ -34,7 +35,7 @@ struct CanvasDescription {
 // A file of strokes as it was read.
 struct StrokesFile {
     CanvasDescription canvas;
-    std::optional<std::int32_t> depth;  // 0: 8 bits; 1: 14 bits; none: the picture's own, or 8
+    std::optional<Depth> depth;  // none: the picture's own, or 8
     std::uint32_t seed = 1;
     std::vector<BrushDescription> brushes;  // strokes that name the same brush have the same index
     std::vector<Stroke> strokes;

@@ -20,18 +20,17 @@ std::string Shown(const std::filesystem::path& picture) { return "the picture " 
 StrokesMemory::StrokesMemory(std::uint64_t allowed, std::filesystem::path shownName)
     : m_allowed(allowed), m_shownName(std::move(shownName)) {}
 
-void StrokesMemory::Count(const StrokesFile& file, const std::filesystem::path& picture,
-                          std::optional<std::int32_t> depth) {
+void StrokesMemory::Count(const StrokesFile& file, const std::filesystem::path& picture, std::optional<Depth> depth) {
     const CanvasDescription& canvas = file.canvas;
     if (!depth) depth = file.depth;
     const std::filesystem::path& ground = picture.empty() ? canvas.picture : picture;
     if (ground.empty()) {
-        m_hasWords = depth.value_or(0) != 0;
+        m_hasWords = depth == Depth::Fourteen;
         const double pixels = static_cast<double>(canvas.width) * canvas.height;
         m_budget.Count(pixels * channels * (m_hasWords ? 2 : 1) * copiesOfCanvas, "the canvas");
     } else {
-        m_hasWords = depth.value_or(1) != 0;  // where nobody has said the depth, a picture may bring the greater one
-        m_budget.Count(picture_io::MemoryOfPicture(ground, copiesOfCanvas, depth.value_or(0) != 0), Shown(ground));
+        m_hasWords = depth != Depth::Eight;  // where nobody has said the depth, a picture may bring the greater one
+        m_budget.Count(picture_io::MemoryOfPicture(ground, copiesOfCanvas, depth == Depth::Fourteen), Shown(ground));
     }
     for (const BrushDescription& brush : file.brushes) {
         if (brush.picture) CountOnce(brush.picture->file);

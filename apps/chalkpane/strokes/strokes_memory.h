@@ -6,6 +6,7 @@
 #include <set>
 
 #include "apps/chalkpane/strokes/strokes_file.h"
+#include "chalkpane/image/pixel_format.h"
 #include "cli/memory_budget.h"
 
 namespace chalkpane::app {
@@ -18,8 +19,8 @@ public:
 
     // All that the file names.
     //   picture  painted on instead of the file's own canvas; empty: none
-    //   depth    0: 8 bits; 1: 14 bits; none: that of the file
-    void Count(const StrokesFile& file, const std::filesystem::path& picture, std::optional<std::int32_t> depth);
+    //   depth    none: that of the file
+    void Count(const StrokesFile& file, const std::filesystem::path& picture, std::optional<Depth> depth);
     // Another picture for the brush, such as a preset's; one that has been counted is passed over.
     void CountPicture(const std::filesystem::path& picture);
 

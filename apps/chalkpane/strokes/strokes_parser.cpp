@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 
+#include "apps/chalkpane/filtering/picture_image.h"
 #include "apps/chalkpane/strokes/brush_parser.h"
 #include "apps/chalkpane/strokes/setting_parser.h"
 #include "apps/chalkpane/strokes/strokes_file.h"
@@ -125,7 +126,7 @@ void ReadStrokeList(const JsonNode& node, Draft& draft) {
 void ReadDepth(const JsonNode& node, Draft& draft) {
     const std::int64_t bits = node.Integer(8, 14);
     if (bits != 8 && bits != 14) node.Refuse("must be 8 or 14");
-    draft.strokes.depth = bits == 8 ? 0 : 1;
+    draft.strokes.depth = DepthOfBits(bits);
 }
 
 // In this order: strokes name brushes.

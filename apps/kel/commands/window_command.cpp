@@ -65,7 +65,7 @@ void CheckOutputs(const OutputOptions& outputs) {
     const Outputs tried(outputs, anySize, anyRate, 0);
 }
 
-// A session's own, or the picture or film that is opened.
+// A session's own, or the picture or video that is opened.
 std::vector<std::filesystem::path> FilesReadFor(const std::filesystem::path& file) {
     if (!IsSessionFile(file)) return {file};
     return InputFilesOf(ReadSession(file));

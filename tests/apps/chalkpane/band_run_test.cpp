@@ -25,8 +25,8 @@ std::vector<std::unique_ptr<Filter>> FiltersFrom(const Texts& texts) {
 }
 
 // As wide as makes bands of few rows; every third stretch of it shows through.
-std::unique_ptr<Image> Tall(std::int32_t depth) {
-    auto image = Varied(4000, 260, 0);
+std::unique_ptr<Image> Tall(Depth depth) {
+    auto image = Varied(4000, 260, Depth::Eight);
     for (std::int32_t y = 0; y <= image->y1; ++y)
         for (std::int32_t x = 0; x <= image->x1; ++x)
             if (x / 40 % 3 == 0) image->SetAlpha8(x, y, static_cast<std::uint8_t>(x * y));
@@ -48,8 +48,8 @@ Bands ByBands(const Texts& texts, const Image& source) {
     REQUIRE(rowsAround);
     const auto file = FileOf(source);
     picture_io::RowReader reader(file, picture_io::Depths::Any, "picture");
-    Bands bands{std::make_unique<Image>(source.Bounds(), source.type, source.depth, std::uint8_t{0})};
-    CHECK(RunByBands(reader, filters, {}, source.depth, *rowsAround, [&bands](const Image& band) {
+    Bands bands{std::make_unique<Image>(Image::Colour(source.Bounds(), source.GetDepth(), AlphaForm::Straight))};
+    CHECK(RunByBands(reader, filters, {}, source.GetDepth(), *rowsAround, [&bands](const Image& band) {
         bands.picture->CopyRegion(band, band.Bounds());
         ++bands.count;
         return true;
@@ -87,7 +87,7 @@ TEST_CASE("Filters that run by bands make what they make of the whole picture, a
                          {"Pixellate:Size=10"},
                          {"Invert Color", "Blur:Softness=3", "Median:Radius=2", "Solarize:Amount=0.3"}};
     for (const Texts& texts : all)
-        for (const std::int32_t depth : {0, 1}) {
+        for (const Depth depth : {Depth::Eight, Depth::Fourteen}) {
             CAPTURE(texts.front());
             CAPTURE(depth);
             const auto source = Tall(depth);
@@ -110,19 +110,19 @@ TEST_CASE("A filter that measures the picture, draws its noise in order or moves
 }
 
 TEST_CASE("Bands end where nobody wants more, and a file that breaks off is told by its name") {
-    const auto source = Tall(0);
+    const auto source = Tall(Depth::Eight);
     const auto filters = FiltersFrom({"Invert Color"});
     auto file = FileOf(*source);
     picture_io::RowReader reader(file, picture_io::Depths::Any, "picture");
     int count = 0;
-    CHECK_FALSE(RunByBands(reader, filters, {}, 0, 0, [&count](const Image&) { return ++count < 2; }));
+    CHECK_FALSE(RunByBands(reader, filters, {}, Depth::Eight, 0, [&count](const Image&) { return ++count < 2; }));
     CHECK_EQ(count, 2);
 
     auto jpeg = EncodePictureFile(PictureOf(*source), RowOf(picture_io::PictureFormat::Jpeg), {});
     jpeg.resize(jpeg.size() / 2);
     picture_io::RowReader broken(jpeg, picture_io::Depths::Any, "broken.jpg");
-    const std::string told =
-        cli::testing::Thrown([&] { (void)RunByBands(broken, filters, {}, 0, 0, [](const Image&) { return true; }); });
+    const std::string told = cli::testing::Thrown(
+        [&] { (void)RunByBands(broken, filters, {}, Depth::Eight, 0, [](const Image&) { return true; }); });
     CHECK_MESSAGE(told.starts_with("broken.jpg: JPEG: "), told);
 }
 

@@ -27,7 +27,7 @@ Steps StepsOf(const std::vector<std::string>& texts) {
     for (const std::string& text : texts) filters.push_back(FilterFromText(text));
     Steps steps;
     ChainProgress progress(filters, rows, [&steps](std::int64_t done) { steps.push_back(done); });
-    (void)RunFilters(filters, testing::Varied(600, rows, 0), {},
+    (void)RunFilters(filters, testing::Varied(600, rows, Depth::Eight), {},
                      [&progress](std::int32_t count) { progress.EndFilter(count); });
     return steps;
 }

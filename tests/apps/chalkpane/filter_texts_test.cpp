@@ -95,7 +95,7 @@ TEST_CASE("The texts of a filter outlive it") {
 
 TEST_CASE("Every filter takes its defaults and both ends of every parameter, and runs") {
     std::size_t filters = 0;
-    const auto pictures = {testing::Varied(12, 9, 0), testing::Varied(12, 9, 1)};
+    const auto pictures = {testing::Varied(12, 9, Depth::Eight), testing::Varied(12, 9, Depth::Fourteen)};
     for (const Filter* prototype : FilterRegistry::Instance().Filters()) {
         const std::string label(prototype->Label());
         std::vector<std::string> texts{label};

@@ -30,7 +30,7 @@ TEST_CASE("Every 14-bit channel comes back from 16 bits, and full scale is full 
 
 TEST_CASE("Every 14-bit channel comes back from a file") {
     const TemporaryFolder folder;
-    Image image(64, 64, Image::colourType, 1, 0);
+    Image image = Image::Colour(64, 64, Depth::Fourteen, AlphaForm::Straight);
     std::uint16_t next = 0;
     for (std::int32_t y = 0; y < 64; ++y)
         for (auto& channel : image.Row14(y)) channel = next++;
@@ -43,11 +43,11 @@ TEST_CASE("Every 14-bit channel comes back from a file") {
 TEST_CASE("Depths are the engine's own conversions") {
     const auto bytes = OnePixel({100, 0, 255, 255});
     CHECK(ImageOf(bytes, {}, AlphaForm::Straight)->GetPixel8(0, 0) == Pixel8{255, 0, 100, 255});
-    CHECK(ImageOf(bytes, 1, AlphaForm::Straight)->GetPixel14(0, 0) == Pixel14{16383, 0, 6425, 16383});
+    CHECK(ImageOf(bytes, Depth::Fourteen, AlphaForm::Straight)->GetPixel14(0, 0) == Pixel14{16383, 0, 6425, 16383});
     Picture16 words(1, 1);
     words.Set(0, 0, {0x64FF, 0, 65535, 65535});
     CHECK(ImageOf(words, {}, AlphaForm::Straight)->GetPixel14(0, 0) == Pixel14{16383, 0, 6463, 16383});
-    CHECK(ImageOf(words, 0, AlphaForm::Straight)->GetPixel8(0, 0) == Pixel8{255, 0, 100, 255});
+    CHECK(ImageOf(words, Depth::Eight, AlphaForm::Straight)->GetPixel8(0, 0) == Pixel8{255, 0, 100, 255});
 }
 
 TEST_CASE("A file's top row is the image's highest") {
@@ -71,7 +71,7 @@ TEST_CASE("Alpha is multiplied in and divided out to the nearest") {
 // Premultiplied, a colour of any alpha is one of alpha + 1 steps: all of them survive being told and read again.
 TEST_CASE("Premultiplied colours come back through straight ones at every alpha") {
     for (std::int32_t alpha = 1; alpha < 256; ++alpha) {
-        Image image(alpha + 1, 1, Image::colourType, 0, 1);
+        Image image = Image::Colour(alpha + 1, 1, Depth::Eight, AlphaForm::Premultiplied);
         for (std::int32_t c = 0; c <= alpha; ++c) {
             const auto channel = static_cast<std::uint8_t>(c);
             testing::Put(image, c, 0, {channel, channel, channel, static_cast<std::uint8_t>(alpha)});
@@ -81,7 +81,7 @@ TEST_CASE("Premultiplied colours come back through straight ones at every alpha"
 }
 
 TEST_CASE("No colour is left where alpha is 0, and none rises above full scale") {
-    Image image(2, 1, Image::colourType, 0, 1);
+    Image image = Image::Colour(2, 1, Depth::Eight, AlphaForm::Premultiplied);
     testing::Put(image, 0, 0, {9, 9, 9, 0});
     testing::Put(image, 1, 0, {200, 100, 50, 100});  // more blue than alpha allows
     SetAlphaForm(image, AlphaForm::Straight);
@@ -96,14 +96,14 @@ TEST_CASE("A mask is as light as its picture, times its alpha, and full where th
     picture.Set(1, 0, {255, 0, 0, 255});
     picture.Set(2, 0, {255, 255, 255, 128});
     picture.Set(3, 0, {0, 0, 0, 255});
-    const auto mask = MaskOf(picture, 0);
+    const auto mask = MaskOf(picture, Depth::Eight);
     REQUIRE(mask->IsMask());
     const auto row = mask->Row8(0);
     CHECK_EQ(row[0], 255);
     CHECK_EQ(row[1], 76);
     CHECK_EQ(row[2], 128);
     CHECK_EQ(row[3], 0);
-    CHECK_EQ(MaskOf(picture, 1)->Row14(0)[0], 16383);
+    CHECK_EQ(MaskOf(picture, Depth::Fourteen)->Row14(0)[0], 16383);
 }
 
 }  // namespace chalkpane::app

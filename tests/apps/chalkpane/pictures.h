@@ -4,14 +4,14 @@
 #include <cstdint>
 #include <memory>
 
-#include "apps/chalkpane/filtering/pixel_rows.h"
 #include "chalkpane/image/image.h"
+#include "chalkpane/image/image_rows.h"
 
 namespace chalkpane::app::testing {
 
 // A picture at a depth with straight alpha, every pixel the same; the pixel as bytes, widened at 14 bits.
-inline std::unique_ptr<Image> Plain(std::int32_t width, std::int32_t height, std::int32_t depth, const Pixel8& pixel) {
-    Image bytes(width, height, Image::colourType, 0, 0);
+inline std::unique_ptr<Image> Plain(std::int32_t width, std::int32_t height, Depth depth, const Pixel8& pixel) {
+    Image bytes = Image::Colour(width, height, Depth::Eight, AlphaForm::Straight);
     for (std::int32_t y = 0; y < height; ++y) {
         const auto row = bytes.Row8(y);
         for (std::size_t i = 0; i < row.size(); i += 4) {
@@ -33,8 +33,8 @@ inline void Put(Image& image, std::int32_t x, std::int32_t y, const Pixel8& pixe
 }
 
 // Opaque pixels, no two alike for the first 65536, of all colours.
-inline std::unique_ptr<Image> Varied(std::int32_t width, std::int32_t height, std::int32_t depth) {
-    auto image = Plain(width, height, 0, {0, 0, 0, 255});
+inline std::unique_ptr<Image> Varied(std::int32_t width, std::int32_t height, Depth depth) {
+    auto image = Plain(width, height, Depth::Eight, {0, 0, 0, 255});
     for (std::int32_t y = 0; y < height; ++y)
         for (std::int32_t x = 0; x < width; ++x) {
             const auto n = static_cast<std::uint32_t>(y * width + x);
@@ -50,9 +50,9 @@ inline bool Same(const Image& a, const Image& b) {
     if (a.Bounds() != b.Bounds() || a.depth != b.depth || a.pixelBytes != b.pixelBytes || a.flag != b.flag)
         return false;
     for (std::int32_t y = a.y0; y <= a.y1; ++y) {
-        const bool same = AtDepth(a.depth, [&]<typename F>(F) {
-            const auto left = RowOf<F>(a, y);
-            const auto right = RowOf<F>(b, y);
+        const bool same = WithFormatOf(a, [&]<typename F>(F) {
+            const auto left = ImageRow<F>(a, y);
+            const auto right = ImageRow<F>(b, y);
             return std::equal(left.begin(), left.end(), right.begin(), right.end());
         });
         if (!same) return false;

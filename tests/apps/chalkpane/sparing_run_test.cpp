@@ -11,8 +11,8 @@ namespace chalkpane::app {
 namespace {
 
 // As wide as makes several bands; every third stretch of it shows through.
-std::unique_ptr<Image> Tall(std::int32_t depth) {
-    auto image = testing::Varied(2000, 400, 0);
+std::unique_ptr<Image> Tall(Depth depth) {
+    auto image = testing::Varied(2000, 400, Depth::Eight);
     for (std::int32_t y = 0; y <= image->y1; ++y)
         for (std::int32_t x = 0; x <= image->x1; ++x)
             if (x / 40 % 3 == 0) image->SetAlpha8(x, y, static_cast<std::uint8_t>(x * y));
@@ -26,7 +26,7 @@ TEST_CASE("Filters that run over bands in place make what they make at once, wit
         {}, {.expand = true}, {.region = Rect(100, 90, 1500, 310)}, {.expand = true, .region = Rect(0, 0, 1500, 310)}};
     for (const std::string text : {"Median:Radius=3", "Median:Radius=20", "Oil:Radius=4", "Blur:Softness=3"})
         for (const FilterRun& run : runs)
-            for (const std::int32_t depth : {0, 1}) {
+            for (const Depth depth : {Depth::Eight, Depth::Fourteen}) {
                 CAPTURE(text);
                 CAPTURE(depth);
                 const auto filter = FilterFromText(text);

@@ -16,7 +16,7 @@ inline std::unique_ptr<Image> Painted(const std::string& text, const std::filesy
                                       const PaintOptions& options = {}) {
     const StrokesFile strokes = ParseStrokes(text, file);
     auto canvas = MakeCanvas(strokes, {}, {});
-    PictureFiles pictures(canvas->depth);
+    PictureFiles pictures(canvas->GetDepth());
     PaintStrokes(strokes, *canvas, pictures, options);
     return canvas;
 }

@@ -38,7 +38,7 @@ void PaintThreePoints(BasicBrush& brush) {
 const std::string threePoints = R"("points": [[5, 30], [50, 10, 0.5], [60, 40, 0.75]])";
 const std::string canvasText = R"({"width": 64, "height": 48})";
 
-Image NewCanvas(std::int32_t depth) { return {64, 48, ImageDefinition::colourType, depth, std::uint8_t{1}}; }
+Image NewCanvas(Depth depth) { return Image::Colour(64, 48, depth, AlphaForm::Premultiplied); }
 
 template <typename FilterClass>
 std::unique_ptr<Filter> Radius(std::uint8_t code, double radius) {
@@ -54,7 +54,7 @@ std::unique_ptr<Filter> Radius(std::uint8_t code, double radius) {
 }  // namespace
 
 TEST_CASE("A stroke of a file is the stroke that the engine paints, with every kind of setting") {
-    for (const std::int32_t depth : {0, 1}) {
+    for (const Depth depth : {Depth::Eight, Depth::Fourteen}) {
         CAPTURE(depth);
         Image canvas = NewCanvas(depth);
         BasicBrush brush("by hand");
@@ -87,14 +87,14 @@ TEST_CASE("A stroke of a file is the stroke that the engine paints, with every k
             "Profile Graph": [[0, 0], [0.25, 1], [1, 0.5]], "Blend Mode": "Screen", "Size": 7, "Flatness": 2.5,
             "Rotation": 30, "Roundness": 1.5, "Pickup": "Once"}, )" +
                                                 threePoints + "}",
-                                            depth == 0 ? "" : testing::in14Bits));
+                                            depth == Depth::Eight ? "" : testing::in14Bits));
         CHECK_GT(testing::PaintedPixels(canvas), 100);
         CHECK(SamePixels(*painted, canvas));
     }
 }
 
 TEST_CASE("A stroke through a chain of filters is the one that the engine paints through it") {
-    for (const std::int32_t depth : {0, 1}) {
+    for (const Depth depth : {Depth::Eight, Depth::Fourteen}) {
         CAPTURE(depth);
         Image canvas = NewCanvas(depth);
         Image plain = NewCanvas(depth);
@@ -117,14 +117,14 @@ TEST_CASE("A stroke through a chain of filters is the one that the engine paints
         stroke += R"({"filter": "Median", ")" + first + R"(": 2}, )";
         stroke += R"({"filter": "Blur", ")" + second + R"(": 6}]}, )";
         stroke += threePoints;
-        const auto painted = Painted(FileOf(canvasText, stroke + "}", depth == 0 ? "" : testing::in14Bits));
+        const auto painted = Painted(FileOf(canvasText, stroke + "}", depth == Depth::Eight ? "" : testing::in14Bits));
         CHECK_FALSE(SamePixels(canvas, plain));
         CHECK(SamePixels(*painted, canvas));
     }
 }
 
 TEST_CASE("A brush of the caller's paints with its own settings, in the colors of the file") {
-    Image canvas = NewCanvas(0);
+    Image canvas = NewCanvas(Depth::Eight);
     BasicBrush brush("the caller's");
     ValueOf(brush, "Brush Size").setInteger(3);
     PaintOptions options;

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::uint64_t mebibyte = std::uint64_t{1} << 20U;
 
-std::string Refusal(const std::string& text, std::optional<std::int32_t> depth, std::uint64_t memory,
+std::string Refusal(const std::string& text, std::optional<Depth> depth, std::uint64_t memory,
                     const std::filesystem::path& picture = {}) {
     return cli::testing::Thrown(
         [&] { StrokesMemory(memory, "s.json").Count(ParseStrokes(text, "s.json"), picture, depth); });
@@ -25,8 +25,8 @@ TEST_CASE("A canvas is counted before it is made, by its depth") {
     CHECK_EQ(Refusal(text, std::nullopt, 6144 * mebibyte), "nothing");
     CHECK_EQ(Refusal(text, std::nullopt, 6144 * mebibyte - 1),
              "s.json: takes 6.0 GiB of memory, 6.0 GiB of it for the canvas; 6.0 GiB are allowed (--memory)");
-    CHECK_EQ(Refusal(text, 0, 3072 * mebibyte), "nothing");
-    CHECK_EQ(Refusal(text, 0, 1024 * mebibyte),
+    CHECK_EQ(Refusal(text, Depth::Eight, 3072 * mebibyte), "nothing");
+    CHECK_EQ(Refusal(text, Depth::Eight, 1024 * mebibyte),
              "s.json: takes 3.0 GiB of memory, 3.0 GiB of it for the canvas; 1.0 GiB are allowed (--memory)");
 }
 
@@ -39,12 +39,13 @@ TEST_CASE("The pictures of brushes are counted with the canvas, each once") {
         R"({"canvas": {"width": 1024, "height": 1024}, "strokes": [{"points": [[1, 1]], "brush": )" + brush +
         R"(}, {"points": [[2, 2]], "brush": )" + brush + "}]}";
     // 1 Mi pixels of the canvas, half of that in the picture: 4 bytes, three times.
-    CHECK_EQ(Refusal(text, 0, 18 * mebibyte), "nothing");
-    CHECK_EQ(Refusal(text, 0, 17 * mebibyte),
+    CHECK_EQ(Refusal(text, Depth::Eight, 18 * mebibyte), "nothing");
+    CHECK_EQ(Refusal(text, Depth::Eight, 17 * mebibyte),
              "s.json: takes 18 MiB of memory, 12 MiB of it for the canvas; 17 MiB are allowed (--memory)");
     // The same picture as the canvas.
-    CHECK_EQ(Refusal(text, 0, 11 * mebibyte, name), "s.json: takes 12 MiB of memory, 6 MiB of it for the picture \"" +
-                                                        name + "\"; 11 MiB are allowed (--memory)");
+    CHECK_EQ(
+        Refusal(text, Depth::Eight, 11 * mebibyte, name),
+        "s.json: takes 12 MiB of memory, 6 MiB of it for the picture \"" + name + "\"; 11 MiB are allowed (--memory)");
 }
 
 TEST_CASE("A picture of the preset's is counted before it is read, on top of the file's") {
@@ -54,7 +55,7 @@ TEST_CASE("A picture of the preset's is counted before it is read, on top of the
     const StrokesFile file =
         ParseStrokes(R"({"canvas": {"width": 1024, "height": 1024}, "strokes": [{"points": [[1, 1]]}]})", "s.json");
     StrokesMemory memory(17 * mebibyte, "s.json");
-    memory.Count(file, {}, 0);  // 12 MiB
+    memory.Count(file, {}, Depth::Eight);  // 12 MiB
     CHECK_EQ(cli::testing::Thrown([&] { memory.CountPicture(name); }),
              "s.json: takes 18 MiB of memory, 12 MiB of it for the canvas; 17 MiB are allowed (--memory)");
 }

@@ -1,4 +1,4 @@
-#include "apps/chalkpane/presets/preset_film.h"
+#include "apps/chalkpane/presets/preset_video.h"
 
 #include <utility>
 #include <vector>
@@ -18,8 +18,8 @@ public:
     FilterVideo(Preset preset, VideoSource source, const FrameRateClock& clock)
         : m_filters(std::move(preset.filters)),
           m_depth(source.depth),
-          m_film(std::move(source.film)),
-          m_picture(m_film ? nullptr : ReadImage(source.file, source.depth, AlphaForm::Straight)),
+          m_video(std::move(source.video)),
+          m_picture(m_video ? nullptr : ReadImage(source.file, source.depth, AlphaForm::Straight)),
           m_clock(clock) {
         std::erase_if(m_filters, [](const auto& filter) { return !filter->m_active; });
     }
@@ -32,12 +32,12 @@ public:
 private:
     // Its own copy of the picture: what comes out without any filter is the caller's to change.
     std::unique_ptr<Image> SourceOf(std::int32_t frame) {
-        return m_film ? ImageOf(m_film->ReadFrame(frame), m_depth, AlphaForm::Straight) : m_picture->Clone();
+        return m_video ? ImageOf(m_video->ReadFrame(frame), m_depth, AlphaForm::Straight) : m_picture->Clone();
     }
 
     std::vector<std::unique_ptr<Filter>> m_filters;
-    std::optional<std::int32_t> m_depth;
-    std::unique_ptr<kel::VideoReader> m_film;
+    std::optional<Depth> m_depth;
+    std::unique_ptr<kel::VideoReader> m_video;
     std::unique_ptr<Image> m_picture;
     const FrameRateClock& m_clock;
 };
@@ -49,7 +49,7 @@ public:
           m_memory(source.memory, source.file),
           m_strokes(ReadStrokes(source.file)),
           m_canvas(MakeCanvas(Claimed(m_strokes, source), {}, source.depth)),
-          m_pictures(m_canvas->depth, [this, before = source.beforeReading](const auto& picture) {
+          m_pictures(m_canvas->GetDepth(), [this, before = source.beforeReading](const auto& picture) {
               if (before) before(picture);
               m_memory.CountPicture(picture);
           }) {

@@ -14,7 +14,7 @@
 
 namespace chalkpane::app {
 
-// A film from a preset whose parameters have keys, picture by picture. A frame looks the same whichever others are
+// A video from a preset whose parameters have keys, picture by picture. A frame looks the same whichever others are
 // made.
 class PresetVideo {
 public:
@@ -30,12 +30,12 @@ public:
 };
 
 struct VideoSource {
-    std::filesystem::path file;           // a picture or a film for filters, strokes for a brush
-    std::filesystem::path presetFile;     // what messages call the preset
-    std::optional<std::int32_t> depth{};  // 0: 8 bits; 1: 14; none: the source's own
+    std::filesystem::path file;        // a picture or a video for filters, strokes for a brush
+    std::filesystem::path presetFile;  // what messages call the preset
+    std::optional<Depth> depth{};      // none: the source's own
     std::uint64_t memory = cli::MemoryBudget::HalfOfTheMachine();  // bytes, for strokes and all that they name
     PictureFiles::ReadNotification beforeReading{};                // of the pictures that strokes and brushes name
-    std::unique_ptr<kel::VideoReader> film{};  // `file`, where it is one; its last frame stays to the end
+    std::unique_ptr<kel::VideoReader> video{};  // `file`, where it is one; its last frame stays to the end
 };
 
 // Filters over a picture, or the strokes of a file painted anew by a brush, as the preset's kind says. Reads all files.
