@@ -36,7 +36,7 @@ TEST_CASE("Filters that run over bands in place make what they make at once, wit
 }
 
 TEST_CASE("Pixels that somebody else has are left as they are") {
-    const auto source = Tall(0);
+    const auto source = Tall(Depth::Eight);
     const auto before = source->Clone();
     for (const std::string text : {"Median:Radius=3", "Invert Color", "Blur:Softness=3"}) {
         CAPTURE(text);
