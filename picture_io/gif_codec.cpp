@@ -73,6 +73,16 @@ int ReadUpToPicture(GifFileType& file) {
     return clear;
 }
 
+// Before there is any memory for them: so many pixels can be in the bytes that are left. A code has three bits at
+// least, and stands for as many pixels as there are codes at most.
+void RequirePacked(const GifImageDesc& description, std::size_t bytes) {
+    constexpr double mostCodes = 4096;
+    constexpr double leastBits = 3;
+    const double pixels = static_cast<double>(description.Width) * static_cast<double>(description.Height);
+    if (pixels > static_cast<double>(bytes) * 8 / leastBits * mostCodes)
+        throw cli::Error("GIF: ends too early, or is damaged");
+}
+
 // The order in which the rows of an interlaced picture come: every eighth, those between, and so on.
 std::vector<int> RowOrder(const GifImageDesc& description) {
     std::vector<int> rows;
@@ -190,8 +200,10 @@ Picture DecodeGif(const Bytes& bytes, PictureInfo& info) {
     int failure = 0;
     const std::unique_ptr<GifFileType, CloseRead> file(DGifOpen(&source, TakeBytes, &failure));
     if (!file) Refuse(failure);
-    Picture picture(file->SWidth, file->SHeight);
+    RequireSides(file->SWidth, file->SHeight);
     const int clear = ReadUpToPicture(*file);
+    RequirePacked(file->Image, bytes.size() - source.at);
+    Picture picture(file->SWidth, file->SHeight);
     ReadRows(*file, clear, picture);
     for (std::size_t i = 3; i < picture.rgba.size() && !info.hasAlpha; i += 4) info.hasAlpha = picture.rgba[i] == 0;
     return picture;

@@ -16,6 +16,7 @@
 #include "cli/error.h"
 #include "picture_io/channels.h"
 #include "picture_io/exif.h"
+#include "picture_io/silent_library.h"
 
 namespace picture_io {
 namespace {
@@ -118,10 +119,13 @@ AnyPicture DecodedPicture(const heif_image_handle& handle, const FormatRow& form
     options->strict_decoding = 1;
     const bool hasWords = wantsWords && heif_image_handle_get_luma_bits_per_pixel(&handle) > 8;
     heif_image* decoded = nullptr;
-    Check(heif_decode_image(&handle, &decoded, heif_colorspace_RGB, hasWords ? wordOrder : heif_chroma_interleaved_RGBA,
-                            options.get()),
-          format);
+    const heif_error result = [&] {
+        const SilentLibrary silent;  // one of the decoders behind it tells what it thinks of damaged data
+        return heif_decode_image(&handle, &decoded, heif_colorspace_RGB,
+                                 hasWords ? wordOrder : heif_chroma_interleaved_RGBA, options.get());
+    }();
     const Owned<heif_image> image(decoded);
+    Check(result, format);
     if (!hasWords) return ReadRows<std::uint8_t>(*image, 8);
     const int depth = heif_image_get_bits_per_pixel_range(image.get(), heif_channel_interleaved);
     return ReadRows<std::uint16_t>(*image, std::clamp(depth, 1, 16));

@@ -96,7 +96,7 @@ const std::string& EndingsRule() {
 
 std::string WordsRefusal(const FormatRow& format) {
     return WithArticle(format) + " has 8 bits a channel; 16 bits need a name in " +
-           EndingsOf([](const FormatRow& row) { return row.hasWords; });
+           EndingsOf([](const FormatRow& row) { return row.hasWords && row.hasColour; });
 }
 
 }  // namespace picture_io

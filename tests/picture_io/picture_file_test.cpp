@@ -3,11 +3,13 @@
 #include <doctest/doctest.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <string>
 #include <string_view>
 
 #include "cli/file_bytes.h"
+#include "picture_io/decoded.h"
 #include "picture_io/exif.h"
 #include "picture_io/oriented.h"
 #include "tests/cli/temporary_folder.h"
@@ -272,7 +274,7 @@ TEST_CASE("a colour picture goes into no PGM, and words into no format of bytes"
     };
     CHECK_EQ(refusal(Counted(4, 4), PictureFormat::Pgm), "a PGM is grey, and this picture is not; a .ppm has colors");
     CHECK_EQ(refusal(Picture16(4, 4), PictureFormat::Bmp),
-             "a BMP has 8 bits a channel; 16 bits need a name in .png, .tif, .tiff, .ppm, .pnm, .pgm or .pam");
+             "a BMP has 8 bits a channel; 16 bits need a name in .png, .tif, .tiff, .ppm, .pnm or .pam");
 }
 
 // A header of 13 bytes, a palette of two colours, a picture of 2 x 1 pixels with the indices 0 and 1: minimum code size
@@ -301,6 +303,27 @@ TEST_CASE("an interlaced GIF that does not fill its screen has its rows in their
     std::string greys;
     for (std::int32_t y = 1; y < 6; ++y) greys += std::to_string(picture.At(1, y)[0]) + " ";
     CHECK_EQ(greys, "10 40 30 10 20 ");
+}
+
+// A screen of 16384 x 16384 would take a GiB.
+TEST_CASE("a GIF that cannot hold its pixels is refused before there is memory for them") {
+    Bytes gif = EncodePictureFile(Picture(8, 8), RowOf(PictureFormat::Gif), {});
+    const auto place = [&gif](std::size_t at, std::uint32_t side) {
+        gif[at] = static_cast<std::uint8_t>(side);
+        gif[at + 1] = static_cast<std::uint8_t>(side >> 8U);
+    };
+    place(6, 16384);
+    place(8, 16384);
+    const std::array<std::uint8_t, 9> ofPicture{',', 0, 0, 0, 0, 8, 0, 8, 0};
+    const auto found = std::search(gif.begin(), gif.end(), ofPicture.begin(), ofPicture.end());
+    REQUIRE(found != gif.end());
+    const auto at = static_cast<std::size_t>(found - gif.begin());
+    place(at + 5, 16384);
+    place(at + 7, 16384);
+    CHECK_EQ(Thrown([&] { (void)DecodePictureFile(gif, Depths::Any); }), "GIF: ends too early, or is damaged");
+    gif.resize(at);
+    gif.push_back(';');
+    CHECK_EQ(Thrown([&] { (void)DecodePictureFile(gif, Depths::Any); }), "GIF: has no picture");
 }
 
 TEST_CASE("a GIF keeps up to 256 colours, of which one is clear, and takes near ones for more") {

@@ -237,9 +237,9 @@ TEST_CASE("Half a PNG of words, or a damaged one, is refused") {
 TEST_CASE("Words go into no JPEG") {
     const TemporaryFolder folder;
     const auto file = folder / "words.jpg";
-    CHECK_EQ(Thrown([&] { WritePicture(Picture16(2, 2), file); }),
-             file.string() +
-                 ": a JPEG has 8 bits a channel; 16 bits need a name in .png, .tif, .tiff, .ppm, .pnm, .pgm or .pam");
+    CHECK_EQ(
+        Thrown([&] { WritePicture(Picture16(2, 2), file); }),
+        file.string() + ": a JPEG has 8 bits a channel; 16 bits need a name in .png, .tif, .tiff, .ppm, .pnm or .pam");
     CHECK_EQ(folder.Entries(), 0);
 }
 

@@ -1,6 +1,7 @@
 #include <doctest/doctest.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <string>
 
 #include "picture_io/picture.h"
@@ -113,6 +114,20 @@ TEST_CASE("FIFOs and devices are neither read nor written, and nobody waits for 
     folder.CheckRefused("filter in.png fifo.png" + invert, "fifo.png: cannot be written: it is not a regular file");
     folder.CheckRefused("filter /dev/zero out.png" + invert, "/dev/zero: is not a regular file");
     folder.CheckRefused("paint fifo.png out.png", "fifo.png: is not a regular file");
+}
+
+TEST_CASE("a damaged AVIF is told in one line, whatever its decoder has to say") {
+    const cli::testing::WorkingFolder folder(CHALKPANE_PROGRAM);
+    picture_io::WritePicture(picture_io::Picture(16, 16), folder.Path("a.avif"));
+    std::string bytes = cli::testing::ReadText(folder.Path("a.avif"));
+    const std::size_t data = bytes.rfind("mdat");
+    REQUIRE_NE(data, std::string::npos);
+    std::fill(bytes.begin() + static_cast<std::ptrdiff_t>(data + 4), bytes.end(), '\xFF');
+    folder.Write("a.avif", bytes);
+    const auto ended = folder.Run("filter a.avif b.png --apply 'Invert Color'");
+    CHECK_EQ(ended.exitCode, 2);
+    CHECK_MESSAGE(ended.complaint.starts_with("chalkpane: a.avif: AVIF: "), ended.complaint);
+    CHECK_EQ(ended.complaint.find('\n'), ended.complaint.size() - 1);
 }
 
 }  // namespace chalkpane::app

@@ -152,9 +152,8 @@ TEST_CASE("What chalkpane filter cannot do is told in one line, and nothing is w
     CheckRefused("bytes.png o.txt" + invert,
                  "o.txt: pictures end in .png, .jpg, .jpeg, .webp, .tif, .tiff, .bmp, .ppm, .pnm, .pgm, .pam, .gif, "
                  ".avif, .heic or .heif");
-    CheckRefused(
-        "words.png o.jpg" + invert,
-        "o.jpg: a JPEG has 8 bits a channel; 16 bits need a name in .png, .tif, .tiff, .ppm, .pnm, .pgm or .pam");
+    CheckRefused("words.png o.jpg" + invert,
+                 "o.jpg: a JPEG has 8 bits a channel; 16 bits need a name in .png, .tif, .tiff, .ppm, .pnm or .pam");
     CheckRefused("bytes.png o.png --region 1,1,2" + invert,
                  "--region: \"1,1,2\" is not 4 numbers with commas between them");
     CheckRefused("bytes.png o.png --region 3,0,2,1" + invert,

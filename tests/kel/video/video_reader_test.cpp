@@ -1,11 +1,15 @@
 #include "kel/video/video_reader.h"
 
 #include <doctest/doctest.h>
+#include <sys/inotify.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <array>
 #include <filesystem>
 #include <string>
 
+#include "cli/open_file.h"
 #include "tests/cli/temporary_folder.h"
 #include "tests/cli/thrown.h"
 #include "tests/kel/pixels.h"
@@ -25,6 +29,24 @@ constexpr std::array endings{".mp4", ".mov", ".mkv", ".webm"};
 std::string ThrownByOpening(const std::filesystem::path& file) {
     return Thrown([&] { const VideoReader reader(file); });
 }
+
+// Tells whether a file was opened since it was asked last.
+class OpenWatch {
+public:
+    explicit OpenWatch(const std::string& file) : m_watch(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
+        REQUIRE(m_watch);
+        REQUIRE_GE(inotify_add_watch(m_watch.Descriptor(), file.c_str(), IN_OPEN), 0);
+    }
+    [[nodiscard]] bool SawOpening() const {
+        std::array<char, 4096> events{};
+        bool saw = false;
+        while (read(m_watch.Descriptor(), events.data(), events.size()) > 0) saw = true;
+        return saw;
+    }
+
+private:
+    cli::OpenFile m_watch;
+};
 
 }  // namespace
 
@@ -121,11 +143,15 @@ TEST_CASE("What is no video is refused in one line with the file and the reason"
 }
 
 // The video that is named is there and could be opened: what is refused is the way to it.
-TEST_CASE("A list of other files is no video, whatever it is called") {
+TEST_CASE("A list of other files is no video, whatever it is called, and opens none of them") {
     const TemporaryFolder folder;
     WriteCountedVideo(folder / "other.mp4", 3, 32, 32);
     const std::string other = (folder / "other.mp4").string();
-    const std::array<std::string, 5> lists{
+    const OpenWatch watch(other);
+    { const VideoReader seen(other); }
+    REQUIRE(watch.SawOpening());
+    const std::array<std::string, 6> lists{
+        other + "\n" + other + "\n",
         "#EXTM3U\n#EXT-X-TARGETDURATION:1\n#EXTINF:1,\n" + other + "\n#EXT-X-ENDLIST\n",
         "ffconcat version 1.0\nfile '" + other + "'\n",
         "<?xml version=\"1.0\"?><MPD xmlns=\"urn:mpeg:dash:schema:mpd:2011\"><Period><AdaptationSet><Representation>"
@@ -142,10 +168,12 @@ TEST_CASE("A list of other files is no video, whatever it is called") {
             CHECK_EQ(ThrownByOpening(folder / ("list" + ending)),
                      (folder / ("list" + ending)).string() + ": is no MP4, MOV, MKV or WebM film, or a damaged one");
         }
+    CHECK_FALSE(watch.SawOpening());
     CHECK_EQ(ThrownByOpening("concat:" + other + "|" + other),
              "concat:" + other + "|" + other + ": cannot be read: No such file or directory");
     CHECK_EQ(ThrownByOpening("http://127.0.0.1:9/film.mp4"),
              "http://127.0.0.1:9/film.mp4: cannot be read: No such file or directory");
+    CHECK_FALSE(watch.SawOpening());
 }
 
 // Both would never end.

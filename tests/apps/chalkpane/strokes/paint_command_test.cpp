@@ -99,8 +99,7 @@ TEST_CASE("paint has no JPEG of 14 bits") {
     const WorkingFolder folder;
     folder.CheckRefused(
         "paint s.json out.jpg --depth 14",
-        "out.jpg: a JPEG has 8 bits a channel; 16 bits need a name in .png, .tif, .tiff, .ppm, .pnm, .pgm or "
-        ".pam");
+        "out.jpg: a JPEG has 8 bits a channel; 16 bits need a name in .png, .tif, .tiff, .ppm, .pnm or .pam");
     CHECK_EQ(folder.Run("paint s.json out.jpg").exitCode, 0);
 }
 
