@@ -49,30 +49,34 @@ private:
     // The plain rotation gives the same 32-bit floats as the angle functions do unless it comes out next to the middle
     // between two. Each of the two ways errs by less than 2e-15 of the radius and 3e-16 of the sums.
     [[nodiscard]] Vector3 RotatedBack(const Vector3& local) const {
-        const double radius = local.Length();
         const double x = local.x * cosine_ + local.y * sine_ + centroid_.x;
         const double y = (local.y * cosine_ - local.x * sine_ + centroid_.y) * aspect_;
-        const double marginX = 1e-14 * (radius + centroidExtent_);
-        const double marginY = marginX * std::abs(aspect_);
-        const Vector3 rotated(x - marginX, y - marginY, 0);
-        if (rotated == Vector3(x + marginX, y + marginY, 0)) return rotated;
+        const Vector3 rotated(x - marginX_, y - marginY_, 0);
+        if (rotated == Vector3(x + marginX_, y + marginY_, 0)) return rotated;
+        const double radius = local.Length();
         const double angle = std::atan2(double{local.y}, double{local.x}) - fit_.angle;
         return {radius * std::cos(angle) + centroid_.x, (radius * std::sin(angle) + centroid_.y) * aspect_, 0};
     }
 
     void IterateQuarter(double from, double limit, double step, double sign, std::int32_t threshold) {
-        const std::int32_t firstLeap = threshold > margin_ ? promisingLeap : 0;
+        const bool maySurelyBeWithin = threshold > margin_;
+        const std::int32_t firstLeap = maySurelyBeWithin ? promisingLeap : 0;
         std::int32_t leap = firstLeap;
         for (double x = from; IsBefore(x, limit, step); x += step) {
-            x = PassOver(x, limit, step, sign, threshold, leap);
+            if (leap != 0) x = PassOver(x, limit, step, sign, threshold, leap);
             const Vector3 local = LocalPoint(x, sign);
-            if (IsSurelyWithin(local, threshold)) continue;
+            if (maySurelyBeWithin && IsSurelyWithin(local, threshold)) continue;
             const Vector3 point = RotatedBack(local);
-            if (!((point - last_).Length() > threshold)) continue;
+            if (!IsFurther(point - last_, threshold)) continue;
             pen_.Draw(StrokeStage::Continue, point.x, point.y);
             last_ = point;
             leap = firstLeap;
         }
+    }
+
+    // A length is above 0 where its square is: floats are too large for that to vanish.
+    static bool IsFurther(const Vector3& difference, std::int32_t threshold) {
+        return threshold == 0 ? Dot(difference, difference) > 0 : difference.Length() > threshold;
     }
 
     static bool IsBefore(double x, double limit, double step) { return step < 0 ? x > limit : x < limit; }
@@ -122,7 +126,11 @@ private:
     EllipseFit fit_;
     Vector3 centroid_;
     double aspect_;
+    // A step beyond the ends of the axes included.
+    double greatestRadius_ = 1.001 * (fit_.halfWidth + fit_.halfHeight + fit_.centre.Length() + 1);
     double centroidExtent_ = std::abs(double{centroid_.x}) + std::abs(double{centroid_.y});
+    double marginX_ = 1e-14 * (greatestRadius_ + centroidExtent_);
+    double marginY_ = marginX_ * std::abs(aspect_);
     Vector3 last_;
     double cosine_ = std::cos(fit_.angle);
     double sine_ = std::sin(fit_.angle);

@@ -16,11 +16,22 @@ DabPixel PixelOf(const Colour& colour, Depth depth) {
     return {narrow(colour.blue), narrow(colour.green), narrow(colour.red), PixelFormat8::fullScale};
 }
 
+std::uint32_t PixelInMemory8(const Colour& colour) {
+    const DabPixel pixel = PixelOf(colour, Depth::Eight);
+    return std::bit_cast<std::uint32_t>(
+        std::array<std::uint8_t, 4>{static_cast<std::uint8_t>(pixel[0]), static_cast<std::uint8_t>(pixel[1]),
+                                    static_cast<std::uint8_t>(pixel[2]), static_cast<std::uint8_t>(pixel[3])});
+}
+
 }  // namespace
+
+ColourBrushSource::ColourBrushSource(ColourUse use)
+    : pixel8(PixelInMemory8(colour)), erasing(use == ColourUse::Erase) {}
 
 void ColourBrushSource::SetColour(const Colour& newColour) {
     if (!(newColour == colour)) filled = nullptr;
     colour = newColour;
+    pixel8 = PixelInMemory8(colour);
 }
 
 bool ColourBrushSource::MakeDab(double x, double y, double angle, std::unique_ptr<Image>& colourOut,
@@ -46,13 +57,6 @@ void ColourBrushSource::TakeSmallMasks() {
         const Image* const mask = roundProfile->Shifted(copy / 8, copy % 8);
         hasSmallDabs = mask != nullptr && smallMasks[copy].Take(*mask);
     }
-}
-
-std::uint32_t ColourBrushSource::Pixel8() const {
-    const DabPixel pixel = PixelOf(colour, Depth::Eight);
-    return std::bit_cast<std::uint32_t>(
-        std::array<std::uint8_t, 4>{static_cast<std::uint8_t>(pixel[0]), static_cast<std::uint8_t>(pixel[1]),
-                                    static_cast<std::uint8_t>(pixel[2]), static_cast<std::uint8_t>(pixel[3])});
 }
 
 bool ColourBrushSource::FindDab(double x, double y, ColourDab& dab) {

@@ -16,7 +16,7 @@ enum class ColourUse : std::uint8_t { Paint, Erase };
 // Dabs of one colour.
 class ColourBrushSource final : public ProfiledBrushSource {
 public:
-    explicit ColourBrushSource(ColourUse use) : erasing(use == ColourUse::Erase) {}
+    explicit ColourBrushSource(ColourUse use);
 
     bool MakeDab(double x, double y, double angle, std::unique_ptr<Image>& colourOut,
                  std::unique_ptr<Image>& maskOut) override;
@@ -42,7 +42,7 @@ public:
         return {&smallMasks[static_cast<std::size_t>(copy)], moveX, moveY};
     }
     // The colour as it lies in memory at 8 bits.
-    [[nodiscard]] std::uint32_t Pixel8() const;
+    [[nodiscard]] std::uint32_t Pixel8() const { return pixel8; }
 
 private:
     void FillFor(const Image& mask);
@@ -56,6 +56,7 @@ private:
     bool hasSmallDabs = false;
 
     Colour colour;
+    std::uint32_t pixel8;
     bool erasing;
     // Filled with the colour once and shared by all dabs that it is large enough for; a new one takes its place when
     // the colour, the depth or the size asks for it, and what dabs hold of the old one stays as it is.
