@@ -128,6 +128,7 @@ void LineDraft::Follow(TelestratorSurface& surface, std::span<const Vector3> sto
     }
     {
         const LentBrush lent(*surface.brush, *pixels_, surface.canvas, stroke_);
+        const PaintingAlone alone(&surface);
         Draw(*surface.brush, stored);
     }
     revision_ = surface.brush->Revision();

@@ -68,6 +68,7 @@ void Telestrator::DrawSmoothedLine(const TelestratorSettings& settings) {
     const std::span<Vector3> points = Decimate(StoredStroke());
     strokePointCount = static_cast<std::int32_t>(points.size());
     const ShapePen pen(memory, shapeSurface.get(), aspect);
+    const PaintingAlone alone(shapeSurface.get());
     LineDraft* const draft = shapeSurface ? shapeSurface->lineDraft.get() : nullptr;
     DrawLine(pen, points, draft != nullptr ? draft->Take(*shapeSurface, points, aspect) : 0);
     if (settings.arrow) DrawArrowHead(pen, points, settings.arrowLength, settings.arrowWidth);

@@ -2,6 +2,8 @@
 
 #include <limits>
 
+#include "chalkpane/brush/basic_brush.h"
+
 namespace chalkpane {
 namespace {
 
@@ -31,6 +33,15 @@ Rect Paint(MemoryGuard& memory, TelestratorSurface* surface, StrokeStage stage, 
     Rect changed;
     if (surface != nullptr && IsPaintable(x, y)) memory.Run([&] { changed = Stroke(*surface, stage, x, y); });
     return changed;
+}
+
+PaintingAlone::PaintingAlone(TelestratorSurface* surface)
+    : brush_(surface != nullptr ? surface->brush.get() : nullptr) {
+    if (brush_ != nullptr) brush_->PaintAlone(&tiles_);
+}
+
+PaintingAlone::~PaintingAlone() {
+    if (brush_ != nullptr) brush_->PaintAlone(nullptr);
 }
 
 void ShapePen::Line(double fromX, double fromY, double toX, double toY) const {

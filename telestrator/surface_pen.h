@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "chalkpane/composite/settled_tiles.h"
 #include "telestrator/memory_guard.h"
 #include "telestrator/telestrator_surface.h"
 
@@ -16,6 +17,22 @@ namespace chalkpane {
 // empty rectangle without a surface, at a position that is not paintable, and when memory runs out, which `memory`
 // counts.
 Rect Paint(MemoryGuard& memory, TelestratorSurface* surface, StrokeStage stage, double x, double y) noexcept;
+
+// While it lives nobody but its brush writes to a surface's canvas, which so may pass over what changes nothing.
+class PaintingAlone {
+public:
+    // Borrowed; null: there is nothing to do.
+    explicit PaintingAlone(TelestratorSurface* surface);
+    ~PaintingAlone();
+    PaintingAlone(const PaintingAlone&) = delete;
+    PaintingAlone& operator=(const PaintingAlone&) = delete;
+    PaintingAlone(PaintingAlone&&) = delete;
+    PaintingAlone& operator=(PaintingAlone&&) = delete;
+
+private:
+    BasicBrush* brush_;  // not owned
+    SettledTiles tiles_;
+};
 
 // Draws recognised and smoothed lines on one surface.
 class ShapePen {

@@ -21,6 +21,7 @@ class BrushSource;
 class ColourBrushSource;
 class Filter;
 class ProfileCache;
+class SettledTiles;
 struct SmallDabTarget;
 
 // Turns a path of pointer samples into dabs on an image.
@@ -121,6 +122,9 @@ public:
     [[nodiscard]] bool PaintsPlainDabs() const;
     // Differs after whatever may change what the brush paints, and after each step of a stroke.
     [[nodiscard]] std::uint64_t Revision() const { return revision; }
+    // Until null is set again nobody but the brush writes to its target, so that it may pass over dabs that change no
+    // more; borrowed.
+    void PaintAlone(SettledTiles* tiles) { settledTiles = tiles; }
     // How many dabs a brush of plain ones has painted on its targets, ever.
     [[nodiscard]] std::uint64_t PaintedDabs() const { return paintedDabs; }
 
@@ -182,6 +186,7 @@ private:
     void PlaceUnpaintedDab(const StrokePoint& place, double pressureFactor);
     double AngleAlongPath(const StrokePoint& place, bool repeat);
     Rect PaintPlainDab(const Dab& dab);
+    [[nodiscard]] SettledTiles* TilesOfPlainDabs(bool erases) const;
     [[nodiscard]] SmallDabTarget TargetOfSmallDabs() const;
     bool PaintSmallDab(const SmallDabTarget& canvas, const StrokePoint& place, Rect& changed) const;
     void PaintNextPlainDab(const StrokePoint& place, Rect& changed);
@@ -233,6 +238,7 @@ private:
     Depth sourceDepth = Depth::Eight;       // of the target that the source was made for
     std::uint64_t revision = 0;
     std::uint64_t paintedDabs = 0;
+    SettledTiles* settledTiles = nullptr;  // not owned
 };
 
 }  // namespace chalkpane

@@ -4,6 +4,7 @@
 #include "chalkpane/brush/sources/source_types.h"
 #include "chalkpane/brush/spline_search.h"
 #include "chalkpane/composite/brush_paster_rows.h"
+#include "chalkpane/composite/settled_tiles.h"
 
 #include <cmath>
 #include <new>
@@ -18,10 +19,23 @@ bool BasicBrush::PaintsPlainDabs() const {
            !matchPath && filters.empty() && target != nullptr;
 }
 
+// Null where dabs do not come to rest, or others may write.
+SettledTiles* BasicBrush::TilesOfPlainDabs(bool erases) const {
+    const bool isOver = blendMode == 0 && SourceTypeOf(sourceType).behaviour == PasteBehaviour::Over;
+    if (settledTiles == nullptr || (!erases && !isOver)) return nullptr;
+    settledTiles->Serve(*target, erases ? 0 : colourSource->Pixel8());
+    return settledTiles;
+}
+
 // What `PaintOnTarget` comes to for such dabs, with no images made.
 Rect BasicBrush::PaintPlainDab(const Dab& dab) {
     ColourDab plain;
     if (!colourSource->FindDab(dab.place.x, dab.place.y, plain)) return {};
+    SettledTiles* const tiles = TilesOfPlainDabs(dab.erases);
+    if (tiles != nullptr) {
+        if (tiles->Hold(plain.rect)) return plain.rect.Intersection(*target);
+        tiles->Look(plain.rect);
+    }
     if (dab.erases)
         EraseColourDab(plain, *target, dab.opacity);
     else

@@ -1,0 +1,76 @@
+#include "chalkpane/composite/settled_tiles.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+namespace chalkpane {
+
+void SettledTiles::Serve(const Image& canvas, std::uint32_t pixel) {
+    if (canvas_ == &canvas && pixel_ == pixel && area_ == canvas.Bounds()) return;
+    const bool isServed = canvas.IsValid() && !canvas.IsMask() && canvas.GetDepth() == Depth::Eight &&
+                          canvas.Width() <= mostTiles * tileSide && canvas.Height() <= mostTiles * tileSide;
+    canvas_ = isServed ? &canvas : nullptr;
+    area_ = canvas.Bounds();
+    pixel_ = pixel;
+    settled_ = {};
+}
+
+bool SettledTiles::Hold(const Rect& dab) const {
+    if (canvas_ == nullptr) return false;
+    const Rect on = dab.Intersection(area_);
+    if (!on.IsValid()) return false;
+    const std::int32_t firstColumn = (on.x0 - area_.x0) / tileSide;
+    const std::int32_t lastColumn = (on.x1 - area_.x0) / tileSide;
+    for (std::int32_t row = (on.y0 - area_.y0) / tileSide; row <= (on.y1 - area_.y0) / tileSide; ++row) {
+        const auto& words = settled_[static_cast<std::size_t>(row)];
+        for (std::int32_t word = firstColumn / wordBits; word <= lastColumn / wordBits; ++word) {
+            const std::int32_t first = std::max(firstColumn - word * wordBits, 0);
+            const std::int32_t last = std::min(lastColumn - word * wordBits, wordBits - 1);
+            const std::uint64_t wanted = (~std::uint64_t{0} >> (wordBits - 1 - last + first)) << first;
+            if ((~words[static_cast<std::size_t>(word)] & wanted) != 0) return false;
+        }
+    }
+    return true;
+}
+
+void SettledTiles::Look(const Rect& dab) {
+    constexpr std::uint32_t everySoManyDabs = 4;
+    constexpr std::int32_t wide = 32;
+    if (canvas_ == nullptr || ++looks_ % everySoManyDabs != 0) return;
+    const Rect on = dab.Intersection(area_);
+    if (!on.IsValid()) return;
+    const std::int32_t around = dab.Width() < wide ? 0 : 1;
+    const std::int32_t column = (on.x0 + on.Width() / 2 - area_.x0) / tileSide;
+    const std::int32_t row = (on.y0 + on.Height() / 2 - area_.y0) / tileSide;
+    const std::int32_t lastColumn = std::min(column + around, (area_.Width() - 1) / tileSide);
+    const std::int32_t lastRow = std::min(row + around, (area_.Height() - 1) / tileSide);
+    for (std::int32_t y = std::max(row - around, 0); y <= lastRow; ++y)
+        for (std::int32_t x = std::max(column - around, 0); x <= lastColumn; ++x)
+            if (!IsSettled(x, y) && Find(x, y))
+                settled_[static_cast<std::size_t>(y)][static_cast<std::size_t>(x / wordBits)] |= std::uint64_t{1}
+                                                                                                 << (x % wordBits);
+}
+
+bool SettledTiles::IsSettled(std::int32_t column, std::int32_t row) const {
+    const std::uint64_t word = settled_[static_cast<std::size_t>(row)][static_cast<std::size_t>(column / wordBits)];
+    return (word >> (column % wordBits) & 1) != 0;
+}
+
+// Looks at all pixels of the tile, of which the last ones may be narrower.
+bool SettledTiles::Find(std::int32_t column, std::int32_t row) const {
+    const auto colour = std::bit_cast<std::array<std::uint8_t, 4>>(pixel_);
+    const Rect tile = Rect(area_.x0 + column * tileSide, area_.y0 + row * tileSide,
+                           area_.x0 + column * tileSide + tileSide - 1, area_.y0 + row * tileSide + tileSide - 1)
+                          .Intersection(area_);
+    for (std::int32_t y = tile.y0; y <= tile.y1; ++y) {
+        const auto* const channels = reinterpret_cast<const std::uint8_t*>(canvas_->Address(tile.x0, y));
+        unsigned restless = 0;
+        for (std::size_t i = 0; i < 4 * static_cast<std::size_t>(tile.Width()); ++i)
+            restless |= Rests(channels[i], colour[i % 4]) ? 0U : 1U;
+        if (restless != 0) return false;
+    }
+    return true;
+}
+
+}  // namespace chalkpane

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "chalkpane/image/image.h"
+
+namespace chalkpane {
+
+// The parts of a canvas that dabs of one kind no longer change, so that a scribble which goes over the same pixels
+// hundreds of times costs no more than the first few.
+//
+// Every channel of an opaque 8-bit colour composited over a canvas comes to rest at the colour or one below it: what is
+// above falls to it, and from one below the weight of at most 65280 in 65536 does not lift it. Erased pixels rest at 0.
+// A tile of pixels that all rest stays as it is under every mask and opacity.
+// Holds for as long as nobody else writes to the canvas; serves canvases of up to 1024 pixels a side.
+class SettledTiles {
+public:
+    // What the dabs are; what was found out about others is forgotten.
+    //   pixel  as its four channels lie in memory, alpha 255; 0 for dabs that erase
+    void Serve(const Image& canvas, std::uint32_t pixel);
+
+    // True: every pixel of the canvas under `dab` rests.
+    [[nodiscard]] bool Hold(const Rect& dab) const;
+    // A dab was painted: now and then looks at the tiles in its middle.
+    void Look(const Rect& dab);
+
+    // True: a channel of a canvas under a colour's channel rests there.
+    [[nodiscard]] static constexpr bool Rests(std::uint8_t channel, std::uint8_t ofColour) {
+        return channel == ofColour || channel + 1 == ofColour;
+    }
+
+private:
+    static constexpr std::int32_t tileSide = 8;
+    static constexpr std::int32_t mostTiles = 128;  // a side
+    static constexpr std::int32_t wordBits = 64;
+
+    [[nodiscard]] bool IsSettled(std::int32_t column, std::int32_t row) const;
+    [[nodiscard]] bool Find(std::int32_t column, std::int32_t row) const;
+
+    const Image* canvas_ = nullptr;  // not owned; null: none that can be served
+    Rect area_;
+    std::uint32_t pixel_ = 0;
+    std::uint32_t looks_ = 0;
+    std::array<std::array<std::uint64_t, mostTiles / wordBits>, mostTiles> settled_{};  // by row, then column
+};
+
+}  // namespace chalkpane
