@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -40,6 +41,7 @@ struct SinkSettings {
     double fieldsPerSecond = 0.0;
     std::int64_t fields = 1;                   // how many are expected; more may come
     picture_io::OutputFiles* files = nullptr;  // borrowed; knows all files of the run, and commits those staged in it
+    std::filesystem::path source = {};  // the video that rendered pictures carry, whose sound is kept; empty: none
 };
 
 // A place that fields go to: a picture, numbered pictures, a video, a pair of fill and key, or what else can take them.

@@ -24,7 +24,8 @@ std::unique_ptr<OutputSink> MakeCanvasSink(const std::string& path) {
 }  // namespace
 
 Outputs::Outputs(const OutputOptions& options, WindowSize window, double fieldsPerSecond, std::int64_t fields)
-    : m_settings{window, fieldsPerSecond, std::max<std::int64_t>(fields, 1), &m_files}, m_views(options.isStraight) {
+    : m_settings{window, fieldsPerSecond, std::max<std::int64_t>(fields, 1), &m_files, options.video},
+      m_views(options.isStraight) {
     for (const auto& input : options.inputs) m_files.AnnounceInput(input);
     if (options.fill.empty() != options.key.empty())
         throw cli::Error(options.fill + options.key, {},

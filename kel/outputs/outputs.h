@@ -16,13 +16,14 @@ namespace kel {
 // What is to be written of a show, each by its path; empty: not wanted. A path's ending says how (OutputFormats): a
 // video of all fields, a picture of each field (f%05d.png), or one picture of the last field. docs/output.md tells all.
 struct OutputOptions {
-    std::string out;          // the rendered picture
-    std::string frames;       // the same once more; numbered pictures only
-    std::string overlay;      // the drawings alone, as the window shows them, with alpha
-    std::string canvas;       // the module's own surface at the end, flat, as one picture; straight in any case
-    std::string fill;         // the colours of the drawings; with `key`, which is then not empty either
-    std::string key;          // their alpha, as grey
-    bool isStraight = false;  // the colours of overlay and fill are not multiplied by alpha, as those of the canvas
+    std::string out;              // the rendered picture
+    std::string frames;           // the same once more; numbered pictures only
+    std::string overlay;          // the drawings alone, as the window shows them, with alpha
+    std::string canvas;           // the module's own surface at the end, flat, as one picture; straight in any case
+    std::string fill;             // the colours of the drawings; with `key`, which is then not empty either
+    std::string key;              // their alpha, as grey
+    bool isStraight = false;      // the colours of overlay and fill are not multiplied by alpha, as those of the canvas
+    std::filesystem::path video;  // whose frames the fields are, one by one; its sound is kept. Empty: there is none
     std::vector<std::filesystem::path> inputs;  // what is read meanwhile, which no output may be
 
     [[nodiscard]] bool WantDrawings() const {

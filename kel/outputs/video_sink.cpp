@@ -5,8 +5,9 @@ namespace kel {
 void VideoSink::Open(const SinkSettings& settings) {
     settings.files->AnnounceOther(m_path);
     const bool hasAlpha = m_view == View::Overlay;
-    m_writer.emplace(m_path,
-                     VideoSettings{settings.size.width, settings.size.height, settings.fieldsPerSecond, hasAlpha});
+    const bool carriesVideo = m_view == View::Rendered;
+    m_writer.emplace(m_path, VideoSettings{settings.size.width, settings.size.height, settings.fieldsPerSecond,
+                                           hasAlpha, carriesVideo ? settings.source : std::filesystem::path()});
 }
 
 void VideoSink::TakeField(const OutputField& field) {

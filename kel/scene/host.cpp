@@ -147,7 +147,7 @@ void Host::SetPicture(ObjectId container, const picture_io::Picture& picture) {
     const auto* texture = objects.Find<TextureObject>(shown.picture);
     auto* image = texture == nullptr ? nullptr : objects.Find<ImageObject>(texture->image);
     if (image != nullptr) {
-        *image = MakeImage(picture);
+        if (!ReplacePixels(*image, picture)) *image = MakeImage(picture);
     } else {
         TextureObject fresh;
         fresh.image = objects.Add(MakeImage(picture));

@@ -38,6 +38,7 @@ struct ImageObject {
     std::vector<std::uint8_t> pixels;  // without gaps between rows
     std::vector<std::uint8_t> shown;   // what the texture holds, where that is known: of modules' images in GL_RGBA
     bool mipmaps = false;              // the host's own pictures: smooth also when seen small or at a slant
+    bool areMipmapsStale = false;      // they are made when they are first seen
     GlTexture texture;                 // none until the image is built
 };
 

@@ -8,6 +8,7 @@
 #include "kel/scene/gl.h"
 #include "kel/scene/matrix.h"
 #include "kel/scene/picking.h"
+#include "kel/scene/seen_size.h"
 
 namespace kel {
 namespace {
@@ -51,10 +52,10 @@ void ResetUnit(std::size_t unit) {
     glLoadIdentity();
 }
 
-void SetSampling(const TextureObject& texture, const ImageObject& image) {
+void SetSampling(const TextureObject& texture, bool hasMipmaps) {
     const GLint filter = texture.quality == 0 ? GL_NEAREST : GL_LINEAR;
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, filter);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, image.mipmaps ? GL_LINEAR_MIPMAP_LINEAR : filter);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, hasMipmaps ? GL_LINEAR_MIPMAP_LINEAR : filter);
     glTexParameterf(GL_TEXTURE_2D, GL_TEXTURE_LOD_BIAS, sharpening);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, texture.wrap);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, texture.wrap);
@@ -78,8 +79,20 @@ void ShowAlphaAlone() {
     glTexEnvi(GL_TEXTURE_ENV, GL_SOURCE0_RGB, GL_PREVIOUS);
 }
 
+// True: smaller copies of the bound image are needed, which then are there. What a module does with a container's
+// matrices nobody knows beforehand.
+bool PrepareMipmaps(HostState& state, const ContainerObject& container, const Matrix& camera, ImageObject& image) {
+    if (!image.mipmaps) return false;
+    const ImageSize window{state.window.width, state.window.height};
+    if (container.instance == nullptr && !IsSeenSmall({image.width, image.height}, container.placement, camera, window))
+        return false;
+    if (image.areMipmapsStale) glGenerateMipmap(GL_TEXTURE_2D);
+    image.areMipmapsStale = false;
+    return true;
+}
+
 // Shows the unit's texture spread over the whole rectangle, until the module says otherwise.
-void BindUnit(HostState& state, const ContainerObject& container, std::size_t unit, Look look) {
+void BindUnit(HostState& state, const ContainerObject& container, std::size_t unit, const Matrix& camera, Look look) {
     const auto* texture = state.objects.Find<TextureObject>(container.TextureOn(unit));
     auto* image = texture == nullptr ? nullptr : state.objects.Find<ImageObject>(texture->image);
     if (image == nullptr) return;
@@ -87,9 +100,9 @@ void BindUnit(HostState& state, const ContainerObject& container, std::size_t un
     glActiveTexture(UnitName(unit));
     glEnable(GL_TEXTURE_2D);
     const bool isDrawing = container.multiTextures[unit] != noObject;
-    const ImageObject& shown = isDrawing && look == Look::Undrawn ? ClearImage(state) : *image;
-    glBindTexture(GL_TEXTURE_2D, shown.texture.Name());
-    SetSampling(*texture, shown);
+    const bool isHidden = isDrawing && look == Look::Undrawn;
+    glBindTexture(GL_TEXTURE_2D, isHidden ? ClearImage(state).texture.Name() : image->texture.Name());
+    SetSampling(*texture, !isHidden && PrepareMipmaps(state, container, camera, *image));
     glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, texture->environment);
     if (!isDrawing && (look == Look::Black || look == Look::White)) ShowAlphaAlone();
     glMatrixMode(GL_TEXTURE);
@@ -113,7 +126,7 @@ void DrawRectangle(const std::array<double, 2>& size) {
 
 void Prepare(HostState& state, const ContainerObject& container, const Matrix& camera, Look look) {
     ResetState(look);
-    for (std::size_t unit = 0; unit < textureUnits; ++unit) BindUnit(state, container, unit, look);
+    for (std::size_t unit = 0; unit < textureUnits; ++unit) BindUnit(state, container, unit, camera, look);
     glActiveTexture(UnitName(0));
     glMatrixMode(GL_PROJECTION);
     glLoadMatrixd(camera.data());
@@ -341,9 +354,27 @@ void BuildTexture(ImageObject& image) {
     glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
     glTexImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(image.format), image.width, image.height, 0, image.format,
                  GL_UNSIGNED_BYTE, image.pixels.data());
-    if (image.mipmaps) glGenerateMipmap(GL_TEXTURE_2D);
+    image.areMipmapsStale = image.mipmaps;
     if (!image.mipmaps && image.format == GL_RGBA) image.shown = image.pixels;
     glPopClientAttrib();
+}
+
+bool ReplacePixels(ImageObject& image, const picture_io::Picture& picture) {
+    if (image.width != picture.width || image.height != picture.height || image.format != GL_RGBA) return false;
+    const std::size_t rowBytes = std::size_t{4} * static_cast<std::size_t>(picture.width);
+    const auto height = static_cast<std::size_t>(picture.height);
+    for (std::size_t row = 0; row < height; ++row)
+        std::copy_n(picture.rgba.data() + row * rowBytes, rowBytes,
+                    image.pixels.data() + (height - 1 - row) * rowBytes);
+    if (image.texture.Name() == 0) return true;
+    const BoundTexture bound(image.texture);
+    glPushClientAttrib(GL_CLIENT_PIXEL_STORE_BIT);
+    glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
+    glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, image.width, image.height, GL_RGBA, GL_UNSIGNED_BYTE, image.pixels.data());
+    glPopClientAttrib();
+    image.areMipmapsStale = image.mipmaps;
+    return true;
 }
 
 ImageObject MakeImage(const picture_io::Picture& picture) {

@@ -119,14 +119,30 @@ void Player::CheckButton(const SessionEvent& event, const std::string& name, con
 
 void Player::CheckFrame(const SessionEvent& event, const VideoEvent& video) const {
     const std::int64_t last = m_containers[video.container].video->Clock().Frames() - 1;
-    if (video.change.frame.value_or(0) <= last) return;
-    throw cli::Error(
-        m_session.file.string(), event.place + "/film/frame",
-        "the film's last frame is " + std::to_string(last) + ", not " + std::to_string(*video.change.frame));
+    const auto check = [&](const char* key, const std::optional<std::int64_t>& frame) {
+        if (frame.value_or(0) > last)
+            throw cli::Error(m_session.file.string(), event.place + "/film/" + key,
+                             "the film's last frame is " + std::to_string(last) + ", not " + std::to_string(*frame));
+    };
+    check("frame", video.change.frame);
+    check("in", video.change.in);
+    check("out", video.change.out);
 }
 
 void Player::ChangeVideo(std::size_t container, const VideoChange& change) {
     m_containers[container].video->Change(change, m_field);
+}
+
+void Player::SetVideoConversion(VideoConversion conversion) {
+    for (const Container& container : m_containers)
+        if (container.video) container.video->SetConversion(conversion);
+}
+
+void Player::ShowVideosExactly() {
+    bool isOther = false;
+    for (const Container& container : m_containers)
+        if (container.video && m_field > 0) isOther = container.video->ShowExactly(m_host, m_field - 1) || isOther;
+    if (isOther) m_host.DrawAgain();
 }
 
 void Player::ShowVideoFrame(std::size_t container, std::int64_t frame) {

@@ -42,6 +42,10 @@ public:
     // Changes a video as an event of the next field would. The index is that of a container with a video.
     void ChangeVideo(std::size_t container, const VideoChange& change);
 
+    // How the videos' frames are made from now on.
+    void SetVideoConversion(VideoConversion conversion);
+    // The picture of the field played last, with its videos as they are written. Throws Error as PlayField does.
+    void ShowVideosExactly();
     // Shows that frame of a container's video under what is drawn now, between two fields. Throws Error when the frame
     // is damaged.
     void ShowVideoFrame(std::size_t container, std::int64_t frame);

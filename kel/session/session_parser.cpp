@@ -151,12 +151,16 @@ constexpr auto videoKeys = std::to_array<cli::JsonKey<VideoChange>>({
     {"frame", false, [](const auto& node, auto& change) { change.frame = node.Integer(0, farthestFrame); }},
     {"play", false, [](const auto& node, auto& change) { change.play = node.Truth(); }},
     {"loop", false, [](const auto& node, auto& change) { change.loop = node.Truth(); }},
+    {"speed", false, [](const auto& node, auto& change) { change.speed = node.Number(slowestVideo, fastestVideo); }},
+    {"in", false, [](const auto& node, auto& change) { change.in = node.Integer(0, farthestFrame); }},
+    {"out", false, [](const auto& node, auto& change) { change.out = node.Integer(0, farthestFrame); }},
 });
 
 void ReadVideo(const cli::JsonNode& node, EventDraft& draft) {
     VideoEvent video;
     cli::ReadKeys<VideoChange>(node, videoKeys, video.change);
-    if (node.Value().empty()) node.Refuse("changes nothing; it needs one of \"frame\", \"play\", \"loop\"");
+    if (node.Value().empty())
+        node.Refuse("changes nothing; it needs one of \"frame\", \"play\", \"loop\", \"speed\", \"in\", \"out\"");
     video.container = AddressedContainer<VideoOn>(node, draft);
     draft.event.what = video;
 }

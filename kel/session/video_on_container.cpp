@@ -1,38 +1,73 @@
 #include "kel/session/video_on_container.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "cli/error.h"
 
 namespace kel {
+namespace {
+
+VideoClock ClockOf(const VideoReader& video, double fieldsPerSecond) {
+    const double framesPerField = video.FramesPerSecond() / fieldsPerSecond;
+    std::vector<double> starts = video.UnevenStarts();
+    if (starts.empty()) return {video.FrameCount(), framesPerField};
+    return {std::move(starts), framesPerField};
+}
+
+}  // namespace
 
 VideoShow::VideoShow(const std::filesystem::path& file, ObjectId container, double fieldsPerSecond)
     : m_container(container),
-      m_reader(file),
-      m_framesPerSecond(m_reader.FramesPerSecond()),
-      m_clock(m_reader.FrameCount(), m_framesPerSecond / fieldsPerSecond) {}
+      m_frames(file),
+      m_framesPerSecond(m_frames.Reader().FramesPerSecond()),
+      m_clock(ClockOf(m_frames.Reader(), fieldsPerSecond)) {}
+
+// As many different ones as are decoded ahead, at the present speed, in the present loop.
+std::vector<std::int64_t> VideoShow::ComingFrames(std::int64_t field) const {
+    constexpr std::size_t most = 3;
+    constexpr int mostFields = 64;  // of slow motion over frames that come slowly
+    std::vector<std::int64_t> coming;
+    const std::int64_t now = m_clock.FrameAt(field);
+    for (int later = 1; later <= mostFields && coming.size() < most; ++later) {
+        const std::int64_t frame = m_clock.FrameAt(field + later);
+        if (frame != now && std::ranges::find(coming, frame) == coming.end()) coming.push_back(frame);
+    }
+    // One that stands still is stepped through, most often onwards.
+    if (coming.empty() && now + 1 < m_clock.Frames()) coming.push_back(now + 1);
+    return coming;
+}
+
+void VideoShow::Show(Host& host, std::int64_t field) {
+    const std::int64_t frame = m_clock.FrameAt(field);
+    if (frame != m_shown) (void)Show(host, frame, ComingFrames(field));
+}
 
 bool VideoShow::ShowFrame(Host& host, std::int64_t frame) {
+    std::vector<std::int64_t> coming;
+    for (std::int64_t next = frame + 1; next < std::min(frame + 4, m_clock.Frames()); ++next) coming.push_back(next);
+    return Show(host, frame, coming);
+}
+
+bool VideoShow::Show(Host& host, std::int64_t frame, const std::vector<std::int64_t>& coming) {
     if (frame == m_shown) return false;
     m_shown = frame;
-    const picture_io::Picture picture = TakeFrame(frame);
-    Prefetch(frame + 1 < m_clock.Frames() ? frame + 1 : 0);
-    host.SetPicture(m_container, picture);
+    host.SetPicture(m_container, m_frames.Take(frame, coming));
     return true;
 }
 
-picture_io::Picture VideoShow::TakeFrame(std::int64_t frame) {
-    if (m_coming.valid()) {
-        if (m_comingFrame == frame) return m_coming.get();
-        m_coming.wait();  // the reader is free again, and nobody wants that frame
-        m_coming = {};
-    }
-    return m_reader.ReadFrame(frame);
+void VideoShow::SetConversion(VideoConversion conversion) {
+    m_conversion = conversion;
+    m_frames.SetConversion(conversion);
 }
 
-void VideoShow::Prefetch(std::int64_t frame) {
-    m_comingFrame = frame;
-    m_coming = std::async(std::launch::async, [this, frame] { return m_reader.ReadFrame(frame); });
+bool VideoShow::ShowExactly(Host& host, std::int64_t field) {
+    if (m_conversion == VideoConversion::Exact) return false;
+    m_frames.SetConversion(VideoConversion::Exact);
+    const picture_io::Picture picture = m_frames.Take(m_clock.FrameAt(field), {});
+    m_frames.SetConversion(m_conversion);
+    host.SetPicture(m_container, picture);
+    return true;
 }
 
 }  // namespace kel

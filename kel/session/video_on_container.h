@@ -2,21 +2,20 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <future>
-#include <optional>
+#include <vector>
 
 #include "kel/scene/host.h"
+#include "kel/video/frames_ahead.h"
 #include "kel/video/video_clock.h"
-#include "kel/video/video_reader.h"
 
 namespace kel {
 
-// A video on a container: shows the frame of each field, and decodes the next one meanwhile on a thread of its own.
+// A video on a container: shows the frame of each field, and decodes the next ones meanwhile on a thread of its own.
 class VideoShow {
 public:
     // Throws Error for what is no video.
     VideoShow(const std::filesystem::path& file, ObjectId container, double fieldsPerSecond);
-    ~VideoShow() = default;  // waits for the frame that is being decoded
+    ~VideoShow() = default;
     VideoShow(const VideoShow&) = delete;
     VideoShow& operator=(const VideoShow&) = delete;
     VideoShow(VideoShow&&) = delete;
@@ -29,25 +28,28 @@ public:
 
     // Puts the field's frame on the container. Throws Error when the frame is damaged; the one before it stays then,
     // and the damaged one is not tried again until another has been shown.
-    void Show(Host& host, std::int64_t field) { (void)ShowFrame(host, m_clock.FrameAt(field)); }
+    void Show(Host& host, std::int64_t field);
     // The same for a frame, whatever the field. False: it is there already.
     bool ShowFrame(Host& host, std::int64_t frame);
-    // The frame at a time, counted from the first one.
-    [[nodiscard]] std::int64_t FrameAtTime(double seconds) const { return m_reader.FrameAt(seconds); }
+    // How frames are made from now on, but for ShowExactly.
+    void SetConversion(VideoConversion conversion);
+    // Makes the field's frame anew, as it is written. True: it is another picture than the one shown.
+    bool ShowExactly(Host& host, std::int64_t field);
+    // The frame at a time, counted from the first one. To be asked before any has been shown.
+    [[nodiscard]] std::int64_t FrameAtTime(double seconds) const { return m_frames.Reader().FrameAt(seconds); }
     // What the container shows; -1: nothing yet.
     [[nodiscard]] std::int64_t Shown() const { return m_shown; }
 
 private:
-    picture_io::Picture TakeFrame(std::int64_t frame);
-    void Prefetch(std::int64_t frame);
+    [[nodiscard]] std::vector<std::int64_t> ComingFrames(std::int64_t field) const;
+    bool Show(Host& host, std::int64_t frame, const std::vector<std::int64_t>& coming);
 
     ObjectId m_container;
-    VideoReader m_reader;  // belongs to the thread that decodes while there is one
+    FramesAhead m_frames;
     double m_framesPerSecond;
     VideoClock m_clock;
+    VideoConversion m_conversion = VideoConversion::Exact;
     std::int64_t m_shown = -1;
-    std::int64_t m_comingFrame = -1;
-    std::future<picture_io::Picture> m_coming;  // ends before the reader
 };
 
 }  // namespace kel

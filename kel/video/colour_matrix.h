@@ -30,6 +30,21 @@ namespace kel {
     }
 }
 
+// True: a matrix that pictures can be made with and that a file may then say.
+[[nodiscard]] constexpr bool IsYuvMatrix(AVColorSpace matrix) {
+    switch (matrix) {
+        case AVCOL_SPC_BT709:
+        case AVCOL_SPC_FCC:
+        case AVCOL_SPC_BT470BG:
+        case AVCOL_SPC_SMPTE170M:
+        case AVCOL_SPC_SMPTE240M:
+        case AVCOL_SPC_BT2020_NCL:
+            return true;
+        default:
+            return false;
+    }
+}
+
 // Exact rounding, the same on every processor, and colour for every pixel of its own rather than for pairs.
 constexpr int scalerFlags = SWS_BILINEAR | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT | SWS_FULL_CHR_H_INP | SWS_BITEXACT;
 constexpr int scalerOne = 1 << 16;  // of contrast and saturation

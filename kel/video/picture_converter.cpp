@@ -43,8 +43,9 @@ bool HasFullRange(const AVFrame& frame) {
 
 void PictureConverter::Prepare(const AVFrame& frame, std::int32_t width, std::int32_t height) {
     const AVPixelFormat format = WithoutRange(static_cast<AVPixelFormat>(frame.format));
+    const int flags = m_conversion == VideoConversion::Exact ? scalerFlags : SWS_FAST_BILINEAR;
     m_scaler.reset(sws_getCachedContext(m_scaler.release(), frame.width, frame.height, format, width, height,
-                                        AV_PIX_FMT_RGBA, scalerFlags, nullptr, nullptr, nullptr));
+                                        AV_PIX_FMT_RGBA, flags, nullptr, nullptr, nullptr));
     if (!m_scaler) throw cli::Error("has pixels of a kind that cannot be shown");
     const int matrix = ScalerMatrix(frame.colorspace, frame.width, frame.height);
     sws_setColorspaceDetails(m_scaler.get(), sws_getCoefficients(matrix), HasFullRange(frame) ? 1 : 0,

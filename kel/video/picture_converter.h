@@ -1,6 +1,7 @@
 #pragma once
 
 #include "kel/video/av_objects.h"
+#include "kel/video/video_conversion.h"
 #include "picture_io/picture.h"
 
 namespace kel {
@@ -15,9 +16,12 @@ public:
     // width, height: of the pictures; frames of another size are scaled. Throws Error with the reason alone.
     [[nodiscard]] picture_io::Picture Convert(const AVFrame& frame, std::int32_t width, std::int32_t height);
 
+    void SetConversion(VideoConversion conversion) { m_conversion = conversion; }
+
 private:
     void Prepare(const AVFrame& frame, std::int32_t width, std::int32_t height);
 
+    VideoConversion m_conversion = VideoConversion::Exact;
     AvScaler m_scaler;
     AvFrame m_rgba;
 };

@@ -25,6 +25,8 @@ public:
     // index: of a frame that is there. Throws Error when it is damaged.
     [[nodiscard]] picture_io::Picture Read(std::int64_t index);
 
+    void SetConversion(VideoConversion conversion) { m_converter.SetConversion(conversion); }
+
 private:
     enum class From { Here, Key, Start };
 

@@ -9,6 +9,7 @@
 #include "cli/error.h"
 #include "cli/word_list.h"
 #include "kel/video/colour_matrix.h"
+#include "kel/video/video_file.h"
 #include "kel/video/video_format.h"
 
 namespace kel {
@@ -96,13 +97,7 @@ void VideoEncoder::OpenCodec(const VideoSettings& settings) {
     m_codec->gop_size = m_codecSettings.keyEvery;
     if (codec->id == AV_CODEC_ID_FFV1) m_codec->slices = SlicesFor(m_codec->width, m_codec->height);
     m_codec->flags |= AV_CODEC_FLAG_BITEXACT;
-    if (m_codec->pix_fmt == AV_PIX_FMT_YUV420P) {
-        const bool isHigh = UsualMatrix(m_codec->width, m_codec->height) == AVCOL_SPC_BT709;
-        m_codec->colorspace = isHigh ? AVCOL_SPC_BT709 : AVCOL_SPC_SMPTE170M;
-        m_codec->color_primaries = isHigh ? AVCOL_PRI_BT709 : AVCOL_PRI_SMPTE170M;
-        m_codec->color_trc = isHigh ? AVCOL_TRC_BT709 : AVCOL_TRC_SMPTE170M;
-        m_codec->color_range = AVCOL_RANGE_MPEG;
-    }
+    if (m_codec->pix_fmt == AV_PIX_FMT_YUV420P) TagColours(settings);
     if ((m_output->oformat->flags & AVFMT_GLOBALHEADER) != 0) m_codec->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
     for (const CodecOption& option : m_codecSettings.options)
         if (option.name != nullptr) Check(av_opt_set(m_codec.get(), option.name, option.value, AV_OPT_SEARCH_CHILDREN));
@@ -115,12 +110,28 @@ void VideoEncoder::OpenCodec(const VideoSettings& settings) {
     if (av_frame_get_buffer(m_frame.get(), 0) < 0) throw std::bad_alloc();
 }
 
+// Those of the source as far as it says them; pictures are then made with its matrix.
+void VideoEncoder::TagColours(const VideoSettings& settings) {
+    const bool isHigh = UsualMatrix(m_codec->width, m_codec->height) == AVCOL_SPC_BT709;
+    m_codec->colorspace = isHigh ? AVCOL_SPC_BT709 : AVCOL_SPC_SMPTE170M;
+    m_codec->color_primaries = isHigh ? AVCOL_PRI_BT709 : AVCOL_PRI_SMPTE170M;
+    m_codec->color_trc = isHigh ? AVCOL_TRC_BT709 : AVCOL_TRC_SMPTE170M;
+    m_codec->color_range = AVCOL_RANGE_MPEG;
+    if (settings.source.empty()) return;
+    const VideoFile source(settings.source);
+    const AVCodecParameters& tags = source.Codec();
+    if (IsYuvMatrix(tags.color_space)) m_codec->colorspace = tags.color_space;
+    if (tags.color_primaries != AVCOL_PRI_UNSPECIFIED) m_codec->color_primaries = tags.color_primaries;
+    if (tags.color_trc != AVCOL_TRC_UNSPECIFIED) m_codec->color_trc = tags.color_trc;
+}
+
 void VideoEncoder::OpenFile() {
     AVStream* stream = avformat_new_stream(m_output.get(), nullptr);
     if (stream == nullptr) throw std::bad_alloc();
     Check(avcodec_parameters_from_context(stream->codecpar, m_codec.get()));
     stream->time_base = m_codec->time_base;
     stream->avg_frame_rate = m_codec->framerate;
+    m_sound.emplace(m_settings.source, *m_output);
     m_output->flags |= AVFMT_FLAG_BITEXACT;  // no date and no names: the same pictures give the same file
     Check(avio_open(&m_output->pb, ("file:" + m_file.Temporary().string()).c_str(), AVIO_FLAG_WRITE));
     Check(avformat_write_header(m_output.get(), nullptr));
@@ -158,17 +169,22 @@ void VideoEncoder::Encode(const AVFrame* frame) {
     }
 }
 
+// Sound is written as far as the pictures go that were given to the encoder.
+double VideoEncoder::SecondsWritten() const { return static_cast<double>(m_count) * av_q2d(m_codec->time_base); }
+
 void VideoEncoder::WritePacket() {
     const AVStream& stream = *m_output->streams[0];
     if (m_packet->duration == 0) m_packet->duration = 1;
     av_packet_rescale_ts(m_packet.get(), m_codec->time_base, stream.time_base);
     m_packet->stream_index = 0;
+    Check(m_sound->WriteUntil(SecondsWritten()));
     Check(av_interleaved_write_frame(m_output.get(), m_packet.get()));
 }
 
 void VideoEncoder::Close() {
     if (m_count == 0) Refuse(m_file.File(), "cannot be written: a film needs at least one picture");
     Encode(nullptr);
+    Check(m_sound->WriteUntil(SecondsWritten()));
     Check(av_write_trailer(m_output.get()));
     avio_flush(m_output->pb);
     Check(0);

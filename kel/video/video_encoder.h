@@ -2,10 +2,12 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 
 #include "cli/staged_file.h"
 #include "kel/video/av_objects.h"
 #include "kel/video/picture_packer.h"
+#include "kel/video/sound_copy.h"
 #include "kel/video/video_codec.h"
 #include "kel/video/video_writer.h"
 
@@ -28,7 +30,9 @@ private:
     };
 
     void OpenCodec(const VideoSettings& settings);
+    void TagColours(const VideoSettings& settings);
     void OpenFile();
+    [[nodiscard]] double SecondsWritten() const;
     void Encode(const AVFrame* frame);
     void WritePacket();
     // Throws when the step failed, or any write to the file so far.
@@ -38,6 +42,7 @@ private:
     const VideoCodec& m_codecSettings;  // of the table
     VideoSettings m_settings;
     std::unique_ptr<AVFormatContext, CloseOutput> m_output;
+    std::optional<SoundCopy> m_sound;  // ends before the output
     AvCodec m_codec;
     AvFrame m_frame;
     AvPacket m_packet;

@@ -11,17 +11,6 @@
 namespace kel {
 namespace {
 
-// Formats and protocols that lead on to other files or to the network stay closed: a video is one file.
-AvInput OpenInput(const std::filesystem::path& file, int& result) {
-    AVDictionary* options = nullptr;
-    av_dict_set(&options, "format_whitelist", "mov,mp4,matroska,webm", 0);
-    av_dict_set(&options, "protocol_whitelist", "file", 0);
-    AVFormatContext* input = nullptr;
-    result = avformat_open_input(&input, ("file:" + file.string()).c_str(), nullptr, &options);
-    av_dict_free(&options);
-    return AvInput(input);
-}
-
 // Some frames are decoded for what the container does not say; none of them is larger than what is read.
 int FindStreams(AVFormatContext& input) {
     std::vector<AVDictionary*> options(input.nb_streams);
@@ -33,7 +22,28 @@ int FindStreams(AVFormatContext& input) {
 
 }  // namespace
 
-VideoFile::VideoFile(const std::filesystem::path& file) : m_file(file) {
+AvInput OpenVideoInput(const std::filesystem::path& file, int& result) {
+    AVDictionary* options = nullptr;
+    av_dict_set(&options, "format_whitelist", "mov,mp4,matroska,webm", 0);
+    av_dict_set(&options, "protocol_whitelist", "file", 0);
+    AVFormatContext* input = nullptr;
+    result = avformat_open_input(&input, ("file:" + file.string()).c_str(), nullptr, &options);
+    av_dict_free(&options);
+    return AvInput(input);
+}
+
+double PicturesBeginIn(const AVFormatContext& input) {
+    for (unsigned index = 0; index < input.nb_streams; ++index) {
+        const AVStream& stream = *input.streams[index];
+        const bool isPictures = stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO &&
+                                (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) == 0;
+        if (isPictures && stream.start_time != AV_NOPTS_VALUE)
+            return static_cast<double>(stream.start_time) * av_q2d(stream.time_base);
+    }
+    return 0;
+}
+
+VideoFile::VideoFile(const std::filesystem::path& file, Stream which) : m_file(file), m_which(which) {
     SilenceAv();
     Open();
 }
@@ -41,14 +51,17 @@ VideoFile::VideoFile(const std::filesystem::path& file) : m_file(file) {
 void VideoFile::Open() {
     cli::RequireRegularFile(m_file);
     int result = 0;
-    m_input = OpenInput(m_file, result);
+    m_input = OpenVideoInput(m_file, result);
     if (result == AVERROR_INVALIDDATA || result == AVERROR(EINVAL))
         Refuse("is no MP4, MOV, MKV or WebM film, or a damaged one");
     if (result < 0) Refuse("cannot be read: " + AvReason(result));
     result = FindStreams(*m_input);
     if (result < 0) Refuse("cannot be read: " + AvReason(result));
-    m_stream = av_find_best_stream(m_input.get(), AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
-    if (m_stream < 0 || (Stream().disposition & AV_DISPOSITION_ATTACHED_PIC) != 0) Refuse("has no moving pictures");
+    const bool isSound = m_which == Stream::Sound;
+    m_stream =
+        av_find_best_stream(m_input.get(), isSound ? AVMEDIA_TYPE_AUDIO : AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
+    if (m_stream < 0 && isSound) Refuse("has no sound");
+    if (m_stream < 0 || (Looked().disposition & AV_DISPOSITION_ATTACHED_PIC) != 0) Refuse("has no moving pictures");
     for (unsigned index = 0; index < m_input->nb_streams; ++index)
         if (index != static_cast<unsigned>(m_stream)) m_input->streams[index]->discard = AVDISCARD_ALL;
 }
@@ -70,14 +83,18 @@ bool VideoFile::Seek(std::int64_t time) {
 
 void VideoFile::Rewind() { Open(); }
 
-const AVStream& VideoFile::Stream() const { return *m_input->streams[m_stream]; }
+const AVStream& VideoFile::Looked() const { return *m_input->streams[m_stream]; }
 
-const AVCodecParameters& VideoFile::Codec() const { return *Stream().codecpar; }
+const AVCodecParameters& VideoFile::Codec() const { return *Looked().codecpar; }
 
-double VideoFile::SecondsPerUnit() const { return av_q2d(Stream().time_base); }
+double VideoFile::SecondsPerUnit() const { return av_q2d(Looked().time_base); }
+
+AVRational VideoFile::TimeBase() const { return Looked().time_base; }
+
+double VideoFile::PicturesBegin() const { return PicturesBeginIn(*m_input); }
 
 double VideoFile::DeclaredFramesPerSecond() const {
-    const AVRational rate = Stream().avg_frame_rate.num > 0 ? Stream().avg_frame_rate : Stream().r_frame_rate;
+    const AVRational rate = Looked().avg_frame_rate.num > 0 ? Looked().avg_frame_rate : Looked().r_frame_rate;
     return rate.num > 0 && rate.den > 0 ? av_q2d(rate) : 0.0;
 }
 

@@ -8,11 +8,12 @@
 
 namespace kel {
 
-// An opened video: its container and the one stream of pictures that is looked at, packet by packet. Times are in the
-// stream's own unit. Everything throws Error with the file's name and the reason.
+// An opened video: its container and the one stream, of pictures or of sound, that is looked at, packet by packet.
+// Times are in the stream's own unit. Everything throws Error with the file's name and the reason.
 class VideoFile {
 public:
-    explicit VideoFile(const std::filesystem::path& file);
+    enum class Stream { Pictures, Sound };
+    explicit VideoFile(const std::filesystem::path& file, Stream which = Stream::Pictures);
 
     // The next packet of the stream; false at the end. Throws also where the file breaks off.
     bool Read(AVPacket& packet);
@@ -23,10 +24,12 @@ public:
 
     [[nodiscard]] const AVCodecParameters& Codec() const;
     [[nodiscard]] double SecondsPerUnit() const;
+    [[nodiscard]] AVRational TimeBase() const;
+    [[nodiscard]] double PicturesBegin() const;            // seconds; the first frame's time as the container has it
     [[nodiscard]] double DeclaredFramesPerSecond() const;  // 0: the container does not say
 
     // How its frames are brought upright.
-    [[nodiscard]] PictureOrientation Orientation() const { return OrientationOf(Stream()); }
+    [[nodiscard]] PictureOrientation Orientation() const { return OrientationOf(Looked()); }
 
     // The container says that there is more than the file has. What it says only bit by bit shows when it is read.
     [[nodiscard]] bool IsCutOff() const;
@@ -35,12 +38,20 @@ public:
 
 private:
     void Open();
-    [[nodiscard]] const AVStream& Stream() const;
+    [[nodiscard]] const AVStream& Looked() const;
 
     std::filesystem::path m_file;
+    Stream m_which = Stream::Pictures;
     AvInput m_input;
     int m_stream = 0;
 };
+
+// Formats and protocols that lead on to other files or to the network stay closed: a video is one file. Null: it cannot
+// be opened, and `result` says why.
+[[nodiscard]] AvInput OpenVideoInput(const std::filesystem::path& file, int& result);
+
+// When the first frame is shown, in seconds, as the container has it.
+[[nodiscard]] double PicturesBeginIn(const AVFormatContext& input);
 
 // The time at which a packet's picture is shown; AV_NOPTS_VALUE when it has none.
 [[nodiscard]] std::int64_t TimeOf(const AVPacket& packet);

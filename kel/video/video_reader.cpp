@@ -52,6 +52,23 @@ std::int64_t VideoReader::FrameAt(double seconds) const {
     return std::max<std::int64_t>(0, after - times.begin() - 1);
 }
 
+void VideoReader::SetConversion(VideoConversion conversion) { m_decoder->SetConversion(conversion); }
+
+std::vector<double> VideoReader::UnevenStarts() const {
+    const auto& times = m_decoder->Index().times;
+    const double rate = FramesPerSecond();
+    std::int64_t number = 0;
+    std::vector<double> starts;
+    bool isEven = true;
+    for (const std::int64_t time : times) {
+        isEven = isEven && FrameAt(static_cast<double>(number) / rate) == number;
+        ++number;
+        starts.push_back(static_cast<double>(time - times.front()) * m_decoder->File().SecondsPerUnit() * rate);
+    }
+    if (isEven) starts.clear();
+    return starts;
+}
+
 picture_io::Picture VideoReader::ReadFrame(std::int64_t index) {
     return m_decoder->Read(std::clamp<std::int64_t>(index, 0, FrameCount() - 1));
 }

@@ -3,7 +3,9 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <vector>
 
+#include "kel/video/video_conversion.h"
 #include "picture_io/picture.h"
 
 namespace kel {
@@ -41,6 +43,11 @@ public:
     // give the first and the last frame. Cheap for the frame read last and for the following ones; any other is decoded
     // from the key frame before it. Throws Error when the frame is damaged; others can still be read.
     [[nodiscard]] picture_io::Picture ReadFrame(std::int64_t index);
+
+    // How frames are made from now on; Exact, as at the start.
+    void SetConversion(VideoConversion conversion);
+    // When each frame is shown, from 0 on, in mean lengths of a frame; empty: they come evenly, each in its turn.
+    [[nodiscard]] std::vector<double> UnevenStarts() const;
 
 private:
     std::unique_ptr<VideoDecoder> m_decoder;

@@ -15,6 +15,8 @@ struct VideoSettings {
     std::int32_t height = 0;       // pixels
     double framesPerSecond = 0.0;  // above 0
     bool alpha = false;            // the video has it; otherwise alpha is dropped and colours stay
+    // A video whose sound, as far as the format can hold it, and whose colour tags are taken over; empty: none.
+    std::filesystem::path source = {};
 };
 
 // A video being written, picture by picture, in the format that the name's ending chooses (kel/video/video_format.h).

@@ -121,10 +121,12 @@ SessionOutputs::SessionOutputs(const PlayOptions& options, const Session& sessio
         m_stage = MakeStage();
         m_timeline = TimelineOf(session, *m_stage.player);
     }
-    if (m_timeline)
-        m_outputs.emplace(wanted, window, m_timeline->framesPerSecond,
+    if (m_timeline) {
+        OutputOptions carried = wanted;
+        carried.video = session.Resolve(session.containers[m_timeline->container].video);
+        m_outputs.emplace(carried, window, m_timeline->framesPerSecond,
                           static_cast<std::int64_t>(m_timeline->steps.size()));
-    else
+    } else
         m_outputs.emplace(wanted, window, session.fieldsPerSecond, session.fields);
     if (m_saves) Announce(*m_saves, session, *m_outputs);
     if (!m_stage.player) m_stage = MakeStage();

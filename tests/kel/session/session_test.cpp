@@ -89,7 +89,8 @@ TEST_CASE("A container shows a picture or a video, and a video's event needs one
     CHECK_EQ(RefusalWith("/events/7/container", "scren"),
              "s.json: /events/7/container: there is no container \"scren\"; did you mean \"screen\"?");
     CHECK_EQ(RefusalWith("/events/7/film", json::object()),
-             "s.json: /events/7/film: changes nothing; it needs one of \"frame\", \"play\", \"loop\"");
+             "s.json: /events/7/film: changes nothing; it needs one of \"frame\", \"play\", \"loop\", \"speed\", "
+             "\"in\", \"out\"");
     CHECK_EQ(RefusalWith("/events/7/film/frame", -1),
              "s.json: /events/7/film/frame: must be a whole number from 0 to 9999999, not -1");
 }

@@ -29,7 +29,7 @@ inline nlohmann::json CompleteSession() {
             {"field": 6, "container": "front", "set": {"Width": 7}},
             {"field": 7, "container": "front", "button": "Clear"},
             {"field": 8, "save": "eight.png"},
-            {"field": 9, "container": "screen", "film": {"frame": 12, "play": true, "loop": false}},
+            {"field": 9, "container": "screen", "film": {"frame": 12, "play": true, "loop": false, "speed": 0.5, "in": 2, "out": 90}},
             {"field": 10, "container": "front", "undo": 2},
             {"field": 11, "container": "front", "redo": 1},
             {"field": 12, "container": "front", "removeStroke": 1},

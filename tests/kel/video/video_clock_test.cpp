@@ -58,4 +58,61 @@ TEST_CASE("A frame that is sought shows in the same field, and one beyond the vi
     CHECK_EQ(clock.FrameAt(11), 0);
 }
 
+TEST_CASE("A video plays slower and faster from the field on in which that is said") {
+    VideoClock clock(100, 1.0);
+    VideoChange half;
+    half.speed = 0.5;
+    clock.Change(half, 4);
+    CHECK_EQ(Frames(clock, 4, 8) == List{4, 4, 5, 5, 6}, true);
+    VideoChange fastest;
+    fastest.speed = 9;  // beyond what there is: 4
+    clock.Change(fastest, 8);
+    CHECK_EQ(Frames(clock, 8, 10) == List{6, 10, 14}, true);
+    CHECK_EQ(clock.Speed(), 4);
+}
+
+TEST_CASE("A video loops between its in and out points, and stays at the out point without a loop") {
+    VideoClock clock(20, 1.0);
+    VideoChange points;
+    points.frame = 5;
+    points.in = 5;
+    points.out = 7;
+    clock.Change(points, 0);
+    CHECK_EQ(Frames(clock, 0, 4) == List{5, 6, 7, 7, 7}, true);
+    CHECK_FALSE(clock.IsRunning(2));
+    clock.Change({5, std::nullopt, true}, 10);
+    CHECK_EQ(Frames(clock, 10, 17) == List{5, 6, 7, 5, 6, 7, 5, 6}, true);
+    // Sought before the in point it plays into it, and behind the out point to the end.
+    clock.Change({3, std::nullopt, std::nullopt}, 20);
+    CHECK_EQ(Frames(clock, 20, 26) == List{3, 4, 5, 6, 7, 5, 6}, true);
+    clock.Change({18, std::nullopt, false}, 30);
+    CHECK_EQ(Frames(clock, 30, 33) == List{18, 19, 19, 19}, true);
+}
+
+TEST_CASE("An in point behind the out point, or the other way round, takes the other one to the video's end") {
+    VideoClock clock(20, 1.0);
+    VideoChange points;
+    points.in = 5;
+    points.out = 7;
+    clock.Change(points, 0);
+    VideoChange in;
+    in.in = 12;
+    clock.Change(in, 1);
+    CHECK_EQ(clock.In(), 12);
+    CHECK_EQ(clock.Out(), 19);
+    VideoChange out;
+    out.out = 4;
+    clock.Change(out, 2);
+    CHECK_EQ(clock.In(), 0);
+    CHECK_EQ(clock.Out(), 4);
+}
+
+// The second frame is shown for three lengths, as a camera does that waits in the dark.
+TEST_CASE("Frames that come unevenly are each shown for their own time") {
+    VideoClock clock(std::vector<double>{0, 1, 4, 5}, 1.0);
+    CHECK_EQ(Frames(clock, 0, 7) == List{0, 1, 1, 1, 2, 3, 3, 3}, true);
+    clock.Change({1, std::nullopt, true}, 10);
+    CHECK_EQ(Frames(clock, 10, 18) == List{1, 1, 1, 2, 3, 0, 1, 1, 1}, true);
+}
+
 }  // namespace kel

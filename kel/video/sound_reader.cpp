@@ -1,0 +1,185 @@
+#include "kel/video/sound_reader.h"
+
+extern "C" {
+#include <libswresample/swresample.h>
+}
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <new>
+#include <vector>
+
+#include "cli/error.h"
+#include "kel/video/av_objects.h"
+#include "kel/video/video_file.h"
+
+namespace kel {
+namespace {
+
+struct FreeResampler {
+    void operator()(SwrContext* resampler) const { swr_free(&resampler); }
+};
+
+}  // namespace
+
+// What SoundReader is made of.
+class SoundDecoder {
+public:
+    // Throws Error for what has no sound that can be played.
+    explicit SoundDecoder(const std::filesystem::path& file);
+
+    void Seek(double seconds);
+    std::size_t Read(std::span<float> samples);
+
+private:
+    void OpenCodec();
+    void OpenResampler();
+    bool DecodeMore();
+    void Place(double seconds);
+    void Append(const AVFrame& frame);
+
+    VideoFile m_file;
+    AvCodec m_codec;
+    AvPacket m_packet;
+    AvFrame m_frame;
+    std::unique_ptr<SwrContext, FreeResampler> m_resampler;
+    std::vector<float> m_waiting;  // decoded, from m_taken on not read yet
+    std::size_t m_taken = 0;
+    double m_sought = 0;      // seconds; what is decoded before it is passed over
+    bool m_isPlaced = false;  // the first samples after a seek stand at their time
+};
+
+SoundDecoder::SoundDecoder(const std::filesystem::path& file)
+    : m_file(file, VideoFile::Stream::Sound), m_packet(NewPacket()), m_frame(NewFrame()) {
+    OpenCodec();
+}
+
+void SoundDecoder::OpenCodec() {
+    const AVCodecParameters& parameters = m_file.Codec();
+    const AVCodec* codec = avcodec_find_decoder(parameters.codec_id);
+    if (codec == nullptr) m_file.Refuse("has sound that cannot be read");
+    m_codec.reset(avcodec_alloc_context3(codec));
+    if (!m_codec) throw std::bad_alloc();
+    m_codec->pkt_timebase = m_file.TimeBase();
+    int result = avcodec_parameters_to_context(m_codec.get(), &parameters);
+    if (result >= 0) result = avcodec_open2(m_codec.get(), codec, nullptr);
+    if (result < 0) m_file.Refuse("has sound that cannot be decoded: " + AvReason(result));
+}
+
+void SoundDecoder::OpenResampler() {
+    AVChannelLayout stereo = AV_CHANNEL_LAYOUT_STEREO;
+    SwrContext* resampler = nullptr;
+    const auto format = static_cast<AVSampleFormat>(m_frame->format);
+    const int result = swr_alloc_set_opts2(&resampler, &stereo, AV_SAMPLE_FMT_FLT, SoundReader::samplesPerSecond,
+                                           &m_frame->ch_layout, format, m_frame->sample_rate, 0, nullptr);
+    m_resampler.reset(resampler);
+    if (result < 0 || swr_init(m_resampler.get()) < 0) m_file.Refuse("has sound that cannot be played");
+}
+
+void SoundDecoder::Seek(double seconds) {
+    m_waiting.clear();
+    m_taken = 0;
+    m_sought = std::max(seconds, 0.0);
+    m_isPlaced = false;
+    m_resampler.reset();
+    avcodec_flush_buffers(m_codec.get());
+    const double start = m_file.PicturesBegin();
+    if (!m_file.Seek(static_cast<std::int64_t>(std::floor((m_sought + start) / m_file.SecondsPerUnit()))))
+        m_file.Rewind();
+}
+
+// The first samples after a seek lie before the time sought, which cuts them, or after it, which puts silence there.
+void SoundDecoder::Place(double seconds) {
+    constexpr double longestSilence = 3600;  // seconds
+    const double ahead = std::clamp(seconds - m_sought, 0.0, longestSilence);
+    m_waiting.assign(SoundReader::channels * static_cast<std::size_t>(ahead * SoundReader::samplesPerSecond), 0.0F);
+    m_isPlaced = true;
+}
+
+void SoundDecoder::Append(const AVFrame& frame) {
+    const int most = swr_get_out_samples(m_resampler.get(), frame.nb_samples);
+    if (most <= 0) return;
+    const std::size_t before = m_waiting.size();
+    m_waiting.resize(before + SoundReader::channels * static_cast<std::size_t>(most));
+    auto* out = reinterpret_cast<std::uint8_t*>(m_waiting.data() + before);
+    const int count = swr_convert(m_resampler.get(), &out, most, const_cast<const std::uint8_t**>(frame.extended_data),
+                                  frame.nb_samples);
+    m_waiting.resize(before + SoundReader::channels * static_cast<std::size_t>(std::max(count, 0)));
+}
+
+// False: the sound is over.
+bool SoundDecoder::DecodeMore() {
+    for (;;) {
+        const int result = avcodec_receive_frame(m_codec.get(), m_frame.get());
+        if (result == AVERROR_EOF) return false;
+        if (result < 0) {
+            const bool isThere = m_file.Read(*m_packet);
+            avcodec_send_packet(m_codec.get(), isThere ? m_packet.get() : nullptr);
+            continue;
+        }
+        const double start = m_frame->best_effort_timestamp == AV_NOPTS_VALUE
+                                 ? m_sought
+                                 : static_cast<double>(m_frame->best_effort_timestamp) * m_file.SecondsPerUnit() -
+                                       m_file.PicturesBegin();
+        const double end = start + static_cast<double>(m_frame->nb_samples) / std::max(m_frame->sample_rate, 1);
+        if (!m_isPlaced && end <= m_sought) continue;
+        if (!m_resampler) OpenResampler();
+        const bool isFirst = !m_isPlaced;
+        if (isFirst) Place(start);
+        Append(*m_frame);
+        if (isFirst && start < m_sought) {
+            const auto cut = static_cast<std::size_t>((m_sought - start) * SoundReader::samplesPerSecond);
+            m_taken = std::min(SoundReader::channels * cut, m_waiting.size());
+        }
+        return true;
+    }
+}
+
+std::size_t SoundDecoder::Read(std::span<float> samples) {
+    std::size_t done = 0;
+    while (done < samples.size()) {
+        if (m_taken == m_waiting.size()) {
+            m_waiting.clear();
+            m_taken = 0;
+            if (!DecodeMore()) break;
+            continue;
+        }
+        const std::size_t count = std::min(samples.size() - done, m_waiting.size() - m_taken);
+        std::copy_n(m_waiting.begin() + static_cast<std::ptrdiff_t>(m_taken), count,
+                    samples.begin() + static_cast<std::ptrdiff_t>(done));
+        m_taken += count;
+        done += count;
+    }
+    return done / SoundReader::channels;
+}
+
+std::unique_ptr<SoundReader> SoundReader::Open(const std::filesystem::path& file) {
+    try {
+        return std::make_unique<SoundReader>(std::make_unique<SoundDecoder>(file));
+    } catch (const cli::Error&) {
+        return nullptr;
+    }
+}
+
+SoundReader::SoundReader(std::unique_ptr<SoundDecoder> decoder) : m_decoder(std::move(decoder)) {}
+SoundReader::~SoundReader() = default;
+
+// A file that breaks off has no more sound from there on.
+void SoundReader::Seek(double seconds) {
+    try {
+        m_decoder->Seek(seconds);
+    } catch (const cli::Error&) {
+        return;
+    }
+}
+
+std::size_t SoundReader::Read(std::span<float> samples) {
+    try {
+        return m_decoder->Read(samples);
+    } catch (const cli::Error&) {
+        return 0;
+    }
+}
+
+}  // namespace kel
