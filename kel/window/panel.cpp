@@ -14,7 +14,7 @@ namespace {
 void Tip(const std::string& text, const std::string& chord = {}) {
     if ((text.empty() && chord.empty()) || !ImGui::IsItemHovered(ImGuiHoveredFlags_AllowWhenDisabled)) return;
     ImGui::BeginTooltip();
-    ImGui::PushTextWrapPos(320);
+    ImGui::PushTextWrapPos(320 * PanelScale());
     if (!text.empty()) ImGui::TextUnformatted(text.c_str());
     if (!chord.empty()) ImGui::TextDisabled("Key: %s", chord.c_str());
     ImGui::PopTextWrapPos();
@@ -37,7 +37,7 @@ void ShowButtons(Workspace& workspace, const FittedKeys& keys) {
         else
             ImGui::SameLine();
         ImGui::PushID(static_cast<int>(i));
-        if (ImGui::Button(buttons[i].label.c_str(), {width, 38})) workspace.Push(buttons[i].name);
+        if (ImGui::Button(buttons[i].label.c_str(), {width, 38 * PanelScale()})) workspace.Push(buttons[i].name);
         Tip({}, keys.ChordOfButton(buttons[i].name));
         ImGui::PopID();
     }
@@ -48,8 +48,7 @@ ImVec4 ColourOf(const ColourBytes& colour) {
 }
 
 // The colours that keys set, as buttons.
-void ShowSwatches(Workspace& workspace, const FittedKeys& keys, std::size_t parameter) {
-    constexpr std::size_t perRow = 8;
+void ShowSwatches(Workspace& workspace, const FittedKeys& keys, std::size_t parameter, std::size_t perRow) {
     std::size_t shown = 0;
     const float side = ShareOfWidth(perRow);
     for (const FittedKeys::Key& key : keys.keys) {
@@ -122,7 +121,7 @@ void Panel::ShowParameters(Workspace& workspace, const FittedKeys& keys) {
             ImGui::PushID(static_cast<int>(control.parameter));
             ImGui::BeginGroup();
             if (registration.parameters[control.parameter].kind == ParameterKind::Colour)
-                ShowSwatches(workspace, keys, control.parameter);
+                ShowSwatches(workspace, keys, control.parameter, 8);
             m_controls.Show(workspace, control.parameter);
             ImGui::EndGroup();
             Tip(control.tip);
@@ -131,14 +130,44 @@ void Panel::ShowParameters(Workspace& workspace, const FittedKeys& keys) {
     }
 }
 
-std::vector<WorkspaceAction> Panel::Show(Workspace& workspace, const FittedKeys& keys, WindowSize window) {
+std::vector<WorkspaceAction> Panel::Show(Workspace& workspace, const FittedKeys& keys, WindowSize window,
+                                         bool isFolded) {
     std::vector<WorkspaceAction> asked;
-    ImGui::SetNextWindowPos({static_cast<float>(window.width - panelWidth), 0});
-    ImGui::SetNextWindowSize({panelWidth, static_cast<float>(window.height - statusHeight)});
+    const int width = isFolded ? StripWidth() : PanelWidth();
+    ImGui::SetNextWindowPos({static_cast<float>(window.width - width), 0});
+    ImGui::SetNextWindowSize({static_cast<float>(width), static_cast<float>(window.height - StatusHeight())});
     constexpr auto flags = ImGuiWindowFlags_NoTitleBar | ImGuiWindowFlags_NoResize | ImGuiWindowFlags_NoMove |
                            ImGuiWindowFlags_NoCollapse | ImGuiWindowFlags_NoNav |
                            ImGuiWindowFlags_NoBringToFrontOnFocus;
+    if (isFolded) ImGui::PushStyleVar(ImGuiStyleVar_WindowPadding, {8 * PanelScale(), 8 * PanelScale()});
     ImGui::Begin("panel", nullptr, flags);
+    if (isFolded)
+        ShowStrip(workspace, keys, asked);
+    else
+        ShowWhole(workspace, keys, asked);
+    ImGui::End();
+    if (isFolded) ImGui::PopStyleVar();
+    return asked;
+}
+
+// What is needed at every stroke: colours, the module's buttons by their first letters, the video, and the way back.
+void Panel::ShowStrip(Workspace& workspace, const FittedKeys& keys, std::vector<WorkspaceAction>& asked) {
+    ShowWorkspaceButton("<<", -1, WorkspaceAction::FoldPanel, keys, asked);
+    if (workspace.Video() != nullptr) ShowWorkspaceButton("Play", -1, WorkspaceAction::Pause, keys, asked);
+    if (workspace.Chosen() == nullptr) return;
+    const Registration& registration = *workspace.Chosen()->registration;
+    for (const Button& button : registration.buttons) {
+        ImGui::PushID(button.name.c_str());
+        if (ImGui::Button(button.label.substr(0, 4).c_str(), {-1, 0})) workspace.Push(button.name);
+        Tip(button.label, keys.ChordOfButton(button.name));
+        ImGui::PopID();
+    }
+    for (std::size_t i = 0; i < registration.parameters.size(); ++i)
+        if (registration.parameters[i].kind == ParameterKind::Colour && workspace.IsShown(i))
+            ShowSwatches(workspace, keys, i, 1);
+}
+
+void Panel::ShowWhole(Workspace& workspace, const FittedKeys& keys, std::vector<WorkspaceAction>& asked) {
     ShowPlugIns(workspace);
     ShowVideoPanel(workspace, keys, asked);
     if (workspace.Chosen() != nullptr) {
@@ -152,8 +181,6 @@ std::vector<WorkspaceAction> Panel::Show(Workspace& workspace, const FittedKeys&
     }
     ImGui::Separator();
     ShowWorkspaceButtons(keys, asked);
-    ImGui::End();
-    return asked;
 }
 
 }  // namespace kel

@@ -14,12 +14,15 @@ namespace kel {
 class Panel {
 public:
     // Shows all of it and does to the workspace what the operator does. Returns what the workspace itself is asked for.
-    std::vector<WorkspaceAction> Show(Workspace& workspace, const FittedKeys& keys, WindowSize window);
+    // isFolded: a narrow strip with what is needed at every stroke
+    std::vector<WorkspaceAction> Show(Workspace& workspace, const FittedKeys& keys, WindowSize window, bool isFolded);
 
     // Why a value was not taken, once.
     [[nodiscard]] std::optional<std::string> TakeRefusal() { return m_controls.TakeRefusal(); }
 
 private:
+    void ShowWhole(Workspace& workspace, const FittedKeys& keys, std::vector<WorkspaceAction>& asked);
+    static void ShowStrip(Workspace& workspace, const FittedKeys& keys, std::vector<WorkspaceAction>& asked);
     void ShowPlugIns(Workspace& workspace);
     void ShowParameters(Workspace& workspace, const FittedKeys& keys);
 

@@ -3,6 +3,7 @@
 #include <imgui.h>
 
 #include <array>
+#include <cmath>
 #include <filesystem>
 
 namespace kel {
@@ -49,6 +50,13 @@ constexpr std::array colours{
     ColourRow{ImGuiCol_ScrollbarGrabHovered, lit},
 };
 
+float& Scale() {
+    static float scale = 1;
+    return scale;
+}
+
+int Scaled(float pixels) { return static_cast<int>(std::lround(pixels * Scale())); }
+
 // Where desktops have a plain, readable font; without one ImGui's own is taken.
 void LoadFont() {
     constexpr std::array files{"/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf", "/usr/share/fonts/TTF/DejaVuSans.ttf",
@@ -57,14 +65,21 @@ void LoadFont() {
     std::error_code failure;
     for (const char* file : files)
         if (std::filesystem::exists(file, failure) &&
-            ImGui::GetIO().Fonts->AddFontFromFileTTF(file, fontSize) != nullptr)
+            ImGui::GetIO().Fonts->AddFontFromFileTTF(file, fontSize * Scale()) != nullptr)
             return;
     ImGui::GetIO().Fonts->AddFontDefault();
+    ImGui::GetIO().FontGlobalScale = Scale();
 }
 
 }  // namespace
 
-void StylePanel() {
+float PanelScale() { return Scale(); }
+int PanelWidth() { return Scaled(360); }
+int StripWidth() { return Scaled(64); }
+int StatusHeight() { return Scaled(32); }
+
+void StylePanel(float scale) {
+    Scale() = scale;
     ImGui::StyleColorsDark();
     ImGuiStyle& style = ImGui::GetStyle();
     for (const ColourRow& row : colours) style.Colors[row.what] = ImGui::ColorConvertU32ToFloat4(row.colour);
@@ -79,6 +94,7 @@ void StylePanel() {
     style.GrabMinSize = 12;
     style.PopupRounding = 6;
     style.ScrollbarSize = 10;
+    style.ScaleAllSizes(scale);
     LoadFont();
 }
 

@@ -15,6 +15,7 @@
 
 #include "cli/error.h"
 #include "kel/scene/scene_changes.h"
+#include "kel/window/display_scale.h"
 #include "kel/window/panel_style.h"
 #include "kel/window/part_presenter.h"
 
@@ -73,7 +74,7 @@ public:
         SDL_GL_SetSwapInterval(0);  // fields have their own time
         ImGui::CreateContext();
         ImGui::GetIO().IniFilename = nullptr;
-        StylePanel();
+        StylePanel(DisplayScale(window));
         ImGui_ImplSDL2_InitForOpenGL(window, m_context);
         ImGui_ImplOpenGL2_Init();
     }

@@ -3,6 +3,7 @@
 #include <imgui.h>
 
 #include "kel/window/panel_style.h"
+#include "kel/workspace/brush_look.h"
 
 namespace kel {
 namespace {
@@ -46,6 +47,17 @@ void ShowFigures(const Host& host, const StatusLine::Figures& figures, StatusLin
     ShowLatePictures(figures.pacer, now);
 }
 
+void ShowRecognition(const Workspace& workspace) {
+    const auto isOn = RecognisesShapes(workspace);
+    if (!isOn) return;
+    ImGui::SameLine(0, 24);
+    if (*isOn)
+        ImGui::TextUnformatted("recognition on");
+    else
+        ImGui::TextDisabled("recognition off");
+    if (ImGui::IsItemHovered()) ImGui::SetTooltip("Finished strokes become clean shapes after a moment.");
+}
+
 }  // namespace
 
 void StatusLine::Tell(const std::string& news, Clock::time_point now) {
@@ -54,14 +66,15 @@ void StatusLine::Tell(const std::string& news, Clock::time_point now) {
 }
 
 void StatusLine::Show(Workspace& workspace, const Figures& figures, WindowSize window, Clock::time_point now) {
-    ImGui::SetNextWindowPos({0, static_cast<float>(window.height - statusHeight)});
-    ImGui::SetNextWindowSize({static_cast<float>(window.width), statusHeight});
-    ImGui::PushStyleVar(ImGuiStyleVar_WindowPadding, {14, 7});
+    ImGui::SetNextWindowPos({0, static_cast<float>(window.height - StatusHeight())});
+    ImGui::SetNextWindowSize({static_cast<float>(window.width), static_cast<float>(StatusHeight())});
+    ImGui::PushStyleVar(ImGuiStyleVar_WindowPadding, {14 * PanelScale(), 7 * PanelScale()});
     ImGui::PushStyleColor(ImGuiCol_WindowBg, ImGui::GetStyleColorVec4(ImGuiCol_FrameBg));
     ImGui::Begin("status", nullptr, plainWindow);
     ShowFigures(workspace.TheHost(), figures, now);
+    ShowRecognition(workspace);
     const std::string file = workspace.File().filename().string();
-    const float recordingWidth = workspace.IsRecording() ? 60 : 0;
+    const float recordingWidth = workspace.IsRecording() ? 60 * PanelScale() : 0;
     ImGui::SameLine(static_cast<float>(window.width) - ImGui::CalcTextSize(file.c_str()).x - 14 - recordingWidth);
     if (workspace.IsRecording()) {
         ImGui::TextColored(recordingRed, "REC");
@@ -76,11 +89,11 @@ void StatusLine::Show(Workspace& workspace, const Figures& figures, WindowSize w
 void StatusLine::ShowNews(WindowSize window, Clock::time_point now) {
     while (!m_news.empty() && m_news.front().until < now) m_news.pop_front();
     if (m_news.empty()) return;
-    ImGui::SetNextWindowPos({16, static_cast<float>(window.height - statusHeight - 12)}, ImGuiCond_Always, {0, 1});
+    ImGui::SetNextWindowPos({16, static_cast<float>(window.height - StatusHeight() - 12)}, ImGuiCond_Always, {0, 1});
     ImGui::SetNextWindowBgAlpha(0.85F);
     ImGui::PushStyleVar(ImGuiStyleVar_WindowRounding, 8);
     ImGui::Begin("news", nullptr, plainWindow | ImGuiWindowFlags_AlwaysAutoResize | ImGuiWindowFlags_NoInputs);
-    ImGui::PushTextWrapPos(static_cast<float>(window.width - panelWidth - 60));
+    ImGui::PushTextWrapPos(static_cast<float>(window.width - PanelWidth() - 60));
     for (const News& news : m_news) ImGui::TextUnformatted(news.text.c_str());
     ImGui::PopTextWrapPos();
     ImGui::End();

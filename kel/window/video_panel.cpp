@@ -2,8 +2,12 @@
 
 #include <imgui.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
+#include <utility>
+
+#include "kel/window/panel_style.h"
 
 namespace kel {
 namespace {
@@ -32,10 +36,43 @@ void ShowTransport(const VideoClock& clock, bool isRunning, const FittedKeys& ke
         const bool isWide = row.action == WorkspaceAction::Pause || row.action == WorkspaceAction::Loop;
         const bool isLit = row.action == WorkspaceAction::Loop && clock.Loops();
         if (isLit) ImGui::PushStyleColor(ImGuiCol_Text, ImGui::GetStyleColorVec4(ImGuiCol_CheckMark));
-        if (ImGui::Button(row.label, {isWide ? unit * 2 : unit, 34})) asked.push_back(row.action);
+        if (ImGui::Button(row.label, {isWide ? unit * 2 : unit, 34 * PanelScale()})) asked.push_back(row.action);
         if (isLit) ImGui::PopStyleColor();
         if (ImGui::IsItemHovered()) ImGui::SetTooltip("Key: %s", keys.ChordOf(row.action).c_str());
     }
+}
+
+// The speed as a list, and the points between which it plays.
+void ShowSpeed(Workspace& workspace, const VideoClock& clock, const FittedKeys& keys,
+               std::vector<WorkspaceAction>& asked) {
+    struct Row {
+        const char* label;
+        double speed;
+    };
+    constexpr std::array rows{Row{"1/8 x", 0.125}, Row{"1/4 x", 0.25}, Row{"1/2 x", 0.5},
+                              Row{"1 x", 1},       Row{"2 x", 2},      Row{"4 x", 4}};
+    const float unit = (ImGui::GetContentRegionAvail().x - 3 * ImGui::GetStyle().ItemSpacing.x) / 4;
+    const auto chosen = std::ranges::find(rows, clock.Speed(), &Row::speed);
+    ImGui::SetNextItemWidth(unit);
+    if (ImGui::BeginCombo("##speed", chosen == rows.end() ? "" : chosen->label)) {
+        for (const Row& row : rows)
+            if (ImGui::Selectable(row.label, row.speed == clock.Speed())) {
+                VideoChange change;
+                change.speed = row.speed;
+                workspace.ChangeVideo(change);
+            }
+        ImGui::EndCombo();
+    }
+    for (const auto& [label, action] :
+         {std::pair("From", WorkspaceAction::MarkIn), std::pair("To", WorkspaceAction::MarkOut),
+          std::pair("All", WorkspaceAction::NoMarks)}) {
+        ImGui::SameLine();
+        if (ImGui::Button(label, {unit, 0})) asked.push_back(action);
+        if (ImGui::IsItemHovered()) ImGui::SetTooltip("Key: %s", keys.ChordOf(action).c_str());
+    }
+    if (clock.In() > 0 || clock.Out() < clock.Frames() - 1)
+        ImGui::TextDisabled("plays frames %lld to %lld", static_cast<long long>(clock.In()),
+                            static_cast<long long>(clock.Out()));
 }
 
 }  // namespace
@@ -52,6 +89,7 @@ void ShowVideoPanel(Workspace& workspace, const FittedKeys& keys, std::vector<Wo
     if (ImGui::SliderScalar("##frame", ImGuiDataType_S64, &frame, &first, &last, "frame %lld",
                             ImGuiSliderFlags_NoInput))
         workspace.ChangeVideo({frame, std::nullopt, std::nullopt});
+    ShowSpeed(workspace, clock, keys, asked);
     const double seconds = static_cast<double>(frame) / video->FramesPerSecond();
     const double length = static_cast<double>(clock.Frames()) / video->FramesPerSecond();
     ImGui::TextDisabled("%s of %s", TimeText(seconds).c_str(), TimeText(length).c_str());

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "kel/scene/gl.h"
+#include "kel/scene/scene_changes.h"
 
 namespace kel {
 namespace {
@@ -69,6 +71,7 @@ void WindowPainter::Place(const PictureArea& picture) {
 void WindowPainter::Paint(const Host& host, const FrameArea& part) {
     const FrameArea picture = PictureInWindow();
     host.ShowFramePart(picture, Intersection(part, picture));
+    m_tail.Draw(m_picture, host.Window(), m_window.Size(), Intersection(part, picture));
     glDisable(GL_DEPTH_TEST);
     glDisable(GL_ALPHA_TEST);
     if (!Contains(picture, part)) {
@@ -120,8 +123,11 @@ void WindowPainter::Show(const Host& host, const FrameArea& part) {
 }
 
 void WindowPainter::ShowPicture(const Host& host, const FrameArea& changed) {
-    if (ShowsAllInstead(host) || changed.IsEmpty()) return;
-    Show(host, ShownPart(changed, host.Window(), PictureInWindow()));
+    const FrameArea tail = Intersection(m_tail.Area(m_picture, host.Window(), m_window.Size()), PictureInWindow());
+    const FrameArea tails = Union(std::exchange(m_tailShown, tail), tail);
+    if (ShowsAllInstead(host) || (changed.IsEmpty() && tails.IsEmpty())) return;
+    const FrameArea part = changed.IsEmpty() ? FrameArea() : ShownPart(changed, host.Window(), PictureInWindow());
+    Show(host, Union(part, tails));
 }
 
 void WindowPainter::ShowPanel(const Host& host) {

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "kel/scene/host.h"
+#include "kel/window/ink_tail.h"
 #include "kel/window/sdl_window.h"
 #include "kel/workspace/picture_area.h"
 
@@ -19,6 +20,9 @@ public:
     // Where the picture stands; all is shown anew by the next call when that is elsewhere than before.
     void Place(const PictureArea& picture);
     [[nodiscard]] const PictureArea& Picture() const { return m_picture; }
+
+    // What is drawn over the picture, and never into it; the next ShowPicture shows what becomes of it.
+    [[nodiscard]] InkTail& Tail() { return m_tail; }
 
     // All is shown by the next call.
     void ShowAnew() { m_isStale = true; }
@@ -38,6 +42,8 @@ private:
 
     SdlWindow& m_window;
     PictureArea m_picture;
+    InkTail m_tail;
+    FrameArea m_tailShown;           // what of the window it covers
     std::vector<PanelPage> m_pages;  // as shown last
     WindowSize m_swapped;            // the window's size when its buffers were exchanged last
     bool m_isStale = true;           // all is to be shown anew

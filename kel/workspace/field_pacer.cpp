@@ -37,6 +37,7 @@ int FieldPacer::Due(Clock::time_point now) {
         m_lastMiss = now;
     }
     const int run = due > mostAtOnce ? mostAtOnce : static_cast<int>(due);
+    m_givenUp += due - run;
     m_rate.Add(now, run);
     return run;
 }

@@ -37,6 +37,8 @@ public:
     [[nodiscard]] Clock::time_point Next() const { return m_next; }
     [[nodiscard]] int Rate(Clock::time_point now) const { return m_rate.Of(now); }  // fields in the last whole second
     [[nodiscard]] std::int64_t Missed() const { return m_missed; }
+    // Fields beyond mostAtOnce, so far.
+    [[nodiscard]] std::int64_t GivenUp() const { return m_givenUp; }
     // True for some seconds after a field was missed.
     [[nodiscard]] bool HasMissedLately(Clock::time_point now) const;
 
@@ -45,6 +47,7 @@ private:
     Clock::time_point m_next;
     SecondRate m_rate;
     std::int64_t m_missed = 0;
+    std::int64_t m_givenUp = 0;
     Clock::time_point m_lastMiss;
 };
 

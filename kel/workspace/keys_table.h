@@ -31,11 +31,24 @@ enum class WorkspaceAction {
     Close,
     Quit,
     Undo,
-    Redo
+    Redo,
+    Jump,
+    JumpBack,
+    Slower,
+    Faster,
+    MarkIn,
+    MarkOut,
+    NoMarks,
+    Sound,
+    Open,
+    Spotlight,
+    WholePicture,
+    FoldPanel
 };
-inline constexpr std::array<std::string_view, 14> workspaceActionNames{
-    "pause",       "step",  "step back", "start", "loop", "save picture", "save overlay",
-    "full screen", "panel", "help",      "close", "quit", "undo",         "redo"};
+inline constexpr auto workspaceActionNames = std::to_array<std::string_view>(
+    {"pause",   "step",     "step back", "start", "loop", "save picture", "save overlay",  "full screen", "panel",
+     "help",    "close",    "quit",      "undo",  "redo", "jump",         "jump back",     "slower",      "faster",
+     "mark in", "mark out", "no marks",  "sound", "open", "spotlight",    "whole picture", "fold panel"});
 
 // The names and values here are the file's; FitKeys holds them against a module.
 struct ButtonKey {

@@ -118,6 +118,9 @@ void Recording::AddVideo(std::int64_t field, std::size_t container, const VideoC
     if (change.frame) video["frame"] = *change.frame;
     if (change.play) video["play"] = *change.play;
     if (change.loop) video["loop"] = *change.loop;
+    if (change.speed) video["speed"] = *change.speed;
+    if (change.in) video["in"] = *change.in;
+    if (change.out) video["out"] = *change.out;
     AddLine(Dump({{"field", field}, {"container", m_names[container]}, {"film", video}}));
 }
 

@@ -6,6 +6,7 @@
 #include "cli/error.h"
 #include "kel/session/session_memory.h"
 #include "kel/workspace/panel_model.h"
+#include "kel/workspace/video_keys.h"
 
 namespace kel {
 namespace {
@@ -28,6 +29,7 @@ Workspace::Workspace(const std::filesystem::path& file, const WorkspaceOptions& 
     SessionPermissions permissions = options.permissions;
     permissions.files.push_back(file);
     m_player = std::make_unique<Player>(session, *m_host, options.module, std::move(permissions));
+    m_player->SetVideoConversion(options.videoConversion);
     m_firstOwnField = HasEvents(session) ? session.fields : 0;
     for (std::size_t i = 0; i < session.containers.size(); ++i) {
         const Player::Container& container = m_player->Containers()[i];
@@ -168,6 +170,11 @@ const VideoShow* Workspace::Video() const {
     return container == nullptr ? nullptr : container->video.get();
 }
 
+std::filesystem::path Workspace::VideoFile() const {
+    const auto index = static_cast<std::size_t>(VideoContainer() - m_player->Containers().data());
+    return m_scene.session.Resolve(m_scene.session.containers[index].video);
+}
+
 std::int64_t Workspace::VideoFrame() const { return Video()->Clock().FrameAt(NextField()); }
 
 void Workspace::ChangeVideo(const VideoChange& change) {
@@ -179,24 +186,15 @@ void Workspace::ChangeVideo(const VideoChange& change) {
 }
 
 void Workspace::DoVideo(WorkspaceAction action) {
-    const VideoShow* video = Video();
-    if (video == nullptr) return;
-    const VideoClock& clock = video->Clock();
-    const std::int64_t frame = VideoFrame();
-    const std::int64_t last = clock.Frames() - 1;
-    const bool isRunning = clock.IsRunning(NextField());
-    if (action == WorkspaceAction::Pause && isRunning)
-        ChangeVideo({frame, false, std::nullopt});
-    else if (action == WorkspaceAction::Pause)
-        ChangeVideo({frame == last ? 0 : frame, true, std::nullopt});
-    else if (action == WorkspaceAction::Step)
-        ChangeVideo({std::min(frame + 1, last), false, std::nullopt});
-    else if (action == WorkspaceAction::StepBack)
-        ChangeVideo({std::max<std::int64_t>(frame - 1, 0), false, std::nullopt});
-    else if (action == WorkspaceAction::Start)
-        ChangeVideo({0, std::nullopt, std::nullopt});
-    else if (action == WorkspaceAction::Loop)
-        ChangeVideo({std::nullopt, std::nullopt, !clock.Loops()});
+    if (const VideoShow* video = Video())
+        if (const auto change = ChangeFor(action, {video->Clock(), video->FramesPerSecond(), NextField()}))
+            ChangeVideo(*change);
+}
+
+void Workspace::SkipVideo(std::int64_t fields) {
+    if (Video() == nullptr || fields <= 0) return;
+    const VideoClock& clock = Video()->Clock();
+    if (clock.IsRunning(NextField())) ChangeVideo({clock.FrameAt(NextField() + fields), std::nullopt, std::nullopt});
 }
 
 void Workspace::Deliver(const PendingChange& change) {
@@ -283,7 +281,14 @@ void Workspace::RunFields(int fields) {
 
 std::string Workspace::SaveName(const char* ending) const { return m_file.stem().string() + ending; }
 
-void Workspace::SavePicture() { m_saver.Save(m_host->ReadFrame(), SaveName("-picture")); }
+void Workspace::SavePicture() {
+    try {
+        m_player->ShowVideosExactly();
+    } catch (const cli::Error& error) {
+        m_news.emplace_back(error.what());
+    }
+    m_saver.Save(m_host->ReadFrame(), SaveName("-picture"));
+}
 
 void Workspace::SaveOverlay() {
     try {

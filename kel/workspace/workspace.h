@@ -25,6 +25,8 @@ struct WorkspaceOptions {
     SessionPermissions permissions;   // of the sessions opened; the file that is opened may be read wherever it is
     std::filesystem::path recording;  // empty: none
     std::filesystem::path saves = ".";
+    // Of what is shown; what is saved is exact in any case.
+    VideoConversion videoConversion = VideoConversion::Exact;
 };
 
 // The operator's workspace without its display: a picture, a video or a session with its plug-ins, what the hand and
@@ -58,6 +60,7 @@ public:
     [[nodiscard]] Host& TheHost() { return *m_host; }
     [[nodiscard]] const std::filesystem::path& File() const { return m_file; }
     [[nodiscard]] double FieldsPerSecond() const { return m_scene.session.fieldsPerSecond; }
+    [[nodiscard]] const Session& Scene() const { return m_scene.session; }
     [[nodiscard]] std::int64_t NextField() const { return m_player->NextField(); }
 
     // True while the session's own events are played; nothing of the operator counts. Progress runs from 0 to 1.
@@ -83,10 +86,13 @@ public:
 
     // The scene's first video; null: there is none.
     [[nodiscard]] const VideoShow* Video() const;
-    [[nodiscard]] std::int64_t VideoFrame() const;  // that the next field shows
+    [[nodiscard]] std::filesystem::path VideoFile() const;  // Video
+    [[nodiscard]] std::int64_t VideoFrame() const;          // that the next field shows
     void ChangeVideo(const VideoChange& change);
-    // Pause, Step, StepBack, Start and Loop; without a video nothing happens.
+    // Those that change the video; without one nothing happens.
     void DoVideo(WorkspaceAction action);
+    // So many fields were given up since the last one that was run: the video goes on where it would be by now.
+    void SkipVideo(std::int64_t fields);
 
     // Runs as many fields at once, at least 1; the host's picture is of the last one.
     void RunFields(int fields);

@@ -31,6 +31,9 @@ struct WindowLine {
     bool overwrites = false;
     std::string saves = ".";
     std::string steps = "motion";
+    std::string tail = "on";
+    bool hasCleanOutput = false;
+    std::string cleanDisplay;
     TimelineChoice timeline = TimelineChoice::Usual;
     OutputOptions outputs;
 };
@@ -80,6 +83,15 @@ bool FollowsVideoOf(const std::filesystem::path& file, TimelineChoice choice) {
     return isVideo && choice != TimelineChoice::Session;
 }
 
+// The first one of a session, or the one that is opened.
+std::filesystem::path VideoOf(const std::filesystem::path& file) {
+    if (!IsSessionFile(file)) return file;
+    const Session session = ReadSession(file);
+    for (const SessionContainer& container : session.containers)
+        if (!container.video.empty()) return session.Resolve(container.video);
+    return {};
+}
+
 std::string NamesOf(const OutputOptions& outputs) {
     std::vector<std::string> names;
     for (const std::string& name :
@@ -127,6 +139,9 @@ void Window(const WindowLine& line) {
     options.workspace.module = line.access.DefaultModule();
     options.workspace.permissions = line.access.Permissions();
     options.hasSteps = line.steps == "motion";
+    options.hasTail = line.tail == "on";
+    options.hasCleanOutput = line.hasCleanOutput;
+    if (!line.cleanDisplay.empty()) options.cleanDisplay = std::stoi(line.cleanDisplay);
     options.workspace.recording = line.recording;
     options.workspace.saves = line.saves;
     if (!outputs.WantAnything()) {
@@ -137,6 +152,7 @@ void Window(const WindowLine& line) {
     options.followsVideo = FollowsVideoOf(options.file, line.timeline);
     std::optional<ScratchFolder> scratch;
     if (line.recording.empty()) options.workspace.recording = scratch.emplace().Path() / "recording.json";
+    if (options.followsVideo) outputs.video = VideoOf(options.file);
     LiveOutputs live(outputs);
     options.live = &live;
     RunWorkspaceWindow(options);
@@ -167,10 +183,20 @@ void AddWindowCommand(CLI::App& program) {
     command
         ->add_option("--steps", line->steps, "With motion (default) the pen draws as it moves, with field once a field")
         ->check(CLI::IsMember({"motion", "field"}));
+    command
+        ->add_option("--tail", line->tail, "With on (default) the window shows the pen's way up to the pointer at once")
+        ->check(CLI::IsMember({"on", "off"}));
+    CLI::Option* clean =
+        command->add_option("--clean-output", line->cleanDisplay,
+                            "A second window with the picture alone, filling this display (1, 2, ...)");
+    clean->expected(0, 1)->type_name("[DISPLAY]")->check(CLI::Range(1, 99));
     AddTimelineOption(*command, line->timeline);
     AddOutputOptions(*command, line->outputs);
     command->footer("The outputs are there when the window has been closed.");
-    command->callback([line] { Window(*line); });
+    command->callback([line, clean] {
+        line->hasCleanOutput = clean->count() > 0;
+        Window(*line);
+    });
 }
 
 }  // namespace kel

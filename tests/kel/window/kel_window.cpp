@@ -44,6 +44,8 @@ void KelWindow::Start(const std::vector<std::string>& arguments) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);  // however the test ends, nothing of it runs on
     setenv("DISPLAY", display.Name().c_str(), 1);
     setenv("SDL_VIDEODRIVER", "x11", 1);
+    setenv("SDL_AUDIODRIVER", "dummy", 0);
+    setenv("XDG_STATE_HOME", (home + "/state").c_str(), 1);
     // The desktop's libraries unload their drivers before the end, which leaves leaks without a name to know them by;
     // the workspace's own memory is watched in its tests without a window.
     setenv("ASAN_OPTIONS", "detect_leaks=0", 1);

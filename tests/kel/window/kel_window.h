@@ -21,7 +21,7 @@ class KelWindow {
 public:
     // Starts it once the folder has been filled.
     void Start(const std::vector<std::string>& arguments);
-    KelWindow() = default;
+    explicit KelWindow(ScreenSize screen = {}) : display(screen) {}
     ~KelWindow();
     KelWindow(const KelWindow&) = delete;
     KelWindow& operator=(const KelWindow&) = delete;

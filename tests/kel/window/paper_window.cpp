@@ -38,6 +38,7 @@ PaperWindow::PaperWindow(const std::vector<std::string>& more) {
         const bool isInTheMiddle = place && place->x == (screen.width - place->width) / 2 && area.x == place->x;
         return isInTheMiddle && area.width == scene["width"] && area.height == scene["height"];
     });
+    SetByKey("r", "RecoShapes");  // strokes stay as they are drawn
 }
 
 void PaperWindow::MoveOnPaper(double x, double y) {

@@ -1,6 +1,7 @@
 #include "tests/kel/window/virtual_display.h"
 
 #include <X11/XKBlib.h>
+#include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>
@@ -15,6 +16,7 @@
 #include <array>
 #include <cstdlib>
 #include <stdexcept>
+#include <vector>
 
 namespace kel::testing {
 namespace {
@@ -61,6 +63,12 @@ VirtualDisplay::VirtualDisplay(ScreenSize size) {
     XSetErrorHandler([](Display*, XErrorEvent*) { return 0; });
     m_display = XOpenDisplay(m_name.c_str());
     if (m_display == nullptr) throw std::runtime_error("no connection to " + m_name);
+    // As desktops tell all programs how large texts are to be.
+    const std::string resources = "Xft.dpi:\t" + std::to_string(size.perInch) + "\n";
+    const std::vector<unsigned char> bytes(resources.begin(), resources.end());
+    XChangeProperty(m_display, DefaultRootWindow(m_display), XA_RESOURCE_MANAGER, XA_STRING, 8, PropModeReplace,
+                    bytes.data(), static_cast<int>(bytes.size()));
+    XSync(m_display, False);
 }
 
 VirtualDisplay::~VirtualDisplay() {
@@ -77,6 +85,13 @@ void VirtualDisplay::MovePointer(std::int32_t x, std::int32_t y) {
 
 void VirtualDisplay::PressButton(bool down) {
     XTestFakeButtonEvent(m_display, 1, down ? True : False, CurrentTime);
+    XSync(m_display, False);
+}
+
+void VirtualDisplay::TurnWheel(int notches) {
+    const unsigned button = notches > 0 ? 4 : 5;
+    for (int i = 0; i < std::abs(notches); ++i)
+        for (const Bool down : {True, False}) XTestFakeButtonEvent(m_display, button, down, CurrentTime);
     XSync(m_display, False);
 }
 

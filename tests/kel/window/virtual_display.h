@@ -23,6 +23,7 @@ struct WindowPlace {
 struct ScreenSize {
     std::int32_t width = 1600;  // pixels
     std::int32_t height = 1000;
+    std::int32_t perInch = 96;  // pixels
 };
 
 // A display of its own without a screen anybody sees, with a pointer and a keyboard.
@@ -41,6 +42,7 @@ public:
 
     void MovePointer(std::int32_t x, std::int32_t y);
     void PressButton(bool down);
+    void TurnWheel(int notches);  // above 0: away from the hand
     // A key by its name in X, such as "r", "bracketright", "question"; with the modifiers it takes.
     void TypeKey(const std::string& name, bool control = false);
     void TypeText(const std::string& letters);

@@ -27,8 +27,9 @@ public:
         WaitUntil("fields run",
                   [&] { return std::filesystem::exists(folder / "run.json") && Recorded("run.json")["fields"] > 5; });
         display.TypeKey("space");
-        WaitUntil("the film is paused", [&] { return FieldOf("run.json", "film") >= 0; });
+        WaitUntil("the film is paused", [&] { return FrozenFrame() >= 0; });
         display.TypeKey("3");
+        display.TypeKey("r");  // strokes stay as they are drawn
         const auto place = display.FindWindow("film.mkv - kel");
         display.MovePointer(place->x + 200, place->y + 300);
         display.PressButton(true);
@@ -37,10 +38,12 @@ public:
         display.PressButton(false);
         WaitUntil("the release is recorded", [&] { return FieldOf("run.json", "release") >= 0; });
     }
+    // Where it was made to stand still, by a key; -1: it was not yet. A late machine makes changes of its own.
     [[nodiscard]] std::int64_t FrozenFrame() const {
         const nlohmann::json session = Recorded("run.json");
         for (const auto& event : session["events"])
-            if (event.contains("film")) return event["film"]["frame"].get<std::int64_t>();
+            if (event.contains("film") && event["film"].contains("play"))
+                return event["film"]["frame"].get<std::int64_t>();
         return -1;
     }
 };

@@ -215,6 +215,7 @@ TEST_CASE("A film plays in the window, and a frozen frame stays drawable") {
     });
     window.display.TypeKey("space");
     WaitUntil("the film is paused", [&] { return window.FieldOf("run.json", "film") >= 0; });
+    window.display.TypeKey("r");  // strokes stay as they are drawn
     window.display.TypeKey("3");
     const auto place = window.display.FindWindow("film.mkv - kel");
     window.display.MovePointer(place->x + 200, place->y + 300);

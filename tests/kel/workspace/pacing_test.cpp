@@ -79,6 +79,7 @@ TEST_CASE("After a long sleep the fields go on from now") {
     // 500 fields of ten seconds, of which ten are run.
     CHECK_EQ(pacer.Due(start + milliseconds(10'000)), 10);
     CHECK_EQ(pacer.Missed(), 499);
+    CHECK_EQ(pacer.GivenUp(), 490);
     CHECK_EQ(pacer.Next() == start + milliseconds(10'020), true);
 }
 

@@ -6,6 +6,8 @@
 #include <thread>
 
 #include "kel/session/session_lines.h"
+#include "kel/video/video_reader.h"
+#include "kel/workspace/brush_look.h"
 #include "kel/workspace/embedded_text.h"
 #include "kel/workspace/fitted_keys.h"
 #include "tests/cli/temporary_folder.h"
@@ -188,6 +190,58 @@ TEST_CASE("A picture is saved from the workspace with the pixels that it has, ho
         workspace.SavePicture();
     }
     CHECK_EQ(picture_io::ReadPicture(place.folder / "photo-picture-001.png") == photo, true);
+}
+
+TEST_CASE("What is saved of a film that is shown quickly has the colours that are written") {
+    Place place;
+    place.options.recording.clear();
+    place.options.videoConversion = VideoConversion::Fast;
+    testing::WriteCountedVideo(place.folder / "film.mp4", 12, 320, 240);
+    VideoReader plain(place.folder / "film.mp4");
+    {
+        Workspace workspace(place.folder / "film.mp4", place.options);
+        workspace.RunFields(1);
+        workspace.RunFields(1);
+        workspace.RunFields(1);
+        CHECK_EQ(workspace.TheHost().ReadFrame() == plain.ReadFrame(1), false);
+        workspace.SavePicture();
+    }
+    CHECK_EQ(picture_io::ReadPicture(place.folder / "film-picture-001.png") == plain.ReadFrame(1), true);
+}
+
+TEST_CASE("A film goes on where it would be after fields that were given up") {
+    Place place;
+    testing::WriteCountedVideo(place.folder / "film.mkv", 60, 320, 240);
+    Workspace workspace(place.folder / "film.mkv", place.options);
+    workspace.RunFields(4);
+    workspace.SkipVideo(20);
+    workspace.RunFields(1);
+    CHECK_EQ(testing::NumberOf(workspace.TheHost().ReadFrame()), (4 + 20) / 2);
+    workspace.DoVideo(WorkspaceAction::Pause);
+    const std::int64_t frame = workspace.VideoFrame();
+    workspace.SkipVideo(20);
+    CHECK_EQ(workspace.VideoFrame(), frame);
+}
+
+// 5 of 1024 canvas pixels on a pane as wide as the picture's 320 pixels.
+TEST_CASE("The workspace knows how large the pen is on the picture, and that shapes are recognised over one") {
+    Place place;
+    place.options.recording.clear();
+    Workspace workspace(place.folder / "grey.png", place.options);
+    workspace.RunFields(1);
+    const auto brush = BrushLookOf(workspace);
+    REQUIRE(brush);
+    CHECK_EQ(brush->radius, doctest::Approx(5.0 * 320 / 1024).epsilon(0.001));
+    CHECK(brush->hasColour);
+    CHECK_FALSE(brush->isEraser);
+    CHECK_EQ(brush->colour[0], 0xFF);
+    CHECK_EQ(RecognisesShapes(workspace), true);
+    workspace.Set(IndexOf(workspace, "RecoShapes"), std::int32_t{0});
+    CHECK_EQ(RecognisesShapes(workspace), false);
+    workspace.Set(IndexOf(workspace, "BrushType"), std::int32_t{1});
+    workspace.RunFields(2);
+    CHECK(BrushLookOf(workspace)->isEraser);
+    CHECK_FALSE(BrushLookOf(workspace)->hasColour);
 }
 
 TEST_CASE("Keys act on the chosen plug-in, and steps in one field add up") {
