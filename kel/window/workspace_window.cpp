@@ -279,9 +279,10 @@ void WorkspaceWindow::NoteStroke(PointerKind kind, const ScenePixel& at) {
     InkTail& tail = m_painter.Tail();
     if (kind == PointerKind::Press) {
         const auto brush = BrushLookOf(*m_workspace);
+        constexpr double rim = 0.85;  // of a dab's radius: beyond it ink fades away
         const bool isSeen = m_options.hasTail && brush && brush->hasColour;
-        tail.Press(at,
-                   isSeen ? TailPen{{brush->colour[0], brush->colour[1], brush->colour[2]}, brush->radius} : TailPen{});
+        tail.Press(at, isSeen ? TailPen{{brush->colour[0], brush->colour[1], brush->colour[2]}, brush->radius * rim}
+                              : TailPen{});
         m_spotlight.Press(at);
         m_isTailOver = false;
     } else if (m_isDrawing) {
