@@ -15,6 +15,10 @@ char Lower(char letter) { return static_cast<char>(std::tolower(static_cast<unsi
 
 }  // namespace
 
+bool SameName(std::string_view left, std::string_view right) {
+    return std::ranges::equal(left, right, {}, Lower, Lower);
+}
+
 std::size_t EditDistance(std::string_view left, std::string_view right) {
     left = left.substr(0, comparedLength);
     right = right.substr(0, comparedLength);

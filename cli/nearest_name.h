@@ -17,6 +17,9 @@ namespace cli {
 // How many letters to insert, drop or replace to make one of the other, without regard to case.
 [[nodiscard]] std::size_t EditDistance(std::string_view left, std::string_view right);
 
+// Equal without regard to case.
+[[nodiscard]] bool SameName(std::string_view left, std::string_view right);
+
 // `name` between double quotes, cut to a length that fits a message.
 [[nodiscard]] std::string Quoted(std::string_view name);
 

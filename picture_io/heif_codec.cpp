@@ -16,6 +16,7 @@
 #include "cli/error.h"
 #include "picture_io/channels.h"
 #include "picture_io/exif.h"
+#include "picture_io/library_object.h"
 #include "picture_io/silent_library.h"
 
 namespace picture_io {
@@ -34,12 +35,6 @@ struct Free {
 };
 template <typename T>
 using Owned = std::unique_ptr<T, Free>;
-
-template <typename T>
-Owned<T> Taken(T* made) {
-    if (made == nullptr) throw std::bad_alloc();
-    return Owned<T>(made);
-}
 
 void Check(const heif_error& result, const FormatRow& format) {
     if (result.code == heif_error_Ok) return;
@@ -114,7 +109,7 @@ constexpr heif_chroma wordOrder = std::endian::native == std::endian::little ? h
                                                                              : heif_chroma_interleaved_RRGGBBAA_BE;
 
 AnyPicture DecodedPicture(const heif_image_handle& handle, const FormatRow& format, bool wantsWords) {
-    const auto options = Taken(heif_decoding_options_alloc());
+    const auto options = Taken<Free>(heif_decoding_options_alloc());
     options->convert_hdr_to_8bit = wantsWords ? 0 : 1;
     options->strict_decoding = 1;
     const bool hasWords = wantsWords && heif_image_handle_get_luma_bits_per_pixel(&handle) > 8;
@@ -176,7 +171,7 @@ heif_error Append(heif_context*, const void* data, std::size_t size, void* targe
 }  // namespace
 
 AnyPicture DecodeHeif(const Bytes& bytes, const FormatRow& format, bool wantsWords, PictureInfo& info) {
-    const auto context = Taken(heif_context_alloc());
+    const auto context = Taken<Free>(heif_context_alloc());
     heif_context_set_maximum_image_size_limit(context.get(), largestPictureSide);
     Check(heif_context_read_from_memory_without_copy(context.get(), bytes.data(), bytes.size(), nullptr), format);
     heif_image_handle* chief = nullptr;
@@ -190,14 +185,14 @@ AnyPicture DecodeHeif(const Bytes& bytes, const FormatRow& format, bool wantsWor
 }
 
 Bytes EncodeHeif(const Picture& picture, const FormatRow& format, const WriteOptions& options) {
-    const auto context = Taken(heif_context_alloc());
+    const auto context = Taken<Free>(heif_context_alloc());
     heif_encoder* found = nullptr;
     Check(
         heif_context_get_encoder_for_format(
             context.get(), format.format == PictureFormat::Avif ? heif_compression_AV1 : heif_compression_HEVC, &found),
         format);
     const Owned<heif_encoder> encoder(found);
-    const auto colours = Taken(heif_nclx_color_profile_alloc());
+    const auto colours = Taken<Free>(heif_nclx_color_profile_alloc());
     Check(heif_encoder_set_lossy_quality(found, options.quality), format);
     if (options.quality == 100) LoseNothing(*found, *colours, format);
     const bool halvesColour = options.halvesColour && options.quality < 100;
@@ -208,7 +203,7 @@ Bytes EncodeHeif(const Picture& picture, const FormatRow& format, const WriteOpt
         Check(heif_image_set_raw_color_profile(image.get(), "prof", options.info.profile.data(),
                                                options.info.profile.size()),
               format);
-    const auto writing = Taken(heif_encoding_options_alloc());
+    const auto writing = Taken<Free>(heif_encoding_options_alloc());
     writing->output_nclx_profile = colours.get();
     writing->macOS_compatibility_workaround_no_nclx_profile = 0;
     writing->save_two_colr_boxes_when_ICC_and_nclx_available = 1;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 
 #include "cli/error.h"
 #include "cli/nearest_name.h"
@@ -21,11 +20,6 @@ struct Modifier {
 };
 constexpr std::array modifiers{Modifier{"Ctrl", &KeyChord::control}, Modifier{"Shift", &KeyChord::shift},
                                Modifier{"Alt", &KeyChord::alt}};
-
-bool IsSame(std::string_view left, std::string_view right) {
-    return std::ranges::equal(left, right,
-                              [](unsigned char a, unsigned char b) { return std::tolower(a) == std::tolower(b); });
-}
 
 std::vector<std::string> MakeKeyNames() {
     std::vector<std::string> names(namedKeys.begin(), namedKeys.end());
@@ -49,7 +43,7 @@ bool TakeModifier(std::string_view& text, KeyChord& chord) {
     if (plus == std::string_view::npos || plus == 0 || plus + 1 == text.size()) return false;
     const std::string_view name = text.substr(0, plus);
     const auto* modifier =
-        std::ranges::find_if(modifiers, [&](const Modifier& each) { return IsSame(each.name, name); });
+        std::ranges::find_if(modifiers, [&](const Modifier& each) { return cli::SameName(each.name, name); });
     if (modifier == modifiers.end())
         throw cli::Error("there is no modifier " + cli::Quoted(name) +
                          cli::NearestHint(name, {"Ctrl", "Shift", "Alt"}));
@@ -69,7 +63,7 @@ KeyChord ParseKeyChord(std::string_view text) {
     KeyChord chord;
     while (TakeModifier(text, chord)) continue;
     const auto& names = KeyNames();
-    const auto found = std::ranges::find_if(names, [&](const std::string& name) { return IsSame(name, text); });
+    const auto found = std::ranges::find_if(names, [&](const std::string& name) { return cli::SameName(name, text); });
     if (found == names.end())
         throw cli::Error("there is no key " + cli::Quoted(text) + cli::NearestHint(text, NamedKeys()));
     chord.key = *found;

@@ -44,9 +44,9 @@ struct Box {
 };
 
 inline void RotateOne(const SeenPoints& points, double angle, const RotatedPoints& rotated, std::size_t i) {
-    const double turned = points.angles[i] + angle;
-    rotated.xs[i] = static_cast<float>(points.radii[i] * std::cos(turned));
-    rotated.ys[i] = static_cast<float>(points.radii[i] * std::sin(turned));
+    const double rotatedAngle = points.angles[i] + angle;
+    rotated.xs[i] = static_cast<float>(points.radii[i] * std::cos(rotatedAngle));
+    rotated.ys[i] = static_cast<float>(points.radii[i] * std::sin(rotatedAngle));
 }
 
 // A point at the very end of the rotated x axis divides by zero; it lies infinitely far off and does not count.

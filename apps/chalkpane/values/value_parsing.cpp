@@ -113,11 +113,6 @@ std::string_view Trimmed(std::string_view text) {
     return text;
 }
 
-bool SameName(std::string_view left, std::string_view right) {
-    return std::ranges::equal(left, right,
-                              [](unsigned char a, unsigned char b) { return std::tolower(a) == std::tolower(b); });
-}
-
 std::vector<std::string_view> SplitAt(std::string_view text, char separator) {
     std::vector<std::string_view> pieces;
     for (;;) {

@@ -9,6 +9,7 @@
 #include "chalkpane/parameters/animation/colour_spline.h"
 #include "chalkpane/parameters/colour.h"
 #include "chalkpane/parameters/shape_point_list.h"
+#include "cli/nearest_name.h"
 
 namespace chalkpane::app {
 
@@ -48,7 +49,7 @@ struct ColourText {
 [[nodiscard]] std::string TextOfNumber(float number);
 
 // True for equal texts, letters without regard to case.
-[[nodiscard]] bool SameName(std::string_view left, std::string_view right);
+using cli::SameName;
 [[nodiscard]] std::string_view Trimmed(std::string_view text);
 // At every `separator`; an empty text is one empty piece.
 [[nodiscard]] std::vector<std::string_view> SplitAt(std::string_view text, char separator);

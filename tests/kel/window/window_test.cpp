@@ -37,6 +37,18 @@ void DrawRing(PaperWindow& window, double radius, double wobble) {
     window.display.PressButton(false);
 }
 
+// A line of ink across the middle of the paper.
+void DrawAcross(PaperWindow& window) {
+    window.SetByKey("3", "BrushColor");
+    window.MoveOnPaper(0.3, 0.5);
+    window.display.PressButton(true);
+    WaitUntil("the press is recorded", [&] { return window.FieldOf("run.json", "press") >= 0; });
+    window.MoveOnPaper(0.7, 0.5);
+    window.display.PressButton(false);
+    WaitUntil("the release is recorded", [&] { return window.FieldOf("run.json", "release") >= 0; });
+    window.WaitUntilStill();
+}
+
 constexpr std::size_t directions = 72;
 
 // How far the middle of a ring's ink lies from the middle of the picture, in every direction; 0 where there is none.
@@ -141,14 +153,7 @@ TEST_CASE("A window that is closed has recorded all, keys and panel away and the
 
 TEST_CASE("What was drawn leaves as pictures when the window has been closed") {
     PaperWindow window({"--out", "drawn.png", "--canvas", "strokes.png"});
-    window.SetByKey("3", "BrushColor");
-    window.MoveOnPaper(0.3, 0.5);
-    window.display.PressButton(true);
-    WaitUntil("the press is recorded", [&] { return window.FieldOf("run.json", "press") >= 0; });
-    window.MoveOnPaper(0.7, 0.5);
-    window.display.PressButton(false);
-    WaitUntil("the release is recorded", [&] { return window.FieldOf("run.json", "release") >= 0; });
-    window.WaitUntilStill();
+    DrawAcross(window);
     const picture_io::Picture live = window.SaveOverlay("paper-overlay-001.png");
     window.display.TypeKey("q", true);
     CHECK_EQ(window.WaitForEnd(), 0);
@@ -160,14 +165,7 @@ TEST_CASE("What was drawn leaves as pictures when the window has been closed") {
 
 TEST_CASE("A film of what was drawn has every field when the window has been closed") {
     PaperWindow window({"--out", "drawn.mov", "--overlay", "strokes.mov"});
-    window.SetByKey("3", "BrushColor");
-    window.MoveOnPaper(0.3, 0.5);
-    window.display.PressButton(true);
-    WaitUntil("the press is recorded", [&] { return window.FieldOf("run.json", "press") >= 0; });
-    window.MoveOnPaper(0.7, 0.5);
-    window.display.PressButton(false);
-    WaitUntil("the release is recorded", [&] { return window.FieldOf("run.json", "release") >= 0; });
-    window.WaitUntilStill();
+    DrawAcross(window);
     window.display.TypeKey("q", true);
     CHECK_EQ(window.WaitForEnd(), 0);
     const std::int64_t fields = window.Recorded("run.json")["fields"].get<std::int64_t>();
