@@ -22,7 +22,7 @@ public:
     ClaimedFolder() : KelFolder(Session()) {
         for (const char* const name : {"page.png", "brush.png", "later.png"})
             picture_io::WritePicture(picture_io::Picture(4, 4), Path(name));
-        std::filesystem::copy_file(KEL_SOURCE_FOLDER "/tests/fuzz/seeds/film/small.mp4", Path("film.mp4"));
+        std::filesystem::copy_file(KEL_SOURCE_FOLDER "/tests/fuzz/seeds/video/small.mp4", Path("film.mp4"));
     }
 
     // Refused by this line with code 2, and every file is as it was.

@@ -51,7 +51,7 @@ TEST_CASE("The pictures of a session are counted together before one of them is 
 // Frames of 64 x 64 pixels, 44 bytes to each; the window has 4, eight times.
 TEST_CASE("A video is counted by its frames, and one that says nothing is left to its reader") {
     const cli::testing::TemporaryFolder folder;
-    std::filesystem::copy_file(KEL_SOURCE_FOLDER "/tests/fuzz/seeds/film/small.mp4", folder / "a.mp4");
+    std::filesystem::copy_file(KEL_SOURCE_FOLDER "/tests/fuzz/seeds/video/small.mp4", folder / "a.mp4");
     cli::testing::WriteText(folder / "b.mp4", "no film");
     nlohmann::json json = testing::PlainSession();
     json["containers"] = {{{"size", {1, 1}}, {"film", "a.mp4"}}, {{"size", {1, 1}}, {"film", "b.mp4"}}};
