@@ -27,7 +27,7 @@ SDL_Cursor* MakeRing(int radius) {
             const double white = Coverage(distance, radius);
             const double alpha = std::max(white, 0.7 * Coverage(distance, radius + 1.0));
             const auto level = static_cast<std::uint32_t>(alpha > 0 ? 255 * white / alpha : 0);
-            pixels[static_cast<std::size_t>(y * side + x)] =
+            pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(side) + static_cast<std::size_t>(x)] =
                 static_cast<std::uint32_t>(255 * alpha) << 24U | level << 16U | level << 8U | level;
         }
     SDL_Surface* surface =

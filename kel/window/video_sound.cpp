@@ -14,7 +14,7 @@ namespace {
 
 constexpr double mostQueued = 0.25;  // seconds: what a busy machine may leave it alone
 constexpr double mostDrift = 0.15;   // seconds, from which on lips and words are seen apart
-constexpr std::size_t sampleBytes = SoundReader::channels * sizeof(float);
+constexpr std::size_t sampleBytes = SoundReader::channels * sizeof(float);  // of both channels
 
 }  // namespace
 
@@ -39,7 +39,7 @@ struct VideoSound::Device {
     Device& operator=(Device&&) = delete;
 
     [[nodiscard]] double Queued() const {
-        return static_cast<double>(SDL_GetQueuedAudioSize(id) / sampleBytes) / SoundReader::samplesPerSecond;
+        return static_cast<double>(SDL_GetQueuedAudioSize(id)) / sampleBytes / SoundReader::samplesPerSecond;
     }
 
     std::unique_ptr<SoundReader> reader;
