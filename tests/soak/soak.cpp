@@ -39,8 +39,7 @@ std::int64_t BytesInUse() {
 }
 
 void RunEpisode(Figures& figures) {
-    if (figures.episodes % 100 == 0)
-        MultiProcessor::Restart(1 + static_cast<std::int32_t>(figures.episodes / 100 % mostWorkers));
+    MultiProcessor::Restart(1 + static_cast<std::int32_t>(figures.episodes % mostWorkers));
     const double start = ProcessorSeconds();
     {
         Episode episode(figures.seed, figures.episodes);

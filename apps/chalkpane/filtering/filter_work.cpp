@@ -89,22 +89,7 @@ public:
         Parts read = Kept();
         read.push_back({BytesOf(m_result), m_work.name});
         most = Larger(std::move(most), std::move(read));
-        const FilterRun run{.expand = m_options.expand, .frame = m_options.frame};
-        for (const auto& filter : filters) {
-            const Sides made = MadeOf(*filter, m_result, run);
-            Parts parts{{BytesOf(m_result) * (1 + ExtraOf(*filter)), m_work.name}, {BytesOf(made), Made(*filter)}};
-            most = Larger(std::move(most), std::move(parts));
-            const Sides grown =
-                m_options.expand ? Sides{std::max(made.width, m_result.width), std::max(made.height, m_result.height)}
-                                 : m_result;
-            const bool isCut = grown.Pixels() != made.Pixels();
-            if (isCut) most = Larger(std::move(most), {{BytesOf(made), Made(*filter)}, {BytesOf(grown), m_work.name}});
-            if (isCut && !m_options.region.empty())
-                most = Larger(
-                    std::move(most),
-                    {{BytesOf(made), Made(*filter)}, {BytesOf(grown), m_work.name}, {BytesOf(m_result), m_work.name}});
-            m_result = grown;
-        }
+        for (const auto& filter : filters) most = Larger(std::move(most), InFilter(*filter));
         Parts written = m_options.mask.empty() ? Parts() : Kept();
         written.insert(written.begin(), {BytesOf(m_result), m_work.name});
         written.push_back({Packed(), "the file that is written"});
@@ -117,16 +102,27 @@ public:
     }
 
 private:
-    [[nodiscard]] double BytesOf(const Sides& sides) const { return sides.Pixels() * channels * (m_words ? 2 : 1); }
+    // One filter after the other; the result has its size behind it.
+    Parts InFilter(const Filter& filter) {
+        const Sides before = m_result;
+        const Sides made = MadeOf(filter, before, {.expand = m_options.expand, .frame = m_options.frame});
+        if (m_options.expand) m_result = {std::max(made.width, before.width), std::max(made.height, before.height)};
+        const MemoryPart ofFilter{BytesOf(made), "what " + std::string(filter.Label()) + " makes"};
+        Parts most{{BytesOf(before) * (1 + ExtraOf(filter)), m_work.name}, ofFilter};
+        if (m_result.Pixels() == made.Pixels()) return most;
+        Parts cut{{BytesOf(m_result), m_work.name}, ofFilter};  // to the size of the result
+        if (!m_options.region.empty()) cut.push_back({BytesOf(before), "what lies outside the region"});
+        return Larger(std::move(most), std::move(cut));
+    }
 
-    static std::string Made(const Filter& filter) { return "what " + std::string(filter.Label()) + " makes"; }
+    [[nodiscard]] double BytesOf(const Sides& sides) const { return sides.Pixels() * channels * (m_words ? 2 : 1); }
 
     static double Sum(const Parts& parts) {
         double sum = 0;
         for (const MemoryPart& part : parts) sum += part.bytes;
         return sum;
     }
-    static Parts Larger(Parts a, Parts b) { return Sum(a) >= Sum(b) ? a : b; }
+    static Parts Larger(Parts&& a, Parts&& b) { return Sum(a) >= Sum(b) ? std::move(a) : std::move(b); }
 
     // While it is decoded.
     [[nodiscard]] Parts Decoding() const {
