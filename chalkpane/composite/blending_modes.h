@@ -9,7 +9,7 @@
 
 namespace chalkpane {
 
-// How a row of source pixels and a row of destination pixels make a third: 28 modes, each in both pixel formats.
+// How a row of source pixels and a row of destination pixels make a third: the modes, each in both pixel formats.
 //
 // Rows hold four channels a pixel, blue, green, red, alpha, and are borrowed for the call. A count of pixels below 1
 // does nothing, and no function reads or writes past the end of a row that is shorter than the count says.
@@ -31,7 +31,7 @@ using BlendKernel = void (*)(const typename F::Channel* source, const typename F
 extern const std::array<BlendKernel<PixelFormat8>, blendModeCount> BlendKernels8;
 extern const std::array<BlendKernel<PixelFormat14>, blendModeCount> BlendKernels14;
 
-// Runs the kernel of `mode` over `count` pixels. Callers keep the mode below 28; any other is mode 0.
+// Runs the kernel of `mode` over `count` pixels. Callers keep the mode below `blendModeCount`; any other is mode 0.
 void BlendRow8(std::int32_t count, std::int32_t mode, std::span<const std::uint8_t> source,
                std::span<const std::uint8_t> destination, std::span<std::uint8_t> output);
 void BlendRow14(std::int32_t count, std::int32_t mode, std::span<const std::uint16_t> source,

@@ -209,7 +209,6 @@ TEST_CASE("chalkpane filters lists what the registry holds, in its order") {
     const json listed = json::parse(ended.output)["filters"];
     const auto& filters = FilterRegistry::Instance().Filters();
     REQUIRE_EQ(listed.size(), filters.size());
-    CHECK_EQ(filters.size(), 32);
     for (std::size_t i = 0; i < filters.size(); ++i) {
         CHECK_EQ(listed[i]["label"], filters[i]->Label());
         CHECK_EQ(listed[i]["name"], filters[i]->Name());

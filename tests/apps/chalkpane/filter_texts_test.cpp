@@ -94,7 +94,6 @@ TEST_CASE("The texts of a filter outlive it") {
 }
 
 TEST_CASE("Every filter takes its defaults and both ends of every parameter, and runs") {
-    std::size_t filters = 0;
     const auto pictures = {testing::Varied(12, 9, Depth::Eight), testing::Varied(12, 9, Depth::Fourteen)};
     for (const Filter* prototype : FilterRegistry::Instance().Filters()) {
         const std::string label(prototype->Label());
@@ -116,9 +115,7 @@ TEST_CASE("Every filter takes its defaults and both ends of every parameter, and
                 CHECK_EQ(result->depth, picture->depth);
             }
         }
-        ++filters;
     }
-    CHECK_EQ(filters, 32);
 }
 
 }  // namespace chalkpane::app

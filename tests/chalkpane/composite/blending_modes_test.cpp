@@ -255,7 +255,7 @@ TEST_CASE_TEMPLATE("A row shorter than the count bounds the work", F, PixelForma
 TEST_CASE_TEMPLATE("A mode beyond the table is the first mode", F, PixelFormat8, PixelFormat14) {
     const auto source = NoiseRow<F>(5, seed);
     const auto destination = NoiseRow<F>(5, seed + 1);
-    for (const std::int32_t mode : {28, 255, -1}) CHECK(Blended<F>(mode, source, destination) == source);
+    for (const std::int32_t mode : {blendModeCount, 255, -1}) CHECK(Blended<F>(mode, source, destination) == source);
 }
 
 TEST_CASE("14-bit words above full scale blend to something") {

@@ -6,6 +6,7 @@
 #include "apps/chalkpane/values/value_parsing.h"
 #include "chalkpane/brush/basic_brush.h"
 #include "chalkpane/brush/sources/brush_source.h"
+#include "chalkpane/composite/blending_modes.h"
 #include "tests/apps/chalkpane/strokes/painting.h"
 #include "tests/cli/thrown.h"
 
@@ -52,7 +53,9 @@ TEST_CASE("What a brush says wrongly is named with its place and the nearest rig
              R"(/Size: "Size" stands here already, by its other name "Brush Size")");
     CHECK_EQ(RefusalOfBrush(R"("Blend Mode": "Mutiply")"),
              R"(/Blend Mode: Blend Mode: there is no choice "Mutiply"; did you mean "Multiply"?)");
-    CHECK_EQ(RefusalOfBrush(R"("Blend Mode": 28)"), R"(/Blend Mode: Blend Mode: "28" lies outside 0 .. 27)");
+    const std::string beyond = std::to_string(blendModeCount);
+    CHECK_EQ(RefusalOfBrush(R"("Blend Mode": )" + beyond),
+             "/Blend Mode: Blend Mode: \"" + beyond + "\" lies outside 0 .. " + std::to_string(blendModeCount - 1));
     CHECK_EQ(RefusalOfBrush(R"("Source Type": "Eraze")"),
              R"(/Source Type: Source Type: there is no choice "Eraze"; did you mean "Eraser"?)");
     CHECK_EQ(RefusalOfBrush(R"("Source Type": 9)"), R"(/Source Type: Source Type: "9" lies outside 0 .. 8)");
