@@ -1,9 +1,7 @@
 #include "module/container_mapping.h"
 
-#include <cmath>
-
 #include "module/abi/host_api.h"
-#include "module/plane_geometry.h"
+#include "module/unproject_point.h"
 
 namespace chalkpane {
 namespace {
@@ -12,10 +10,6 @@ namespace {
 char sceneName[] = "SCENE";
 char renderCameraName[] = "RENDERCAMERA";
 constexpr std::int32_t renderCameraKind = 62;
-
-constexpr double narrowestBox = 0.0001;
-constexpr double steepestView = 0.02;
-constexpr double planeUnit = 1000;  // length of the plane's axes below, in the container's coordinates
 
 Matrix4 CameraMatrix() {
     std::int32_t unreadResult = 0;
@@ -27,11 +21,8 @@ Matrix4 CameraMatrix() {
     return matrix;
 }
 
-// How far `q` lies from the axis a-b towards `c`, in the container's coordinates: a ratio of triangle areas, which
-// holds under any rotation and scaling of the container.
-double DistanceFromAxis(const Vector3& a, const Vector3& b, const Vector3& c, const Vector3& q, const Vector3& normal) {
-    const double distance = TriangleArea(a, b, q) * planeUnit / TriangleArea(a, b, c);
-    return Dot(PlaneNormal(a, b, q), normal) < 0 ? -distance : distance;
+PlaneBox BoxOf(const PluginInstance& instance) {
+    return {instance.boxMinX, instance.boxMaxX, instance.boxMinY, instance.boxMaxY};
 }
 
 }  // namespace
@@ -41,10 +32,9 @@ bool ReadBoundingBox(PluginInstance& instance, ObjectHandle container) {
     float unreadMaxZ = 0;
     _api__container_get_bounding_box(container.id, &instance.boxMinX, &instance.boxMinY, &unreadMinZ, &instance.boxMaxX,
                                      &instance.boxMaxY, &unreadMaxZ);
-    const double width = double{instance.boxMaxX} - instance.boxMinX;
-    const double height = double{instance.boxMaxY} - instance.boxMinY;
-    instance.telestrator.aspect = static_cast<float>(width / height);
-    return width > narrowestBox && height > narrowestBox;
+    const PlaneBox box = BoxOf(instance);
+    instance.telestrator.aspect = static_cast<float>(box.Width() / box.Height());
+    return box.IsMappable();
 }
 
 Vector3 MapPointerToContainer(const PluginInstance& instance, ObjectHandle container, std::int32_t x, std::int32_t y) {
@@ -57,31 +47,13 @@ Vector3 MapPointerToContainer(const PluginInstance& instance, ObjectHandle conta
     Vector3 farPoint(x, fromBottom, 1);
     UnprojectPoint(nearPoint, camera, instance.windowWidth, instance.windowHeight);
     UnprojectPoint(farPoint, camera, instance.windowWidth, instance.windowHeight);
-    Vector3 ray = farPoint - nearPoint;
-    ray.Normalise();
-
-    const Vector3 origin = toWorld.Transform({0, 0, 0});
-    const Vector3 xAxisEnd = toWorld.Transform({planeUnit, 0, 0});
-    const Vector3 yAxisEnd = toWorld.Transform({0, planeUnit, 0});
-    const Vector3 normal = PlaneNormal(origin, xAxisEnd, yAxisEnd);
-    // KEEP: a container seen edge-on gives a fixed point, which is mapped and painted like any other.
-    if (std::abs(Dot(normal, ray)) < steepestView) return {0, 0, -planeUnit};
-
-    const Vector3 hit = IntersectRayPlane(nearPoint, origin, normal, ray);
-    const double mappedY = DistanceFromAxis(origin, xAxisEnd, yAxisEnd, hit, normal);
-    const double mappedX = DistanceFromAxis(yAxisEnd, origin, xAxisEnd, hit, normal);
-    return {mappedX, mappedY, 0};
+    return MeetPlane(nearPoint, farPoint, toWorld);
 }
 
 CanvasPosition MapPointerToCanvas(const PluginInstance& instance, ObjectHandle container, std::int32_t x,
                                   std::int32_t y) {
-    const Vector3 point = MapPointerToContainer(instance, container, x, y);
-    const double lastColumn = instance.telestrator.canvasWidth - 1;
-    const double lastRow = instance.telestrator.canvasHeight - 1;
-    const double boxWidth = double{instance.boxMaxX} - instance.boxMinX;
-    const double boxHeight = double{instance.boxMaxY} - instance.boxMinY;
-    return {(double{point.x} - instance.boxMinX) * lastColumn / boxWidth,
-            lastRow - (double{point.y} - instance.boxMinY) * lastRow / boxHeight};
+    return OnCanvas(MapPointerToContainer(instance, container, x, y), BoxOf(instance), instance.telestrator.canvasWidth,
+                    instance.telestrator.canvasHeight);
 }
 
 }  // namespace chalkpane

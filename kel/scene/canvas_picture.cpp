@@ -1,27 +1,10 @@
 #include "kel/scene/canvas_picture.h"
 
-#include <utility>
-
 #include "cli/error.h"
 #include "kel/scene/gl.h"
-#include "kel/scene/scene_renderer.h"
+#include "kel/scene/substituted_canvas.h"
 
 namespace kel {
-namespace {
-
-const ImageObject* CanvasImage(HostState& state, const ContainerObject& container) {
-    for (const ObjectId id : container.multiTextures) {
-        const auto* texture = state.objects.Find<TextureObject>(id);
-        auto* image = texture == nullptr ? nullptr : state.objects.Find<ImageObject>(texture->image);
-        if (image == nullptr) continue;
-        if (image->texture.Name() == 0) BuildTexture(*image);
-        return image;
-    }
-    return nullptr;
-}
-
-}  // namespace
-
 picture_io::Picture CanvasPicture(HostState& state, const ContainerObject& container) {
     const ImageObject* image = CanvasImage(state, container);
     if (image == nullptr) throw cli::Error("the container shows no canvas yet");

@@ -12,6 +12,7 @@
 #include "kel/scene/instance_rebuild.h"
 #include "kel/scene/overlay_picture.h"
 #include "kel/scene/scene_renderer.h"
+#include "kel/scene/substituted_canvas.h"
 
 namespace kel {
 namespace {
@@ -256,9 +257,11 @@ std::optional<PointerKind> Host::NextPointer() const { return m_state->pointerQu
 
 void Host::RunStep() {
     const AtWork work(*m_state);
+    m_state->isStep = true;
     DeliverPointer(1);
     RunFieldCallbacks();
     if (m_state->redraw) Render();
+    m_state->isStep = false;
 }
 
 const InstanceHistory& Host::History(ObjectId container) const { return FindContainer(*m_state, container).history; }
@@ -268,6 +271,28 @@ void Host::Rebuild(ObjectId container, const InstanceHistory& history) {
     (void)FindInstance(*m_state, container);
     RebuildInstance(*m_state, FindContainer(*m_state, container), history);
 }
+
+void Host::Substitute(ObjectId container, CanvasSubstitute* substitute) {
+    ContainerObject& shown = FindContainer(*m_state, container);
+    shown.substitute = substitute;
+    m_state->ShowAnew();
+}
+
+std::span<const std::uint8_t> Host::TextureBytes(ObjectId container) const {
+    const ImageObject* image = CanvasImage(*m_state, FindContainer(*m_state, container));
+    if (image == nullptr) return {};
+    return image->shown;
+}
+
+std::vector<ParameterValue> Host::Values(ObjectId container) const {
+    const Instance& instance = FindInstance(*m_state, container);
+    std::vector<ParameterValue> values;
+    for (std::size_t i = 0; i < instance.TheModule().registration.parameters.size(); ++i)
+        values.push_back(instance.Value(i));
+    return values;
+}
+
+std::int64_t Host::FieldsRun() const { return m_state->fieldsRun; }
 
 const std::optional<PointerStep>& Host::DeliveredPointer() const { return m_state->deliveredPointer; }
 

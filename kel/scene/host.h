@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,6 +21,7 @@
 namespace kel {
 
 struct HostState;
+class CanvasSubstitute;
 
 struct WindowSize {
     std::int32_t width = 0;  // pixels
@@ -101,6 +103,16 @@ public:
     // `history` says instead, and then has the present values. What is given from now on goes on in the container's own
     // history, which stays. Takes the time of all those fields, without their drawing.
     void Rebuild(ObjectId container, const InstanceHistory& history);
+    // From the next render on this is shown where the container's module draws, which knows nothing of it. Borrowed;
+    // null: what the module draws from then on.
+    void Substitute(ObjectId container, CanvasSubstitute* substitute);
+    // The bytes of the texture that the container's module has put on it, as Substitute has them; empty: they are not
+    // known.
+    [[nodiscard]] std::span<const std::uint8_t> TextureBytes(ObjectId container) const;
+    // The present values of the instance on this container, in the order of registration.
+    [[nodiscard]] std::vector<ParameterValue> Values(ObjectId container) const;
+    // The fields of all histories so far; steps count as fields there.
+    [[nodiscard]] std::int64_t FieldsRun() const;
 
     // What that field or step got of the pointer; empty: it did nothing.
     [[nodiscard]] const std::optional<PointerStep>& DeliveredPointer() const;

@@ -76,6 +76,7 @@ struct HostState {
     std::optional<PointerStep> deliveredPointer;  // in the last field
     std::vector<std::variant<QueuedSetting, QueuedAction, QueuedKey>> operatorQueue;
     std::int64_t fieldsRun = 0;  // steps between fields counted too
+    bool isStep = false;         // what runs is such a step
     bool redraw = true;
     std::uint64_t pictureNumber = 0;  // of what was last rendered
     bool drawing = true;

@@ -128,9 +128,13 @@ void NotePointer(HostState& state, ContainerObject& container, const PointerStep
     input.pointer = step;
     input.windowWidth = state.window.width;
     input.windowHeight = state.window.height;
+    input.isStep = state.isStep;
+    InstanceHistory& history = container.history;
+    if (step.kind == PointerKind::Release) history.isPressed = false;
     if (step.kind != PointerKind::Press) return;
     const auto* under = state.objects.Find<ContainerObject>(ContainerUnder(state, step.x, step.y));
     input.isOver = under == &container;
+    if (input.isOver && !std::exchange(history.isPressed, true)) input.stroke = ++history.strokes;
 }
 
 void RebuildInstance(HostState& state, ContainerObject& container, const InstanceHistory& history) {
@@ -143,6 +147,7 @@ void RebuildInstance(HostState& state, ContainerObject& container, const Instanc
     for (const ObjectId image : images) state.objects.Remove(image);
     for (std::size_t i = 0; i < history.firstValues.size(); ++i) fresh->SetValue(i, history.firstValues[i]);
     container.instance = std::move(fresh);
+    CanvasSubstitute* const substitute = std::exchange(container.substitute, nullptr);
     BeginInstance(state, *container.instance);
     PointerOfHistory pointer(state);
     auto input = history.inputs.begin();
@@ -154,6 +159,7 @@ void RebuildInstance(HostState& state, ContainerObject& container, const Instanc
         if (state.redraw) RunRenderCallbacks(state, container);
     }
     for (std::size_t i = 0; i < present.size(); ++i) ChangeValue(state, *container.instance, {i, present[i]});
+    container.substitute = substitute;
     state.ShowAnew();
 }
 

@@ -9,6 +9,7 @@
 #include <variant>
 #include <vector>
 
+#include "kel/scene/canvas_substitute.h"
 #include "kel/scene/gl_call.h"
 #include "kel/scene/gl_context.h"
 #include "kel/scene/gl_texture.h"
@@ -58,10 +59,11 @@ struct ContainerObject {
     Placement placement;
     ObjectId picture = noObject;  // texture on unit 0 where the module has put none
     std::array<ObjectId, textureUnits> multiTextures = NoTextures();
-    std::unique_ptr<Instance> instance;  // null: no plug-in
-    InstanceHistory history;             // what the instance was given
-    RenderCalls calls;                   // of the last render
-    RenderCalls drawnCalls;              // of the last one that was drawn
+    std::unique_ptr<Instance> instance;      // null: no plug-in
+    InstanceHistory history;                 // what the instance was given
+    CanvasSubstitute* substitute = nullptr;  // borrowed; null: what the module draws is shown
+    RenderCalls calls;                       // of the last render
+    RenderCalls drawnCalls;                  // of the last one that was drawn
 
     static constexpr std::array<ObjectId, textureUnits> NoTextures() {
         std::array<ObjectId, textureUnits> none{};

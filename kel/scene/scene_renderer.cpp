@@ -9,6 +9,7 @@
 #include "kel/scene/matrix.h"
 #include "kel/scene/picking.h"
 #include "kel/scene/seen_size.h"
+#include "kel/scene/substituted_canvas.h"
 
 namespace kel {
 namespace {
@@ -170,6 +171,7 @@ void RunBefore(HostState& state, ContainerObject& container, const Pass& pass) {
     if (pass.repeats) return Repeat(container.calls.before);
     CallRender(state, *container.instance, Callback::PreRender, &EntryPoints::preRender,
                pass.look == Look::AsItIs ? &container.calls.before : nullptr);
+    if (container.substitute != nullptr) ShowSubstitute(state, container);
 }
 
 void RunAfter(HostState& state, ContainerObject& container, const Pass& pass) {

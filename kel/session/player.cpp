@@ -41,6 +41,7 @@ void Player::BuildContainer(const SessionContainer& container, const std::filesy
     if (!container.plugin) return;
     played.module = &LoadModule(*container.plugin, defaultModule);
     m_host.Attach(played.id, *played.module, Settings(container.plugin->parameters, *played.module));
+    played.ink = std::make_unique<ContainerInk>(m_host, played.id, *played.module);
 }
 
 std::unique_ptr<VideoShow> Player::OpenVideo(const SessionContainer& container, ObjectId id) const {
@@ -158,7 +159,7 @@ std::vector<std::string> Player::DeliverPendingChanges() {
         const ObjectId container = m_containers[change.container].id;
         for (const ParameterSetting& setting : change.settings)
             m_host.SetParameter(container, setting.name, setting.value);
-        if (!change.button.empty()) m_host.PushButton(container, change.button);
+        if (!change.button.empty()) PushButton(change.container, change.button);
         if (change.ink) EditInk(change.container, *change.ink);
         if (change.video) ChangeVideo(change.container, *change.video);
         if (!change.save.empty()) saves.push_back(change.save);
@@ -174,6 +175,8 @@ std::vector<std::string> Player::PlayField(Rendering rendering, int fieldsDue) {
         m_host.SetDrawing(false);
         m_host.RunStep();
     }
+    for (const Container& container : m_containers)
+        if (container.ink) container.ink->BeforeField();
     std::vector<std::string> saves = DeliverPendingChanges();
     const bool isLast = m_field + 1 == m_session.fields;
     const bool isDrawn = rendering == Rendering::Wanted || !saves.empty() || isLast;

@@ -1,13 +1,14 @@
 #pragma once
 
+#include <array>
 #include <filesystem>
 #include <memory>
 #include <span>
 #include <string>
 #include <vector>
 
+#include "kel/ink/container_ink.h"
 #include "kel/scene/host.h"
-#include "kel/session/ink_edits.h"
 #include "kel/session/player_pointer.h"
 #include "kel/session/session.h"
 #include "kel/session/session_access.h"
@@ -32,9 +33,9 @@ public:
     // A container of the session.
     struct Container {
         ObjectId id = noObject;
-        const Module* module = nullptr;    // borrowed from the host; null without a plug-in
-        std::unique_ptr<VideoShow> video;  // null without a video
-        InkEdits edits;                    // of what was drawn there
+        const Module* module = nullptr;     // borrowed from the host; null without a plug-in
+        std::unique_ptr<VideoShow> video;   // null without a video
+        std::unique_ptr<ContainerInk> ink;  // what was drawn there; null without a plug-in
     };
     // In the order of the session.
     [[nodiscard]] std::span<const Container> Containers() const { return m_containers; }
@@ -50,16 +51,11 @@ public:
     // is damaged.
     void ShowVideoFrame(std::size_t container, std::int64_t frame);
 
-    // An edit of what was drawn, with its parameters as the module knows them.
-    struct InkEdit {
-        InkEvent::Kind kind = InkEvent::Kind::Undo;
-        std::size_t number = 1;
-        std::int32_t right = 0;  // window pixels
-        std::int32_t down = 0;
-        std::vector<SettingInput> values;
-    };
-    // Makes it at once, before the next field, on a container with a plug-in. False: there was nothing to do.
+    // Makes an edit of what was drawn at once, before the next field, on a container with a plug-in. False: there was
+    // nothing to do.
     bool EditInk(std::size_t container, const InkEdit& edit);
+    // Pushes a button of a container's plug-in in the next field. Throws Error when there is none of that name.
+    void PushButton(std::size_t container, const std::string& name);
 
     enum class Rendering { Wanted, NotWanted };
 
@@ -91,6 +87,8 @@ private:
     picture_io::Picture ReadPictureAt(const std::string& path, const std::string& place) const;
     void PreparePendingChange(const SessionEvent& event);
     InkEdit PrepareInk(const SessionEvent& event, const InkEvent& ink);
+    [[nodiscard]] std::vector<chalkpane::SharedStroke> ReadStrokes(const SessionEvent& event,
+                                                                   const InkEvent& ink) const;
     void CheckStroke(const SessionEvent& event, const InkEvent& ink) const;
     void CheckFrame(const SessionEvent& event, const VideoEvent& video) const;
     std::vector<std::string> DeliverPendingChanges();
@@ -101,7 +99,8 @@ private:
     Host& m_host;
     SessionPermissions m_permissions;
     SessionAccess m_access;
-    std::vector<Container> m_containers;  // as in the session
+    std::vector<Container> m_containers;                          // as in the session
+    std::array<std::vector<chalkpane::SharedStroke>, 9> m_slots;  // drawings that were kept
     std::vector<TimedPointerStep> m_pointer;
     std::vector<PendingChange> m_pendingChanges;
     std::size_t m_nextPointer = 0;

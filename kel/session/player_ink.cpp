@@ -1,9 +1,12 @@
 #include <algorithm>
 #include <cmath>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "cli/error.h"
 #include "kel/session/player.h"
+#include "telestrator/journal/journal_file.h"
 
 namespace kel {
 namespace {
@@ -30,27 +33,54 @@ const char* WordOf(InkEvent::Kind kind) {
             return "moveStroke";
         case InkEvent::Kind::Recolour:
             return "recolourStroke";
+        case InkEvent::Kind::Keep:
+            return "keep";
+        case InkEvent::Kind::Recall:
+            return "recall";
+        case InkEvent::Kind::Fade:
+            return "fade";
     }
     return "";
+}
+
+bool IsOfStroke(InkEvent::Kind kind) {
+    return kind == InkEvent::Kind::Remove || kind == InkEvent::Kind::Move || kind == InkEvent::Kind::Recolour;
+}
+
+bool IsOfDrawing(InkEvent::Kind kind) {
+    return kind == InkEvent::Kind::Keep || kind == InkEvent::Kind::Recall || kind == InkEvent::Kind::Fade;
+}
+
+chalkpane::FadeSettings FadeOf(const InkEvent& ink, double fieldsPerSecond) {
+    chalkpane::FadeSettings fade;
+    if (ink.fadeAfter >= 0) fade.waitFields = static_cast<std::int32_t>(std::lround(ink.fadeAfter * fieldsPerSecond));
+    fade.overFields = static_cast<std::int32_t>(ink.fadeOver);
+    return fade;
 }
 
 }  // namespace
 
 void Player::CheckStroke(const SessionEvent& event, const InkEvent& ink) const {
-    if (ink.kind == InkEvent::Kind::Undo || ink.kind == InkEvent::Kind::Redo) return;
+    if (IsOfDrawing(ink.kind) && !m_containers[ink.container].ink->CanKeep())
+        throw cli::Error(m_session.file.string(), event.place + "/" + WordOf(ink.kind),
+                         "the container's plug-in is no telestrator");
+    if (!IsOfStroke(ink.kind)) return;
     if (ink.number <= StrokesBefore(m_session, event.field)) return;
     throw cli::Error(
         m_session.file.string(), event.place + "/" + WordOf(ink.kind),
         "there is no stroke " + std::to_string(ink.number) + " before field " + std::to_string(event.field));
 }
 
-Player::InkEdit Player::PrepareInk(const SessionEvent& event, const InkEvent& ink) {
+InkEdit Player::PrepareInk(const SessionEvent& event, const InkEvent& ink) {
     CheckStroke(event, ink);
     InkEdit edit;
     edit.kind = ink.kind;
     edit.number = static_cast<std::size_t>(ink.number);
     edit.right = static_cast<std::int32_t>(std::lround(ink.by.x));
     edit.down = static_cast<std::int32_t>(std::lround(ink.by.y));
+    edit.recall = ink.inPlace ? chalkpane::InkDrawing::Recall::InPlace : chalkpane::InkDrawing::Recall::Over;
+    edit.fade = FadeOf(ink, m_session.fieldsPerSecond);
+    if (!ink.strokes.empty()) edit.strokes = ReadStrokes(event, ink);
     const Module& module = *m_containers[ink.container].module;
     const auto& parameters = module.registration.parameters;
     for (const ParameterSetting& setting : Settings(ink.values, module)) {
@@ -60,30 +90,27 @@ Player::InkEdit Player::PrepareInk(const SessionEvent& event, const InkEvent& in
     return edit;
 }
 
+std::vector<chalkpane::SharedStroke> Player::ReadStrokes(const SessionEvent& event, const InkEvent& ink) const {
+    chalkpane::KeptDrawing kept = chalkpane::ParseDrawing(std::string(chalkpane::journalHeader) + '\n' + ink.strokes);
+    if (!kept.error.empty()) throw cli::Error(m_session.file.string(), event.place + "/recallStrokes", kept.error);
+    return std::move(kept.strokes);
+}
+
 bool Player::EditInk(std::size_t container, const InkEdit& edit) {
-    Container& edited = m_containers[container];
-    const InstanceHistory& history = m_host.History(edited.id);
-    InkEdits& edits = edited.edits;
-    bool isDone = false;
-    switch (edit.kind) {
-        case InkEvent::Kind::Undo:
-            for (std::size_t i = 0; i < edit.number && edits.Undo(history); ++i) isDone = true;
-            break;
-        case InkEvent::Kind::Redo:
-            for (std::size_t i = 0; i < edit.number && edits.Redo(history); ++i) isDone = true;
-            break;
-        case InkEvent::Kind::Remove:
-            isDone = edits.Remove(history, edit.number);
-            break;
-        case InkEvent::Kind::Move:
-            isDone = edits.Move(history, edit.number, edit.right, edit.down);
-            break;
-        case InkEvent::Kind::Recolour:
-            isDone = edits.Recolour(history, edit.number, edit.values);
-            break;
+    ContainerInk& ink = *m_containers[container].ink;
+    if (edit.kind == InkEditKind::Keep) {
+        m_slots[edit.number - 1] = ink.Strokes();
+        return true;
     }
-    if (isDone) m_host.Rebuild(edited.id, edits.Apply(history));
-    return isDone;
+    if (edit.kind != InkEditKind::Recall || !edit.strokes.empty()) return ink.Edit(edit);
+    InkEdit recalled = edit;
+    recalled.strokes = m_slots[edit.number - 1];
+    return ink.Edit(recalled);
+}
+
+void Player::PushButton(std::size_t container, const std::string& name) {
+    m_containers[container].ink->BeforeButton(name);
+    m_host.PushButton(m_containers[container].id, name);
 }
 
 }  // namespace kel

@@ -8,6 +8,7 @@
 #include <variant>
 #include <vector>
 
+#include "kel/ink/ink_edits.h"
 #include "kel/scene/pointer_queue.h"
 #include "kel/video/video_clock.h"
 
@@ -87,11 +88,15 @@ struct VideoEvent {
 };
 // An edit of what was drawn. Strokes are numbered from 1 as they were drawn on the container.
 struct InkEvent {
-    enum class Kind : std::uint8_t { Undo, Redo, Remove, Move, Recolour };
+    using Kind = InkEditKind;
     Kind kind = Kind::Undo;
-    std::int64_t number = 1;           // how often, or which stroke
+    std::int64_t number = 1;           // how often, which stroke, or which slot
     SessionPoint by;                   // of a move, window pixels
     std::vector<SessionValue> values;  // of a recolouring, what it is drawn with
+    std::string strokes;               // of a recall, a journal's lines after its first; empty: what is in the slot
+    bool inPlace = false;              // of a recall: what is there goes
+    double fadeAfter = -1.0;           // seconds; below 0: ink does not fade
+    std::int64_t fadeOver = 50;        // fields
     std::size_t container = 0;         // index into `containers`; has a plug-in
 };
 struct SaveEvent {

@@ -108,6 +108,7 @@ struct EventDraft {
     std::optional<std::size_t> container;
     SessionPoint by;
     std::vector<SessionValue> parameters;
+    bool inPlace = false;
 };
 
 // What an event asks its container to have.
@@ -256,6 +257,54 @@ constexpr auto recolourStrokeKeys = std::to_array<EventKey>({
     {"parameters", true, [](const auto& node, auto& draft) { draft.parameters = Values(node); }},
     {"recolourStroke", true, ReadInk<InkEvent::Kind::Recolour>},
 });
+constexpr std::int64_t slots = 9;
+
+template <typename Draft>
+void TakeInk(const cli::JsonNode& node, Draft& draft, InkEvent ink) {
+    ink.inPlace = draft.inPlace;
+    ink.container = AddressedContainer<PluginOn>(node, draft);
+    draft.event.what = std::move(ink);
+}
+
+template <InkEvent::Kind kind>
+void ReadSlot(const cli::JsonNode& node, EventDraft& draft) {
+    InkEvent ink;
+    ink.kind = kind;
+    ink.number = node.Integer(1, slots);
+    TakeInk(node, draft, std::move(ink));
+}
+
+void ReadRecalledStrokes(const cli::JsonNode& node, EventDraft& draft) {
+    InkEvent ink;
+    ink.kind = InkEvent::Kind::Recall;
+    for (const cli::JsonNode& line : node.Elements(1)) ink.strokes += line.Text() + '\n';
+    TakeInk(node, draft, std::move(ink));
+}
+
+constexpr auto fadeKeys = std::to_array<cli::JsonKey<InkEvent>>({
+    {"after", true, [](const auto& node, auto& ink) { ink.fadeAfter = node.Number(0, 3600); }},
+    {"over", false, [](const auto& node, auto& ink) { ink.fadeOver = node.Integer(1, 10000); }},
+});
+
+void ReadFade(const cli::JsonNode& node, EventDraft& draft) {
+    InkEvent ink;
+    ink.kind = InkEvent::Kind::Fade;
+    if (!node.Value().is_boolean())
+        cli::ReadKeys<InkEvent>(node, fadeKeys, ink);
+    else if (node.Truth())
+        node.Refuse("must be false, or say \"after\" how many seconds");
+    TakeInk(node, draft, std::move(ink));
+}
+
+constexpr EventKey inPlaceKey = {"inPlace", false,
+                                 [](const cli::JsonNode& node, EventDraft& draft) { draft.inPlace = node.Truth(); }};
+constexpr auto keepKeys =
+    std::to_array<EventKey>({fieldKey, containerKey<PluginOn>, {"keep", true, ReadSlot<InkEvent::Kind::Keep>}});
+constexpr auto recallKeys = std::to_array<EventKey>(
+    {fieldKey, containerKey<PluginOn>, inPlaceKey, {"recall", true, ReadSlot<InkEvent::Kind::Recall>}});
+constexpr auto recallStrokesKeys = std::to_array<EventKey>(
+    {fieldKey, containerKey<PluginOn>, inPlaceKey, {"recallStrokes", true, ReadRecalledStrokes}});
+constexpr auto fadeEventKeys = std::to_array<EventKey>({fieldKey, containerKey<PluginOn>, {"fade", true, ReadFade}});
 constexpr auto saveKeys = std::to_array<EventKey>({fieldKey, {"save", true, ReadSave}});
 
 // What an event does is said by one key, which is the name of the kind.
@@ -276,6 +325,10 @@ constexpr auto eventKinds = std::to_array<EventKind>({
     {"removeStroke", removeStrokeKeys},
     {"moveStroke", moveStrokeKeys},
     {"recolourStroke", recolourStrokeKeys},
+    {"keep", keepKeys},
+    {"recall", recallKeys},
+    {"recallStrokes", recallStrokesKeys},
+    {"fade", fadeEventKeys},
     {"save", saveKeys},
 });
 
@@ -316,7 +369,7 @@ void ReadContainers(const cli::JsonNode& node, Session& session) {
 
 void ReadEvents(const cli::JsonNode& node, Session& session) {
     for (const cli::JsonNode& element : node.Elements(0)) {
-        EventDraft draft{session.containers, {}, 1, false, false, {}, {}, {}};
+        EventDraft draft{session.containers, {}, 1, false, false, {}, {}, {}, false};
         draft.event.place = element.Place();
         cli::ReadKeys<EventDraft>(element, KindOf(element).keys, draft);
         if (draft.event.LastField() >= longest) element.Refuse("ends after field " + std::to_string(longest - 1));
@@ -387,7 +440,8 @@ Session ReadSession(const std::filesystem::path& file) { return ParseSession(cli
 std::vector<SessionShape> SessionShapes() {
     std::vector<SessionShape> shapes = {Shape("session", sessionKeys), Shape("window", windowKeys),
                                         Shape("camera", cameraKeys),   Shape("container", containerKeys),
-                                        Shape("plugin", pluginKeys),   Shape("filmChange", videoKeys)};
+                                        Shape("plugin", pluginKeys),   Shape("filmChange", videoKeys),
+                                        Shape("fading", fadeKeys)};
     for (const EventKind& kind : eventKinds) shapes.push_back(Shape(kind.action, kind.keys));
     return shapes;
 }

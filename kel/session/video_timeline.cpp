@@ -49,6 +49,7 @@ bool TimelinePlay::Show(const VideoTimeline::Step& step) {
     const bool startsAnew = m_stage.player->NextField() > step.field + 1;
     if (startsAnew) {
         m_stage.player.reset();  // borrows the host
+        m_stage.player.reset();  // while its host is still there
         m_stage = m_makeStage();
     }
     Player& player = *m_stage.player;

@@ -43,12 +43,81 @@ enum class WorkspaceAction {
     Open,
     Spotlight,
     WholePicture,
-    FoldPanel
+    FoldPanel,
+    Choose,  // strokes are pointed at, not drawn
+    Fade,
+    // Nine slots each.
+    Keep,
+    Recall = Keep + 9,
+    RecallInPlace = Recall + 9,
 };
-inline constexpr auto workspaceActionNames = std::to_array<std::string_view>(
-    {"pause",   "step",     "step back", "start", "loop", "save picture", "save overlay",  "full screen", "panel",
-     "help",    "close",    "quit",      "undo",  "redo", "jump",         "jump back",     "slower",      "faster",
-     "mark in", "mark out", "no marks",  "sound", "open", "spotlight",    "whole picture", "fold panel"});
+constexpr int slotsOfActions = 9;
+
+// The action, which is one of nine, for the slot: 1 to 9.
+[[nodiscard]] constexpr WorkspaceAction OfSlot(WorkspaceAction first, int slot) {
+    return static_cast<WorkspaceAction>(static_cast<int>(first) + slot - 1);
+}
+// The slot that this one of the nine is for; 0: it is none of them.
+[[nodiscard]] constexpr int SlotOf(WorkspaceAction action, WorkspaceAction first) {
+    const int slot = static_cast<int>(action) - static_cast<int>(first) + 1;
+    return slot >= 1 && slot <= slotsOfActions ? slot : 0;
+}
+
+inline constexpr auto workspaceActionNames = std::to_array<std::string_view>({"pause",
+                                                                              "step",
+                                                                              "step back",
+                                                                              "start",
+                                                                              "loop",
+                                                                              "save picture",
+                                                                              "save overlay",
+                                                                              "full screen",
+                                                                              "panel",
+                                                                              "help",
+                                                                              "close",
+                                                                              "quit",
+                                                                              "undo",
+                                                                              "redo",
+                                                                              "jump",
+                                                                              "jump back",
+                                                                              "slower",
+                                                                              "faster",
+                                                                              "mark in",
+                                                                              "mark out",
+                                                                              "no marks",
+                                                                              "sound",
+                                                                              "open",
+                                                                              "spotlight",
+                                                                              "whole picture",
+                                                                              "fold panel",
+                                                                              "choose",
+                                                                              "fade",
+                                                                              "keep 1",
+                                                                              "keep 2",
+                                                                              "keep 3",
+                                                                              "keep 4",
+                                                                              "keep 5",
+                                                                              "keep 6",
+                                                                              "keep 7",
+                                                                              "keep 8",
+                                                                              "keep 9",
+                                                                              "recall 1",
+                                                                              "recall 2",
+                                                                              "recall 3",
+                                                                              "recall 4",
+                                                                              "recall 5",
+                                                                              "recall 6",
+                                                                              "recall 7",
+                                                                              "recall 8",
+                                                                              "recall 9",
+                                                                              "recall in place 1",
+                                                                              "recall in place 2",
+                                                                              "recall in place 3",
+                                                                              "recall in place 4",
+                                                                              "recall in place 5",
+                                                                              "recall in place 6",
+                                                                              "recall in place 7",
+                                                                              "recall in place 8",
+                                                                              "recall in place 9"});
 
 // The names and values here are the file's; FitKeys holds them against a module.
 struct ButtonKey {

@@ -108,11 +108,6 @@ void Recording::AddButton(std::int64_t field, std::size_t container, const std::
     AddLine(Dump({{"field", field}, {"container", m_names[container]}, {"button", button}}));
 }
 
-void Recording::AddInk(std::int64_t field, std::size_t container, InkEvent::Kind kind) {
-    const char* word = kind == InkEvent::Kind::Undo ? "undo" : "redo";
-    AddLine(Dump({{"field", field}, {"container", m_names[container]}, {word, 1}}));
-}
-
 void Recording::AddVideo(std::int64_t field, std::size_t container, const VideoChange& change) {
     ordered_json video = ordered_json::object();
     if (change.frame) video["frame"] = *change.frame;

@@ -30,7 +30,9 @@ public:
     void AddStep(std::int64_t field, const PointerStep& step);
     void AddSetting(std::int64_t field, std::size_t container, const Parameter& parameter, const ParameterValue& value);
     void AddButton(std::int64_t field, std::size_t container, const std::string& button);
-    void AddInk(std::int64_t field, std::size_t container, InkEvent::Kind kind);  // undo or redo, once
+    // module: what the container carries.
+    void AddInk(std::int64_t field, std::size_t container, const InkEdit& edit, const Registration& module,
+                double fieldsPerSecond);
     void AddVideo(std::int64_t field, std::size_t container, const VideoChange& change);
 
     // How many fields have been played; at least 1 is said.

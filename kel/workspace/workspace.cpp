@@ -20,7 +20,7 @@ bool HasEvents(const Session& session) { return !session.events.empty(); }
 }  // namespace
 
 Workspace::Workspace(const std::filesystem::path& file, const WorkspaceOptions& options)
-    : m_file(file), m_saver(options.saves) {
+    : m_file(file), m_saver(options.saves), m_slots(file) {
     m_host = std::make_unique<Host>(WindowSize{16, 16}, options.gl);
     CheckPictureMemory(file, options.permissions);
     m_scene = OpenWorkspaceScene(file, m_host->LoadModule(options.module).registration);
@@ -42,6 +42,7 @@ Workspace::Workspace(const std::filesystem::path& file, const WorkspaceOptions& 
 }
 
 Workspace::~Workspace() {
+    FollowInk();
     if (!m_recording) return;
     m_lastChange = NextField();
     WriteRecording();
@@ -54,6 +55,7 @@ void Workspace::StartRecording(const WorkspaceOptions& options) {
     m_recording = std::make_unique<Recording>(
         m_scene, modules, options.isModuleGiven ? options.module : std::filesystem::path(), options.permissions);
     m_recording->AddFields(m_firstOwnField);
+    StartJournals(options.recording);
     m_recordingFile = std::make_unique<RecordingFile>(options.recording, m_recording->TakeLines());
 }
 
@@ -125,19 +127,6 @@ void Workspace::Push(const std::string& button) {
     if (!IsPlayingSession()) m_pendingChanges.push_back({m_chosen, std::nullopt, {}, button});
 }
 
-void Workspace::Edit(InkEvent::Kind kind) {
-    if (!IsPlayingSession() && Chosen() != nullptr) m_pendingEdits.push_back({m_chosen, kind});
-}
-
-// Before anything else of the field, as a session that has them first plays them.
-void Workspace::DeliverEdits() {
-    for (const PendingEdit& edit : std::exchange(m_pendingEdits, {})) {
-        const std::size_t container = m_plugIns[edit.plugIn].container;
-        if (m_player->EditInk(container, {edit.kind, 1, 0, 0, {}}) && m_recording)
-            m_recording->AddInk(NextField(), container, edit.kind);
-    }
-}
-
 void Workspace::Do(const ModuleKey& key) {
     switch (key.kind) {
         case ModuleKey::Kind::Button:
@@ -202,7 +191,7 @@ void Workspace::Deliver(const PendingChange& change) {
     if (change.parameter)
         m_host->SetParameter(plugIn.id, plugIn.registration->parameters[*change.parameter].name, change.value);
     else
-        m_host->PushButton(plugIn.id, change.button);
+        m_player->PushButton(plugIn.container, change.button);
 }
 
 // What happened in that field, which has just been played. True: something did. A pointer that moves without having

@@ -10,6 +10,7 @@
 
 #include "kel/scene/host.h"
 #include "kel/session/player.h"
+#include "kel/workspace/ink_slots.h"
 #include "kel/workspace/keys_table.h"
 #include "kel/workspace/picture_saver.h"
 #include "kel/workspace/recording.h"
@@ -58,6 +59,7 @@ public:
     void Choose(std::size_t plugIn) { m_chosen = plugIn; }
 
     [[nodiscard]] Host& TheHost() { return *m_host; }
+    [[nodiscard]] WindowSize SceneSize() const { return m_host->Window(); }
     [[nodiscard]] const std::filesystem::path& File() const { return m_file; }
     [[nodiscard]] double FieldsPerSecond() const { return m_scene.session.fieldsPerSecond; }
     [[nodiscard]] const Session& Scene() const { return m_scene.session; }
@@ -81,8 +83,28 @@ public:
     void Do(const ModuleKey& key);
     // Takes back the last stroke, button or edit on the chosen plug-in's canvas, or does the one taken back last again;
     // to any depth, whatever the module's own undo can do.
-    void Undo() { Edit(InkEvent::Kind::Undo); }
-    void Redo() { Edit(InkEvent::Kind::Redo); }
+    void Undo() { Edit(InkEditKind::Undo); }
+    void Redo() { Edit(InkEditKind::Redo); }
+    // Any other edit of what was drawn on the chosen plug-in's container; so does whoever edits it for the operator.
+    void Edit(const InkEdit& edit);
+    // What was drawn there; null when the scene has no plug-in.
+    [[nodiscard]] ContainerInk* Ink() const;
+    // Keeps strokes as data from now on, so that edits need not look for them, and follows what was drawn by now: to be
+    // called when a picture has been shown.
+    void FollowInk();
+
+    // Keeps the drawing on the chosen plug-in's canvas in a slot, or brings one back; what cannot be is news.
+    void Keep(int slot);
+    void Recall(int slot, chalkpane::InkDrawing::Recall recall);
+    [[nodiscard]] InkSlots& Slots() { return m_slots; }
+    // All ink fades so many seconds after drawing has stopped, over so many, on every telestrator's canvas.
+    struct Fading {
+        bool isOn = false;
+        double after = 3;
+        double over = 1;
+    };
+    [[nodiscard]] const Fading& InkFading() const { return m_fading; }
+    void SetFading(const Fading& fading);
 
     // The scene's first video; null: there is none.
     [[nodiscard]] const VideoShow* Video() const;
@@ -118,12 +140,13 @@ private:
     };
     struct PendingEdit {
         std::size_t plugIn = 0;
-        InkEvent::Kind kind = InkEvent::Kind::Undo;
+        InkEdit edit;
     };
 
-    void Edit(InkEvent::Kind kind);
+    void Edit(InkEditKind kind);
     void DeliverEdits();
     void StartRecording(const WorkspaceOptions& options);
+    void StartJournals(const std::filesystem::path& recording);
     void WriteRecording();
     void PlayField(int fieldsDue);
     void Deliver(const PendingChange& change);
@@ -149,7 +172,10 @@ private:
     std::int64_t m_writtenUntil = 0;  // fields that the recording says
     bool m_isPressed = false;
     std::string m_toldTrouble;
+    std::string m_toldJournalTrouble;
     PictureSaver m_saver;
+    InkSlots m_slots;
+    Fading m_fading;
     std::vector<std::string> m_news;
 };
 

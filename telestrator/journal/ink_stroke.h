@@ -86,6 +86,11 @@ using SharedStroke = std::shared_ptr<const InkStroke>;
 // The stroke as it had been with the hand so much further right and down. What it became is found
 // anew there. Throws std::bad_alloc.
 [[nodiscard]] InkStroke Moved(const InkStroke& stroke, double right, double down);
+// True: what was painted before the stroke became something is what the hand did, step for sample, or nothing.
+[[nodiscard]] bool IsPaintedAsHand(const InkStroke& stroke);
+// The same as Moved with the hand at any other places, one for each of its samples; a lift's has no meaning. For
+// strokes that are painted as the hand. Throws std::bad_alloc.
+[[nodiscard]] InkStroke Redrawn(const InkStroke& stroke, const std::vector<CanvasPosition>& hand);
 
 // The stroke in another colour: four bytes in memory order red, green, blue, alpha, as the settings have it.
 [[nodiscard]] InkStroke Recoloured(const InkStroke& stroke, std::uint32_t colour);

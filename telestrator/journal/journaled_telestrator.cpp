@@ -25,9 +25,9 @@ bool JournaledTelestrator::MakeDrawing() noexcept {
 Rect JournaledTelestrator::Press(const TelestratorSettings& settings, const CanvasPosition& position) noexcept {
     if (!drawing_ || !IsPaintable(position.x, position.y)) return {};
     Commit();
-    if (IsWaiting() && (!settings.recogniseShapes || inner_.shapeCountdown < 0)) KeepAsDrawn();
+    if (IsWaiting() && !IsJoined(settings)) KeepAsDrawn();
     if (!log_.IsOpen()) {
-        inner_.shapeCountdown = -1;  // nothing waits that the press could join
+        if (!goesOnWithFinished) inner_.shapeCountdown = -1;  // nothing waits that the press could join
         log_.Begin(inner_.canvasSurface.get());
     }
     lastSettings_ = WithoutRing(settings);
@@ -161,17 +161,33 @@ void JournaledTelestrator::FinishWaiting() noexcept {
     inner_.shapeCountdown = -1;
 }
 
-bool JournaledTelestrator::ReadyToEdit() noexcept {
+bool JournaledTelestrator::ReadyToEdit(WaitingLine waiting) noexcept {
     if (!drawing_ || pointerDown_) return false;
     Commit();
-    if (IsWaiting()) FinishWaiting();
+    if (IsWaiting() && waiting == WaitingLine::Finished) FinishWaiting();
+    return true;
+}
+
+// What the hand painted of the line; what it becomes will be painted.
+void JournaledTelestrator::HideWaiting() noexcept {
+    log_.ForgetPainted();
+    ShowDrawing();
+}
+
+bool JournaledTelestrator::DropWaiting() noexcept {
+    if (!IsWaiting()) return false;
+    log_.Close();
+    inner_.shapeCountdown = -1;
+    inner_.shapeCommitPending = false;
+    ShowDrawing();
     return true;
 }
 
 // edit: an operation of the drawing. The canvas follows, and the sink is told.
 template <typename EditFunction>
-bool JournaledTelestrator::Edit(const EditFunction& edit) noexcept {
-    if (!ReadyToEdit()) return false;
+bool JournaledTelestrator::Edit(const EditFunction& edit, WaitingLine waiting) noexcept {
+    if (!ReadyToEdit(waiting)) return false;
+    if (IsWaiting()) HideWaiting();
     InkDrawing::Outcome outcome;
     if (!inner_.memory.Run([&] { outcome = edit(); })) {
         ShowDrawing();
@@ -190,15 +206,19 @@ bool JournaledTelestrator::Apply(const JournalRecord& record) noexcept {
     return true;
 }
 
-bool JournaledTelestrator::Do(const JournalRecord& record) noexcept {
-    if (!Edit([&] { return chalkpane::Apply(record, *drawing_); })) return false;
+bool JournaledTelestrator::Do(const JournalRecord& record, WaitingLine waiting) noexcept {
+    if (!Edit([&] { return chalkpane::Apply(record, *drawing_); }, waiting)) return false;
     Tell(record);
     return true;
 }
 
-bool JournaledTelestrator::Undo() noexcept { return Do({RecordKind::Undo, 0, {}, {}, log_.field}); }
+bool JournaledTelestrator::Undo(WaitingLine waiting) noexcept {
+    return Do({RecordKind::Undo, 0, {}, {}, log_.field}, waiting);
+}
 bool JournaledTelestrator::Redo() noexcept { return Do({RecordKind::Redo, 0, {}, {}, log_.field}); }
-bool JournaledTelestrator::Clear() noexcept { return Do({RecordKind::Clear, 0, {}, {}, log_.field}); }
+bool JournaledTelestrator::Clear(WaitingLine waiting) noexcept {
+    return Do({RecordKind::Clear, 0, {}, {}, log_.field}, waiting);
+}
 bool JournaledTelestrator::Remove(std::uint32_t number) noexcept {
     return Do({RecordKind::Remove, number, {}, {}, log_.field});
 }
@@ -227,6 +247,11 @@ bool JournaledTelestrator::Recolour(std::uint32_t number, std::uint32_t colour) 
     return ChangeStroke(RecordKind::Recolour, number, [&](const InkStroke& stroke) -> SharedStroke {
         return HasColour(stroke) ? std::make_shared<const InkStroke>(Recoloured(stroke, colour)) : nullptr;
     });
+}
+
+bool JournaledTelestrator::Replace(RecordKind kind, std::uint32_t number, const SharedStroke& stroke) noexcept {
+    JournalRecord record{kind, number, {}, {}, log_.field};
+    return stroke && inner_.memory.Run([&] { record.strokes.push_back(stroke); }) && Do(record);
 }
 
 bool JournaledTelestrator::Insert(const std::vector<SharedStroke>& strokes, InkDrawing::Recall recall) noexcept {

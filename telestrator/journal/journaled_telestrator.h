@@ -39,8 +39,7 @@ protected:
 //   telestrator.MoveStroke(1, 0, 50);  // the first stroke, 50 pixels down
 //
 // It has no ring of snapshots: `maxUndos` has no meaning to it, and the dab that is an undo gesture undoes here. A line
-// whose recognition is switched off while it waits stays as it was drawn, and a press in the very field in which a line
-// was finished begins a line of its own. Movements and releases without a press are
+// whose recognition is switched off while it waits stays as it was drawn. Movements and releases without a press are
 // passed over, and so is a press where nothing can be painted. While the pointer is down no edit is made; a line that
 // waits for its recognition is finished first. Nothing here throws but what says so; where memory runs out, the
 // operation does nothing and `Inner().memory` counts the failure. One thread.
@@ -59,16 +58,31 @@ public:
     bool ApplyBrushMode(const TelestratorSettings& settings, const BrushPicture* picture = nullptr) noexcept;
     void SetAspect(float aspect) noexcept { inner_.aspect = aspect; }
 
+    // What an edit does with a line that waits for its recognition: finishes it first, or takes what the hand painted
+    // of it off the canvas and lets it wait on, as the module's buttons do.
+    enum class WaitingLine : std::uint8_t { Finished, LeftToWait };
+
     // Edits. True: done, and the canvas shows it. False: there was nothing to do.
-    bool Undo() noexcept;
+    bool Undo(WaitingLine waiting = WaitingLine::Finished) noexcept;
     bool Redo() noexcept;
-    bool Clear() noexcept;
+    bool Clear(WaitingLine waiting = WaitingLine::Finished) noexcept;
     bool Remove(std::uint32_t number) noexcept;
     // By canvas pixels. What a line became is found anew at its new place.
     bool MoveStroke(std::uint32_t number, double right, double down) noexcept;
     // colour: as in the settings. False also for a stroke that only erases.
     bool Recolour(std::uint32_t number, std::uint32_t colour) noexcept;
+    // Another stroke in the place of that one; it was drawn elsewhere, or in another colour.
+    bool Replace(RecordKind kind, std::uint32_t number, const SharedStroke& stroke) noexcept;
     bool Insert(const std::vector<SharedStroke>& strokes, InkDrawing::Recall recall) noexcept;
+    // A line that waits for its recognition becomes what it will at once.
+    void FinishLine() noexcept { ReadyToEdit(); }
+    // Takes a line that waits off the canvas for good: it was never drawn. Nobody is told, as nobody was told of it.
+    bool DropWaiting() noexcept;
+
+    // A press in the very field after a line was finished goes on with the points of that line, as a plain
+    // telestrator's does; what it becomes can then not be found anew where it is moved to. Otherwise it begins a line
+    // of its own.
+    bool goesOnWithFinished = false;
 
     // All ink fades together after a pause, and is then cleared, which can be undone. Counted in fields; a line being
     // drawn, one that waits, and every edit begin the pause anew.
@@ -84,14 +98,24 @@ public:
     // What is drawn on now is in its `canvasSurface`.
     [[nodiscard]] Telestrator& Inner() { return inner_; }
     [[nodiscard]] std::int64_t Fields() const { return log_.field; }
+    // The field to come, where not every call of `Field` is one of the operator's fields.
+    void SetFields(std::int64_t fields) noexcept { log_.field = fields; }
+    // A line has been drawn and is not yet what it will become; also while it is being drawn.
+    [[nodiscard]] bool HasOpenLine() const { return log_.IsOpen(); }
+    [[nodiscard]] bool IsPointerDown() const { return pointerDown_; }
+    // A press now would go on with the line that waits.
+    [[nodiscard]] bool IsJoined(const TelestratorSettings& settings) const {
+        return IsWaiting() && settings.recogniseShapes && inner_.shapeCountdown >= 0;
+    }
 
 private:
     enum class Painted { OnCanvas, OnShapes };
 
     bool MakeDrawing() noexcept;
     [[nodiscard]] bool IsWaiting() const { return log_.IsOpen() && !pointerDown_; }
-    bool ReadyToEdit() noexcept;
+    bool ReadyToEdit(WaitingLine waiting = WaitingLine::Finished) noexcept;
     void FinishWaiting() noexcept;
+    void HideWaiting() noexcept;
     void FollowResult() noexcept;
     void PassFade() noexcept;
     void KeepAsDrawn() noexcept;
@@ -100,8 +124,8 @@ private:
     void ShowDrawing() noexcept;
     static void CopyCanvas(const TelestratorSurface& from, TelestratorSurface& to) noexcept;
     template <typename EditFunction>
-    bool Edit(const EditFunction& edit) noexcept;
-    bool Do(const JournalRecord& record) noexcept;
+    bool Edit(const EditFunction& edit, WaitingLine waiting = WaitingLine::Finished) noexcept;
+    bool Do(const JournalRecord& record, WaitingLine waiting = WaitingLine::Finished) noexcept;
     template <typename ChangeFunction>
     bool ChangeStroke(RecordKind kind, std::uint32_t number, const ChangeFunction& change) noexcept;
     void Tell(const JournalRecord& record) noexcept;

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <limits>
 #include <memory>
 #include <new>
@@ -62,6 +63,24 @@ void FinishAgain(InkStroke& stroke) {
 }
 
 }  // namespace
+
+bool IsPaintedAsHand(const InkStroke& stroke) {
+    const auto isPainted = [](const HandSample& sample) { return sample.event != HandEvent::Lift; };
+    const auto painted = std::count_if(stroke.hand.begin(), stroke.hand.end(), isPainted);
+    return stroke.finishedFrom == 0 || stroke.finishedFrom == static_cast<std::size_t>(painted);
+}
+
+InkStroke Redrawn(const InkStroke& stroke, const std::vector<CanvasPosition>& hand) {
+    InkStroke redrawn = stroke;
+    std::size_t step = 0;
+    for (std::size_t i = 0; i < redrawn.hand.size(); ++i) {
+        redrawn.hand[i].at = hand[i];
+        const bool isStep = redrawn.hand[i].event != HandEvent::Lift && step < stroke.finishedFrom;
+        if (isStep) redrawn.steps[step++].at = hand[i];
+    }
+    if (redrawn.finishedFrom < redrawn.steps.size()) FinishAgain(redrawn);
+    return redrawn;
+}
 
 InkStroke Moved(const InkStroke& stroke, double right, double down) {
     InkStroke moved = stroke;

@@ -50,6 +50,12 @@ void StrokeCaptureLog::Hand(HandEvent event, const HandSettings& settings, const
     Note([&] { stroke_.hand.push_back({event, field, at, fullPressure, SettingsIndex(settings)}); });
 }
 
+void StrokeCaptureLog::ForgetPainted() noexcept {
+    stroke_.steps.clear();
+    shapeSteps_.clear();
+    finishedFrom_ = 0;
+}
+
 void StrokeCaptureLog::Finish(const HandSettings& settings) noexcept {
     Note([&] { SettingsIndex(settings); });
 }

@@ -21,6 +21,8 @@ public:
     void Hand(HandEvent event, const HandSettings& settings, const CanvasPosition& at) noexcept;
     // A field comes: what it paints is what the stroke becomes.
     void BeforeField() noexcept { finishedFrom_ = shapeSteps_.size(); }
+    // What was painted of it so far is no longer there; what it becomes will be.
+    void ForgetPainted() noexcept;
     // It became something, with these settings.
     void Finish(const HandSettings& settings) noexcept;
     void OnStep(const TelestratorSurface& surface, StrokeStage stage, double x, double y,

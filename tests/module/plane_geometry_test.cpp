@@ -1,9 +1,10 @@
-#include "module/plane_geometry.h"
+#include "telestrator/plane_geometry.h"
 
 #include <doctest/doctest.h>
 
 #include <cmath>
 
+#include "module/unproject_point.h"
 #include "tests/module/recording_host.h"
 
 namespace chalkpane::testing {

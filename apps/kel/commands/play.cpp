@@ -19,6 +19,10 @@ void AddPlayCommand(CLI::App& program) {
         ->add_option("--saves", options->savesFolder,
                      "Where the session's own save events write (default: a folder named after the session)")
         ->type_name("FOLDER");
+    command
+        ->add_option("--journal", options->journal,
+                     "Writes a journal of the strokes drawn on the first telestrator (docs/journal.md)")
+        ->type_name("FILE");
     command->add_flag("--overwrite", options->overwrite, "Lets the session's saves replace files that are there");
     AddTimelineOption(*command, options->timeline);
     AddSessionOptions(*command, options->access);

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "apps/kel/commands/claimed_files.h"
+#include "apps/kel/commands/play_journal.h"
 #include "cli/error.h"
 #include "cli/interrupt_guard.h"
 #include "cli/progress_line.h"
@@ -71,14 +72,17 @@ struct Wanted {
 void PlayFields(TimelinePlay::Stage& stage, const PlayOptions& options, const Session& session, const Wanted& wanted,
                 Player::Rendering rendering) {
     PlayProgress progress(options, "field", session.fields);
+    PlayJournal journal(options.journal, *stage.player);
     while (!stage.player->IsOver()) {
         const auto names = stage.player->PlayField(rendering);
+        journal.Follow();
         if (wanted.saves != nullptr)
             for (const std::string& name : names)
                 wanted.outputs.Stage(stage.host->ReadFrame(), wanted.saves->FileOf(name));
         if (rendering == Player::Rendering::Wanted) wanted.outputs.TakeField(*stage.host);
         progress.Show(stage.player->NextField());
     }
+    journal.Finish();
 }
 
 void PlayAlongVideo(TimelinePlay& play, const PlayOptions& options, Outputs& outputs) {
@@ -136,7 +140,8 @@ SessionOutputs::SessionOutputs(const PlayOptions& options, const Session& sessio
 void SessionOutputs::CheckStage() const {
     if (m_options.outputs.WantDrawings() && m_stage.player->OverlayContainer() == noObject)
         throw cli::Error(m_options.session, "/containers", "no container has a plug-in, so there is no overlay");
-    if (!m_options.outputs.WantAnything() && !HasSaves(m_options, m_session))
+    PlayJournal::Check(m_options.journal, m_options.session, *m_stage.player);
+    if (!m_options.outputs.WantAnything() && !HasSaves(m_options, m_session) && m_options.journal.empty())
         std::fprintf(stderr, "kel: nothing is written: %s\n",
                      "the session saves no picture, and none of --out, --overlay, --canvas, --fill is given");
 }
@@ -144,7 +149,7 @@ void SessionOutputs::CheckStage() const {
 bool SessionOutputs::PlayVideo() {
     TimelinePlay play(*m_timeline, std::move(m_stage), [this] { return MakeStage(); });
     PlayAlongVideo(play, m_options, *m_outputs);
-    if (!m_outputs->WantLastField() && !HasSaves(m_options, m_session)) return false;
+    if (!m_outputs->WantLastField() && !HasSaves(m_options, m_session) && m_options.journal.empty()) return false;
     m_outputs->ChangeHost();
     return true;
 }
@@ -167,7 +172,7 @@ void PlaySession(const PlayOptions& options) {
     const Session session = ReadSession(options.session);
     OutputOptions wanted = options.outputs;
     wanted.inputs = InputFilesOf(session);
-    ClaimFiles(wanted, {});
+    ClaimFiles(wanted, options.journal);
     SessionOutputs outputs(options, session, wanted);
     const cli::InterruptGuard guard;
     outputs.Play();

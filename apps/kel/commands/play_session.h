@@ -17,6 +17,7 @@ struct PlayOptions {
     SessionOptions access;
     bool areSavesWritten = true;                       // what the session's own save events ask for
     std::optional<std::filesystem::path> savesFolder;  // none: one named after the session
+    std::string journal;                               // path; empty: none
     bool overwrite = false;                            // saves may replace files
     TimelineChoice timeline = TimelineChoice::Usual;
     // Told how many pictures of how many are done; false: the play stops as if it were interrupted. Empty: not told.

@@ -34,7 +34,12 @@ inline nlohmann::json CompleteSession() {
             {"field": 11, "container": "front", "redo": 1},
             {"field": 12, "container": "front", "removeStroke": 1},
             {"field": 13, "container": "front", "moveStroke": 1, "by": [3, -4]},
-            {"field": 14, "container": "front", "recolourStroke": 2, "parameters": {"Color": "#ff0000"}}
+            {"field": 14, "container": "front", "recolourStroke": 2, "parameters": {"Color": "#ff0000"}},
+            {"field": 15, "container": "front", "keep": 3},
+            {"field": 16, "container": "front", "recall": 3, "inPlace": true},
+            {"field": 17, "container": "front", "recallStrokes": ["0 clear"], "inPlace": false},
+            {"field": 18, "container": "front", "fade": {"after": 2.5, "over": 25}},
+            {"field": 19, "container": "front", "fade": false}
         ],
         "fields": 40
     })");

@@ -1,4 +1,4 @@
-#include "kel/session/ink_edits.h"
+#include "kel/ink/ink_edits.h"
 
 #include <algorithm>
 #include <iterator>
@@ -8,6 +8,8 @@
 
 namespace kel {
 namespace {
+
+using Recalled = chalkpane::InkDrawing::Recall;
 
 // Tells which of the pointer's steps belong to strokes, one after the other.
 class StrokeFinder {
@@ -34,6 +36,15 @@ std::int32_t Shifted(std::int32_t place, std::int32_t by) {
         std::clamp(std::int64_t{place} + by, std::int64_t{Limits::min()}, std::int64_t{Limits::max()}));
 }
 
+InstanceInput& InputAt(InstanceHistory& history, std::int64_t field) {
+    auto& inputs = history.inputs;
+    const auto at = std::ranges::lower_bound(inputs, field, {}, &InstanceInput::field);
+    if (at != inputs.end() && at->field == field) return *at;
+    InstanceInput input;
+    input.field = field;
+    return *inputs.insert(at, std::move(input));
+}
+
 // Parameters that have other values for a while than the operator gave them.
 class Overriding {
 public:
@@ -48,9 +59,9 @@ public:
         for (const SettingInput& setting : values) {
             const ParameterValue given = ValueBefore(setting.parameter, from);
             const ParameterValue later = TakeSettings(setting.parameter, from, to, given);
-            InputAt(from).operatorInputs.emplace_back(setting);
+            InputAt(m_history, from).operatorInputs.emplace_back(setting);
             if (to == forGood) continue;
-            auto& inputs = InputAt(to).operatorInputs;
+            auto& inputs = InputAt(m_history, to).operatorInputs;
             inputs.insert(inputs.begin(), SettingInput{setting.parameter, later});
         }
     }
@@ -82,15 +93,6 @@ private:
         return value;
     }
 
-    InstanceInput& InputAt(std::int64_t field) {
-        auto& inputs = m_history.inputs;
-        const auto at = std::ranges::lower_bound(inputs, field, {}, &InstanceInput::field);
-        if (at != inputs.end() && at->field == field) return *at;
-        InstanceInput input;
-        input.field = field;
-        return *inputs.insert(at, std::move(input));
-    }
-
     InstanceHistory& m_history;
     std::vector<ParameterValue> m_values;  // at the beginning
 };
@@ -100,7 +102,10 @@ private:
 // What the operator did since the last time. All of it comes after the edits so far, and ends what could be redone.
 void InkEdits::Follow(const InstanceHistory& history) {
     const auto add = [this](Kind kind, std::size_t number) {
-        m_done.push_back({kind, number, 0, 0, {}});
+        Operation operation;
+        operation.kind = kind;
+        operation.number = number;
+        m_done.push_back(std::move(operation));
         m_undone.clear();
     };
     // The last input may have grown.
@@ -120,6 +125,26 @@ void InkEdits::Follow(const InstanceHistory& history) {
                 add(Kind::Action, ++m_actions);
         m_inputs = std::max(m_inputs, i + 1);
     }
+}
+
+bool InkEdits::Do(const InstanceHistory& history, const InkEdit& edit) {
+    switch (edit.kind) {
+        case InkEditKind::Undo:
+            return Undo(history);
+        case InkEditKind::Redo:
+            return Redo(history);
+        case InkEditKind::Remove:
+            return Remove(history, edit.number);
+        case InkEditKind::Move:
+            return Move(history, edit.number, edit.right, edit.down);
+        case InkEditKind::Recolour:
+            return Recolour(history, edit.number, edit.values);
+        case InkEditKind::Keep:
+        case InkEditKind::Recall:
+        case InkEditKind::Fade:
+            break;  // not of the history
+    }
+    return false;
 }
 
 bool InkEdits::Undo(const InstanceHistory& history) {
@@ -147,21 +172,23 @@ bool InkEdits::Edit(const InstanceHistory& history, Operation operation) {
 }
 
 bool InkEdits::Remove(const InstanceHistory& history, std::size_t stroke) {
-    return Edit(history, {Kind::Remove, stroke, 0, 0, {}});
+    return Edit(history, {Kind::Remove, stroke, 0, 0, {}, {}, Recalled::Over, 0, 0});
 }
 
 bool InkEdits::Move(const InstanceHistory& history, std::size_t stroke, std::int32_t right, std::int32_t down) {
-    return Edit(history, {Kind::Move, stroke, right, down, {}});
+    return Edit(history, {Kind::Move, stroke, right, down, {}, {}, Recalled::Over, 0, 0});
 }
 
 bool InkEdits::Recolour(const InstanceHistory& history, std::size_t stroke, const std::vector<SettingInput>& values) {
-    return Edit(history, {Kind::Recolour, stroke, 0, 0, values});
+    return Edit(history, {Kind::Recolour, stroke, 0, 0, values, {}, Recalled::Over, 0, 0});
 }
 
 InkEdits::Look InkEdits::LookOf(std::size_t stroke) const {
     Look look;
     for (const Operation& operation : m_done) {
-        if (operation.kind == Kind::Action || operation.number != stroke) continue;
+        const bool isOfStrokes =
+            operation.kind != Kind::Action && operation.kind != Kind::Recall && operation.kind != Kind::Fade;
+        if (!isOfStrokes || operation.number != stroke) continue;
         if (operation.kind == Kind::Stroke) look.isThere = true;
         if (operation.kind == Kind::Remove) look.isThere = false;
         if (operation.kind == Kind::Recolour) look.values = operation.values;
@@ -169,6 +196,22 @@ InkEdits::Look InkEdits::LookOf(std::size_t stroke) const {
         look.down = Shifted(look.down, operation.down);
     }
     return look;
+}
+
+void InkEdits::AddRecall(const InstanceHistory& history, const InkEdit& edit, std::int64_t field) {
+    Follow(history);
+    m_done.push_back({Kind::Recall, ++m_recalls, 0, 0, {}, edit.strokes, edit.recall, field, 0});
+    m_undone.clear();
+}
+
+bool InkEdits::HasRecalls() const {
+    return std::ranges::any_of(m_done, [](const Operation& operation) { return operation.kind == Kind::Recall; });
+}
+
+void InkEdits::AddFade(const InstanceHistory& history, std::int64_t field, std::int32_t action) {
+    Follow(history);
+    m_done.push_back({Kind::Fade, ++m_fades, 0, 0, {}, {}, Recalled::Over, field, action});
+    m_undone.clear();
 }
 
 bool InkEdits::IsPushed(std::size_t action) const {
@@ -207,6 +250,9 @@ InstanceHistory InkEdits::Apply(const InstanceHistory& history) const {
         if (values.empty()) continue;
         overriding.Add(press->second - 1, next == presses.end() ? Overriding::forGood : next->second - 1, values);
     }
+    for (const Operation& operation : m_done)
+        if (operation.kind == Kind::Fade)
+            InputAt(applied, operation.field).operatorInputs.emplace_back(ActionInput{operation.action});
     return applied;
 }
 
