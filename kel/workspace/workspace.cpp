@@ -55,8 +55,9 @@ void Workspace::StartRecording(const WorkspaceOptions& options) {
     m_recording = std::make_unique<Recording>(
         m_scene, modules, options.isModuleGiven ? options.module : std::filesystem::path(), options.permissions);
     m_recording->AddFields(m_firstOwnField);
-    StartJournals(options.recording);
+    for (const Journal& journal : Journals(options.recording)) CheckJournalPlace(journal.file);
     m_recordingFile = std::make_unique<RecordingFile>(options.recording, m_recording->TakeLines());
+    for (const Journal& journal : Journals(options.recording)) journal.ink->WriteJournal(journal.file);
 }
 
 // Some seconds after something happened, too, for what a module finishes by itself; then nothing is written any more.

@@ -146,7 +146,11 @@ private:
     void Edit(InkEditKind kind);
     void DeliverEdits();
     void StartRecording(const WorkspaceOptions& options);
-    void StartJournals(const std::filesystem::path& recording);
+    struct Journal {
+        ContainerInk* ink = nullptr;
+        std::filesystem::path file;
+    };
+    [[nodiscard]] std::vector<Journal> Journals(const std::filesystem::path& recording) const;
     void WriteRecording();
     void PlayField(int fieldsDue);
     void Deliver(const PendingChange& change);

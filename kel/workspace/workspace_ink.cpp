@@ -84,16 +84,17 @@ void Workspace::FollowInk() {
     }
 }
 
-// Beside the recording "x.json": "x.journal", and "x-2.journal" for the second plug-in.
-void Workspace::StartJournals(const std::filesystem::path& recording) {
-    int number = 0;
+// Beside the recording "x.json": "x.journal", and "x-2.journal" for the second telestrator.
+std::vector<Workspace::Journal> Workspace::Journals(const std::filesystem::path& recording) const {
+    std::vector<Journal> journals;
     for (const PlugIn& plugIn : m_plugIns) {
-        ContainerInk& ink = *m_player->Containers()[plugIn.container].ink;
-        if (!ink.CanKeep()) continue;
-        ++number;
+        ContainerInk* const ink = m_player->Containers()[plugIn.container].ink.get();
+        if (!ink->CanKeep()) continue;
+        const std::size_t number = journals.size() + 1;
         const std::string suffix = number == 1 ? std::string() : "-" + std::to_string(number);
-        ink.WriteJournal(recording.parent_path() / (recording.stem().string() + suffix + ".journal"));
+        journals.push_back({ink, recording.parent_path() / (recording.stem().string() + suffix + ".journal")});
     }
+    return journals;
 }
 
 }  // namespace kel

@@ -58,7 +58,7 @@ TEST_CASE("A complete session comes out as it was written") {
     CHECK_EQ(front.plugin->module, "other.qop");
     REQUIRE_EQ(front.plugin->parameters.size(), 4);
     CHECK_EQ(session.containers[2].video, "match.mp4");
-    REQUIRE_EQ(session.events.size(), 13);
+    REQUIRE_EQ(session.events.size(), 18);
     CHECK_EQ(std::get<PointerEvent>(session.events[0].what).at.x, 10.0);
     const auto& stroke = std::get<StrokeEvent>(session.events[3].what);
     CHECK_EQ(stroke.path.size(), 3);
@@ -160,7 +160,7 @@ TEST_CASE("A missing key is refused at the object that lacks it") {
     CHECK_EQ(RefusalWithout("/events/0", "press"),
              "s.json: /events/0: the event does nothing; it needs one of \"press\", \"move\", \"release\", \"stroke\", "
              "\"set\", \"button\", \"film\", \"undo\", \"redo\", \"removeStroke\", \"moveStroke\", "
-             "\"recolourStroke\", \"save\"");
+             "\"recolourStroke\", \"keep\", \"recall\", \"recallStrokes\", \"fade\", \"save\"");
 }
 
 TEST_CASE("A value of the wrong type or beyond its limits is refused with what was wanted") {
