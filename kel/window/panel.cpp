@@ -131,8 +131,9 @@ void Panel::ShowParameters(Workspace& workspace, const FittedKeys& keys) {
 }
 
 std::vector<WorkspaceAction> Panel::Show(Workspace& workspace, const FittedKeys& keys, WindowSize window,
-                                         bool isFolded) {
+                                         const Looks& looks) {
     std::vector<WorkspaceAction> asked;
+    const bool isFolded = looks.isFolded;
     const int width = isFolded ? StripWidth() : PanelWidth();
     ImGui::SetNextWindowPos({static_cast<float>(window.width - width), 0});
     ImGui::SetNextWindowSize({static_cast<float>(width), static_cast<float>(window.height - StatusHeight())});
@@ -144,7 +145,7 @@ std::vector<WorkspaceAction> Panel::Show(Workspace& workspace, const FittedKeys&
     if (isFolded)
         ShowStrip(workspace, keys, asked);
     else
-        ShowWhole(workspace, keys, asked);
+        ShowWhole(workspace, keys, looks, asked);
     ImGui::End();
     if (isFolded) ImGui::PopStyleVar();
     return asked;
@@ -167,7 +168,8 @@ void Panel::ShowStrip(Workspace& workspace, const FittedKeys& keys, std::vector<
             ShowSwatches(workspace, keys, i, 1);
 }
 
-void Panel::ShowWhole(Workspace& workspace, const FittedKeys& keys, std::vector<WorkspaceAction>& asked) {
+void Panel::ShowWhole(Workspace& workspace, const FittedKeys& keys, const Looks& looks,
+                      std::vector<WorkspaceAction>& asked) {
     ShowPlugIns(workspace);
     ShowVideoPanel(workspace, keys, asked);
     if (workspace.Chosen() != nullptr) {
@@ -175,6 +177,7 @@ void Panel::ShowWhole(Workspace& workspace, const FittedKeys& keys, std::vector<
         const float footer = 2 * ImGui::GetFrameHeightWithSpacing() + 3 * ImGui::GetStyle().ItemSpacing.y;
         ImGui::BeginChild("parameters", {0, -footer});
         ShowParameters(workspace, keys);
+        looks.ink.Show(workspace, keys, looks.isChoosing, asked);
         ImGui::EndChild();
     } else {
         ImGui::TextDisabled("This scene has no plug-in to draw with.");

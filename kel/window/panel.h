@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "kel/window/ink_panel.h"
 #include "kel/window/value_control.h"
 #include "kel/workspace/fitted_keys.h"
 #include "kel/workspace/panel_model.h"
@@ -13,15 +14,21 @@ namespace kel {
 // The operator's panel at the right of the window, made from what the chosen plug-in's module registered.
 class Panel {
 public:
+    struct Looks {
+        InkPanel& ink;            // its part for the ink, which is the window's
+        bool isChoosing = false;  // strokes
+        bool isFolded = false;    // a narrow strip with what is needed at every stroke
+    };
     // Shows all of it and does to the workspace what the operator does. Returns what the workspace itself is asked for.
-    // isFolded: a narrow strip with what is needed at every stroke
-    std::vector<WorkspaceAction> Show(Workspace& workspace, const FittedKeys& keys, WindowSize window, bool isFolded);
+    std::vector<WorkspaceAction> Show(Workspace& workspace, const FittedKeys& keys, WindowSize window,
+                                      const Looks& looks);
 
     // Why a value was not taken, once.
     [[nodiscard]] std::optional<std::string> TakeRefusal() { return m_controls.TakeRefusal(); }
 
 private:
-    void ShowWhole(Workspace& workspace, const FittedKeys& keys, std::vector<WorkspaceAction>& asked);
+    void ShowWhole(Workspace& workspace, const FittedKeys& keys, const Looks& looks,
+                   std::vector<WorkspaceAction>& asked);
     static void ShowStrip(Workspace& workspace, const FittedKeys& keys, std::vector<WorkspaceAction>& asked);
     void ShowPlugIns(Workspace& workspace);
     void ShowParameters(Workspace& workspace, const FittedKeys& keys);

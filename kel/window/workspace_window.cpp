@@ -12,6 +12,7 @@
 #include "kel/window/brush_cursor.h"
 #include "kel/window/clean_output.h"
 #include "kel/window/help_page.h"
+#include "kel/window/ink_panel.h"
 #include "kel/window/live_feed.h"
 #include "kel/window/open_page.h"
 #include "kel/window/panel.h"
@@ -19,6 +20,7 @@
 #include "kel/window/sdl_window.h"
 #include "kel/window/spotlight.h"
 #include "kel/window/status_line.h"
+#include "kel/window/stroke_chooser.h"
 #include "kel/window/video_sound.h"
 #include "kel/window/window_painter.h"
 #include "kel/workspace/brush_look.h"
@@ -72,6 +74,8 @@ private:
     void TakeDrop(char* file);
     void DoKey(const FittedKeys::Key& key);
     void DoAction(WorkspaceAction action);
+    bool DoInk(WorkspaceAction action);
+    void ChooseAt(PointerKind kind, std::int32_t x, std::int32_t y);
     void DoDisplay(WorkspaceAction action);
     void LeaveOne();
     void ToggleSpotlight();
@@ -100,6 +104,8 @@ private:
     FieldPacer m_pacer{50, Clock::now()};  // the scene's own rate once it runs
     WindowPainter m_painter{m_window};
     Panel m_panel;
+    InkPanel m_inkPanel;
+    StrokeChooser m_chooser;
     Clock::time_point m_panelTime;  // when it was made last
     int m_panelsWanted = 0;         // how many more, until it has taken in what happened
     PictureZoom m_zoom;
@@ -167,6 +173,7 @@ void WorkspaceWindow::Open(const std::filesystem::path& file) {
     if (m_clean) m_clean->ShowAnew();
     OpenSound();
     m_panel = {};
+    m_chooser = {};
     m_isDrawing = false;
     m_painter.ShowAnew();
     StartPacing();
@@ -262,7 +269,9 @@ void WorkspaceWindow::BeginStroke() {
 // What begins on the picture belongs to it until the button is up, wherever the pointer goes.
 void WorkspaceWindow::TakePointer(PointerKind kind, std::int32_t x, std::int32_t y) {
     const bool isOnPicture = IsOnPicture(x, y);
-    if (!m_isDrawing && (!isOnPicture || kind == PointerKind::Release)) return;
+    const bool isHeld = m_isDrawing || m_chooser.IsDragging();
+    if (!isHeld && (!isOnPicture || kind == PointerKind::Release)) return;
+    if (m_chooser.IsOn()) return ChooseAt(kind, x, y);
     if (kind == PointerKind::Press) BeginStroke();
     if (m_isDrawing) m_pen.Move(Clock::now());
     if (kind != PointerKind::Move) m_isDrawing = kind == PointerKind::Press;
@@ -318,6 +327,12 @@ void WorkspaceWindow::Pan(const SDL_MouseMotionEvent& motion) {
     ShowPicture();
 }
 
+void WorkspaceWindow::ChooseAt(PointerKind kind, std::int32_t x, std::int32_t y) {
+    constexpr int framesToShow = 2;
+    m_chooser.Point(*m_workspace, kind, SceneAt(m_painter.Picture(), m_workspace->SceneSize(), x, y));
+    m_panelsWanted = std::max(m_panelsWanted, framesToShow);
+}
+
 void WorkspaceWindow::TakeKey(const SDL_KeyboardEvent& event) {
     if (ImGui::GetIO().WantTextInput) return;
     KeyChord chord;
@@ -349,6 +364,7 @@ void WorkspaceWindow::TakeDrop(char* file) {
 }
 
 void WorkspaceWindow::DoKey(const FittedKeys::Key& key) {
+    if (m_chooser.TakeKey(*m_workspace, key)) return;
     if (key.action) return DoAction(*key.action);
     if (!key.module || m_workspace->Chosen() == nullptr) return;
     try {
@@ -374,10 +390,33 @@ void WorkspaceWindow::DoAction(WorkspaceAction action) {
             return m_workspace->Undo();
         case WorkspaceAction::Redo:
             return m_workspace->Redo();
+        case WorkspaceAction::Choose:
+            if (!m_isDrawing) m_chooser.Toggle();
+            return;
         default:
+            if (DoInk(action)) return;
             DoDisplay(action);
             return m_workspace->DoVideo(action);
     }
+}
+
+// True: it was for the ink.
+bool WorkspaceWindow::DoInk(WorkspaceAction action) {
+    using Recalled = chalkpane::InkDrawing::Recall;
+    if (action == WorkspaceAction::Fade) {
+        Workspace::Fading fading = m_workspace->InkFading();
+        fading.isOn = !fading.isOn;
+        m_workspace->SetFading(fading);
+    } else if (const int kept = SlotOf(action, WorkspaceAction::Keep); kept != 0) {
+        m_workspace->Keep(kept);
+    } else if (const int over = SlotOf(action, WorkspaceAction::Recall); over != 0) {
+        m_workspace->Recall(over, Recalled::Over);
+    } else if (const int alone = SlotOf(action, WorkspaceAction::RecallInPlace); alone != 0) {
+        m_workspace->Recall(alone, Recalled::InPlace);
+    } else {
+        return false;
+    }
+    return true;
 }
 
 // What changes only how things are shown.
@@ -414,6 +453,8 @@ void WorkspaceWindow::LeaveOne() {
         m_openPage.Close();
     else if (m_hasHelp)
         m_hasHelp = false;
+    else if (m_chooser.IsOn())
+        m_chooser.Toggle();
     else if (m_spotlight.IsOn())
         m_spotlight.TurnOff();
     else if (m_window.IsFullScreen())
@@ -443,6 +484,7 @@ void WorkspaceWindow::PlacePicture() { m_painter.Place(m_zoom.Place(WholePicture
 
 void WorkspaceWindow::ShowPages() {
     ShowSessionProgress();
+    m_chooser.Show(*m_workspace, m_painter.Picture());
     if (m_hasHelp) ShowHelpPage(m_keys, WholePicture());
     if (const auto chosen = m_openPage.Show(WholePicture())) Open(*chosen);
 }
@@ -454,7 +496,9 @@ void WorkspaceWindow::MakePanel() {
     m_window.BeginPanel();
     m_spotlight.Show(m_painter.Picture(), m_workspace->TheHost().Window());
     if (m_hasPanel) {
-        for (const WorkspaceAction action : m_panel.Show(*m_workspace, m_keys, size, IsPanelFolded())) DoAction(action);
+        for (const WorkspaceAction action :
+             m_panel.Show(*m_workspace, m_keys, size, {m_inkPanel, m_chooser.IsOn(), IsPanelFolded()}))
+            DoAction(action);
         if (auto refusal = m_panel.TakeRefusal()) m_status.Tell(*refusal, now);
         m_status.Show(*m_workspace, {m_pacer, m_pictures, m_pen}, size, now);
     }
@@ -514,6 +558,7 @@ void WorkspaceWindow::RunDueFields() {
     m_feed.Take(*m_workspace, due);
     if (std::exchange(m_isTailOver, false)) m_painter.Tail().End();
     ShowPicture();
+    m_workspace->FollowInk();
 }
 
 void WorkspaceWindow::RunDueStep() {
@@ -523,6 +568,7 @@ void WorkspaceWindow::RunDueStep() {
     m_nextStep = now + shortestStep;
     m_workspace->RunStep();
     ShowPicture();
+    m_workspace->FollowInk();
 }
 
 void WorkspaceWindow::ShowPicture() {
