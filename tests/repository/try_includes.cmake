@@ -47,7 +47,7 @@ if(NOT upward EQUAL 21)
 endif()
 list(APPEND corners "chalkpane/brush>telestrator" "chalkpane/brush>module/abi" "telestrator>module" "telestrator>module/abi"
      "telestrator>cli" "module/abi>chalkpane/base" "module>kel/scene" "module>cli" "cli>picture_io" "picture_io>kel/video"
-     "kel/scene>module" "kel/window>telestrator" "kel/workspace>kel/window" "kel/session>kel/workspace"
+     "kel/scene>module" "kel/scene>telestrator" "kel/window>module" "kel/workspace>kel/window" "kel/session>kel/workspace"
      "kel/window>apps/kel" "apps/kel>apps/chalkpane" "apps/chalkpane>module" "chalkpane/base>tests")
 foreach(corner ${corners})
   string(REGEX MATCH "^(.+)>(.+)$" corner ${corner})
