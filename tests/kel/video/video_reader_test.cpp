@@ -20,7 +20,6 @@ namespace {
 
 using cli::testing::TemporaryFolder;
 using cli::testing::Thrown;
-using testing::CountedFrame;
 using testing::NumberOf;
 using testing::WriteCountedVideo;
 
