@@ -46,7 +46,6 @@ bool IsSeen(PaperWindow& window, double y, const Pixel& colour) {
 TEST_CASE("A stroke is drawn, chosen, dragged, deleted and brought back with a real pointer") {
     PaperWindow window;
     window.SetByKey("3", "BrushColor");
-    window.SetByKey("r", "RecoShapes");
     DragAlong(window, left, 0.3, right, 0.3);
     WaitUntil("the stroke is seen", [&] { return IsSeen(window, 0.3, ink); });
 
