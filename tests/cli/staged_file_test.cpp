@@ -153,6 +153,7 @@ TEST_CASE("a kill leaves all files of a set in place or none") {
         const pid_t child = fork();
         if (child == 0) {
             std::vector<StagedFile> files;
+            files.reserve(count);
             for (int i = 0; i < count; ++i) files.emplace_back(folder / ("f" + std::to_string(i)));
             (void)!write(told[1], "x", 1);
             StagedFile::CommitAll(files);

@@ -21,7 +21,6 @@ using nlohmann::json;
 using testing::CheckRefused;
 using testing::CheckRefusedLike;
 using testing::KelFolder;
-using testing::PlainSession;
 using testing::SessionWith;
 
 // A pixel of the small window is 16 of the canvas, so its middle lies up to 8 beside the middle of a soft pen.

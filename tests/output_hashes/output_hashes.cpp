@@ -80,7 +80,8 @@ void PlaySession(Report& report, const std::string& name, const kel::Session& se
         const std::string place = name + "/field " + Digits(field);
         if (field % std::max<std::int64_t>(session.fields / looks, 1) == 0 || player.IsOver())
             AddCanvases(report, place, host.State());
-        for (const std::string& save : saves) report.Add("gl/" + place + "/" + save, HashOf(host.ReadFrame()));
+        for (const std::string& save : saves)
+            report.Add(std::string("gl/").append(place).append("/").append(save), HashOf(host.ReadFrame()));
     }
     report.Add("gl/" + name + "/end/frame", HashOf(host.ReadFrame()));
     if (const kel::ObjectId container = player.OverlayContainer(); container != kel::noObject) {

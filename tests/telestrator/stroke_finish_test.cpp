@@ -7,7 +7,6 @@
 #include <limits>
 
 #include "telestrator/recognition/shape_recognition.h"
-#include "telestrator/telestrator.h"
 #include "tests/telestrator/stroke_shapes.h"
 #include "tests/telestrator/telestrator_fixture.h"
 

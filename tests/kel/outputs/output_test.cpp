@@ -15,7 +15,6 @@ namespace {
 
 using nlohmann::json;
 using testing::CheckRefused;
-using testing::CheckRefusedLike;
 using testing::Composited;
 using testing::KelFolder;
 using testing::Pixel;

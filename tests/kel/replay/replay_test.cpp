@@ -14,7 +14,6 @@
 namespace kel {
 namespace {
 
-using chalkpane::CanvasPosition;
 using chalkpane::JournaledTelestrator;
 using chalkpane::JournalFile;
 using chalkpane::TelestratorSettings;

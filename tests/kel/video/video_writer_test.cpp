@@ -222,7 +222,7 @@ TEST_CASE("A picture that is repeated gives the same file as one that is written
             VideoWriter written(folder / ("written" + ending), settings);
             VideoWriter repeated(folder / ("repeated" + ending), settings);
             for (std::int64_t index = 0; index < 60; ++index) {
-                const picture_io::Picture picture = testing::CountedFrame(index / 7, 33, 18);
+                const picture_io::Picture picture = CountedFrame(index / 7, 33, 18);
                 written.Write(picture);
                 if (index % 7 == 0)
                     repeated.Write(picture);

@@ -92,6 +92,7 @@ TEST_CASE("a stroke of thousands of samples beside the region is exact in it") {
     SessionMaker maker(63);
     const Image canvas = InkedCanvas(maker);
     std::vector<CanvasPosition> places;
+    places.reserve(2001);
     for (int i = 0; i < 2000; ++i) places.push_back({400 + 300 * std::cos(i * 0.9), 600 + 300 * std::sin(i * 1.3)});
     places.push_back({20, 20});
     CheckInRegion(StrokeThrough(places, {false, 1, Colour::fromIndex(3)}), canvas, Rect(0, 0, 60, 60));

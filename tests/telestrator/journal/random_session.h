@@ -130,7 +130,8 @@ private:
         const double width = Real(40, 160);
         const double height = Number(0, 1) == 1 ? width : Real(40, 160);
         std::vector<CanvasPosition> path;
-        for (double t = 0; t < 6.4; t += 0.2) {
+        for (int i = 0; i < 32; ++i) {
+            const double t = i * 0.2;
             path.push_back(
                 {centre.x + width * std::cos(t) + Real(-1, 1), centre.y + height * std::sin(t) + Real(-1, 1)});
         }
@@ -142,7 +143,10 @@ private:
         const double half = Real(50, 120);
         const auto line = [&](double slope) {
             std::vector<CanvasPosition> path;
-            for (double t = -1; t <= 1; t += 0.125) path.push_back({centre.x + half * t, centre.y + half * slope * t});
+            for (int i = -8; i <= 8; ++i) {
+                const double t = i * 0.125;
+                path.push_back({centre.x + half * t, centre.y + half * slope * t});
+            }
             return path;
         };
         return {line(Real(0.7, 1.2)), line(Real(-1.2, -0.7))};
