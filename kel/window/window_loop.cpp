@@ -1,0 +1,245 @@
+#include "kel/window/window_loop.h"
+
+#include <backends/imgui_impl_sdl.h>
+#include <imgui.h>
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+#include "cli/error.h"
+#include "kel/window/help_page.h"
+#include "kel/window/panel_style.h"
+
+namespace kel {
+namespace {
+
+// The next recording when another file is opened: "match.json" is followed by "match-2.json".
+std::filesystem::path NumberedRecording(const std::filesystem::path& file, int number) {
+    if (file.empty() || number == 1) return file;
+    return file.parent_path() / (file.stem().string() + "-" + std::to_string(number) + file.extension().string());
+}
+
+// Less than the panel and something to draw on beside it.
+bool IsNarrow(int windowWidth) { return windowWidth < 2 * PanelWidth() + StripWidth(); }
+
+}  // namespace
+
+WindowLoop::WindowLoop(const WindowOptions& options) : m_options(options) {
+    m_options.workspace.gl = GlSource::Current;
+    // What is written while one draws is what is seen.
+    if (options.live == nullptr) m_options.workspace.videoConversion = VideoConversion::Fast;
+    const WindowSize room = m_window.Room();
+    m_workspace = std::make_unique<Workspace>(m_options.file, m_options.workspace);
+    OpenSound();
+    FitTheKeys(m_options.areKeysGiven ? KeyFit::All : KeyFit::WhatFits);
+    const int panelWidth = IsNarrow(room.width) ? StripWidth() : PanelWidth();
+    const WindowSize shown = FirstSize(m_workspace->TheHost().Window(), {std::max(room.width - panelWidth, 64),
+                                                                         std::max(room.height - StatusHeight(), 64)});
+    m_window.SetTitle(m_workspace->File().filename().string() + " - kel");
+    m_window.Show({shown.width + panelWidth,
+                   std::max(shown.height, std::min(560, room.height - StatusHeight())) + StatusHeight()});
+    m_recent.Add(m_options.file);
+    if (m_options.hasCleanOutput)
+        m_clean =
+            std::make_unique<CleanOutput>("kel clean output", m_workspace->TheHost().Window(), m_options.cleanDisplay);
+}
+
+void WindowLoop::FitTheKeys(KeyFit fit) {
+    m_fitted = m_workspace->Chosen() == nullptr ? nullptr : m_workspace->Chosen()->registration;
+    m_keys = FitKeys(m_options.keys, m_fitted, fit);
+}
+
+void WindowLoop::Open(const std::filesystem::path& file) {
+    WorkspaceOptions options = m_options.workspace;
+    options.recording = NumberedRecording(options.recording, m_opened + 1);
+    try {
+        m_workspace = std::make_unique<Workspace>(file, options);
+    } catch (const cli::Error& error) {
+        return m_status.Tell(error.what(), Clock::now());
+    }
+    ++m_opened;
+    m_feed.EndEarly();
+    m_recent.Add(file);
+    m_zoom.Reset();
+    m_spotlight.Forget();
+    m_painter.Tail().End();
+    if (m_clean) m_clean->ShowAnew();
+    OpenSound();
+    m_panel = {};
+    m_chooser = {};
+    m_isDrawing = false;
+    m_painter.ShowAnew();
+    StartPacing();
+    FitTheKeys(KeyFit::WhatFits);
+    m_window.SetTitle(m_workspace->File().filename().string() + " - kel");
+}
+
+void WindowLoop::OpenSound() {
+    m_sound.reset();
+    if (m_workspace->Video() != nullptr) m_sound = std::make_unique<VideoSound>(m_workspace->VideoFile());
+}
+
+// Faster and slower than it was taken there is none.
+void WindowLoop::FollowWithSound() {
+    const VideoShow* video = m_workspace->Video();
+    if (!m_sound || video == nullptr) return;
+    const VideoClock& clock = video->Clock();
+    const bool isRunning = clock.IsRunning(m_workspace->NextField()) && clock.Speed() == 1;
+    m_sound->SetMuted(m_isMuted);
+    m_sound->Follow({static_cast<double>(m_workspace->VideoFrame()) / video->FramesPerSecond(), isRunning});
+}
+
+WindowSize WindowLoop::Free() const {
+    const WindowSize size = m_window.Size();
+    if (!m_hasPanel) return size;
+    const int panelWidth = IsPanelFolded() ? StripWidth() : PanelWidth();
+    return {std::max(size.width - panelWidth, 1), std::max(size.height - StatusHeight(), 1)};
+}
+
+bool WindowLoop::IsPanelFolded() const { return m_isFolded.value_or(IsNarrow(m_window.Size().width)); }
+
+void WindowLoop::ShowSessionProgress() {
+    if (!m_workspace->IsPlayingSession()) return;
+    ImGui::SetNextWindowPos(
+        {static_cast<float>(m_painter.Picture().x) + static_cast<float>(m_painter.Picture().width) / 2,
+         static_cast<float>(m_painter.Picture().y) + static_cast<float>(m_painter.Picture().height) / 2},
+        ImGuiCond_Always, {0.5F, 0.5F});
+    ImGui::SetNextWindowSize({320, 0});
+    ImGui::Begin("progress", nullptr, ImGuiWindowFlags_NoDecoration | ImGuiWindowFlags_NoInputs);
+    ImGui::TextUnformatted("Playing the session");
+    ImGui::ProgressBar(static_cast<float>(m_workspace->SessionProgress()), {-1, 0});
+    ImGui::End();
+}
+
+void WindowLoop::PlacePicture() { m_painter.Place(m_zoom.Place(WholePicture(), Free())); }
+
+void WindowLoop::ShowPages() {
+    ShowSessionProgress();
+    m_chooser.Show(*m_workspace, m_painter.Picture());
+    if (m_hasHelp) ShowHelpPage(m_keys, WholePicture());
+    if (const auto chosen = m_openPage.Show(WholePicture())) Open(*chosen);
+}
+
+void WindowLoop::MakePanel() {
+    const WindowSize size = m_window.Size();
+    const auto now = Clock::now();
+    PlacePicture();
+    m_window.BeginPanel();
+    m_spotlight.Show(m_painter.Picture(), m_workspace->TheHost().Window());
+    if (m_hasPanel) {
+        for (const WorkspaceAction action :
+             m_panel.Show(*m_workspace, m_keys, size, {m_inkPanel, m_chooser.IsOn(), IsPanelFolded()}))
+            DoAction(action);
+        if (auto refusal = m_panel.TakeRefusal()) m_status.Tell(*refusal, now);
+        m_status.Show(*m_workspace, {m_pacer, m_pictures, m_pen}, size, now);
+    }
+    for (const std::string& news : m_workspace->TakeNews()) m_status.Tell(news, now);
+    m_status.ShowNews(size, now);
+    ShowPages();
+    m_window.EndPanel();
+    const Registration* chosen = m_workspace->Chosen() == nullptr ? nullptr : m_workspace->Chosen()->registration;
+    if (chosen != m_fitted) FitTheKeys(KeyFit::WhatFits);
+    for (const SDL_Event& event : std::exchange(m_keysUp, {})) ImGui_ImplSDL2_ProcessEvent(&event);
+    m_panelTime = now;
+    if (m_panelsWanted > 0) --m_panelsWanted;
+}
+
+void WindowLoop::ShowPanel() {
+    MakePanel();
+    m_painter.ShowPanel(m_workspace->TheHost());
+}
+
+// What happens to the panel takes a few of its frames to be seen: what is hovered is known in the next one, what a
+// button does to the module after the next field. The pointer over the picture is nothing to it.
+void WindowLoop::NoteForPanel(const SDL_Event& event) {
+    constexpr int framesToSettle = 4;
+    const PictureArea& picture = m_painter.Picture();
+    if (event.type == SDL_MOUSEMOTION) {
+        const auto& motion = event.motion;
+        const bool isFree = picture.Contains(motion.x, motion.y) &&
+                            picture.Contains(motion.x - motion.xrel, motion.y - motion.yrel) &&
+                            !m_window.IsOnPage(motion.x, motion.y);
+        if (m_isDrawing || isFree) return;
+    }
+    m_panelsWanted = framesToSettle;
+    if (event.type == SDL_WINDOWEVENT && event.window.event == SDL_WINDOWEVENT_EXPOSED) m_painter.ShowAnew();
+}
+
+// Its figures are renewed twice a second; what happened to it shows at once, unless a stroke is being drawn.
+WindowLoop::Clock::time_point WindowLoop::NextPanel() const {
+    constexpr auto figuresTime = std::chrono::milliseconds(500);
+    constexpr auto frameTime = std::chrono::milliseconds(18);
+    return m_panelTime + (m_panelsWanted > 0 && !m_isDrawing ? Clock::duration(frameTime) : figuresTime);
+}
+
+void WindowLoop::PlaySession() {
+    constexpr auto sessionShare = std::chrono::milliseconds(30);  // between two looks at the window's events
+    m_workspace->PlaySession(sessionShare);
+    StartPacing();
+    ShowPanel();
+    ShowPicture();
+}
+
+void WindowLoop::RunDueFields() {
+    const int due = m_pacer.Due(Clock::now());
+    if (due == 0) return;
+    m_workspace->SkipVideo(m_pacer.GivenUp() - std::exchange(m_givenUp, m_pacer.GivenUp()));
+    m_workspace->RunFields(due);
+    FollowWithSound();
+    m_feed.Take(*m_workspace, due);
+    if (std::exchange(m_isTailOver, false)) m_painter.Tail().End();
+    ShowPicture();
+    m_workspace->FollowInk();
+}
+
+void WindowLoop::RunDueStep() {
+    constexpr auto shortestStep = std::chrono::nanoseconds(std::chrono::seconds(1)) / 240;
+    const auto now = Clock::now();
+    if (now < m_nextStep || !WantsStep()) return;
+    m_nextStep = now + shortestStep;
+    m_workspace->RunStep();
+    ShowPicture();
+    m_workspace->FollowInk();
+}
+
+void WindowLoop::ShowPicture() {
+    PlacePicture();
+    Host& host = m_workspace->TheHost();
+    const FrameArea changed = host.TakeChangedArea();
+    m_painter.ShowPicture(host, changed);
+    ShowClean(changed);
+    if (changed.IsEmpty()) return;
+    const auto now = Clock::now();
+    m_pictures.Add(now);
+    m_pen.Shown(now);
+}
+
+void WindowLoop::ShowClean(const FrameArea& changed) {
+    if (m_clean && m_clean->IsClosed()) m_clean.reset();
+    if (m_clean) m_clean->Show(m_workspace->TheHost(), changed);
+}
+
+void WindowLoop::Run() {
+    m_feed.Start(*m_workspace);
+    StartPacing();
+    ShowPanel();
+    while (!m_isOver) {
+        TakeEvents();
+        if (m_workspace->IsPlayingSession()) {
+            PlaySession();
+            continue;
+        }
+        RunDueStep();
+        RunDueFields();
+        if (Clock::now() >= NextPanel()) ShowPanel();
+        const auto next = std::min(m_pacer.Next(), NextPanel());
+        m_window.WaitForEvent(WantsStep() ? std::min(next, m_nextStep) : next);
+    }
+    if (m_workspace->IsPlayingSession()) return;
+    m_workspace->RunFields(1);  // in which takes effect what was done last
+    m_feed.Take(*m_workspace, 1);
+    m_feed.End(*m_workspace);
+}
+
+}  // namespace kel
