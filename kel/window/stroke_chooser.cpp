@@ -78,6 +78,7 @@ void StrokeChooser::ShowOutline(const Workspace& workspace, const PictureArea& a
     ImDrawList* const list = ImGui::GetWindowDrawList();
     for (const auto& line : workspace.Ink()->OutlineOf(stroke)) {
         std::vector<ImVec2> places;
+        places.reserve(line.size());
         for (const auto& place : line)
             places.emplace_back(static_cast<float>(area.x + (place[0] + right) * area.width / scene.width),
                                 static_cast<float>(area.y + (place[1] + down) * area.height / scene.height));
