@@ -26,6 +26,7 @@ AvInput OpenVideoInput(const std::filesystem::path& file, int& result) {
     AVDictionary* options = nullptr;
     av_dict_set(&options, "format_whitelist", "mov,mp4,matroska,webm", 0);
     av_dict_set(&options, "protocol_whitelist", "file", 0);
+    av_dict_set(&options, "enable_drefs", "0", 0);  // a track's frames lie in the video itself
     AVFormatContext* input = nullptr;
     result = avformat_open_input(&input, ("file:" + file.string()).c_str(), nullptr, &options);
     av_dict_free(&options);

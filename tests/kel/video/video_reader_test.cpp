@@ -1,19 +1,17 @@
 #include "kel/video/video_reader.h"
 
 #include <doctest/doctest.h>
-#include <sys/inotify.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <array>
 #include <filesystem>
 #include <string>
 
-#include "cli/open_file.h"
 #include "tests/cli/temporary_folder.h"
 #include "tests/cli/thrown.h"
 #include "tests/kel/pixels.h"
 #include "tests/kel/video/counted_video.h"
+#include "tests/kel/video/open_watch.h"
 
 namespace kel {
 namespace {
@@ -28,24 +26,6 @@ constexpr std::array endings{".mp4", ".mov", ".mkv", ".webm"};
 std::string ThrownByOpening(const std::filesystem::path& file) {
     return Thrown([&] { const VideoReader reader(file); });
 }
-
-// Tells whether a file was opened since it was asked last.
-class OpenWatch {
-public:
-    explicit OpenWatch(const std::string& file) : m_watch(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
-        REQUIRE(m_watch);
-        REQUIRE_GE(inotify_add_watch(m_watch.Descriptor(), file.c_str(), IN_OPEN), 0);
-    }
-    [[nodiscard]] bool SawOpening() const {
-        std::array<char, 4096> events{};
-        bool saw = false;
-        while (read(m_watch.Descriptor(), events.data(), events.size()) > 0) saw = true;
-        return saw;
-    }
-
-private:
-    cli::OpenFile m_watch;
-};
 
 }  // namespace
 
@@ -146,7 +126,7 @@ TEST_CASE("A list of other files is no video, whatever it is called, and opens n
     const TemporaryFolder folder;
     WriteCountedVideo(folder / "other.mp4", 3, 32, 32);
     const std::string other = (folder / "other.mp4").string();
-    const OpenWatch watch(other);
+    const testing::OpenWatch watch(other);
     { const VideoReader seen(other); }
     REQUIRE(watch.SawOpening());
     const std::array<std::string, 6> lists{
