@@ -16,6 +16,7 @@
 #include <jpeglib.h>
 
 #include "cli/error.h"
+#include "picture_io/png_info.h"
 
 namespace picture_io {
 namespace {
@@ -277,6 +278,7 @@ Bytes Marker(std::string_view start, const Bytes& data) {
 Markers MarkersOf(const PictureInfo& info) {
     Markers markers{Marker(exifStart, info.exif), Marker(xmpStart, info.xmp), {}, nullptr};
     for (const std::string& comment : info.comments) markers.comments.push_back(BytesOf(comment));
+    for (const std::string& comment : CommentsOf(info.texts)) markers.comments.push_back(BytesOf(comment));
     if (!info.profile.empty()) markers.profile = &info.profile;
     return markers;
 }

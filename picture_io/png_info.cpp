@@ -8,6 +8,7 @@
 #include <new>
 #include <optional>
 #include <string_view>
+#include <utility>
 
 #include "cli/error.h"
 #include "picture_io/png_chunks.h"
@@ -23,6 +24,8 @@ constexpr std::size_t signatureSize = 8;
 constexpr std::size_t chunkExtra = 12;              // length, type, checksum
 constexpr std::size_t headerEnd = 33;               // signature and the chunk IHDR
 constexpr std::size_t largestProfile = 16U << 20U;  // bytes
+constexpr std::size_t largestText = 1U << 16U;      // what a format with comments holds of one
+constexpr std::size_t mostText = 1U << 20U;         // a few bytes may unfold to many, and there may be many texts
 
 std::uint32_t WordAt(View bytes, std::size_t place) {
     std::uint32_t word = 0;
@@ -36,10 +39,9 @@ struct Chunk {
     View whole;
 };
 
-// Calls `visit` with each whole chunk behind the signature.
+// Calls `visit` with each whole chunk from `at` on.
 template <typename Visit>
-void VisitChunks(View png, Visit visit) {
-    std::size_t at = signatureSize;
+void VisitChunks(View png, std::size_t at, Visit visit) {
     while (png.size() >= at + chunkExtra) {
         const std::size_t length = WordAt(png, at);
         if (length > png.size() - at - chunkExtra) return;
@@ -57,8 +59,9 @@ std::optional<View> BehindName(View data) {
     return data.subspan(name + 2);
 }
 
-Bytes Inflated(View packed) {
-    for (std::size_t size = 1U << 16U; size <= largestProfile; size *= 4) {
+// Empty for what is damaged or unfolds to more than `largest` bytes.
+Bytes Inflated(View packed, std::size_t largest) {
+    for (std::size_t size = 1U << 16U; size <= largest; size *= 4) {
         Bytes bytes(size);
         uLongf length = size;
         const int result = uncompress(bytes.data(), &length, packed.data(), packed.size());
@@ -86,24 +89,70 @@ void AppendNamed(Bytes& data, std::string_view name, std::initializer_list<std::
 
 constexpr std::string_view xmpName = "XML:com.adobe.xmp";
 
-// The text of an iTXt chunk with XMP that is not packed: name, 0, packed, method, language, 0, translated name, 0.
-std::optional<View> XmpIn(View data) {
-    if (data.size() < xmpName.size() + 5 || !std::equal(xmpName.begin(), xmpName.end(), data.begin())) return {};
-    View rest = data.subspan(xmpName.size());
-    if (rest[0] != 0 || rest[1] != 0) return {};
-    rest = rest.subspan(3);
-    for (int names = 0; names < 2; ++names) {
-        const auto end = std::ranges::find(rest, std::uint8_t{0});
-        if (end == rest.end()) return {};
-        rest = rest.subspan(static_cast<std::size_t>(end - rest.begin()) + 1);
+std::string TextOf(View bytes) { return {bytes.begin(), bytes.end()}; }
+
+std::string FromLatin1(View bytes) {
+    std::string text;
+    for (const std::uint8_t byte : bytes) {
+        if (byte >= 0x80) text += static_cast<char>(0xC0U | byte >> 6U);
+        text += static_cast<char>(byte >= 0x80 ? 0x80U | (byte & 0x3FU) : byte);
     }
-    return rest;
+    return text;
+}
+
+struct Named {
+    std::string name;
+    View rest;
+};
+
+// A name that ends in a zero, and what is behind it.
+std::optional<Named> NameAtStart(View data) {
+    const auto end = std::ranges::find(data, std::uint8_t{0});
+    if (end == data.end()) return {};
+    const auto length = static_cast<std::size_t>(end - data.begin());
+    return Named{FromLatin1(data.first(length)), data.subspan(length + 1)};
+}
+
+struct InternationalText {
+    std::string name;
+    bool isPacked = false;
+    View text;
+};
+
+// An iTXt chunk: name, 0, packed, method, language, 0, translated name, 0, text.
+std::optional<InternationalText> InternationalTextIn(View data) {
+    const auto named = NameAtStart(data);
+    if (!named || named->rest.size() < 4) return {};
+    const auto behindLanguage = NameAtStart(named->rest.subspan(2));
+    const auto behindNames = behindLanguage ? NameAtStart(behindLanguage->rest) : std::nullopt;
+    if (!behindNames) return {};
+    return InternationalText{named->name, named->rest[0] != 0, behindNames->rest};
+}
+
+// The text of an iTXt chunk with XMP that is not packed.
+std::optional<View> XmpIn(View data) {
+    const auto text = InternationalTextIn(data);
+    if (!text || text->name != xmpName || text->isPacked) return {};
+    return text->text;
+}
+
+// Keyword and text in UTF-8; an empty text where there is none, or it cannot be unpacked.
+std::pair<std::string, std::string> TextIn(const Chunk& chunk) {
+    if (chunk.type == "iTXt") {
+        const auto text = InternationalTextIn(chunk.data);
+        if (!text) return {};
+        return {text->name, text->isPacked ? TextOf(Inflated(text->text, largestText)) : TextOf(text->text)};
+    }
+    const auto named = NameAtStart(chunk.data);
+    if (!named) return {};
+    if (chunk.type == "tEXt") return {named->name, FromLatin1(named->rest)};
+    return {named->name, named->rest.empty() ? "" : FromLatin1(Inflated(named->rest.subspan(1), largestText))};
 }
 
 void TakeChunk(const Chunk& chunk, PictureInfo& info) {
     const auto taken = [&](Bytes& to, View from) { to.assign(from.begin(), from.end()); };
     if (chunk.type == "iCCP") {
-        if (const auto packed = BehindName(chunk.data)) info.profile = Inflated(*packed);
+        if (const auto packed = BehindName(chunk.data)) info.profile = Inflated(*packed, largestProfile);
     } else if (chunk.type == "eXIf") {
         taken(info.exif, chunk.data);
     } else if (chunk.type == "pHYs" && chunk.data.size() == 9 && chunk.data[8] == 1) {
@@ -152,6 +201,18 @@ Bytes PngChunksOf(const PictureInfo& info) {
     return chunks;
 }
 
+std::vector<std::string> CommentsOf(View texts) {
+    std::vector<std::string> comments;
+    std::size_t total = 0;
+    VisitChunks(texts, 0, [&](const Chunk& chunk) {
+        if (total >= mostText) return;
+        const auto [name, text] = TextIn(chunk);
+        total += text.size();
+        if (!text.empty()) comments.push_back(name == "Comment" ? text : name + ": " + text);
+    });
+    return comments;
+}
+
 PictureInfo ReadPngInfo(View png) {
     PictureInfo info;
     const auto header =
@@ -160,7 +221,7 @@ PictureInfo ReadPngInfo(View png) {
     const bool isPalette = png[25] == 3;
     info.isGrey = header->channels <= 2 && !isPalette;
     info.hasAlpha = header->channels == 2 || header->channels == 4;
-    VisitChunks(png, [&](const Chunk& chunk) { TakeChunk(chunk, info); });
+    VisitChunks(png, signatureSize, [&](const Chunk& chunk) { TakeChunk(chunk, info); });
     return info;
 }
 

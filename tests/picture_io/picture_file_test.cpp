@@ -1,6 +1,7 @@
 #include "picture_io/picture_file.h"
 
 #include <doctest/doctest.h>
+#include <zlib.h>
 
 #include <algorithm>
 #include <array>
@@ -12,6 +13,8 @@
 #include "picture_io/decoded.h"
 #include "picture_io/exif.h"
 #include "picture_io/oriented.h"
+#include "picture_io/png_chunks.h"
+#include "picture_io/png_info.h"
 #include "tests/cli/temporary_folder.h"
 #include "tests/cli/thrown.h"
 
@@ -148,6 +151,48 @@ TEST_CASE("text goes through a PNG as it is, and a JPEG's comment through both")
     WriteOptions again;
     again.info.texts = png.texts;
     CHECK(WrittenAndRead(Counted(9, 9), PictureFormat::Png, again).info.texts == png.texts);
+}
+
+// Keyword, 0, text: in Latin-1 (0xFC is U+00FC, in UTF-8 0xC3 0xBC), deflated, and in UTF-8 with its two names.
+TEST_CASE("every text of a PNG is a comment of a JPEG, behind its keyword unless that is Comment") {
+    const auto chunk = [](std::string_view type, const std::string& data) {
+        Bytes chunks;
+        AppendChunk(chunks, type, Bytes(data.begin(), data.end()));
+        return chunks;
+    };
+    Bytes packed(100);
+    uLongf size = packed.size();
+    const std::string long100(100, 'x');
+    REQUIRE_EQ(compress(packed.data(), &size, reinterpret_cast<const Bytef*>(long100.data()), long100.size()), Z_OK);
+    WriteOptions options;
+    for (const Bytes& each :
+         {chunk("tEXt", std::string("Author\0M\xFCller", 13)), chunk("tEXt", std::string("Comment\0plain", 13)),
+          chunk("zTXt", std::string("Title\0\0", 7) +
+                            std::string(packed.begin(), packed.begin() + static_cast<std::ptrdiff_t>(size))),
+          chunk("iTXt", std::string("Source\0\0\0de\0Quelle\0here", 23)), chunk("tEXt", "no end"),
+          chunk("zTXt", std::string("Title\0\0damaged", 14))})
+        options.info.texts.insert(options.info.texts.end(), each.begin(), each.end());
+    const PictureInfo jpeg = WrittenAndRead(Counted(9, 9), PictureFormat::Jpeg, options).info;
+    CHECK(jpeg.comments ==
+          std::vector<std::string>{"Author: M\xC3\xBCller", "plain", "Title: " + long100, "Source: here"});
+}
+
+// 64 KiB and one byte of zeros take some 80 bytes; 40,000 texts of 60,000 bytes would be 2.4 GB.
+TEST_CASE("texts that unfold to more than a comment holds, or are very many, are left out") {
+    const auto texts = [](std::size_t bytes, int count) {
+        Bytes packed(1000);
+        uLongf size = packed.size();
+        const Bytes text(bytes, ' ');
+        REQUIRE_EQ(compress(packed.data(), &size, text.data(), text.size()), Z_OK);
+        Bytes data{'A', 0, 0};
+        data.insert(data.end(), packed.begin(), packed.begin() + static_cast<std::ptrdiff_t>(size));
+        Bytes chunks;
+        for (int i = 0; i < count; ++i) AppendChunk(chunks, "zTXt", data);
+        return chunks;
+    };
+    CHECK(CommentsOf(texts(65537, 1)).empty());
+    CHECK_EQ(CommentsOf(texts(65536, 1)).size(), 1);
+    CHECK_EQ(CommentsOf(texts(60000, 1000)).size(), 18);  // 17 * 60000 is below 1048576, 18 * 60000 is above
 }
 
 TEST_CASE("a profile for colours is left out of a grey picture, and one for grey out of colours") {
