@@ -2,8 +2,10 @@
 
 #include <string>
 
+#include "kel/video/video_reader.h"
 #include "picture_io/picture.h"
 #include "tests/cli/working_folder.h"
+#include "tests/kel/video/held_video.h"
 
 // Several pictures at once, streams, and films.
 
@@ -106,6 +108,21 @@ TEST_CASE("a film goes through filters frame by frame, and back") {
     CHECK(folder.Open("f2.png") == folder.Open("inverted.png"));
     CHECK_EQ(folder.Run("filter film.mkv film.mkv" + invert).exitCode, 2);
     CHECK_EQ(folder.Run("filter film.mkv one.png" + invert).exitCode, 2);
+}
+
+// The result keeps every pixel, so its frame is the one that is read of the film itself, inverted.
+TEST_CASE("a film from a phone goes through filters upright") {
+    const ManyPictures folder;
+    kel::testing::WriteHeldVideo(folder.Path("held.mp4"), {0, 1, -1, 0});
+    folder.Succeed("filter held.mp4 upright.mkv" + invert);
+    kel::VideoReader held(folder.Path("held.mp4"));
+    kel::VideoReader upright(folder.Path("upright.mkv"));
+    Picture frame = held.ReadFrame(1);
+    REQUIRE_EQ(frame.height, 64);
+    for (std::size_t i = 0; i < frame.rgba.size(); ++i)
+        if (i % 4 != 3) frame.rgba[i] = static_cast<std::uint8_t>(255 - frame.rgba[i]);
+    CHECK(upright.ReadFrame(1) == frame);
+    CHECK_EQ(upright.FrameCount(), 3);
 }
 
 TEST_CASE("a picture that shows through is laid on a colour where a format has no alpha, and a line says so") {

@@ -8,7 +8,7 @@
 #include "kel/video/video_reader.h"
 #include "tests/cli/temporary_folder.h"
 #include "tests/kel/pixels.h"
-#include "tests/kel/video/counted_video.h"
+#include "tests/kel/video/held_video.h"
 
 namespace kel {
 namespace {
@@ -16,26 +16,6 @@ namespace {
 using cli::testing::TemporaryFolder;
 
 constexpr std::array<std::int32_t, 4> upright{1, 0, 0, 1};
-
-// A video whose file says how it was held: the matrix is that of the track's header, numbers of 16.16 bits, a b u c d v
-// x y w, behind 40 bytes of others.
-void WriteHeldVideo(const std::filesystem::path& file, const std::array<std::int32_t, 4>& matrix) {
-    testing::WriteCountedVideo(file, 3, 64, 32);
-    std::string bytes = cli::testing::ReadText(file);
-    const std::size_t header = bytes.find("tkhd");
-    REQUIRE_NE(header, std::string::npos);
-    const std::size_t start = header + 4 + 40;
-    const auto put = [&](std::size_t index, std::int32_t number) {
-        const auto word = static_cast<std::uint32_t>(number) << 16U;
-        for (std::size_t byte = 0; byte < 4; ++byte)
-            bytes[start + index * 4 + byte] = static_cast<char>(word >> (24 - 8 * byte));
-    };
-    put(0, matrix[0]);
-    put(1, matrix[1]);
-    put(3, matrix[2]);
-    put(4, matrix[3]);
-    cli::testing::WriteText(file, bytes);
-}
 
 picture_io::Picture FirstFrame(const std::filesystem::path& file) { return VideoReader(file).ReadFrame(0); }
 
@@ -45,12 +25,12 @@ picture_io::Picture FirstFrame(const std::filesystem::path& file) { return Video
 // and y' = x, so a = 0, b = 1, c = -1, d = 0.
 TEST_CASE("A video from a phone stands upright") {
     const TemporaryFolder folder;
-    WriteHeldVideo(folder / "flat.mp4", upright);
+    testing::WriteHeldVideo(folder / "flat.mp4", upright);
     const picture_io::Picture flat = FirstFrame(folder / "flat.mp4");
     REQUIRE_EQ(flat.width, 64);
-    WriteHeldVideo(folder / "right.mp4", {0, 1, -1, 0});
-    WriteHeldVideo(folder / "left.mp4", {0, -1, 1, 0});
-    WriteHeldVideo(folder / "half.mp4", {-1, 0, 0, -1});
+    testing::WriteHeldVideo(folder / "right.mp4", {0, 1, -1, 0});
+    testing::WriteHeldVideo(folder / "left.mp4", {0, -1, 1, 0});
+    testing::WriteHeldVideo(folder / "half.mp4", {-1, 0, 0, -1});
     const VideoReader reader(folder / "right.mp4");
     CHECK_EQ(reader.Width(), 32);
     CHECK_EQ(reader.Height(), 64);
@@ -72,9 +52,9 @@ TEST_CASE("A video from a phone stands upright") {
 
 TEST_CASE("A display matrix that means nothing leaves a video as it is stored") {
     const TemporaryFolder folder;
-    WriteHeldVideo(folder / "flat.mp4", upright);
-    WriteHeldVideo(folder / "zero.mp4", {0, 0, 0, 0});
-    WriteHeldVideo(folder / "line.mp4", {1, 1, 0, 0});
+    testing::WriteHeldVideo(folder / "flat.mp4", upright);
+    testing::WriteHeldVideo(folder / "zero.mp4", {0, 0, 0, 0});
+    testing::WriteHeldVideo(folder / "line.mp4", {1, 1, 0, 0});
     CHECK(FirstFrame(folder / "zero.mp4") == FirstFrame(folder / "flat.mp4"));
     CHECK(FirstFrame(folder / "line.mp4") == FirstFrame(folder / "flat.mp4"));
 }

@@ -14,6 +14,7 @@
 #include "tests/cli/thrown.h"
 #include "tests/kel/pixels.h"
 #include "tests/kel/video/counted_video.h"
+#include "tests/kel/video/held_video.h"
 
 namespace kel {
 namespace {
@@ -207,6 +208,24 @@ TEST_CASE("What is saved of a film that is shown quickly has the colours that ar
         workspace.SavePicture();
     }
     CHECK_EQ(picture_io::ReadPicture(place.folder / "film-picture-001.png") == plain.ReadFrame(1), true);
+}
+
+TEST_CASE("A film from a phone stands upright in the window, and in the session that is recorded") {
+    Place place;
+    testing::WriteHeldVideo(place.folder / "held.mp4", {0, 1, -1, 0});
+    VideoReader held(place.folder / "held.mp4");
+    REQUIRE_EQ(held.Height(), 64);
+    {
+        Workspace workspace(place.folder / "held.mp4", place.options);
+        workspace.RunFields(1);
+        CHECK_EQ(workspace.TheHost().ReadFrame() == held.ReadFrame(0), true);
+    }
+    const Session session = ReadSession(place.options.recording);
+    CHECK_EQ(session.window.height, 64);
+    Host host({session.window.width, session.window.height});
+    Player player(session, host, CHALKPANE_MODULE);
+    (void)player.PlayField(Player::Rendering::Wanted);
+    CHECK_EQ(host.ReadFrame() == held.ReadFrame(0), true);
 }
 
 TEST_CASE("A film goes on where it would be after fields that were given up") {
