@@ -7,17 +7,11 @@
 #include <vector>
 
 #include "kel/scene/host.h"
+#include "kel/window/panel_pages.h"
 
 struct SDL_Window;
 
 namespace kel {
-
-// A page of the panel as it was drawn last.
-struct PanelPage {
-    FrameArea area;            // of the window
-    std::uint64_t digest = 0;  // of how it looks
-    friend bool operator==(const PanelPage&, const PanelPage&) = default;
-};
 
 // A window of the desktop with an OpenGL context of the compatibility profile, current on the thread that made it, and
 // a panel drawn in it. Throws Error when no window can be opened here.

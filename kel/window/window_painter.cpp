@@ -70,8 +70,11 @@ void WindowPainter::Place(const PictureArea& picture) {
 
 void WindowPainter::Paint(const Host& host, const FrameArea& part) {
     const FrameArea picture = PictureInWindow();
-    host.ShowFramePart(picture, Intersection(part, picture));
-    m_tail.Draw(m_picture, host.Window(), m_window.Size(), Intersection(part, picture));
+    const FrameArea seen = Intersection(part, picture);
+    if (!seen.IsEmpty()) {
+        host.ShowFramePart(picture, seen);
+        m_tail.Draw(m_picture, host.Window(), m_window.Size(), seen);
+    }
     glDisable(GL_DEPTH_TEST);
     glDisable(GL_ALPHA_TEST);
     if (!Contains(picture, part)) {
