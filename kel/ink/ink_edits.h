@@ -15,7 +15,7 @@ enum class InkEditKind : std::uint8_t { Undo, Redo, Remove, Move, Recolour, Keep
 // An edit of what was drawn on a container, with its parameters as the module knows them.
 struct InkEdit {
     InkEditKind kind = InkEditKind::Undo;
-    std::size_t number = 1;  // how often, or which stroke
+    std::size_t number = 1;  // how often, which stroke, or which slot; of a recall, 0: its strokes are here
     std::int32_t right = 0;  // window pixels
     std::int32_t down = 0;
     std::vector<SettingInput> values;

@@ -21,8 +21,8 @@ std::int64_t StrokesBefore(const Session& session, std::int64_t field) {
     });
 }
 
-const char* WordOf(InkEvent::Kind kind) {
-    switch (kind) {
+const char* WordOf(const InkEvent& ink) {
+    switch (ink.kind) {
         case InkEvent::Kind::Undo:
             return "undo";
         case InkEvent::Kind::Redo:
@@ -36,7 +36,7 @@ const char* WordOf(InkEvent::Kind kind) {
         case InkEvent::Kind::Keep:
             return "keep";
         case InkEvent::Kind::Recall:
-            return "recall";
+            return ink.strokes.empty() ? "recall" : "recallStrokes";
         case InkEvent::Kind::Fade:
             return "fade";
     }
@@ -62,12 +62,12 @@ chalkpane::FadeSettings FadeOf(const InkEvent& ink, double fieldsPerSecond) {
 
 void Player::CheckStroke(const SessionEvent& event, const InkEvent& ink) const {
     if (IsOfDrawing(ink.kind) && !m_containers[ink.container].ink->CanKeep())
-        throw cli::Error(m_session.file.string(), event.place + "/" + WordOf(ink.kind),
+        throw cli::Error(m_session.file.string(), event.place + "/" + WordOf(ink),
                          "the container's plug-in is no telestrator");
     if (!IsOfStroke(ink.kind)) return;
     if (ink.number <= StrokesBefore(m_session, event.field)) return;
     throw cli::Error(
-        m_session.file.string(), event.place + "/" + WordOf(ink.kind),
+        m_session.file.string(), event.place + "/" + WordOf(ink),
         "there is no stroke " + std::to_string(ink.number) + " before field " + std::to_string(event.field));
 }
 
@@ -80,7 +80,10 @@ InkEdit Player::PrepareInk(const SessionEvent& event, const InkEvent& ink) {
     edit.down = static_cast<std::int32_t>(std::lround(ink.by.y));
     edit.recall = ink.inPlace ? chalkpane::InkDrawing::Recall::InPlace : chalkpane::InkDrawing::Recall::Over;
     edit.fade = FadeOf(ink, m_session.fieldsPerSecond);
-    if (!ink.strokes.empty()) edit.strokes = ReadStrokes(event, ink);
+    if (!ink.strokes.empty()) {
+        edit.strokes = ReadStrokes(event, ink);
+        edit.number = 0;
+    }
     const Module& module = *m_containers[ink.container].module;
     const auto& parameters = module.registration.parameters;
     for (const ParameterSetting& setting : Settings(ink.values, module)) {
@@ -92,7 +95,7 @@ InkEdit Player::PrepareInk(const SessionEvent& event, const InkEvent& ink) {
 
 std::vector<chalkpane::SharedStroke> Player::ReadStrokes(const SessionEvent& event, const InkEvent& ink) const {
     chalkpane::KeptDrawing kept = chalkpane::ParseDrawing(std::string(chalkpane::journalHeader) + '\n' + ink.strokes);
-    if (!kept.error.empty()) throw cli::Error(m_session.file.string(), event.place + "/recallStrokes", kept.error);
+    if (!kept.error.empty()) throw cli::Error(m_session.file.string(), event.place + "/" + WordOf(ink), kept.error);
     return std::move(kept.strokes);
 }
 
@@ -102,7 +105,7 @@ bool Player::EditInk(std::size_t container, const InkEdit& edit) {
         m_slots[edit.number - 1] = ink.Strokes();
         return true;
     }
-    if (edit.kind != InkEditKind::Recall || !edit.strokes.empty()) return ink.Edit(edit);
+    if (edit.kind != InkEditKind::Recall || edit.number == 0) return ink.Edit(edit);
     InkEdit recalled = edit;
     recalled.strokes = m_slots[edit.number - 1];
     return ink.Edit(recalled);

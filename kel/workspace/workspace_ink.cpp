@@ -40,6 +40,7 @@ void Workspace::Recall(int slot, chalkpane::InkDrawing::Recall recall) {
     if (IsPlayingSession() || Ink() == nullptr || !Ink()->CanKeep()) return;
     InkEdit edit;
     edit.kind = InkEditKind::Recall;
+    edit.number = 0;
     edit.recall = recall;
     try {
         edit.strokes = m_slots.Read(slot);

@@ -7,6 +7,7 @@
 #include "telestrator/journal/journal_file.h"
 #include "tests/cli/temporary_folder.h"
 #include "tests/cli/thrown.h"
+#include "tests/kel/probe.h"
 #include "tests/kel/session/session_text.h"
 
 // Drawings as a whole, in sessions on the real module: kept and recalled, faded, and journalled.
@@ -174,6 +175,7 @@ TEST_CASE("a drawing lies at the same place of the container, whatever it was dr
     player.PlayField(Player::Rendering::Wanted);
     InkEdit recall;
     recall.kind = InkEditKind::Recall;
+    recall.number = 0;
     recall.strokes = strokes;
     CHECK(player.EditInk(0, recall));
     player.PlayField(Player::Rendering::Wanted);
@@ -186,6 +188,33 @@ TEST_CASE("strokes that a session brings along are data, and are refused in one 
     };
     CHECK_EQ(refusal("0 undo"), "s.json: /events/0/recallStrokes: line 2: there is nothing to undo");
     CHECK(refusal("0 stroke 1 circle").starts_with("s.json: /events/0/recallStrokes: line 2: "));
+}
+
+TEST_CASE("strokes that leave nothing on the canvas recall nothing, whatever a slot holds") {
+    const json kept = {Stroke(4, 10), {{"field", 20}, {"keep", 1}}, {{"field", 25}, {"button", "Clear"}}};
+    Played played(With(kept, json::array({{{"field", 30}, {"recallStrokes", json::array({"0 clear"})}}})));
+    CHECK(played.CanvasAfter(40) == Blank());
+}
+
+TEST_CASE("what only a telestrator can do is refused elsewhere, with the word that the session has for it") {
+    ProbeHooks hooks;
+    hooks.registration = testing::RegisterProbe;
+    testing::UseHooks(&hooks);
+    const auto refusal = [](const json& event) {
+        json session = PlainSession();
+        session["events"] = json::array({event});
+        return Thrown([&] {
+            const Session parsed = ParseSession(session.dump(), "s.json");
+            Host host({64, 64});
+            const Player player(parsed, host, PROBE_MODULE);
+        });
+    };
+    const std::string reason = ": the container's plug-in is no telestrator";
+    CHECK_EQ(refusal({{"field", 5}, {"recallStrokes", {"0 clear"}}}), "s.json: /events/0/recallStrokes" + reason);
+    CHECK_EQ(refusal({{"field", 5}, {"recall", 1}}), "s.json: /events/0/recall" + reason);
+    CHECK_EQ(refusal({{"field", 5}, {"keep", 1}}), "s.json: /events/0/keep" + reason);
+    CHECK_EQ(refusal({{"field", 5}, {"fade", false}}), "s.json: /events/0/fade" + reason);
+    testing::UseHooks(nullptr);
 }
 
 TEST_CASE("a journal that is written beside a session leaves the canvas of the session, edits and all") {
