@@ -19,6 +19,7 @@ struct SessionPermissions {
     bool allowModules = false;                         // whatever module a session names is loaded
     bool allowOutside = false;                         // whatever picture or video a session names is read
     std::uint64_t memory = cli::MemoryBudget::HalfOfTheMachine();  // bytes; see CheckMemory
+    bool keepsStrokes = false;  // of every telestrator, whatever the session does: its memory counts
 };
 
 // Which files a session gets. A session is data that may have come from anywhere: a module, which is a program, is

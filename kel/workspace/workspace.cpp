@@ -28,6 +28,7 @@ Workspace::Workspace(const std::filesystem::path& file, const WorkspaceOptions& 
     m_host->ResizeWindow({session.window.width, session.window.height});
     SessionPermissions permissions = options.permissions;
     permissions.files.push_back(file);
+    permissions.keepsStrokes = true;
     m_player = std::make_unique<Player>(session, *m_host, options.module, std::move(permissions));
     m_player->SetVideoConversion(options.videoConversion);
     m_firstOwnField = HasEvents(session) ? session.fields : 0;

@@ -59,8 +59,10 @@ private:
 TimelinePlay::Stage MakeStage(const Session& session, const PlayOptions& options) {
     TimelinePlay::Stage stage;
     stage.host = std::make_unique<Host>(WindowSize{session.window.width, session.window.height});
+    SessionPermissions permissions = options.access.Permissions();
+    permissions.keepsStrokes = !options.journal.empty();
     stage.player =
-        std::make_unique<Player>(session, *stage.host, options.access.DefaultModule(), options.access.Permissions());
+        std::make_unique<Player>(session, *stage.host, options.access.DefaultModule(), std::move(permissions));
     return stage;
 }
 

@@ -19,10 +19,13 @@ void WriteHeader(const std::filesystem::path& file, std::uint8_t widthHigh, std:
     cli::testing::WriteText(file, bytes);
 }
 
-std::string Refusal(const Session& session, std::uint64_t memory) {
+enum class Strokes : std::uint8_t { KeptWhereEdited, AllKept };
+
+std::string Refusal(const Session& session, std::uint64_t memory, Strokes strokes = Strokes::KeptWhereEdited) {
     return cli::testing::Thrown([&] {
         SessionPermissions permissions;
         permissions.memory = memory;
+        permissions.keepsStrokes = strokes == Strokes::AllKept;
         CheckMemory(session, SessionAccess(session, permissions), permissions);
     });
 }
@@ -67,6 +70,20 @@ TEST_CASE("Many plug-ins are counted too") {
     CHECK_EQ(Refusal(testing::Parse(json), 641 * mebibyte), "nothing");
     CHECK_EQ(Refusal(testing::Parse(json), 640 * mebibyte),
              "s.json: takes 640 MiB of memory, 64 MiB of it for a plug-in; 640 MiB are allowed (--memory)");
+}
+
+// A canvas of 1024 x 1024 pixels is 4 MiB: three of them and 32 checkpoints are 140.
+TEST_CASE("Strokes are counted where a session edits them, or the operator keeps them all") {
+    nlohmann::json json = testing::PlainSession();
+    json["containers"].push_back({{"name", "other"}, {"size", {1, 1}}, {"plugin", nlohmann::json::object()}});
+    CHECK_EQ(Refusal(testing::Parse(json), 129 * mebibyte), "nothing");
+    CHECK_EQ(Refusal(testing::Parse(json), 407 * mebibyte, Strokes::AllKept),
+             "s.json: takes 408 MiB of memory, 140 MiB of it for the strokes of a plug-in; 407 MiB are allowed "
+             "(--memory)");
+    CHECK_EQ(Refusal(testing::Parse(json), 409 * mebibyte, Strokes::AllKept), "nothing");
+    json["events"] = {{{"field", 1}, {"container", "other"}, {"fade", {{"after", 2}}}}};
+    CHECK_NE(Refusal(testing::Parse(json), 268 * mebibyte), "nothing");
+    CHECK_EQ(Refusal(testing::Parse(json), 269 * mebibyte), "nothing");
 }
 
 }  // namespace kel
