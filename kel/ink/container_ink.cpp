@@ -192,6 +192,11 @@ std::vector<chalkpane::SharedStroke> ContainerInk::Strokes() {
     return strokes;
 }
 
+std::size_t ContainerInk::StrokesKept() const {
+    const chalkpane::InkDrawing* drawing = m_follower ? m_follower->Telestrator().Drawing() : nullptr;
+    return drawing == nullptr ? 0 : drawing->Strokes().size();
+}
+
 std::optional<std::size_t> ContainerInk::StrokeAt(std::int32_t x, std::int32_t y) {
     constexpr std::int32_t nearEnough = 12;  // window pixels
     if (!CatchUp()) return std::nullopt;

@@ -41,6 +41,8 @@ public:
 
     // The strokes that are on the canvas; of a module that is no telestrator, none.
     [[nodiscard]] std::vector<chalkpane::SharedStroke> Strokes();
+    // How many there are among those that have been followed by now; looks at nothing else.
+    [[nodiscard]] std::size_t StrokesKept() const;
 
     // Pointing at strokes. The number is the one that edits take.
     [[nodiscard]] std::optional<std::size_t> StrokeAt(std::int32_t x, std::int32_t y);  // window pixels

@@ -63,7 +63,6 @@ private:
     void TakeDrop(char* file);
     void DoKey(const FittedKeys::Key& key);
     void DoAction(WorkspaceAction action);
-    bool DoInk(WorkspaceAction action);
     void ChooseAt(PointerKind kind, std::int32_t x, std::int32_t y);
     void DoDisplay(WorkspaceAction action);
     void LeaveOne();

@@ -8,6 +8,7 @@
 #include "cli/error.h"
 #include "kel/window/window_loop.h"
 #include "kel/workspace/brush_look.h"
+#include "kel/workspace/workspace_actions.h"
 
 namespace kel {
 
@@ -182,47 +183,18 @@ void WindowLoop::DoKey(const FittedKeys::Key& key) {
 
 void WindowLoop::DoAction(WorkspaceAction action) {
     switch (action) {
-        case WorkspaceAction::SavePicture:
-            return m_workspace->SavePicture();
-        case WorkspaceAction::SaveOverlay:
-            return m_workspace->SaveOverlay();
         case WorkspaceAction::Quit:
             m_isOver = true;
             return;
         case WorkspaceAction::Sound:
             m_isMuted = !m_isMuted;
             return m_status.Tell(m_isMuted ? "The sound is off" : "The sound is on", Clock::now());
-        case WorkspaceAction::Undo:
-            return m_workspace->Undo();
-        case WorkspaceAction::Redo:
-            return m_workspace->Redo();
         case WorkspaceAction::Choose:
             if (!m_isDrawing) m_chooser.Toggle();
             return;
         default:
-            if (DoInk(action)) return;
-            DoDisplay(action);
-            return m_workspace->DoVideo(action);
+            if (!DoWithoutDisplay(*m_workspace, action)) DoDisplay(action);
     }
-}
-
-// True: it was for the ink.
-bool WindowLoop::DoInk(WorkspaceAction action) {
-    using Recalled = chalkpane::InkDrawing::Recall;
-    if (action == WorkspaceAction::Fade) {
-        Workspace::Fading fading = m_workspace->InkFading();
-        fading.isOn = !fading.isOn;
-        m_workspace->SetFading(fading);
-    } else if (const int kept = SlotOf(action, WorkspaceAction::Keep); kept != 0) {
-        m_workspace->Keep(kept);
-    } else if (const int over = SlotOf(action, WorkspaceAction::Recall); over != 0) {
-        m_workspace->Recall(over, Recalled::Over);
-    } else if (const int alone = SlotOf(action, WorkspaceAction::RecallInPlace); alone != 0) {
-        m_workspace->Recall(alone, Recalled::InPlace);
-    } else {
-        return false;
-    }
-    return true;
 }
 
 // What changes only how things are shown.
