@@ -71,10 +71,9 @@ void WindowPainter::Place(const PictureArea& picture) {
 void WindowPainter::Paint(const Host& host, const FrameArea& part) {
     const FrameArea picture = PictureInWindow();
     const FrameArea seen = Intersection(part, picture);
-    if (!seen.IsEmpty()) {
-        host.ShowFramePart(picture, seen);
-        m_tail.Draw(m_picture, host.Window(), m_window.Size(), seen);
-    }
+    // Also where none of the picture is seen: it is what goes from the scene's own frame to the window.
+    host.ShowFramePart(picture, seen);
+    if (!seen.IsEmpty()) m_tail.Draw(m_picture, host.Window(), m_window.Size(), seen);
     glDisable(GL_DEPTH_TEST);
     glDisable(GL_ALPHA_TEST);
     if (!Contains(picture, part)) {
