@@ -28,7 +28,14 @@ void ShowFading(Workspace& workspace, const FittedKeys& keys) {
     ImGui::SetNextItemWidth(-1);
     constexpr double shortest = 0.5;
     constexpr double longest = 30;
-    isOther |= ImGui::SliderScalar("##fade", ImGuiDataType_Double, &fading.after, &shortest, &longest, "%.1f seconds");
+    isOther |= ImGui::SliderScalar("##after", ImGuiDataType_Double, &fading.after, &shortest, &longest, "%.1f seconds");
+    ImGui::AlignTextToFramePadding();
+    ImGui::TextDisabled("and takes");
+    ImGui::SameLine();
+    ImGui::SetNextItemWidth(-1);
+    constexpr double least = 0;
+    constexpr double most = 10;
+    isOther |= ImGui::SliderScalar("##over", ImGuiDataType_Double, &fading.over, &least, &most, "%.1f seconds");
     if (isOther) workspace.SetFading(fading);
 }
 

@@ -106,27 +106,34 @@ void Panel::ShowPlugIns(Workspace& workspace) {
     ImGui::EndCombo();
 }
 
-void Panel::ShowParameters(Workspace& workspace, const FittedKeys& keys) {
+void Panel::ShowParameters(Workspace& workspace, const FittedKeys& keys, const std::function<void()>& showInk) {
     const Registration& registration = *workspace.Chosen()->registration;
     if (m_modelled != &registration) {
         m_model = MakePanelModel(registration, ThePanelLayout());
         m_modelled = &registration;
     }
+    if (m_model.groups.empty()) showInk();
     for (const PanelModel::Group& group : m_model.groups) {
-        const auto controls = ShownControls(workspace, group);
-        if (controls.empty()) continue;
-        ImGui::Spacing();
-        if (!ImGui::CollapsingHeader(group.title.c_str(), ImGuiTreeNodeFlags_DefaultOpen)) continue;
-        for (const PanelModel::Control& control : controls) {
-            ImGui::PushID(static_cast<int>(control.parameter));
-            ImGui::BeginGroup();
-            if (registration.parameters[control.parameter].kind == ParameterKind::Colour)
-                ShowSwatches(workspace, keys, control.parameter, 8);
-            m_controls.Show(workspace, control.parameter);
-            ImGui::EndGroup();
-            Tip(control.tip);
-            ImGui::PopID();
-        }
+        ShowGroup(workspace, keys, group);
+        if (&group == &m_model.groups.front()) showInk();
+    }
+}
+
+void Panel::ShowGroup(Workspace& workspace, const FittedKeys& keys, const PanelModel::Group& group) {
+    const Registration& registration = *workspace.Chosen()->registration;
+    const auto controls = ShownControls(workspace, group);
+    if (controls.empty()) return;
+    ImGui::Spacing();
+    if (!ImGui::CollapsingHeader(group.title.c_str(), ImGuiTreeNodeFlags_DefaultOpen)) return;
+    for (const PanelModel::Control& control : controls) {
+        ImGui::PushID(static_cast<int>(control.parameter));
+        ImGui::BeginGroup();
+        if (registration.parameters[control.parameter].kind == ParameterKind::Colour)
+            ShowSwatches(workspace, keys, control.parameter, 8);
+        m_controls.Show(workspace, control.parameter);
+        ImGui::EndGroup();
+        Tip(control.tip);
+        ImGui::PopID();
     }
 }
 
@@ -176,8 +183,7 @@ void Panel::ShowWhole(Workspace& workspace, const FittedKeys& keys, const Looks&
         ShowButtons(workspace, keys);
         const float footer = 2 * ImGui::GetFrameHeightWithSpacing() + 3 * ImGui::GetStyle().ItemSpacing.y;
         ImGui::BeginChild("parameters", {0, -footer});
-        ShowParameters(workspace, keys);
-        looks.ink.Show(workspace, keys, looks.isChoosing, asked);
+        ShowParameters(workspace, keys, [&] { looks.ink.Show(workspace, keys, looks.isChoosing, asked); });
         ImGui::EndChild();
     } else {
         ImGui::TextDisabled("This scene has no plug-in to draw with.");

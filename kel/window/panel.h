@@ -31,7 +31,9 @@ private:
                    std::vector<WorkspaceAction>& asked);
     static void ShowStrip(Workspace& workspace, const FittedKeys& keys, std::vector<WorkspaceAction>& asked);
     void ShowPlugIns(Workspace& workspace);
-    void ShowParameters(Workspace& workspace, const FittedKeys& keys);
+    // showInk: called where what was drawn has its part, after the pen's.
+    void ShowParameters(Workspace& workspace, const FittedKeys& keys, const std::function<void()>& showInk);
+    void ShowGroup(Workspace& workspace, const FittedKeys& keys, const PanelModel::Group& group);
 
     ValueControls m_controls;
     const Registration* m_modelled = nullptr;  // what m_model was made from

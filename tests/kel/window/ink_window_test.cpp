@@ -1,6 +1,8 @@
 #include <doctest/doctest.h>
 #include <signal.h>
 
+#include <array>
+#include <nlohmann/json.hpp>
 #include <thread>
 
 #include "telestrator/journal/journal_file.h"
@@ -27,6 +29,30 @@ void DragAlong(PaperWindow& window, double fromX, double fromY, double toX, doub
         std::this_thread::sleep_for(std::chrono::milliseconds(22));  // a hand's pace; nothing depends on it
     }
     window.display.PressButton(false);
+}
+
+void Click(PaperWindow& window, std::int32_t x, std::int32_t y) {
+    window.display.MovePointer(x, y);
+    window.display.PressButton(true);
+    window.display.PressButton(false);
+}
+
+// The middle of what has become another picture in the panel, right of the paper and above the status line.
+std::array<std::int32_t, 2> ChangeInPanel(const PaperWindow& window, const picture_io::Picture& before,
+                                          const picture_io::Picture& after) {
+    constexpr std::int32_t status = 34;  // pixels
+    const auto place = window.display.FindWindow("paper.png - kel");
+    REQUIRE(place);
+    std::array<std::int32_t, 2> first{after.width, after.height};
+    std::array<std::int32_t, 2> last{-1, -1};
+    for (std::int32_t y = place->y; y < place->y + place->height - status; ++y)
+        for (std::int32_t x = window.area.x + window.area.width; x < place->x + place->width; ++x) {
+            if (before.At(x, y) == after.At(x, y)) continue;
+            first = {std::min(first[0], x), std::min(first[1], y)};
+            last = {std::max(last[0], x), std::max(last[1], y)};
+        }
+    REQUIRE_GE(last[0], first[0]);
+    return {(first[0] + last[0]) / 2, (first[1] + last[1]) / 2};
 }
 
 // Away from the pointer and from the outline's ends.
@@ -77,6 +103,94 @@ TEST_CASE("A stroke is drawn, chosen, dragged, deleted and brought back with a r
     std::vector<RecordKind> kinds;
     for (const chalkpane::JournalRecord& record : journal.records) kinds.push_back(record.kind);
     CHECK(kinds == std::vector<RecordKind>{RecordKind::Stroke, RecordKind::Move, RecordKind::Remove, RecordKind::Undo});
+}
+
+TEST_CASE("A chosen stroke takes the color of a key, and the panel's buttons take that back and bring it again") {
+    PaperWindow window;
+    window.SetByKey("3", "BrushColor");
+    DragAlong(window, left, 0.3, right, 0.3);
+    WaitUntil("the stroke is seen", [&] { return IsSeen(window, 0.3, ink); });
+    window.MoveOnPaper(0.5, 0.8);
+    window.WaitUntilStill();
+    const picture_io::Picture drawing = window.display.Screen();
+    window.display.TypeKey("c");
+    window.WaitUntilStill();
+    // Choose is the third of three buttons across the panel; it is lit.
+    const auto [x, y] = ChangeInPanel(window, drawing, window.display.Screen());
+    const auto place = window.display.FindWindow("paper.png - kel");
+    const std::int32_t apart = (place->x + place->width - window.area.x - window.area.width) / 3;
+
+    DragAlong(window, 0.5, 0.3, 0.5, 0.3);
+    window.display.TypeKey("6");
+    constexpr Pixel green{40, 200, 80, 255};
+    window.display.TypeKey("c");
+    WaitUntil("the stroke is green", [&] { return IsSeen(window, 0.3, green); });
+    CHECK_EQ(window.ValuesSet("BrushColor").size(), 1);  // the pen's color is what it was
+
+    Click(window, x - 2 * apart, y);
+    WaitUntil("the stroke is red again", [&] { return IsSeen(window, 0.3, ink); });
+    Click(window, x - apart, y);
+    WaitUntil("the stroke is green again", [&] { return IsSeen(window, 0.3, green); });
+    window.WaitForFields("redo", 5);
+    const picture_io::Picture live = window.SaveOverlay("paper-overlay-001.png");
+    window.Signal(SIGKILL);
+    CHECK_EQ(window.WaitForEnd(), 128 + SIGKILL);
+    CHECK_EQ(window.PlayedOverlay("run.json") == live, true);
+}
+
+TEST_CASE("A drawing kept by a key is seen small in the panel, and comes back by a press there and by keys") {
+    PaperWindow window;
+    window.SetByKey("3", "BrushColor");
+    DragAlong(window, left, 0.3, right, 0.3);
+    WaitUntil("the stroke is seen", [&] { return IsSeen(window, 0.3, ink); });
+    window.MoveOnPaper(0.5, 0.8);
+    window.WaitUntilStill();
+    const picture_io::Picture empty = window.display.Screen();
+    window.display.TypeKey("1", true);
+    const std::filesystem::path slot = window.folder / "paper-slot-1.journal";
+    WaitUntil("the drawing is kept", [&] { return std::filesystem::exists(slot); });
+    window.WaitUntilStill();
+    const auto [x, y] = ChangeInPanel(window, empty, window.display.Screen());
+    CHECK_EQ(chalkpane::ReadJournalFile(slot).records.size(), 1);
+
+    window.display.TypeKey("Delete");
+    WaitUntil("all is cleared", [&] { return IsSeen(window, 0.3, paper); });
+    DragAlong(window, left, 0.6, right, 0.6);
+    WaitUntil("another stroke is seen", [&] { return IsSeen(window, 0.6, ink); });
+    Click(window, x, y);
+    WaitUntil("the drawing is over it", [&] { return IsSeen(window, 0.3, ink) && IsSeen(window, 0.6, ink); });
+    window.display.TypeKey("z", true);
+    WaitUntil("the drawing is undone", [&] { return IsSeen(window, 0.3, paper) && IsSeen(window, 0.6, ink); });
+    window.display.TypeChord({"Alt_L"}, "1");
+    WaitUntil("the drawing is over it again", [&] { return IsSeen(window, 0.3, ink) && IsSeen(window, 0.6, ink); });
+    window.display.TypeChord({"Shift_L", "Alt_L"}, "1");
+    WaitUntil("the drawing is there alone", [&] { return IsSeen(window, 0.3, ink) && IsSeen(window, 0.6, paper); });
+}
+
+TEST_CASE("A key lets ink fade by itself in the window, undo brings it back, and the key again lets it stay") {
+    PaperWindow window;
+    window.SetByKey("3", "BrushColor");
+    DragAlong(window, left, 0.3, right, 0.3);
+    WaitUntil("the stroke is seen", [&] { return IsSeen(window, 0.3, ink); });
+    window.MoveOnPaper(0.5, 0.8);
+    window.WaitUntilStill();
+    const picture_io::Picture stays = window.display.Screen();
+    window.display.TypeKey("v");
+    WaitUntil("fading is recorded", [&] { return window.FieldOf("run.json", "fade") >= 0; });
+    // The switch and the time beside it are lit in the panel.
+    (void)ChangeInPanel(window, stays, window.display.Screen());
+    WaitUntil("the ink is all but gone", [&] { return IsSeen(window, 0.3, paper); });
+    window.WaitUntilStill();
+    window.display.TypeKey("z", true);
+    WaitUntil("the ink is back", [&] { return IsSeen(window, 0.3, ink); });
+    window.display.TypeKey("v");
+    WaitUntil("fading is off", [&] {
+        const nlohmann::json session = window.Recorded("run.json");
+        return session["events"].back().contains("fade") && session["events"].back()["fade"] == false;
+    });
+    // Longer than the three seconds of the wait and the one of fading.
+    std::this_thread::sleep_for(std::chrono::milliseconds(4500));
+    CHECK(IsSeen(window, 0.3, ink));
 }
 
 }  // namespace kel

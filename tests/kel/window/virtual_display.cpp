@@ -96,21 +96,25 @@ void VirtualDisplay::TurnWheel(int notches) {
 }
 
 void VirtualDisplay::TypeKey(const std::string& name, bool control) {
+    std::vector<std::string> held;
     const KeySym symbol = XStringToKeysym(name.c_str());
-    const KeyCode code = XKeysymToKeycode(m_display, symbol);
-    if (symbol == NoSymbol || code == 0) throw std::runtime_error("no key " + name);
-    const bool shift = XkbKeycodeToKeysym(m_display, code, 0, 0) != symbol;
-    const auto send = [&](KeyCode key, bool down) {
-        XTestFakeKeyEvent(m_display, key, down ? True : False, CurrentTime);
-    };
-    const KeyCode shiftKey = XKeysymToKeycode(m_display, XK_Shift_L);
-    const KeyCode controlKey = XKeysymToKeycode(m_display, XK_Control_L);
-    if (shift) send(shiftKey, true);
-    if (control) send(controlKey, true);
-    send(code, true);
-    send(code, false);
-    if (control) send(controlKey, false);
-    if (shift) send(shiftKey, false);
+    if (XkbKeycodeToKeysym(m_display, XKeysymToKeycode(m_display, symbol), 0, 0) != symbol)
+        held.emplace_back("Shift_L");
+    if (control) held.emplace_back("Control_L");
+    TypeChord(held, name);
+}
+
+void VirtualDisplay::TypeChord(const std::vector<std::string>& held, const std::string& name) {
+    for (const std::string& key : held) HoldKey(key, true);
+    for (const bool down : {true, false}) HoldKey(name, down);
+    for (auto key = held.rbegin(); key != held.rend(); ++key) HoldKey(*key, false);
+    XSync(m_display, False);
+}
+
+void VirtualDisplay::HoldKey(const std::string& name, bool down) {
+    const KeyCode code = XKeysymToKeycode(m_display, XStringToKeysym(name.c_str()));
+    if (code == 0) throw std::runtime_error("no key " + name);
+    XTestFakeKeyEvent(m_display, code, down ? True : False, CurrentTime);
     XSync(m_display, False);
 }
 

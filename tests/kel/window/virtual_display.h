@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "picture_io/picture.h"
 
@@ -45,6 +46,9 @@ public:
     void TurnWheel(int notches);  // above 0: away from the hand
     // A key by its name in X, such as "r", "bracketright", "question"; with the modifiers it takes.
     void TypeKey(const std::string& name, bool control = false);
+    // With others held down, such as "Alt_L".
+    void TypeChord(const std::vector<std::string>& held, const std::string& name);
+    void HoldKey(const std::string& name, bool down);
     void TypeText(const std::string& letters);
 
     // The window whose title ends so; nothing while none is on the screen.
