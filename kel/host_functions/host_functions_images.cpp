@@ -9,7 +9,7 @@
 
 #include "kel/host_functions/host_call.h"
 #include "kel/scene/gl.h"
-#include "kel/scene/scene_renderer.h"
+#include "kel/scene/image_texture.h"
 #include "kel/scene/stored_upload.h"
 
 // Images and textures.

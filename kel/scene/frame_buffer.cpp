@@ -1,5 +1,6 @@
 #include "kel/scene/frame_buffer.h"
 
+#include <algorithm>
 #include <string>
 
 #include "cli/error.h"
@@ -18,6 +19,13 @@ GLuint AttachStorage(GLenum place, GLenum format, std::int32_t width, std::int32
 }
 
 }  // namespace
+
+FrameArea Intersection(const FrameArea& one, const FrameArea& other) {
+    const std::int32_t x = std::max(one.x, other.x);
+    const std::int32_t y = std::max(one.y, other.y);
+    return {x, y, std::max(std::min(one.x + one.width, other.x + other.width) - x, 0),
+            std::max(std::min(one.y + one.height, other.y + other.height) - y, 0)};
+}
 
 FrameBuffer::FrameBuffer(std::int32_t width, std::int32_t height) : m_width(width), m_height(height) {
     if (width < 1 || height < 1 || width > picture_io::largestPictureSide || height > picture_io::largestPictureSide)
@@ -60,6 +68,11 @@ picture_io::Picture FrameBuffer::Read(const FrameArea& area) const {
     // Blending leaves an alpha behind that means nothing: behind everything stands black.
     for (std::size_t alpha = 3; alpha < picture.rgba.size(); alpha += 4) picture.rgba[alpha] = 255;
     return picture_io::Flipped(picture);
+}
+
+void FrameBuffer::Copy(std::uint32_t texture, std::int32_t x, std::int32_t y, const FrameArea& area) const {
+    glCopyImageSubData(texture, GL_TEXTURE_2D, 0, x, y, 0, m_colour, GL_RENDERBUFFER, 0, area.x, area.y, 0, area.width,
+                       area.height, 1);
 }
 
 void FrameBuffer::ShowIn(const FrameArea& area, std::uint32_t target) const {

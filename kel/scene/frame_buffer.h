@@ -17,6 +17,9 @@ struct FrameArea {
     friend bool operator==(const FrameArea&, const FrameArea&) = default;
 };
 
+// Both at once; empty: they do not meet.
+[[nodiscard]] FrameArea Intersection(const FrameArea& one, const FrameArea& other);
+
 // What the scene is drawn into: colour and depth, in the size of the window. The context is current in every call.
 class FrameBuffer {
 public:
@@ -36,6 +39,8 @@ public:
     [[nodiscard]] picture_io::Picture Read() const;  // opaque
     // The part inside the area, which is not empty and lies within.
     [[nodiscard]] picture_io::Picture Read(const FrameArea& area) const;
+    // Copies a part of a texture of GL_RGBA8, from its texel (x, y) on and as large as `area`, into `area`.
+    void Copy(std::uint32_t texture, std::int32_t x, std::int32_t y, const FrameArea& area) const;
     // Copies the colours over `area` of the framebuffer `target`, which stays bound.
     void ShowIn(const FrameArea& area, std::uint32_t target) const;
     void ShowIn(const FrameArea& area, const FrameBuffer& target) const { ShowIn(area, target.m_frame); }

@@ -9,6 +9,7 @@
 #include "kel/scene/canvas_picture.h"
 #include "kel/scene/gl.h"
 #include "kel/scene/host_state.h"
+#include "kel/scene/image_texture.h"
 #include "kel/scene/instance_rebuild.h"
 #include "kel/scene/overlay_picture.h"
 #include "kel/scene/scene_renderer.h"

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "kel/scene/canvas_substitute.h"
+#include "kel/scene/frame_buffer.h"
 #include "kel/scene/gl_call.h"
 #include "kel/scene/gl_context.h"
 #include "kel/scene/gl_texture.h"
@@ -38,6 +39,8 @@ struct ImageObject {
     std::uint32_t format = 0;          // GL_ALPHA, GL_RGB or GL_RGBA; one byte a channel
     std::vector<std::uint8_t> pixels;  // without gaps between rows
     std::vector<std::uint8_t> shown;   // what the texture holds, where that is known: of modules' images in GL_RGBA
+    FrameArea inked;                   // around all of that which is not clear black
+    bool isOpaque = false;             // of the host's own pictures: known to be so everywhere
     bool mipmaps = false;              // the host's own pictures: smooth also when seen small or at a slant
     bool areMipmapsStale = false;      // they are made when they are first seen
     GlTexture texture;                 // none until the image is built

@@ -5,7 +5,9 @@
 #include <cmath>
 #include <utility>
 
+#include "kel/scene/drawing_plan.h"
 #include "kel/scene/gl.h"
+#include "kel/scene/image_texture.h"
 #include "kel/scene/matrix.h"
 #include "kel/scene/picking.h"
 #include "kel/scene/seen_size.h"
@@ -160,6 +162,7 @@ struct Pass {
     bool draws = true;
     bool repeats = false;             // what the callbacks asked of OpenGL last, in place of the callbacks
     const FrameArea* part = nullptr;  // null: all of the picture
+    DrawingPlan plan{};
 };
 
 void Limit(const FrameArea& part) {
@@ -215,27 +218,60 @@ void FinishUploads(HostState& state) {
     state.changes.ForgetUploads();
 }
 
-void RenderContainer(HostState& state, ContainerObject& container, const Pass& pass) {
+FrameArea WholeWindow(const HostState& state) { return {0, 0, state.window.width, state.window.height}; }
+
+void DrawContainer(HostState& state, const ContainerObject& container, const Pass& pass) {
+    if (pass.plan.hasDepth) return DrawRectangle(container.placement.size);
+    glDisable(GL_DEPTH_TEST);
+    const FrameArea limit = pass.part != nullptr ? *pass.part : WholeWindow(state);
+    const FrameArea changed = Intersection(ChangedByDrawing(state, container), limit);
+    if (changed.IsEmpty()) return;
+    if (changed != limit) Limit(changed);
+    DrawRectangle(container.placement.size);
+}
+
+void RenderContainer(HostState& state, ObjectId id, ContainerObject& container, const Pass& pass) {
     Prepare(state, container, pass.camera, pass.look);
     if (pass.part != nullptr) Limit(*pass.part);
     if (container.instance != nullptr) RunBefore(state, container, pass);
     const bool hasArea = container.placement.size[0] > 0 && container.placement.size[1] > 0;
     if (pass.look == Look::AsItIs && !pass.repeats && !state.changes.Uploads().empty()) FindUploads(state, container);
-    if (pass.draws && hasArea) DrawRectangle(container.placement.size);
+    if (pass.draws && hasArea && id != pass.plan.copied) DrawContainer(state, container, pass);
     if (container.instance != nullptr) RunAfter(state, container, pass);
 }
 
-void RunPass(HostState& state, const FrameBuffer& target, const Pass& pass) {
+void ClearFor(HostState& state, const FrameBuffer& target, const Pass& pass) {
+    const bool isCovered = !pass.plan.hasDepth && pass.plan.place == WholeWindow(state);
+    if (isCovered) return target.Bind();
+    target.BindAndClear(pass.look == Look::White ? 1 : 0);
+}
+
+void RunPlannedPass(HostState& state, const FrameBuffer& target, const Pass& pass) {
     ResetState(pass.look);
     if (pass.part != nullptr) Limit(*pass.part);
     // Without a picture to draw the clearing goes too: every upload would wait for it.
     if (pass.draws) {
-        target.BindAndClear(pass.look == Look::White ? 1 : 0);
+        ClearFor(state, target, pass);
     } else {
         target.Bind();
     }
-    state.objects.ForEach<ContainerObject>(
-        [&](ObjectId, ContainerObject& container) { RenderContainer(state, container, pass); });
+    state.objects.ForEach<ContainerObject>([&](ObjectId id, ContainerObject& container) {
+        RenderContainer(state, id, container, pass);
+        if (id == pass.plan.copied)
+            CopyPlanned(state, pass.plan, target, pass.part != nullptr ? *pass.part : WholeWindow(state));
+    });
+}
+
+// Draws with as little as gives the same pixels. What modules ask for meanwhile may need more: then all is drawn again.
+void RunPass(HostState& state, const FrameBuffer& target, Pass pass) {
+    if (!pass.draws || pass.look != Look::AsItIs || state.redraws == Redraw::Whole)
+        return RunPlannedPass(state, target, pass);
+    pass.plan = PlanDrawing(state, pass.camera);
+    RunPlannedPass(state, target, pass);
+    if (pass.repeats || !pass.plan.LeavesOut() || PlanDrawing(state, pass.camera) == pass.plan) return;
+    pass.repeats = true;
+    pass.plan = {};
+    RunPlannedPass(state, target, pass);
 }
 
 // True: what modules ask of OpenGL is what the picture was drawn with.
@@ -247,8 +283,6 @@ bool AreCallsAsDrawn(HostState& state) {
     });
     return areEqual;
 }
-
-FrameArea WholeWindow(const HostState& state) { return {0, 0, state.window.width, state.window.height}; }
 
 // Beyond half of the window a part costs more than all.
 bool IsLarge(const FrameArea& part, const FrameArea& window) {
@@ -321,7 +355,7 @@ void DrawAgain(HostState& state, const FrameBuffer& target, Look look, const Fra
 void RunRenderCallbacks(HostState& state, ContainerObject& container) {
     ResetState(Look::AsItIs);
     state.frame->Bind();
-    RenderContainer(state, container, {CurrentCameraMatrix(state), Look::AsItIs, false});
+    RenderContainer(state, noObject, container, {CurrentCameraMatrix(state), Look::AsItIs, false});
     FinishUploads(state);
 }
 
@@ -346,47 +380,6 @@ void DrawFieldAgain(HostState& state) {
     state.changedArea = WholeWindow(state);
     state.overlay.stale = WholeWindow(state);
     ++state.pictureNumber;
-}
-
-void BuildTexture(ImageObject& image) {
-    if (image.texture.Name() == 0) image.texture = GlTexture::Generate();
-    const BoundTexture bound(image.texture);
-    glPushClientAttrib(GL_CLIENT_PIXEL_STORE_BIT);
-    glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
-    glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
-    glTexImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(image.format), image.width, image.height, 0, image.format,
-                 GL_UNSIGNED_BYTE, image.pixels.data());
-    image.areMipmapsStale = image.mipmaps;
-    if (!image.mipmaps && image.format == GL_RGBA) image.shown = image.pixels;
-    glPopClientAttrib();
-}
-
-bool ReplacePixels(ImageObject& image, const picture_io::Picture& picture) {
-    if (image.width != picture.width || image.height != picture.height || image.format != GL_RGBA) return false;
-    const std::size_t rowBytes = std::size_t{4} * static_cast<std::size_t>(picture.width);
-    const auto height = static_cast<std::size_t>(picture.height);
-    for (std::size_t row = 0; row < height; ++row)
-        std::copy_n(picture.rgba.data() + row * rowBytes, rowBytes,
-                    image.pixels.data() + (height - 1 - row) * rowBytes);
-    if (image.texture.Name() == 0) return true;
-    const BoundTexture bound(image.texture);
-    glPushClientAttrib(GL_CLIENT_PIXEL_STORE_BIT);
-    glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
-    glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
-    glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, image.width, image.height, GL_RGBA, GL_UNSIGNED_BYTE, image.pixels.data());
-    glPopClientAttrib();
-    image.areMipmapsStale = image.mipmaps;
-    return true;
-}
-
-ImageObject MakeImage(const picture_io::Picture& picture) {
-    ImageObject image;
-    image.width = picture.width;
-    image.height = picture.height;
-    image.format = GL_RGBA;
-    image.pixels = picture_io::Flipped(picture).rgba;
-    image.mipmaps = true;
-    return image;
 }
 
 }  // namespace kel

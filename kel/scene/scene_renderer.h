@@ -29,14 +29,4 @@ void RunRenderCallbacks(HostState& state, ContainerObject& container);
 // Puts OpenGL's state back to what every container starts from, whatever was left before.
 void ResetState(Look look = Look::AsItIs);
 
-// Makes the image's texture anew from its pixels.
-void BuildTexture(ImageObject& image);
-
-// Puts a picture of the same size in the place of one that MakeImage has made, in its texture too: the next frame of a
-// video. False: the sizes differ, and nothing was done.
-bool ReplacePixels(ImageObject& image, const picture_io::Picture& picture);
-
-// An image of the host's own, from a picture; smooth also when seen small. Its texture is built at its first render.
-[[nodiscard]] ImageObject MakeImage(const picture_io::Picture& picture);
-
 }  // namespace kel

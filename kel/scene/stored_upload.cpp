@@ -4,6 +4,8 @@
 #include <cstring>
 
 #include "kel/scene/gl.h"
+#include "kel/scene/inked_area.h"
+#include "kel/scene/scene_changes.h"
 
 namespace kel {
 namespace {
@@ -54,7 +56,10 @@ FrameArea StoreUpload(ImageObject& image, const FrameArea& region, std::int32_t 
         first = std::min(first, row);
         last = row;
     }
-    return {region.x, region.y + first, region.width, last - first + 1};
+    const FrameArea changed{region.x, region.y + first, region.width, last - first + 1};
+    const bool isWhole = region.width == image.width && region.height == image.height;
+    if (!changed.IsEmpty()) image.inked = isWhole ? BoxAroundInk(image) : Union(image.inked, changed);
+    return changed;
 }
 
 }  // namespace kel

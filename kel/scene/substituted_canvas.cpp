@@ -5,7 +5,7 @@
 #include <cstdint>
 
 #include "kel/scene/gl.h"
-#include "kel/scene/scene_renderer.h"
+#include "kel/scene/image_texture.h"
 #include "kel/scene/stored_upload.h"
 
 namespace kel {

@@ -31,13 +31,6 @@ std::vector<FrameArea> ChangedPages(const std::vector<PanelPage>& before, const 
 
 }  // namespace
 
-FrameArea Intersection(const FrameArea& one, const FrameArea& other) {
-    const std::int32_t x = std::max(one.x, other.x);
-    const std::int32_t y = std::max(one.y, other.y);
-    return {x, y, std::max(std::min(one.x + one.width, other.x + other.width) - x, 0),
-            std::max(std::min(one.y + one.height, other.y + other.height) - y, 0)};
-}
-
 FrameArea ShownPart(const FrameArea& changed, WindowSize scene, const FrameArea& picture) {
     constexpr std::int32_t margin = 2;  // pixels: a smoothly scaled one takes from its neighbours
     const auto along = [](std::int32_t at, std::int32_t from, std::int32_t to) {

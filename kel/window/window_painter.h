@@ -53,7 +53,4 @@ private:
 //   picture  where the picture stands, in the window's pixels from its lower left corner
 [[nodiscard]] FrameArea ShownPart(const FrameArea& changed, WindowSize scene, const FrameArea& picture);
 
-// Both at once; empty: they do not meet.
-[[nodiscard]] FrameArea Intersection(const FrameArea& one, const FrameArea& other);
-
 }  // namespace kel
