@@ -67,13 +67,27 @@ bool IsSeen(PaperWindow& window, double y, const Pixel& colour) {
            60;
 }
 
+// The window is killed; its recording plays to the same strokes.
+void CheckPlayedAlike(PaperWindow& window, const picture_io::Picture& live) {
+    window.Signal(SIGKILL);
+    CHECK_EQ(window.WaitForEnd(), 128 + SIGKILL);
+    CHECK_EQ(window.PlayedOverlay("run.json") == live, true);
+}
+
+// A red one, and then the pointer elsewhere.
+void DrawStroke(PaperWindow& window) {
+    window.SetByKey("3", "BrushColor");
+    DragAlong(window, left, 0.3, right, 0.3);
+    WaitUntil("the stroke is seen", [&] { return IsSeen(window, 0.3, ink); });
+    window.MoveOnPaper(0.5, 0.8);
+    window.WaitUntilStill();
+}
+
 }  // namespace
 
 TEST_CASE("A stroke is drawn, chosen, dragged, deleted and brought back with a real pointer") {
     PaperWindow window;
-    window.SetByKey("3", "BrushColor");
-    DragAlong(window, left, 0.3, right, 0.3);
-    WaitUntil("the stroke is seen", [&] { return IsSeen(window, 0.3, ink); });
+    DrawStroke(window);
 
     window.display.TypeKey("c");
     DragAlong(window, 0.5, 0.3, 0.5, 0.6);
@@ -93,9 +107,7 @@ TEST_CASE("A stroke is drawn, chosen, dragged, deleted and brought back with a r
     const picture_io::Picture live = window.SaveOverlay("paper-overlay-001.png");
     WaitUntil("all is recorded", [&] { return window.FieldOf("run.json", "undo") >= 0; });
     window.WaitForFields("undo", 5);
-    window.Signal(SIGKILL);
-    CHECK_EQ(window.WaitForEnd(), 128 + SIGKILL);
-    CHECK_EQ(window.PlayedOverlay("run.json") == live, true);
+    CheckPlayedAlike(window, live);
 
     const chalkpane::ReadJournal journal = chalkpane::ReadJournalFile(window.folder / "run.journal");
     CHECK_EQ(journal.error, "");
@@ -107,11 +119,7 @@ TEST_CASE("A stroke is drawn, chosen, dragged, deleted and brought back with a r
 
 TEST_CASE("A chosen stroke takes the color of a key, and the panel's buttons take that back and bring it again") {
     PaperWindow window;
-    window.SetByKey("3", "BrushColor");
-    DragAlong(window, left, 0.3, right, 0.3);
-    WaitUntil("the stroke is seen", [&] { return IsSeen(window, 0.3, ink); });
-    window.MoveOnPaper(0.5, 0.8);
-    window.WaitUntilStill();
+    DrawStroke(window);
     const picture_io::Picture drawing = window.display.Screen();
     window.display.TypeKey("c");
     window.WaitUntilStill();
@@ -133,18 +141,12 @@ TEST_CASE("A chosen stroke takes the color of a key, and the panel's buttons tak
     WaitUntil("the stroke is green again", [&] { return IsSeen(window, 0.3, green); });
     window.WaitForFields("redo", 5);
     const picture_io::Picture live = window.SaveOverlay("paper-overlay-001.png");
-    window.Signal(SIGKILL);
-    CHECK_EQ(window.WaitForEnd(), 128 + SIGKILL);
-    CHECK_EQ(window.PlayedOverlay("run.json") == live, true);
+    CheckPlayedAlike(window, live);
 }
 
 TEST_CASE("A drawing kept by a key is seen small in the panel, and comes back by a press there and by keys") {
     PaperWindow window;
-    window.SetByKey("3", "BrushColor");
-    DragAlong(window, left, 0.3, right, 0.3);
-    WaitUntil("the stroke is seen", [&] { return IsSeen(window, 0.3, ink); });
-    window.MoveOnPaper(0.5, 0.8);
-    window.WaitUntilStill();
+    DrawStroke(window);
     const picture_io::Picture empty = window.display.Screen();
     window.display.TypeKey("1", true);
     const std::filesystem::path slot = window.folder / "paper-slot-1.journal";
@@ -169,11 +171,7 @@ TEST_CASE("A drawing kept by a key is seen small in the panel, and comes back by
 
 TEST_CASE("A key lets ink fade by itself in the window, undo brings it back, and the key again lets it stay") {
     PaperWindow window;
-    window.SetByKey("3", "BrushColor");
-    DragAlong(window, left, 0.3, right, 0.3);
-    WaitUntil("the stroke is seen", [&] { return IsSeen(window, 0.3, ink); });
-    window.MoveOnPaper(0.5, 0.8);
-    window.WaitUntilStill();
+    DrawStroke(window);
     const picture_io::Picture stays = window.display.Screen();
     window.display.TypeKey("v");
     WaitUntil("fading is recorded", [&] { return window.FieldOf("run.json", "fade") >= 0; });
