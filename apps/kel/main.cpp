@@ -10,6 +10,9 @@ int main(int argc, char** argv) {
 #ifdef KEL_WITH_WINDOW
                                                       kel::AddWindowCommand(program);
 #endif
+#ifdef KEL_WITH_SERVER
+                                                      kel::AddControlCommand(program);
+#endif
                                                   }};
     return cli::RunProgram(description, argc, argv);
 }

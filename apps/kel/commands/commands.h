@@ -6,6 +6,7 @@ namespace kel {
 
 // Each adds its command to the program's command line. The command runs while the line is parsed, throws Error for what
 // the operator got wrong, and CLI::RuntimeError to end with another exit code.
+void AddControlCommand(CLI::App& program);  // where the program is built with the door it goes through
 void AddInfoCommand(CLI::App& program);
 void AddPlayCommand(CLI::App& program);
 void AddReplayCommand(CLI::App& program);
