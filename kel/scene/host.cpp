@@ -103,6 +103,18 @@ void Deliver(HostState& state, QueuedKey) {
     });
 }
 
+// The image that the container shows where no module draws; null: none.
+ImageObject* PictureOn(HostState& state, ObjectId container) {
+    const auto* texture = state.objects.Find<TextureObject>(FindContainer(state, container).picture);
+    return texture == nullptr ? nullptr : state.objects.Find<ImageObject>(texture->image);
+}
+
+void ShowImage(HostState& state, ObjectId container, ImageObject image) {
+    TextureObject texture;
+    texture.image = state.objects.Add(std::move(image));
+    FindContainer(state, container).picture = state.objects.Add(texture);
+}
+
 }  // namespace
 
 Host::Host(WindowSize window, GlSource source) : m_state(std::make_unique<HostState>(window, source)) {
@@ -144,16 +156,20 @@ ObjectId Host::AddContainer(const Placement& placement) {
 
 void Host::SetPicture(ObjectId container, const picture_io::Picture& picture) {
     const AtWork work(*m_state);
-    ContainerObject& shown = FindContainer(*m_state, container);
-    Objects& objects = m_state->objects;
-    const auto* texture = objects.Find<TextureObject>(shown.picture);
-    auto* image = texture == nullptr ? nullptr : objects.Find<ImageObject>(texture->image);
-    if (image != nullptr) {
-        if (!ReplacePixels(*image, picture)) *image = MakeImage(picture);
-    } else {
-        TextureObject fresh;
-        fresh.image = objects.Add(MakeImage(picture));
-        shown.picture = objects.Add(fresh);
+    if (ImageObject* image = PictureOn(*m_state, container); image == nullptr)
+        ShowImage(*m_state, container, MakeImage(picture));
+    else if (!ReplacePixels(*image, picture))
+        *image = MakeImage(picture);
+    m_state->ShowAnew();
+}
+
+void Host::ExchangePicture(ObjectId container, picture_io::Picture& upwards, bool isOpaque) {
+    const AtWork work(*m_state);
+    const PictureAlpha alpha = isOpaque ? PictureAlpha::Full : PictureAlpha::Any;
+    ImageObject* const image = PictureOn(*m_state, container);
+    if (image == nullptr || !ExchangePixels(*image, upwards, alpha)) {
+        SetPicture(container, picture_io::Flipped(upwards));
+        return;
     }
     m_state->ShowAnew();
 }

@@ -69,6 +69,11 @@ public:
     // Shows `picture` from now on, for example the next frame of a video.
     void SetPicture(ObjectId container, const picture_io::Picture& picture);
 
+    // The same for a picture whose rows run from the bottom, and which has the pixels of any other one then: memory
+    // that can be used for the next.
+    //   isOpaque  true: its alpha is full everywhere
+    void ExchangePicture(ObjectId container, picture_io::Picture& upwards, bool isOpaque);
+
     // Puts an instance of the module on the container, which has none yet. Parameters that `values` leaves out have
     // their defaults.
     void Attach(ObjectId container, const Module& module, const std::vector<ParameterSetting>& values = {});

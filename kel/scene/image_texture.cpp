@@ -32,13 +32,14 @@ void BuildTexture(ImageObject& image) {
 }
 
 bool ReplacePixels(ImageObject& image, const picture_io::Picture& picture) {
+    picture_io::Picture upwards = picture_io::Flipped(picture);
+    return ExchangePixels(image, upwards, IsOpaque(picture) ? PictureAlpha::Full : PictureAlpha::Any);
+}
+
+bool ExchangePixels(ImageObject& image, picture_io::Picture& picture, PictureAlpha alpha) {
     if (image.width != picture.width || image.height != picture.height || image.format != GL_RGBA) return false;
-    const std::size_t rowBytes = std::size_t{4} * static_cast<std::size_t>(picture.width);
-    const auto height = static_cast<std::size_t>(picture.height);
-    for (std::size_t row = 0; row < height; ++row)
-        std::copy_n(picture.rgba.data() + row * rowBytes, rowBytes,
-                    image.pixels.data() + (height - 1 - row) * rowBytes);
-    image.isOpaque = IsOpaque(picture);
+    image.pixels.swap(picture.rgba);
+    image.isOpaque = alpha == PictureAlpha::Full;
     if (image.texture.Name() == 0) return true;
     const BoundTexture bound(image.texture);
     glPushClientAttrib(GL_CLIENT_PIXEL_STORE_BIT);

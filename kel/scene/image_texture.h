@@ -12,6 +12,12 @@ void BuildTexture(ImageObject& image);
 // video. False: the sizes differ, and nothing was done.
 bool ReplacePixels(ImageObject& image, const picture_io::Picture& picture);
 
+// What is known of a picture's alpha.
+enum class PictureAlpha { Any, Full };
+
+// The same for rows from the bottom. `picture` has the pixels of the one before it then, whose memory is free.
+bool ExchangePixels(ImageObject& image, picture_io::Picture& picture, PictureAlpha alpha);
+
 // An image of the host's own, from a picture; smooth also when seen small. Its texture is built at its first render.
 [[nodiscard]] ImageObject MakeImage(const picture_io::Picture& picture);
 

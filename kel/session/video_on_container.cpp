@@ -52,8 +52,13 @@ bool VideoShow::ShowFrame(Host& host, std::int64_t frame) {
 bool VideoShow::Show(Host& host, std::int64_t frame, const std::vector<std::int64_t>& coming) {
     if (frame == m_shown) return false;
     m_shown = frame;
-    host.SetPicture(m_container, m_frames.Take(frame, coming));
+    Put(host, m_frames.Take(frame, coming));
     return true;
+}
+
+void VideoShow::Put(Host& host, picture_io::Picture picture) {
+    host.ExchangePicture(m_container, picture, !m_frames.Reader().HasAlpha());
+    m_frames.GiveBack(std::move(picture));
 }
 
 void VideoShow::SetConversion(VideoConversion conversion) {
@@ -64,9 +69,9 @@ void VideoShow::SetConversion(VideoConversion conversion) {
 bool VideoShow::ShowExactly(Host& host, std::int64_t field) {
     if (m_conversion == VideoConversion::Exact) return false;
     m_frames.SetConversion(VideoConversion::Exact);
-    const picture_io::Picture picture = m_frames.Take(m_clock.FrameAt(field), {});
+    picture_io::Picture picture = m_frames.Take(m_clock.FrameAt(field), {});
     m_frames.SetConversion(m_conversion);
-    host.SetPicture(m_container, picture);
+    Put(host, std::move(picture));
     return true;
 }
 

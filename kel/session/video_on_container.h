@@ -42,6 +42,7 @@ public:
 
 private:
     [[nodiscard]] std::vector<std::int64_t> ComingFrames(std::int64_t field) const;
+    void Put(Host& host, picture_io::Picture picture);
     bool Show(Host& host, std::int64_t frame, const std::vector<std::int64_t>& coming);
 
     ObjectId m_container;

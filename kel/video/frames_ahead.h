@@ -27,29 +27,35 @@ public:
     // For what never changes: size, rate, times. Frames are taken here.
     [[nodiscard]] const VideoReader& Reader() const { return m_reader; }
 
-    // The frame, decoded by now or waited for.
+    // The frame, decoded by now or waited for, its bottom row first.
     //   coming  what will be asked for next, in that order; it is decoded meanwhile. All else that was, is forgotten
     // Throws Error when the frame is damaged.
     [[nodiscard]] picture_io::Picture Take(std::int64_t frame, const std::vector<std::int64_t>& coming);
+
+    // Memory for frames to come: a picture that is of no use any more, and may be anything.
+    void GiveBack(picture_io::Picture picture);
 
     // How frames are made from now on.
     void SetConversion(VideoConversion conversion);
 
 private:
     struct Decoded {
-        picture_io::Picture picture{1, 1};
+        picture_io::Picture picture;
         std::exception_ptr damage;  // null: the picture is there
     };
 
     void DecodeFrames();
+    void ForgetUnwanted();
+    void Spare(picture_io::Picture picture);
     [[nodiscard]] const std::int64_t* NextWanted() const;
-    Decoded Decode(std::int64_t frame);
+    Decoded Decode(std::int64_t frame, picture_io::Picture memory);
 
     VideoReader m_reader;  // its frames belong to the thread
     std::mutex m_mutex;
     std::condition_variable m_changed;
     std::vector<std::int64_t> m_wanted;         // guarded by m_mutex, as is all below
     std::map<std::int64_t, Decoded> m_decoded;  // of those wanted
+    std::vector<picture_io::Picture> m_spare;   // memory of frames that are over
     VideoConversion m_conversion = VideoConversion::Exact;
     std::int64_t m_setting = 0;  // changes with the conversion
     bool m_ends = false;

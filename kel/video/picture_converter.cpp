@@ -5,6 +5,7 @@ extern "C" {
 }
 
 #include <algorithm>
+#include <array>
 #include <new>
 
 #include "cli/error.h"
@@ -50,6 +51,9 @@ void PictureConverter::Prepare(const AVFrame& frame, std::int32_t width, std::in
     const int matrix = ScalerMatrix(frame.colorspace, frame.width, frame.height);
     sws_setColorspaceDetails(m_scaler.get(), sws_getCoefficients(matrix), HasFullRange(frame) ? 1 : 0,
                              sws_getCoefficients(SWS_CS_DEFAULT), 1, 0, scalerOne, scalerOne);
+}
+
+void PictureConverter::RequireRoom(std::int32_t width, std::int32_t height) {
     if (m_rgba && m_rgba->width == width && m_rgba->height == height) return;
     m_rgba = NewFrame();
     m_rgba->format = AV_PIX_FMT_RGBA;
@@ -58,16 +62,34 @@ void PictureConverter::Prepare(const AVFrame& frame, std::int32_t width, std::in
     if (av_frame_get_buffer(m_rgba.get(), 0) < 0) throw std::bad_alloc();
 }
 
+void PictureConverter::Scale(const AVFrame& frame, std::uint8_t* rows, int stride, std::int32_t height) {
+    const std::array<std::uint8_t*, 4> planes{rows};
+    const std::array<int, 4> strides{stride};
+    const int made = sws_scale(m_scaler.get(), static_cast<const std::uint8_t* const*>(frame.data), frame.linesize, 0,
+                               frame.height, planes.data(), strides.data());
+    if (made != height) throw cli::Error("has pixels that cannot be converted");
+}
+
+void PictureConverter::ConvertInto(const AVFrame& frame, RowOrder order, picture_io::Picture& picture) {
+    constexpr std::int32_t writtenAtOnce = 32;  // pixels, at most, and a power of 2
+    const std::int32_t width = picture.width;
+    const std::int32_t height = picture.height;
+    Prepare(frame, width, height);
+    const std::ptrdiff_t rowBytes = std::ptrdiff_t{width} * 4;
+    std::uint8_t* const first = picture.rgba.data() + (order == RowOrder::Down ? 0 : (height - 1) * rowBytes);
+    const std::ptrdiff_t stride = order == RowOrder::Down ? rowBytes : -rowBytes;
+    // The scaler may write a little beyond the end of a row: then it gets a frame with room for that.
+    if (width % writtenAtOnce == 0 && frame.width == width && frame.height == height)
+        return Scale(frame, first, static_cast<int>(stride), height);
+    RequireRoom(width, height);
+    Scale(frame, m_rgba->data[0], m_rgba->linesize[0], height);
+    for (std::ptrdiff_t row = 0; row < height; ++row)
+        std::copy_n(m_rgba->data[0] + row * m_rgba->linesize[0], rowBytes, first + row * stride);
+}
+
 picture_io::Picture PictureConverter::Convert(const AVFrame& frame, std::int32_t width, std::int32_t height) {
     picture_io::Picture picture(width, height);
-    Prepare(frame, width, height);
-    // The scaler may write a little beyond the end of a row, so it gets a frame with room for that.
-    const int rows = sws_scale(m_scaler.get(), static_cast<const std::uint8_t* const*>(frame.data), frame.linesize, 0,
-                               frame.height, m_rgba->data, m_rgba->linesize);
-    if (rows != height) throw cli::Error("has pixels that cannot be converted");
-    const std::ptrdiff_t rowBytes = std::ptrdiff_t{width} * 4;
-    for (std::ptrdiff_t row = 0; row < height; ++row)
-        std::copy_n(m_rgba->data[0] + row * m_rgba->linesize[0], rowBytes, picture.rgba.begin() + row * rowBytes);
+    ConvertInto(frame, RowOrder::Down, picture);
     return picture;
 }
 

@@ -16,14 +16,19 @@ public:
     // width, height: of the pictures; frames of another size are scaled. Throws Error with the reason alone.
     [[nodiscard]] picture_io::Picture Convert(const AVFrame& frame, std::int32_t width, std::int32_t height);
 
+    // The same into a picture of that size.
+    void ConvertInto(const AVFrame& frame, RowOrder order, picture_io::Picture& picture);
+
     void SetConversion(VideoConversion conversion) { m_conversion = conversion; }
 
 private:
     void Prepare(const AVFrame& frame, std::int32_t width, std::int32_t height);
+    void Scale(const AVFrame& frame, std::uint8_t* rows, int stride, std::int32_t height);
+    void RequireRoom(std::int32_t width, std::int32_t height);
 
     VideoConversion m_conversion = VideoConversion::Exact;
     AvScaler m_scaler;
-    AvFrame m_rgba;
+    AvFrame m_rgba;  // null: none was needed yet
 };
 
 }  // namespace kel

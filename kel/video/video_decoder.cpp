@@ -49,14 +49,33 @@ void VideoDecoder::OpenCodec() {
     if (result < 0) m_file.Refuse("cannot be decoded: " + AvReason(result));
 }
 
-picture_io::Picture VideoDecoder::Read(std::int64_t index) {
+// m_frame is that frame then.
+void VideoDecoder::DecodeFrame(std::int64_t index) {
     const std::int64_t time = m_index.times[static_cast<std::size_t>(index)];
     const From way = BestWay(time);
     // A container may miss the key frame, and what is decoded behind it may lack what it refers to.
     if (m_time != time && !DecodeFrom(way, time) && (way == From::Start || !DecodeFrom(From::Start, time)))
         m_file.Refuse("frame " + std::to_string(index) + " is damaged");
+}
+
+picture_io::Picture VideoDecoder::Read(std::int64_t index) {
+    DecodeFrame(index);
     try {
         return Upright(m_converter.Convert(*m_frame, m_width, m_height), m_orientation);
+    } catch (const cli::Error& error) {
+        m_file.Refuse(error.what());
+    }
+}
+
+void VideoDecoder::ReadUp(std::int64_t index, picture_io::Picture& picture) {
+    if (!m_orientation.IsUpright()) {
+        picture = picture_io::Flipped(Read(index));
+        return;
+    }
+    DecodeFrame(index);
+    if (picture.width != m_width || picture.height != m_height) picture = picture_io::Picture(m_width, m_height);
+    try {
+        m_converter.ConvertInto(*m_frame, RowOrder::Up, picture);
     } catch (const cli::Error& error) {
         m_file.Refuse(error.what());
     }

@@ -24,12 +24,15 @@ public:
 
     // index: of a frame that is there. Throws Error when it is damaged.
     [[nodiscard]] picture_io::Picture Read(std::int64_t index);
+    // The same with the bottom row first, into memory that is used again.
+    void ReadUp(std::int64_t index, picture_io::Picture& picture);
 
     void SetConversion(VideoConversion conversion) { m_converter.SetConversion(conversion); }
 
 private:
     enum class From { Here, Key, Start };
 
+    void DecodeFrame(std::int64_t index);
     void OpenCodec();
     [[nodiscard]] From BestWay(std::int64_t time) const;
     bool DecodeFrom(From from, std::int64_t time);

@@ -69,6 +69,10 @@ std::vector<double> VideoReader::UnevenStarts() const {
     return starts;
 }
 
+void VideoReader::ReadFrameUp(std::int64_t index, picture_io::Picture& picture) {
+    m_decoder->ReadUp(std::clamp<std::int64_t>(index, 0, FrameCount() - 1), picture);
+}
+
 picture_io::Picture VideoReader::ReadFrame(std::int64_t index) {
     return m_decoder->Read(std::clamp<std::int64_t>(index, 0, FrameCount() - 1));
 }

@@ -43,6 +43,8 @@ public:
     // give the first and the last frame. Cheap for the frame read last and for the following ones; any other is decoded
     // from the key frame before it. Throws Error when the frame is damaged; others can still be read.
     [[nodiscard]] picture_io::Picture ReadFrame(std::int64_t index);
+    // The same with the bottom row first, into a picture whose memory is used again where it has the size.
+    void ReadFrameUp(std::int64_t index, picture_io::Picture& picture);
 
     // How frames are made from now on; Exact, as at the start.
     void SetConversion(VideoConversion conversion);

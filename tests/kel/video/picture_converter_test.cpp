@@ -24,6 +24,21 @@ AvFrame PlainFrame(AVPixelFormat format, int width, int height, const std::array
     return frame;
 }
 
+// Grey that changes from pixel to pixel, as most videos store it: a colour for each 2 x 2 pixels.
+AvFrame GreyFrame(int width, int height) {
+    AvFrame frame = NewFrame();
+    frame->format = AV_PIX_FMT_YUV420P;
+    frame->width = width;
+    frame->height = height;
+    REQUIRE_EQ(av_frame_get_buffer(frame.get(), 0), 0);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            frame->data[0][y * frame->linesize[0] + x] = static_cast<std::uint8_t>(16 + (x * 7 + y * 9) % 219);
+    for (const std::size_t plane : {1U, 2U})
+        std::fill_n(frame->data[plane], frame->linesize[plane] * ((height + 1) / 2), std::uint8_t{128});
+    return frame;
+}
+
 // Rounding: half a level for each of the three terms of a channel, and half for their sum.
 void CheckConverted(const AvFrame& frame, const Pixel& wanted) {
     const picture_io::Picture picture = PictureConverter().Convert(*frame, frame->width, frame->height);
@@ -81,6 +96,20 @@ TEST_CASE("A video's alpha stays as it is") {
     const AvFrame frame = PlainFrame(AV_PIX_FMT_YUVA444P, 32, 32, reddish);
     CheckConverted(frame, {254, 0, 0, 77});
     CHECK_EQ(PictureConverter().Convert(*frame, 32, 32).At(5, 5)[3], 77);
+}
+
+// Widths at which the scaler writes in place, and at which it may write beyond a row.
+TEST_CASE("Rows from the bottom are the same rows, whatever the width, and nothing is written beyond them") {
+    for (const int width : {32, 64, 33, 50, 90, 160})
+        for (const VideoConversion conversion : {VideoConversion::Exact, VideoConversion::Fast}) {
+            CAPTURE(width);
+            const AvFrame frame = GreyFrame(width, 24);
+            PictureConverter converter;
+            converter.SetConversion(conversion);
+            picture_io::Picture upwards(width, 24);
+            converter.ConvertInto(*frame, RowOrder::Up, upwards);
+            CHECK_EQ(upwards == picture_io::Flipped(converter.Convert(*frame, width, 24)), true);
+        }
 }
 
 TEST_CASE("Frames of another size are scaled to the video's") {
