@@ -59,7 +59,7 @@ public:
             }
             PrepareBrush(*m_brush, description, m_scene);
             m_index = stroke.brush;
-            m_pace = PaceOf(*m_brush);
+            m_pace = PaceOf(*m_brush, m_scene.canvas.GetDepth());
             m_work.CountBrush(m_pace, stroke.place);
         }
         m_work.CountStroke(stroke.points, m_pace, stroke.place);

@@ -17,6 +17,8 @@ constexpr double leastPixelsOfAFilter = 2000;  // what it prepares does not shri
 constexpr double passesOfAProfile = 65;        // the shape and its shifted copies
 constexpr double passesOfMatchPath = 10;       // each dab's mask is rotated to lie along the path
 constexpr double passesOfPickup = 7;           // each dab takes what lies under it along
+constexpr double passesOfWords = 3;            // 14 bits take four times as long as 8
+constexpr double passesOfBlend = 12;           // with what lies under a dab; the four modes of HSV take some more
 constexpr int finalSteps = 4;                  // with which a stroke ends
 
 double NumberOf(const ParameterValue* value) {
@@ -41,7 +43,7 @@ double MostDabsOfStep(double longestEdge, double newestEdge, const BrushPace& pa
 
 }  // namespace
 
-BrushPace PaceOf(BasicBrush& brush) {
+BrushPace PaceOf(BasicBrush& brush, Depth depth) {
     bool adjusts = false;
     std::uint8_t spacingType = 0;
     if (const ParameterValue* const value = brush.Value(BrushParameter::AdjustSpacing)) value->getBoolean(adjusts);
@@ -57,7 +59,10 @@ BrushPace PaceOf(BasicBrush& brush) {
     bool matchesPath = false;
     if (const ParameterValue* const value = brush.Value(BrushParameter::MatchPath)) value->getBoolean(matchesPath);
     const bool picksUp = brush.Source()->GetPickupMode() != PickupMode::Off;
-    const double passes = 1 + (matchesPath ? passesOfMatchPath : 0) + (picksUp ? passesOfPickup : 0);
+    std::uint8_t blendMode = 0;
+    if (const ParameterValue* const value = brush.Value(BrushParameter::BlendMode)) value->getEnumeration(blendMode);
+    const double passes = 1 + (matchesPath ? passesOfMatchPath : 0) + (picksUp ? passesOfPickup : 0) +
+                          (depth == Depth::Fourteen ? passesOfWords : 0) + (blendMode != 0 ? passesOfBlend : 0);
     pace.pixels = passes * area +
                   passesOfAFilter * std::max(area, leastPixelsOfAFilter) * static_cast<double>(brush.Filters().size());
     pace.preparedPixels = area * passesOfAProfile;

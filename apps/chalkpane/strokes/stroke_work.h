@@ -5,6 +5,7 @@
 
 #include "chalkpane/brush/basic_brush.h"
 #include "chalkpane/brush/spline_iterator.h"
+#include "chalkpane/image/pixel_format.h"
 
 namespace chalkpane::app {
 
@@ -16,8 +17,8 @@ struct BrushPace {
     double preparedPixels = 0.0;  // of what was built when the brush was prepared
 };
 
-// Of a brush that is prepared.
-[[nodiscard]] BrushPace PaceOf(BasicBrush& brush);
+// Of a brush that is prepared, on a canvas of that depth.
+[[nodiscard]] BrushPace PaceOf(BasicBrush& brush, Depth depth);
 
 // No fewer dabs than a stroke through these points can have.
 [[nodiscard]] double MostDabs(std::span<const StrokePoint> points, const BrushPace& pace);

@@ -95,6 +95,16 @@ TEST_CASE("What a dab costs besides its pixels is counted") {
     // Of a tenth of the segments only those are too many whose dabs are rotated, or take the canvas along.
     CHECK_EQ(refusal(R"(, "Match Path": true)", 300), tooMuch);
     CHECK_EQ(refusal(R"(, "Pickup": "Every Dab")", 300), tooMuch);
+    CHECK_EQ(refusal(R"(, "Blend Mode": "Multiply")", 300), tooMuch);
+}
+
+// The same 300 segments are 6e9 at 8 bits, and four times as much at 14.
+TEST_CASE("Dabs of 14 bits count four times") {
+    const std::string file =
+        FileOf(canvas,
+               R"({"brush": {"Size": 64, "Profile Name": "Soft", "Spacing": 0}, "points": )" + ManyPoints(300, 5) + "}",
+               testing::in14Bits);
+    CHECK_EQ(Thrown([&] { (void)Painted(file); }), tooMuch);
 }
 
 TEST_CASE("Numbers at the edge of what a file may say paint without harm") {
