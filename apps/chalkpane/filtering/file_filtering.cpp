@@ -168,6 +168,7 @@ private:
         Show(0, all);
         const Rect bounds(0, 0, reader.Width() - 1, reader.Height() - 1);
         (void)RunOf(m_options, bounds, m_options.frame);  // what is wrong with a region is told first
+        RequireImageSize(reader.Width(), reader.Height(), m_depth, m_name);
         const auto mask = ReadMask(m_options, bounds, m_depth);
         const picture_io::PictureInfo info = reader.Info();
         auto source = WholeImage(reader, all);

@@ -4,11 +4,13 @@
 #include <array>
 #include <new>
 #include <span>
+#include <string>
 #include <type_traits>
 
 #include "chalkpane/base/memory_loss.h"
 #include "chalkpane/image/image_rows.h"
 #include "chalkpane/image/pixel_format.h"
+#include "cli/error.h"
 
 namespace chalkpane::app {
 namespace {
@@ -77,11 +79,14 @@ void Divide(std::span<typename F::Channel> row) {
     }
 }
 
+Depth DepthIn(const AnyPicture& picture) {
+    return std::holds_alternative<Picture16>(picture) ? Depth::Fourteen : Depth::Eight;
+}
+
 }  // namespace
 
 std::unique_ptr<Image> ImageOf(const AnyPicture& picture, std::optional<Depth> depth, AlphaForm form) {
-    const Depth own = std::holds_alternative<Picture16>(picture) ? Depth::Fourteen : Depth::Eight;
-    const Depth imageDepth = depth.value_or(own);
+    const Depth imageDepth = depth.value_or(DepthIn(picture));
     auto image = std::visit(
         [imageDepth](const auto& file) {
             auto made =
@@ -95,7 +100,22 @@ std::unique_ptr<Image> ImageOf(const AnyPicture& picture, std::optional<Depth> d
 }
 
 std::unique_ptr<Image> ReadImage(const std::filesystem::path& file, std::optional<Depth> depth, AlphaForm form) {
-    return ImageOf(picture_io::ReadAnyPicture(file), depth, form);
+    const AnyPicture picture = picture_io::ReadAnyPicture(file);
+    std::visit(
+        [&](const auto& any) {
+            RequireImageSize(any.width, any.height, depth.value_or(DepthIn(picture)), file.string());
+        },
+        picture);
+    return ImageOf(picture, depth, form);
+}
+
+void RequireImageSize(std::int32_t width, std::int32_t height, Depth depth, const std::string& name) {
+    const std::int64_t bytes = std::int64_t{width} * height * (depth == Depth::Fourteen ? 8 : 4);
+    if (bytes < std::int64_t{1} << 31) return;
+    throw cli::Error(name, {},
+                     std::to_string(width) + " x " + std::to_string(height) + " pixels of " +
+                         (depth == Depth::Fourteen ? "14" : "8") +
+                         " bits are too many: a picture that is worked on takes less than 2 GiB");
 }
 
 void FillRows(Image& image, const AnyPicture& rows, std::int32_t topY) {

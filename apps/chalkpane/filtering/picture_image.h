@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <string>
 
 #include "chalkpane/image/image.h"
 #include "picture_io/picture.h"
@@ -31,6 +32,9 @@ constexpr Depth DepthOfBits(std::int64_t bits) { return bits == 8 ? Depth::Eight
                                              AlphaForm form);
 // Puts rows of a picture as wide as the image into it, the first one into row topY, straight alpha and all.
 void FillRows(Image& image, const picture_io::AnyPicture& rows, std::int32_t topY);
+
+// Throws cli::Error beginning with `name` for a picture of 2 GiB, which the engine has no image for.
+void RequireImageSize(std::int32_t width, std::int32_t height, Depth depth, const std::string& name);
 
 // Reads a picture file; "-" is standard input. Throws cli::Error naming the file and the reason.
 [[nodiscard]] std::unique_ptr<Image> ReadImage(const std::filesystem::path& file, std::optional<Depth> depth,

@@ -20,6 +20,7 @@ std::uint16_t AlphaOf(double alpha, Depth depth) {
 }
 
 std::unique_ptr<Image> FilledCanvas(const CanvasDescription& description, Depth depth) {
+    RequireImageSize(description.width, description.height, depth, description.place);
     auto canvas =
         std::make_unique<Image>(Image::Colour(description.width, description.height, depth, AlphaForm::Straight));
     const auto word = [depth](std::uint16_t channel) -> std::uint16_t {

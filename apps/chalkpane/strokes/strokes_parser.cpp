@@ -71,6 +71,7 @@ constexpr auto canvasKeys = std::to_array<JsonKey<CanvasDraft>>({
 
 void ReadCanvas(const JsonNode& node, Draft& draft) {
     CanvasDraft canvas{draft.file, {}};
+    canvas.canvas.place = PlaceIn(draft.file, node);
     cli::ReadKeys<CanvasDraft>(node, canvasKeys, canvas);
     const bool isPicture = node.Has("picture");
     for (const char* key : {"width", "height"}) {

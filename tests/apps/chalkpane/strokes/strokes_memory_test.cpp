@@ -2,6 +2,7 @@
 
 #include <doctest/doctest.h>
 
+#include "apps/chalkpane/strokes/stroke_painter.h"
 #include "picture_io/picture.h"
 #include "tests/cli/temporary_folder.h"
 #include "tests/cli/thrown.h"
@@ -28,6 +29,16 @@ TEST_CASE("A canvas is counted before it is made, by its depth") {
     CHECK_EQ(Refusal(text, Depth::Eight, 3072 * mebibyte), "nothing");
     CHECK_EQ(Refusal(text, Depth::Eight, 1024 * mebibyte),
              "s.json: takes 3.0 GiB of memory, 3.0 GiB of it for the canvas; 1.0 GiB are allowed (--memory)");
+}
+
+// 2^28 pixels of 8 bytes are 2^31, one more than the engine's largest image. Whoever allows the memory is told why.
+TEST_CASE("A canvas of 2 GiB is refused by its size, however much memory there is") {
+    const StrokesFile file =
+        ParseStrokes(R"({"canvas": {"width": 16384, "height": 16384}, "depth": 14, "strokes": []})", "s.json");
+    CHECK_EQ(
+        cli::testing::Thrown([&] { (void)MakeCanvas(file, {}, std::nullopt); }),
+        "s.json: /canvas: 16384 x 16384 pixels of 14 bits are too many: a picture that is worked on takes less than "
+        "2 GiB");
 }
 
 TEST_CASE("The pictures of brushes are counted with the canvas, each once") {
