@@ -316,9 +316,20 @@ struct JpegWriter::State {
     Writer writer;
 };
 
+// Pages that nobody writes to take no memory, and bytes that grow would be there twice, and leave holes behind.
+void Reserve(Bytes& bytes, std::int32_t width, std::int32_t height) {
+    constexpr std::size_t mostOfPixel = 3;  // noise at the best quality takes hardly more
+    try {
+        bytes.reserve(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * mostOfPixel);
+    } catch (const std::bad_alloc&) {
+        return;  // there may be enough for what it comes to
+    }
+}
+
 JpegWriter::JpegWriter(std::int32_t width, std::int32_t height, const WriteOptions& options, bool isGrey)
     : m_state(std::make_unique<State>()) {
     m_state->markers = MarkersOf(options.info);
+    Reserve(m_state->writer.target.bytes, width, height);
     m_state->greyRow.resize(isGrey ? static_cast<std::size_t>(width) : 0);
     if (!StartFile(m_state->writer, width, height, options, m_state->markers, isGrey)) Refuse(m_state->writer.failure);
 }

@@ -28,12 +28,35 @@ std::vector<std::uint8_t> StartOf(PlacedBytes& file) {
     return start;
 }
 
+// Some writers put EXIF behind the pixels, so all chunks are passed over. A file of very many counts as one on its
+// side.
+bool IsUprightPng(PlacedBytes& file) {
+    constexpr int mostChunks = 100'000;
+    constexpr std::uint32_t longestExif = 1U << 16U;
+    constexpr std::uint64_t extra = 12;  // length, type, checksum
+    std::uint64_t at = 8;
+    for (int chunk = 0; chunk < mostChunks; ++chunk) {
+        if (!file.At(at + extra - 1)) return true;
+        const std::uint32_t length = file.Big(at, 4);
+        if (file.Has(at + 4, "eXIf")) {
+            std::vector<std::uint8_t> exif;
+            for (std::uint32_t i = 0; i < std::min(length, longestExif); ++i)
+                exif.push_back(file.At(at + 8 + i).value_or(0));
+            if (OrientationIn(exif) != Orientation::Upright) return false;
+        }
+        at += length + extra;
+    }
+    return false;
+}
+
 Size PngSize(PlacedBytes& file) {
     constexpr int bitsOfWord = 16;
     const auto png = ReadPngHeader(StartOf(file));
     if (!png) return std::nullopt;
-    return PictureSize{
-        .width = png->width, .height = png->height, .hasWords = png->bits == bitsOfWord, .decodingCopies = 1};
+    return PictureSize{.width = png->width,
+                       .height = png->height,
+                       .hasWords = png->bits == bitsOfWord,
+                       .decodingCopies = IsUprightPng(file) ? 1.0 : 2.0};
 }
 
 // A frame header is any of C0 to CF but for three that are tables and extensions.

@@ -2,14 +2,22 @@
 
 #include <doctest/doctest.h>
 
+#include <vector>
+
 #include "picture_io/picture.h"
+#include "picture_io/picture_file.h"
 #include "picture_io/picture_format.h"
+#include "picture_io/png_chunks.h"
 #include "tests/cli/temporary_folder.h"
 
 namespace picture_io {
 namespace {
 
 using cli::testing::TemporaryFolder;
+
+// The smallest block that says that the first row is at the right.
+const std::vector<std::uint8_t> exif{'M', 'M', 0, 42, 0, 0, 0, 8, 0, 1, 0x01, 0x12, 0,
+                                     3,   0,   0, 0,  1, 0, 6, 0, 0, 0, 0,    0,    0};
 
 void CheckSize(const std::filesystem::path& file, std::uint32_t width, std::uint32_t height) {
     const auto size = ReadPictureSize(file);
@@ -29,7 +37,7 @@ TEST_CASE("The size of a picture is told from its first bytes") {
     }
     WritePicture(Picture16(7, 500), folder / "words.png");
     CheckSize(folder / "words.png", 7, 500);
-    // Nothing behind the header is looked at.
+    // What is behind the header may be missing.
     cli::testing::WriteText(folder / "cut.png", cli::testing::ReadText(folder / "a.png").substr(0, 26));
     CheckSize(folder / "cut.png", 300, 20);
 }
@@ -52,6 +60,30 @@ TEST_CASE("Every format tells its size and its depth, from a file and from bytes
         CHECK_EQ(size->width, 7);
         CHECK(size->hasWords);
     }
+}
+
+// The rotated picture is there beside the one that is rotated.
+TEST_CASE("A PNG that lies on its side takes two copies to be decoded, wherever it says so") {
+    WriteOptions options;
+    const auto copies = [&](bool isBehindPixels) {
+        std::vector<std::uint8_t> png = EncodePictureFile(Picture(9, 5), RowOf(PictureFormat::Png), options);
+        if (isBehindPixels) {
+            const std::vector<std::uint8_t> end(png.end() - 12, png.end());
+            png.resize(png.size() - 12);
+            AppendChunk(png, "eXIf", exif);
+            png.insert(png.end(), end.begin(), end.end());
+        }
+        const auto size = PictureSizeIn(png);
+        REQUIRE(size.has_value());
+        CHECK_EQ(size->width, 9);
+        return size->decodingCopies;
+    };
+    CHECK_EQ(copies(false), 1);
+    CHECK_EQ(copies(true), 2);
+    options.info.exif = exif;
+    CHECK_EQ(copies(false), 2);
+    options.info.exif[19] = 1;  // upright
+    CHECK_EQ(copies(false), 1);
 }
 
 TEST_CASE("Headers that no writer here makes tell their size too") {

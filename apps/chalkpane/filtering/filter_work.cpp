@@ -143,7 +143,7 @@ private:
             case PictureFormat::Png:
                 return 1;
             case PictureFormat::Jpeg:
-                return 0.5;
+                return 0.75;
             case PictureFormat::Gif:
                 return 3;
             case PictureFormat::Tiff:

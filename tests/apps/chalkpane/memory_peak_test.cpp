@@ -1,4 +1,5 @@
 #include <doctest/doctest.h>
+#include <malloc.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -7,7 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "picture_io/picture.h"
+#include "cli/file_bytes.h"
+#include "picture_io/picture_file.h"
+#include "picture_io/picture_format.h"
 #include "tests/cli/working_folder.h"
 
 // What is counted before a run is held to what the run then takes.
@@ -27,6 +30,11 @@ public:
             picture.rgba[i] = i % 4 == 3 ? 255 : static_cast<std::uint8_t>(random >> 24U);
         }
         for (const char* const name : {"a.png", "a.jpg", "a.bmp"}) picture_io::WritePicture(picture, Path(name));
+        picture_io::WriteOptions onItsSide;
+        onItsSide.info.exif = {'M', 'M', 0, 42, 0, 0, 0, 8, 0, 1, 1, 0x12, 0, 3, 0, 0, 0, 1, 0, 6, 0, 0, 0, 0, 0, 0};
+        cli::WriteFileWhole(
+            Path("side.png"),
+            picture_io::EncodePictureFile(picture, picture_io::RowOf(picture_io::PictureFormat::Png), onItsSide));
         picture_io::WritePicture(picture_io::Picture(1, 1), Path("dot.png"));
         m_program = Peak("dot.png dot.jpg --apply 'Invert Color'");
     }
@@ -46,6 +54,7 @@ private:
     [[nodiscard]] double Peak(const std::string& arguments) const {
         const std::string command =
             "cd '" + Path("") + "' && exec '" CHALKPANE_PROGRAM "' filter " + arguments + " 2>/dev/null";
+        malloc_trim(0);  // what this process has counts for the child until it becomes the program
         const pid_t child = fork();
         REQUIRE_GE(child, 0);
         if (child == 0) {
@@ -77,9 +86,10 @@ TEST_CASE("A run of filters takes no more memory than is counted, whichever way 
           doctest::skip(CHALKPANE_MEASURES_CHECKS)) {
     const MeasuredFolder folder;
     for (const std::string arguments :
-         {"a.jpg out.jpg --apply 'Invert Color'", "a.jpg out.png --apply Median:Radius=5",
-          "a.png out.png --apply Blur:Softness=4", "a.bmp out.bmp --apply 'Invert Color'",
-          "a.jpg out.tif --apply 'Invert Color'", "a.jpg out.jpg --apply 'Super Soften:Softness=20'",
+         {"a.jpg out.jpg --apply 'Invert Color'", "side.png out.jpg --apply 'Invert Color'",
+          "a.jpg out.png --apply Median:Radius=5", "a.png out.png --apply Blur:Softness=4",
+          "a.bmp out.bmp --apply 'Invert Color'", "a.jpg out.tif --apply 'Invert Color'",
+          "a.jpg out.jpg --apply 'Super Soften:Softness=20'",
           "a.jpg out.png --expand --apply 'Super Soften:Softness=50'",
           "a.png out.png --mask a.png --apply 'Invert Color'",
           "a.jpg out.png --region 0,0,2900,1900 --apply 'Erode/Dilate:Radius=3'",
