@@ -4,6 +4,7 @@
 #include <cstring>
 #include <new>
 #include <utility>
+#include <vector>
 
 #include "apps/chalkpane/filtering/picture_image.h"
 #include "apps/chalkpane/filtering/sparing_run.h"
@@ -124,6 +125,39 @@ std::unique_ptr<Image> WithRegion(std::unique_ptr<Image> source, const Image& ma
     return source;
 }
 
+using Pieces = std::vector<std::unique_ptr<Image>>;
+
+void CutOut(const Image& image, const Rect& part, Pieces& pieces) {
+    const Rect cut = part.Intersection(image);
+    if (cut.Width() < 1 || cut.Height() < 1) return;
+    pieces.push_back(std::make_unique<Image>(cut, image));
+    pieces.back()->CopyRegion(image, cut);
+}
+
+// With the region, and what lies beyond the source, from what was made, and all else from the source. The one that
+// gives less is reduced to that before there is a third picture.
+std::unique_ptr<Image> WithBoth(std::unique_ptr<Image> source, std::unique_ptr<Image> made, const Rect& bounds,
+                                const Rect& region) {
+    const Rect own = source->Bounds();
+    const Rect hole = region.Intersection(own);
+    const bool hasHole = hole.Width() > 0 && hole.Height() > 0;
+    const auto pixels = [](const Rect& rect) { return std::int64_t{rect.Width()} * rect.Height(); };
+    Pieces pieces;
+    if (hasHole && 2 * pixels(hole) > pixels(own)) {
+        for (const Rect& part : Around(own, hole)) CutOut(*source, part, pieces);
+        source.reset();
+    } else {
+        if (hasHole) CutOut(*made, hole, pieces);
+        for (const Rect& part : Around(bounds, own)) CutOut(*made, part, pieces);
+        made.reset();
+        source = Unshared(std::move(source));
+        if (hasHole) ClearRegion(*source, hole);
+    }
+    auto picture = WithBounds(source ? std::move(source) : std::move(made), bounds);
+    for (const auto& piece : pieces) picture->CopyRegion(*piece, *piece);
+    return picture;
+}
+
 std::unique_ptr<Image> RunInRegion(Filter& filter, std::unique_ptr<Image> source, const FilterRun& run,
                                    const Rect& region) {
     const Rect own = source->Bounds();
@@ -132,9 +166,9 @@ std::unique_ptr<Image> RunInRegion(Filter& filter, std::unique_ptr<Image> source
     before = InForm(std::move(before), made->GetAlphaForm());
     const Rect bounds = run.expand ? own.Union(*made) : own;
     if (bounds == own) return WithRegion(std::move(before), *made, region);
-    auto picture = WithBounds(std::move(made), bounds);
-    CopyOutside(region, *before, *picture);
-    return picture;
+    if (made->Bounds() != bounds) return WithBoth(std::move(before), std::move(made), bounds, region);
+    CopyOutside(region, *before, *made);
+    return made;
 }
 
 // One pixel of the mix. With a and b the two alphas and m the mask of full scale f, alpha is (a (f - m) + b m) / f and

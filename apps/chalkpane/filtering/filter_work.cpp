@@ -109,9 +109,10 @@ private:
         if (m_options.expand) m_result = {std::max(made.width, before.width), std::max(made.height, before.height)};
         const MemoryPart ofFilter{BytesOf(made), "what " + std::string(filter.Label()) + " makes"};
         Parts most{{BytesOf(before) * (1 + ExtraOf(filter)), m_work.name}, ofFilter};
-        if (m_result.Pixels() == made.Pixels()) return most;
+        if (m_result.Pixels() == made.Pixels() && !dynamic_cast<const JitterEffect*>(&filter)) return most;
         Parts cut{{BytesOf(m_result), m_work.name}, ofFilter};  // to the size of the result
-        if (!m_options.region.empty()) cut.push_back({BytesOf(before), "what lies outside the region"});
+        // Half of the picture at most: of the two the one that gives less is cut to that.
+        if (!m_options.region.empty()) cut.push_back({BytesOf(before) / 2, "what lies outside the region"});
         return Larger(std::move(most), std::move(cut));
     }
 

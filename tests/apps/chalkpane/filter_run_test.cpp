@@ -117,6 +117,33 @@ TEST_CASE("A picture that grows keeps what lies outside the region") {
     CHECK_GT(result->GetPixel8(-1, 1).alpha, 0);
 }
 
+// Within the picture the region is from the whole run and the rest from the picture; beyond it all is from that run.
+// The jitter makes pictures that are wider, but not higher than the source, and the other way round.
+TEST_CASE(
+    "A jitter in a region, small or large, beside the picture or across its edge, changes the region and what grows") {
+    const auto picture = Plain(40, 20, Depth::Eight, {40, 50, 60, 255});
+    for (std::int32_t x = 0; x < 40; ++x) Put(*picture, x, x / 2, {static_cast<std::uint8_t>(6 * x), 9, 7, 255});
+    for (const char* const filter : {"Random Jitter:Max Angle=25", "Random Jitter:Max Move X=9",
+                                     "Random Jitter:Max Move Y=5:Max Zoom=30", "Random Jitter:Max Zoom=20"})
+        for (const Rect& region :
+             {Rect(2, 2, 5, 5), Rect(1, 1, 38, 19), Rect(0, 0, 39, 19), Rect(30, -5, 60, 12), Rect(50, 50, 60, 60)})
+            for (std::int32_t frame = 0; frame < 6; ++frame) {
+                CAPTURE(filter);
+                CAPTURE(region);
+                CAPTURE(frame);
+                const auto whole = Run(filter, *picture, {.expand = true, .frame = frame});
+                const auto result = Run(filter, *picture, {.expand = true, .region = region, .frame = frame});
+                REQUIRE(result->Bounds() == whole->Bounds());
+                int wrong = 0;
+                for (std::int32_t y = result->y0; y <= result->y1; ++y)
+                    for (std::int32_t x = result->x0; x <= result->x1; ++x) {
+                        const bool stays = picture->Contains(x, y) && !region.Contains(x, y);
+                        wrong += result->GetPixel8(x, y) == (stays ? *picture : *whole).GetPixel8(x, y) ? 0 : 1;
+                    }
+                CHECK_EQ(wrong, 0);
+            }
+}
+
 TEST_CASE("A distortion that leaves part of the picture bare leaves it transparent") {
     const auto result = Run("Random Jitter:Max Angle=25:Max Zoom=0.1", *Plain(40, 20, Depth::Eight, {40, 50, 60, 255}));
     CHECK(result->Bounds() == Rect(0, 0, 39, 19));
