@@ -14,7 +14,8 @@ class ControlTarget {
 public:
     virtual ~ControlTarget() = default;
     [[nodiscard]] virtual Workspace& TheWorkspace() = 0;
-    [[nodiscard]] virtual const FittedKeys& Keys() const = 0;
+    // As they fit the chosen plug-in, which a command may have changed.
+    [[nodiscard]] virtual const FittedKeys& Keys() = 0;
     virtual void DoAction(WorkspaceAction action) = 0;
     // What the operator's own press of that key does.
     virtual void DoKey(const FittedKeys::Key& key) = 0;

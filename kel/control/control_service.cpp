@@ -43,9 +43,11 @@ const ControlAddress& ControlService::Door() const {
 
 #endif
 
-void ControlService::RunCommands(ControlTarget& target) {
-    for (const ControlRequest& request : m_mailbox.TakeRequests(mostInAField))
+bool ControlService::RunCommands(ControlTarget& target) {
+    const std::vector<ControlRequest> requests = m_mailbox.TakeRequests(mostInAField);
+    for (const ControlRequest& request : requests)
         m_mailbox.Answer(request.client, RunControlLine(target, request.line, request.numbers).json);
+    return !requests.empty();
 }
 
 // Who has just come gets all of it, the others what has changed.

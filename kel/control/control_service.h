@@ -30,8 +30,8 @@ public:
     // Where the door for HTTP and WebSocket is, with its token; there is one.
     [[nodiscard]] const ControlAddress& Door() const;
 
-    // Runs what has come in, to be called before each field; what is left waits for the next one.
-    void RunCommands(ControlTarget& target);
+    // Runs what has come in, to be called before each field; what is left waits for the next one. False: nothing had.
+    bool RunCommands(ControlTarget& target);
     static constexpr std::size_t mostInAField = 64;
     // Tells what has changed, to be called after each field.
     void TellState(Workspace& workspace);

@@ -23,6 +23,9 @@ std::filesystem::path NumberedRecording(const std::filesystem::path& file, int n
 // Less than the panel and something to draw on beside it.
 bool IsNarrow(int windowWidth) { return windowWidth < 2 * PanelWidth() + StripWidth(); }
 
+// Frames of the panel until it shows what has happened to it.
+constexpr int framesToSettle = 4;
+
 }  // namespace
 
 WindowLoop::WindowLoop(const WindowOptions& options) : m_options(options) {
@@ -48,6 +51,19 @@ WindowLoop::WindowLoop(const WindowOptions& options) : m_options(options) {
 void WindowLoop::FitTheKeys(KeyFit fit) {
     m_fitted = m_workspace->Chosen() == nullptr ? nullptr : m_workspace->Chosen()->registration;
     m_keys = FitKeys(m_options.keys, m_fitted, fit);
+}
+
+const FittedKeys& WindowLoop::Keys() {
+    const Registration* chosen = m_workspace->Chosen() == nullptr ? nullptr : m_workspace->Chosen()->registration;
+    if (chosen != m_fitted) FitTheKeys(KeyFit::WhatFits);
+    return m_keys;
+}
+
+// From outside; what they change shows as what the operator does.
+void WindowLoop::TakeCommands() {
+    if (m_options.control == nullptr || !m_options.control->RunCommands(*this)) return;
+    (void)Keys();
+    m_panelsWanted = framesToSettle;
 }
 
 void WindowLoop::Open(const std::filesystem::path& file) {
@@ -134,12 +150,14 @@ void WindowLoop::MakePanel() {
         if (auto refusal = m_panel.TakeRefusal()) m_status.Tell(*refusal, now);
         m_status.Show(*m_workspace, {m_pacer, m_pictures, m_pen}, size, now);
     }
-    for (const std::string& news : m_workspace->TakeNews()) m_status.Tell(news, now);
+    for (const std::string& news : m_workspace->TakeNews()) {
+        m_status.Tell(news, now);
+        if (m_options.control != nullptr) m_options.control->TellNews(news);
+    }
     m_status.ShowNews(size, now);
     ShowPages();
     m_window.EndPanel();
-    const Registration* chosen = m_workspace->Chosen() == nullptr ? nullptr : m_workspace->Chosen()->registration;
-    if (chosen != m_fitted) FitTheKeys(KeyFit::WhatFits);
+    (void)Keys();
     for (const SDL_Event& event : std::exchange(m_keysUp, {})) ImGui_ImplSDL2_ProcessEvent(&event);
     m_panelTime = now;
     if (m_panelsWanted > 0) --m_panelsWanted;
@@ -153,7 +171,6 @@ void WindowLoop::ShowPanel() {
 // What happens to the panel takes a few of its frames to be seen: what is hovered is known in the next one, what a
 // button does to the module after the next field. The pointer over the picture is nothing to it.
 void WindowLoop::NoteForPanel(const SDL_Event& event) {
-    constexpr int framesToSettle = 4;
     const PictureArea& picture = m_painter.Picture();
     if (event.type == SDL_MOUSEMOTION) {
         const auto& motion = event.motion;
@@ -175,6 +192,7 @@ WindowLoop::Clock::time_point WindowLoop::NextPanel() const {
 
 void WindowLoop::PlaySession() {
     constexpr auto sessionShare = std::chrono::milliseconds(30);  // between two looks at the window's events
+    TakeCommands();
     m_workspace->PlaySession(sessionShare);
     StartPacing();
     ShowPanel();
@@ -185,12 +203,14 @@ void WindowLoop::RunDueFields() {
     const int due = m_pacer.Due(Clock::now());
     if (due == 0) return;
     m_workspace->SkipVideo(m_pacer.GivenUp() - std::exchange(m_givenUp, m_pacer.GivenUp()));
+    TakeCommands();
     m_workspace->RunFields(due);
     FollowWithSound();
     m_feed.Take(*m_workspace, due);
     if (std::exchange(m_isTailOver, false)) m_painter.Tail().End();
     ShowPicture();
     m_workspace->FollowInk();
+    if (m_options.control != nullptr) m_options.control->TellState(*m_workspace);
 }
 
 void WindowLoop::RunDueStep() {

@@ -29,7 +29,7 @@ namespace kel {
 
 // The window at work: takes what the operator does, runs the fields that are due, shows what changed. One thread, that
 // of the display.
-class WindowLoop {
+class WindowLoop final : private ControlTarget {
 public:
     explicit WindowLoop(const WindowOptions& options);
     void Run();
@@ -61,8 +61,11 @@ private:
     void TakeKey(const SDL_KeyboardEvent& event);
     void TakeText(const char* text);
     void TakeDrop(char* file);
-    void DoKey(const FittedKeys::Key& key);
-    void DoAction(WorkspaceAction action);
+    void DoKey(const FittedKeys::Key& key) override;
+    void DoAction(WorkspaceAction action) override;
+    [[nodiscard]] Workspace& TheWorkspace() override { return *m_workspace; }
+    [[nodiscard]] const FittedKeys& Keys() override;
+    void TakeCommands();
     void ChooseAt(PointerKind kind, std::int32_t x, std::int32_t y);
     void DoDisplay(WorkspaceAction action);
     void LeaveOne();

@@ -36,6 +36,7 @@ struct WindowLine {
     std::string cleanDisplay;
     TimelineChoice timeline = TimelineChoice::Usual;
     OutputOptions outputs;
+    std::string door;
 };
 
 // For a recording that nobody asked to keep.
@@ -124,6 +125,17 @@ void WriteAfterwards(PlayOptions again, bool isScratch, const std::filesystem::p
     }
 }
 
+// Null: none is asked for.
+std::unique_ptr<ControlService> OpenDoors(const WindowLine& line) {
+    if (line.door.empty()) return nullptr;
+    ControlOptions options;
+    options.door = ParseDoorAddress(line.door);
+    auto control = std::make_unique<ControlService>(options);
+    std::printf("control: %s\n", ControlUrl(control->Door()).c_str());
+    std::fflush(stdout);
+    return control;
+}
+
 void Window(const WindowLine& line) {
     WindowOptions options;
     options.file = line.file.empty() ? FindExampleScene() : std::filesystem::path(line.file);
@@ -144,6 +156,8 @@ void Window(const WindowLine& line) {
     if (!line.cleanDisplay.empty()) options.cleanDisplay = std::stoi(line.cleanDisplay);
     options.workspace.recording = line.recording;
     options.workspace.saves = line.saves;
+    std::unique_ptr<ControlService> control = OpenDoors(line);
+    options.control = control.get();
     if (!outputs.WantAnything()) {
         RunWorkspaceWindow(options);
         return;
@@ -156,6 +170,7 @@ void Window(const WindowLine& line) {
     LiveOutputs live(outputs);
     options.live = &live;
     RunWorkspaceWindow(options);
+    control.reset();
     if (live.Finish()) return;
     // What could not follow is made afterwards from the recording. All that it names has been read and loaded before.
     PlayOptions again;
@@ -190,6 +205,11 @@ void AddWindowCommand(CLI::App& program) {
         command->add_option("--clean-output", line->cleanDisplay,
                             "A second window with the picture alone, filling this display (1, 2, ...)");
     clean->expected(0, 1)->type_name("[DISPLAY]")->check(CLI::Range(1, 99));
+    command
+        ->add_option(
+            "--control", line->door,
+            "Takes commands at this port (0: any), of this machine without ADDRESS, and prints how to get there")
+        ->type_name("[ADDRESS:]PORT");
     AddTimelineOption(*command, line->timeline);
     AddOutputOptions(*command, line->outputs);
     command->footer("The outputs are there when the window has been closed.");

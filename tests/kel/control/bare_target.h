@@ -31,7 +31,7 @@ public:
     }
 
     Workspace& TheWorkspace() override { return *workspace; }
-    [[nodiscard]] const FittedKeys& Keys() const override { return keys; }
+    [[nodiscard]] const FittedKeys& Keys() override { return keys; }
     void DoAction(WorkspaceAction action) override {
         if (!DoWithoutDisplay(*workspace, action)) displayed.push_back(action);
     }

@@ -17,7 +17,7 @@ using testing::BareTarget;
 // A window without its display: commands, then a field, then the news, over and over.
 void RunWindow(BareTarget& target, ControlService& service, const std::atomic<bool>& isOver) {
     while (!isOver) {
-        service.RunCommands(target);
+        (void)service.RunCommands(target);
         target.workspace->RunFields(1);
         target.workspace->FollowInk();
         service.TellState(*target.workspace);
@@ -87,12 +87,12 @@ TEST_CASE("A command is answered before the field in which it takes hold, and to
     const ControlAddress door = service.Door();
     std::thread client([&] { TalkToWindow(door, conversation); });
     while (!isListening) {
-        service.RunCommands(target);
+        (void)service.RunCommands(target);
         target.workspace->RunFields(1);
         service.TellState(*target.workspace);
     }
     // No field is run until the command has come and been answered.
-    while (!isAnswered) service.RunCommands(target);
+    while (!isAnswered) (void)service.RunCommands(target);
     CHECK_EQ(target.workspace->TheHost().GetParameter(target.workspace->Chosen()->id, "BrushWidth") ==
                  ParameterValue(std::int32_t{17}),
              false);
@@ -124,7 +124,7 @@ TEST_CASE("What the operator reads is told to those who listen") {
         isOver = true;
     });
     while (!isOver) {
-        service.RunCommands(target);
+        (void)service.RunCommands(target);
         target.workspace->RunFields(1);
         service.TellState(*target.workspace);
         service.TellNews("saved");
