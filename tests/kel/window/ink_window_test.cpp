@@ -3,6 +3,7 @@
 
 #include <array>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <thread>
 
 #include "telestrator/journal/journal_file.h"
@@ -37,22 +38,37 @@ void Click(PaperWindow& window, std::int32_t x, std::int32_t y) {
     window.display.PressButton(false);
 }
 
-// The middle of what has become another picture in the panel, right of the paper and above the status line.
-std::array<std::int32_t, 2> ChangeInPanel(const PaperWindow& window, const picture_io::Picture& before,
-                                          const picture_io::Picture& after) {
+using Place = std::array<std::int32_t, 2>;
+
+// The middle of what has become another picture in the panel, right of the paper and above the status line; nothing:
+// all there is as it was.
+std::optional<Place> ChangeInPanel(const PaperWindow& window, const picture_io::Picture& before,
+                                   const picture_io::Picture& after) {
     constexpr std::int32_t status = 34;  // pixels
     const auto place = window.display.FindWindow("paper.png - kel");
     REQUIRE(place);
-    std::array<std::int32_t, 2> first{after.width, after.height};
-    std::array<std::int32_t, 2> last{-1, -1};
+    Place first{after.width, after.height};
+    Place last{-1, -1};
     for (std::int32_t y = place->y; y < place->y + place->height - status; ++y)
         for (std::int32_t x = window.area.x + window.area.width; x < place->x + place->width; ++x) {
             if (before.At(x, y) == after.At(x, y)) continue;
             first = {std::min(first[0], x), std::min(first[1], y)};
             last = {std::max(last[0], x), std::max(last[1], y)};
         }
-    REQUIRE_GE(last[0], first[0]);
-    return {(first[0] + last[0]) / 2, (first[1] + last[1]) / 2};
+    if (last[0] < first[0]) return std::nullopt;
+    return Place{(first[0] + last[0]) / 2, (first[1] + last[1]) / 2};
+}
+
+// A busy machine shows late in the panel what was done.
+void WaitForPanel(const PaperWindow& window, const picture_io::Picture& before) {
+    WaitUntil("the panel changes", [&] { return ChangeInPanel(window, before, window.display.Screen()).has_value(); });
+}
+Place SettledChangeInPanel(const PaperWindow& window, const picture_io::Picture& before) {
+    WaitForPanel(window, before);
+    window.WaitUntilStill();
+    const auto change = ChangeInPanel(window, before, window.display.Screen());
+    REQUIRE(change);
+    return *change;
 }
 
 // Away from the pointer and from the outline's ends.
@@ -122,9 +138,8 @@ TEST_CASE("A chosen stroke takes the color of a key, and the panel's buttons tak
     DrawStroke(window);
     const picture_io::Picture drawing = window.display.Screen();
     window.display.TypeKey("c");
-    window.WaitUntilStill();
     // Choose is the third of three buttons across the panel; it is lit.
-    const auto [x, y] = ChangeInPanel(window, drawing, window.display.Screen());
+    const auto [x, y] = SettledChangeInPanel(window, drawing);
     const auto place = window.display.FindWindow("paper.png - kel");
     const std::int32_t apart = (place->x + place->width - window.area.x - window.area.width) / 3;
 
@@ -151,8 +166,7 @@ TEST_CASE("A drawing kept by a key is seen small in the panel, and comes back by
     window.display.TypeKey("1", true);
     const std::filesystem::path slot = window.folder / "paper-slot-1.journal";
     WaitUntil("the drawing is kept", [&] { return std::filesystem::exists(slot); });
-    window.WaitUntilStill();
-    const auto [x, y] = ChangeInPanel(window, empty, window.display.Screen());
+    const auto [x, y] = SettledChangeInPanel(window, empty);
     CHECK_EQ(chalkpane::ReadJournalFile(slot).records.size(), 1);
 
     window.display.TypeKey("Delete");
@@ -176,7 +190,7 @@ TEST_CASE("A key lets ink fade by itself in the window, undo brings it back, and
     window.display.TypeKey("v");
     WaitUntil("fading is recorded", [&] { return window.FieldOf("run.json", "fade") >= 0; });
     // The switch and the time beside it are lit in the panel.
-    (void)ChangeInPanel(window, stays, window.display.Screen());
+    WaitForPanel(window, stays);
     WaitUntil("the ink is all but gone", [&] { return IsSeen(window, 0.3, paper); });
     window.WaitUntilStill();
     window.display.TypeKey("z", true);
