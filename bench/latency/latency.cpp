@@ -115,6 +115,10 @@ void Print(const std::vector<Rival>& rivals, const Line& line) {
         "| ink behind, px: median | 95 %% | idle | drawing | pictures/s | ms a picture |\n"
         "|---|---|---|---|---|---|---|---|---|---|---|\n");
     for (const Rival& rival : rivals) PrintRow(rival, rivals.front().figures);
+    const Figures& kel = rivals.back().figures;
+    if (const double pictures = kel.idlePictures / kel.rounds; pictures > 1)
+        std::printf("\nWhile it plays untouched: %.1f pictures a second, %.1f ms of the processor for each\n", pictures,
+                    1000 * kel.idleShare / kel.rounds / pictures);
 }
 
 }  // namespace

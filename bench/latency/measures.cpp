@@ -25,21 +25,45 @@ constexpr auto lookPause = 150us;  // between two looks, so that the measuring l
 
 double Milliseconds(Clock::duration time) { return std::chrono::duration<double, std::milli>(time).count(); }
 
-void WaitUntilStill(ScreenWatch& watch) {
+// False: it goes on changing, as over a video that plays.
+bool WaitUntilStill(ScreenWatch& watch) {
     auto changed = Clock::now();
-    const auto end = changed + 3s;
+    const auto end = changed + 1s;
     while (Clock::now() - changed < 80ms && Clock::now() < end) {
         if (watch.Look()) changed = Clock::now();
         std::this_thread::sleep_for(2ms);
     }
+    return Clock::now() - changed >= 80ms;
 }
 
-// One event at a time: the pointer goes a little on, and what it passes is watched.
+struct Answer {
+    Clock::duration change = longestWait;
+    Clock::duration tip = longestWait;
+};
+
+// Until there is ink at the place, or nothing comes any more. Where all changes by itself, only ink is a change.
+Answer WaitForInk(ScreenWatch& watch, int x, bool isStill, Clock::time_point start) {
+    Answer answer;
+    while (answer.tip == longestWait &&
+           Clock::now() - start < std::min<Clock::duration>(longestWait, answer.change + tipWait)) {
+        const bool isOther = watch.Look();
+        const auto now = Clock::now() - start;
+        if (isOther && isStill && answer.change == longestWait) answer.change = now;
+        if (ScreenWatch::IsInk(watch.At(x, halfStrip))) answer.tip = now;
+        std::this_thread::sleep_for(lookPause);
+    }
+    if (!isStill) answer.change = answer.tip;
+    return answer;
+}
+
+// One event at a time: the pointer goes a little on, and what it passes is watched. A place that has the ink's colour
+// without any is passed over.
 void MeasureEvents(kel::testing::VirtualDisplay& display, ScreenWatch& watch, DrawingPlace place, int events,
                    Figures& figures) {
     std::mt19937 random(7);
     std::uniform_int_distribution<int> pause(0, 40'000);  // microseconds: at any moment of the program's own pace
     const int perLine = strokeLength / eventLength;
+    bool isStill = true;
     for (int event = 0; event < events; ++event) {
         const int step = event % perLine;
         const int y = place.y + 30 * (1 + event / perLine % 5);
@@ -47,25 +71,20 @@ void MeasureEvents(kel::testing::VirtualDisplay& display, ScreenWatch& watch, Dr
             display.PressButton(false);
             display.MovePointer(place.x, y);
             watch.MoveTo(place.x - halfStrip, y - halfStrip);
-            WaitUntilStill(watch);
+            isStill = WaitUntilStill(watch);
             display.PressButton(true);
         }
-        WaitUntilStill(watch);
+        if (isStill) isStill = WaitUntilStill(watch);
         std::this_thread::sleep_for(std::chrono::microseconds(pause(random)));
         const int x = (step + 1) * eventLength;
+        (void)watch.Look();
+        const bool isInked = ScreenWatch::IsInk(watch.At(x + halfStrip, halfStrip));
         const auto start = Clock::now();
         display.MovePointer(place.x + x, y);
-        Clock::duration change = longestWait;
-        Clock::duration tip = longestWait;
-        while (tip == longestWait && Clock::now() - start < std::min<Clock::duration>(longestWait, change + tipWait)) {
-            const bool isOther = watch.Look();
-            const auto now = Clock::now() - start;
-            if (isOther && change == longestWait) change = now;
-            if (ScreenWatch::IsInk(watch.At(x + halfStrip, halfStrip))) tip = now;
-            std::this_thread::sleep_for(lookPause);
-        }
-        figures.toChange.push_back(Milliseconds(change));
-        figures.toTip.push_back(Milliseconds(tip));
+        const Answer answer = WaitForInk(watch, x + halfStrip, isStill, start);
+        if (isInked) continue;
+        figures.toChange.push_back(Milliseconds(answer.change));
+        figures.toTip.push_back(Milliseconds(answer.tip));
     }
     display.PressButton(false);
 }
@@ -115,6 +134,7 @@ void Figures::Add(const Figures& other) {
     Append(toTip, other.toTip);
     Append(behind, other.behind);
     idleShare += other.idleShare;
+    idlePictures += other.idlePictures;
     drawingShare += other.drawingShare;
     pictures += other.pictures;
     rounds += other.rounds;
@@ -129,13 +149,19 @@ Figures Measure(kel::testing::VirtualDisplay& display, const DrawingProgram& pro
     MeasureStroke(display, program, strip, place, figures);
     const double before = program.ProcessorSeconds();
     const auto start = Clock::now();
-    std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
-    figures.idleShare =
-        (program.ProcessorSeconds() - before) / std::chrono::duration<double>(Clock::now() - start).count();
+    int pictures = 0;
+    while (Clock::now() - start < std::chrono::duration<double>(seconds)) {
+        if (strip.Look()) ++pictures;
+        std::this_thread::sleep_for(3ms);
+    }
+    const double passed = std::chrono::duration<double>(Clock::now() - start).count();
+    figures.idleShare = (program.ProcessorSeconds() - before) / passed;
+    figures.idlePictures = pictures / passed;
     return figures;
 }
 
 double Quantile(std::vector<double> values, double share) {
+    if (values.empty()) return neverCame;
     std::ranges::sort(values);
     return values[static_cast<std::size_t>(share * static_cast<double>(values.size() - 1))];
 }

@@ -16,9 +16,10 @@ struct Figures {
     std::vector<double> toTip;     // milliseconds until the ink has come to the pointer
     std::vector<double> behind;    // pixels from the pointer back to the ink's end, at 600 pixels a second
     double idleShare = 0;          // of one core, while nothing happens
+    double idlePictures = 0;       // a second, seen to change meanwhile: of a video that plays
     double drawingShare = 0;       // of one core, while the pointer draws at 600 pixels a second
     double pictures = 0;           // a second, seen to change meanwhile
-    int rounds = 0;                // that the last three are sums of
+    int rounds = 0;                // that the last four are sums of
 
     void Add(const Figures& other);
 };
@@ -35,7 +36,7 @@ struct DrawingPlace {
 [[nodiscard]] Figures Measure(kel::testing::VirtualDisplay& display, const DrawingProgram& program, DrawingPlace place,
                               int events, double seconds);
 
-// The value that this share of the values does not exceed; share is 0 .. 1, and there is at least one.
+// The value that this share of the values does not exceed; share is 0 .. 1. Of none: neverCame.
 [[nodiscard]] double Quantile(std::vector<double> values, double share);
 
 }  // namespace latency
