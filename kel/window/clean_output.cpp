@@ -124,6 +124,10 @@ bool CleanOutput::TakeEvent(const SDL_Event& event) {
             return event.button.windowID == id;
         case SDL_MOUSEWHEEL:
             return event.wheel.windowID == id;
+        case SDL_FINGERDOWN:
+        case SDL_FINGERMOTION:
+        case SDL_FINGERUP:
+            return event.tfinger.windowID == id;
         default:
             return false;
     }

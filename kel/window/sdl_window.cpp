@@ -50,6 +50,7 @@ public:
     SdlVideo() {
         SDL_SetHint(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR, "0");
         SDL_SetHint(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1");  // the first click draws already
+        SDL_SetHint(SDL_HINT_TOUCH_MOUSE_EVENTS, "0");        // fingers come as such (touch_pointer.h)
         if (!HasDisplay()) RefuseWithoutDisplay();
         if (SDL_Init(SDL_INIT_VIDEO) != 0) Refuse("there is no display");
         if (!ShowsNothingUnasked()) return;

@@ -18,6 +18,7 @@
 #include "kel/window/spotlight.h"
 #include "kel/window/status_line.h"
 #include "kel/window/stroke_chooser.h"
+#include "kel/window/touch_pointer.h"
 #include "kel/window/video_sound.h"
 #include "kel/window/window_painter.h"
 #include "kel/window/workspace_window.h"
@@ -51,6 +52,7 @@ private:
     [[nodiscard]] bool IsOnPicture(std::int32_t x, std::int32_t y) const;
 
     void TakeEvents();
+    void TakeForAll(const SDL_Event& event);
     void TakeEvent(const SDL_Event& event);
     void TakePointer(PointerKind kind, std::int32_t x, std::int32_t y);
     void BeginStroke();
@@ -110,6 +112,7 @@ private:
     bool m_isMuted = false;
     SecondRate m_pictures;
     PenTimes m_pen;
+    TouchPointer m_touch;
     std::vector<SDL_Event> m_keysUp;
     int m_opened = 1;
     std::int64_t m_givenUp = 0;  // fields that the video knows of

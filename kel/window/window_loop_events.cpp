@@ -16,14 +16,21 @@ void WindowLoop::TakeEvents() {
     SDL_Event event;
     while (SDL_PollEvent(&event) != 0) {
         if (m_clean && m_clean->TakeEvent(event)) continue;
-        // The panel looks at keys once a frame: one that is up again by then is held down for it until it has looked.
-        if (event.type == SDL_KEYUP)
-            m_keysUp.push_back(event);
-        else
-            ImGui_ImplSDL2_ProcessEvent(&event);
-        NoteForPanel(event);
-        TakeEvent(event);
+        const auto mouse = m_touch.Take(event, m_window.Size());
+        for (const SDL_Event& each : mouse) TakeForAll(each);
+        if (mouse.empty()) TakeForAll(event);
     }
+}
+
+// For the panel, and then for the picture.
+void WindowLoop::TakeForAll(const SDL_Event& event) {
+    // The panel looks at keys once a frame: one that is up again by then is held down for it until it has looked.
+    if (event.type == SDL_KEYUP)
+        m_keysUp.push_back(event);
+    else
+        ImGui_ImplSDL2_ProcessEvent(&event);
+    NoteForPanel(event);
+    TakeEvent(event);
 }
 
 void WindowLoop::TakeEvent(const SDL_Event& event) {
