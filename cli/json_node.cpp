@@ -17,12 +17,12 @@ using nlohmann::json;
 constexpr std::size_t largestFile = 64U << 20U;  // bytes
 
 // What a value takes in memory at most, of which its text may be a hundredth: `[],` is an allocation of its own.
-constexpr std::size_t largestTree = std::size_t{1} << 30U;  // bytes
+constexpr std::size_t largestTree = std::size_t{1} << 29U;  // bytes
 constexpr std::size_t bytesOfValue = 48;                    // in a list that grows by doubling
 constexpr std::size_t bytesOfList = 48;
 constexpr std::size_t bytesOfObject = 64;
 constexpr std::size_t bytesOfText = 48;  // and its letters
-constexpr std::size_t bytesOfKey = 192;  // in the object and among the keys seen; and its letters, twice
+constexpr std::size_t bytesOfKey = 96;   // in the object, and as much among the keys seen; and its letters each time
 
 std::string EscapePointer(std::string_view key) {
     std::string escaped;
@@ -72,10 +72,12 @@ std::string ParserReason(std::string reason) {
 
 // Makes the tree of what the parser reads, knows the place of it, and refuses what JSON lets pass: keys that stand
 // twice, and more than there should be room for. (The library's own tree with a callback looks through a whole list at
-// the end of each object in it, which never ends for a million of them.)
+// the end of each object in it, which never ends for a million of them.) Without a tree it only counts.
 class JsonTree : public json::json_sax_t {
 public:
-    JsonTree(const std::string& text, const std::filesystem::path& file) : m_text(text), m_file(file) {}
+    enum class Pass { Counting, Keeping };
+    JsonTree(const std::string& text, const std::filesystem::path& file, Pass pass)
+        : m_text(text), m_file(file), m_keeps(pass == Pass::Keeping) {}
 
     json Take() { return std::move(m_root); }
 
@@ -90,15 +92,18 @@ public:
         return Leaf(std::move(value));
     }
 
-    bool start_object(std::size_t) override { return Open(json::object(), bytesOfObject); }
-    bool start_array(std::size_t) override { return Open(json::array(), bytesOfList); }
+    bool start_object(std::size_t) override { return Open(Kind::Object, bytesOfObject); }
+    bool start_array(std::size_t) override { return Open(Kind::List, bytesOfList); }
     bool end_object() override { return Close(); }
     bool end_array() override { return Close(); }
 
     bool key(string_t& key) override {
-        m_open.back().key = std::move(key);
-        Count(bytesOfKey + 2 * m_open.back().key.size());
-        if (!m_open.back().keys.insert(m_open.back().key).second)
+        Level& level = m_open.back();
+        level.key = std::move(key);
+        const std::size_t bytes = bytesOfKey + level.key.size();
+        level.bytesOfKeys += bytes;
+        Count(2 * bytes);
+        if (m_keeps && !level.keys.insert(level.key).second)
             throw Error(m_file.string(), Place(), "the key stands twice");
         return true;
     }
@@ -111,35 +116,40 @@ public:
 private:
     static constexpr std::size_t nestingLimit = 32;
 
+    enum class Kind { Object, List };
+
     struct Level {
-        json* value;  // stays where it is while it is open: nothing is added beside it until then
-        std::size_t index;
-        std::string key;
-        std::set<std::string> keys;
+        Kind kind;
+        json* value;  // stays where it is while it is open: nothing is added beside it until then; null while counting
+        std::size_t index = 0;
+        std::string key{};
+        std::set<std::string> keys{};
+        std::size_t bytesOfKeys = 0;
     };
 
     [[nodiscard]] std::string Place() const {
         std::string place;
         for (const Level& level : m_open)
-            place += '/' + (level.value->is_array() ? std::to_string(level.index) : EscapePointer(level.key));
+            place += '/' + (level.kind == Kind::List ? std::to_string(level.index) : EscapePointer(level.key));
         return place.empty() ? "/" : place;
     }
 
-    bool Open(json empty, std::size_t bytes) {
+    bool Open(Kind kind, std::size_t bytes) {
         if (m_open.size() == nestingLimit) throw Error(m_file.string(), Place(), "nested too deeply");
         Count(bytesOfValue + bytes);
-        m_open.push_back({Add(std::move(empty)), 0, {}, {}});
+        m_open.push_back({kind, m_keeps ? Add(kind == Kind::List ? json::array() : json::object()) : nullptr});
         return true;
     }
 
     bool Close() {
+        m_bytes -= m_open.back().bytesOfKeys;
         m_open.pop_back();
         return Advance();
     }
 
     bool Leaf(json value) {
         Count(bytesOfValue);
-        Add(std::move(value));
+        if (m_keeps) Add(std::move(value));
         return Advance();
     }
 
@@ -162,11 +172,13 @@ private:
     void Count(std::size_t bytes) {
         m_bytes += bytes;
         if (m_bytes > largestTree)
-            throw Error(m_file.string(), Place(), "up to here the file holds more than 1 GiB of memory has room for");
+            throw Error(m_file.string(), Place(),
+                        "up to here the file holds more than 512 MiB of memory have room for");
     }
 
     const std::string& m_text;
     const std::filesystem::path& m_file;
+    bool m_keeps;
     json m_root;
     std::vector<Level> m_open;
     std::size_t m_bytes = 0;
@@ -234,7 +246,10 @@ std::string JsonNode::Text() const {
 }
 
 nlohmann::json ParseJson(const std::string& text, const std::filesystem::path& file) {
-    JsonTree tree(text, file);
+    // What has no room is refused before any is taken.
+    JsonTree count(text, file, JsonTree::Pass::Counting);
+    json::sax_parse(text, &count);
+    JsonTree tree(text, file, JsonTree::Pass::Keeping);
     json::sax_parse(text, &tree);
     return tree.Take();
 }

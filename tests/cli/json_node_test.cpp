@@ -1,6 +1,12 @@
 #include "cli/json_node.h"
 
 #include <doctest/doctest.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <string>
+#include <string_view>
 
 #include "tests/cli/thrown.h"
 
@@ -30,11 +36,31 @@ TEST_CASE("A key stands once in an object, and may stand in another") {
     CHECK_EQ(Refusal(R"({"b": {"a": 1, "a": 2}})"), "f.json: /b/a: the key stands twice");
 }
 
-// A list in a list counts 48 + 48 bytes, so 2^30 / 96 = 11184810.7 of them fit, and 33.6 MB of text hold more than
-// that. Read as they come, 62 MB of them would take 3 GB.
+// A list in a list counts 48 + 48 bytes, the outer one too, and 5592405 times that is the most below 2^29: 17 MB of
+// text hold more. Read as they come, 62 MB of them would take 3 GB.
 TEST_CASE("A small text that would take gigabytes is refused while it is read") {
-    CHECK_EQ(Refusal('[' + Repeated("[],", 11'300'000) + "0]"),
-             "f.json: /11184809: up to here the file holds more than 1 GiB of memory has room for");
+    CHECK_EQ(Refusal('[' + Repeated("[],", 5'700'000) + "0]"),
+             "f.json: /5592404: up to here the file holds more than 512 MiB of memory have room for");
+}
+
+// A process of its own begins with what there is now, so its peak tells what the refusal took.
+TEST_CASE("A text that is refused for its size has taken no memory but its own") {
+    const std::string text = '[' + Repeated("[],", 5'700'000) + "0]";
+    const pid_t child = fork();
+    REQUIRE_GE(child, 0);
+    if (child == 0) {
+        const auto peak = [] {
+            rusage usage{};
+            getrusage(RUSAGE_SELF, &usage);
+            return usage.ru_maxrss;  // KiB
+        };
+        const long before = peak();
+        const bool isRefused = Refusal(text) != "nothing";
+        _exit(isRefused && peak() - before < 32 * 1024 ? 0 : 1);
+    }
+    int status = -1;
+    REQUIRE_EQ(waitpid(child, &status, 0), child);
+    CHECK_EQ(status, 0);
 }
 
 TEST_CASE("A million points are read") {
