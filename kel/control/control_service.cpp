@@ -6,19 +6,55 @@
 #include "cli/error.h"
 #include "kel/control/control_json.h"
 #include "kel/control/control_server.h"
+#include "kel/control/osc_server.h"
 
 namespace kel {
 
-#if KEL_WITH_SERVER
+namespace {
+
+// The one kept for that port, or a new one.
+std::string TokenFor(int port) {
+    const std::string kept = port == 0 ? std::string() : KeptToken(port);
+    return kept.empty() ? NewControlToken() : kept;
+}
+
+// Those who take no answers are refused where somebody may read it.
+std::string RefusedEvent(const std::string& line, const ControlAnswer& answer) {
+    nlohmann::ordered_json event = {{"event", "refused"}, {"command", line}};
+    event["error"] = nlohmann::json::parse(answer.json)["error"];
+    return ControlJsonText(event);
+}
+
+}  // namespace
+
+#if !KEL_WITH_SERVER
+class ControlServer {
+public:
+    ControlServer(const ControlAddress& address, const ControlMailbox&) : m_address(address) {
+        throw cli::Error("this kel was built without libwebsockets, so it has no --control");
+    }
+    [[nodiscard]] const ControlAddress& Address() const { return m_address; }
+
+private:
+    ControlAddress m_address;
+};
+#endif
 
 ControlService::ControlService(const ControlOptions& options) {
-    if (!options.door) return;
-    ControlAddress door = *options.door;
-    m_keepsToken = door.port != 0;
-    if (door.token.empty() && m_keepsToken) door.token = KeptToken(door.port);
-    if (door.token.empty()) door.token = NewControlToken();
-    m_server = std::make_unique<ControlServer>(std::move(door), m_mailbox);
-    KeepToken(Door().port, Door().token);
+    std::string token;
+    if (options.door) {
+        ControlAddress door = *options.door;
+        m_keepsToken = door.port != 0;
+        token = door.token = TokenFor(door.port);
+        m_server = std::make_unique<ControlServer>(std::move(door), m_mailbox);
+    }
+    if (options.osc) {
+        ControlAddress osc = *options.osc;
+        osc.token = token.empty() ? TokenFor(osc.port) : token;
+        m_osc = std::make_unique<OscServer>(std::move(osc), m_mailbox);
+    }
+    if (m_server) KeepToken(Door().port, token);
+    if (m_osc && !m_server && !IsLoopback(Osc().host)) KeepToken(Osc().port, Osc().token);
 }
 
 ControlService::~ControlService() {
@@ -27,26 +63,16 @@ ControlService::~ControlService() {
 
 const ControlAddress& ControlService::Door() const { return m_server->Address(); }
 
-#else
-
-class ControlServer {};
-
-ControlService::ControlService(const ControlOptions& options) {
-    if (options.door) throw cli::Error("this kel was built without libwebsockets, so it has no --control");
-}
-ControlService::~ControlService() = default;
-
-const ControlAddress& ControlService::Door() const {
-    static const ControlAddress none;
-    return none;
-}
-
-#endif
+const ControlAddress& ControlService::Osc() const { return m_osc->Address(); }
 
 bool ControlService::RunCommands(ControlTarget& target) {
     const std::vector<ControlRequest> requests = m_mailbox.TakeRequests(mostInAField);
-    for (const ControlRequest& request : requests)
-        m_mailbox.Answer(request.client, RunControlLine(target, request.line, request.numbers).json);
+    for (const ControlRequest& request : requests) {
+        ControlAnswer answer = RunControlLine(target, request.line, request.numbers);
+        if (request.client == nobody && !answer.isDone && m_mailbox.HasListeners())
+            m_mailbox.TellAll({RefusedEvent(request.line, answer)});
+        m_mailbox.Answer(request.client, std::move(answer.json));
+    }
     return !requests.empty();
 }
 

@@ -11,9 +11,11 @@
 namespace kel {
 
 class ControlServer;
+class OscServer;
 
 struct ControlOptions {
-    std::optional<ControlAddress> door;  // for HTTP and WebSocket; nothing: none
+    std::optional<ControlAddress> door = {};  // for HTTP and WebSocket; nothing: none
+    std::optional<ControlAddress> osc = {};   // for Open Sound Control, likewise
 };
 
 // All doors of a workspace, and what comes in through them. Thread: the workspace's; the doors have their own.
@@ -27,8 +29,9 @@ public:
     ControlService(ControlService&&) = delete;
     ControlService& operator=(ControlService&&) = delete;
 
-    // Where the door for HTTP and WebSocket is, with its token; there is one.
+    // Where they are, with their token; each only if it was asked for.
     [[nodiscard]] const ControlAddress& Door() const;
+    [[nodiscard]] const ControlAddress& Osc() const;
 
     // Runs what has come in, to be called before each field; what is left waits for the next one. False: nothing had.
     bool RunCommands(ControlTarget& target);
@@ -44,6 +47,7 @@ private:
     bool m_isFollowed = false;  // somebody listened the last time
     bool m_keepsToken = false;
     std::unique_ptr<ControlServer> m_server;
+    std::unique_ptr<OscServer> m_osc;
 };
 
 }  // namespace kel

@@ -37,6 +37,7 @@ struct WindowLine {
     TimelineChoice timeline = TimelineChoice::Usual;
     OutputOptions outputs;
     std::string door;
+    std::string osc;
 };
 
 // For a recording that nobody asked to keep.
@@ -127,11 +128,17 @@ void WriteAfterwards(PlayOptions again, bool isScratch, const std::filesystem::p
 
 // Null: none is asked for.
 std::unique_ptr<ControlService> OpenDoors(const WindowLine& line) {
-    if (line.door.empty()) return nullptr;
+    if (line.door.empty() && line.osc.empty()) return nullptr;
     ControlOptions options;
-    options.door = ParseDoorAddress(line.door);
+    if (!line.door.empty()) options.door = ParseDoorAddress(line.door);
+    if (!line.osc.empty()) options.osc = ParseDoorAddress(line.osc);
     auto control = std::make_unique<ControlService>(options);
-    std::printf("control: %s\n", ControlUrl(control->Door()).c_str());
+    if (options.door) std::printf("control: %s\n", ControlUrl(control->Door()).c_str());
+    if (options.osc) {
+        const ControlAddress& osc = control->Osc();
+        const std::string token = IsLoopback(osc.host) ? std::string() : ", first argument " + osc.token;
+        std::printf("OSC: %s:%d%s\n", osc.host.c_str(), osc.port, token.c_str());
+    }
     std::fflush(stdout);
     return control;
 }
@@ -209,6 +216,8 @@ void AddWindowCommand(CLI::App& program) {
         ->add_option(
             "--control", line->door,
             "Takes commands at this port (0: any), of this machine without ADDRESS, and prints how to get there")
+        ->type_name("[ADDRESS:]PORT");
+    command->add_option("--osc", line->osc, "Takes commands as Open Sound Control over UDP, likewise")
         ->type_name("[ADDRESS:]PORT");
     AddTimelineOption(*command, line->timeline);
     AddOutputOptions(*command, line->outputs);

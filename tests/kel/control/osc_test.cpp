@@ -1,0 +1,147 @@
+#include <arpa/inet.h>
+#include <doctest/doctest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include "kel/control/control_service.h"
+#include "kel/control/osc_message.h"
+#include "kel/control/osc_server.h"
+#include "tests/cli/thrown.h"
+#include "tests/kel/control/bare_target.h"
+#include "tests/kel/control/osc_packet.h"
+
+namespace kel {
+namespace {
+
+using cli::testing::Thrown;
+using testing::BareTarget;
+using testing::BytesOf;
+using testing::OscBundle;
+using testing::OscPacket;
+using testing::OscText;
+using testing::OscWord;
+
+std::string LineOf(const std::string& packet) {
+    const std::vector<OscMessage> messages = ParseOscPacket(BytesOf(packet));
+    REQUIRE_EQ(messages.size(), 1);
+    return ControlLineOf(messages[0]);
+}
+
+std::string Refused(const std::string& packet) {
+    return Thrown([&] { (void)ParseOscPacket(BytesOf(packet)); });
+}
+
+void SendTo(int port, const std::string& packet) {
+    const int handle = socket(AF_INET, SOCK_DGRAM, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(static_cast<std::uint16_t>(port));
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    (void)sendto(handle, packet.data(), packet.size(), 0, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+    close(handle);
+}
+
+// 7.5 is 1.875 * 2^2: exponent 129, fraction 0.875, which is 0x40F00000.
+const std::string sevenAndAHalf = OscWord(0x40F00000);
+// 1.0: exponent 127, fraction 0.
+const std::string one = OscWord(0x3F800000);
+
+}  // namespace
+
+TEST_CASE("A message's address and arguments are the words of a command") {
+    CHECK_EQ(LineOf(OscPacket("/set/BrushColor", "s", OscText("#ff0000"))), "set BrushColor #ff0000");
+    CHECK_EQ(LineOf(OscPacket("/set/BrushWidth", "f", sevenAndAHalf)), "set BrushWidth 7.5");
+    CHECK_EQ(LineOf(OscPacket("/set/BrushWidth", "i", OscWord(8))), "set BrushWidth 8");
+    CHECK_EQ(LineOf(OscPacket("/set/BrushWidth", "i", OscWord(0xFFFFFFFF))), "set BrushWidth -1");
+    CHECK_EQ(LineOf(OscPacket("/set/BrushColor", "r", OscWord(0x0102ff80))), "set BrushColor #0102ff80");
+    CHECK_EQ(LineOf(OscPacket("/set/RecoShapes", "T")), "set RecoShapes true");
+    CHECK_EQ(LineOf(OscPacket("/film/frame", "h", OscWord(0) + OscWord(120))), "film frame 120");
+    CHECK_EQ(LineOf(OscPacket("/set/BrushType", "s", OscText("two words"))), "set BrushType \"two words\"");
+    CHECK_EQ(LineOf(OscPacket("/recall/in/place/3", "")), "recall in place 3");
+    CHECK_EQ(LineOf(OscText("/undo")), "undo");
+}
+
+TEST_CASE("A button is pressed with any number but zero, which is its letting go") {
+    CHECK_EQ(LineOf(OscPacket("/button/Undo", "f", one)), "button Undo");
+    CHECK_EQ(LineOf(OscPacket("/button/Undo", "f", OscWord(0))), "");
+    CHECK_EQ(LineOf(OscPacket("/undo", "F")), "");
+    CHECK_EQ(LineOf(OscPacket("/toggle/RecoShapes", "i", OscWord(1))), "toggle RecoShapes");
+    CHECK_EQ(LineOf(OscPacket("/step/BrushWidth/-1", "f", one)), "step BrushWidth -1");
+    CHECK_EQ(LineOf(OscPacket("/seek", "i", OscWord(0))), "seek 0");
+}
+
+TEST_CASE("A bundle's messages come one after the other, those of bundles inside it too") {
+    const std::string inner = OscBundle(OscText("/undo"), OscText("/redo"));
+    const auto messages = ParseOscPacket(BytesOf(OscBundle(OscText("/pause"), inner)));
+    REQUIRE_EQ(messages.size(), 3);
+    CHECK_EQ(messages[0].address, "/pause");
+    CHECK_EQ(messages[1].address, "/undo");
+    CHECK_EQ(messages[2].address, "/redo");
+}
+
+TEST_CASE("What is no packet of messages is refused, wherever it is cut") {
+    CHECK_EQ(Refused(""), "a text does not end");
+    CHECK_EQ(Refused("/und"), "a text does not end");
+    CHECK_EQ(Refused(OscText("undo")), "an address begins with a stroke");
+    CHECK_EQ(Refused(OscPacket("/a", "b", OscWord(0))), "arguments of type \"b\" are not known");
+    CHECK_EQ(Refused(OscText("/a") + OscText("i")), "the types of the arguments are missing");
+    CHECK_EQ(Refused(OscPacket("/a", "i")), "the packet ends too early");
+    CHECK_EQ(Refused(OscText("#bungle") + OscWord(0) + OscWord(1)), "the packet is neither a message nor a bundle");
+    CHECK_EQ(Refused(OscText("#bundle") + OscWord(0) + OscWord(1) + OscWord(0xFFFFFFFC)), "the packet ends too early");
+    std::string deep = OscText("/undo");
+    for (int i = 0; i < 9; ++i) deep = OscBundle(OscText("/undo"), deep);
+    CHECK_EQ(Refused(deep), "bundles are nested too deep");
+    const std::string whole =
+        OscBundle(OscPacket("/set/A", "sif", OscText("text") + OscWord(1) + one), OscText("/undo"));
+    for (std::size_t length = 0; length < whole.size(); ++length) {
+        INFO(length);
+        // Cut between two of its parts it is a shorter bundle.
+        if (length != 16 && length != 16 + 4 + 8 + 8 + 8 + 8) CHECK_NE(Refused(whole.substr(0, length)), "");
+    }
+}
+
+TEST_CASE("What comes as OSC changes the workspace, faders rounded") {
+    BareTarget target;
+    ControlOptions options;
+    options.osc = ControlAddress{};
+    ControlService service(options);
+    const int port = service.Osc().port;
+    SendTo(port, "no packet at all");
+    SendTo(port, std::string(60'000, '\xff'));
+    SendTo(port, OscPacket("/set/BrushWidth", "f", sevenAndAHalf));
+    while (!service.RunCommands(target)) continue;
+    target.workspace->RunFields(1);
+    CHECK_EQ(target.Value("BrushWidth"), 8);  // half is rounded up
+}
+
+TEST_CASE("From other machines the first argument is the token") {
+    ControlMailbox mailbox;
+    const std::string token(32, 'a');
+    const OscServer server({"0.0.0.0", 0, token}, mailbox);
+    const int port = server.Address().port;
+    SendTo(port, OscText("/undo"));
+    SendTo(port, OscPacket("/undo", "s", OscText(std::string(32, 'b'))));
+    SendTo(port, OscPacket("/undo", "i", OscWord(1)));
+    SendTo(port, OscPacket("/set/BrushWidth", "si", OscText(token) + OscWord(8)));
+    std::vector<ControlRequest> requests;
+    while (requests.empty()) requests = mailbox.TakeRequests(64);
+    REQUIRE_EQ(requests.size(), 1);
+    CHECK_EQ(requests[0].line, "set BrushWidth 8");
+    CHECK(requests[0].numbers == ControlNumbers::OfFaders);
+}
+
+TEST_CASE("A port for OSC that is taken, or of no address, is an error") {
+    ControlMailbox mailbox;
+    const OscServer first({"127.0.0.1", 0, {}}, mailbox);
+    const int port = first.Address().port;
+    CHECK(Thrown([&] {
+              const OscServer second({"127.0.0.1", port, {}}, mailbox);
+          }).find("Address already in use") != std::string::npos);
+    CHECK_EQ(Thrown([&] {
+                 const OscServer none({"nowhere", 1, {}}, mailbox);
+             }),
+             "nowhere: is no address such as 192.168.1.7");
+}
+
+}  // namespace kel
