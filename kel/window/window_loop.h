@@ -18,10 +18,12 @@
 #include "kel/window/spotlight.h"
 #include "kel/window/status_line.h"
 #include "kel/window/stroke_chooser.h"
+#include "kel/window/stylus_watch.h"
 #include "kel/window/touch_pointer.h"
 #include "kel/window/video_sound.h"
 #include "kel/window/window_painter.h"
 #include "kel/window/workspace_window.h"
+#include "kel/workspace/eraser_end.h"
 #include "kel/workspace/fitted_keys.h"
 #include "kel/workspace/picture_area.h"
 #include "kel/workspace/picture_zoom.h"
@@ -113,6 +115,8 @@ private:
     SecondRate m_pictures;
     PenTimes m_pen;
     TouchPointer m_touch;
+    StylusWatch m_stylus;
+    EraserEnd m_eraserEnd;
     std::vector<SDL_Event> m_keysUp;
     int m_opened = 1;
     std::int64_t m_givenUp = 0;  // fields that the video knows of

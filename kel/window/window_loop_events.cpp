@@ -13,6 +13,7 @@
 namespace kel {
 
 void WindowLoop::TakeEvents() {
+    (void)m_stylus.Look();
     SDL_Event event;
     while (SDL_PollEvent(&event) != 0) {
         if (m_clean && m_clean->TakeEvent(event)) continue;
@@ -76,6 +77,7 @@ void WindowLoop::TakeEvent(const SDL_Event& event) {
 void WindowLoop::BeginStroke() {
     // What is being typed is over with the press, and takes hold before the stroke.
     if (ImGui::GetIO().WantTextInput) MakePanel();
+    if (m_options.hasPen) m_eraserEnd.Use(*m_workspace, m_stylus.Look().isEraser);
     m_hasHelp = false;
     m_pen.Press(Clock::now());
 }

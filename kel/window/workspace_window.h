@@ -17,6 +17,7 @@ struct WindowOptions {
     bool areKeysGiven = false;          // by the operator: keys that the module has no use for are errors
     bool hasSteps = true;               // the module is stepped as the pressed pointer moves, not with fields alone
     bool hasTail = true;                // the pen's way is shown to the pointer before the module draws it
+    bool hasPen = true;                 // the end of a pen that erases makes the brush an eraser
     bool hasCleanOutput = false;        // a second window with the picture alone
     std::optional<int> cleanDisplay;    // the one that it fills, counted from 1
     bool followsVideo = false;          // what is written has a field for each frame of the video that is open

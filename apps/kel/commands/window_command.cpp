@@ -32,6 +32,7 @@ struct WindowLine {
     std::string saves = ".";
     std::string steps = "motion";
     std::string tail = "on";
+    std::string pen = "on";
     bool hasCleanOutput = false;
     std::string cleanDisplay;
     TimelineChoice timeline = TimelineChoice::Usual;
@@ -159,6 +160,7 @@ void Window(const WindowLine& line) {
     options.workspace.permissions = line.access.Permissions();
     options.hasSteps = line.steps == "motion";
     options.hasTail = line.tail == "on";
+    options.hasPen = line.pen == "on";
     options.hasCleanOutput = line.hasCleanOutput;
     if (!line.cleanDisplay.empty()) options.cleanDisplay = std::stoi(line.cleanDisplay);
     options.workspace.recording = line.recording;
@@ -207,6 +209,8 @@ void AddWindowCommand(CLI::App& program) {
         ->check(CLI::IsMember({"motion", "field"}));
     command
         ->add_option("--tail", line->tail, "With on (default) the window shows the pen's way up to the pointer at once")
+        ->check(CLI::IsMember({"on", "off"}));
+    command->add_option("--pen", line->pen, "With on (default) the end of a pen that erases does so")
         ->check(CLI::IsMember({"on", "off"}));
     CLI::Option* clean =
         command->add_option("--clean-output", line->cleanDisplay,
