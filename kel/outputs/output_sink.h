@@ -4,10 +4,12 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "kel/scene/host.h"
+#include "kel/video/picture_part.h"
 #include "picture_io/output_files.h"
 #include "picture_io/picture.h"
 
@@ -32,6 +34,8 @@ struct OutputField {
     double seconds = 0.0;     // its time stamp, since field 0
     // Those that the sink asked for; the others may be null. The very picture of the field before: nothing changed.
     std::array<SharedPicture, viewCount> views;
+    // Where they may differ from the field before, for whoever knows, and then says it of every field.
+    std::optional<PicturePart> changed = {};
 
     [[nodiscard]] const SharedPicture& Of(View view) const { return views[static_cast<std::size_t>(view)]; }
 };

@@ -12,7 +12,9 @@ void VideoSink::Open(const SinkSettings& settings) {
 
 void VideoSink::TakeField(const OutputField& field) {
     const SharedPicture& picture = field.Of(m_view);
-    if (picture == m_last)
+    if (field.changed)
+        m_writer->WriteChanged(*picture, *field.changed);
+    else if (picture == m_last)
         m_writer->Repeat();
     else
         m_writer->Write(*picture);

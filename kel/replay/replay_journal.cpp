@@ -136,23 +136,27 @@ private:
 
     void Look(JournalReplay& replay, std::int64_t field, double seconds) {
         const chalkpane::Rect changed = replay.PlayTo(field);
-        m_picture.TakeInk(replay.Canvas(), changed);
-        const bool isOther = m_background.ShowAt(seconds, m_picture);
-        if (isOther || changed.IsValid()) m_shown = nullptr;
+        PicturePart part = m_picture.TakeInk(replay.Canvas(), changed);
+        if (m_background.ShowAt(seconds, m_picture))
+            part = {0, 0, m_background.Size().width, m_background.Size().height};
+        m_changed = m_changed.With(part);
+        if (!m_changed.IsEmpty()) m_shown = nullptr;
     }
 
     void Take(std::int64_t number, double seconds) {
-        if (!m_shown) m_shown = std::make_shared<const picture_io::Picture>(Show());
+        if (!m_shown) m_shown = Show();
         OutputField field;
         field.number = number;
         field.seconds = seconds;
         field.views[static_cast<std::size_t>(m_view)] = m_shown;
+        field.changed = std::exchange(m_changed, {});
         m_sink->TakeField(field);
     }
 
-    [[nodiscard]] picture_io::Picture Show() const {
-        if (m_view == View::Rendered) return m_picture.OverBackground();
-        return m_options.straight ? picture_io::DividedByAlpha(m_picture.Ink()) : m_picture.Ink();
+    [[nodiscard]] SharedPicture Show() {
+        if (m_view == View::Overlay && !m_options.straight) return m_picture.SharedInk();
+        return std::make_shared<const picture_io::Picture>(
+            m_view == View::Rendered ? m_picture.OverBackground() : picture_io::DividedByAlpha(m_picture.Ink()));
     }
 
     const ReplayOptions& m_options;
@@ -162,6 +166,7 @@ private:
     std::unique_ptr<OutputSink> m_sink;
     picture_io::OutputFiles& m_files;
     SharedPicture m_shown;  // null: has to be made
+    PicturePart m_changed;  // since the sink took a field
 };
 
 // "x.mov" for stroke 3: "x-3.mov".

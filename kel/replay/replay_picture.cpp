@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 namespace kel {
@@ -80,9 +81,23 @@ std::uint8_t Mixed(std::uint8_t ink, std::uint8_t under, int cover) {
 
 ReplayPicture::ReplayPicture(WindowSize size) : m_ink(size.width, size.height), m_background(size.width, size.height) {}
 
-void ReplayPicture::TakeInk(const Image& canvas, const Rect& changed) {
+std::shared_ptr<const picture_io::Picture> ReplayPicture::SharedInk() {
+    Copy& copy = m_copies[0].picture.use_count() > 1 ? m_copies[1] : m_copies[0];
+    if (!copy.picture || copy.picture.use_count() > 1) {
+        copy = {std::make_shared<picture_io::Picture>(m_ink), {}};
+        return copy.picture;
+    }
+    const PicturePart stale = std::exchange(copy.stale, {});
+    for (std::int32_t y = stale.y; y < stale.y + stale.height; ++y) {
+        const auto first = (std::ptrdiff_t{y} * m_ink.width + stale.x) * 4;
+        std::copy_n(m_ink.rgba.begin() + first, std::ptrdiff_t{stale.width} * 4, copy.picture->rgba.begin() + first);
+    }
+    return copy.picture;
+}
+
+PicturePart ReplayPicture::TakeInk(const Image& canvas, const Rect& changed) {
     const Rect area = changed.Intersection(canvas);
-    if (!area.IsValid()) return;
+    if (!area.IsValid()) return {};
     const auto columns = PixelsShowing(area.x0 - canvas.x0, area.x1 - canvas.x0, m_ink.width, canvas.Width());
     const auto rows = PixelsShowing(area.y0 - canvas.y0, area.y1 - canvas.y0, m_ink.height, canvas.Height());
     std::vector<std::vector<Between>> places;
@@ -100,6 +115,9 @@ void ReplayPicture::TakeInk(const Image& canvas, const Rect& changed) {
             m_ink.Set(x, y, pixel);
         }
     }
+    const PicturePart part{columns[0], rows[0], columns[1] - columns[0] + 1, rows[1] - rows[0] + 1};
+    for (Copy& copy : m_copies) copy.stale = copy.stale.With(part);
+    return part;
 }
 
 void ReplayPicture::SetBackground(const picture_io::Picture& background) {

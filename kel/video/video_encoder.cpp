@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <new>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -137,9 +138,26 @@ void VideoEncoder::OpenFile() {
     Check(avformat_write_header(m_output.get(), nullptr));
 }
 
-void VideoEncoder::Write(const picture_io::Picture& picture) {
+void VideoEncoder::CheckSize(const picture_io::Picture& picture) const {
     if (picture.width != m_settings.width || picture.height != m_settings.height)
         Refuse(m_file.File(), "a film's pictures are all of one size");
+}
+
+void VideoEncoder::WriteChanged(const picture_io::Picture& picture, const PicturePart& changed) {
+    const bool isAnimation = m_codec->codec_id == AV_CODEC_ID_QTRLE && m_codec->pix_fmt == AV_PIX_FMT_ARGB;
+    if (!isAnimation) return changed.IsEmpty() && m_count > 0 ? Repeat() : Write(picture);
+    CheckSize(picture);
+    if (!m_animation) m_animation.emplace(m_codecSettings.keyEvery);
+    const std::span<const std::uint8_t> bytes = m_animation->Make(picture, changed);
+    if (av_new_packet(m_packet.get(), static_cast<int>(bytes.size())) < 0) throw std::bad_alloc();
+    std::ranges::copy(bytes, m_packet->data);
+    if (m_animation->IsKey()) m_packet->flags |= AV_PKT_FLAG_KEY;
+    m_packet->pts = m_packet->dts = m_count++;
+    WritePacket();
+}
+
+void VideoEncoder::Write(const picture_io::Picture& picture) {
+    CheckSize(picture);
     Check(av_frame_make_writable(m_frame.get()));  // the encoder may still hold the last one
     m_packer.Pack(picture, *m_frame);
     m_frame->pts = m_count++;

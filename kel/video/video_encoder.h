@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "cli/staged_file.h"
+#include "kel/video/animation_packets.h"
 #include "kel/video/av_objects.h"
 #include "kel/video/picture_packer.h"
 #include "kel/video/sound_copy.h"
@@ -19,6 +20,7 @@ public:
     VideoEncoder(const std::filesystem::path& file, const VideoSettings& settings);
 
     void Write(const picture_io::Picture& picture);
+    void WriteChanged(const picture_io::Picture& picture, const PicturePart& changed);
     void Repeat();
     void Close();
     void Commit() { m_file.Commit(); }
@@ -32,6 +34,7 @@ private:
     void OpenCodec(const VideoSettings& settings);
     void TagColours(const VideoSettings& settings);
     void OpenFile();
+    void CheckSize(const picture_io::Picture& picture) const;
     [[nodiscard]] double SecondsWritten() const;
     void Encode(const AVFrame* frame);
     void WritePacket();
@@ -48,7 +51,8 @@ private:
     AvPacket m_packet;
     AvPacket m_last;  // as the encoder gave it; of a stateless codec only
     PicturePacker m_packer;
-    std::int64_t m_count = 0;  // frames
+    std::optional<AnimationPackets> m_animation;  // there once such a packet was made
+    std::int64_t m_count = 0;                     // frames
 };
 
 }  // namespace kel

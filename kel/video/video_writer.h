@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <memory>
 
+#include "kel/video/picture_part.h"
 #include "picture_io/picture.h"
 
 namespace kel {
@@ -36,6 +37,9 @@ public:
 
     // The next picture, of the video's size. Four bytes a pixel are taken as they are, whatever their alpha means.
     void Write(const picture_io::Picture& picture);
+    // The next picture where it is known what of it may differ from the one before. A video is written by this alone or
+    // by the other two.
+    void WriteChanged(const picture_io::Picture& picture, const PicturePart& changed);
     // The picture before once more, of which there is one: the same file as by Write, sooner.
     void Repeat();
     // Writes the end of the file. A full disk shows here at the latest.

@@ -104,6 +104,28 @@ TEST_CASE("a replay has a picture for each field, in which lines grow as they we
     CHECK_EQ(alphaAt("f41.png", 500, 200), 0);
 }
 
+// A film of the strokes is made of what changed from field to field, numbered pictures each of all of it.
+TEST_CASE("the film of a replay has the pictures of its fields, with and without a background") {
+    const JournalFolder made;
+    picture_io::WritePicture(picture_io::Picture(100, 80), made.folder / "dark.png");
+    for (const bool hasBackground : {false, true}) {
+        CAPTURE(hasBackground);
+        for (const char* out : {"f%02d.png", "f.mov"}) {
+            ReplayOptions options = made.To(out);
+            if (hasBackground) options.over = (made.folder / "dark.png").string();
+            ReplayJournal(options);
+        }
+        VideoReader film(made.folder / "f.mov");
+        REQUIRE_EQ(film.FrameCount(), 42);
+        for (int field = 0; field < 42; ++field) {
+            CAPTURE(field);
+            std::string name = std::to_string(field);
+            name = "f" + std::string(2 - name.size(), '0') + name + ".png";
+            CHECK(film.ReadFrame(field) == made.Read(name));
+        }
+    }
+}
+
 TEST_CASE("speed, length, from and to choose the fields of a film") {
     const JournalFolder made;
     const auto frames = [&](const ReplayOptions& options) {
@@ -184,6 +206,11 @@ TEST_CASE("kel replay draws a journal and refuses what is none") {
     WriteJournal(folder.Path("x.journal"));
     CHECK_EQ(folder.Run("replay x.journal --out x.png --speed 4").exitCode, 0);
     CHECK(IsRed(folder.Open("x.png").At(500, 800)));
+    // 50 fields of a second from one stroke each, and 6 from field 31 to 36.
+    CHECK_EQ(folder.Run("replay x.journal --out s.mov --each --length 1").exitCode, 0);
+    for (const char* film : {"s-1.mov", "s-2.mov"}) CHECK_EQ(VideoReader(folder.Path(film)).FrameCount(), 50);
+    CHECK_EQ(folder.Run("replay x.journal --out p.mov --from 0.6 --to 0.7").exitCode, 0);
+    CHECK_EQ(VideoReader(folder.Path("p.mov")).FrameCount(), 6);
     CheckRefused(folder, "replay s.json --out y.png", "s.json: line 1: a journal begins with \"chalkpane-journal 1\"");
     CheckRefused(folder, "replay none --out y.png", "none: cannot be read");
     folder.Write("empty.journal", "chalkpane-journal 1\n");
