@@ -111,7 +111,7 @@ public:
 
     // False: progress wants no more.
     bool Play(const std::vector<JournalRecord>& records, const ReplayProgress& progress) {
-        JournalReplay replay(records);
+        JournalReplay replay(records, m_options.even ? JournalReplay::Pace::Even : JournalReplay::Pace::AsDrawn);
         const Timing timing(m_options, replay);
         m_sink->Open({m_background.Size(), m_options.fieldsPerSecond, timing.fields, &m_files});
         for (std::int64_t field = 0; field < timing.fields; ++field) {

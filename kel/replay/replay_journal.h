@@ -15,6 +15,7 @@ struct ReplayOptions {
     std::optional<double> from;    // seconds of the drawing, from its first press; what came before is there
     std::optional<double> to;      // seconds of the drawing
     double fieldsPerSecond = 50;   // of the drawing and of the video
+    bool even = false;             // the pen at one pace and without pauses
     bool straight = false;         // ink alone has colours that are not multiplied by alpha
     bool each = false;             // one output for each stroke, its number before the name's ending
 };

@@ -1,6 +1,7 @@
 #include "telestrator/journal/journal_replay.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace chalkpane {
@@ -19,7 +20,7 @@ StrokeStage StageOf(HandEvent event) {
 
 }  // namespace
 
-JournalReplay::JournalReplay(const std::vector<JournalRecord>& records) : records_(records) {
+JournalReplay::JournalReplay(const std::vector<JournalRecord>& records, Pace pace) : records_(records) {
     for (std::size_t i = 0; i < records_.size(); ++i) {
         const JournalRecord& record = records_[i];
         const std::size_t samples = record.kind == RecordKind::Stroke ? record.strokes.front()->hand.size() : 0;
@@ -27,7 +28,33 @@ JournalReplay::JournalReplay(const std::vector<JournalRecord>& records) : record
             Add(record.strokes.front()->hand[sample].field, {0, i, sample, true});
         Add(record.field, {0, i, 0, false});
     }
+    if (pace == Pace::Even) MakeEven();
     pen_.SetTarget(&canvas_);
+}
+
+const HandSample* JournalReplay::SampleOf(const Event& event) const {
+    return event.isHand ? &records_[event.record].strokes.front()->hand[event.sample] : nullptr;
+}
+
+// A field passes with each part of the way that is as long as the mean of those drawn in a field.
+void JournalReplay::MakeEven() {
+    double way = 0;           // canvas pixels
+    std::int64_t fields = 0;  // with the pen on the canvas
+    std::vector<double> ways;
+    ways.reserve(events_.size());
+    for (std::size_t i = 0; i < events_.size(); ++i) {
+        const HandSample* const to = SampleOf(events_[i]);
+        const HandSample* const from = i == 0 ? nullptr : SampleOf(events_[i - 1]);
+        if (to != nullptr && from != nullptr && to->event != HandEvent::Press) {
+            fields += events_[i].field - events_[i - 1].field;
+            if (to->event != HandEvent::Lift) way += std::hypot(to->at.x - from->at.x, to->at.y - from->at.y);
+        }
+        ways.push_back(way);
+    }
+    if (!(way > 0)) return;
+    const std::int64_t first = FirstField();
+    for (std::size_t i = 0; i < events_.size(); ++i)
+        events_[i].field = first + std::llround(ways[i] / way * static_cast<double>(fields));
 }
 
 void JournalReplay::Add(std::int64_t field, Event event) {

@@ -17,9 +17,11 @@ namespace chalkpane {
 // All that allocates may throw std::bad_alloc.
 class JournalReplay {
 public:
+    // Even: the pen goes all its ways at one pace, its mean one, and does not pause; edits come as soon as they can.
+    enum class Pace : std::uint8_t { AsDrawn, Even };
     // The records can be followed, in their order; borrowed. Times that run backwards stand still until they are
     // caught up with.
-    explicit JournalReplay(const std::vector<JournalRecord>& records);
+    explicit JournalReplay(const std::vector<JournalRecord>& records, Pace pace = Pace::AsDrawn);
 
     // The fields of the first thing that happens and of the last; 0 and -1 where nothing does.
     [[nodiscard]] std::int64_t FirstField() const;
@@ -40,6 +42,8 @@ private:
     };
 
     void Add(std::int64_t field, Event event);
+    [[nodiscard]] const HandSample* SampleOf(const Event& event) const;
+    void MakeEven();
     Rect PaintSample(const InkStroke& stroke, std::size_t sample);
     Rect Play(const Event& event);
 

@@ -46,6 +46,9 @@ void CheckDrawing(const std::vector<JournalRecord>& records) {
     JournalReplay replay(records);
     replay.PlayTo(std::numeric_limits<std::int64_t>::max());
     Require(AreAlike(replay.Canvas(), canvas));
+    JournalReplay even(records, JournalReplay::Pace::Even);
+    even.PlayTo(even.LastField());
+    Require(AreAlike(even.Canvas(), canvas));
     std::size_t undone = 0;
     while (drawing.Undo().done) ++undone;
     Require(AreAlike(NewInkCanvas(), canvas));

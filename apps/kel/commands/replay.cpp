@@ -48,6 +48,7 @@ void AddReplayCommand(CLI::App& program) {
     command->add_option("--rate", options->fieldsPerSecond, "Fields a second of the drawing and of the film")
         ->capture_default_str()
         ->check(CLI::Range(1.0, 1000.0));
+    command->add_flag("--even", options->even, "The pen goes at one pace and without pauses");
     command->add_flag("--each", options->each, "Writes each stroke by itself, its number before the ending: x-1.mov");
     command->add_flag("--straight", options->straight,
                       "The strokes alone have colors that are not multiplied by alpha");

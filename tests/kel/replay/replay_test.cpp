@@ -143,6 +143,9 @@ TEST_CASE("speed, length, from and to choose the fields of a film") {
     CHECK_EQ(frames(options), 6);
     options.length = 1;
     CHECK_EQ(frames(options), 50);
+    options = made.To("a.mkv");
+    options.even = true;
+    CHECK_EQ(frames(options), 21);  // 20 fields with the pen down
     CHECK_EQ(made.folder.Entries(), 2);
 }
 

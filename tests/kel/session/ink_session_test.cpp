@@ -133,6 +133,25 @@ TEST_CASE("undo goes beyond the module's own ring, and redo brings all of it bac
     CHECK(played.TheHost().WrongUses().empty());
 }
 
+TEST_CASE("more strokes than the module's ring has room for are all undone and all redone") {
+    constexpr int strokes = 14;  // the ring has ten
+    json events = json::array();
+    for (int i = 0; i < strokes; ++i)
+        events.push_back({{"field", 3 + 5 * i}, {"fields", 3}, {"stroke", {{5, 4 + 4 * i}, {60, 4 + 4 * i}}}});
+    const picture_io::Picture all = CanvasOf(events);
+    json undone = events;
+    for (int i = 0; i < strokes; ++i) undone.push_back({{"field", 80 + i}, {"undo", 1}});
+    undone.push_back({{"field", 100}, {"redo", strokes}});
+    PlayedSession played(WithEvents(undone));
+    for (int left = strokes; left > 0; --left) {
+        CAPTURE(left);
+        const int taken = strokes - left + 1;
+        CHECK(played.CanvasAfter(79 + taken) == CanvasOf(json(events.begin(), events.begin() + left - 1)));
+    }
+    CHECK(played.CanvasAfter(99) == CanvasOf(json::array()));
+    CHECK(played.CanvasAfter(100) == all);
+}
+
 TEST_CASE("undo takes back a button and an edit like a stroke, and what is drawn next ends redoing") {
     const json cleared = With(Strokes(), {{{"field", 90}, {"button", "Clear"}}});
     CHECK(CanvasOf(With(cleared, {{{"field", 100}, {"undo", 1}}})) == CanvasOf(Strokes()));

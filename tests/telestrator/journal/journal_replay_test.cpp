@@ -70,6 +70,50 @@ TEST_CASE("fields begin with the first press, end with the last record, and neve
     CHECK_EQ(JournalReplay(list.records).LastField(), -1);
 }
 
+// Two lines of 180 pixels, the first in 2 fields and, after a pause of 30, the other in 18: 20 fields with the pen
+// down, in each of which it goes 18 pixels.
+TEST_CASE("evened, the pen goes all its ways at one pace and does not pause") {
+    KeptRecords list;
+    JournaledTelestrator telestrator(&list);
+    TelestratorSettings settings;
+    const auto draw = [&](double y, int fields) {
+        telestrator.Press(settings, {100, y});
+        for (int i = 1; i <= fields; ++i) {
+            telestrator.Field(settings);
+            telestrator.Move(settings, {100 + 180.0 * i / fields, y});
+        }
+        telestrator.Release(settings, {280, y});
+    };
+    telestrator.Field(settings);
+    draw(300, 2);
+    for (int i = 0; i < 30; ++i) telestrator.Field(settings);
+    draw(600, 18);
+    telestrator.MoveStroke(1, 0, 100);
+    REQUIRE_EQ(list.records.size(), 3);
+
+    JournalReplay replay(list.records, JournalReplay::Pace::Even);
+    const std::int64_t first = replay.FirstField();
+    CHECK_EQ(first, JournalReplay(list.records).FirstField());
+    CHECK_EQ(replay.LastField(), first + 20);
+    const auto hasInk = [&](std::int32_t x, std::int32_t y) {
+        const Image& canvas = replay.Canvas();
+        return canvas.Address(x, canvas.y0 + y)[3] != std::byte{0};
+    };
+    replay.PlayTo(first + 9);
+    CHECK(hasInk(100, 300));
+    CHECK_FALSE(hasInk(100, 600));
+    replay.PlayTo(first + 10);
+    CHECK(hasInk(270, 300));
+    CHECK(hasInk(100, 600));
+    CHECK_FALSE(hasInk(200, 600));
+    replay.PlayTo(first + 19);
+    CHECK(hasInk(200, 600));
+    CHECK(hasInk(200, 300));
+    replay.PlayTo(first + 20);
+    CHECK_FALSE(hasInk(200, 300));
+    CHECK(Shows(replay, CanvasOf(telestrator)));
+}
+
 TEST_CASE("what a replay did not touch is outside the rectangle it tells") {
     SessionMaker maker(93);
     KeptRecords list;
