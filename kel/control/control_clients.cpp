@@ -65,10 +65,11 @@ int ControlClients::Take(lws* wsi, lws_callback_reasons reason, void** slot, voi
         case LWS_CALLBACK_HTTP_CONFIRM_UPGRADE:
             return ConfirmSocket(wsi);
         case LWS_CALLBACK_ESTABLISHED:
+            if (slot == nullptr) return -1;
             m_mailbox.AddListener(Add(wsi, slot, true).id);
             return 0;
         case LWS_CALLBACK_HTTP:
-            return TakeHttp(wsi, slot);
+            return slot == nullptr ? -1 : TakeHttp(wsi, slot);
         case LWS_CALLBACK_RECEIVE:
         case LWS_CALLBACK_HTTP_BODY:
             return client == nullptr ? -1 : TakePart(*client, static_cast<const char*>(in), length);

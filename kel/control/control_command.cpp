@@ -71,6 +71,7 @@ VideoChange ReadVideo(Words words, const char* form) {
         const auto* found = std::ranges::find(videoWords, words[i], &VideoWord::name);
         if (found == videoWords.end()) {
             std::vector<std::string> names;
+            names.reserve(videoWords.size());
             for (const VideoWord& each : videoWords) names.emplace_back(each.name);
             throw cli::Error("a film has no " + cli::Quoted(words[i]) + cli::NearestHint(words[i], names));
         }
@@ -225,6 +226,7 @@ ControlCommand ParseControlCommand(std::string_view line) {
 
 std::vector<std::string> ControlForms() {
     std::vector<std::string> forms;
+    forms.reserve(verbs.size());
     for (const Verb& verb : verbs) forms.emplace_back(verb.form);
     return forms;
 }

@@ -5,8 +5,10 @@
 
 #include "cli/error.h"
 #include "kel/control/control_json.h"
-#include "kel/control/control_server.h"
 #include "kel/control/osc_server.h"
+#if KEL_WITH_SERVER
+#include "kel/control/control_server.h"
+#endif
 
 namespace kel {
 
