@@ -1,5 +1,6 @@
 #include "kel/ink/ink_thumbnail.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 
@@ -23,6 +24,22 @@ std::array<std::uint8_t, 4> MeanOf(const chalkpane::Image& canvas, std::int32_t 
     return mean;
 }
 
+// A square of the canvas that holds all of it, small for a small drawing, which would be a dot in all of the canvas.
+chalkpane::Rect SquareAround(const std::vector<chalkpane::SharedStroke>& strokes, const chalkpane::Rect& canvas) {
+    constexpr std::int32_t smallest = 128;  // canvas pixels
+    chalkpane::Rect drawn;
+    for (const chalkpane::SharedStroke& stroke : strokes) drawn = drawn.Union(InkBounds(*stroke, canvas));
+    if (!drawn.IsValid()) return canvas;
+    std::int32_t side = smallest;
+    while (side < std::max(drawn.Width(), drawn.Height())) side *= 2;
+    const auto begin = [&](std::int32_t first, std::int32_t last, std::int32_t end) {
+        return std::clamp((first + last - side) / 2, 0, std::max(end + 1 - side, 0));
+    };
+    const std::int32_t x = begin(drawn.x0, drawn.x1, canvas.x1);
+    const std::int32_t y = begin(drawn.y0, drawn.y1, canvas.y1);
+    return {x, y, x + side - 1, y + side - 1};
+}
+
 }  // namespace
 
 picture_io::Picture InkThumbnail(const std::vector<chalkpane::SharedStroke>& strokes, std::int32_t side) {
@@ -30,9 +47,11 @@ picture_io::Picture InkThumbnail(const std::vector<chalkpane::SharedStroke>& str
     chalkpane::InkPainter painter;
     for (const chalkpane::SharedStroke& stroke : strokes) painter.Paint(*stroke, canvas, canvas);
     picture_io::Picture picture(side, side);
-    const std::int32_t pixels = chalkpane::canvasSize / side;
+    const chalkpane::Rect shown = SquareAround(strokes, canvas);
+    const std::int32_t pixels = shown.Width() / side;
     for (std::int32_t y = 0; y < side; ++y)
-        for (std::int32_t x = 0; x < side; ++x) picture.Set(x, y, MeanOf(canvas, x * pixels, y * pixels, pixels));
+        for (std::int32_t x = 0; x < side; ++x)
+            picture.Set(x, y, MeanOf(canvas, shown.x0 + x * pixels, shown.y0 + y * pixels, pixels));
     return picture;
 }
 

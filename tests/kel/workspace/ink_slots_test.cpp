@@ -2,6 +2,7 @@
 
 #include <doctest/doctest.h>
 
+#include "kel/ink/ink_thumbnail.h"
 #include "kel/session/session_lines.h"
 #include "kel/workspace/workspace.h"
 #include "telestrator/journal/journaled_telestrator.h"
@@ -20,14 +21,14 @@ using cli::testing::Thrown;
 using cli::testing::WriteText;
 
 // A line across the canvas at that height, y downwards.
-std::vector<chalkpane::SharedStroke> LineAt(double y) {
+std::vector<chalkpane::SharedStroke> LineAt(double y, double fromX = 100, double toX = 900, std::int32_t radius = 40) {
     chalkpane::JournaledTelestrator telestrator;
     chalkpane::TelestratorSettings settings;
-    settings.brushWidth = 40;
+    settings.brushWidth = radius;
     settings.brushColour = 0xFF0000FFU;  // red first in memory
     telestrator.Field(settings);
-    telestrator.Press(settings, {100, y});
-    telestrator.Release(settings, {900, y});
+    telestrator.Press(settings, {fromX, y});
+    telestrator.Release(settings, {toX, y});
     return {telestrator.Drawing()->Strokes().front().ink};
 }
 
@@ -105,6 +106,18 @@ TEST_CASE("A kept drawing is a journal beside what is open, whose small picture 
         CHECK(each->Thumbnail(4) == nullptr);
     }
     CHECK_EQ(later.Read(3).size(), 1);
+}
+
+// From 700 to 760 with a brush of 5: a square of 128 pixels around 730, 900, so 2 for each of the small picture's.
+TEST_CASE("A small drawing fills its small picture, wherever on the canvas it lies") {
+    const picture_io::Picture picture = InkThumbnail(LineAt(900, 700, 760, 5), 64);
+    CHECK_GT(picture.At(31, 31)[3], 200);
+    CHECK_GT(picture.At(20, 31)[3], 200);
+    CHECK_EQ(picture.At(5, 31)[3], 0);
+    CHECK_EQ(picture.At(31, 20)[3], 0);
+    CHECK(InkThumbnail({}, 64) == picture_io::Picture(64, 64));
+    // At the canvas's edge the square stays within it.
+    CHECK_GT(InkThumbnail(LineAt(1020, 960, 1020, 5), 64).At(40, 62)[3], 200);
 }
 
 TEST_CASE("A slot's file that is no journal has no small picture, and is refused by its name") {
