@@ -70,6 +70,16 @@ picture_io::Picture FrameBuffer::Read(const FrameArea& area) const {
     return picture_io::Flipped(picture);
 }
 
+void FrameBuffer::ReadForScreen(const FrameArea& area, void* pixels, std::int32_t rowPixels) const {
+    glBindFramebuffer(GL_FRAMEBUFFER, m_frame);
+    glPixelStorei(GL_PACK_ALIGNMENT, 4);
+    glPixelStorei(GL_PACK_ROW_LENGTH, rowPixels);
+    glPixelStorei(GL_PACK_INVERT_MESA, GL_TRUE);
+    glReadPixels(area.x, area.y, area.width, area.height, GL_BGRA, GL_UNSIGNED_INT_8_8_8_8_REV, pixels);
+    glPixelStorei(GL_PACK_INVERT_MESA, GL_FALSE);
+    glPixelStorei(GL_PACK_ROW_LENGTH, 0);
+}
+
 void FrameBuffer::Copy(std::uint32_t texture, std::int32_t x, std::int32_t y, const FrameArea& area) const {
     glCopyImageSubData(texture, GL_TEXTURE_2D, 0, x, y, 0, m_colour, GL_RENDERBUFFER, 0, area.x, area.y, 0, area.width,
                        area.height, 1);

@@ -39,6 +39,9 @@ public:
     [[nodiscard]] picture_io::Picture Read() const;  // opaque
     // The part inside the area, which is not empty and lies within.
     [[nodiscard]] picture_io::Picture Read(const FrameArea& area) const;
+    // The same as a screen takes it: top row first, a pixel as blue, green, red and anything.
+    //   rowPixels  from one row to the next
+    void ReadForScreen(const FrameArea& area, void* pixels, std::int32_t rowPixels) const;
     // Copies a part of a texture of GL_RGBA8, from its texel (x, y) on and as large as `area`, into `area`.
     void Copy(std::uint32_t texture, std::int32_t x, std::int32_t y, const FrameArea& area) const;
     // Copies the colours over `area` of the framebuffer `target`, which stays bound.

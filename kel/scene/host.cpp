@@ -332,6 +332,11 @@ picture_io::Picture Host::ReadFrame() const {
     return m_state->frame->Read();
 }
 
+void Host::ReadForScreen(const FrameArea& part, void* pixels, std::int32_t rowPixels) const {
+    const AtWork work(*m_state);
+    m_state->frame->ReadForScreen(part, pixels, rowPixels);
+}
+
 void Host::ShowFrame(const FrameArea& area, std::uint32_t target) const { ShowFramePart(area, area, target); }
 
 void Host::ShowFramePart(const FrameArea& area, const FrameArea& part, std::uint32_t target) const {

@@ -142,6 +142,9 @@ public:
 
     // The picture last rendered; opaque.
     [[nodiscard]] picture_io::Picture ReadFrame() const;
+    // A part of it, which is not empty, with the top row first, a pixel as blue, green, red and anything, `rowPixels`
+    // from one row to the next. For OpenGL in software by Mesa.
+    void ReadForScreen(const FrameArea& part, void* pixels, std::int32_t rowPixels) const;
     // Shows that picture in `area` of the framebuffer `target`, 0 being the current context's window, smoothly scaled
     // where the sizes differ. Leaves the target bound and OpenGL's state plain, for others to draw there.
     void ShowFrame(const FrameArea& area, std::uint32_t target = 0) const;

@@ -15,6 +15,7 @@
 #include "kel/window/display_scale.h"
 #include "kel/window/panel_style.h"
 #include "kel/window/part_presenter.h"
+#include "kel/window/picture_putter.h"
 
 namespace kel {
 namespace {
@@ -106,11 +107,12 @@ SDL_Window* OpenWindow(const std::string& title) {
 
 struct SdlWindow::Parts {
     explicit Parts(const std::string& title)
-        : window(OpenWindow(title)), context(window.get()), presenter(window.get()) {}
+        : window(OpenWindow(title)), context(window.get()), presenter(window.get()), putter(window.get()) {}
     SdlVideo video;
     std::unique_ptr<SDL_Window, CloseWindow> window;
     PanelContext context;
     PartPresenter presenter;
+    PicturePutter putter;
 };
 
 SdlWindow::SdlWindow(const std::string& title) : m_parts(std::make_unique<Parts>(title)) {}
@@ -192,6 +194,10 @@ bool SdlWindow::IsOnPage(std::int32_t x, std::int32_t y) const {
 bool SdlWindow::ShowsParts() const { return m_parts->presenter.IsPossible(); }
 
 void SdlWindow::ShowPart(const FrameArea& part) { m_parts->presenter.Show(part); }
+
+bool SdlWindow::PutPicture(const Host& host, const FrameArea& picture, const FrameArea& part) {
+    return m_parts->putter.Put(host, picture, part, Size());
+}
 
 void SdlWindow::Swap() { SDL_GL_SwapWindow(m_parts->window.get()); }
 

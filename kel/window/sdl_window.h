@@ -46,7 +46,9 @@ public:
     // True: the back buffer keeps its pixels but for Swap, and parts of it can be shown.
     [[nodiscard]] bool ShowsParts() const;
     void ShowPart(const FrameArea& part);  // within the window
-    void Swap();                           // shows all of it; leaves anything behind
+    // The same for a part of the scene's picture, without the back buffer (picture_putter.h). False: nothing was done.
+    [[nodiscard]] bool PutPicture(const Host& host, const FrameArea& picture, const FrameArea& part);
+    void Swap();  // shows all of it; leaves anything behind
 
     // Returns when there is an event, or when the time has come.
     void WaitForEvent(std::chrono::steady_clock::time_point until);

@@ -110,9 +110,20 @@ bool WindowPainter::ShowsAllInstead(const Host& host) {
     return true;
 }
 
+// True: nothing but the picture is seen there, each of its pixels on one of the window, and that is shown now.
+bool WindowPainter::PutsPicture(const Host& host, const FrameArea& part) {
+    const FrameArea picture = PictureInWindow();
+    const WindowSize scene = host.Window();
+    const bool isAlone =
+        Contains(picture, part) && Intersection(m_tailShown, part).IsEmpty() &&
+        std::ranges::none_of(m_pages, [&](const PanelPage& page) { return !Intersection(page.area, part).IsEmpty(); });
+    return isAlone && scene.width == picture.width && scene.height == picture.height &&
+           m_window.PutPicture(host, picture, part);
+}
+
 void WindowPainter::Show(const Host& host, const FrameArea& part) {
     const FrameArea within = Intersection(part, Whole());
-    if (within.IsEmpty()) return;
+    if (within.IsEmpty() || PutsPicture(host, within)) return;
     Paint(host, within);
     m_window.ShowPart(within);
 }

@@ -38,6 +38,7 @@ private:
     [[nodiscard]] FrameArea PictureInWindow() const;
     void Paint(const Host& host, const FrameArea& part);
     void Show(const Host& host, const FrameArea& part);
+    bool PutsPicture(const Host& host, const FrameArea& part);
     bool ShowsAllInstead(const Host& host);
 
     SdlWindow& m_window;
