@@ -32,14 +32,18 @@ Rect BasicBrush::PaintPlainDab(const Dab& dab) {
     ColourDab plain;
     if (!colourSource->FindDab(dab.place.x, dab.place.y, plain)) return {};
     SettledTiles* const tiles = TilesOfPlainDabs(dab.erases);
-    if (tiles != nullptr) {
-        if (tiles->Hold(plain.rect)) return plain.rect.Intersection(*target);
+    const auto paint = [&](const Rect& part) {
+        if (dab.erases)
+            EraseColourDab(plain, part, *target, dab.opacity);
+        else
+            PasteColourDab(plain, part, *target, SourceTypeOf(sourceType).behaviour, dab.opacity, blendMode);
+    };
+    if (tiles == nullptr) {
+        paint(plain.rect);
+    } else if (!tiles->Hold(plain.rect)) {
         tiles->Look(plain.rect);
+        tiles->VisitRestless(plain.rect, paint);
     }
-    if (dab.erases)
-        EraseColourDab(plain, *target, dab.opacity);
-    else
-        PasteColourDab(plain, *target, SourceTypeOf(sourceType).behaviour, dab.opacity, blendMode);
     return plain.rect.Intersection(*target);
 }
 

@@ -62,9 +62,10 @@ void Paste(const ColourDab& dab, const Image& target, const Rect& region, PasteB
 
 }  // namespace
 
-void PasteColourDab(const ColourDab& dab, Image& target, PasteBehaviour behaviour, double opacity, std::uint8_t mode) {
+void PasteColourDab(const ColourDab& dab, const Rect& part, Image& target, PasteBehaviour behaviour, double opacity,
+                    std::uint8_t mode) {
     if (!(opacity > 0.0) || !Fits(dab, target)) return;
-    const Rect region = dab.rect.Intersection(target);
+    const Rect region = part.Intersection(target);
     if (!region.IsValid()) return;
     WithFormatOf(target, [&]<typename F>(F) {
         const PasteSettings settings{IntegerOpacity(opacity, pasteOpacityFactor<F>, F::fullScale), mode};
@@ -72,9 +73,9 @@ void PasteColourDab(const ColourDab& dab, Image& target, PasteBehaviour behaviou
     });
 }
 
-void EraseColourDab(const ColourDab& dab, Image& target, double opacity) {
+void EraseColourDab(const ColourDab& dab, const Rect& part, Image& target, double opacity) {
     if (!(opacity > 0.0) || !Fits(dab, target)) return;
-    const Rect region = dab.rect.Intersection(target);
+    const Rect region = part.Intersection(target);
     if (!region.IsValid()) return;
     WithFormatOf(target, [&]<typename F>(F) {
         using Arithmetic = EraseArithmetic<F>;

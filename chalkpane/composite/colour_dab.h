@@ -15,9 +15,11 @@ struct ColourDab {
 };
 
 // What `BrushPaster::Paste` does with images of the dab at its rectangle, and no clip.
-void PasteColourDab(const ColourDab& dab, Image& target, PasteBehaviour behaviour, double opacity, std::uint8_t mode);
+//   part  of the dab's rectangle, in the plane of the target
+void PasteColourDab(const ColourDab& dab, const Rect& part, Image& target, PasteBehaviour behaviour, double opacity,
+                    std::uint8_t mode);
 
 // The same of `Eraser::Paste`.
-void EraseColourDab(const ColourDab& dab, Image& target, double opacity);
+void EraseColourDab(const ColourDab& dab, const Rect& part, Image& target, double opacity);
 
 }  // namespace chalkpane

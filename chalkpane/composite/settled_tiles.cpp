@@ -36,7 +36,6 @@ bool SettledTiles::Hold(const Rect& dab) const {
 
 void SettledTiles::Look(const Rect& dab) {
     constexpr std::uint32_t everySoManyDabs = 4;
-    constexpr std::int32_t wide = 32;
     if (canvas_ == nullptr || ++looks_ % everySoManyDabs != 0) return;
     const Rect on = dab.Intersection(area_);
     if (!on.IsValid()) return;
@@ -46,10 +45,29 @@ void SettledTiles::Look(const Rect& dab) {
     const std::int32_t lastColumn = std::min(column + around, (area_.Width() - 1) / tileSide);
     const std::int32_t lastRow = std::min(row + around, (area_.Height() - 1) / tileSide);
     for (std::int32_t y = std::max(row - around, 0); y <= lastRow; ++y)
-        for (std::int32_t x = std::max(column - around, 0); x <= lastColumn; ++x)
-            if (!IsSettled(x, y) && Find(x, y))
-                settled_[static_cast<std::size_t>(y)][static_cast<std::size_t>(x / wordBits)] |= std::uint64_t{1}
-                                                                                                 << (x % wordBits);
+        for (std::int32_t x = std::max(column - around, 0); x <= lastColumn; ++x) LookAt(x, y);
+    if (around == 0) return;
+    const std::int32_t firstRow = (on.y0 - area_.y0) / tileSide;
+    const auto rows = static_cast<std::uint32_t>((on.y1 - area_.y0) / tileSide - firstRow + 1);
+    const auto inTurn = firstRow + static_cast<std::int32_t>(looks_ / everySoManyDabs % rows);
+    for (std::int32_t x = (on.x0 - area_.x0) / tileSide; x <= (on.x1 - area_.x0) / tileSide; ++x) LookAt(x, inTurn);
+}
+
+void SettledTiles::LookAt(std::int32_t column, std::int32_t row) {
+    if (IsSettled(column, row) || !Find(column, row)) return;
+    settled_[static_cast<std::size_t>(row)][static_cast<std::size_t>(column / wordBits)] |= std::uint64_t{1}
+                                                                                            << (column % wordBits);
+}
+
+Rect SettledTiles::RestlessOfRow(std::int32_t row, Rect pixels) const {
+    std::int32_t first = (pixels.x0 - area_.x0) / tileSide;
+    std::int32_t last = (pixels.x1 - area_.x0) / tileSide;
+    while (first <= last && IsSettled(first, row)) ++first;
+    if (first > last) return {};
+    while (IsSettled(last, row)) --last;
+    pixels.x0 = std::max(pixels.x0, area_.x0 + first * tileSide);
+    pixels.x1 = std::min(pixels.x1, area_.x0 + last * tileSide + tileSide - 1);
+    return pixels;
 }
 
 bool SettledTiles::IsSettled(std::int32_t column, std::int32_t row) const {

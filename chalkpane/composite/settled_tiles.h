@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 
@@ -22,8 +23,30 @@ public:
 
     // True: every pixel of the canvas under `dab` rests.
     [[nodiscard]] bool Hold(const Rect& dab) const;
-    // A dab was painted: now and then looks at the tiles in its middle.
+    // A dab was painted: now and then looks at the tiles in its middle, and at a row of a wide one's.
     void Look(const Rect& dab);
+
+    // Calls `paint` with parts of the dab on the canvas that hold every pixel that does not rest, none of them twice.
+    // Of a dab that is not wide it is all of it.
+    template <typename Paint>
+    void VisitRestless(const Rect& dab, Paint&& paint) const {
+        const Rect on = dab.Intersection(area_);
+        if (canvas_ == nullptr || dab.Width() < wide || !on.IsValid()) return paint(dab);
+        Rect part;  // rows of tiles that begin and end alike are one
+        for (std::int32_t y = on.y0; y <= on.y1;) {
+            const std::int32_t row = (y - area_.y0) / tileSide;
+            const std::int32_t lastY = std::min(on.y1, area_.y0 + row * tileSide + tileSide - 1);
+            const Rect restless = RestlessOfRow(row, {on.x0, y, on.x1, lastY});
+            if (part.IsValid() && restless.IsValid() && restless.x0 == part.x0 && restless.x1 == part.x1) {
+                part.y1 = restless.y1;
+            } else {
+                if (part.IsValid()) paint(part);
+                part = restless;
+            }
+            y = lastY + 1;
+        }
+        if (part.IsValid()) paint(part);
+    }
 
     // True: a channel of a canvas under a colour's channel rests there.
     [[nodiscard]] static constexpr bool Rests(std::uint8_t channel, std::uint8_t ofColour) {
@@ -31,12 +54,16 @@ public:
     }
 
 private:
+    static constexpr std::int32_t wide = 32;  // pixels
     static constexpr std::int32_t tileSide = 8;
     static constexpr std::int32_t mostTiles = 128;  // a side
     static constexpr std::int32_t wordBits = 64;
 
     [[nodiscard]] bool IsSettled(std::int32_t column, std::int32_t row) const;
     [[nodiscard]] bool Find(std::int32_t column, std::int32_t row) const;
+    void LookAt(std::int32_t column, std::int32_t row);
+    // From the first to the last of a row's tiles that are not settled; not valid where there is none.
+    [[nodiscard]] Rect RestlessOfRow(std::int32_t row, Rect pixels) const;
 
     const Image* canvas_ = nullptr;  // not owned; null: none that can be served
     Rect area_;

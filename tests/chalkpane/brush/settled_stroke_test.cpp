@@ -29,7 +29,7 @@ TEST_CASE("passing over settled tiles leaves the pixels and rectangles of painti
         const test::ScopedCpuFeatures features(seed % 3 == 0 ? CpuFeatures::Plain : CpuFeatures::All);
         std::mt19937 random(seed);
         const int sourceType = seed % 4 == 0 ? 5 : seed % 7 == 0 ? 6 : 0;
-        const int radius = static_cast<int>(1 + random() % 20);
+        const int radius = static_cast<int>(1 + random() % 40);
         const double opacity = seed % 5 == 0 ? 0.7 : 1.0;
         Image alone = NewCanvas(72, 52);
         reference::FillWithNoise(alone, seed);

@@ -77,7 +77,7 @@ TEST_CASE_TEMPLATE("a dab of one colour paints what its images paint, wherever i
         paster.SetMode(mode);
         pair.Compare(x, y, [&](const Image& colour, const Image& mask, const ColourDab& dab) {
             paster.Paste(colour, &mask, pair.plain, behaviour, mask, 0, nullptr, Clip::Inverted);
-            PasteColourDab(dab, pair.direct, behaviour, opacity, mode);
+            PasteColourDab(dab, dab.rect, pair.direct, behaviour, opacity, mode);
         });
     }
 }
@@ -92,7 +92,7 @@ TEST_CASE_TEMPLATE("the eraser's dab takes away what its images take away", F, P
         eraser.SetOpacity(opacity);
         pair.Compare(x, y, [&](const Image& colour, const Image& mask, const ColourDab& dab) {
             eraser.Paste(colour, &mask, pair.plain, mask, 0, nullptr, Clip::Inverted);
-            EraseColourDab(dab, pair.direct, opacity);
+            EraseColourDab(dab, dab.rect, pair.direct, opacity);
         });
     }
 }
@@ -102,8 +102,8 @@ TEST_CASE("a dab that lacks an image, or is of another depth, changes nothing") 
     const Image deep = Image::Mask(13, 11, Depth::Fourteen);
     for (const ColourDab& dab : {ColourDab{nullptr, &pair.mask, pair.mask}, ColourDab{&pair.colour, nullptr, pair.mask},
                                  ColourDab{&pair.colour, &deep, deep}, ColourDab{&pair.mask, &pair.mask, pair.mask}}) {
-        PasteColourDab(dab, pair.direct, PasteBehaviour::Over, 1.0, 0);
-        EraseColourDab(dab, pair.direct, 1.0);
+        PasteColourDab(dab, dab.rect, pair.direct, PasteBehaviour::Over, 1.0, 0);
+        EraseColourDab(dab, dab.rect, pair.direct, 1.0);
         CHECK(AreEqual<PixelFormat8>(pair.plain, pair.direct));
     }
 }

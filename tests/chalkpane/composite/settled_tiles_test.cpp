@@ -3,6 +3,7 @@
 #include <doctest/doctest.h>
 
 #include <array>
+#include <vector>
 
 #include "chalkpane/composite/erase_row.h"
 #include "chalkpane/composite/src_over_row.h"
@@ -124,4 +125,26 @@ TEST_CASE("another colour, another canvas and one that is too large begin with n
     tiles.Serve(other, 0);  // erased all over
     LookOften(tiles, dab);
     CHECK(tiles.Hold(dab));
+}
+
+// Tiles are 8 by 8. A row of them is looked at with every fourth dab, so after 32 all eight were.
+TEST_CASE("of a wide dab the tiles that do not rest are left, and rows of them that are alike are one part") {
+    Image canvas = Canvas(64, 64);
+    canvas.Row8(20)[4 * 20] = 9;
+    canvas.Row8(28)[4 * 20] = 9;
+    canvas.Row8(60)[4 * 63] = 9;
+    SettledTiles tiles;
+    tiles.Serve(canvas, 0);
+    const auto parts = [&tiles](const Rect& dab) {
+        std::vector<Rect> all;
+        tiles.VisitRestless(dab, [&](const Rect& part) { all.push_back(part); });
+        return all;
+    };
+    const Rect dab(-10, 5, 80, 90);
+    CHECK(parts(dab) == std::vector<Rect>{{0, 5, 63, 63}});
+    for (int i = 0; i < 40; ++i) tiles.Look({0, 0, 63, 63});
+    CHECK(parts(dab) == std::vector<Rect>{{16, 16, 23, 31}, {56, 56, 63, 63}});
+    CHECK(parts({18, 19, 60, 22}) == std::vector<Rect>{{18, 19, 23, 22}});
+    CHECK(parts({30, 0, 61, 40}).empty());
+    CHECK(parts({0, 0, 15, 15}) == std::vector<Rect>{{0, 0, 15, 15}});  // not wide
 }
