@@ -48,7 +48,8 @@ ImVec4 ColourOf(const ColourBytes& colour) {
 }
 
 // The colours that keys set, as buttons.
-void ShowSwatches(Workspace& workspace, const FittedKeys& keys, std::size_t parameter, std::size_t perRow) {
+void ShowSwatches(Workspace& workspace, const FittedKeys& keys, std::size_t parameter, std::size_t perRow,
+                  const Panel::KeyPress& press) {
     std::size_t shown = 0;
     const float side = ShareOfWidth(perRow);
     for (const FittedKeys::Key& key : keys.keys) {
@@ -62,7 +63,7 @@ void ShowSwatches(Workspace& workspace, const FittedKeys& keys, std::size_t para
         ImGui::PushStyleVar(ImGuiStyleVar_FrameBorderSize, isChosen ? 3.0F : 0.0F);
         ImGui::PushStyleColor(ImGuiCol_Border, ImVec4(1, 1, 1, 1));
         constexpr auto flags = ImGuiColorEditFlags_NoTooltip | ImGuiColorEditFlags_NoDragDrop;
-        if (ImGui::ColorButton(id.c_str(), ColourOf(*colour), flags, {side, side})) workspace.Do(*key.module);
+        if (ImGui::ColorButton(id.c_str(), ColourOf(*colour), flags, {side, side})) press(key);
         ImGui::PopStyleColor();
         ImGui::PopStyleVar();
         Tip(key.about, ChordText(key.chord));
@@ -106,7 +107,8 @@ void Panel::ShowPlugIns(Workspace& workspace) {
     ImGui::EndCombo();
 }
 
-void Panel::ShowParameters(Workspace& workspace, const FittedKeys& keys, const std::function<void()>& showInk) {
+void Panel::ShowParameters(Workspace& workspace, const FittedKeys& keys, const KeyPress& press,
+                           const std::function<void()>& showInk) {
     const Registration& registration = *workspace.Chosen()->registration;
     if (m_modelled != &registration) {
         m_model = MakePanelModel(registration, ThePanelLayout());
@@ -114,12 +116,13 @@ void Panel::ShowParameters(Workspace& workspace, const FittedKeys& keys, const s
     }
     if (m_model.groups.empty()) showInk();
     for (const PanelModel::Group& group : m_model.groups) {
-        ShowGroup(workspace, keys, group);
+        ShowGroup(workspace, keys, press, group);
         if (&group == &m_model.groups.front()) showInk();
     }
 }
 
-void Panel::ShowGroup(Workspace& workspace, const FittedKeys& keys, const PanelModel::Group& group) {
+void Panel::ShowGroup(Workspace& workspace, const FittedKeys& keys, const KeyPress& press,
+                      const PanelModel::Group& group) {
     const Registration& registration = *workspace.Chosen()->registration;
     const auto controls = ShownControls(workspace, group);
     if (controls.empty()) return;
@@ -129,7 +132,7 @@ void Panel::ShowGroup(Workspace& workspace, const FittedKeys& keys, const PanelM
         ImGui::PushID(static_cast<int>(control.parameter));
         ImGui::BeginGroup();
         if (registration.parameters[control.parameter].kind == ParameterKind::Colour)
-            ShowSwatches(workspace, keys, control.parameter, 8);
+            ShowSwatches(workspace, keys, control.parameter, 8, press);
         m_controls.Show(workspace, control.parameter);
         ImGui::EndGroup();
         Tip(control.tip);
@@ -150,7 +153,7 @@ std::vector<WorkspaceAction> Panel::Show(Workspace& workspace, const FittedKeys&
     if (isFolded) ImGui::PushStyleVar(ImGuiStyleVar_WindowPadding, {8 * PanelScale(), 8 * PanelScale()});
     ImGui::Begin("panel", nullptr, flags);
     if (isFolded)
-        ShowStrip(workspace, keys, asked);
+        ShowStrip(workspace, keys, looks.press, asked);
     else
         ShowWhole(workspace, keys, looks, asked);
     ImGui::End();
@@ -159,7 +162,8 @@ std::vector<WorkspaceAction> Panel::Show(Workspace& workspace, const FittedKeys&
 }
 
 // What is needed at every stroke: colours, the module's buttons by their first letters, the video, and the way back.
-void Panel::ShowStrip(Workspace& workspace, const FittedKeys& keys, std::vector<WorkspaceAction>& asked) {
+void Panel::ShowStrip(Workspace& workspace, const FittedKeys& keys, const KeyPress& press,
+                      std::vector<WorkspaceAction>& asked) {
     ShowWorkspaceButton("<<", -1, WorkspaceAction::FoldPanel, keys, asked);
     if (workspace.Video() != nullptr) ShowWorkspaceButton("Play", -1, WorkspaceAction::Pause, keys, asked);
     if (workspace.Chosen() == nullptr) return;
@@ -172,7 +176,7 @@ void Panel::ShowStrip(Workspace& workspace, const FittedKeys& keys, std::vector<
     }
     for (std::size_t i = 0; i < registration.parameters.size(); ++i)
         if (registration.parameters[i].kind == ParameterKind::Colour && workspace.IsShown(i))
-            ShowSwatches(workspace, keys, i, 1);
+            ShowSwatches(workspace, keys, i, 1, press);
 }
 
 void Panel::ShowWhole(Workspace& workspace, const FittedKeys& keys, const Looks& looks,
@@ -183,7 +187,7 @@ void Panel::ShowWhole(Workspace& workspace, const FittedKeys& keys, const Looks&
         ShowButtons(workspace, keys);
         const float footer = 2 * ImGui::GetFrameHeightWithSpacing() + 3 * ImGui::GetStyle().ItemSpacing.y;
         ImGui::BeginChild("parameters", {0, -footer});
-        ShowParameters(workspace, keys, [&] { looks.ink.Show(workspace, keys, looks.isChoosing, asked); });
+        ShowParameters(workspace, keys, looks.press, [&] { looks.ink.Show(workspace, keys, looks.isChoosing, asked); });
         ImGui::EndChild();
     } else {
         ImGui::TextDisabled("This scene has no plug-in to draw with.");

@@ -144,8 +144,9 @@ void WindowLoop::MakePanel() {
     m_window.BeginPanel();
     m_spotlight.Show(m_painter.Picture(), m_workspace->TheHost().Window());
     if (m_hasPanel) {
-        for (const WorkspaceAction action :
-             m_panel.Show(*m_workspace, m_keys, size, {m_inkPanel, m_chooser.IsOn(), IsPanelFolded()}))
+        for (const WorkspaceAction action : m_panel.Show(
+                 *m_workspace, m_keys, size,
+                 {m_inkPanel, m_chooser.IsOn(), IsPanelFolded(), [this](const FittedKeys::Key& key) { DoKey(key); }}))
             DoAction(action);
         if (auto refusal = m_panel.TakeRefusal()) m_status.Tell(*refusal, now);
         m_status.Show(*m_workspace, {m_pacer, m_pictures, m_pen}, size, now);

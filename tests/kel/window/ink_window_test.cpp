@@ -154,7 +154,19 @@ TEST_CASE("A chosen stroke takes the color of a key, and the panel's buttons tak
     WaitUntil("the stroke is red again", [&] { return IsSeen(window, 0.3, ink); });
     Click(window, x - apart, y);
     WaitUntil("the stroke is green again", [&] { return IsSeen(window, 0.3, green); });
-    window.WaitForFields("redo", 5);
+
+    // The fifth color of the panel, with the stroke chosen.
+    window.display.TypeKey("c");
+    DragAlong(window, 0.5, 0.3, 0.5, 0.3);
+    constexpr Pixel blue{36, 84, 255, 255};
+    Click(window, place->x + place->width - 165, place->y + 118);
+    WaitUntil("that is recorded", [&] {
+        const nlohmann::json session = window.Recorded("run.json");
+        return session["events"].back().contains("recolourStroke");
+    });
+    window.display.TypeKey("c");
+    WaitUntil("the stroke is blue", [&] { return IsSeen(window, 0.3, blue); });
+    CHECK_EQ(window.ValuesSet("BrushColor").size(), 1);
     const picture_io::Picture live = window.SaveOverlay("paper-overlay-001.png");
     CheckPlayedAlike(window, live);
 }
