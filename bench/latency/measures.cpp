@@ -21,6 +21,7 @@ constexpr auto motionPeriod = 8ms;   // as a usual mouse reports
 constexpr double motionSpeed = 600;  // pixels a second
 constexpr auto longestWait = std::chrono::milliseconds(static_cast<int>(neverCame));  // for a change
 constexpr auto tipWait = 250ms;    // after the change, for the ink to come to the pointer
+constexpr auto shapeTime = 2s;     // after a stroke, in which it may become a shape
 constexpr auto lookPause = 150us;  // between two looks, so that the measuring leaves the processor to the others
 
 double Milliseconds(Clock::duration time) { return std::chrono::duration<double, std::milli>(time).count(); }
@@ -147,6 +148,7 @@ Figures Measure(kel::testing::VirtualDisplay& display, const DrawingProgram& pro
     ScreenWatch strip(display.Name(), {place.x - halfStrip, place.y, strokeLength + 2 * halfStrip, 2 * halfStrip + 1});
     MeasureEvents(display, strip, place, events, figures);
     MeasureStroke(display, program, strip, place, figures);
+    std::this_thread::sleep_for(shapeTime);
     const double before = program.ProcessorSeconds();
     const auto start = Clock::now();
     int pictures = 0;
