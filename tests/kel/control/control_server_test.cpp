@@ -180,6 +180,7 @@ TEST_CASE("Of ten thousand that connect and say nothing, a hundred and some are 
     int refused = 0;
     {
         std::vector<RawConnection> silent;
+        silent.reserve(ControlServer::mostConnections);
         for (int i = 0; i < ControlServer::mostConnections; ++i) silent.emplace_back(echo.Port());
         for (int i = ControlServer::mostConnections; i < 10'000; ++i) {
             RawConnection late(echo.Port());

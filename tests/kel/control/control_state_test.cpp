@@ -12,6 +12,7 @@ using testing::BareTarget;
 
 std::vector<json> Parsed(const std::vector<std::string>& lines) {
     std::vector<json> events;
+    events.reserve(lines.size());
     for (const std::string& line : lines) events.push_back(json::parse(line));
     return events;
 }
