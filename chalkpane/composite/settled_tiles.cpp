@@ -36,7 +36,9 @@ bool SettledTiles::Hold(const Rect& dab) const {
 
 void SettledTiles::Look(const Rect& dab) {
     constexpr std::uint32_t everySoManyDabs = 4;
+    constexpr std::uint32_t manyDabs = 2048;  // of an eraser's, which cost more than all tiles
     if (canvas_ == nullptr || ++looks_ % everySoManyDabs != 0) return;
+    if (looks_ % manyDabs == 0 && pixel_ == 0) LookAtAll();
     const Rect on = dab.Intersection(area_);
     if (!on.IsValid()) return;
     const std::int32_t around = dab.Width() < wide ? 0 : 1;
@@ -51,6 +53,11 @@ void SettledTiles::Look(const Rect& dab) {
     const auto rows = static_cast<std::uint32_t>((on.y1 - area_.y0) / tileSide - firstRow + 1);
     const auto inTurn = firstRow + static_cast<std::int32_t>(looks_ / everySoManyDabs % rows);
     for (std::int32_t x = (on.x0 - area_.x0) / tileSide; x <= (on.x1 - area_.x0) / tileSide; ++x) LookAt(x, inTurn);
+}
+
+void SettledTiles::LookAtAll() {
+    for (std::int32_t row = 0; row <= (area_.Height() - 1) / tileSide; ++row)
+        for (std::int32_t column = 0; column <= (area_.Width() - 1) / tileSide; ++column) LookAt(column, row);
 }
 
 void SettledTiles::LookAt(std::int32_t column, std::int32_t row) {

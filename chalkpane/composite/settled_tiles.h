@@ -23,7 +23,8 @@ public:
 
     // True: every pixel of the canvas under `dab` rests.
     [[nodiscard]] bool Hold(const Rect& dab) const;
-    // A dab was painted: now and then looks at the tiles in its middle, and at a row of a wide one's.
+    // A dab was painted: now and then looks at the tiles in its middle, at a row of a wide one's, and rarely at all
+    // that may be erased.
     void Look(const Rect& dab);
 
     // Calls `paint` with parts of the dab on the canvas that hold every pixel that does not rest, none of them twice.
@@ -62,6 +63,7 @@ private:
     [[nodiscard]] bool IsSettled(std::int32_t column, std::int32_t row) const;
     [[nodiscard]] bool Find(std::int32_t column, std::int32_t row) const;
     void LookAt(std::int32_t column, std::int32_t row);
+    void LookAtAll();
     // From the first to the last of a row's tiles that are not settled; not valid where there is none.
     [[nodiscard]] Rect RestlessOfRow(std::int32_t row, Rect pixels) const;
 

@@ -148,3 +148,13 @@ TEST_CASE("of a wide dab the tiles that do not rest are left, and rows of them t
     CHECK(parts({30, 0, 61, 40}).empty());
     CHECK(parts({0, 0, 15, 15}) == std::vector<Rect>{{0, 0, 15, 15}});  // not wide
 }
+
+TEST_CASE("after many dabs of an eraser all tiles were looked at, wherever the dabs were") {
+    const Image canvas = Canvas(1024, 1024);
+    SettledTiles tiles;
+    tiles.Serve(canvas, 0);
+    for (int i = 0; i < 2047; ++i) tiles.Look({500, 500, 520, 520});
+    CHECK_FALSE(tiles.Hold({0, 0, 1023, 1023}));
+    tiles.Look({500, 500, 520, 520});
+    CHECK(tiles.Hold({0, 0, 1023, 1023}));
+}
