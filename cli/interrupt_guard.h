@@ -2,8 +2,15 @@
 
 #include <array>
 #include <csignal>
+#include <stdexcept>
 
 namespace cli {
+
+// The operator has stopped the work; the program ends with that code.
+struct Interrupted : std::runtime_error {
+    explicit Interrupted(int code) : std::runtime_error("interrupted"), exitCode(code) {}
+    int exitCode;
+};
 
 // Lets the operator stop a long work at a place of its own choosing, so that no temporary files stay behind: INT, TERM
 // and HUP are taken note of, but for those that the program was started to ignore. One at a time.
@@ -27,7 +34,9 @@ public:
     InterruptGuard& operator=(InterruptGuard&&) = delete;
 
     [[nodiscard]] static bool IsInterrupted() { return received != 0; }
-    [[nodiscard]] static int ExitCode() { return 128 + received; }  // as a shell tells of the signal
+    static void ThrowIfInterrupted() {
+        if (IsInterrupted()) throw Interrupted(128 + received);  // as a shell tells of the signal
+    }
 
 private:
     static constexpr std::array signals{SIGINT, SIGTERM, SIGHUP};

@@ -11,6 +11,7 @@
 
 #include "cli/command_line.h"
 #include "cli/error.h"
+#include "cli/interrupt_guard.h"
 #include "cli/memory_end.h"
 
 namespace cli {
@@ -40,8 +41,8 @@ int RunCommand(CLI::App& program, int argc, char** argv) {
             exitBadInput);
     } catch (const CLI::Success& success) {
         return program.exit(success);  // --help, --version
-    } catch (const CLI::RuntimeError& ended) {
-        return Complain(program, ended.what(), ended.get_exit_code());
+    } catch (const Interrupted& ended) {
+        return Complain(program, ended.what(), ended.exitCode);
     } catch (const CLI::ParseError& error) {
         return Complain(
             program, std::string("command line: ") + error.what() + " (" + program.get_name() + " --help tells more)",

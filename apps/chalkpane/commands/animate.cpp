@@ -55,8 +55,7 @@ void MakeFrames(PresetVideo& video, const FrameRange& frames, FrameRateClock& cl
     const cli::InterruptGuard guard;
     cli::ProgressLine progress("frame", frames.last - frames.first + 1);
     for (std::int32_t frame = frames.first; frame <= frames.last; ++frame) {
-        if (cli::InterruptGuard::IsInterrupted())
-            throw CLI::RuntimeError("interrupted", cli::InterruptGuard::ExitCode());
+        cli::InterruptGuard::ThrowIfInterrupted();
         clock.StandAt(frame);
         take(frame, video.Make(frame));
         progress.Show(frame - frames.first + 1);

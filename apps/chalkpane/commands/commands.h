@@ -1,12 +1,15 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <array>
+
+namespace CLI {
+class App;
+}
 
 namespace chalkpane::app {
 
 // Each adds its command to the program's command line. The command runs while the line is parsed, throws cli::Error
-// for what the operator got wrong, and CLI::RuntimeError to end with another exit code.
+// for what the operator got wrong, and cli::Interrupted to end with another exit code.
 void AddFilterCommand(CLI::App& program);
 void AddFiltersCommand(CLI::App& program);
 void AddPaintCommand(CLI::App& program);

@@ -140,8 +140,7 @@ void FilterMany(const std::vector<FilePair>& pairs, const FilterOptions& options
     cli::RunInProcesses(
         pairs.size(), [&](std::size_t i) { outputs.Fill(i, FilteredFile(pairs[i].in, pairs[i].out, options)); },
         [&](std::size_t finished) {
-            if (cli::InterruptGuard::IsInterrupted())
-                throw CLI::RuntimeError("interrupted", cli::InterruptGuard::ExitCode());
+            cli::InterruptGuard::ThrowIfInterrupted();
             progress.Show(static_cast<std::int64_t>(finished));
         });
 }

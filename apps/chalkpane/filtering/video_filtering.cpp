@@ -1,7 +1,5 @@
 #include "apps/chalkpane/filtering/video_filtering.h"
 
-#include <CLI/CLI.hpp>
-
 #include "apps/chalkpane/filtering/filter_memory.h"
 #include "apps/chalkpane/filtering/filter_texts.h"
 #include "apps/chalkpane/filtering/picture_filtering.h"
@@ -30,8 +28,7 @@ void FilterVideoFile(const std::filesystem::path& in, const std::filesystem::pat
     {
         cli::ProgressLine progress("frame", reader.FrameCount());
         for (std::int64_t frame = 0; frame < reader.FrameCount(); ++frame) {
-            if (cli::InterruptGuard::IsInterrupted())
-                throw CLI::RuntimeError("interrupted", cli::InterruptGuard::ExitCode());
+            cli::InterruptGuard::ThrowIfInterrupted();
             const std::int32_t number = options.frame + static_cast<std::int32_t>(frame);
             clock.StandAt(number);
             for (const auto& filter : filters) TakeValues(*filter);

@@ -1,11 +1,13 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
+namespace CLI {
+class App;
+}
 
 namespace kel {
 
 // Each adds its command to the program's command line. The command runs while the line is parsed, throws Error for what
-// the operator got wrong, and CLI::RuntimeError to end with another exit code.
+// the operator got wrong, and cli::Interrupted to end with another exit code.
 void AddControlCommand(CLI::App& program);  // where the program is built with the door it goes through
 void AddInfoCommand(CLI::App& program);
 void AddPlayCommand(CLI::App& program);

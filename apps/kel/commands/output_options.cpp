@@ -1,5 +1,6 @@
 #include "apps/kel/commands/output_options.h"
 
+#include <CLI/CLI.hpp>
 #include <string>
 
 #include "kel/outputs/output_format.h"

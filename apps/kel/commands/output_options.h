@@ -1,8 +1,10 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
-
 #include "kel/outputs/outputs.h"
+
+namespace CLI {
+class App;
+}
 
 namespace kel {
 

@@ -1,6 +1,5 @@
 #include "apps/kel/commands/play_session.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
 #include <memory>
@@ -46,8 +45,7 @@ public:
     void Show(std::int64_t done) {
         m_line.Show(done);
         if (m_told && !m_told(done, m_all)) throw PlayStopped();
-        if (cli::InterruptGuard::IsInterrupted())
-            throw CLI::RuntimeError("interrupted", cli::InterruptGuard::ExitCode());
+        cli::InterruptGuard::ThrowIfInterrupted();
     }
 
 private:

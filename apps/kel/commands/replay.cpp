@@ -1,3 +1,4 @@
+#include <CLI/CLI.hpp>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -19,7 +20,7 @@ void Replay(const ReplayOptions& options) {
         progress->Show(field);
         return !cli::InterruptGuard::IsInterrupted();
     });
-    if (cli::InterruptGuard::IsInterrupted()) throw CLI::RuntimeError("interrupted", cli::InterruptGuard::ExitCode());
+    cli::InterruptGuard::ThrowIfInterrupted();
 }
 
 }  // namespace

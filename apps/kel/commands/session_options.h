@@ -1,11 +1,14 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <filesystem>
 #include <string>
 #include <vector>
 
 #include "kel/session/session_access.h"
+
+namespace CLI {
+class App;
+}
 
 namespace kel {
 

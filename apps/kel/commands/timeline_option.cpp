@@ -1,5 +1,6 @@
 #include "apps/kel/commands/timeline_option.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <map>
 #include <string>

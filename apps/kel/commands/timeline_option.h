@@ -1,8 +1,10 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
-
 #include "kel/session/player.h"
+
+namespace CLI {
+class App;
+}
 
 namespace kel {
 
