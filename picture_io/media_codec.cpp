@@ -1,37 +1,26 @@
 #include "picture_io/media_codec.h"
 
 extern "C" {
-#include <libavcodec/avcodec.h>
 #include <libavutil/imgutils.h>
 #include <libavutil/opt.h>
 #include <libavutil/pixdesc.h>
-#include <libswscale/swscale.h>
 }
 
 #include <algorithm>
 #include <array>
 #include <bit>
 #include <cstring>
-#include <memory>
 #include <new>
 #include <string>
 
 #include "cli/error.h"
+#include "picture_io/av_objects.h"
 #include "picture_io/library_object.h"
 
 namespace picture_io {
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
-
-struct Free {
-    void operator()(AVCodecContext* context) const { avcodec_free_context(&context); }
-    void operator()(AVFrame* frame) const { av_frame_free(&frame); }
-    void operator()(AVPacket* packet) const { av_packet_free(&packet); }
-    void operator()(SwsContext* context) const { sws_freeContext(context); }
-};
-template <typename T>
-using Owned = std::unique_ptr<T, Free>;
 
 // A library's answer: an error's number below 0.
 void Check(int result, const FormatRow& format) {
@@ -61,20 +50,20 @@ AVCodecID DecoderOf(PictureFormat format) {
     }
 }
 
-Owned<AVFrame> DecodedFrame(const Bytes& bytes, const FormatRow& format) {
+AvFrame DecodedFrame(const Bytes& bytes, const FormatRow& format) {
     const AVCodec* const codec = avcodec_find_decoder(DecoderOf(format.format));
     if (codec == nullptr) throw cli::Error(WithArticle(format) + " cannot be read on this machine");
-    const auto context = Taken<Free>(avcodec_alloc_context3(codec));
+    const auto context = Taken<FreeAvObject>(avcodec_alloc_context3(codec));
     context->max_pixels = std::int64_t{largestPictureSide} * largestPictureSide;
     // What is damaged is refused; but of a TIFF the decoder would refuse every tag that it has no use for, too.
     context->err_recognition = format.format == PictureFormat::Tiff ? 0 : AV_EF_EXPLODE;
     context->thread_count = 1;
     Check(avcodec_open2(context.get(), codec, nullptr), format);
-    const auto packet = Taken<Free>(av_packet_alloc());
+    const auto packet = Taken<FreeAvObject>(av_packet_alloc());
     if (bytes.size() > INT_MAX - AV_INPUT_BUFFER_PADDING_SIZE) throw cli::Error("is larger than 2 GiB");
     Check(av_new_packet(packet.get(), static_cast<int>(bytes.size())), format);
     std::memcpy(packet->data, bytes.data(), bytes.size());
-    auto frame = Taken<Free>(av_frame_alloc());
+    auto frame = Taken<FreeAvObject>(av_frame_alloc());
     Check(avcodec_send_packet(context.get(), packet.get()), format);
     Check(avcodec_send_packet(context.get(), nullptr), format);
     Check(avcodec_receive_frame(context.get(), frame.get()), format);
@@ -153,7 +142,7 @@ Picture ReadPalette(const AVFrame& frame) {
 // Light and colour apart, as a lossy WebP has them.
 Picture ReadConverted(const AVFrame& frame) {
     Picture picture(frame.width, frame.height);
-    const auto context = Taken<Free>(sws_getContext(
+    const auto context = Taken<FreeAvObject>(sws_getContext(
         frame.width, frame.height, static_cast<AVPixelFormat>(frame.format), frame.width, frame.height, AV_PIX_FMT_RGBA,
         SWS_BILINEAR | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT | SWS_FULL_CHR_H_INP, nullptr, nullptr, nullptr));
     const std::array<std::uint8_t*, 4> planes{picture.rgba.data(), nullptr, nullptr, nullptr};
@@ -219,8 +208,8 @@ Bytes EncodeMedia(const AnyPicture& picture, const FormatRow& format, const Writ
     av_log_set_level(AV_LOG_QUIET);
     const AVCodec* const codec = EncoderOf(format.format, channels);
     if (codec == nullptr) throw cli::Error(WithArticle(format) + " cannot be written on this machine");
-    const auto context = Taken<Free>(avcodec_alloc_context3(codec));
-    const auto frame = Taken<Free>(av_frame_alloc());
+    const auto context = Taken<FreeAvObject>(avcodec_alloc_context3(codec));
+    const auto frame = Taken<FreeAvObject>(av_frame_alloc());
     std::visit([&](const auto& any) { frame->width = any.width, frame->height = any.height; }, picture);
     frame->format = PixelFormatOf(channels, std::holds_alternative<Picture16>(picture), format.format);
     Check(av_frame_get_buffer(frame.get(), 0), format);
@@ -236,7 +225,7 @@ Bytes EncodeMedia(const AnyPicture& picture, const FormatRow& format, const Writ
         Check(av_opt_set_double(context->priv_data, "quality", options.quality, 0), format);
     }
     Check(avcodec_open2(context.get(), codec, nullptr), format);
-    const auto packet = Taken<Free>(av_packet_alloc());
+    const auto packet = Taken<FreeAvObject>(av_packet_alloc());
     Check(avcodec_send_frame(context.get(), frame.get()), format);
     Check(avcodec_send_frame(context.get(), nullptr), format);
     Check(avcodec_receive_packet(context.get(), packet.get()), format);
