@@ -440,7 +440,7 @@ Session ReadSession(const std::filesystem::path& file) { return ParseSession(cli
 std::vector<SessionShape> SessionShapes() {
     std::vector<SessionShape> shapes = {Shape("session", sessionKeys), Shape("window", windowKeys),
                                         Shape("camera", cameraKeys),   Shape("container", containerKeys),
-                                        Shape("plugin", pluginKeys),   Shape("filmChange", videoKeys),
+                                        Shape("plugin", pluginKeys),   Shape("videoChange", videoKeys),
                                         Shape("fading", fadeKeys)};
     for (const EventKind& kind : eventKinds) shapes.push_back(Shape(kind.action, kind.keys));
     return shapes;
