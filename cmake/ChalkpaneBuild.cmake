@@ -59,6 +59,28 @@ function(chalkpane_build_soon target)
   target_compile_options(${target} PRIVATE ${chalkpane_soon})
 endfunction()
 
+# In the builds that come after the plain one, which has shown that each file includes what it needs, the files of a folder
+# are compiled as one: headers and templates then cost once a folder, not once a file. So what two files of a folder keep
+# to themselves has two names, or one of them is compiled ALONE. ALWAYS is for what includes the parser of command lines,
+# which takes longer than all else in it.
+#   chalkpane_compile_by_folder(chalkpane_engine [ALWAYS] [ALONE files])
+function(chalkpane_compile_by_folder target)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "ALWAYS" "" "ALONE")
+  if(NOT CHALKPANE_SANITIZE AND NOT arg_ALWAYS)
+    return()
+  endif()
+  get_target_property(sources ${target} SOURCES)
+  list(FILTER sources INCLUDE REGEX "^/.*[.]cpp$")
+  foreach(source ${sources})
+    cmake_path(GET source PARENT_PATH folder)
+    set_source_files_properties(${source} PROPERTIES UNITY_GROUP ${folder})
+  endforeach()
+  set_source_files_properties(${arg_ALONE} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE GROUP)
+  # g++ takes the unnamed namespaces of included files for those of headers.
+  target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
+endfunction()
+
 # The test programs that `./test quick` runs, and all programs that the guides use, as `./run` builds them.
 add_custom_target(quick_tests)
 add_custom_target(programs)
