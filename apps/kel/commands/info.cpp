@@ -59,28 +59,29 @@ void PrintTables(const Registration& registration) {
 }
 
 ordered_json JsonParameter(const Parameter& parameter) {
-    ordered_json json = {{"name", parameter.name},
-                         {"label", parameter.label},
-                         {"kind", KindName(parameter.kind)},
-                         {"default", JsonValue(parameter, parameter.defaultValue)}};
+    ordered_json described = {{"name", parameter.name},
+                              {"label", parameter.label},
+                              {"kind", KindName(parameter.kind)},
+                              {"default", JsonValue(parameter, parameter.defaultValue)}};
     if (HasLimits(parameter)) {
-        json["minimum"] = parameter.minimum;
-        json["maximum"] = parameter.maximum;
+        described["minimum"] = parameter.minimum;
+        described["maximum"] = parameter.maximum;
     }
-    if (!parameter.options.empty()) json["options"] = parameter.options;
-    json["hidden"] = parameter.hidden;
-    return json;
+    if (!parameter.options.empty()) described["options"] = parameter.options;
+    described["hidden"] = parameter.hidden;
+    return described;
 }
 
 void PrintJson(const Registration& registration) {
-    ordered_json json = {{"name", registration.name},           {"type", registration.type},
-                         {"folder", registration.folder},       {"blockSize", registration.blockSize},
-                         {"parameters", ordered_json::array()}, {"buttons", ordered_json::array()}};
-    for (const Parameter& parameter : registration.parameters) json["parameters"].push_back(JsonParameter(parameter));
+    ordered_json described = {{"name", registration.name},           {"type", registration.type},
+                              {"folder", registration.folder},       {"blockSize", registration.blockSize},
+                              {"parameters", ordered_json::array()}, {"buttons", ordered_json::array()}};
+    for (const Parameter& parameter : registration.parameters)
+        described["parameters"].push_back(JsonParameter(parameter));
     for (const Button& button : registration.buttons)
-        json["buttons"].push_back({{"name", button.name}, {"label", button.label}, {"action", button.action}});
+        described["buttons"].push_back({{"name", button.name}, {"label", button.label}, {"action", button.action}});
     // A module's texts are its own; what is not UTF-8 in them is replaced.
-    std::printf("%s\n", json.dump(2, ' ', false, ordered_json::error_handler_t::replace).c_str());
+    std::printf("%s\n", described.dump(2, ' ', false, ordered_json::error_handler_t::replace).c_str());
 }
 
 void Info(const InfoOptions& options) {
