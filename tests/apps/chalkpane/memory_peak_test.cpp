@@ -11,6 +11,7 @@
 #include "cli/file_bytes.h"
 #include "picture_io/picture_file.h"
 #include "picture_io/picture_format.h"
+#include "tests/cli/address_checks.h"
 #include "tests/cli/working_folder.h"
 
 // What is counted before a run is held to what the run then takes.
@@ -73,17 +74,9 @@ private:
 
 }  // namespace
 
-#if defined(__SANITIZE_ADDRESS__)
-#define CHALKPANE_MEASURES_CHECKS true
-#elif defined(__has_feature)
-#define CHALKPANE_MEASURES_CHECKS __has_feature(address_sanitizer)
-#else
-#define CHALKPANE_MEASURES_CHECKS false
-#endif
-
 // Noise, which is the hardest to pack: of 22.9 MiB.
 TEST_CASE("A run of filters takes no more memory than is counted, whichever way it goes" *
-          doctest::skip(CHALKPANE_MEASURES_CHECKS)) {
+          doctest::skip(cli::testing::hasAddressChecks)) {
     const MeasuredFolder folder;
     for (const std::string arguments :
          {"a.jpg out.jpg --apply 'Invert Color'", "side.png out.jpg --apply 'Invert Color'",
