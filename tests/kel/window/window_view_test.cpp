@@ -150,15 +150,15 @@ TEST_CASE("A clean window shows the picture and what is drawn on it") {
                                           clean()->y + static_cast<std::int32_t>(90 * y));
     };
     WaitUntil("it shows the paper", [&] { return Difference(at(0.9, 0.9), paper) <= 2; });
-    const auto main = window.display.FindWindow("paper.png - kel");
-    const auto move = [&](double x) {
-        window.display.MovePointer(main->x + static_cast<std::int32_t>(x * 1200), main->y + 720);
-    };
-    move(0.7);  // keys go to the window under the pointer
     window.display.TypeKey("r");
     window.display.TypeKey("3");
     for (int i = 0; i < 20; ++i) window.display.TypeKey("bracketright");
     WaitUntil("the color is recorded", [&] { return window.FieldOf("run.json", "set") >= 0; });
+    const auto main = window.display.FindWindow("paper.png - kel");
+    const auto move = [&](double x) {
+        window.display.MovePointer(main->x + static_cast<std::int32_t>(x * 1200), main->y + 720);
+    };
+    move(0.7);
     window.display.PressButton(true);
     move(0.8);
     window.display.PressButton(false);
