@@ -54,8 +54,10 @@ SDL_Window* OpenWindow(const std::string& title, WindowSize scene, std::optional
 struct CleanOutput::Screen {
     std::unique_ptr<SDL_Window, CloseWindow> window;
     std::unique_ptr<PartPresenter> presenter;
-    WindowSize shown;     // the window's size when all of it was shown last
-    bool isStale = true;  // all is to be shown anew
+    WindowSize shown;             // the window's size when all of it was shown last
+    SDL_Window* first = nullptr;  // the one that is drawn in
+    Uint8 held = 0;               // the button that was pressed there and is not up again; 0: none
+    bool isStale = true;          // all is to be shown anew
     bool isClosed = false;
 
     [[nodiscard]] WindowSize Size() const {
@@ -74,6 +76,7 @@ struct CleanOutput::Screen {
 
 CleanOutput::CleanOutput(const std::string& title, WindowSize scene, std::optional<int> display)
     : m_screen(std::make_unique<Screen>()) {
+    m_screen->first = SDL_GL_GetCurrentWindow();
     m_screen->window.reset(OpenWindow(title, scene, display));
     const Drawing drawing(m_screen->window.get());
     SDL_GL_SetSwapInterval(0);
@@ -109,7 +112,19 @@ void CleanOutput::Show(const Host& host, const FrameArea& changed) {
     m_screen->isStale = false;
 }
 
-bool CleanOutput::TakeEvent(const SDL_Event& event) {
+void CleanOutput::HandOver(std::uint32_t& windowId, std::int32_t& x, std::int32_t& y) const {
+    std::int32_t left = 0;
+    std::int32_t top = 0;
+    SDL_GetWindowPosition(m_screen->window.get(), &left, &top);
+    x += left;
+    y += top;
+    SDL_GetWindowPosition(m_screen->first, &left, &top);
+    x -= left;
+    y -= top;
+    windowId = SDL_GetWindowID(m_screen->first);
+}
+
+bool CleanOutput::TakeEvent(SDL_Event& event) {
     const Uint32 id = SDL_GetWindowID(m_screen->window.get());
     switch (event.type) {
         case SDL_WINDOWEVENT:
@@ -118,10 +133,21 @@ bool CleanOutput::TakeEvent(const SDL_Event& event) {
             if (event.window.event == SDL_WINDOWEVENT_CLOSE) m_screen->isClosed = true;
             return true;
         case SDL_MOUSEMOTION:
-            return event.motion.windowID == id;
+            if (event.motion.windowID != id) return false;
+            if (m_screen->held == 0) return true;
+            HandOver(event.motion.windowID, event.motion.x, event.motion.y);
+            return false;
         case SDL_MOUSEBUTTONDOWN:
-        case SDL_MOUSEBUTTONUP:
-            return event.button.windowID == id;
+            if (event.button.windowID == id) return true;
+            if (m_screen->held == 0) m_screen->held = event.button.button;
+            return false;
+        case SDL_MOUSEBUTTONUP: {
+            const bool isHeld = m_screen->held == event.button.button;
+            if (isHeld) m_screen->held = 0;
+            if (event.button.windowID != id) return false;
+            if (isHeld) HandOver(event.button.windowID, event.button.x, event.button.y);
+            return !isHeld;
+        }
         case SDL_MOUSEWHEEL:
             return event.wheel.windowID == id;
         case SDL_FINGERDOWN:

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -29,11 +30,15 @@ public:
     // All is shown by the next call.
     void ShowAnew();
 
-    // True: the event is of this window, and none of the other one's.
-    [[nodiscard]] bool TakeEvent(const SDL_Event& event);
+    // True: the event is of this window, and none of the first one's. What a pointer does that was pressed in the first
+    // one is that one's wherever it goes, also when it is told of this window: a held pointer is told of the window
+    // that has the keys. Such an event is made one of the first window.
+    [[nodiscard]] bool TakeEvent(SDL_Event& event);
     [[nodiscard]] bool IsClosed() const;
 
 private:
+    void HandOver(std::uint32_t& windowId, std::int32_t& x, std::int32_t& y) const;
+
     struct Screen;
     std::unique_ptr<Screen> m_screen;
 };
