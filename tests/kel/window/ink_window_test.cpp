@@ -1,6 +1,7 @@
 #include <doctest/doctest.h>
 #include <signal.h>
 
+#include <algorithm>
 #include <array>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -90,6 +91,11 @@ void CheckPlayedAlike(PaperWindow& window, const picture_io::Picture& live) {
     CHECK_EQ(window.PlayedOverlay("run.json") == live, true);
 }
 
+std::ptrdiff_t Recolourings(const PaperWindow& window) {
+    const nlohmann::json session = window.Recorded("run.json");
+    return std::ranges::count_if(session["events"], [](const auto& event) { return event.contains("recolourStroke"); });
+}
+
 // A red one, and then the pointer elsewhere.
 void DrawStroke(PaperWindow& window) {
     window.SetByKey("3", "BrushColor");
@@ -160,10 +166,7 @@ TEST_CASE("A chosen stroke takes the color of a key, and the panel's buttons tak
     DragAlong(window, 0.5, 0.3, 0.5, 0.3);
     constexpr Pixel blue{36, 84, 255, 255};
     Click(window, place->x + place->width - 165, place->y + 118);
-    WaitUntil("that is recorded", [&] {
-        const nlohmann::json session = window.Recorded("run.json");
-        return session["events"].back().contains("recolourStroke");
-    });
+    WaitUntil("that is recorded", [&] { return Recolourings(window) == 2; });
     window.display.TypeKey("c");
     WaitUntil("the stroke is blue", [&] { return IsSeen(window, 0.3, blue); });
     CHECK_EQ(window.ValuesSet("BrushColor").size(), 1);
@@ -210,7 +213,8 @@ TEST_CASE("A key lets ink fade by itself in the window, undo brings it back, and
     window.display.TypeKey("v");
     WaitUntil("fading is off", [&] {
         const nlohmann::json session = window.Recorded("run.json");
-        return session["events"].back().contains("fade") && session["events"].back()["fade"] == false;
+        return std::ranges::any_of(session["events"],
+                                   [](const auto& event) { return event.contains("fade") && event["fade"] == false; });
     });
     // Longer than the three seconds of the wait and the one of fading.
     std::this_thread::sleep_for(std::chrono::milliseconds(4500));

@@ -88,9 +88,12 @@ TEST_CASE("A film with all pauses has a frame for every field") {
 TEST_CASE("Outputs that are made when the window has been closed show how far they are, and can be stopped") {
     DrawnOnFilm window(1280, 960, {"--out", "drawn.webm"});
     window.display.TypeKey("q", true);
-    WaitUntil("the progress is on the screen",
-              [&] { return window.display.FindWindow("Writing drawn.webm - kel").has_value(); });
-    window.display.TypeKey("Escape");
+    const auto isWriting = [&] { return window.display.FindWindow("Writing drawn.webm - kel").has_value(); };
+    WaitUntil("the progress is on the screen", isWriting);
+    WaitUntil("that is stopped", [&] {
+        window.display.TypeKey("Escape");  // the window is seen before it has the keys
+        return !isWriting();
+    });
     CHECK_EQ(window.WaitForEnd(), 0);
     CHECK_FALSE(std::filesystem::exists(window.folder / "drawn.webm"));
     CHECK(std::filesystem::exists(window.folder / "run.json"));
