@@ -94,11 +94,12 @@ endfunction()
 
 # One test program per subsystem: every source of the folder, or of those named below it and its own, run by CTest under
 # the name. `./test quick` runs it too, unless it is SLOW: takes more than some ten seconds, or needs much else built.
-# One that works out many PIXELS itself, to compare with, is optimised under the sanitizers too.
+# One that works out many PIXELS itself, to compare with, is optimised under the sanitizers too. The SECONDS that it takes
+# under those, where they are many, let the longest begin first, so that none runs on alone.
 #   chalkpane_test(image LIBRARIES chalkpane_engine [FOLDERS those] [SOURCES more.cpp] [ARGUMENTS for the program] [SLOW]
-#                  [PIXELS])
+#                  [PIXELS] [SECONDS 60])
 function(chalkpane_test name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "SLOW;PIXELS" "" "LIBRARIES;FOLDERS;SOURCES;ARGUMENTS")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "SLOW;PIXELS" "SECONDS" "LIBRARIES;FOLDERS;SOURCES;ARGUMENTS")
   if(arg_FOLDERS)
     list(TRANSFORM arg_FOLDERS PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
     list(TRANSFORM arg_FOLDERS APPEND /*.cpp)
@@ -119,6 +120,9 @@ function(chalkpane_test name)
   endif()
   add_test(NAME ${name} COMMAND ${name}_test ${arg_ARGUMENTS})
   set_tests_properties(${name} PROPERTIES TIMEOUT 1500)
+  if(arg_SECONDS)
+    set_tests_properties(${name} PROPERTIES COST ${arg_SECONDS})
+  endif()
   if(NOT arg_SLOW)
     set_tests_properties(${name} PROPERTIES LABELS quick)
     add_dependencies(quick_tests ${name}_test)
