@@ -61,8 +61,8 @@ endfunction()
 
 # In the builds that come after the plain one, which has shown that each file includes what it needs, the files of a folder
 # are compiled as one: headers and templates then cost once a folder, not once a file. So what two files of a folder keep
-# to themselves has two names, or one of them is compiled ALONE. ALWAYS is for what includes the parser of command lines,
-# which takes longer than all else in it.
+# to themselves has two names, or one of them is compiled ALONE. ALWAYS is for what includes the parser of command lines
+# or that of JSON, which takes longer than all else in it.
 #   chalkpane_compile_by_folder(chalkpane_engine [ALWAYS] [ALONE files])
 function(chalkpane_compile_by_folder target)
   cmake_parse_arguments(PARSE_ARGV 1 arg "ALWAYS" "" "ALONE")
@@ -96,10 +96,11 @@ endfunction()
 # the name. `./test quick` runs it too, unless it is SLOW: takes more than some ten seconds, or needs much else built.
 # One that works out many PIXELS itself, to compare with, is optimised under the sanitizers too. The SECONDS that it takes
 # under those, where they are many, let the longest begin first, so that none runs on alone.
+# One that reads much JSON is compiled BY_FOLDER, but for the sources that are ALONE.
 #   chalkpane_test(image LIBRARIES chalkpane_engine [FOLDERS those] [SOURCES more.cpp] [ARGUMENTS for the program] [SLOW]
-#                  [PIXELS] [SECONDS 60])
+#                  [PIXELS] [SECONDS 60] [BY_FOLDER [ALONE files]])
 function(chalkpane_test name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "SLOW;PIXELS" "SECONDS" "LIBRARIES;FOLDERS;SOURCES;ARGUMENTS")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "SLOW;PIXELS;BY_FOLDER" "SECONDS" "LIBRARIES;FOLDERS;SOURCES;ARGUMENTS;ALONE")
   if(arg_FOLDERS)
     list(TRANSFORM arg_FOLDERS PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
     list(TRANSFORM arg_FOLDERS APPEND /*.cpp)
@@ -117,6 +118,9 @@ function(chalkpane_test name)
     if(CHALKPANE_SANITIZE)
       target_precompile_headers(${name}_test REUSE_FROM no_tests)
     endif()
+  endif()
+  if(arg_BY_FOLDER)
+    chalkpane_compile_by_folder(${name}_test ALWAYS ALONE ${arg_ALONE})
   endif()
   add_test(NAME ${name} COMMAND ${name}_test ${arg_ARGUMENTS})
   set_tests_properties(${name} PROPERTIES TIMEOUT 1500)

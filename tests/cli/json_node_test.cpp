@@ -14,7 +14,7 @@
 namespace cli {
 namespace {
 
-std::string Refusal(const std::string& text) {
+std::string TextRefusal(const std::string& text) {
     return testing::Thrown([&] { (void)ParseJson(text, "f.json"); });
 }
 
@@ -28,19 +28,20 @@ std::string Repeated(std::string_view text, std::size_t count) {
 }  // namespace
 
 TEST_CASE("Nesting is limited to 32 levels") {
-    CHECK_EQ(Refusal(Repeated("[", 32) + Repeated("]", 32)), "nothing");
-    CHECK_EQ(Refusal(Repeated("[", 33) + Repeated("]", 33)), "f.json: " + Repeated("/0", 32) + ": nested too deeply");
+    CHECK_EQ(TextRefusal(Repeated("[", 32) + Repeated("]", 32)), "nothing");
+    CHECK_EQ(TextRefusal(Repeated("[", 33) + Repeated("]", 33)),
+             "f.json: " + Repeated("/0", 32) + ": nested too deeply");
 }
 
 TEST_CASE("A key stands once in an object, and may stand in another") {
-    CHECK_EQ(Refusal(R"([{"a": 1}, {"a": 2}])"), "nothing");
-    CHECK_EQ(Refusal(R"({"b": {"a": 1, "a": 2}})"), "f.json: /b/a: the key stands twice");
+    CHECK_EQ(TextRefusal(R"([{"a": 1}, {"a": 2}])"), "nothing");
+    CHECK_EQ(TextRefusal(R"({"b": {"a": 1, "a": 2}})"), "f.json: /b/a: the key stands twice");
 }
 
 // A list in a list counts 48 + 48 bytes, the outer one too, and 5592405 times that is the most below 2^29: 17 MB of
 // text hold more. Read as they come, 62 MB of them would take 3 GB.
 TEST_CASE("A small text that would take gigabytes is refused while it is read") {
-    CHECK_EQ(Refusal('[' + Repeated("[],", 5'700'000) + "0]"),
+    CHECK_EQ(TextRefusal('[' + Repeated("[],", 5'700'000) + "0]"),
              "f.json: /5592404: up to here the file holds more than 512 MiB of memory have room for");
 }
 
@@ -57,7 +58,7 @@ TEST_CASE("A text that is refused for its size has taken no memory but its own" 
             return usage.ru_maxrss;  // KiB
         };
         const long before = peak();
-        const bool isRefused = Refusal(text) != "nothing";
+        const bool isRefused = TextRefusal(text) != "nothing";
         _exit(isRefused && peak() - before < 32 * 1024 ? 0 : 1);
     }
     int status = -1;
@@ -81,7 +82,7 @@ TEST_CASE("A list of many objects is read in the time of its length") {
 TEST_CASE("Every kind of value is read as what it is") {
     const std::string text = R"({"a":[null,true,-3,18446744073709551615,0.5,"x"],"b":{},"c":[]})";
     CHECK_EQ(ParseJson(text, "f.json").dump(), text);
-    CHECK_EQ(Refusal(R"({"a": [1, 1e400]})"), "f.json: /a/1: the number is too large");
+    CHECK_EQ(TextRefusal(R"({"a": [1, 1e400]})"), "f.json: /a/1: the number is too large");
     CHECK(ParseJson("7", "f.json").is_number_unsigned());
 }
 

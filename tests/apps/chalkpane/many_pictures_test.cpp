@@ -16,7 +16,7 @@ using cli::testing::Ended;
 using cli::testing::ReadText;
 using picture_io::Picture;
 
-const std::string invert = " --apply 'Invert Color'";
+const std::string invertEach = " --apply 'Invert Color'";
 
 class ManyPictures : public cli::testing::WorkingFolder {
 public:
@@ -60,23 +60,23 @@ TEST_CASE("several pictures come into a folder as each by itself would come out"
 TEST_CASE("one bad picture among several leaves nothing behind, not even the folder") {
     const ManyPictures folder;
     folder.Write("bad.png", "no picture");
-    folder.CheckRefused("filter p0.png bad.png p1.png --out-dir out" + invert,
+    folder.CheckRefused("filter p0.png bad.png p1.png --out-dir out" + invertEach,
                         "bad.png: is no picture that can be read here (docs/pictures.md lists them)");
-    folder.CheckRefused("filter p0.png ./p0.png --out-dir out" + invert, "out/p0.png: two outputs have this name");
-    folder.CheckRefused("filter p0.png p1.png p2.png" + invert,
+    folder.CheckRefused("filter p0.png ./p0.png --out-dir out" + invertEach, "out/p0.png: two outputs have this name");
+    folder.CheckRefused("filter p0.png p1.png p2.png" + invertEach,
                         "filter takes one picture and the name of another; several pictures need --out-dir");
-    folder.CheckRefused("filter - --out-dir out" + invert,
+    folder.CheckRefused("filter - --out-dir out" + invertEach,
                         "-: standard input has no name to go by in a folder; name an output");
 }
 
 TEST_CASE("- is standard input and standard output, which gets a PNG") {
     const ManyPictures folder;
     folder.Succeed("filter --apply 'Invert Color' p0.png file.png");
-    const Ended piped = folder.Run("filter - -" + invert + " <p0.png");
+    const Ended piped = folder.Run("filter - -" + invertEach + " <p0.png");
     CHECK_EQ(piped.exitCode, 0);
     CHECK_EQ(piped.complaint, "");
     CHECK(piped.output == folder.Bytes("file.png"));
-    const Ended nothing = folder.Run("filter - -" + invert + " </dev/null");
+    const Ended nothing = folder.Run("filter - -" + invertEach + " </dev/null");
     CHECK_EQ(nothing.exitCode, 2);
     CHECK(nothing.complaint.starts_with("chalkpane: standard input: is no picture"));
     CHECK_EQ(nothing.output, "");
@@ -98,23 +98,23 @@ TEST_CASE("a film is the same however its frames are shared out") {
 // .mkv keeps every pixel: what comes out of the second film is what went into the first.
 TEST_CASE("a film goes through filters frame by frame, and back") {
     const ManyPictures folder;
-    folder.Succeed("filter p1.png unused.png --save-preset look.preset" + invert);
+    folder.Succeed("filter p1.png unused.png --save-preset look.preset" + invertEach);
     folder.Succeed("animate p0.png film.mkv --preset look.preset --frames 0..2 --rate 30");
-    folder.Succeed("filter film.mkv back.mkv" + invert);
+    folder.Succeed("filter film.mkv back.mkv" + invertEach);
     folder.Succeed("animate back.mkv f%01d.png --preset look.preset");
     CHECK(folder.Has("f2.png"));
     CHECK_FALSE(folder.Has("f3.png"));
-    folder.Succeed("filter p0.png inverted.png" + invert);
+    folder.Succeed("filter p0.png inverted.png" + invertEach);
     CHECK(folder.Open("f2.png") == folder.Open("inverted.png"));
-    CHECK_EQ(folder.Run("filter film.mkv film.mkv" + invert).exitCode, 2);
-    CHECK_EQ(folder.Run("filter film.mkv one.png" + invert).exitCode, 2);
+    CHECK_EQ(folder.Run("filter film.mkv film.mkv" + invertEach).exitCode, 2);
+    CHECK_EQ(folder.Run("filter film.mkv one.png" + invertEach).exitCode, 2);
 }
 
 // The result keeps every pixel, so its frame is the one that is read of the film itself, inverted.
 TEST_CASE("a film from a phone goes through filters upright") {
     const ManyPictures folder;
     kel::testing::WriteHeldVideo(folder.Path("held.mp4"), {0, 1, -1, 0});
-    folder.Succeed("filter held.mp4 upright.mkv" + invert);
+    folder.Succeed("filter held.mp4 upright.mkv" + invertEach);
     kel::VideoReader held(folder.Path("held.mp4"));
     kel::VideoReader upright(folder.Path("upright.mkv"));
     Picture frame = held.ReadFrame(1);

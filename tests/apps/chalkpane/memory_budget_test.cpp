@@ -38,7 +38,7 @@ public:
     }
 };
 
-const std::string invert = " --apply 'Invert Color'";
+const std::string invertOne = " --apply 'Invert Color'";
 
 std::string Taken(const std::string& where, int sum, int largest, const std::string& part) {
     return where + ": takes " + std::to_string(sum) + " MiB of memory, " + std::to_string(largest) + " MiB of it for " +
@@ -52,10 +52,10 @@ std::string Taken(const std::string& where, int sum, int largest, const std::str
 // more to be decoded than it has, but not while the rows are under way.
 TEST_CASE("filter that runs by bands counts the rows under way, and what its files take") {
     const CountedFolder folder;
-    folder.CheckBudget("filter a.png out.png" + invert, 11, Taken("a.png", 10, 6, "the rows under way"));
-    folder.CheckBudget("filter b.bmp out.png" + invert, 12, Taken("b.bmp", 12, 6, "the rows under way"));
-    folder.CheckBudget("filter a.png out.png --depth 14" + invert, 19, Taken("a.png", 18, 12, "the rows under way"));
-    folder.CheckBudget("filter - - <a.png" + invert, 11, Taken("standard input", 10, 6, "the rows under way"));
+    folder.CheckBudget("filter a.png out.png" + invertOne, 11, Taken("a.png", 10, 6, "the rows under way"));
+    folder.CheckBudget("filter b.bmp out.png" + invertOne, 12, Taken("b.bmp", 12, 6, "the rows under way"));
+    folder.CheckBudget("filter a.png out.png --depth 14" + invertOne, 19, Taken("a.png", 18, 12, "the rows under way"));
+    folder.CheckBudget("filter - - <a.png" + invertOne, 11, Taken("standard input", 10, 6, "the rows under way"));
 }
 
 // Source and result, 4 MiB, and 64 rows twelve times, 3 MiB. With a mask, which is half a MiB, the input is read once
@@ -65,14 +65,14 @@ TEST_CASE("filter over the whole picture counts source and result, a mask, and w
     const CountedFolder folder;
     const std::string soften = " --apply 'Super Soften:Softness=24'";
     folder.CheckBudget("filter a.png out.png" + soften, 8, Taken("a.png", 7, 3, "the rows under way"));
-    folder.CheckBudget("filter a.png out.png --mask mask.png" + invert, 10,
+    folder.CheckBudget("filter a.png out.png --mask mask.png" + invertOne, 10,
                        Taken("a.png", 10, 3, "the rows under way"));
     folder.CheckBudget("filter a.png out.png --expand" + soften, 8, Taken("a.png", 8, 3, "the rows under way"));
 }
 
 TEST_CASE("standard input that has no end is refused") {
     const CountedFolder folder;
-    const Ended ended = folder.Run("filter - out.png --memory 4M </dev/zero" + invert);
+    const Ended ended = folder.Run("filter - out.png --memory 4M </dev/zero" + invertOne);
     CHECK_EQ(ended.complaint, "chalkpane: standard input: is larger than 4 MiB\n");
     CHECK_EQ(ended.exitCode, 2);
 }
@@ -81,17 +81,17 @@ TEST_CASE("standard input that has no end is refused") {
 TEST_CASE("filter counts as many pictures together as it works on at a time") {
     const CountedFolder folder;
     const int together = std::clamp(static_cast<int>(std::thread::hardware_concurrency()), 1, 2);
-    folder.CheckBudget("filter a.png b.bmp --out-dir out" + invert, together == 1 ? 17 : 27,
+    folder.CheckBudget("filter a.png b.bmp --out-dir out" + invertOne, together == 1 ? 17 : 27,
                        Taken("--out-dir", together == 1 ? 17 : 27, 7, "the file that is written"));
 }
 
 // 40 bytes to a pixel for reading the film and as many for writing it, and the frame four times: 96.
 TEST_CASE("a film is counted by its frames") {
     const CountedFolder folder;
-    REQUIRE_EQ(folder.Run("filter a.png b.png --save-preset look.preset" + invert).exitCode, 0);
+    REQUIRE_EQ(folder.Run("filter a.png b.png --save-preset look.preset" + invertOne).exitCode, 0);
     folder.CheckBudget("animate a.png film.mkv --preset look.preset --frames 0..1", 10,
                        Taken("a.png", 10, 10, "the picture \"a.png\""));
-    folder.CheckBudget("filter film.mkv out.mkv" + invert, 48, Taken("film.mkv", 48, 48, "the film \"film.mkv\""));
+    folder.CheckBudget("filter film.mkv out.mkv" + invertOne, 48, Taken("film.mkv", 48, 48, "the film \"film.mkv\""));
     folder.CheckBudget("animate film.mkv out%02d.png --preset look.preset", 50,
                        Taken("film.mkv", 50, 50, "the film \"film.mkv\""));
 }

@@ -11,7 +11,7 @@ namespace chalkpane::app {
 namespace {
 
 // As wide as makes several bands; every third stretch of it shows through.
-std::unique_ptr<Image> Tall(Depth depth) {
+std::unique_ptr<Image> TallForBands(Depth depth) {
     auto image = testing::Varied(2000, 400, Depth::Eight);
     for (std::int32_t y = 0; y <= image->y1; ++y)
         for (std::int32_t x = 0; x <= image->x1; ++x)
@@ -30,13 +30,13 @@ TEST_CASE("Filters that run over bands in place make what they make at once, wit
                 CAPTURE(text);
                 CAPTURE(depth);
                 const auto filter = FilterFromText(text);
-                const auto atOnce = RunFilter(*filter, Tall(depth), run);
-                CHECK(testing::Same(*RunSparingly(*filter, Tall(depth), run), *atOnce));
+                const auto atOnce = RunFilter(*filter, TallForBands(depth), run);
+                CHECK(testing::Same(*RunSparingly(*filter, TallForBands(depth), run), *atOnce));
             }
 }
 
 TEST_CASE("Pixels that somebody else has are left as they are") {
-    const auto source = Tall(Depth::Eight);
+    const auto source = TallForBands(Depth::Eight);
     const auto before = source->Clone();
     for (const std::string text : {"Median:Radius=3", "Invert Color", "Blur:Softness=3"}) {
         CAPTURE(text);

@@ -15,7 +15,7 @@ using cli::testing::Thrown;
 using testing::RawConnection;
 using testing::StatusOf;
 
-constexpr const char* token = "0123456789abcdef0123456789abcdef";
+constexpr const char* doorToken = "0123456789abcdef0123456789abcdef";
 
 // A server on any port whose commands are answered by themselves.
 class EchoingServer {
@@ -43,26 +43,26 @@ public:
     [[nodiscard]] int Port() const { return server.Address().port; }
 
     ControlMailbox mailbox;
-    ControlServer server{{"127.0.0.1", 0, token}, mailbox};
+    ControlServer server{{"127.0.0.1", 0, doorToken}, mailbox};
 
 private:
     std::atomic<bool> m_isOver = false;
     std::thread m_answerer;
 };
 
-std::string Post(const std::string& body, const std::string& more = {}, const std::string& given = token) {
+std::string Post(const std::string& body, const std::string& more = {}, const std::string& given = doorToken) {
     return "POST /?token=" + given + " HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\n" + more +
            "Content-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
 }
 
-std::string Upgrade(const std::string& more = {}, const std::string& given = token) {
+std::string Upgrade(const std::string& more = {}, const std::string& given = doorToken) {
     return "GET /?token=" + given +
            " HTTP/1.1\r\nHost: localhost\r\nUpgrade: websocket\r\nConnection: Upgrade\r\n"
            "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\nSec-WebSocket-Version: 13\r\n" +
            more + "\r\n";
 }
 
-std::string Ask(int port, const std::vector<std::string>& commands, const std::string& given = token) {
+std::string Ask(int port, const std::vector<std::string>& commands, const std::string& given = doorToken) {
     std::string answers;
     ControlConversation conversation;
     conversation.commands = commands;
@@ -86,7 +86,7 @@ TEST_CASE("A GET asks for the list, and the token may come as a header") {
     const EchoingServer echo;
     std::string body;
     const std::string request = std::string("GET / HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\n") +
-                                "Authorization: Bearer " + token + "\r\n\r\n";
+                                "Authorization: Bearer " + doorToken + "\r\n\r\n";
     CHECK_EQ(StatusOf(echo.Port(), request, &body), 200);
     CHECK_EQ(body, "{\"ok\":true,\"did\":\"list\"}\n");
 }
@@ -113,7 +113,7 @@ TEST_CASE("A web page of elsewhere does not get in, even with the token") {
 
 TEST_CASE("Messages without a length, of 64 MB, and of a length that is no number are refused with a line") {
     const EchoingServer echo;
-    const std::string head = std::string("POST /?token=") + token + " HTTP/1.1\r\nHost: a\r\nConnection: close\r\n";
+    const std::string head = std::string("POST /?token=") + doorToken + " HTTP/1.1\r\nHost: a\r\nConnection: close\r\n";
     std::string body;
     CHECK_EQ(StatusOf(echo.Port(), head + "Content-Length: 67108864\r\n\r\n", &body), 413);
     CHECK_EQ(body, "{\"ok\":false,\"error\":\"the message is longer than 65536 bytes\"}\n");
@@ -139,7 +139,7 @@ TEST_CASE("A WebSocket is answered, and told every event") {
             return event != "{\"event\":\"last\"}";
         };
         conversation.staysForEvents = true;
-        TalkToWindow({"127.0.0.1", echo.Port(), token}, conversation);
+        TalkToWindow({"127.0.0.1", echo.Port(), doorToken}, conversation);
     });
     listener.join();
     CHECK_EQ(events, std::vector<std::string>{"{\"event\":\"film\"}", "{\"event\":\"last\"}"});
@@ -198,8 +198,8 @@ TEST_CASE("Half a request is given up after some seconds") {
     RawConnection half(echo.Port());
     REQUIRE(half.Send("POST /?token="));
     RawConnection halfBody(echo.Port());
-    REQUIRE(
-        halfBody.Send(std::string("POST /?token=") + token + " HTTP/1.1\r\nHost: a\r\nContent-Length: 10\r\n\r\n12"));
+    REQUIRE(halfBody.Send(std::string("POST /?token=") + doorToken +
+                          " HTTP/1.1\r\nHost: a\r\nContent-Length: 10\r\n\r\n12"));
     (void)half.ReadToTheEnd();
     (void)halfBody.ReadToTheEnd();
 }
@@ -227,7 +227,7 @@ TEST_CASE("A port that is taken is an error, and nobody answers where there is n
         port = echo.Port();
         ControlMailbox mailbox;
         CHECK_EQ(Thrown([&] {
-                     const ControlServer second({"127.0.0.1", port, token}, mailbox);
+                     const ControlServer second({"127.0.0.1", port, doorToken}, mailbox);
                  }),
                  "127.0.0.1:" + std::to_string(port) + ": the port cannot be opened");
     }

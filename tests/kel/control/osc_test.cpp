@@ -28,7 +28,7 @@ std::string LineOf(const std::string& packet) {
     return ControlLineOf(messages[0]);
 }
 
-std::string Refused(const std::string& packet) {
+std::string PacketRefused(const std::string& packet) {
     return Thrown([&] { (void)ParseOscPacket(BytesOf(packet)); });
 }
 
@@ -81,23 +81,25 @@ TEST_CASE("A bundle's messages come one after the other, those of bundles inside
 }
 
 TEST_CASE("What is no packet of messages is refused, wherever it is cut") {
-    CHECK_EQ(Refused(""), "a text does not end");
-    CHECK_EQ(Refused("/und"), "a text does not end");
-    CHECK_EQ(Refused(OscText("undo")), "an address begins with a stroke");
-    CHECK_EQ(Refused(OscPacket("/a", "b", OscWord(0))), "arguments of type \"b\" are not known");
-    CHECK_EQ(Refused(OscText("/a") + OscText("i")), "the types of the arguments are missing");
-    CHECK_EQ(Refused(OscPacket("/a", "i")), "the packet ends too early");
-    CHECK_EQ(Refused(OscText("#bungle") + OscWord(0) + OscWord(1)), "the packet is neither a message nor a bundle");
-    CHECK_EQ(Refused(OscText("#bundle") + OscWord(0) + OscWord(1) + OscWord(0xFFFFFFFC)), "the packet ends too early");
+    CHECK_EQ(PacketRefused(""), "a text does not end");
+    CHECK_EQ(PacketRefused("/und"), "a text does not end");
+    CHECK_EQ(PacketRefused(OscText("undo")), "an address begins with a stroke");
+    CHECK_EQ(PacketRefused(OscPacket("/a", "b", OscWord(0))), "arguments of type \"b\" are not known");
+    CHECK_EQ(PacketRefused(OscText("/a") + OscText("i")), "the types of the arguments are missing");
+    CHECK_EQ(PacketRefused(OscPacket("/a", "i")), "the packet ends too early");
+    CHECK_EQ(PacketRefused(OscText("#bungle") + OscWord(0) + OscWord(1)),
+             "the packet is neither a message nor a bundle");
+    CHECK_EQ(PacketRefused(OscText("#bundle") + OscWord(0) + OscWord(1) + OscWord(0xFFFFFFFC)),
+             "the packet ends too early");
     std::string deep = OscText("/undo");
     for (int i = 0; i < 9; ++i) deep = OscBundle(OscText("/undo"), deep);
-    CHECK_EQ(Refused(deep), "bundles are nested too deep");
+    CHECK_EQ(PacketRefused(deep), "bundles are nested too deep");
     const std::string whole =
         OscBundle(OscPacket("/set/A", "sif", OscText("text") + OscWord(1) + one), OscText("/undo"));
     for (std::size_t length = 0; length < whole.size(); ++length) {
         INFO(length);
         // Cut between two of its parts it is a shorter bundle.
-        if (length != 16 && length != 16 + 4 + 8 + 8 + 8 + 8) CHECK_NE(Refused(whole.substr(0, length)), "");
+        if (length != 16 && length != 16 + 4 + 8 + 8 + 8 + 8) CHECK_NE(PacketRefused(whole.substr(0, length)), "");
     }
 }
 

@@ -3,13 +3,14 @@
 #include <array>
 
 #include "module/abi/host_api.h"
+#include "tests/kel/gl_formats.h"
 #include "tests/kel/misused_host.h"
 #include "tests/kel/probe.h"
 
 namespace kel {
 namespace {
 
-constexpr std::int32_t rgba = 6408;
+using testing::rgba;
 
 std::int32_t Camera62(const char* cameraName = "RENDERCAMERA") {
     std::array<char, 6> scene{"SCENE"};

@@ -6,13 +6,15 @@
 #include <thread>
 
 #include "module/abi/host_api.h"
+#include "tests/kel/gl_formats.h"
 #include "tests/kel/misused_host.h"
 
 namespace kel {
 namespace {
 
-constexpr std::int32_t rgba = 6408;
-constexpr std::int32_t unsignedByte = 0x1401;
+using testing::rgba;
+using testing::unsignedByte;
+
 constexpr std::array<std::uint8_t, 64> pixels{};
 
 // The reports after a field with this in the field callback, or in the pre render.

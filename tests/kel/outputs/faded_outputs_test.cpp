@@ -44,7 +44,7 @@ std::array<testing::Pixel, 2> InkOf(const KelFolder& folder, const std::string& 
 double FactorAt(int k) { return 1.0 - k / static_cast<double>(fadingFields); }
 
 // The canvas is rounded to whole levels, and the picture made of it is once more.
-constexpr double rounding = 1.5;
+constexpr double fadedRounding = 1.5;
 
 }  // namespace
 
@@ -62,7 +62,7 @@ TEST_CASE("Fading ink has one factor in the strokes alone, the fill and the key,
             const auto faded = InkOf(folder, output, lastWhole + k);
             for (std::size_t stroke = 0; stroke < 2; ++stroke)
                 for (std::size_t channel = 0; channel < channels; ++channel)
-                    CHECK_LE(std::abs(faded[stroke][channel] - whole[stroke][channel] * FactorAt(k)), rounding);
+                    CHECK_LE(std::abs(faded[stroke][channel] - whole[stroke][channel] * FactorAt(k)), fadedRounding);
         }
         CHECK_EQ(InkOf(folder, output, 49)[0][0], 0);
         CHECK(InkOf(folder, output, 50) == whole);
@@ -81,7 +81,7 @@ TEST_CASE("Where ink fades the picture under it comes through by the same factor
             for (std::size_t channel = 0; channel < 3; ++channel) {
                 const double cover = ink[stroke][3] * FactorAt(k) / 255;
                 const double wanted = ink[stroke][channel] * FactorAt(k) + under[stroke][channel] * (1 - cover);
-                CHECK_LE(std::abs(seen[stroke][channel] - wanted), rounding);
+                CHECK_LE(std::abs(seen[stroke][channel] - wanted), fadedRounding);
             }
     }
 }

@@ -16,7 +16,7 @@
 namespace kel {
 namespace {
 
-constexpr WindowSize size{16, 8};
+constexpr WindowSize sinkSize{16, 8};
 constexpr std::int64_t fields = 3;
 
 // A field of which every view is there, each in a grey of its own.
@@ -27,14 +27,14 @@ OutputField SomeField(std::int64_t number) {
     for (std::size_t view = 0; view < viewCount; ++view) {
         const auto grey = static_cast<std::uint8_t>(10 * number + 40 * static_cast<int>(view));
         field.views[view] = std::make_shared<const picture_io::Picture>(
-            testing::Plain(size.width, size.height, {grey, grey, grey, 255}));
+            testing::Plain(sinkSize.width, sinkSize.height, {grey, grey, grey, 255}));
     }
     return field;
 }
 
 struct Run {
     explicit Run(std::unique_ptr<OutputSink> made) : sink(std::move(made)) {
-        sink->Open({size, 50.0, fields, &files});
+        sink->Open({sinkSize, 50.0, fields, &files});
         for (std::int64_t number = 0; number < fields; ++number)
             if (sink->WantsEveryField() || number == fields - 1) sink->TakeField(SomeField(number));
     }

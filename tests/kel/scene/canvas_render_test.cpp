@@ -15,7 +15,6 @@ using testing::CheckSeen;
 using testing::operatorOrange;
 using testing::operatorRed;
 using testing::Scribble;
-using testing::side;
 using testing::Telestrator;
 
 // The worst difference in the window between what is seen and what `wanted` makes of the picture's and the canvas's
@@ -24,13 +23,13 @@ template <typename Wanted>
 int WorstDifference(const Telestrator& telestrator, const picture_io::Picture& base, Wanted wanted) {
     const picture_io::Picture canvas = telestrator.host.ReadPremultipliedCanvas(telestrator.container);
     const picture_io::Picture frame = telestrator.host.ReadFrame();
-    REQUIRE_EQ(canvas.width, side);
+    REQUIRE_EQ(canvas.width, testing::side);
     int worst = 0;
     int covered = 0;
     int halfCovered = 0;
     // The outermost pixels are mixed with the texture's border, which is clear.
-    for (std::int32_t y = 1; y < side - 1; ++y)
-        for (std::int32_t x = 1; x < side - 1; ++x) {
+    for (std::int32_t y = 1; y < testing::side - 1; ++y)
+        for (std::int32_t x = 1; x < testing::side - 1; ++x) {
             const Pixel stroke = canvas.At(x, y);
             covered += stroke[3] > 240 ? 1 : 0;
             halfCovered += stroke[3] > 0 && stroke[3] <= 240 ? 1 : 0;
@@ -53,12 +52,12 @@ double Over(double base, double stroke, double alpha) { return base * (1 - alpha
 TEST_CASE("The first picture is the base alone") {
     for (const std::int32_t unit : {1, 2}) {
         CAPTURE(unit);
-        const picture_io::Picture base = testing::Speckled(side, side);
+        const picture_io::Picture base = testing::Speckled(testing::side, testing::side);
         const Telestrator telestrator(unit, &base);
         const picture_io::Picture frame = telestrator.host.ReadFrame();
         int worst = 0;
-        for (std::int32_t y = 0; y < side; ++y)
-            for (std::int32_t x = 0; x < side; ++x)
+        for (std::int32_t y = 0; y < testing::side; ++y)
+            for (std::int32_t x = 0; x < testing::side; ++x)
                 worst = std::max(worst, testing::Difference(frame.At(x, y), base.At(x, y)));
         CHECK_LE(worst, 1);
     }
@@ -67,7 +66,7 @@ TEST_CASE("The first picture is the base alone") {
 TEST_CASE("On a unit above 0 the strokes lie over the picture") {
     for (const std::int32_t unit : {1, 2}) {
         CAPTURE(unit);
-        const picture_io::Picture base = testing::Speckled(side, side);
+        const picture_io::Picture base = testing::Speckled(testing::side, testing::side);
         Telestrator telestrator(unit, &base);
         Scribble(telestrator);
         CHECK_LE(WorstDifference(telestrator, base, Over), 2);
@@ -76,7 +75,7 @@ TEST_CASE("On a unit above 0 the strokes lie over the picture") {
 }
 
 TEST_CASE("On unit 0 with a transparent base the strokes lie over what is behind the container") {
-    const picture_io::Picture behind = testing::Speckled(side, side);
+    const picture_io::Picture behind = testing::Speckled(testing::side, testing::side);
     const picture_io::Picture hidden = testing::Plain(1, 1, testing::green);
     Telestrator telestrator(0, &hidden, &behind);
     Scribble(telestrator);
@@ -86,7 +85,7 @@ TEST_CASE("On unit 0 with a transparent base the strokes lie over what is behind
 // The canvas takes the picture's place, so the container's own look is its plain white. Here the combiner weighs the
 // stroke, which is multiplied by its alpha already, once more.
 TEST_CASE("On unit 0 without a transparent base the strokes lie over the plain container") {
-    const picture_io::Picture base = testing::Plain(side, side, testing::white);
+    const picture_io::Picture base = testing::Plain(testing::side, testing::side, testing::white);
     Telestrator telestrator(0);
     telestrator.Set("Transparent", 0);
     Scribble(telestrator);
@@ -120,7 +119,7 @@ TEST_CASE("A stroke is seen where the pointer was, and nowhere else") {
 }
 
 TEST_CASE("A stroke is seen under the pointer on a container that leans, too") {
-    Host host({side, side});
+    Host host({testing::side, testing::side});
     Camera camera = testing::CameraInFront();
     camera.position[1] = 80;
     host.SetCamera(camera);
@@ -158,7 +157,7 @@ TEST_CASE("Undo takes the last stroke back, and clear takes all") {
     telestrator.Draw({{700, 700}, {760, 700}});
     telestrator.CheckSeen(730, 700, testing::red);
     telestrator.Push("Clear");
-    CHECK(telestrator.host.ReadFrame() == testing::Plain(side, side, testing::black));
+    CHECK(telestrator.host.ReadFrame() == testing::Plain(testing::side, testing::side, testing::black));
     telestrator.Push("Undo");
     telestrator.CheckSeen(730, 700, testing::red);
 }
@@ -213,7 +212,7 @@ TEST_CASE("A picture as a brush changes nothing of what is painted") {
 
 TEST_CASE("The same session gives the same bytes") {
     const auto play = [] {
-        const picture_io::Picture base = testing::Speckled(side, side);
+        const picture_io::Picture base = testing::Speckled(testing::side, testing::side);
         Telestrator telestrator(1, &base);
         Scribble(telestrator);
         return std::pair{telestrator.host.ReadFrame(), telestrator.host.ReadCanvas(telestrator.container)};

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "module/abi/host_api.h"
+#include "tests/kel/gl_formats.h"
 #include "tests/kel/pixels.h"
 #include "tests/kel/probe.h"
 #include "tests/kel/telestrator.h"
@@ -14,8 +15,8 @@
 namespace kel {
 namespace {
 
-constexpr std::int32_t rgba = 6408;
-constexpr std::int32_t unsignedByte = 0x1401;
+using testing::rgba;
+using testing::unsignedByte;
 
 bool Contains(const FrameArea& outer, const FrameArea& inner) {
     return inner.x >= outer.x && inner.y >= outer.y && inner.x + inner.width <= outer.x + outer.width &&

@@ -1,16 +1,18 @@
 #include <doctest/doctest.h>
 
 #include "module/abi/host_api.h"
+#include "tests/kel/gl_formats.h"
 #include "tests/kel/pixels.h"
 #include "tests/kel/probe.h"
 
 namespace kel {
 namespace {
 
+using testing::rgba;
+using testing::unsignedByte;
+
 using testing::Pixel;
 
-constexpr std::int32_t rgba = 6408;
-constexpr std::int32_t unsignedByte = 0x1401;
 constexpr std::uint32_t textureEnvironment = 0x2300;
 constexpr std::uint32_t environmentMode = 0x2200;
 constexpr std::int32_t replaceMode = 0x1E01;

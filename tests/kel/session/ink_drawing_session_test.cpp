@@ -19,6 +19,7 @@ using cli::testing::TemporaryFolder;
 using cli::testing::Thrown;
 using nlohmann::json;
 using testing::PlainSession;
+using testing::With;
 
 // Plays a session field by field.
 class Played {
@@ -53,11 +54,6 @@ private:
 
 json Stroke(int field, double y, int fields = 6) {
     return {{"field", field}, {"fields", fields}, {"stroke", {{6, y}, {58, y + 3}}}};
-}
-
-json With(json events, const json& more) {
-    for (const json& event : more) events.push_back(event);
-    return events;
 }
 
 // What a factor makes of each byte, rounded to the nearest.

@@ -15,8 +15,9 @@ namespace {
 using cli::testing::Thrown;
 using nlohmann::json;
 using testing::PlainSession;
+using testing::With;
 
-json WithEvents(const json& events) {
+json SessionOf(const json& events) {
     json session = PlainSession();
     session["events"] = events;
     session["fields"] = 120;
@@ -44,10 +45,10 @@ private:
     Player m_player;
 };
 
-picture_io::Picture CanvasOf(const json& events) { return PlayedSession(WithEvents(events)).Canvas(); }
+picture_io::Picture CanvasOf(const json& events) { return PlayedSession(SessionOf(events)).Canvas(); }
 
 // Four strokes: freehand, then one that is smoothed and gets an arrow, a ring that becomes an ellipse, and the eraser.
-json Strokes() {
+json FourStrokes() {
     json ring = json::array();
     for (int i = 0; i <= 24; ++i) ring.push_back({32 + 20 * std::cos(i * 0.2618), 32 + 16 * std::sin(i * 0.2618)});
     return {{{"field", 1}, {"set", {{"BrushColor", "#ff0000"}, {"ShapeDelay", 4}}}},
@@ -57,11 +58,6 @@ json Strokes() {
             {{"field", 36}, {"fields", 24}, {"stroke", ring}},
             {{"field", 68}, {"set", {{"RecoShapes", false}, {"BrushType", "Erase"}, {"EraserWidth", 40}}}},
             {{"field", 70}, {"fields", 6}, {"stroke", {{32, 2}, {32, 62}}}}};
-}
-
-json With(json events, const json& more) {
-    for (const json& event : more) events.push_back(event);
-    return events;
 }
 
 // The index of the k-th stroke among the events.
@@ -80,40 +76,40 @@ json Without(json events, int stroke) {
 
 TEST_CASE("a session in which a stroke is removed ends as the one without it") {
     for (int stroke = 1; stroke <= 4; ++stroke) {
-        const picture_io::Picture without = CanvasOf(Without(Strokes(), stroke));
+        const picture_io::Picture without = CanvasOf(Without(FourStrokes(), stroke));
         CAPTURE(stroke);
-        CHECK(CanvasOf(With(Strokes(), {{{"field", 100}, {"removeStroke", stroke}}})) == without);
-        CHECK(CanvasOf(Strokes()) != without);
+        CHECK(CanvasOf(With(FourStrokes(), {{{"field", 100}, {"removeStroke", stroke}}})) == without);
+        CHECK(CanvasOf(FourStrokes()) != without);
     }
 }
 
 TEST_CASE("a stroke that is removed between two others leaves the later one as it would have been") {
-    CHECK(CanvasOf(With(Strokes(), {{{"field", 33}, {"removeStroke", 1}}})) == CanvasOf(Without(Strokes(), 1)));
+    CHECK(CanvasOf(With(FourStrokes(), {{{"field", 33}, {"removeStroke", 1}}})) == CanvasOf(Without(FourStrokes(), 1)));
 }
 
 TEST_CASE("a session in which a stroke is moved ends as the one in which it was drawn there") {
     for (int stroke = 1; stroke <= 4; ++stroke) {
-        json there = Strokes();
+        json there = FourStrokes();
         for (json& point : there[IndexOfStroke(there, stroke)]["stroke"]) {
             point[0] = point[0].get<double>() + 3;
             point[1] = point[1].get<double>() - 2;
         }
         CAPTURE(stroke);
-        CHECK(CanvasOf(With(Strokes(), {{{"field", 100}, {"moveStroke", stroke}, {"by", {3, -2}}}})) ==
+        CHECK(CanvasOf(With(FourStrokes(), {{{"field", 100}, {"moveStroke", stroke}, {"by", {3, -2}}}})) ==
               CanvasOf(there));
     }
 }
 
 TEST_CASE("a session in which a stroke is recoloured ends as the one in which it had that colour") {
     const json blue = {{"BrushColor", "#0000ff"}};
-    json first = Strokes();
+    json first = FourStrokes();
     first[0]["set"]["BrushColor"] = "#0000ff";
-    CHECK(CanvasOf(With(Strokes(), {{{"field", 100}, {"recolourStroke", 1}, {"parameters", blue}}})) ==
+    CHECK(CanvasOf(With(FourStrokes(), {{{"field", 100}, {"recolourStroke", 1}, {"parameters", blue}}})) ==
           CanvasOf(first));
-    json second = Strokes();
+    json second = FourStrokes();
     second[2]["set"]["BrushColor"] = "#0000ff";
     second.push_back({{"field", 35}, {"set", {{"BrushColor", "#00ff00"}}}});
-    CHECK(CanvasOf(With(Strokes(), {{{"field", 100}, {"recolourStroke", 2}, {"parameters", blue}}})) ==
+    CHECK(CanvasOf(With(FourStrokes(), {{{"field", 100}, {"recolourStroke", 2}, {"parameters", blue}}})) ==
           CanvasOf(second));
 }
 
@@ -122,10 +118,10 @@ TEST_CASE("undo goes beyond the module's own ring, and redo brings all of it bac
     for (int i = 0; i < 4; ++i)
         events.push_back({{"field", 3 + 6 * i}, {"fields", 4}, {"stroke", {{5, 10 + 12 * i}, {60, 10 + 12 * i}}}});
     const picture_io::Picture all = CanvasOf(events);
-    PlayedSession played(WithEvents(With(events, {{{"field", 50}, {"undo", 3}},
-                                                  {{"field", 60}, {"redo", 1}},
-                                                  {{"field", 70}, {"undo", 9}},
-                                                  {{"field", 80}, {"redo", 9}}})));
+    PlayedSession played(SessionOf(With(events, {{{"field", 50}, {"undo", 3}},
+                                                 {{"field", 60}, {"redo", 1}},
+                                                 {{"field", 70}, {"undo", 9}},
+                                                 {{"field", 80}, {"redo", 9}}})));
     CHECK(played.CanvasAfter(55) == CanvasOf(json(events.begin(), events.begin() + 2)));
     CHECK(played.CanvasAfter(65) == CanvasOf(json(events.begin(), events.begin() + 3)));
     CHECK(played.CanvasAfter(75) == CanvasOf(json(events.begin(), events.begin() + 1)));
@@ -142,7 +138,7 @@ TEST_CASE("more strokes than the module's ring has room for are all undone and a
     json undone = events;
     for (int i = 0; i < strokes; ++i) undone.push_back({{"field", 80 + i}, {"undo", 1}});
     undone.push_back({{"field", 100}, {"redo", strokes}});
-    PlayedSession played(WithEvents(undone));
+    PlayedSession played(SessionOf(undone));
     for (int left = strokes; left > 0; --left) {
         CAPTURE(left);
         const int taken = strokes - left + 1;
@@ -153,16 +149,16 @@ TEST_CASE("more strokes than the module's ring has room for are all undone and a
 }
 
 TEST_CASE("undo takes back a button and an edit like a stroke, and what is drawn next ends redoing") {
-    const json cleared = With(Strokes(), {{{"field", 90}, {"button", "Clear"}}});
-    CHECK(CanvasOf(With(cleared, {{{"field", 100}, {"undo", 1}}})) == CanvasOf(Strokes()));
-    const json removed = With(Strokes(), {{{"field", 90}, {"removeStroke", 2}}});
-    CHECK(CanvasOf(With(removed, {{{"field", 100}, {"undo", 1}}})) == CanvasOf(Strokes()));
+    const json cleared = With(FourStrokes(), {{{"field", 90}, {"button", "Clear"}}});
+    CHECK(CanvasOf(With(cleared, {{{"field", 100}, {"undo", 1}}})) == CanvasOf(FourStrokes()));
+    const json removed = With(FourStrokes(), {{{"field", 90}, {"removeStroke", 2}}});
+    CHECK(CanvasOf(With(removed, {{{"field", 100}, {"undo", 1}}})) == CanvasOf(FourStrokes()));
     const json drawnOn = {{{"field", 90}, {"undo", 1}},
                           {{"field", 92}, {"fields", 4}, {"stroke", {{10, 60}, {50, 60}}}},
                           {{"field", 105}, {"redo", 1}}};
-    json wanted = Without(Strokes(), 4);
+    json wanted = Without(FourStrokes(), 4);
     wanted.push_back(drawnOn[1]);
-    CHECK(CanvasOf(With(Strokes(), drawnOn)) == CanvasOf(wanted));
+    CHECK(CanvasOf(With(FourStrokes(), drawnOn)) == CanvasOf(wanted));
 }
 
 TEST_CASE("a stroke taken back while it is drawn goes on as nothing") {
@@ -173,7 +169,7 @@ TEST_CASE("a stroke taken back while it is drawn goes on as nothing") {
 
 TEST_CASE("an edit of a stroke that was not drawn yet is refused with its place") {
     const auto refusal = [](const json& event) {
-        return Thrown([&] { PlayedSession(WithEvents(With(Strokes(), json::array({event})))); });
+        return Thrown([&] { PlayedSession(SessionOf(With(FourStrokes(), json::array({event})))); });
     };
     CHECK_EQ(refusal({{"field", 100}, {"removeStroke", 5}}),
              "s.json: /events/7/removeStroke: there is no stroke 5 before field 100");

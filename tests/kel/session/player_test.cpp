@@ -86,11 +86,11 @@ private:
 };
 
 // The last picture and the canvas of a session played on the real module.
-struct Played {
+struct PlayedPictures {
     picture_io::Picture picture;
     picture_io::Picture canvas;
 };
-Played Play(const Session& session, Player::Rendering wanted = Player::Rendering::NotWanted) {
+PlayedPictures Play(const Session& session, Player::Rendering wanted = Player::Rendering::NotWanted) {
     Host host({session.window.width, session.window.height});
     Player player(session, host, CHALKPANE_MODULE);
     while (!player.IsOver()) (void)player.PlayField(wanted);
@@ -206,7 +206,7 @@ TEST_CASE("The pointer is where the stroke is, each time the module asks") {
 TEST_CASE("A stroke is seen on the canvas along its path and nowhere else") {
     json session = WithParameters({{"BrushWidth", 30}, {"BrushColor", "#ff0000"}});
     session["events"] = {{{"field", 2}, {"fields", 10}, {"stroke", {{16, 32}, {48, 32}}}}};
-    const Played played = Play(Parse(session));
+    const PlayedPictures played = Play(Parse(session));
     // Window pixel 16 of 64 is canvas column 16 * 1023 / 64 = 255.75, 48 is 767.25; row 32 is 511.5.
     CHECK_LE(testing::Difference(played.canvas.At(512, 511), testing::red), 3);  // the densest that a dab gets
     // The middle of that window pixel is canvas row 520, eight pixels beside the middle of the soft pen.
@@ -218,8 +218,8 @@ TEST_CASE("A stroke is seen on the canvas along its path and nowhere else") {
 
 TEST_CASE("The same session twice gives the same pixels") {
     const Session session = ReadSession(KEL_SOURCE_FOLDER "/examples/shapes.json");
-    const Played first = Play(session);
-    const Played second = Play(session);
+    const PlayedPictures first = Play(session);
+    const PlayedPictures second = Play(session);
     CHECK_EQ(first.canvas == second.canvas, true);
     CHECK_EQ(first.picture == second.picture, true);
 }
@@ -247,8 +247,8 @@ TEST_CASE("Fields whose picture nobody wants change nothing in those that follow
     json json = WithParameters({{"BrushWidth", 9}, {"RecoShapes", true}, {"ShapeDelay", 3}});
     json["events"] = {{{"field", 2}, {"fields", 10}, {"stroke", {{16, 16}, {48, 20}}}}};
     const Session session = Parse(json);
-    const Played quick = Play(session, Player::Rendering::NotWanted);
-    const Played thorough = Play(session, Player::Rendering::Wanted);
+    const PlayedPictures quick = Play(session, Player::Rendering::NotWanted);
+    const PlayedPictures thorough = Play(session, Player::Rendering::Wanted);
     CHECK_EQ(quick.picture == thorough.picture, true);
     CHECK_EQ(quick.canvas == thorough.canvas, true);
 }

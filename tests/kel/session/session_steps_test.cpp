@@ -5,18 +5,18 @@
 namespace kel {
 namespace {
 
-constexpr const char* scene = R"({"window": {"width": 64, "height": 48}, "camera": {"position": [0, 0, 9],
+constexpr const char* emptyScene = R"({"window": {"width": 64, "height": 48}, "camera": {"position": [0, 0, 9],
     "target": [0, 0, 0]}, "containers": [{"name": "pane", "size": [4, 4]}], "events": )";
 
-std::vector<TimedPointerStep> TrackOf(const std::string& events) {
-    return PointerTrack(ParseSession(scene + events + "}", "steps.json"));
+std::vector<TimedPointerStep> StepsOf(const std::string& events) {
+    return PointerTrack(ParseSession(emptyScene + events + "}", "steps.json"));
 }
 
 }  // namespace
 
 TEST_CASE("Steps all stand before what their field has, and one behind that waits for the next field") {
     const auto track =
-        TrackOf(R"([{"field": 5, "step": true, "press": [1, 1]}, {"field": 5, "step": true, "move": [2, 2]},
+        StepsOf(R"([{"field": 5, "step": true, "press": [1, 1]}, {"field": 5, "step": true, "move": [2, 2]},
         {"field": 5, "move": [3, 3]}, {"field": 5, "step": true, "move": [4, 4]}, {"field": 6, "release": [5, 5]}])");
     const std::vector<TimedPointerStep> wanted{{5, {PointerKind::Press, 1, 1}, true},
                                                {5, {PointerKind::Move, 2, 2}, true},

@@ -56,6 +56,12 @@ inline nlohmann::json PlainSession() {
     })");
 }
 
+// The events, and more behind them.
+inline nlohmann::json With(nlohmann::json events, const nlohmann::json& more) {
+    for (const nlohmann::json& event : more) events.push_back(event);
+    return events;
+}
+
 inline Session Parse(const nlohmann::json& json) { return ParseSession(json.dump(), "s.json"); }
 
 }  // namespace kel::testing

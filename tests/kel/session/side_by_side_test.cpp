@@ -12,13 +12,13 @@
 namespace kel {
 namespace {
 
-struct Played {
+struct PlayedBeside {
     picture_io::Picture frame;
     picture_io::Picture canvas;
-    friend bool operator==(const Played&, const Played&) = default;
+    friend bool operator==(const PlayedBeside&, const PlayedBeside&) = default;
 };
 
-Played Play(const std::string& name) {
+PlayedBeside PlayBeside(const std::string& name) {
     const Session session = ReadSession(KEL_SOURCE_FOLDER "/examples/" + name + ".json");
     Host host({session.window.width, session.window.height});
     Player player(session, host, CHALKPANE_MODULE);
@@ -32,10 +32,10 @@ Played Play(const std::string& name) {
 TEST_CASE("Sessions played side by side on two threads end as each does alone") {
     // Both recognise shapes, and the one undoes while the other smooths.
     const std::array names{"telestration", "undo"};
-    const std::array alone{Play(names[0]), Play(names[1])};
+    const std::array alone{PlayBeside(names[0]), PlayBeside(names[1])};
     CHECK_FALSE(alone[0].canvas == alone[1].canvas);
-    auto first = std::async(std::launch::async, Play, names[0]);
-    auto second = std::async(std::launch::async, Play, names[1]);
+    auto first = std::async(std::launch::async, PlayBeside, names[0]);
+    auto second = std::async(std::launch::async, PlayBeside, names[1]);
     CHECK(first.get() == alone[0]);
     CHECK(second.get() == alone[1]);
 }

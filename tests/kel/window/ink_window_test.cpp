@@ -19,8 +19,8 @@ using testing::PaperWindow;
 using testing::Pixel;
 using testing::WaitUntil;
 
-constexpr double left = 0.2;
-constexpr double right = 0.7;
+constexpr double strokeLeft = 0.2;
+constexpr double strokeRight = 0.7;
 
 void DragAlong(PaperWindow& window, double fromX, double fromY, double toX, double toY) {
     constexpr int places = 15;
@@ -99,7 +99,7 @@ std::ptrdiff_t Recolourings(const PaperWindow& window) {
 // A red one, and then the pointer elsewhere.
 void DrawStroke(PaperWindow& window) {
     window.SetByKey("3", "BrushColor");
-    DragAlong(window, left, 0.3, right, 0.3);
+    DragAlong(window, strokeLeft, 0.3, strokeRight, 0.3);
     WaitUntil("the stroke is seen", [&] { return IsSeen(window, 0.3, ink); });
     window.MoveOnPaper(0.5, 0.8);
     window.WaitUntilStill();
@@ -186,7 +186,7 @@ TEST_CASE("A drawing kept by a key is seen small in the panel, and comes back by
 
     window.display.TypeKey("Delete");
     WaitUntil("all is cleared", [&] { return IsSeen(window, 0.3, paper); });
-    DragAlong(window, left, 0.6, right, 0.6);
+    DragAlong(window, strokeLeft, 0.6, strokeRight, 0.6);
     WaitUntil("another stroke is seen", [&] { return IsSeen(window, 0.6, ink); });
     Click(window, x, y);
     WaitUntil("the drawing is over it", [&] { return IsSeen(window, 0.3, ink) && IsSeen(window, 0.6, ink); });

@@ -13,7 +13,7 @@ namespace {
 using testing::KelWindow;
 using testing::WaitUntil;
 
-constexpr testing::Pixel ink{255, 45, 45, 255};  // what key 3 sets
+constexpr testing::Pixel drawnInk{255, 45, 45, 255};  // what key 3 sets
 
 // A window on a film, which stands still and has a stroke across its middle.
 class DrawnOnFilm : public KelWindow {
@@ -51,7 +51,7 @@ public:
 bool HasInk(const picture_io::Picture& picture) {
     for (std::int32_t y = 0; y < picture.height; ++y)
         for (std::int32_t x = 0; x < picture.width; ++x)
-            if (testing::Difference(picture.At(x, y), ink) < 40) return true;
+            if (testing::Difference(picture.At(x, y), drawnInk) < 40) return true;
     return false;
 }
 

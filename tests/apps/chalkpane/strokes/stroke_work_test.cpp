@@ -14,7 +14,7 @@ using cli::testing::Thrown;
 using testing::FileOf;
 using testing::Painted;
 
-const std::string canvas = R"({"width": 16, "height": 16})";
+const std::string smallSheet = R"({"width": 16, "height": 16})";
 
 std::string ManyPoints(int count, double step) {
     std::ostringstream text;
@@ -52,33 +52,34 @@ TEST_CASE("The bound of a stroke's dabs follows the length of its segments") {
 }
 
 TEST_CASE("Many points are painted, and no more than a million are read") {
-    const auto painted = Painted(FileOf(canvas, StrokeWith(R"(, "Spacing": 5)", ManyPoints(50'000, 0.5))));
+    const auto painted = Painted(FileOf(smallSheet, StrokeWith(R"(, "Spacing": 5)", ManyPoints(50'000, 0.5))));
     CHECK_GE(testing::PaintedPixels(*painted), 1);
-    CHECK_EQ(
-        Thrown([] { (void)ParseStrokes(FileOf(canvas, R"({"points": )" + ManyPoints(1'000'001, 1) + "}"), "s.json"); }),
-        "s.json: /strokes/0/points: the file has more than 1000000 points up to here");
+    CHECK_EQ(Thrown([] {
+                 (void)ParseStrokes(FileOf(smallSheet, R"({"points": )" + ManyPoints(1'000'001, 1) + "}"), "s.json");
+             }),
+             "s.json: /strokes/0/points: the file has more than 1000000 points up to here");
 }
 
 TEST_CASE("Spacing 0 paints wherever a dab can fall") {
-    const auto painted = Painted(FileOf(canvas, StrokeWith(R"(, "Spacing": 0)", "[[0.5, 0.5], [15.5, 15.5]]")));
+    const auto painted = Painted(FileOf(smallSheet, StrokeWith(R"(, "Spacing": 0)", "[[0.5, 0.5], [15.5, 15.5]]")));
     CHECK_GE(testing::PaintedPixels(*painted), 16);
 }
 
 TEST_CASE("What would take hours is refused") {
-    CHECK_EQ(Thrown([] { (void)Painted(FileOf(canvas, StrokeWith(R"(, "Spacing": 0)", ManyPoints(100'000, 5)))); }),
+    CHECK_EQ(Thrown([] { (void)Painted(FileOf(smallSheet, StrokeWith(R"(, "Spacing": 0)", ManyPoints(100'000, 5)))); }),
              tooMuch);
     CHECK_EQ(Thrown([] {
                  (void)Painted(
-                     FileOf(canvas, R"({"brush": {"Size": 1024, "Profile Type": "One Pixel", "Profile Name": "Soft",
+                     FileOf(smallSheet, R"({"brush": {"Size": 1024, "Profile Type": "One Pixel", "Profile Name": "Soft",
                                                   "Spacing": 1e-300}, "points": )" +
-                                        ManyPoints(20'000, 5) + "}"));
+                                            ManyPoints(20'000, 5) + "}"));
              }),
              tooMuch);
     CHECK_EQ(Thrown([] {
-                 (void)Painted(
-                     FileOf(canvas, R"({"brush": {"Size": 200, "filters": [{"filter": "Median"}, {"filter": "Oil"}]},
+                 (void)Painted(FileOf(smallSheet,
+                                      R"({"brush": {"Size": 200, "filters": [{"filter": "Median"}, {"filter": "Oil"}]},
                                                   "points": )" +
-                                        ManyPoints(100'000, 1000) + "}"));
+                                          ManyPoints(100'000, 1000) + "}"));
              }),
              tooMuch);
 }
@@ -87,8 +88,8 @@ TEST_CASE("What would take hours is refused") {
 TEST_CASE("What a dab costs besides its pixels is counted") {
     const auto refusal = [](const std::string& settings, int points) {
         return Thrown([&] {
-            (void)Painted(FileOf(canvas, R"({"brush": {"Size": 64, "Profile Name": "Soft", "Spacing": 0)" + settings +
-                                             R"(}, "points": )" + ManyPoints(points, 5) + "}"));
+            (void)Painted(FileOf(smallSheet, R"({"brush": {"Size": 64, "Profile Name": "Soft", "Spacing": 0)" +
+                                                 settings + R"(}, "points": )" + ManyPoints(points, 5) + "}"));
         });
     };
     CHECK_EQ(refusal("", 3000), tooMuch);
@@ -101,7 +102,7 @@ TEST_CASE("What a dab costs besides its pixels is counted") {
 // The same 300 segments are 6e9 at 8 bits, and four times as much at 14.
 TEST_CASE("Dabs of 14 bits count four times") {
     const std::string file =
-        FileOf(canvas,
+        FileOf(smallSheet,
                R"({"brush": {"Size": 64, "Profile Name": "Soft", "Spacing": 0}, "points": )" + ManyPoints(300, 5) + "}",
                testing::in14Bits);
     CHECK_EQ(Thrown([&] { (void)Painted(file); }), tooMuch);
@@ -123,7 +124,7 @@ TEST_CASE("Numbers at the edge of what a file may say paint without harm") {
         const std::string stroke =
             R"({"brush": {)" + brush + R"(}, "points": [[-1e6, 1e6], [1e6, -1e6, 0], [3, 3], [3, 3]]})";
         for (const std::string& depth : {std::string(), testing::in14Bits})
-            CHECK_EQ(Painted(FileOf(canvas, stroke, depth))->Width(), 16);
+            CHECK_EQ(Painted(FileOf(smallSheet, stroke, depth))->Width(), 16);
     }
 }
 
