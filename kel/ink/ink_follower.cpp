@@ -59,6 +59,7 @@ void InkFollower::Give(const InstanceInput& input) {
     if (input.pointer) {
         m_pointerX = input.pointer->x;
         m_pointerY = input.pointer->y;
+        m_pressure = input.pointer->pressure;
         m_state->window = {input.windowWidth, input.windowHeight};
         if (input.pointer->kind != PointerKind::Move) MoveButton(input);
     }
@@ -111,7 +112,7 @@ void InkFollower::MoveButton(const InstanceInput& input) {
         Press(input, at);
     } else {
         m_line.places.push_back({m_window, step.x, step.y});
-        m_telestrator->Release(Settings(), at);
+        m_telestrator->Release(Settings(), at, m_pressure);
         m_isInsideStroke = false;
         if (!Settings().recogniseShapes) m_ring.Push(State());
     }
@@ -122,7 +123,7 @@ void InkFollower::Press(const InstanceInput& input, const CanvasPosition& at) {
     const bool isJoined = m_telestrator->IsJoined(Settings()) || m_telestrator->IsPointerDown();
     const bool goesOn = !m_telestrator->HasOpenLine() && m_telestrator->Inner().shapeCountdown >= 0;
     // A line that nothing joins is told to the sink in here.
-    m_telestrator->Press(Settings(), at);
+    m_telestrator->Press(Settings(), at, m_pressure);
     if (!m_telestrator->IsPointerDown()) {
         m_isLost = true;  // pressed where nothing can be painted, which a journal has no word for
         return;
@@ -144,7 +145,7 @@ void InkFollower::PollPointer() {
         const CanvasPosition at = m_mapping.Map(m_window, m_pointerX, m_pointerY);
         if (!chalkpane::IsPaintable(at.x, at.y)) m_isLost = true;
         m_line.places.push_back({m_window, m_pointerX, m_pointerY});
-        m_telestrator->Move(Settings(), at);
+        m_telestrator->Move(Settings(), at, m_pressure);
     }
     RememberPosition(m_pointerX, m_pointerY);
 }

@@ -86,6 +86,7 @@ private:
     WindowSize m_window{-1, -1};  // as of the last field
     std::int32_t m_pointerX = 0;  // where the pointer is
     std::int32_t m_pointerY = 0;
+    double m_pressure = 1;      // of the pen there
     std::int32_t m_lastX = -1;  // where it was looked at last
     std::int32_t m_lastY = -1;
     bool m_isInsideStroke = false;

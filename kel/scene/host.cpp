@@ -196,7 +196,9 @@ void Host::AddImage(const std::string& name, const picture_io::Picture& picture)
     m_state->imageNames[name] = m_state->objects.Add(MakeImage(picture));
 }
 
-void Host::QueuePointer(PointerKind kind, std::int32_t x, std::int32_t y) { m_state->pointerQueue.Add({kind, x, y}); }
+void Host::QueuePointer(PointerKind kind, std::int32_t x, std::int32_t y, double pressure) {
+    m_state->pointerQueue.Add({kind, x, y, pressure});
+}
 
 void Host::SetParameter(ObjectId container, std::string_view name, const ParameterValue& value) {
     const Instance& instance = FindInstance(*m_state, container);

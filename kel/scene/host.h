@@ -84,8 +84,9 @@ public:
 
     // What the operator does. All of it waits for RunField: of the pointer at most one press or release is delivered in
     // a field, together with the moves before it; settings and buttons are delivered in their order.
-    //   x, y  window pixels, y from the top; may lie outside
-    void QueuePointer(PointerKind kind, std::int32_t x, std::int32_t y);
+    //   x, y      window pixels, y from the top; may lie outside
+    //   pressure  0.0 .. 1.0, noted in the histories of instances; modules have no word for it
+    void QueuePointer(PointerKind kind, std::int32_t x, std::int32_t y, double pressure = 1);
     // Throws when the container's module has no such parameter or the value is not within its limits.
     void SetParameter(ObjectId container, std::string_view name, const ParameterValue& value);
     void PushButton(ObjectId container, std::string_view name);

@@ -11,8 +11,9 @@ enum class PointerKind { Press, Move, Release };
 // One thing that the pointer does, and where.
 struct PointerStep {
     PointerKind kind = PointerKind::Move;
-    std::int32_t x = 0;  // window pixels, from the left; may lie outside
-    std::int32_t y = 0;  // window pixels, from the top
+    std::int32_t x = 0;   // window pixels, from the left; may lie outside
+    std::int32_t y = 0;   // window pixels, from the top
+    double pressure = 1;  // of a pen, 0.0 .. 1.0, for those who keep what the hand did; modules are not told
     friend bool operator==(const PointerStep&, const PointerStep&) = default;
 };
 

@@ -170,7 +170,7 @@ std::vector<std::string> Player::DeliverPendingChanges() {
 std::vector<std::string> Player::PlayField(Rendering rendering, int fieldsDue) {
     for (; m_nextPointer < m_pointer.size() && m_pointer[m_nextPointer].field == m_field; ++m_nextPointer) {
         const auto& [field, step, isStep] = m_pointer[m_nextPointer];
-        m_host.QueuePointer(step.kind, step.x, step.y);
+        m_host.QueuePointer(step.kind, step.x, step.y, step.pressure);
         if (!isStep) continue;
         m_host.SetDrawing(false);
         m_host.RunStep();

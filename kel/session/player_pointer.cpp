@@ -22,7 +22,7 @@ public:
         if (IsOver(field) || isBehind) ++field;
         if (field >= m_session.fields)
             Refuse(event, "has to wait for field " + std::to_string(field) + ", after the last one played");
-        Append(field, pointer.kind, pointer.at, pointer.isStep);
+        Append(field, pointer.kind, pointer.at, pointer.isStep, pointer.pressure);
     }
 
     void Add(const SessionEvent& event, const StrokeEvent& stroke) {
@@ -60,13 +60,14 @@ private:
                    "the pointer is busy with the stroke " + m_busyWith + " until field " + std::to_string(m_busyUntil));
     }
 
-    void Append(std::int64_t field, PointerKind kind, const SessionPoint& at, bool isStep = false) {
+    void Append(std::int64_t field, PointerKind kind, const SessionPoint& at, bool isStep = false,
+                double pressure = 1) {
         // Besides steps only a move can stand there in the same field, and the later position counts.
         if (!m_track.empty() && m_track.back().field == field && !m_track.back().isStep) m_track.pop_back();
-        m_track.push_back(
-            {field,
-             {kind, static_cast<std::int32_t>(std::lround(at.x)), static_cast<std::int32_t>(std::lround(at.y))},
-             isStep});
+        m_track.push_back({field,
+                           {kind, static_cast<std::int32_t>(std::lround(at.x)),
+                            static_cast<std::int32_t>(std::lround(at.y)), pressure},
+                           isStep});
     }
 
     const Session& m_session;

@@ -67,6 +67,7 @@ struct PointerEvent {
     PointerKind kind = PointerKind::Move;
     SessionPoint at;
     bool isStep = false;  // before the field's own, with a field callback of its own; presses and moves alone
+    double pressure = 1;  // of a pen, 0.0 .. 1.0
 };
 // A path drawn with the pressed pointer: pressed in the event's field, released `fields` later, at even speed.
 struct StrokeEvent {

@@ -105,6 +105,7 @@ struct EventDraft {
     std::int64_t fields = 1;
     bool curve = false;
     bool isStep = false;
+    double pressure = 1;
     std::optional<std::size_t> container;
     SessionPoint by;
     std::vector<SessionValue> parameters;
@@ -168,7 +169,7 @@ void ReadVideo(const cli::JsonNode& node, EventDraft& draft) {
 
 template <PointerKind kind>
 void ReadPointer(const cli::JsonNode& node, EventDraft& draft) {
-    draft.event.what = PointerEvent{kind, Point(node), draft.isStep};
+    draft.event.what = PointerEvent{kind, Point(node), draft.isStep, draft.pressure};
 }
 
 void ReadStroke(const cli::JsonNode& node, EventDraft& draft) {
@@ -198,10 +199,15 @@ constexpr EventKey containerKey = {"container", false, ReadContainerName<Thing>}
 constexpr EventKey stepKey = {"step", false,
                               [](const cli::JsonNode& node, EventDraft& draft) { draft.isStep = node.Truth(); }};
 
+constexpr EventKey pressureKey = {
+    "pressure", false, [](const cli::JsonNode& node, EventDraft& draft) { draft.pressure = node.Number(0, 1); }};
+
 constexpr auto pressKeys =
-    std::to_array<EventKey>({fieldKey, stepKey, {"press", true, ReadPointer<PointerKind::Press>}});
-constexpr auto moveKeys = std::to_array<EventKey>({fieldKey, stepKey, {"move", true, ReadPointer<PointerKind::Move>}});
-constexpr auto releaseKeys = std::to_array<EventKey>({fieldKey, {"release", true, ReadPointer<PointerKind::Release>}});
+    std::to_array<EventKey>({fieldKey, stepKey, pressureKey, {"press", true, ReadPointer<PointerKind::Press>}});
+constexpr auto moveKeys =
+    std::to_array<EventKey>({fieldKey, stepKey, pressureKey, {"move", true, ReadPointer<PointerKind::Move>}});
+constexpr auto releaseKeys =
+    std::to_array<EventKey>({fieldKey, pressureKey, {"release", true, ReadPointer<PointerKind::Release>}});
 constexpr auto strokeKeys = std::to_array<EventKey>({
     fieldKey,
     {"fields", true, [](const auto& node, auto& draft) { draft.fields = node.Integer(1, longest - 1); }},
@@ -369,7 +375,7 @@ void ReadContainers(const cli::JsonNode& node, Session& session) {
 
 void ReadEvents(const cli::JsonNode& node, Session& session) {
     for (const cli::JsonNode& element : node.Elements(0)) {
-        EventDraft draft{session.containers, {}, 1, false, false, {}, {}, {}, false};
+        EventDraft draft{session.containers, {}, 1, false, false, 1, {}, {}, {}, false};
         draft.event.place = element.Place();
         cli::ReadKeys<EventDraft>(element, KindOf(element).keys, draft);
         if (draft.event.LastField() >= longest) element.Refuse("ends after field " + std::to_string(longest - 1));

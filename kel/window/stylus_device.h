@@ -29,7 +29,8 @@ struct StylusDevice {
 [[nodiscard]] std::optional<StylusDevice> DescribeStylus(int id, std::string_view name,
                                                          std::span<const InputAxis> axes);
 
-// What a raw event says of the pressure, 0.0 .. 1.0. Nothing: it has not changed, or the device tells none.
+// What a raw event says of the pressure, 0.0 .. 1.0, to four decimals. Nothing: it has not changed, or the device tells
+// none.
 //   mask    a bit for each axis that has a value, the lowest first
 //   values  of those axes alone, in their order
 [[nodiscard]] std::optional<double> PressureIn(const StylusDevice& device, std::span<const unsigned char> mask,

@@ -56,8 +56,9 @@ private:
     void TakeEvents();
     void TakeForAll(const SDL_Event& event);
     void TakeEvent(const SDL_Event& event);
-    void TakePointer(PointerKind kind, std::int32_t x, std::int32_t y);
-    void BeginStroke();
+    void TakePointer(PointerKind kind, std::int32_t x, std::int32_t y, std::uint32_t device);
+    [[nodiscard]] StylusWatch::State PenOf(std::uint32_t device);
+    void BeginStroke(bool isEraser);
     void TakeWheel(const SDL_MouseWheelEvent& wheel);
     void Pan(const SDL_MouseMotionEvent& motion);
     void NoteStroke(PointerKind kind, const ScenePixel& at);

@@ -48,17 +48,18 @@ void WindowLoop::TakeEvent(const SDL_Event& event) {
             break;
         case SDL_MOUSEBUTTONDOWN:
             if (event.button.button == SDL_BUTTON_MIDDLE) m_isPanning = IsOnPicture(event.button.x, event.button.y);
-            if (event.button.button == SDL_BUTTON_LEFT) TakePointer(PointerKind::Press, event.button.x, event.button.y);
+            if (event.button.button == SDL_BUTTON_LEFT)
+                TakePointer(PointerKind::Press, event.button.x, event.button.y, event.button.which);
             break;
         case SDL_MOUSEBUTTONUP:
             if (event.button.button == SDL_BUTTON_MIDDLE) m_isPanning = false;
             if (event.button.button == SDL_BUTTON_LEFT)
-                TakePointer(PointerKind::Release, event.button.x, event.button.y);
+                TakePointer(PointerKind::Release, event.button.x, event.button.y, event.button.which);
             break;
         case SDL_MOUSEMOTION:
             if (m_isPanning) Pan(event.motion);
             ShowBrush(event.motion.x, event.motion.y);
-            TakePointer(PointerKind::Move, event.motion.x, event.motion.y);
+            TakePointer(PointerKind::Move, event.motion.x, event.motion.y, event.motion.which);
             break;
         case SDL_KEYDOWN:
             TakeKey(event.key);
@@ -74,25 +75,31 @@ void WindowLoop::TakeEvent(const SDL_Event& event) {
     }
 }
 
-void WindowLoop::BeginStroke() {
+// What a mouse's event comes from: a finger, which SDL names, is no pen.
+StylusWatch::State WindowLoop::PenOf(std::uint32_t device) {
+    return m_options.hasPen && device != SDL_TOUCH_MOUSEID ? m_stylus.Look() : StylusWatch::State();
+}
+
+void WindowLoop::BeginStroke(bool isEraser) {
     // What is being typed is over with the press, and takes hold before the stroke.
     if (ImGui::GetIO().WantTextInput) MakePanel();
-    if (m_options.hasPen) m_eraserEnd.Use(*m_workspace, m_stylus.Look().isEraser);
+    m_eraserEnd.Use(*m_workspace, isEraser);
     m_hasHelp = false;
     m_pen.Press(Clock::now());
 }
 
 // What begins on the picture belongs to it until the button is up, wherever the pointer goes.
-void WindowLoop::TakePointer(PointerKind kind, std::int32_t x, std::int32_t y) {
+void WindowLoop::TakePointer(PointerKind kind, std::int32_t x, std::int32_t y, std::uint32_t device) {
     const bool isOnPicture = IsOnPicture(x, y);
     const bool isHeld = m_isDrawing || m_chooser.IsDragging();
     if (!isHeld && (!isOnPicture || kind == PointerKind::Release)) return;
     if (m_chooser.IsOn()) return ChooseAt(kind, x, y);
-    if (kind == PointerKind::Press) BeginStroke();
+    const StylusWatch::State pen = PenOf(device);
+    if (kind == PointerKind::Press) BeginStroke(pen.isEraser);
     if (m_isDrawing) m_pen.Move(Clock::now());
     if (kind != PointerKind::Move) m_isDrawing = kind == PointerKind::Press;
     const ScenePixel at = SceneAt(m_painter.Picture(), m_workspace->TheHost().Window(), x, y);
-    m_workspace->Point(kind, at.x, at.y);
+    m_workspace->Point(kind, at.x, at.y, pen.pressure);
     NoteStroke(kind, at);
 }
 

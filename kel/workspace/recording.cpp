@@ -47,8 +47,11 @@ std::vector<std::string> NameContainers(ordered_json& containers) {
 ordered_json PointerJson(std::int64_t field, const PointerStep& step) {
     constexpr std::int32_t farthest = 100'000;  // what a session takes
     const char* kind = step.kind == PointerKind::Press ? "press" : step.kind == PointerKind::Move ? "move" : "release";
-    return {{"field", field},
-            {kind, {std::clamp(step.x, -farthest, farthest), std::clamp(step.y, -farthest, farthest)}}};
+    ordered_json event{{"field", field},
+                       {kind, {std::clamp(step.x, -farthest, farthest), std::clamp(step.y, -farthest, farthest)}}};
+    constexpr double full = 1;
+    if (step.pressure < full) event["pressure"] = step.pressure;
+    return event;
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "kel/workspace/workspace.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "cli/error.h"
@@ -90,15 +91,16 @@ void Workspace::PlaySession(std::chrono::milliseconds atMost) {
     }
 }
 
-void Workspace::Point(PointerKind kind, std::int32_t x, std::int32_t y) {
+void Workspace::Point(PointerKind kind, std::int32_t x, std::int32_t y, double pressure) {
     if (IsPlayingSession()) return;
     const PointerStep step{kind, std::clamp(x, -farthestPixel, farthestPixel),
-                           std::clamp(y, -farthestPixel, farthestPixel)};
+                           std::clamp(y, -farthestPixel, farthestPixel),
+                           std::isnan(pressure) ? 1 : std::clamp(pressure, 0.0, 1.0)};
     const bool waits = !m_heldPointer.empty() || (kind == PointerKind::Press && !m_pendingChanges.empty());
     if (waits)
         m_heldPointer.push_back(step);
     else
-        m_host->QueuePointer(step.kind, step.x, step.y);
+        m_host->QueuePointer(step.kind, step.x, step.y, step.pressure);
 }
 
 void Workspace::Set(std::size_t parameter, const ParameterValue& value) {
@@ -231,7 +233,8 @@ void Workspace::PlayField(int fieldsDue) {
         if (Record(field, changes, isOtherPicture) || (isOtherPicture && !plays)) m_lastChange = NextField();
     }
     // A field delivers its press before what is set in it.
-    for (const PointerStep& step : std::exchange(m_heldPointer, {})) m_host->QueuePointer(step.kind, step.x, step.y);
+    for (const PointerStep& step : std::exchange(m_heldPointer, {}))
+        m_host->QueuePointer(step.kind, step.x, step.y, step.pressure);
 }
 
 void Workspace::NotePressed() {

@@ -72,8 +72,9 @@ public:
 
     // The operator. All of it takes effect in the next field; a press, and what the pointer does after it, in the one
     // after what was set and pushed before it.
-    //   x, y  pixels of the scene's window
-    void Point(PointerKind kind, std::int32_t x, std::int32_t y);
+    //   x, y      pixels of the scene's window
+    //   pressure  of a pen, 0.0 .. 1.0, for recording and journal; kept within that, NaN is full
+    void Point(PointerKind kind, std::int32_t x, std::int32_t y, double pressure = 1);
     // Of the chosen plug-in, which is there; `parameter` is the index in the order of registration. Throws Error when
     // the value is not taken, or is the path of an image that cannot be read.
     void Set(std::size_t parameter, const ParameterValue& value);

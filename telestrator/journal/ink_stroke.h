@@ -53,9 +53,9 @@ enum class HandEvent : std::uint8_t {
 
 struct HandSample {
     HandEvent event = HandEvent::Press;
-    std::int64_t field = 0;  // whose picture shows it, from the start of the journal
-    CanvasPosition at;       // of a lift: without meaning
-    double pressure = 1.0;
+    std::int64_t field = 0;      // whose picture shows it, from the start of the journal
+    CanvasPosition at;           // of a lift: without meaning
+    double pressure = 1.0;       // of the pen, 0.0 .. 1.0; the telestrator paints at full pressure whatever it is
     std::uint32_t settings = 0;  // index into the stroke's settings
 };
 

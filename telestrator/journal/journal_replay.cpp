@@ -22,14 +22,23 @@ StrokeStage StageOf(HandEvent event) {
 
 JournalReplay::JournalReplay(const std::vector<JournalRecord>& records, Pace pace) : records_(records) {
     for (std::size_t i = 0; i < records_.size(); ++i) {
-        const JournalRecord& record = records_[i];
-        const std::size_t samples = record.kind == RecordKind::Stroke ? record.strokes.front()->hand.size() : 0;
-        for (std::size_t sample = 0; sample < samples; ++sample)
-            Add(record.strokes.front()->hand[sample].field, {0, i, sample, true});
-        Add(record.field, {0, i, 0, false});
+        if (records_[i].kind == RecordKind::Stroke) AddHand(i);
+        Add(records_[i].field, {0, i, 0, false});
     }
     if (pace == Pace::Even) MakeEven();
     pen_.SetTarget(&canvas_);
+}
+
+// How hard the pen was pressed is not how the brush painted, which the steps say where they are the hand's.
+void JournalReplay::AddHand(std::size_t record) {
+    const InkStroke& stroke = *records_[record].strokes.front();
+    const bool areSteps = stroke.finishedFrom > 0 && IsPaintedAsHand(stroke);
+    std::size_t step = 0;
+    for (std::size_t sample = 0; sample < stroke.hand.size(); ++sample) {
+        Event event{0, record, sample, true};
+        if (areSteps && stroke.hand[sample].event != HandEvent::Lift) event.pressure = stroke.steps[step++].pressure;
+        Add(stroke.hand[sample].field, event);
+    }
 }
 
 const HandSample* JournalReplay::SampleOf(const Event& event) const {
@@ -72,17 +81,18 @@ Rect JournalReplay::PlayTo(std::int64_t field) {
     return changed;
 }
 
-Rect JournalReplay::PaintSample(const InkStroke& stroke, std::size_t sample) {
-    const HandSample& hand = stroke.hand[sample];
+Rect JournalReplay::PaintSample(const Event& event) {
+    const InkStroke& stroke = *records_[event.record].strokes.front();
+    const HandSample& hand = stroke.hand[event.sample];
     if (hand.event == HandEvent::Lift) return {};
     return pen_.Paint(BrushOfHand(stroke.settings[hand.settings].settings), StageOf(hand.event), hand.at,
-                      hand.pressure);
+                      event.pressure);
 }
 
 Rect JournalReplay::Play(const Event& event) {
     const JournalRecord& record = records_[event.record];
     if (event.isHand) {
-        const Rect painted = PaintSample(*record.strokes.front(), event.sample);
+        const Rect painted = PaintSample(event);
         hand_ = hand_.Union(painted);
         return painted;
     }

@@ -39,12 +39,14 @@ private:
         std::size_t record = 0;
         std::size_t sample = 0;
         bool isHand = false;
+        double pressure = 1.0;  // that the sample was painted with
     };
 
+    void AddHand(std::size_t record);
     void Add(std::int64_t field, Event event);
     [[nodiscard]] const HandSample* SampleOf(const Event& event) const;
     void MakeEven();
-    Rect PaintSample(const InkStroke& stroke, std::size_t sample);
+    Rect PaintSample(const Event& event);
     Rect Play(const Event& event);
 
     const std::vector<JournalRecord>& records_;

@@ -22,7 +22,8 @@ bool JournaledTelestrator::MakeDrawing() noexcept {
     return inner_.memory.Run([&] { drawing_ = std::make_unique<InkDrawing>(*inner_.shapeSurface->canvas); });
 }
 
-Rect JournaledTelestrator::Press(const TelestratorSettings& settings, const CanvasPosition& position) noexcept {
+Rect JournaledTelestrator::Press(const TelestratorSettings& settings, const CanvasPosition& position,
+                                 double pressure) noexcept {
     if (!drawing_ || !IsPaintable(position.x, position.y)) return {};
     Commit();
     if (IsWaiting() && !IsJoined(settings)) KeepAsDrawn();
@@ -32,22 +33,24 @@ Rect JournaledTelestrator::Press(const TelestratorSettings& settings, const Canv
     }
     lastSettings_ = WithoutRing(settings);
     pointerDown_ = true;
-    log_.Hand(HandEvent::Press, {lastSettings_, inner_.aspect}, position);
+    log_.Hand(HandEvent::Press, {lastSettings_, inner_.aspect}, position, pressure);
     return inner_.Press(lastSettings_, position);
 }
 
-Rect JournaledTelestrator::Move(const TelestratorSettings& settings, const CanvasPosition& position) noexcept {
+Rect JournaledTelestrator::Move(const TelestratorSettings& settings, const CanvasPosition& position,
+                                double pressure) noexcept {
     if (!pointerDown_ || !IsPaintable(position.x, position.y)) return {};
     lastSettings_ = WithoutRing(settings);
-    log_.Hand(HandEvent::Move, {lastSettings_, inner_.aspect}, position);
+    log_.Hand(HandEvent::Move, {lastSettings_, inner_.aspect}, position, pressure);
     return inner_.Move(lastSettings_, position);
 }
 
-Rect JournaledTelestrator::Release(const TelestratorSettings& settings, const CanvasPosition& position) noexcept {
+Rect JournaledTelestrator::Release(const TelestratorSettings& settings, const CanvasPosition& position,
+                                   double pressure) noexcept {
     if (!pointerDown_) return {};
     lastSettings_ = WithoutRing(settings);
     const HandEvent event = IsPaintable(position.x, position.y) ? HandEvent::Release : HandEvent::Lift;
-    log_.Hand(event, {lastSettings_, inner_.aspect}, position);
+    log_.Hand(event, {lastSettings_, inner_.aspect}, position, pressure);
     const Rect changed = inner_.Release(lastSettings_, position);
     pointerDown_ = false;
     if (!lastSettings_.recogniseShapes) KeepAsDrawn();

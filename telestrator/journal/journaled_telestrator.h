@@ -48,10 +48,10 @@ public:
     // The sink is borrowed; null: nobody is told.
     explicit JournaledTelestrator(JournalSink* sink = nullptr) : sink_(sink) {}
 
-    // As those of `Telestrator`.
-    Rect Press(const TelestratorSettings& settings, const CanvasPosition& position) noexcept;
-    Rect Move(const TelestratorSettings& settings, const CanvasPosition& position) noexcept;
-    Rect Release(const TelestratorSettings& settings, const CanvasPosition& position) noexcept;
+    // As those of `Telestrator`. How hard the pen is pressed, 0.0 .. 1.0, is kept and changes no pixel.
+    Rect Press(const TelestratorSettings& settings, const CanvasPosition& position, double pressure = 1.0) noexcept;
+    Rect Move(const TelestratorSettings& settings, const CanvasPosition& position, double pressure = 1.0) noexcept;
+    Rect Release(const TelestratorSettings& settings, const CanvasPosition& position, double pressure = 1.0) noexcept;
     bool Field(const TelestratorSettings& settings) noexcept;
     bool Commit() noexcept;
     [[nodiscard]] Telestrator::Change TakeChange() noexcept;

@@ -1,6 +1,7 @@
 #include "telestrator/journal/stroke_capture_log.h"
 
 #include <algorithm>
+#include <cmath>
 #include <new>
 
 namespace chalkpane {
@@ -45,9 +46,11 @@ std::uint32_t StrokeCaptureLog::BrushIndex(const TelestratorSurface& surface) {
     return index;
 }
 
-void StrokeCaptureLog::Hand(HandEvent event, const HandSettings& settings, const CanvasPosition& at) noexcept {
+void StrokeCaptureLog::Hand(HandEvent event, const HandSettings& settings, const CanvasPosition& at,
+                            double pressure) noexcept {
     constexpr double fullPressure = 1.0;
-    Note([&] { stroke_.hand.push_back({event, field, at, fullPressure, SettingsIndex(settings)}); });
+    const double kept = std::isnan(pressure) ? fullPressure : std::clamp(pressure, 0.0, fullPressure);
+    Note([&] { stroke_.hand.push_back({event, field, at, kept, SettingsIndex(settings)}); });
 }
 
 void StrokeCaptureLog::ForgetPainted() noexcept {

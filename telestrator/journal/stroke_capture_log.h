@@ -18,7 +18,8 @@ public:
     [[nodiscard]] bool IsOpen() const { return isOpen_; }
     [[nodiscard]] bool IsLost() const { return isLost_; }
 
-    void Hand(HandEvent event, const HandSettings& settings, const CanvasPosition& at) noexcept;
+    // pressure: kept within 0.0 .. 1.0; NaN is full.
+    void Hand(HandEvent event, const HandSettings& settings, const CanvasPosition& at, double pressure) noexcept;
     // A field comes: what it paints is what the stroke becomes.
     void BeforeField() noexcept { finishedFrom_ = shapeSteps_.size(); }
     // What was painted of it so far is no longer there; what it becomes will be.

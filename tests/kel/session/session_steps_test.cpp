@@ -1,6 +1,7 @@
 #include <doctest/doctest.h>
 
 #include "kel/session/player_pointer.h"
+#include "tests/cli/thrown.h"
 
 namespace kel {
 namespace {
@@ -24,6 +25,27 @@ TEST_CASE("Steps all stand before what their field has, and one behind that wait
                                                {6, {PointerKind::Move, 4, 4}, true},
                                                {6, {PointerKind::Release, 5, 5}, false}};
     CHECK_EQ(track == wanted, true);
+}
+
+TEST_CASE("A pen's pressure goes with its press, moves and release, and is full where it is not said") {
+    const auto track = TrackOf(R"([{"field": 5, "press": [1, 1], "pressure": 0.25},
+        {"field": 6, "step": true, "pressure": 0, "move": [2, 2]}, {"field": 6, "move": [3, 3]},
+        {"field": 7, "release": [5, 5], "pressure": 1}])");
+    const std::vector<TimedPointerStep> wanted{{5, {PointerKind::Press, 1, 1, 0.25}, false},
+                                               {6, {PointerKind::Move, 2, 2, 0}, true},
+                                               {6, {PointerKind::Move, 3, 3, 1}, false},
+                                               {7, {PointerKind::Release, 5, 5, 1}, false}};
+    CHECK_EQ(track == wanted, true);
+}
+
+TEST_CASE("A pressure beyond its limits is refused in one line") {
+    for (const char* pressure : {"-0.001", "1.001", "1e308", "\"hard\"", "null"}) {
+        const std::string event = R"({"field": 5, "press": [1, 1], "pressure": )" + std::string(pressure) + "}";
+        const std::string refusal = cli::testing::Thrown([&] { (void)TrackOf("[" + event + "]"); });
+        CAPTURE(refusal);
+        CHECK_EQ(refusal.starts_with("steps.json: /events/0/pressure: must be a number"), true);
+        CHECK_EQ(refusal.find('\n'), std::string::npos);
+    }
 }
 
 }  // namespace kel

@@ -77,6 +77,30 @@ TEST_CASE("a journal cut off at any byte holds everything up to its last whole r
     }
 }
 
+TEST_CASE("a record that is torn in a pen's pressure is left out, and those before it keep theirs") {
+    const cli::testing::TemporaryFolder folder;
+    const std::filesystem::path file = folder.Path() / "pen.journal";
+    {
+        JournalFile journal(file);
+        JournaledTelestrator telestrator(&journal);
+        telestrator.Field({});
+        for (const double y : {100.0, 200.0}) {
+            telestrator.Press({}, {100, y}, 0.375);
+            telestrator.Release({}, {300, y}, 0.625);
+        }
+    }
+    std::string text = TextOf(file);
+    text.resize(text.rfind("0.625") + 3);
+    WriteText(file, text);
+    const ReadJournal read = ReadJournalFile(file);
+    REQUIRE_EQ(read.error, "");
+    REQUIRE_EQ(read.records.size(), 1);
+    const InkStroke& stroke = *read.records.front().strokes.front();
+    REQUIRE_EQ(stroke.hand.size(), 2);
+    CHECK_EQ(stroke.hand[0].pressure, 0.375);
+    CHECK_EQ(stroke.hand[1].pressure, 0.625);
+}
+
 TEST_CASE("what is no journal is refused with its line, and a file that is none is left as it is") {
     const auto errorOf = [](std::string_view text) { return ParseJournal(text).error; };
     CHECK_EQ(errorOf(""), "line 1: a journal begins with \"chalkpane-journal 1\"");

@@ -2,7 +2,9 @@
 
 #include <doctest/doctest.h>
 
+#include <limits>
 #include <string>
+#include <utility>
 
 #include "tests/telestrator/journal/random_session.h"
 
@@ -42,6 +44,48 @@ TEST_CASE("a stroke's record says where it lies, what was set, what the hand did
     const std::string wanted =
         "2 stroke 1 raw 91 91 109 109 " + settings + " paint 5 0 0 0 p 1 100 100 1 r 2 100 100 1 end";
     CHECK_EQ(list.lines.front(), wanted);
+}
+
+TEST_CASE("a pen's pressure is the hand's, and what is painted stays at full pressure") {
+    RecordList list;
+    JournaledTelestrator telestrator(&list);
+    JournaledTelestrator plain;
+    for (JournaledTelestrator* each : {&telestrator, &plain}) each->Field({});
+    telestrator.Press({}, {100, 100}, 0.25);
+    telestrator.Field({});
+    telestrator.Release({}, {100, 100}, 0.5);
+    plain.Press({}, {100, 100});
+    plain.Field({});
+    plain.Release({}, {100, 100});
+    REQUIRE_EQ(list.lines.size(), 1);
+    const std::string wanted = "2 stroke 1 raw 91 91 109 109 " + settings +
+                               " p 1 100 100 0.25 r 2 100 100 0.5 instead paint 5 0 0 0 b 100 100 1 e 100 100 1 end";
+    CHECK_EQ(list.lines.front(), wanted);
+    CHECK(CanvasOf(telestrator) == CanvasOf(plain));
+    const ParsedRecord parsed = ParseRecord(wanted);
+    REQUIRE(parsed.record);
+    CHECK_EQ(RecordText(*parsed.record), wanted);
+    JournaledTelestrator read;
+    read.Field({});
+    REQUIRE(read.Apply(*parsed.record));
+    CHECK(CanvasOf(read) == CanvasOf(plain));
+}
+
+TEST_CASE("whatever pressure a pen tells, what is written of it can be read") {
+    const double nothing = std::numeric_limits<double>::quiet_NaN();
+    const double endless = std::numeric_limits<double>::infinity();
+    for (const auto& [told, kept] :
+         {std::pair{nothing, 1.0}, {endless, 1.0}, {-endless, 0.0}, {-0.5, 0.0}, {1e300, 1.0}}) {
+        RecordList list;
+        JournaledTelestrator telestrator(&list);
+        telestrator.Field({});
+        telestrator.Press({}, {100, 100}, told);
+        telestrator.Release({}, {100, 100}, told);
+        REQUIRE_EQ(list.lines.size(), 1);
+        const ParsedRecord parsed = ParseRecord(list.lines.front());
+        REQUIRE(parsed.record);
+        for (const HandSample& sample : parsed.record->strokes.front()->hand) CHECK_EQ(sample.pressure, kept);
+    }
 }
 
 TEST_CASE("what is read from a record is written as the same record") {
@@ -128,6 +172,9 @@ TEST_CASE("a stroke's numbers are held to what can be") {
     CHECK_EQ(ErrorOf(Altered("p 0 100", "p 0 1x")), "word 31, \"1x\", is not a position on the canvas");
     CHECK_EQ(ErrorOf(Altered("p 0", "p -1")), "word 30, \"-1\", is not a field");
     CHECK_EQ(ErrorOf(Altered("100 1 r", "100 1.5 r")), "word 33, \"1.5\", is not a pressure, 0 to 1");
+    CHECK_EQ(ErrorOf(Altered("100 1 r", "100 -0.1 r")), "word 33, \"-0.1\", is not a pressure, 0 to 1");
+    CHECK_EQ(ErrorOf(Altered("100 1 r", "100 nan r")), "word 33, \"nan\", is not a pressure, 0 to 1");
+    CHECK_EQ(ErrorOf(Altered("100 1 r", "100 1e999 r")), "word 33, \"1e999\", is not a pressure, 0 to 1");
     CHECK_EQ(ErrorOf(Altered("paint 5 0", "paint 5 16384")),
              "word 26, \"16384\", is not a part of a colour, 0 to 16383");
     CHECK_EQ(ErrorOf(Altered("set 0 5 10 4026531840 0", "set 0 5 10 4026531840 2")), "word 14, \"2\", is not 0 or 1");

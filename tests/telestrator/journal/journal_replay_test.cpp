@@ -2,6 +2,7 @@
 
 #include <doctest/doctest.h>
 
+#include <array>
 #include <cstring>
 
 #include "tests/telestrator/journal/random_session.h"
@@ -50,6 +51,40 @@ TEST_CASE("a replay shows in every field what was seen in it") {
         }
         CAPTURE(seed);
         CHECK(isSame);
+    }
+}
+
+TEST_CASE("a replay shows the same in every field, however hard the pen was pressed") {
+    for (const bool recognises : {false, true}) {
+        TelestratorSettings settings;
+        settings.recogniseShapes = recognises;
+        settings.shapeDelay = 3;
+        std::array<KeptRecords, 2> lists;
+        for (std::size_t pen = 0; pen < lists.size(); ++pen) {
+            const auto pressure = [&](int sample) { return pen == 0 ? 1.0 : 0.125 * sample; };
+            JournaledTelestrator telestrator(&lists[pen]);
+            testing::PassField(telestrator, settings);
+            telestrator.Press(settings, {100, 100}, pressure(0));
+            for (int i = 1; i < 8; ++i) {
+                telestrator.Move(settings, {100.0 + 40 * i, 100.0 + 3 * i * i}, pressure(i));
+                testing::PassField(telestrator, settings);
+            }
+            telestrator.Release(settings, {420, 300}, pressure(8));
+            for (int i = 0; i < 6; ++i) testing::PassField(telestrator, settings);
+        }
+        REQUIRE_EQ(lists[1].records.size(), 1);
+        CHECK_EQ(lists[1].records.front().strokes.front()->hand[3].pressure, 0.375);  // 3 * 0.125
+        JournalReplay full(lists[0].records);
+        JournalReplay pressed(lists[1].records);
+        REQUIRE_EQ(pressed.LastField(), full.LastField());
+        for (std::int64_t field = 0; field <= full.LastField(); ++field) {
+            full.PlayTo(field);
+            pressed.PlayTo(field);
+            CAPTURE(field);
+            const auto bytes =
+                static_cast<std::size_t>(full.Canvas().Width()) * 4 * static_cast<std::size_t>(full.Canvas().Height());
+            CHECK_EQ(std::memcmp(full.Canvas().origin, pressed.Canvas().origin, bytes), 0);
+        }
     }
 }
 
