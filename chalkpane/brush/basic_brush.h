@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "chalkpane/brush/brush_choices.h"
+#include "chalkpane/brush/small_dab_stretch.h"
 #include "chalkpane/brush/spline_iterator.h"
 #include "chalkpane/image/image.h"
 #include "chalkpane/image/rect.h"
@@ -189,6 +190,9 @@ private:
     [[nodiscard]] SettledTiles* TilesOfPlainDabs(bool erases) const;
     [[nodiscard]] SmallDabTarget TargetOfSmallDabs() const;
     bool PaintSmallDab(const SmallDabTarget& canvas, const StrokePoint& place, Rect& changed) const;
+    [[nodiscard]] std::int32_t OpacityOfStretch(double pressureFactor) const;
+    std::int32_t PaintBlocks(const SmallDabStretch& blocks, const SplineSearch& search, std::int32_t opacityOfAll,
+                             double pressureFactor, SmallDabStretch::Progress& progress);
     void PaintNextPlainDab(const StrokePoint& place, Rect& changed);
     void FadeOpacity();
     Rect PaintOnTarget(Dab& dab);

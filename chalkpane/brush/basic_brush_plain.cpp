@@ -6,6 +6,7 @@
 #include "chalkpane/composite/brush_paster_rows.h"
 #include "chalkpane/composite/settled_tiles.h"
 
+#include <algorithm>
 #include <cmath>
 #include <new>
 
@@ -80,11 +81,41 @@ void BasicBrush::PaintNextPlainDab(const StrokePoint& place, Rect& changed) {
     }
 }
 
+// The opacity of every dab of the stretch; below 0 where they may differ.
+std::int32_t BasicBrush::OpacityOfStretch(double pressureFactor) const {
+    // A pressure is a mean of the samples' ones, but for the rounding of its weights.
+    constexpr double rounding = 1e-6;
+    using F = PixelFormat8;
+    const auto [least, greatest] = std::ranges::minmax(history.Pressures());
+    if (decay != 0.0 || !(least >= 0.0F)) return -1;
+    const auto opacityAt = [&](double pressure) {
+        return IntegerOpacity(currentOpacity * (pressure * pressureFactor), pasteOpacityFactor<F>, F::fullScale);
+    };
+    const std::int32_t lowest = opacityAt(double{least} * (1.0 - rounding));
+    return lowest == opacityAt(double{greatest} * (1.0 + rounding)) ? lowest : -1;
+}
+
+// Goes on from the progress's step with dabs that are blocks at one opacity. Returns the step of the first that is
+// none, which is not painted, or `SplineIterator::steps`.
+std::int32_t BasicBrush::PaintBlocks(const SmallDabStretch& blocks, const SplineSearch& search,
+                                     std::int32_t opacityOfAll, double pressureFactor,
+                                     SmallDabStretch::Progress& progress) {
+    progress.lastX = lastDabX;
+    progress.lastY = lastDabY;
+    blocks.Paint(search, opacityOfAll, progress);
+    paintedDabs += static_cast<std::uint64_t>(progress.dabs);
+    if (progress.dabs != 0) PlaceUnpaintedDab(history.PointAt(progress.lastStep), pressureFactor);
+    return progress.step;
+}
+
 // Where the spacing is the same in all directions, and no dab is pending.
 Rect BasicBrush::PaintEvenStretch(double squaredSpacing, double pressureFactor, bool& painted) {
     const SplineSearch search(history, squaredSpacing);
     const bool isPlain = PaintsPlainDabs();
     const SmallDabTarget small = isPlain ? TargetOfSmallDabs() : SmallDabTarget();
+    const std::int32_t opacityOfAll = small.origin != nullptr ? OpacityOfStretch(pressureFactor) : -1;
+    const SmallDabStretch blocks =
+        opacityOfAll >= 0 ? SmallDabStretch(small, colourSource->AllSmallMasks()) : SmallDabStretch();
     Rect changed;
     bool missed = Misses({lastDabX, lastDabY, 0});  // so the next ones may as well
     bool followsDab = false;
@@ -95,7 +126,17 @@ Rect BasicBrush::PaintEvenStretch(double squaredSpacing, double pressureFactor, 
             followsDab = followsDab || passed != step;
             step = passed;
         }
-        step = followsDab ? search.NextBeyond(step, lastDabX, lastDabY) : search.FirstBeyond(step, lastDabX, lastDabY);
+        if (!missed && blocks.HoldsAny()) {
+            SmallDabStretch::Progress progress;
+            progress.step = step;
+            progress.followsDab = followsDab;
+            step = PaintBlocks(blocks, search, opacityOfAll, pressureFactor, progress);
+            painted = painted || progress.dabs != 0;
+            changed = changed.Union(progress.changed);
+        } else {
+            step =
+                followsDab ? search.NextBeyond(step, lastDabX, lastDabY) : search.FirstBeyond(step, lastDabX, lastDabY);
+        }
         if (step >= SplineIterator::steps) break;
         StrokePoint place = history.PointAt(step);
         missed = Misses(place);

@@ -57,6 +57,7 @@ public:
 
     [[nodiscard]] const SplineSamples& Xs() const { return xs; }
     [[nodiscard]] const SplineSamples& Ys() const { return ys; }
+    [[nodiscard]] const SplineSamples& Pressures() const { return pressures; }
     [[nodiscard]] SplineStepBounds StepBounds() const;
 
     // The last of the steps that a `SplineSearch` finds when each one found becomes, narrowed to floats, the point to

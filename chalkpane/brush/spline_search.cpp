@@ -29,6 +29,17 @@ std::int32_t SplineSearch::NextBeyond(std::int32_t step, float x, float y) const
     return FirstBeyond(step, x, y);
 }
 
+// A point is a mean of the samples, but for the rounding of its weights.
+std::int32_t SplineSearch::StepsWithoutDab() const {
+    const auto farthest = [](const SplineSamples& samples) {
+        const auto [least, greatest] = std::minmax({samples[0], samples[1], samples[2], samples[3]});
+        return std::max(std::abs(double{least}), std::abs(double{greatest}));
+    };
+    const double spare = (surely_ - 6.2e-8 * (farthest(xs_) + farthest(ys_))) / bounds_.perStep;
+    if (spare >= SplineIterator::steps) return SplineIterator::steps;
+    return spare > 0.0 ? static_cast<std::int32_t>(spare) : 0;
+}
+
 std::int32_t SplineSearch::FirstBeyondPlain(std::int32_t step, float x, float y) const {
     const double worthIt = surely_ - 2 * bounds_.perStep;
     const double squaredWorthIt = worthIt > 0.0 ? worthIt * worthIt : -1.0;

@@ -12,6 +12,11 @@ namespace chalkpane {
 // Made anew for each curve, on the stack; borrows nothing.
 class SplineSearch {
 public:
+    struct Place {
+        double x = 0.0;
+        double y = 0.0;
+    };
+
     // squaredLimit: of the spacing. One that is NaN is never exceeded.
     SplineSearch(const SplineIterator& spline, double squaredLimit);
 
@@ -20,9 +25,17 @@ public:
     [[nodiscard]] std::int32_t FirstBeyond(std::int32_t step, float x, float y) const;
     // The same where (x, y) is the point of the step before `step`, narrowed to floats, as it is after a dab.
     [[nodiscard]] std::int32_t NextBeyond(std::int32_t step, float x, float y) const;
+    // So many steps after any dab on the curve there is surely none.
+    [[nodiscard]] std::int32_t StepsWithoutDab() const;
+
+    [[nodiscard]] Place PlaceAt(std::int32_t step) const {
+        const SplineWeights& weights = splineWeights.ofStep[static_cast<std::size_t>(step)];
+        return {BlendSamples(weights, xs_), BlendSamples(weights, ys_)};
+    }
 
 private:
     friend struct SplineSearchAvx2;
+    friend class SmallDabStretch;
 
     [[nodiscard]] std::int32_t FirstBeyondPlain(std::int32_t step, float x, float y) const;
 

@@ -11,19 +11,16 @@ bool SmallMask8::Take(const Image& mask) {
     rect = mask.Bounds();
     if (!mask.IsMask() || mask.GetDepth() != Depth::Eight || rect.Width() > side || rect.Height() > side) return false;
     for (std::int32_t y = rect.y0; y <= rect.y1; ++y) {
-        std::size_t at = lead;
+        Row& row = rows[static_cast<std::size_t>(rect.y1 - y)];
+        std::size_t at = 0;
         for (const std::uint32_t m : mask.Row8(y).first(static_cast<std::size_t>(rect.Width())))
-            rows[static_cast<std::size_t>(rect.y1 - y)][at++] = (m + (m >> 7)) * 0x10001U;
+            for (int channel = 0; channel < 4; ++channel) row[at++] = static_cast<std::uint16_t>(m + (m >> 7));
     }
     return true;
 }
 
 SmallDabTarget SmallDabTarget::Of(const Image& canvas, std::uint32_t pixel) {
-    constexpr std::uintptr_t registerBytes = 16;
-    const auto first = reinterpret_cast<std::uintptr_t>(canvas.origin);
-    const auto rowBytes = static_cast<std::uintptr_t>(canvas.rowBytes);
     if (canvas.IsMask() || canvas.GetDepth() != Depth::Eight || !canvas.IsValid()) return {};
-    if (first % 4 != 0 || rowBytes % registerBytes != 0) return {};
     return {reinterpret_cast<std::uint8_t*>(canvas.origin), canvas.rowBytes, canvas.Bounds(), pixel};
 }
 
@@ -32,12 +29,9 @@ void SmallColourOver8Plain(const SmallDabTarget& target, const SmallMask8& mask,
     const auto source = std::bit_cast<std::array<std::uint8_t, 4>>(target.pixel);
     std::uint8_t* row = target.At(left, top);
     for (const SmallMask8::Row& weights : mask.rows) {
-        for (std::size_t x = 0; x < SmallMask8::side; ++x) {
-            const std::int32_t w = static_cast<std::int32_t>(weights[SmallMask8::lead + x] & 0xffffU) * opacity;
-            if (w == 0) continue;
-            std::uint8_t* const d = row + 4 * x;
-            for (std::size_t c = 0; c < 4; ++c)
-                d[c] = static_cast<std::uint8_t>((source[c] * w + d[c] * (65536 - w)) >> 16);
+        for (std::size_t i = 0; i < weights.size(); ++i) {
+            const std::int32_t w = weights[i] * opacity;
+            row[i] = static_cast<std::uint8_t>((source[i % 4] * w + row[i] * (65536 - w)) >> 16);
         }
         row += target.rowBytes;
     }

@@ -13,10 +13,9 @@ namespace chalkpane {
 struct SmallMask8 {
     static constexpr std::int32_t side = 4;
 
-    // The top row first. A mask value m as the weight m + (m >> 7), in both halves of a word, with room on both sides
-    // so that eight may be read with the first of them anywhere in the lower four; 0 beyond the mask.
-    static constexpr std::size_t lead = 3;
-    using Row = std::array<std::uint32_t, lead + 8>;
+    // The top row first. A mask value m as the weight m + (m >> 7), for each of the four channels of a pixel; 0 beyond
+    // the mask.
+    using Row = std::array<std::uint16_t, std::size_t{4} * side>;
     std::array<Row, side> rows{};
     Rect rect;  // the mask's own
 
@@ -31,17 +30,17 @@ struct SmallDabTarget {
     Rect rect;
     std::uint32_t pixel = 0;  // as its four channels lie in memory, alpha 255
 
-    // Null in `origin`: the canvas is of another kind, or its rows do not begin where the registers want them to.
+    // Null in `origin`: the canvas is of another kind.
     static SmallDabTarget Of(const Image& canvas, std::uint32_t pixel);
 
     [[nodiscard]] std::uint8_t* At(std::int32_t x, std::int32_t y) const {
         return origin + (rect.y1 - y) * rowBytes + 4 * std::ptrdiff_t{x - rect.x0};
     }
 
-    // True: the block of a mask at that place lies in the canvas, with all that is read and written around it.
+    // True: the whole block of a mask at that place lies in the canvas.
     [[nodiscard]] bool Holds(const Rect& mask) const {
-        return mask.x0 - SmallMask8::side >= rect.x0 && mask.x0 + 2 * SmallMask8::side <= rect.x1 &&
-               mask.y1 - SmallMask8::side >= rect.y0 && mask.y1 <= rect.y1;
+        constexpr std::int32_t last = SmallMask8::side - 1;
+        return mask.x0 >= rect.x0 && mask.x0 <= rect.x1 - last && mask.y1 - last >= rect.y0 && mask.y1 <= rect.y1;
     }
 };
 

@@ -52,6 +52,18 @@ public:
     // The base mask; null where the shape has no pixels, is beyond `maximumRadius`, or there is no memory for it.
     [[nodiscard]] virtual std::unique_ptr<Image> MakeMask(const DabShape& shape) const;
 
+    // Which eighth of a pixel a coordinate asks for. KEEP: half a pixel is added to what follows the truncation, so
+    // that a whole coordinate takes the copy of four eighths, and the half takes eight eighths, which is the unshifted
+    // one.
+    [[nodiscard]] static std::size_t Eighth(double coordinate) {
+        const double fraction = coordinate + 0.5 - static_cast<std::int32_t>(coordinate);
+        return static_cast<std::size_t>(std::abs(static_cast<std::int32_t>(fraction * 8))) % 8;
+    }
+    // True: the matrix leaves places as they are.
+    [[nodiscard]] bool KeepsPlaces() const { return matrix == Matrix3(); }
+    // From a dab's place to where the coordinates of its mask begin.
+    [[nodiscard]] Point2 Offset() const { return {offsetX, offsetY}; }
+
     // Not owned; null when it could not be made.
     [[nodiscard]] const Image* BaseMask() const { return masks ? masks->baseMask.get() : nullptr; }
     // j, i: eighths of a pixel in x and y, 0 .. 7.
@@ -67,14 +79,6 @@ protected:
     void IdentifyContent(ProfileKey key) { content = std::move(key); }
 
 private:
-    // Which eighth of a pixel a coordinate asks for. KEEP: half a pixel is added to what follows the truncation, so
-    // that a whole coordinate takes the copy of four eighths, and the half takes eight eighths, which is the unshifted
-    // one.
-    static std::size_t Eighth(double coordinate) {
-        const double fraction = coordinate + 0.5 - static_cast<std::int32_t>(coordinate);
-        return static_cast<std::size_t>(std::abs(static_cast<std::int32_t>(fraction * 8))) % 8;
-    }
-
     [[nodiscard]] std::shared_ptr<const ProfileMasks> Build(const DabShape& shape) const;
 
     struct ChosenCopy {

@@ -53,10 +53,11 @@ void ColourBrushSource::Prepare(std::int32_t margin, GraphValue* graph, const Ma
 
 void ColourBrushSource::TakeSmallMasks() {
     hasSmallDabs = roundProfile != nullptr && roundProfile->BaseMask() != nullptr && !erasing;
-    for (std::size_t copy = 0; hasSmallDabs && copy < smallMasks.size(); ++copy) {
+    for (std::size_t copy = 0; hasSmallDabs && copy < smallMasks.ofCopy.size(); ++copy) {
         const Image* const mask = roundProfile->Shifted(copy / 8, copy % 8);
-        hasSmallDabs = mask != nullptr && smallMasks[copy].Take(*mask);
+        hasSmallDabs = mask != nullptr && smallMasks.ofCopy[copy].Take(*mask);
     }
+    if (hasSmallDabs) smallMasks.MeasureRects(roundProfile->Offset(), roundProfile->KeepsPlaces());
 }
 
 bool ColourBrushSource::FindDab(double x, double y, ColourDab& dab) {

@@ -1,13 +1,12 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <memory>
 
 #include "chalkpane/brush/profiles/round_brush_profile.h"
+#include "chalkpane/brush/small_dab_stretch.h"
 #include "chalkpane/brush/sources/profiled_brush_source.h"
 #include "chalkpane/composite/colour_dab.h"
-#include "chalkpane/composite/small_dab.h"
 
 namespace chalkpane {
 
@@ -39,8 +38,9 @@ public:
     [[nodiscard]] SmallDab FindSmallDab(double x, double y) const {
         const auto [copy, moveX, moveY] = roundProfile->FindCopy(x, y);
         if (copy < 0) return {};
-        return {&smallMasks[static_cast<std::size_t>(copy)], moveX, moveY};
+        return {&smallMasks.ofCopy[static_cast<std::size_t>(copy)], moveX, moveY};
     }
+    [[nodiscard]] const SmallMasks& AllSmallMasks() const { return smallMasks; }
     // The colour as it lies in memory at 8 bits.
     [[nodiscard]] std::uint32_t Pixel8() const { return pixel8; }
 
@@ -52,7 +52,7 @@ private:
 
     void TakeSmallMasks();
 
-    std::array<SmallMask8, 64> smallMasks;  // of the profile's copies, 8 * j + i
+    SmallMasks smallMasks;  // of the profile
     bool hasSmallDabs = false;
 
     Colour colour;

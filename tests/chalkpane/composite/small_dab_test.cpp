@@ -13,7 +13,7 @@ using namespace chalkpane;
 
 namespace {
 
-constexpr std::int32_t side = 48;
+constexpr std::int32_t side = 17;
 
 void FillAtRandom(Image& image, std::mt19937& random) {
     for (std::int32_t y = image.y0; y <= image.y1; ++y)
@@ -81,17 +81,19 @@ TEST_CASE("a mask of five pixels a side, or of 14 bits, is no small one") {
     CHECK_FALSE(small.Take(Image::Colour(3, 3, Depth::Eight, AlphaForm::Straight)));
 }
 
-// A block is 8 pixels wide in memory and may begin up to 3 pixels before the mask; rows of 5 pixels are 20 bytes.
-TEST_CASE("a block beyond the canvas, and a canvas with rows at odd places, are left to the rows") {
+// A block is 4 pixels wide and high, whatever the mask.
+TEST_CASE("a block beyond the canvas, and a canvas of another kind, are left to the rows") {
     const Image canvas = Image::Colour(32, 32, Depth::Eight, AlphaForm::Premultiplied);
     const SmallDabTarget target = SmallDabTarget::Of(canvas, 0xff000000U);
     REQUIRE(target.origin != nullptr);
     CHECK(target.Holds({10, 10, 12, 12}));
-    CHECK_FALSE(target.Holds({2, 10, 4, 12}));
-    CHECK_FALSE(target.Holds({28, 10, 30, 12}));
+    CHECK(target.Holds({0, 1, 2, 3}));
+    CHECK(target.Holds({28, 29, 30, 31}));
+    CHECK_FALSE(target.Holds({-1, 10, 1, 12}));
+    CHECK_FALSE(target.Holds({29, 10, 31, 12}));
     CHECK_FALSE(target.Holds({10, 0, 12, 2}));
     CHECK_FALSE(target.Holds({10, 30, 12, 32}));
-    CHECK(SmallDabTarget::Of(Image::Colour(5, 5, Depth::Eight, AlphaForm::Premultiplied), 0).origin == nullptr);
+    CHECK(SmallDabTarget::Of(Image::Colour(5, 5, Depth::Eight, AlphaForm::Premultiplied), 0).origin != nullptr);
     CHECK(SmallDabTarget::Of(Image::Colour(8, 8, Depth::Fourteen, AlphaForm::Premultiplied), 0).origin == nullptr);
     CHECK(SmallDabTarget::Of(Image::Mask(16, 16, Depth::Eight), 0).origin == nullptr);
 }

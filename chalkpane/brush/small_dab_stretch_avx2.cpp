@@ -1,0 +1,113 @@
+#include "chalkpane/brush/four_steps_avx2.h"
+#include "chalkpane/brush/small_dab_stretch.h"
+
+#if defined(__x86_64__)
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "chalkpane/composite/small_dab_avx2.h"
+
+namespace chalkpane {
+namespace {
+
+// The rectangle that holds all that were shown to it.
+class GrowingRect {
+public:
+    [[gnu::target("avx2")]] void Hold(__m128i rect) {
+        low_ = _mm_min_epi32(low_, rect);
+        high_ = _mm_max_epi32(high_, rect);
+    }
+    [[nodiscard, gnu::target("avx2")]] Rect AsRect() const {
+        return {_mm_extract_epi32(low_, 0), _mm_extract_epi32(low_, 1), _mm_extract_epi32(high_, 2),
+                _mm_extract_epi32(high_, 3)};
+    }
+
+private:
+    __m128i low_ = _mm_set1_epi32(std::numeric_limits<std::int32_t>::max());
+    __m128i high_ = _mm_set1_epi32(std::numeric_limits<std::int32_t>::min());
+};
+
+// x and y of the first of four places whose bit is set. By branches: a line goes on as it went so far, so a processor
+// guesses which one it is and does not wait for the distances.
+[[gnu::target("avx2")]] inline __m128d FirstOf(const FourSteps::Places& places, unsigned bits, std::int32_t& step) {
+    if ((bits & 1) != 0) return _mm_unpacklo_pd(_mm256_castpd256_pd128(places.x), _mm256_castpd256_pd128(places.y));
+    if ((bits & 2) != 0) {
+        step += 1;
+        return _mm_unpackhi_pd(_mm256_castpd256_pd128(places.x), _mm256_castpd256_pd128(places.y));
+    }
+    const __m128d x = _mm256_extractf128_pd(places.x, 1);
+    const __m128d y = _mm256_extractf128_pd(places.y, 1);
+    if ((bits & 4) != 0) {
+        step += 2;
+        return _mm_unpacklo_pd(x, y);
+    }
+    step += 3;
+    return _mm_unpackhi_pd(x, y);
+}
+
+// The number of the copy that `RoundBrushProfile::FindCopy` gives.
+[[gnu::target("avx2")]] inline std::size_t CopyAt(__m128d place) {
+    const __m128d whole = _mm_cvtepi32_pd(_mm_cvttpd_epi32(place));
+    const __m128d fraction = _mm_sub_pd(_mm_add_pd(place, _mm_set1_pd(0.5)), whole);
+    const __m128i eighths = _mm_abs_epi32(_mm_cvttpd_epi32(_mm_mul_pd(fraction, _mm_set1_pd(8.0))));
+    const auto both = static_cast<std::uint64_t>(_mm_cvtsi128_si64(eighths));
+    return 8 * (both & 7) + (both >> 32 & 7);
+}
+
+}  // namespace
+
+[[gnu::target("avx2")]] void SmallDabStretch::PaintAvx2(const SplineSearch& search, std::int32_t opacity,
+                                                        Progress& progress) const {
+    const FourSteps curve(search.xs_, search.ys_);
+    const SmallColourAvx2 colour(canvas_, opacity);
+    const __m256d limit = _mm256_set1_pd(search.squaredLimit_);
+    const double worthIt = search.surely_ - 2 * stepsAtOnce * search.bounds_.perStep;
+    const double squaredWorthIt = worthIt > 0.0 ? worthIt * worthIt : -1.0;
+    const std::int32_t stride = search.StepsWithoutDab();
+    const __m128d low = _mm_loadu_pd(low_.data());
+    const __m128d high = _mm_loadu_pd(high_.data());
+    const __m128d offset = _mm_set_pd(masks_->offset.y, masks_->offset.x);
+    GrowingRect changed;
+    __m128 last = _mm_set_ps(0.0F, 0.0F, progress.lastY, progress.lastX);
+    std::int32_t dabs = 0;
+    std::int32_t step = progress.step + (progress.followsDab ? stride : 0);
+    while (step < SplineIterator::steps) {
+        const __m128d from = _mm_cvtps_pd(last);
+        const FourSteps::Places places = curve.From(step);
+        const __m256d distances =
+            SquaredDistances(places, _mm256_broadcastsd_pd(from), _mm256_broadcastsd_pd(_mm_unpackhi_pd(from, from)));
+        const auto beyond = static_cast<unsigned>(_mm256_movemask_pd(_mm256_cmp_pd(distances, limit, _CMP_GT_OQ)));
+        if (beyond == 0) {
+            const double distance = LastOfFour(distances);
+            step += stepsAtOnce;
+            if (!(distance <= squaredWorthIt)) continue;
+            const double spare = (search.surely_ - std::sqrt(distance)) / search.bounds_.perStep;
+            step += spare < SplineIterator::steps ? static_cast<std::int32_t>(spare) - 1 : SplineIterator::steps;
+            continue;
+        }
+        const __m128d place = FirstOf(places, beyond, step);
+        if (step >= SplineIterator::steps) break;
+        if (_mm_movemask_pd(_mm_and_pd(_mm_cmpge_pd(place, low), _mm_cmple_pd(place, high))) != 3) break;
+        const SmallMask8& mask = masks_->ofCopy[CopyAt(place)];
+        const __m128i move = _mm_cvttpd_epi32(_mm_sub_pd(place, offset));
+        const __m128i rect = _mm_add_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(&mask.rect)),
+                                           _mm_unpacklo_epi64(move, move));
+        changed.Hold(rect);
+        colour.Over(canvas_.At(_mm_cvtsi128_si32(rect), _mm_extract_epi32(rect, 3)), canvas_.rowBytes, mask);
+        last = _mm_cvtpd_ps(place);
+        progress.lastStep = step;
+        ++dabs;
+        step += 1 + stride;
+    }
+    progress.step = std::min(step, SplineIterator::steps);
+    if (dabs == 0) return;
+    progress.dabs += dabs;
+    progress.lastX = _mm_cvtss_f32(last);
+    progress.lastY = _mm_cvtss_f32(_mm_shuffle_ps(last, last, 1));
+    progress.changed = progress.changed.Union(changed.AsRect());
+}
+
+}  // namespace chalkpane
+
+#endif
