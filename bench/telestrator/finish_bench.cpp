@@ -7,6 +7,7 @@
 #include <random>
 
 #include "chalkpane/base/multi_processor.h"
+#include "chalkpane/brush/basic_brush.h"
 #include "telestrator/telestrator.h"
 #include "tests/telestrator/stroke_shapes.h"
 #include "tests/telestrator/telestrator_fixture.h"
@@ -101,6 +102,7 @@ void FinishLine(benchmark::State& state, Line line) {
     const Points points = PointsOf(line, width);
     Telestrator telestrator;
     telestrator.Field(settings);
+    const std::uint64_t dabs = telestrator.shapeSurface->brush->PaintedDabs();
     for (auto _ : state) {
         state.PauseTiming();
         telestrator.shapeSurface->ClearPixels();
@@ -110,6 +112,8 @@ void FinishLine(benchmark::State& state, Line line) {
     }
     if (testing::IsBlank(*telestrator.shapeSurface) && line != Line::GreatEllipse)
         state.SkipWithError("nothing was painted");
+    state.counters["dabs"] = benchmark::Counter(
+        static_cast<double>(telestrator.shapeSurface->brush->PaintedDabs() - dabs), benchmark::Counter::kAvgIterations);
     MultiProcessor::Restart(0);
 }
 #define FINISH_LINE(name, line, mostWorkers, ...)                                      \

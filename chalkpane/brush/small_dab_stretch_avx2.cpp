@@ -3,6 +3,7 @@
 
 #if defined(__x86_64__)
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <limits>
 
@@ -55,6 +56,44 @@ private:
     return 8 * (both & 7) + (both >> 32 & 7);
 }
 
+[[gnu::target("avx2")]] inline unsigned Beyond(__m256d distances, __m256d limit) {
+    return static_cast<unsigned>(_mm256_movemask_pd(_mm256_cmp_pd(distances, limit, _CMP_GT_OQ)));
+}
+
+constexpr std::int32_t stepsInARow = 4 * stepsAtOnce;
+
+// A bit for each of so many steps; `distances` become those of the last four.
+[[gnu::target("avx2")]] inline unsigned BeyondInARow(const FourSteps& curve, std::int32_t step, __m256d x, __m256d y,
+                                                     __m256d limit, __m256d& distances) {
+    unsigned bits = 0;
+    for (int i = 0; i < 4; ++i) {
+        distances = SquaredDistances(curve.From(step + i * stepsAtOnce), x, y);
+        bits |= Beyond(distances, limit) << (i * stepsAtOnce);
+    }
+    return bits;
+}
+
+// What is left of the way to the limit, in steps that cannot cover it.
+class Way {
+public:
+    Way(double surely, double perStep)
+        : surely_(surely),
+          stepsPerPixel_(0.9999999 / perStep),
+          worthIt_(std::max(surely - 2 * stepsAtOnce * perStep, 0.0)) {}
+
+    // The next step to look at after those before `step`, of which the last lies within the limit.
+    [[nodiscard]] std::int32_t NextAfter(std::int32_t step, double squaredDistance) const {
+        if (!(squaredDistance < worthIt_ * worthIt_)) return step;
+        const double spare = (surely_ - std::sqrt(squaredDistance)) * stepsPerPixel_;
+        return spare < SplineIterator::steps ? step + static_cast<std::int32_t>(spare) - 1 : SplineIterator::steps;
+    }
+
+private:
+    double surely_;
+    double stepsPerPixel_;
+    double worthIt_;
+};
+
 }  // namespace
 
 [[gnu::target("avx2")]] void SmallDabStretch::PaintAvx2(const SplineSearch& search, std::int32_t opacity,
@@ -62,8 +101,7 @@ private:
     const FourSteps curve(search.xs_, search.ys_);
     const SmallColourAvx2 colour(canvas_, opacity);
     const __m256d limit = _mm256_set1_pd(search.squaredLimit_);
-    const double worthIt = search.surely_ - 2 * stepsAtOnce * search.bounds_.perStep;
-    const double squaredWorthIt = worthIt > 0.0 ? worthIt * worthIt : -1.0;
+    const Way way(search.surely_, search.bounds_.perStep);
     const std::int32_t stride = search.StepsWithoutDab();
     const __m128d low = _mm_loadu_pd(low_.data());
     const __m128d high = _mm_loadu_pd(high_.data());
@@ -74,17 +112,23 @@ private:
     std::int32_t step = progress.step + (progress.followsDab ? stride : 0);
     while (step < SplineIterator::steps) {
         const __m128d from = _mm_cvtps_pd(last);
-        const FourSteps::Places places = curve.From(step);
-        const __m256d distances =
-            SquaredDistances(places, _mm256_broadcastsd_pd(from), _mm256_broadcastsd_pd(_mm_unpackhi_pd(from, from)));
-        const auto beyond = static_cast<unsigned>(_mm256_movemask_pd(_mm256_cmp_pd(distances, limit, _CMP_GT_OQ)));
+        const __m256d x = _mm256_broadcastsd_pd(from);
+        const __m256d y = _mm256_broadcastsd_pd(_mm_unpackhi_pd(from, from));
+        FourSteps::Places places = curve.From(step);
+        __m256d distances = SquaredDistances(places, x, y);
+        unsigned beyond = Beyond(distances, limit);
         if (beyond == 0) {
-            const double distance = LastOfFour(distances);
-            step += stepsAtOnce;
-            if (!(distance <= squaredWorthIt)) continue;
-            const double spare = (search.surely_ - std::sqrt(distance)) / search.bounds_.perStep;
-            step += spare < SplineIterator::steps ? static_cast<std::int32_t>(spare) - 1 : SplineIterator::steps;
-            continue;
+            step = way.NextAfter(step + stepsAtOnce, LastOfFour(distances));
+            // Here the curve creeps, and the rounding of its weights decides where it gets beyond.
+            while (step <= SplineIterator::steps - stepsInARow) {
+                beyond = BeyondInARow(curve, step, x, y, limit, distances);
+                if (beyond != 0) break;
+                step = way.NextAfter(step + stepsInARow, LastOfFour(distances));
+            }
+            if (beyond == 0) continue;
+            step += std::countr_zero(beyond);
+            places = curve.From(step);
+            beyond = 1;
         }
         const __m128d place = FirstOf(places, beyond, step);
         if (step >= SplineIterator::steps) break;

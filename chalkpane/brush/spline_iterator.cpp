@@ -15,46 +15,10 @@ double SquaredDistance(const SplineWeights& weights, const SplineSamples& xs, co
 
 }  // namespace
 
-// The curve's derivative is a mean of the differences between neighbouring samples, and a step of the gathered t is at
-// most 0.001 + 6e-8. Rounded weights move the first sample's place by what their sum is off, and the differences from
-// it by 6e-8 at each of two steps.
-SplineStepBounds SplineIterator::StepBounds() const {
-    double squaredLongest = 0.0;
-    double squaredSpread = 0.0;
-    for (std::size_t i = 1; i < 4; ++i) {
-        const auto squaredFrom = [&](std::size_t other) {
-            const double dx = static_cast<double>(xs[i]) - static_cast<double>(xs[other]);
-            const double dy = static_cast<double>(ys[i]) - static_cast<double>(ys[other]);
-            return dx * dx + dy * dy;
-        };
-        squaredLongest = std::max(squaredLongest, squaredFrom(i - 1));
-        squaredSpread = std::max(squaredSpread, squaredFrom(0));
-    }
-    const double place = std::abs(static_cast<double>(xs[0])) + std::abs(static_cast<double>(ys[0]));
-    return {0.0010001 * std::sqrt(squaredLongest), 1.01 * splineSumSpan * place + 2e-7 * std::sqrt(squaredSpread)};
-}
-
 void SplineIterator::Fill(const StrokePoint& sample) {
     xs.fill(static_cast<float>(sample.x));
     ys.fill(static_cast<float>(sample.y));
     pressures.fill(static_cast<float>(sample.pressure));
-}
-
-void SplineIterator::Push(const StrokePoint& sample) {
-    const auto push = [](SplineSamples& samples, double value) {
-        samples = {samples[1], samples[2], samples[3], static_cast<float>(value)};
-    };
-    push(xs, sample.x);
-    push(ys, sample.y);
-    push(pressures, sample.pressure);
-}
-
-bool SplineIterator::Moves() const { return xs[3] != xs[2] || ys[3] != ys[2]; }
-
-double SplineIterator::NewestLength() const {
-    const double dx = static_cast<double>(xs[3]) - static_cast<double>(xs[2]);
-    const double dy = static_cast<double>(ys[3]) - static_cast<double>(ys[2]);
-    return std::sqrt(dx * dx + dy * dy);
 }
 
 bool SplineIterator::Rests() const {

@@ -7,13 +7,6 @@
 
 namespace chalkpane {
 
-SplineSearch::SplineSearch(const SplineIterator& spline, double squaredLimit)
-    : xs_(spline.Xs()),
-      ys_(spline.Ys()),
-      bounds_(spline.StepBounds()),
-      squaredLimit_(squaredLimit),
-      surely_(0.999999 * std::sqrt(squaredLimit) - bounds_.rounding) {}
-
 std::int32_t SplineSearch::FirstBeyond(std::int32_t step, float x, float y) const {
     if constexpr (builtWithAvx2)
         if (HasAvx2()) return SplineSearchAvx2::FirstBeyond(*this, step, x, y);
@@ -27,17 +20,6 @@ std::int32_t SplineSearch::NextBeyond(std::int32_t step, float x, float y) const
     if (spare >= SplineIterator::steps - step) return SplineIterator::steps;
     if (spare > 0.0) step += static_cast<std::int32_t>(spare);
     return FirstBeyond(step, x, y);
-}
-
-// A point is a mean of the samples, but for the rounding of its weights.
-std::int32_t SplineSearch::StepsWithoutDab() const {
-    const auto farthest = [](const SplineSamples& samples) {
-        const auto [least, greatest] = std::minmax({samples[0], samples[1], samples[2], samples[3]});
-        return std::max(std::abs(double{least}), std::abs(double{greatest}));
-    };
-    const double spare = (surely_ - 6.2e-8 * (farthest(xs_) + farthest(ys_))) / bounds_.perStep;
-    if (spare >= SplineIterator::steps) return SplineIterator::steps;
-    return spare > 0.0 ? static_cast<std::int32_t>(spare) : 0;
 }
 
 std::int32_t SplineSearch::FirstBeyondPlain(std::int32_t step, float x, float y) const {

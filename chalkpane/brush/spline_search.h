@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <cmath>
 #include <cstdint>
 
 #include "chalkpane/brush/spline_iterator.h"
@@ -45,6 +47,24 @@ private:
     double squaredLimit_;
     double surely_;  // whatever is nearer than that, but for the rounding of its weights, is within the limit
 };
+
+inline SplineSearch::SplineSearch(const SplineIterator& spline, double squaredLimit)
+    : xs_(spline.Xs()),
+      ys_(spline.Ys()),
+      bounds_(spline.StepBounds()),
+      squaredLimit_(squaredLimit),
+      surely_(0.999999 * std::sqrt(squaredLimit) - bounds_.rounding) {}
+
+// A point is a mean of the samples, but for the rounding of its weights.
+inline std::int32_t SplineSearch::StepsWithoutDab() const {
+    const auto farthest = [](const SplineSamples& samples) {
+        const auto [least, greatest] = std::minmax({samples[0], samples[1], samples[2], samples[3]});
+        return std::max(std::abs(double{least}), std::abs(double{greatest}));
+    };
+    const double spare = (surely_ - 6.2e-8 * (farthest(xs_) + farthest(ys_))) / bounds_.perStep;
+    if (spare >= SplineIterator::steps) return SplineIterator::steps;
+    return spare > 0.0 ? static_cast<std::int32_t>(spare) : 0;
+}
 
 // Needs AVX2, and is there where `builtWithAvx2`.
 struct SplineSearchAvx2 {
