@@ -11,7 +11,7 @@
 #include "cli/file_bytes.h"
 #include "picture_io/picture_file.h"
 #include "picture_io/picture_format.h"
-#include "tests/cli/address_checks.h"
+#include "tests/address_checks.h"
 #include "tests/cli/working_folder.h"
 
 // What is counted before a run is held to what the run then takes.
@@ -76,7 +76,7 @@ private:
 
 // Noise, which is the hardest to pack: of 22.9 MiB.
 TEST_CASE("A run of filters takes no more memory than is counted, whichever way it goes" *
-          doctest::skip(cli::testing::hasAddressChecks)) {
+          doctest::skip(tests::hasAddressChecks)) {
     const MeasuredFolder folder;
     for (const std::string arguments :
          {"a.jpg out.jpg --apply 'Invert Color'", "side.png out.jpg --apply 'Invert Color'",

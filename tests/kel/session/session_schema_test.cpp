@@ -4,6 +4,7 @@
 #include <set>
 
 #include "kel/session/session_parser.h"
+#include "tests/address_checks.h"
 #include "tests/cli/json_schema.h"
 #include "tests/cli/temporary_folder.h"
 #include "tests/cli/thrown.h"
@@ -75,27 +76,30 @@ TEST_CASE("The schema knows every kind of event that the parser takes") {
 TEST_CASE("Schema and parser agree about every place of a session, whatever stands there") {
     const json session = testing::CompleteSession();
     CheckAgreement(session, "the session itself");
-    const auto values = json::array({nullptr,
-                                     true,
-                                     0,
-                                     1,
-                                     -1,
-                                     0.5,
-                                     3.0,
-                                     170.5,
-                                     1000.5,
-                                     9000,
-                                     2e6,
-                                     -2e6,
-                                     "",
-                                     "x",
-                                     "a/b.png",
-                                     "b.png",
-                                     "c\td.png",
-                                     json::array(),
-                                     json::array({1, 2}),
-                                     json::array({1, 2, 3}),
-                                     json::object()});
+    const json few = {nullptr, -2e6, "c\td.png", json::array({1, 2, 3}), json::object()};
+    const json all = {nullptr,
+                      true,
+                      0,
+                      1,
+                      -1,
+                      0.5,
+                      3.0,
+                      170.5,
+                      1000.5,
+                      9000,
+                      2e6,
+                      -2e6,
+                      "",
+                      "x",
+                      "a/b.png",
+                      "b.png",
+                      "c\td.png",
+                      json::array(),
+                      json::array({1, 2}),
+                      json::array({1, 2, 3}),
+                      json::object()};
+    // Parsing under the checks takes twenty times as long, and they have no need of every value.
+    const json& values = tests::hasAddressChecks ? few : all;
     int changes = 0;
     cli::testing::ForEachChange(session, values, [&](const json& changed, const std::string& what) {
         CheckAgreement(changed, what);

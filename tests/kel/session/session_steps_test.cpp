@@ -28,7 +28,7 @@ TEST_CASE("Steps all stand before what their field has, and one behind that wait
 }
 
 TEST_CASE("A pen's pressure goes with its press, moves and release, and is full where it is not said") {
-    const auto track = TrackOf(R"([{"field": 5, "press": [1, 1], "pressure": 0.25},
+    const auto track = StepsOf(R"([{"field": 5, "press": [1, 1], "pressure": 0.25},
         {"field": 6, "step": true, "pressure": 0, "move": [2, 2]}, {"field": 6, "move": [3, 3]},
         {"field": 7, "release": [5, 5], "pressure": 1}])");
     const std::vector<TimedPointerStep> wanted{{5, {PointerKind::Press, 1, 1, 0.25}, false},
@@ -41,7 +41,7 @@ TEST_CASE("A pen's pressure goes with its press, moves and release, and is full 
 TEST_CASE("A pressure beyond its limits is refused in one line") {
     for (const char* pressure : {"-0.001", "1.001", "1e308", "\"hard\"", "null"}) {
         const std::string event = R"({"field": 5, "press": [1, 1], "pressure": )" + std::string(pressure) + "}";
-        const std::string refusal = cli::testing::Thrown([&] { (void)TrackOf("[" + event + "]"); });
+        const std::string refusal = cli::testing::Thrown([&] { (void)StepsOf("[" + event + "]"); });
         CAPTURE(refusal);
         CHECK_EQ(refusal.starts_with("steps.json: /events/0/pressure: must be a number"), true);
         CHECK_EQ(refusal.find('\n'), std::string::npos);

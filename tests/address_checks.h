@@ -1,6 +1,6 @@
 #pragma once
 
-namespace cli::testing {
+namespace tests {
 
 // The checks of addresses keep what is given back for a while, so that what a program takes is theirs.
 #if defined(__SANITIZE_ADDRESS__)
@@ -11,4 +11,4 @@ inline constexpr bool hasAddressChecks = __has_feature(address_sanitizer);
 inline constexpr bool hasAddressChecks = false;
 #endif
 
-}  // namespace cli::testing
+}  // namespace tests
