@@ -1,0 +1,106 @@
+#include "kel/live/live_input.h"
+
+extern "C" {
+#include <libavdevice/avdevice.h>
+}
+
+#include <new>
+#include <thread>
+
+namespace kel {
+namespace {
+
+constexpr auto longestOpening = std::chrono::seconds(10);
+constexpr auto anyTime = std::chrono::hours(24 * 365);
+
+// What is looked at before pictures are shown: up to a second of what comes, and no more bytes than fit into one at
+// the rates that cameras have. Decoders find out the rest by themselves.
+constexpr int probedMicroseconds = 500'000;
+constexpr int probedBytes = 1'000'000;
+
+}  // namespace
+
+LiveInput::LiveInput(const LiveName& name, const std::atomic<bool>& ends) : m_name(name), m_ends(ends) {
+    SilenceAv();
+    static const bool areDevicesThere = (avdevice_register_all(), true);
+    (void)areDevicesThere;
+}
+
+int LiveInput::IsOver(void* self) {
+    const auto& input = *static_cast<const LiveInput*>(self);
+    return input.m_ends || std::chrono::steady_clock::now() > input.m_deadline ? 1 : 0;
+}
+
+// A call that was cut short because nothing came says so.
+int LiveInput::Told(int result) const {
+    if (result != AVERROR_EXIT || m_ends) return result;
+    return AVERROR(ETIMEDOUT);
+}
+
+AVDictionary* LiveInput::Options() const {
+    AVDictionary* options = nullptr;
+    av_dict_set(&options, "protocol_whitelist", m_name.protocols.c_str(), 0);
+    av_dict_set(&options, "format_whitelist", m_name.formats.c_str(), 0);
+    av_dict_set_int(&options, "probesize", probedBytes, 0);
+    av_dict_set_int(&options, "analyzeduration", probedMicroseconds, 0);
+    av_dict_set(&options, "rtsp_flags", "prefer_tcp", 0);
+    if (!m_name.size.empty()) av_dict_set(&options, "video_size", m_name.size.c_str(), 0);
+    if (!m_name.windowId.empty())
+        av_dict_set_int(&options, "window_id", static_cast<std::int64_t>(std::stoull(m_name.windowId, nullptr, 0)), 0);
+    if (m_name.kind == LiveName::Kind::Screen) av_dict_set(&options, "framerate", "25", 0);
+    // Nothing is lost on the way within one machine, so nothing need be waited for to come again. Whoever names a
+    // latency in the address gets that.
+    if (m_name.isNear && m_name.url.find("latency=") == std::string::npos) av_dict_set(&options, "latency", "20000", 0);
+    return options;
+}
+
+int LiveInput::Open() {
+    AVFormatContext* input = avformat_alloc_context();
+    if (input == nullptr) throw std::bad_alloc();
+    input->interrupt_callback = {&IsOver, this};
+    // A device that gives nothing is asked again, or else nobody could end the call.
+    if (m_name.kind == LiveName::Kind::Device) input->flags |= AVFMT_FLAG_NONBLOCK;
+    Allow(m_name.isAwaited ? std::chrono::steady_clock::duration(anyTime) : longestOpening);
+    AVDictionary* options = Options();
+    const AVInputFormat* format = m_name.inputFormat.empty()
+                                      ? nullptr
+                                      : av_find_input_format(m_name.inputFormat == "x11grab" ? "x11grab" : "v4l2");
+    const bool isMissing = !m_name.inputFormat.empty() && format == nullptr;
+    if (isMissing) avformat_free_context(input);
+    // Frees the context where it fails.
+    const int result =
+        isMissing ? AVERROR_DEMUXER_NOT_FOUND : avformat_open_input(&input, m_name.url.c_str(), format, &options);
+    av_dict_free(&options);
+    if (result < 0) return Told(result);
+    m_input.reset(input);
+    m_stream = -1;
+    return 0;
+}
+
+// The first pictures that come are those that are shown. Streams may be found only while they are read.
+bool LiveInput::Choose(const AVPacket& packet) {
+    if (m_stream >= 0) return packet.stream_index == m_stream;
+    const AVStream& stream = *m_input->streams[packet.stream_index];
+    const bool isPictures =
+        stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO && (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) == 0;
+    if (isPictures) m_stream = packet.stream_index;
+    return isPictures;
+}
+
+int LiveInput::Read(AVPacket& packet) {
+    // Sound alone, or nothing that is whole, is silence too.
+    Allow(longestSilence);
+    for (;;) {
+        av_packet_unref(&packet);
+        if (IsOver(this) != 0) return Told(AVERROR_EXIT);
+        const int result = av_read_frame(m_input.get(), &packet);
+        if (result == AVERROR(EAGAIN)) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            continue;
+        }
+        if (result < 0) return Told(result);
+        if (packet.size > 0 && Choose(packet)) return 0;
+    }
+}
+
+}  // namespace kel

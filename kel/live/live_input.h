@@ -1,0 +1,42 @@
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <string>
+
+#include "kel/live/live_name.h"
+#include "kel/video/av_objects.h"
+
+namespace kel {
+
+// Live pictures being opened and read, packet by packet, by one thread; any other may end a call at once by setting the
+// flag that it was made with.
+class LiveInput {
+public:
+    // How long nothing may come before the other side counts as gone.
+    static constexpr auto longestSilence = std::chrono::seconds(5);
+
+    // ends: borrowed. Nothing is opened yet.
+    LiveInput(const LiveName& name, const std::atomic<bool>& ends);
+
+    // A negative result says why not; AVERROR_EXIT when the flag ended it.
+    int Open();
+    // The next packet of the pictures; the same results, and AVERROR_EOF at the end.
+    int Read(AVPacket& packet);
+    [[nodiscard]] const AVStream& Pictures() const { return *m_input->streams[m_stream]; }  // after Read
+
+private:
+    static int IsOver(void* self);
+    void Allow(std::chrono::steady_clock::duration time) { m_deadline = std::chrono::steady_clock::now() + time; }
+    [[nodiscard]] AVDictionary* Options() const;
+    [[nodiscard]] int Told(int result) const;
+    bool Choose(const AVPacket& packet);
+
+    const LiveName m_name;
+    const std::atomic<bool>& m_ends;
+    std::chrono::steady_clock::time_point m_deadline;
+    int m_stream = -1;  // none chosen yet
+    AvInput m_input;    // last: it calls back
+};
+
+}  // namespace kel

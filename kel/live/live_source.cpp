@@ -1,0 +1,39 @@
+#include "kel/live/live_source.h"
+
+#include "cli/error.h"
+
+namespace kel {
+namespace {
+
+constexpr double usualFramesPerSecond = 25;
+constexpr double slowest = 1;
+constexpr double fastest = 240;  // beyond it a container says its own unit and no rate
+
+bool IsRate(double framesPerSecond) { return framesPerSecond >= slowest && framesPerSecond <= fastest; }
+
+}  // namespace
+
+LiveSource::LiveSource(const LiveName& name, const PacketRing::Limits& replay)
+    : m_name(name), m_ring(replay), m_decoder(m_ring, m_news), m_reader(name, m_ring, m_news) {}
+
+LiveSource::~LiveSource() = default;
+
+bool LiveSource::WaitForPicture(std::chrono::milliseconds atMost) {
+    constexpr auto piece = std::chrono::milliseconds(20);
+    const auto end = std::chrono::steady_clock::now() + atMost;
+    while (!m_decoder.WaitForPicture(piece)) {
+        const LiveReader::State state = m_reader.Now();
+        if (state.isHopeless) throw cli::Error(m_name.shown, {}, "cannot be opened: " + state.reason);
+        if (std::chrono::steady_clock::now() >= end) return false;
+    }
+    return true;
+}
+
+double LiveSource::FramesPerSecond() const {
+    const double declared = m_reader.DeclaredFramesPerSecond();
+    if (IsRate(declared)) return declared;
+    const double coded = m_decoder.PictureSize().framesPerSecond;
+    return IsRate(coded) ? coded : usualFramesPerSecond;
+}
+
+}  // namespace kel

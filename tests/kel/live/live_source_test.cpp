@@ -1,0 +1,161 @@
+#include "kel/live/live_source.h"
+
+#include <doctest/doctest.h>
+
+#include <algorithm>
+
+#include "cli/error.h"
+#include "tests/cli/thrown.h"
+#include "tests/kel/live/camera.h"
+#include "tests/kel/pixels.h"
+
+namespace kel {
+namespace {
+
+using testing::Await;
+using testing::Camera;
+using testing::ShownGrey;
+
+std::string Local(const std::string& scheme, int port, const std::string& words = {}) {
+    return scheme + "://127.0.0.1:" + std::to_string(port) + words;
+}
+
+void AwaitPictureOf(LiveSource& source) {
+    Await("the first picture", [&] { return source.WaitForPicture(std::chrono::milliseconds(20)); });
+}
+
+// A source, and what of it an operator would see.
+class Watched {
+public:
+    explicit Watched(const std::string& name, const PacketRing::Limits& replay = {})
+        : m_source(ParseLiveName(name), replay) {}
+
+    void AwaitPicture() { AwaitPictureOf(m_source); }
+    // Its middle is of that grey.
+    void AwaitGrey(int grey) {
+        Await("the grey " + std::to_string(grey), [&] {
+            (void)m_source.Take(m_picture);
+            return m_picture.width > 0 && std::abs(Middle()[0] - ShownGrey(grey)) <= 4;  // lossy, at its best quality
+        });
+    }
+    void AwaitNews(const std::string& part) {
+        Await("news with: " + part, [&] {
+            for (const std::string& line : m_source.TakeNews()) m_news += line + "\n";
+            return m_news.find(part) != std::string::npos;
+        });
+    }
+    [[nodiscard]] testing::Pixel Middle() const { return m_picture.At(m_picture.width / 2, m_picture.height / 2); }
+    [[nodiscard]] const picture_io::Picture& Picture() const { return m_picture; }
+    LiveSource& Source() { return m_source; }
+
+private:
+    LiveSource m_source;
+    picture_io::Picture m_picture;
+    std::string m_news;
+};
+
+}  // namespace
+
+TEST_CASE("Live pictures come by UDP, by TCP and by SRT") {
+    struct Way {
+        const char* scheme;
+        const char* senderWords;
+        const char* format;
+        int kind;
+    };
+    for (const Way& way :
+         {Way{"udp", "?pkt_size=1316", "mpegts", SOCK_DGRAM}, Way{"tcp", "?listen", "nut", SOCK_STREAM},
+          Way{"srt", "?mode=listener", "mpegts", SOCK_DGRAM}}) {
+        CAPTURE(way.scheme);
+        const int port = testing::FreePort(way.kind);
+        const Camera camera({.address = Local(way.scheme, port, way.senderWords), .format = way.format, .grey = 90});
+        Watched watched(Local(way.scheme, port));
+        watched.AwaitPicture();
+        CHECK_EQ(watched.Source().Width(), 64);
+        CHECK_EQ(watched.Source().Height(), 48);
+        CHECK_EQ(watched.Source().FramesPerSecond(), doctest::Approx(50));
+        watched.AwaitGrey(90);
+    }
+}
+
+TEST_CASE("A camera that is cut off and comes back is told, and its last picture stays meanwhile") {
+    const int port = testing::FreePort();
+    Watched watched(Local("tcp", port));
+    {
+        const Camera camera({.address = Local("tcp", port, "?listen"), .format = "nut", .grey = 60});
+        watched.AwaitGrey(60);
+    }
+    watched.AwaitNews("is lost: it has ended. The last picture stays until it is back.");
+    CHECK_FALSE(watched.Source().IsThere());
+    CHECK_EQ(std::abs(watched.Middle()[0] - ShownGrey(60)) <= 4, true);
+    CHECK_FALSE(watched.Source().Take(*std::make_unique<picture_io::Picture>()));
+    const Camera camera({.address = Local("tcp", port, "?listen"), .format = "nut", .grey = 180});
+    watched.AwaitNews("is back.");
+    watched.AwaitGrey(180);
+}
+
+TEST_CASE("Pictures of another size are fitted into the first one's") {
+    const int port = testing::FreePort();
+    Watched watched(Local("tcp", port));
+    {
+        const Camera camera({.address = Local("tcp", port, "?listen"), .width = 96, .height = 48, .grey = 60});
+        watched.AwaitGrey(60);
+    }
+    const Camera camera({.address = Local("tcp", port, "?listen"), .width = 128, .height = 128, .grey = 180});
+    watched.AwaitGrey(180);
+    watched.AwaitNews("The pictures are 128 x 128 now; they are fitted into 96 x 48.");
+    CHECK_EQ(watched.Source().Width(), 96);
+    // A square in the middle of twice its width: columns 24 to 71.
+    CHECK_EQ(watched.Picture().At(20, 24), testing::black);
+    CHECK_EQ(watched.Picture().At(75, 24), testing::black);
+    CHECK_GT(watched.Picture().At(30, 24)[0], 150);
+    CHECK_GT(watched.Picture().At(65, 1)[0], 150);
+}
+
+TEST_CASE("A damaged stream is passed over until it is whole again") {
+    const int port = testing::FreePort();
+    Camera camera({.address = Local("tcp", port, "?listen"), .grey = 60});
+    Watched watched(Local("tcp", port));
+    watched.AwaitGrey(60);
+    camera.SetDamaged(true);
+    const int sent = camera.Sent();
+    Await("damaged pictures", [&] { return camera.Sent() > sent + 20; });
+    camera.SetGrey(180);
+    camera.SetDamaged(false);
+    watched.AwaitGrey(180);
+    CHECK_EQ(watched.Source().Width(), 64);
+}
+
+TEST_CASE("What waits for a camera ends at once when it is closed") {
+    // Nobody ever sends; the time to open in is a year, and the test's own a few minutes.
+    const Watched datagrams(Local("udp", testing::FreePort(SOCK_DGRAM)));
+    const Watched listener(Local("srt", testing::FreePort(SOCK_DGRAM), "?mode=listener"));
+    const testing::BoundPort silent(SOCK_STREAM);
+    REQUIRE_EQ(listen(silent.Socket(), 1), 0);
+    const Watched connected(Local("tcp", silent.Number()));
+}
+
+TEST_CASE("A stream that leads on to files is no picture") {
+    for (const std::string text : {"ffconcat version 1.0\nfile '/etc/hostname'\n",
+                                   "#EXTM3U\n#EXT-X-TARGETDURATION:1\n#EXTINF:1,\nfile:///etc/hostname\n"}) {
+        const testing::BoundPort server(SOCK_STREAM);
+        REQUIRE_EQ(listen(server.Socket(), 4), 0);
+        const std::string name = Local("tcp", server.Number());
+        LiveSource source(ParseLiveName(name));
+        const int connection = accept(server.Socket(), nullptr, nullptr);
+        REQUIRE_GE(connection, 0);
+        CHECK_EQ(write(connection, text.data(), text.size()), static_cast<ssize_t>(text.size()));
+        close(connection);
+        CHECK_EQ(cli::testing::Thrown([&] { AwaitPictureOf(source); }),
+                 name + ": cannot be opened: what comes is none of what live pictures may come as");
+    }
+}
+
+TEST_CASE("A screen that is not there is an error and not waited for") {
+    LiveSource source(ParseLiveName("screen::9876"));
+    CHECK_EQ(cli::testing::Thrown(
+                 [&] { Await("an error", [&] { return source.WaitForPicture(std::chrono::milliseconds(20)); }); }),
+             "screen::9876: cannot be opened: there is no such screen, or none that may be looked at");
+}
+
+}  // namespace kel
