@@ -9,6 +9,16 @@
 #include "kel/session/session_values.h"
 
 namespace kel {
+namespace {
+
+picture_io::Picture Black() {
+    picture_io::Picture picture(1, 1);
+    picture.Set(0, 0, {0, 0, 0, 255});
+    return picture;
+}
+
+}  // namespace
+
 Player::Player(const Session& session, Host& host, const std::filesystem::path& defaultModule,
                SessionPermissions permissions)
     : m_session(session),
@@ -38,6 +48,7 @@ void Player::BuildContainer(const SessionContainer& container, const std::filesy
     if (!container.picture.empty())
         m_host.SetPicture(played.id, ReadPictureAt(container.picture, container.place + "/picture"));
     if (!container.video.empty()) played.video = OpenVideo(container, played.id);
+    if (!container.live.empty()) m_host.SetPicture(played.id, Black());
     if (!container.plugin) return;
     played.module = &LoadModule(*container.plugin, defaultModule);
     m_host.Attach(played.id, *played.module, Settings(container.plugin->parameters, *played.module));

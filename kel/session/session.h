@@ -59,6 +59,7 @@ struct SessionContainer {
     SessionVector scale{1.0, 1.0, 1.0};
     std::string picture;  // path, relative to the session file; empty: none
     std::string video;    // likewise; a container has a picture or a video
+    std::string live;  // of a recording, what live pictures it was drawn on; they are never opened. Nor has it others
     std::optional<SessionPlugin> plugin;
     std::string place;
 };

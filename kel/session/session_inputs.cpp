@@ -2,6 +2,8 @@
 
 #include <system_error>
 
+#include "cli/nearest_name.h"
+
 namespace kel {
 namespace {
 
@@ -36,6 +38,16 @@ std::vector<std::filesystem::path> InputFilesOf(const Session& session) {
     std::vector<std::filesystem::path> files{session.file};
     for (const SessionInput& input : InputsOf(session)) files.push_back(session.Resolve(input.path));
     return files;
+}
+
+std::vector<std::string> LiveNotices(const Session& session) {
+    std::vector<std::string> notices;
+    for (const SessionContainer& container : session.containers)
+        if (!container.live.empty())
+            notices.push_back(session.file.string() + ": " + container.place +
+                              "/live: no file has live pictures opened, so " + cli::Quoted(container.live) +
+                              " stays black under the ink");
+    return notices;
 }
 
 }  // namespace kel

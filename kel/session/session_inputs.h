@@ -28,4 +28,8 @@ struct SessionInput {
 // Their files and the session's own.
 [[nodiscard]] std::vector<std::filesystem::path> InputFilesOf(const Session& session);
 
+// A line for each of its live pictures, which stay as they were never seen: an address that stands in a file may be
+// anybody's. What was drawn on them is there all the same.
+[[nodiscard]] std::vector<std::string> LiveNotices(const Session& session);
+
 }  // namespace kel

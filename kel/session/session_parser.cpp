@@ -91,6 +91,12 @@ constexpr auto containerKeys = std::to_array<cli::JsonKey<SessionContainer>>({
          if (!container.picture.empty()) node.Refuse("the container has a picture already");
          container.video = node.Text();
      }},
+    {"live", false,
+     [](const auto& node, auto& container) {
+         if (!container.picture.empty()) node.Refuse("the container has a picture already");
+         if (!container.video.empty()) node.Refuse("the container has a film already");
+         container.live = node.Text();
+     }},
     {"plugin", false,
      [](const auto& node, auto& container) {
          container.plugin.emplace().place = node.Place();

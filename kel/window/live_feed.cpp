@@ -15,6 +15,9 @@ void LiveFeed::Take(Workspace& workspace, int fields) {
         TakeFrame(workspace);
     else if (fields == 1)
         m_live->TakeField(workspace.TheHost());
+    else if (workspace.Live() != nullptr)
+        // What was not drawn is never seen again: late fields have the picture of the last of them.
+        for (int late = 0; late < fields; ++late) m_live->TakeField(workspace.TheHost());
     else
         m_live->Abandon();
 }

@@ -42,7 +42,7 @@ WindowLoop::WindowLoop(const WindowOptions& options) : m_options(options) {
     m_window.SetTitle(m_workspace->File().filename().string() + " - kel");
     m_window.Show({shown.width + panelWidth,
                    std::max(shown.height, std::min(560, room.height - StatusHeight())) + StatusHeight()});
-    m_recent.Add(m_options.file);
+    if (m_workspace->Live() == nullptr) m_recent.Add(m_options.file);
     if (m_options.hasCleanOutput)
         m_clean =
             std::make_unique<CleanOutput>("kel clean output", m_workspace->TheHost().Window(), m_options.cleanDisplay);
@@ -69,6 +69,7 @@ void WindowLoop::TakeCommands() {
 void WindowLoop::Open(const std::filesystem::path& file) {
     WorkspaceOptions options = m_options.workspace;
     options.recording = NumberedRecording(options.recording, m_opened + 1);
+    options.live.reset();
     try {
         m_workspace = std::make_unique<Workspace>(file, options);
     } catch (const cli::Error& error) {

@@ -11,7 +11,7 @@
 namespace kel {
 
 struct WindowOptions {
-    std::filesystem::path file;  // a picture, a video or a session
+    std::filesystem::path file;  // a picture, a video or a session; no meaning where live pictures are open
     WorkspaceOptions workspace;  // what it says of OpenGL and of sizes is the window's own business
     KeysTable keys;
     bool areKeysGiven = false;          // by the operator: keys that the module has no use for are errors

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "cli/error.h"
+#include "kel/session/session_inputs.h"
 #include "kel/session/session_memory.h"
 #include "kel/workspace/panel_model.h"
 #include "kel/workspace/video_keys.h"
@@ -16,15 +17,19 @@ constexpr std::int64_t mostRecordedFields = 1'000'000;  // what a session takes
 constexpr std::int32_t farthestPixel = 100'000;
 constexpr auto recordingInterval = std::chrono::milliseconds(400);
 
+constexpr const char* liveName = "live";  // of what is saved
+
 bool HasEvents(const Session& session) { return !session.events.empty(); }
 
 }  // namespace
 
 Workspace::Workspace(const std::filesystem::path& file, const WorkspaceOptions& options)
-    : m_file(file), m_saver(options.saves), m_slots(file) {
+    : m_file(options.live ? std::filesystem::path(options.live->Name().shown) : file),
+      m_live(options.live),
+      m_saver(options.saves),
+      m_slots(options.live ? options.saves / liveName : file) {
     m_host = std::make_unique<Host>(WindowSize{16, 16}, options.gl);
-    CheckPictureMemory(file, options.permissions);
-    m_scene = OpenWorkspaceScene(file, m_host->LoadModule(options.module).registration);
+    OpenScene(file, options);
     const Session& session = m_scene.session;
     m_host->ResizeWindow({session.window.width, session.window.height});
     SessionPermissions permissions = options.permissions;
@@ -41,6 +46,19 @@ Workspace::Workspace(const std::filesystem::path& file, const WorkspaceOptions& 
         m_plugIns.push_back({i, container.id, std::move(name), &container.module->registration});
     }
     if (!options.recording.empty()) StartRecording(options);
+}
+
+void Workspace::OpenScene(const std::filesystem::path& file, const WorkspaceOptions& options) {
+    const Registration& module = m_host->LoadModule(options.module).registration;
+    if (m_live) {
+        m_live->SetConversion(options.videoConversion);
+        m_scene = LiveWorkspaceScene(
+            {m_live->Name().shown, {m_live->Width(), m_live->Height()}, m_live->FramesPerSecond()}, module);
+        return;
+    }
+    CheckPictureMemory(file, options.permissions);
+    m_scene = OpenWorkspaceScene(file, module);
+    m_news = LiveNotices(m_scene.session);
 }
 
 Workspace::~Workspace() {
@@ -215,12 +233,20 @@ bool Workspace::Record(std::int64_t field, const std::vector<PendingChange>& cha
     return counts || !changes.empty();
 }
 
+// The newest of the live pictures, on the first container, which is theirs. True: it is another one.
+bool Workspace::ShowLive() {
+    if (!m_live || !m_live->Take(m_livePicture)) return false;
+    m_host->ExchangePicture(m_player->Containers().front().id, m_livePicture, true);
+    return true;
+}
+
 void Workspace::PlayField(int fieldsDue) {
     const std::int64_t field = NextField();
     DeliverEdits();
     const std::vector<PendingChange> changes = std::exchange(m_pendingChanges, {});
     for (const PendingChange& change : changes) Deliver(change);
     const std::uint64_t pictureBefore = m_host->PictureNumber();
+    const bool isOtherLive = fieldsDue == 1 && ShowLive();
     try {
         (void)m_player->PlayField(fieldsDue == 1 ? Player::Rendering::Wanted : Player::Rendering::NotWanted, fieldsDue);
     } catch (const cli::Error& error) {
@@ -228,7 +254,7 @@ void Workspace::PlayField(int fieldsDue) {
     }
     NotePressed();
     if (m_recording) {
-        const bool isOtherPicture = m_host->PictureNumber() != pictureBefore;
+        const bool isOtherPicture = m_host->PictureNumber() != pictureBefore && !isOtherLive;
         const bool plays = Video() != nullptr && Video()->Clock().IsRunning(field);
         if (Record(field, changes, isOtherPicture) || (isOtherPicture && !plays)) m_lastChange = NextField();
     }
@@ -273,11 +299,21 @@ void Workspace::RunFields(int fields) {
     WriteRecording();
 }
 
-std::string Workspace::SaveName(const char* ending) const { return m_file.stem().string() + ending; }
+std::string Workspace::SaveName(const char* ending) const {
+    return (m_live ? std::string(liveName) : m_file.stem().string()) + ending;
+}
+
+void Workspace::ShowExactly() {
+    m_player->ShowVideosExactly();
+    picture_io::Picture exact;
+    if (!m_live || !m_live->TakeExactly(exact)) return;
+    m_host->ExchangePicture(m_player->Containers().front().id, exact, true);
+    m_host->DrawAgain();
+}
 
 void Workspace::SavePicture() {
     try {
-        m_player->ShowVideosExactly();
+        ShowExactly();
     } catch (const cli::Error& error) {
         m_news.emplace_back(error.what());
     }
@@ -294,6 +330,8 @@ void Workspace::SaveOverlay() {
 
 std::vector<std::string> Workspace::TakeNews() {
     for (std::string& line : m_saver.TakeNews()) m_news.push_back(std::move(line));
+    if (m_live)
+        for (std::string& line : m_live->TakeNews()) m_news.push_back(std::move(line));
     if (m_recordingFile)
         if (std::string trouble = m_recordingFile->Trouble(); trouble != m_toldTrouble) {
             if (!trouble.empty()) m_news.push_back(trouble);

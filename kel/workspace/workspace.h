@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "kel/live/live_source.h"
 #include "kel/scene/host.h"
 #include "kel/session/player.h"
 #include "kel/workspace/ink_slots.h"
@@ -26,18 +27,21 @@ struct WorkspaceOptions {
     SessionPermissions permissions;   // of the sessions opened; the file that is opened may be read wherever it is
     std::filesystem::path recording;  // empty: none
     std::filesystem::path saves = ".";
+    // What is opened instead of a file, with its first picture there (LiveSource::WaitForPicture); null: a file is.
+    std::shared_ptr<LiveSource> live;
     // Of what is shown; what is saved is exact in any case.
     VideoConversion videoConversion = VideoConversion::Exact;
 };
 
-// The operator's workspace without its display: a picture, a video or a session with its plug-ins, what the hand and
-// the panel do to them, field by field, and the recording of it. The window draws it and brings it the events.
+// The operator's workspace without its display: a picture, a video, live pictures or a session with its plug-ins, what
+// the hand and the panel do to them, field by field, and the recording of it. The window draws it and brings it the
+// events.
 //
 // A session's own events are played first, as fast as they go; the operator's count from then on. Errors are thrown as
 // Error where said; what goes wrong while fields run becomes news.
 class Workspace {
 public:
-    // Throws Error.
+    // file: not looked at when the options have live pictures. Throws Error.
     Workspace(const std::filesystem::path& file, const WorkspaceOptions& options);
     ~Workspace();  // writes the recording to its end
     Workspace(const Workspace&) = delete;
@@ -117,6 +121,9 @@ public:
     // So many fields were given up since the last one that was run: the video goes on where it would be by now.
     void SkipVideo(std::int64_t fields);
 
+    // The live pictures that are open; null: a file is.
+    [[nodiscard]] const LiveSource* Live() const { return m_live.get(); }
+
     // Runs as many fields at once, at least 1; the host's picture is of the last one.
     void RunFields(int fields);
 
@@ -144,8 +151,11 @@ private:
         InkEdit edit;
     };
 
+    void OpenScene(const std::filesystem::path& file, const WorkspaceOptions& options);
     void Edit(InkEditKind kind);
     void DeliverEdits();
+    bool ShowLive();
+    void ShowExactly();
     void StartRecording(const WorkspaceOptions& options);
     struct Journal {
         ContainerInk* ink = nullptr;
@@ -161,6 +171,8 @@ private:
     [[nodiscard]] std::string SaveName(const char* ending) const;
 
     std::filesystem::path m_file;
+    std::shared_ptr<LiveSource> m_live;  // null: a file is open
+    picture_io::Picture m_livePicture;   // memory for the next one
     std::unique_ptr<Host> m_host;
     WorkspaceScene m_scene;
     std::unique_ptr<Player> m_player;

@@ -31,7 +31,7 @@ constexpr double paneNearness = 0.001;
 
 // What is drawn on.
 struct Backdrop {
-    std::string key;  // of a container: "picture" or "film"
+    std::string key;  // of a container: "picture", "film" or "live"
     WindowSize size;
     double fieldsPerSecond = usualFieldsPerSecond;
 };
@@ -83,7 +83,7 @@ ordered_json PenValues(const Registration& module) {
     return values;
 }
 
-ordered_json SceneAround(const fs::path& file, const Backdrop& backdrop, const Registration& module) {
+ordered_json SceneAround(const std::string& source, const Backdrop& backdrop, const Registration& module) {
     const auto [width, height] = backdrop.size;
     const double side = std::max(width, height);
     const double distance = height / 2.0 / std::tan(fieldOfView / 2 / 180 * std::numbers::pi);
@@ -92,12 +92,20 @@ ordered_json SceneAround(const fs::path& file, const Backdrop& backdrop, const R
             {"fieldsPerSecond", backdrop.fieldsPerSecond},
             {"camera", {{"position", {0, 0, distance}}, {"target", {0, 0, 0}}, {"fieldOfView", fieldOfView}}},
             {"containers",
-             {{{"name", backdrop.key}, {"size", {width, height}}, {backdrop.key, fs::absolute(file).string()}},
+             {{{"name", backdrop.key}, {"size", {width, height}}, {backdrop.key, source}},
               {{"name", "pane"},
                {"size", {side, side}},
                {"position", {0, 0, distance * paneNearness}},
                {"scale", {paneScale, paneScale, 1}},
                {"plugin", {{"parameters", PenValues(module)}}}}}}};
+}
+
+WorkspaceScene SceneOf(const std::string& source, const fs::path& file, const Backdrop& backdrop,
+                       const Registration& module) {
+    WorkspaceScene scene;
+    scene.text = SceneAround(source, backdrop, module).dump(2, ' ', false, ordered_json::error_handler_t::replace);
+    scene.session = ParseSession(scene.text, file);
+    return scene;
 }
 
 }  // namespace
@@ -114,9 +122,11 @@ WorkspaceScene OpenWorkspaceScene(const fs::path& file, const Registration& modu
         return scene;
     }
     const Backdrop backdrop = kind == FileKind::Picture ? PictureBackdrop(file) : VideoBackdrop(file);
-    scene.text = SceneAround(file, backdrop, module).dump(2, ' ', false, ordered_json::error_handler_t::replace);
-    scene.session = ParseSession(scene.text, file);
-    return scene;
+    return SceneOf(fs::absolute(file).string(), file, backdrop, module);
+}
+
+WorkspaceScene LiveWorkspaceScene(const LivePictures& live, const Registration& module) {
+    return SceneOf(live.name, live.name, {"live", live.size, FieldsPerSecondFor(live.framesPerSecond)}, module);
 }
 
 }  // namespace kel

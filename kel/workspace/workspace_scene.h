@@ -21,6 +21,15 @@ struct WorkspaceScene {
 // Throws Error naming the file and the reason.
 [[nodiscard]] WorkspaceScene OpenWorkspaceScene(const std::filesystem::path& file, const Registration& module);
 
+// Around live pictures, of that size and rate; they are named, and whoever reads the scene opens nothing.
+//   name  for people (kel/live/live_name.h)
+struct LivePictures {
+    std::string name;
+    WindowSize size;
+    double framesPerSecond = 25;
+};
+[[nodiscard]] WorkspaceScene LiveWorkspaceScene(const LivePictures& live, const Registration& module);
+
 // True: the file is opened as a session. Throws Error for what cannot be read or is no regular file.
 [[nodiscard]] bool IsSessionFile(const std::filesystem::path& file);
 

@@ -173,6 +173,7 @@ void PlaySession(const PlayOptions& options) {
     OutputOptions wanted = options.outputs;
     wanted.inputs = InputFilesOf(session);
     ClaimFiles(wanted, options.journal);
+    for (const std::string& notice : LiveNotices(session)) std::fprintf(stderr, "kel: %s\n", notice.c_str());
     SessionOutputs outputs(options, session, wanted);
     const cli::InterruptGuard guard;
     outputs.Play();

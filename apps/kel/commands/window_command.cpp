@@ -14,7 +14,9 @@
 #include "apps/kel/commands/play_session.h"
 #include "cli/error.h"
 #include "cli/word_list.h"
+#include "kel/live/live_name.h"
 #include "kel/session/session_inputs.h"
+#include "kel/window/live_wait.h"
 #include "kel/window/progress_window.h"
 #include "kel/window/workspace_window.h"
 #include "kel/workspace/embedded_text.h"
@@ -145,11 +147,23 @@ std::unique_ptr<ControlService> OpenDoors(const WindowLine& line) {
     return control;
 }
 
+// Live pictures do not come again: what shows them cannot be made from the recording, as the ink can.
+void KeepInkAlone(OutputOptions& outputs) {
+    const std::vector<std::string> lost{std::exchange(outputs.out, {}), std::exchange(outputs.frames, {})};
+    for (const std::string& name : lost)
+        if (!name.empty())
+            std::fprintf(stderr, "kel: %s is not written: this machine could not follow the live pictures\n",
+                         name.c_str());
+}
+
 void Window(const WindowLine& line) {
     WindowOptions options;
+    const bool isLive = IsLiveName(line.file);
+    std::optional<LiveName> liveName;
+    if (isLive) liveName = ParseLiveName(line.file);
     options.file = line.file.empty() ? FindExampleScene() : std::filesystem::path(line.file);
     OutputOptions outputs = line.outputs;
-    outputs.inputs = FilesReadFor(options.file);
+    if (!isLive) outputs.inputs = FilesReadFor(options.file);
     if (!line.keys.empty()) outputs.inputs.emplace_back(line.keys);
     ClaimFiles(outputs, line.recording);
     if (!line.overwrites) RequireSessionPlace(line.recording);
@@ -166,14 +180,16 @@ void Window(const WindowLine& line) {
     if (!line.cleanDisplay.empty()) options.cleanDisplay = std::stoi(line.cleanDisplay);
     options.workspace.recording = line.recording;
     options.workspace.saves = line.saves;
+    if (outputs.WantAnything()) CheckOutputs(outputs);
+    options.followsVideo = outputs.WantAnything() && !isLive && FollowsVideoOf(options.file, line.timeline);
+    if (isLive) options.workspace.live = ConnectLive(*liveName, {});
+    if (isLive && !options.workspace.live) return;
     std::unique_ptr<ControlService> control = OpenDoors(line);
     options.control = control.get();
     if (!outputs.WantAnything()) {
         RunWorkspaceWindow(options);
         return;
     }
-    CheckOutputs(outputs);
-    options.followsVideo = FollowsVideoOf(options.file, line.timeline);
     std::optional<ScratchFolder> scratch;
     if (line.recording.empty()) options.workspace.recording = scratch.emplace().Path() / "recording.json";
     if (options.followsVideo) outputs.video = VideoOf(options.file);
@@ -182,10 +198,14 @@ void Window(const WindowLine& line) {
     RunWorkspaceWindow(options);
     control.reset();
     if (live.Finish()) return;
+    if (isLive) {
+        KeepInkAlone(outputs);
+        if (!outputs.WantAnything()) return;
+    }
     // What could not follow is made afterwards from the recording. All that it names has been read and loaded before.
     PlayOptions again;
     again.session = options.workspace.recording.string();
-    again.outputs = line.outputs;
+    again.outputs = isLive ? outputs : line.outputs;
     again.access = line.access;
     again.access.allowModules = again.access.allowOutside = true;
     again.areSavesWritten = false;
@@ -198,7 +218,9 @@ void Window(const WindowLine& line) {
 void AddWindowCommand(CLI::App& program) {
     const auto line = std::make_shared<WindowLine>();
     CLI::App* command = program.add_subcommand("window", "Opens a picture, a film or a session in a window to draw on");
-    command->add_option("file", line->file, "A picture, a film or a session (default: a pitch)");
+    command->add_option(
+        "file", line->file,
+        "A picture, a film, a session, or live pictures: /dev/video0, screen:, srt://HOST:PORT ... (default: a pitch)");
     command->add_option("--record", line->recording, "Writes what happens as a session, which kel play plays again")
         ->type_name("SESSION");
     command->add_flag("--overwrite", line->overwrites, "Lets --record replace a file that is no session");

@@ -1,0 +1,122 @@
+#include <doctest/doctest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "kel/session/session_inputs.h"
+#include "kel/session/session_lines.h"
+#include "kel/workspace/workspace.h"
+#include "tests/cli/temporary_folder.h"
+#include "tests/kel/live/camera.h"
+#include "tests/kel/pixels.h"
+
+namespace kel {
+namespace {
+
+using cli::testing::TemporaryFolder;
+using testing::Await;
+using testing::Camera;
+
+// A workspace over a camera of grey 128, of 320 x 240.
+class LivePlace {
+public:
+    LivePlace() {
+        options.module = CHALKPANE_MODULE;
+        options.recording = folder / "run.json";
+        options.saves = folder.Path();
+        options.live = std::make_shared<LiveSource>(
+            ParseLiveName("tcp://127.0.0.1:" + std::to_string(port) + "?timeout=90000000"));
+        Await("the first picture", [this] { return options.live->WaitForPicture(std::chrono::milliseconds(20)); });
+    }
+
+    TemporaryFolder folder;
+    int port = testing::FreePort();
+    WorkspaceOptions options;
+    Camera camera{{.address = "tcp://127.0.0.1:" + std::to_string(port) + "?listen",
+                   .format = "nut",
+                   .width = 320,
+                   .height = 240}};
+};
+
+void DrawAcross(Workspace& workspace) {
+    workspace.Point(PointerKind::Press, 40, 120);
+    workspace.RunFields(1);
+    workspace.Point(PointerKind::Move, 160, 120);
+    workspace.RunFields(1);
+    workspace.Point(PointerKind::Release, 280, 120);
+    workspace.RunFields(100);  // so that it has become what it will
+}
+
+// Until the corner, where nothing is drawn, shows the grey.
+void AwaitCorner(Workspace& workspace, int grey) {
+    Await("the corner's grey", [&] {
+        workspace.RunFields(1);
+        return std::abs(workspace.TheHost().ReadFrame().At(5, 5)[0] - testing::ShownGrey(grey)) <= 4;
+    });
+}
+
+}  // namespace
+
+TEST_CASE("Live pictures go on under the ink, and the recording names them without what they are entered with") {
+    LivePlace place;
+    picture_io::Picture drawn;
+    {
+        Workspace workspace({}, place.options);
+        CHECK_EQ(workspace.SceneSize().width, 320);
+        CHECK_EQ(workspace.FieldsPerSecond(), 50);
+        AwaitCorner(workspace, 128);
+        DrawAcross(workspace);
+        place.camera.SetGrey(200);
+        AwaitCorner(workspace, 200);
+        CHECK_GT(testing::Difference(workspace.TheHost().ReadFrame().At(160, 120), {214, 214, 214, 255}), 60);
+        drawn = workspace.TheHost().ReadCanvas(workspace.Chosen()->id);
+    }
+    const Session session = ReadSession(place.options.recording);
+    CHECK_EQ(session.containers[0].live, "tcp://127.0.0.1:" + std::to_string(place.port));
+    CHECK(session.isRecording);
+    Host host({session.window.width, session.window.height});
+    Player player(session, host, CHALKPANE_MODULE);
+    while (!player.IsOver()) (void)player.PlayField(Player::Rendering::Wanted);
+    CHECK_EQ(host.ReadCanvas(player.OverlayContainer()), drawn);
+    CHECK_EQ(host.ReadFrame().At(5, 5), testing::black);
+}
+
+TEST_CASE("A file has no live pictures opened, and says so") {
+    const TemporaryFolder folder;
+    const testing::BoundPort server(SOCK_STREAM);
+    REQUIRE_EQ(listen(server.Socket(), 1), 0);
+    const std::string address = "tcp://127.0.0.1:" + std::to_string(server.Number());
+    cli::testing::WriteText(folder / "live.json",
+                            R"({"window":{"width":64,"height":48},"camera":{"position":[0,0,9],"target":[0,0,0]},)"
+                            R"("containers":[{"size":[64,48],"live":")" +
+                                address + R"("},{"size":[8,8],"plugin":{}}]})");
+    WorkspaceOptions options;
+    options.module = CHALKPANE_MODULE;
+    Workspace workspace(folder / "live.json", options);
+    workspace.RunFields(2);
+    const std::vector<std::string> news = workspace.TakeNews();
+    REQUIRE_EQ(news.size(), 1);
+    CHECK_EQ(news[0], (folder / "live.json").string() +
+                          ": /containers/0/live: no file has live pictures opened, so \"" + address +
+                          "\" stays black under the ink");
+    CHECK_EQ(workspace.Live(), nullptr);
+    // Nobody has called.
+    timeval noTime{};
+    fd_set calls;
+    FD_ZERO(&calls);
+    FD_SET(server.Socket(), &calls);
+    CHECK_EQ(select(server.Socket() + 1, &calls, nullptr, nullptr, &noTime), 0);
+}
+
+TEST_CASE("A picture that is saved of live ones is exact") {
+    LivePlace place;
+    place.options.videoConversion = VideoConversion::Fast;
+    Workspace workspace({}, place.options);
+    AwaitCorner(workspace, 128);
+    workspace.SavePicture();
+    Await("the saved picture", [&] { return !workspace.TakeNews().empty(); });
+    const picture_io::Picture saved = picture_io::ReadPicture(place.folder / "live-picture-001.png");
+    CHECK_EQ(saved.width, 320);
+    CHECK_LE(testing::Difference(saved.At(5, 5), {130, 130, 130, 255}), 4);
+}
+
+}  // namespace kel
