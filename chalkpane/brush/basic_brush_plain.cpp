@@ -86,8 +86,10 @@ std::int32_t BasicBrush::OpacityOfStretch(double pressureFactor) const {
     // A pressure is a mean of the samples' ones, but for the rounding of its weights.
     constexpr double rounding = 1e-6;
     using F = PixelFormat8;
+    // One that is NaN or infinite is in all means.
+    const auto isPlain = [](float pressure) { return std::isfinite(pressure) && pressure >= 0.0F; };
+    if (decay != 0.0 || !std::ranges::all_of(history.Pressures(), isPlain)) return -1;
     const auto [least, greatest] = std::ranges::minmax(history.Pressures());
-    if (decay != 0.0 || !(least >= 0.0F)) return -1;
     const auto opacityAt = [&](double pressure) {
         return IntegerOpacity(currentOpacity * (pressure * pressureFactor), pasteOpacityFactor<F>, F::fullScale);
     };
