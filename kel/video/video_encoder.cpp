@@ -1,16 +1,15 @@
 #include "kel/video/video_encoder.h"
 
 #include <algorithm>
-#include <cmath>
 #include <new>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "cli/error.h"
 #include "cli/word_list.h"
-#include "kel/video/colour_matrix.h"
-#include "kel/video/video_file.h"
+#include "kel/video/encoder_opening.h"
 #include "kel/video/video_format.h"
 
 namespace kel {
@@ -41,27 +40,6 @@ const VideoFormat& FormatFor(const std::filesystem::path& file, const VideoSetti
     return *format;
 }
 
-// 29.97 and its like stand for a thousandth less than a whole number.
-AVRational RateOf(double framesPerSecond) {
-    constexpr double nearness = 0.001;
-    constexpr int finest = 100000;
-    const double whole = std::round(framesPerSecond * 1.001);
-    if (std::abs(framesPerSecond - whole) > nearness && std::abs(framesPerSecond * 1.001 - whole) < nearness)
-        return {static_cast<int>(whole) * 1000, 1001};
-    return av_d2q(framesPerSecond, finest);
-}
-
-// Two by two pixels share one colour in YUV420P.
-std::int32_t SideFor(AVPixelFormat format, std::int32_t side) {
-    return format == AV_PIX_FMT_YUV420P ? side + side % 2 : side;
-}
-
-// FFV1 cuts pictures into parts that are coded side by side; a part of no pixels would come back as nonsense.
-int SlicesFor(std::int32_t width, std::int32_t height) {
-    constexpr std::int32_t large = 16;
-    return std::min(width, height) < large ? 1 : 4;
-}
-
 }  // namespace
 
 void VideoEncoder::CloseOutput::operator()(AVFormatContext* output) const {
@@ -73,7 +51,6 @@ VideoEncoder::VideoEncoder(const std::filesystem::path& file, const VideoSetting
     : m_file(file),
       m_codecSettings(*FormatFor(file, settings).codec),
       m_settings(settings),
-      m_frame(NewFrame()),
       m_packet(NewPacket()),
       m_last(NewPacket()) {
     SilenceAv();
@@ -85,45 +62,11 @@ VideoEncoder::VideoEncoder(const std::filesystem::path& file, const VideoSetting
 }
 
 void VideoEncoder::OpenCodec(const VideoSettings& settings) {
-    const AVCodec* codec = avcodec_find_encoder_by_name(m_codecSettings.encoder);
-    if (codec == nullptr)
-        Refuse(m_file.File(), "cannot be written: there is no encoder " + std::string(m_codecSettings.encoder));
-    m_codec.reset(avcodec_alloc_context3(codec));
-    if (!m_codec) throw std::bad_alloc();
-    m_codec->pix_fmt = settings.alpha ? m_codecSettings.withAlpha : m_codecSettings.opaque;
-    m_codec->width = SideFor(m_codec->pix_fmt, settings.width);
-    m_codec->height = SideFor(m_codec->pix_fmt, settings.height);
-    m_codec->framerate = RateOf(settings.framesPerSecond);
-    m_codec->time_base = av_inv_q(m_codec->framerate);
-    m_codec->gop_size = m_codecSettings.keyEvery;
-    if (codec->id == AV_CODEC_ID_FFV1) m_codec->slices = SlicesFor(m_codec->width, m_codec->height);
-    m_codec->flags |= AV_CODEC_FLAG_BITEXACT;
-    if (m_codec->pix_fmt == AV_PIX_FMT_YUV420P) TagColours(settings);
-    if ((m_output->oformat->flags & AVFMT_GLOBALHEADER) != 0) m_codec->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
-    for (const CodecOption& option : m_codecSettings.options)
-        if (option.name != nullptr) Check(av_opt_set(m_codec.get(), option.name, option.value, AV_OPT_SEARCH_CHILDREN));
-    Check(avcodec_open2(m_codec.get(), codec, nullptr));
-    m_frame->format = m_codec->pix_fmt;
-    m_frame->width = m_codec->width;
-    m_frame->height = m_codec->height;
-    m_frame->colorspace = m_codec->colorspace;
-    m_frame->color_range = m_codec->color_range;
-    if (av_frame_get_buffer(m_frame.get(), 0) < 0) throw std::bad_alloc();
-}
-
-// Those of the source as far as it says them; pictures are then made with its matrix.
-void VideoEncoder::TagColours(const VideoSettings& settings) {
-    const bool isHigh = UsualMatrix(m_codec->width, m_codec->height) == AVCOL_SPC_BT709;
-    m_codec->colorspace = isHigh ? AVCOL_SPC_BT709 : AVCOL_SPC_SMPTE170M;
-    m_codec->color_primaries = isHigh ? AVCOL_PRI_BT709 : AVCOL_PRI_SMPTE170M;
-    m_codec->color_trc = isHigh ? AVCOL_TRC_BT709 : AVCOL_TRC_SMPTE170M;
-    m_codec->color_range = AVCOL_RANGE_MPEG;
-    if (settings.source.empty()) return;
-    const VideoFile source(settings.source);
-    const AVCodecParameters& tags = source.Codec();
-    if (IsYuvMatrix(tags.color_space)) m_codec->colorspace = tags.color_space;
-    if (tags.color_primaries != AVCOL_PRI_UNSPECIFIED) m_codec->color_primaries = tags.color_primaries;
-    if (tags.color_trc != AVCOL_TRC_UNSPECIFIED) m_codec->color_trc = tags.color_trc;
+    const bool hasGlobalHeader = (m_output->oformat->flags & AVFMT_GLOBALHEADER) != 0;
+    OpenedEncoder opened = OpenEncoder(m_file.File(), m_codecSettings, settings,
+                                       hasGlobalHeader ? HeaderPlace::Container : HeaderPlace::Packets);
+    m_codec = std::move(opened.codec);
+    m_frame = std::move(opened.frame);
 }
 
 void VideoEncoder::OpenFile() {

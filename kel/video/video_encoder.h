@@ -32,7 +32,6 @@ private:
     };
 
     void OpenCodec(const VideoSettings& settings);
-    void TagColours(const VideoSettings& settings);
     void OpenFile();
     void CheckSize(const picture_io::Picture& picture) const;
     [[nodiscard]] double SecondsWritten() const;
