@@ -19,6 +19,18 @@ picture_io::Picture AlphaAsGrey(picture_io::Picture picture) {
     return picture;
 }
 
+picture_io::Picture SideBySide(const picture_io::Picture& left, const picture_io::Picture& right) {
+    picture_io::Picture both(left.width + right.width, left.height);
+    const std::ptrdiff_t leftBytes = std::ptrdiff_t{left.width} * 4;
+    const std::ptrdiff_t rightBytes = std::ptrdiff_t{right.width} * 4;
+    auto to = both.rgba.begin();
+    for (std::ptrdiff_t row = 0; row < left.height; ++row) {
+        to = std::copy_n(left.rgba.begin() + row * leftBytes, leftBytes, to);
+        to = std::copy_n(right.rgba.begin() + row * rightBytes, rightBytes, to);
+    }
+    return both;
+}
+
 }  // namespace
 
 SharedPicture FieldViews::Show(View view, Host& host, ObjectId drawn) {
@@ -41,6 +53,8 @@ picture_io::Picture FieldViews::Make(View view, Host& host, ObjectId drawn) {
             return Opaque(*Show(View::Overlay, host));
         case View::Key:
             return AlphaAsGrey(*Show(View::Overlay, host));
+        case View::FillKey:
+            return SideBySide(*Show(View::Fill, host), *Show(View::Key, host));
         case View::Canvas:
             break;
     }

@@ -4,6 +4,7 @@
 
 #include "cli/file_ending.h"
 #include "cli/word_list.h"
+#include "kel/outputs/live_address.h"
 #include "kel/video/video_format.h"
 #include "picture_io/picture_format.h"
 
@@ -21,6 +22,9 @@ std::vector<OutputFormat> AllFormats() {
     }
     for (const VideoFormat& video : VideoFormats())
         all.push_back({video.ending, video.name, OutputMedium::Video, video.hasAlpha, video.isLive});
+    for (const LiveScheme& scheme : LiveSchemes())
+        all.push_back(
+            {scheme.beginning, scheme.UsualFormat().name, OutputMedium::Stream, scheme.UsualFormat().hasAlpha, true});
     return all;
 }
 
@@ -34,7 +38,7 @@ std::span<const OutputFormat> OutputFormats() {
 const OutputFormat* FormatOfOutput(const std::filesystem::path& file) {
     const std::string ending = cli::EndingOf(file);
     for (const OutputFormat& format : OutputFormats())
-        if (ending == format.ending) return &format;
+        if (IsFileOutput(format) && ending == format.ending) return &format;
     return nullptr;
 }
 
@@ -45,10 +49,12 @@ std::string OutputEndings(bool (*which)(const OutputFormat&), const char* before
     return cli::WordList(endings, beforeLast);
 }
 
-bool IsAnyOutput(const OutputFormat& /*format*/) { return true; }
+bool IsFileOutput(const OutputFormat& format) { return format.medium != OutputMedium::Stream; }
+bool IsStreamOutput(const OutputFormat& format) { return format.medium == OutputMedium::Stream; }
+bool IsAlphaStreamOutput(const OutputFormat& format) { return IsStreamOutput(format) && format.hasAlpha; }
 bool IsPictureOutput(const OutputFormat& format) { return format.medium == OutputMedium::Picture; }
 bool IsVideoOutput(const OutputFormat& format) { return format.medium == OutputMedium::Video; }
-bool IsAlphaOutput(const OutputFormat& format) { return format.hasAlpha; }
+bool IsAlphaOutput(const OutputFormat& format) { return IsFileOutput(format) && format.hasAlpha; }
 bool IsAlphaVideoOutput(const OutputFormat& format) { return IsVideoOutput(format) && format.hasAlpha; }
 bool IsAlphaPictureOutput(const OutputFormat& format) { return IsPictureOutput(format) && format.hasAlpha; }
 

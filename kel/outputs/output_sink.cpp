@@ -12,9 +12,14 @@ namespace {
 
 const OutputFormat& FormatFor(const std::filesystem::path& file) {
     if (const OutputFormat* format = FormatOfOutput(file)) return *format;
+    if (file.string().find("://") != std::string::npos)
+        throw cli::Error(file.string(), {},
+                         "is no file; what is sent live goes to the address of --live, --live-overlay, --live-fill and "
+                         "--live-key, or --live-fill-key");
     const std::string ending = file.extension().string();
     std::vector<std::string> known;
-    for (const OutputFormat& format : OutputFormats()) known.emplace_back(format.ending);
+    for (const OutputFormat& format : OutputFormats())
+        if (IsFileOutput(format)) known.emplace_back(format.ending);
     throw cli::Error(file.string(), {},
                      "neither a picture nor a film ends in " + cli::Quoted(ending) + cli::NearestHint(ending, known));
 }

@@ -22,8 +22,9 @@ enum class View : std::uint8_t {
     Fill,      // the overlay's colours, opaque
     Key,       // the overlay's alpha as grey
     Canvas,    // the module's own surface, not as it is seen
+    FillKey,   // fill at the left and key at the right, in one picture of twice the width
 };
-constexpr std::size_t viewCount = 5;
+constexpr std::size_t viewCount = 6;
 
 // Never changed once it is there, so that sinks may keep it, also on other threads.
 using SharedPicture = std::shared_ptr<const picture_io::Picture>;
@@ -41,7 +42,7 @@ struct OutputField {
 };
 
 struct SinkSettings {
-    WindowSize size;  // pixels, of every view but the canvas
+    WindowSize size;  // pixels, of every view but the last two
     double fieldsPerSecond = 0.0;
     std::int64_t fields = 1;                   // how many are expected; more may come
     picture_io::OutputFiles* files = nullptr;  // borrowed; knows all files of the run, and commits those staged in it

@@ -30,6 +30,36 @@ void ShowLatePictures(const FieldPacer& pacer, StatusLine::Clock::time_point now
     if (ImGui::IsItemHovered()) ImGui::SetTooltip("Fields that came too late for their picture to be shown.");
 }
 
+std::string LiveDetails(const std::vector<LiveFigures>& streams) {
+    std::string details;
+    for (const LiveFigures& stream : streams) {
+        if (!details.empty()) details += '\n';
+        const char* state = !stream.trouble.empty() ? stream.trouble.c_str()
+                            : stream.hasReader      ? "is being read"
+                                                    : "waits for a reader";
+        details += stream.address + " " + state + ": " + std::to_string(stream.sent) + " pictures sent, " +
+                   std::to_string(stream.dropped) + " dropped\n   " + stream.what;
+    }
+    return details;
+}
+
+// How many of what is sent live are read, and what readers have missed.
+void ShowStreams(const std::vector<LiveFigures>& streams) {
+    if (streams.empty()) return;
+    int read = 0;
+    long long dropped = 0;
+    bool isWell = true;
+    for (const LiveFigures& stream : streams) {
+        read += stream.hasReader ? 1 : 0;
+        dropped += stream.dropped;
+        isWell = isWell && stream.trouble.empty();
+    }
+    ImGui::SameLine(0, 24);
+    const ImVec4 colour = isWell && dropped == 0 ? ImGui::GetStyleColorVec4(ImGuiCol_Text) : warning;
+    ImGui::TextColored(colour, "live %d of %d, %lld dropped", read, static_cast<int>(streams.size()), dropped);
+    if (ImGui::IsItemHovered()) ImGui::SetTooltip("%s", LiveDetails(streams).c_str());
+}
+
 void ShowFigures(const Host& host, const StatusLine::Figures& figures, StatusLine::Clock::time_point now) {
     ImGui::Text("%d pictures/s", figures.pictures.Of(now));
     if (ImGui::IsItemHovered()) ImGui::SetTooltip("Pictures in which something changed, in the last whole second.");
@@ -45,6 +75,7 @@ void ShowFigures(const Host& host, const StatusLine::Figures& figures, StatusLin
     ImGui::TextDisabled("field callback %.2f ms, slowest %.2f ms", Milliseconds(times.last),
                         Milliseconds(times.slowest));
     ShowLatePictures(figures.pacer, now);
+    ShowStreams(figures.streams);
 }
 
 void ShowRecognition(const Workspace& workspace) {

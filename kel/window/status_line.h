@@ -3,7 +3,9 @@
 #include <chrono>
 #include <deque>
 #include <string>
+#include <vector>
 
+#include "kel/outputs/live_sink.h"
 #include "kel/workspace/field_pacer.h"
 #include "kel/workspace/pen_times.h"
 #include "kel/workspace/workspace.h"
@@ -22,6 +24,7 @@ public:
         const FieldPacer& pacer;
         const SecondRate& pictures;  // in which something changed
         const PenTimes& pen;
+        std::vector<LiveFigures> streams;
     };
     void Show(Workspace& workspace, const Figures& figures, WindowSize window, Clock::time_point now);
 

@@ -83,6 +83,7 @@ void WindowLoop::Open(const std::filesystem::path& file) {
     m_painter.Tail().End();
     if (m_clean) m_clean->ShowAnew();
     OpenSound();
+    StartStreams();
     m_panel = {};
     m_chooser = {};
     m_isDrawing = false;
@@ -150,7 +151,7 @@ void WindowLoop::MakePanel() {
                  {m_inkPanel, m_chooser.IsOn(), IsPanelFolded(), [this](const FittedKeys::Key& key) { DoKey(key); }}))
             DoAction(action);
         if (auto refusal = m_panel.TakeRefusal()) m_status.Tell(*refusal, now);
-        m_status.Show(*m_workspace, {m_pacer, m_pictures, m_pen}, size, now);
+        m_status.Show(*m_workspace, {m_pacer, m_pictures, m_pen, StreamFigures()}, size, now);
     }
     for (const std::string& news : m_workspace->TakeNews()) {
         m_status.Tell(news, now);
@@ -204,11 +205,13 @@ void WindowLoop::PlaySession() {
 void WindowLoop::RunDueFields() {
     const int due = m_pacer.Due(Clock::now());
     if (due == 0) return;
-    m_workspace->SkipVideo(m_pacer.GivenUp() - std::exchange(m_givenUp, m_pacer.GivenUp()));
+    const std::int64_t skipped = m_pacer.GivenUp() - std::exchange(m_givenUp, m_pacer.GivenUp());
+    m_workspace->SkipVideo(skipped);
     TakeCommands();
     m_workspace->RunFields(due);
     FollowWithSound();
     m_feed.Take(*m_workspace, due);
+    if (m_options.streams != nullptr) m_options.streams->TakeField(m_workspace->TheHost(), due + skipped);
     if (std::exchange(m_isTailOver, false)) m_painter.Tail().End();
     ShowPicture();
     m_workspace->FollowInk();
@@ -242,8 +245,19 @@ void WindowLoop::ShowClean(const FrameArea& changed) {
     if (m_clean) m_clean->Show(m_workspace->TheHost(), changed);
 }
 
+// What is sent live shows whatever file is open.
+void WindowLoop::StartStreams() {
+    if (m_options.streams == nullptr) return;
+    m_options.streams->Start(m_workspace->TheHost().Window(), m_workspace->FieldsPerSecond());
+}
+
+std::vector<LiveFigures> WindowLoop::StreamFigures() const {
+    return m_options.streams == nullptr ? std::vector<LiveFigures>() : m_options.streams->Figures();
+}
+
 void WindowLoop::Run() {
     m_feed.Start(*m_workspace);
+    StartStreams();
     StartPacing();
     ShowPanel();
     while (!m_isOver) {

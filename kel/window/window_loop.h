@@ -44,6 +44,8 @@ private:
     void Open(const std::filesystem::path& file);
     void OpenSound();
     void FollowWithSound();
+    void StartStreams();
+    [[nodiscard]] std::vector<LiveFigures> StreamFigures() const;
     void StartPacing() {
         m_pacer = FieldPacer(m_workspace->FieldsPerSecond(), Clock::now());
         m_givenUp = 0;

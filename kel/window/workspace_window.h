@@ -5,6 +5,7 @@
 
 #include "kel/control/control_service.h"
 #include "kel/outputs/live_outputs.h"
+#include "kel/outputs/live_streams.h"
 #include "kel/workspace/keys_table.h"
 #include "kel/workspace/workspace.h"
 
@@ -22,6 +23,7 @@ struct WindowOptions {
     std::optional<int> cleanDisplay;    // the one that it fills, counted from 1
     bool followsVideo = false;          // what is written has a field for each frame of the video that is open
     LiveOutputs* live = nullptr;        // borrowed; gets every field of the file as it is drawn; null: nobody does
+    LiveStreams* streams = nullptr;     // borrowed; gets every picture that is drawn; null: nobody does
     ControlService* control = nullptr;  // borrowed; commands come through it; null: from nobody
 };
 

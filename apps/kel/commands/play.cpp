@@ -12,6 +12,7 @@ void AddPlayCommand(CLI::App& program) {
     CLI::App* command = program.add_subcommand("play", "Plays a session without a window");
     command->add_option("session", options->session, "The session, a JSON file (docs/session.md)")->required();
     AddOutputOptions(*command, options->outputs);
+    AddLiveOptions(*command, options->live);
     command
         ->add_option("--frames", options->outputs.frames,
                      "Writes every field's picture, such as frames/f%05d.png, beside what --out writes")

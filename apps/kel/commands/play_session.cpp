@@ -1,12 +1,15 @@
 #include "apps/kel/commands/play_session.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <memory>
 #include <optional>
+#include <thread>
 #include <utility>
 
 #include "apps/kel/commands/claimed_files.h"
+#include "apps/kel/commands/live_lines.h"
 #include "apps/kel/commands/play_journal.h"
 #include "cli/error.h"
 #include "cli/interrupt_guard.h"
@@ -54,9 +57,52 @@ private:
     cli::ProgressLine m_line;
 };
 
+WindowSize WindowOf(const Session& session) { return {session.window.width, session.window.height}; }
+
+// What of a play is sent live, and the pace at which it is looked at; without anything to send there is none.
+class PlayBroadcast {
+public:
+    explicit PlayBroadcast(const PlayOptions& options) : m_streams(options.live, options.outputs.isStraight) {}
+    ~PlayBroadcast() { Close(); }  // tells how it did, also when the play is interrupted
+    PlayBroadcast(const PlayBroadcast&) = delete;
+    PlayBroadcast& operator=(const PlayBroadcast&) = delete;
+    PlayBroadcast(PlayBroadcast&&) = delete;
+    PlayBroadcast& operator=(PlayBroadcast&&) = delete;
+
+    [[nodiscard]] bool IsThere() const { return m_streams.AreThere(); }
+    void Start(WindowSize window, double fieldsPerSecond) {
+        if (!IsThere()) return;
+        TellStreams(m_streams);
+        m_streams.Start(window, fieldsPerSecond);
+        m_isOn = true;
+        m_period = std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(1 / fieldsPerSecond));
+        m_next = Clock::now();
+    }
+    // The host has just drawn the next field; returns when it is the time of that.
+    void Show(Host& host) {
+        if (!IsThere()) return;
+        std::this_thread::sleep_until(m_next);
+        // What was late is not hurried after: a burst of pictures is of no use to a reader.
+        m_next = std::max(m_next, Clock::now() - m_period) + m_period;
+        m_streams.TakeField(host);
+    }
+    void ChangeHost() { m_streams.ChangeHost(); }
+    void Close() {
+        if (std::exchange(m_isOn, false)) CloseStreams(m_streams);
+    }
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    LiveStreams m_streams;
+    bool m_isOn = false;
+    Clock::duration m_period{};
+    Clock::time_point m_next;  // when the next field is looked at
+};
+
 TimelinePlay::Stage MakeStage(const Session& session, const PlayOptions& options) {
     TimelinePlay::Stage stage;
-    stage.host = std::make_unique<Host>(WindowSize{session.window.width, session.window.height});
+    stage.host = std::make_unique<Host>(WindowOf(session));
     SessionPermissions permissions = options.access.Permissions();
     permissions.keepsStrokes = !options.journal.empty();
     stage.player =
@@ -67,6 +113,7 @@ TimelinePlay::Stage MakeStage(const Session& session, const PlayOptions& options
 struct Wanted {
     Outputs& outputs;
     const SessionSaves* saves;  // null: none of the session's own
+    PlayBroadcast* broadcast;   // null: none of these fields
 };
 
 void PlayFields(TimelinePlay::Stage& stage, const PlayOptions& options, const Session& session, const Wanted& wanted,
@@ -80,18 +127,23 @@ void PlayFields(TimelinePlay::Stage& stage, const PlayOptions& options, const Se
             for (const std::string& name : names)
                 wanted.outputs.Stage(stage.host->ReadFrame(), wanted.saves->FileOf(name));
         if (rendering == Player::Rendering::Wanted) wanted.outputs.TakeField(*stage.host);
+        if (wanted.broadcast != nullptr) wanted.broadcast->Show(*stage.host);
         progress.Show(stage.player->NextField());
     }
     journal.Finish();
 }
 
-void PlayAlongVideo(TimelinePlay& play, const PlayOptions& options, Outputs& outputs) {
+void PlayAlongVideo(TimelinePlay& play, const PlayOptions& options, Outputs& outputs, PlayBroadcast& broadcast) {
     const auto& steps = play.Timeline().steps;
     PlayProgress progress(options, "frame", static_cast<std::int64_t>(steps.size()));
     std::int64_t done = 0;
     for (const VideoTimeline::Step& step : steps) {
-        if (play.Show(step)) outputs.ChangeHost();
+        if (play.Show(step)) {
+            outputs.ChangeHost();
+            broadcast.ChangeHost();
+        }
         outputs.TakeField(play.TheHost());
+        broadcast.Show(play.TheHost());
         progress.Show(++done);
     }
 }
@@ -114,13 +166,14 @@ private:
     TimelinePlay::Stage m_stage;
     std::optional<VideoTimeline> m_timeline;
     std::optional<Outputs> m_outputs;
+    PlayBroadcast m_broadcast;
 };
 
 // Every file that the play will write is checked before the first field. What fails leaves the folder of the saves
 // last, when nothing is in it any more.
 SessionOutputs::SessionOutputs(const PlayOptions& options, const Session& session, const OutputOptions& wanted)
-    : m_options(options), m_session(session), m_saves(SavesOf(options, session)) {
-    const WindowSize window{session.window.width, session.window.height};
+    : m_options(options), m_session(session), m_saves(SavesOf(options, session)), m_broadcast(options) {
+    const WindowSize window = WindowOf(session);
     if (FollowsVideo(options.timeline, session)) {
         m_stage = MakeStage();
         m_timeline = TimelineOf(session, *m_stage.player);
@@ -138,31 +191,38 @@ SessionOutputs::SessionOutputs(const PlayOptions& options, const Session& sessio
 }
 
 void SessionOutputs::CheckStage() const {
-    if (m_options.outputs.WantDrawings() && m_stage.player->OverlayContainer() == noObject)
+    const bool areSent =
+        std::ranges::any_of(m_options.live, [](const auto& live) { return live.view != View::Rendered; });
+    if ((m_options.outputs.WantDrawings() || areSent) && m_stage.player->OverlayContainer() == noObject)
         throw cli::Error(m_options.session, "/containers", "no container has a plug-in, so there is no overlay");
     PlayJournal::Check(m_options.journal, m_options.session, *m_stage.player);
-    if (!m_options.outputs.WantAnything() && !HasSaves(m_options, m_session) && m_options.journal.empty())
+    if (!m_options.outputs.WantAnything() && m_options.live.empty() && !HasSaves(m_options, m_session) &&
+        m_options.journal.empty())
         std::fprintf(stderr, "kel: nothing is written: %s\n",
                      "the session saves no picture, and none of --out, --overlay, --canvas, --fill is given");
 }
 
 bool SessionOutputs::PlayVideo() {
     TimelinePlay play(*m_timeline, std::move(m_stage), [this] { return MakeStage(); });
-    PlayAlongVideo(play, m_options, *m_outputs);
+    m_broadcast.Start(WindowOf(m_session), m_timeline->framesPerSecond);
+    PlayAlongVideo(play, m_options, *m_outputs, m_broadcast);
+    m_broadcast.Close();
     if (!m_outputs->WantLastField() && !HasSaves(m_options, m_session) && m_options.journal.empty()) return false;
     m_outputs->ChangeHost();
     return true;
 }
 
 void SessionOutputs::Play() {
-    const bool isEveryFieldWanted = m_outputs->WantEveryField();
+    const bool isEveryFieldWanted = m_outputs->WantEveryField() || m_broadcast.IsThere();
     if (m_timeline && isEveryFieldWanted) {
         if (!PlayVideo()) return m_outputs->Finish();
         m_stage = MakeStage();  // for the pictures of the end and those that the session saves
     }
     const bool areFieldsTaken = isEveryFieldWanted && !m_timeline;
-    PlayFields(m_stage, m_options, m_session, {*m_outputs, m_saves.get()},
+    if (areFieldsTaken) m_broadcast.Start(WindowOf(m_session), m_session.fieldsPerSecond);
+    PlayFields(m_stage, m_options, m_session, {*m_outputs, m_saves.get(), areFieldsTaken ? &m_broadcast : nullptr},
                areFieldsTaken ? Player::Rendering::Wanted : Player::Rendering::NotWanted);
+    if (areFieldsTaken) m_broadcast.Close();
     m_outputs->Finish(*m_stage.host, m_stage.player->OverlayContainer());
 }
 

@@ -4,9 +4,11 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "apps/kel/commands/session_options.h"
 #include "apps/kel/commands/timeline_option.h"
+#include "kel/outputs/live_address.h"
 #include "kel/outputs/outputs.h"
 
 namespace kel {
@@ -14,6 +16,7 @@ namespace kel {
 struct PlayOptions {
     std::string session;  // path
     OutputOptions outputs;
+    std::vector<LiveRequest> live;  // sent while it plays, which is then as fast as one looks at it
     SessionOptions access;
     bool areSavesWritten = true;                       // what the session's own save events ask for
     std::optional<std::filesystem::path> savesFolder;  // none: one named after the session

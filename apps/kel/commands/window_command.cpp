@@ -9,6 +9,7 @@
 
 #include "apps/kel/commands/claimed_files.h"
 #include "apps/kel/commands/commands.h"
+#include "apps/kel/commands/live_lines.h"
 #include "apps/kel/commands/module_path.h"
 #include "apps/kel/commands/output_options.h"
 #include "apps/kel/commands/play_session.h"
@@ -40,6 +41,7 @@ struct WindowLine {
     std::string cleanDisplay;
     TimelineChoice timeline = TimelineChoice::Usual;
     OutputOptions outputs;
+    std::vector<LiveRequest> live;
     std::string door;
     std::string osc;
 };
@@ -156,6 +158,11 @@ void KeepInkAlone(OutputOptions& outputs) {
                          name.c_str());
 }
 
+void RunAndTell(const WindowOptions& options, LiveStreams& streams) {
+    RunWorkspaceWindow(options);
+    CloseStreams(streams);
+}
+
 void Window(const WindowLine& line) {
     WindowOptions options;
     const bool isLive = IsLiveName(line.file);
@@ -182,20 +189,20 @@ void Window(const WindowLine& line) {
     options.workspace.saves = line.saves;
     if (outputs.WantAnything()) CheckOutputs(outputs);
     options.followsVideo = outputs.WantAnything() && !isLive && FollowsVideoOf(options.file, line.timeline);
+    LiveStreams streams(line.live, line.outputs.isStraight);
+    if (streams.AreThere()) options.streams = &streams;
     if (isLive) options.workspace.live = ConnectLive(*liveName, {});
     if (isLive && !options.workspace.live) return;
     std::unique_ptr<ControlService> control = OpenDoors(line);
+    TellStreams(streams);
     options.control = control.get();
-    if (!outputs.WantAnything()) {
-        RunWorkspaceWindow(options);
-        return;
-    }
+    if (!outputs.WantAnything()) return RunAndTell(options, streams);
     std::optional<ScratchFolder> scratch;
     if (line.recording.empty()) options.workspace.recording = scratch.emplace().Path() / "recording.json";
     if (options.followsVideo) outputs.video = VideoOf(options.file);
     LiveOutputs live(outputs);
     options.live = &live;
-    RunWorkspaceWindow(options);
+    RunAndTell(options, streams);
     control.reset();
     if (live.Finish()) return;
     if (isLive) {
@@ -248,6 +255,7 @@ void AddWindowCommand(CLI::App& program) {
         ->type_name("[ADDRESS:]PORT");
     AddTimelineOption(*command, line->timeline);
     AddOutputOptions(*command, line->outputs);
+    AddLiveOptions(*command, line->live);
     command->footer("The outputs are there when the window has been closed.");
     command->callback([line, clean] {
         line->hasCleanOutput = clean->count() > 0;

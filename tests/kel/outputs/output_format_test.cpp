@@ -21,7 +21,7 @@ TEST_CASE("An ending stands for one output, in either case of letters") {
     for (const OutputFormat& format : OutputFormats()) {
         CAPTURE(format.ending);
         CHECK(endings.insert(std::string(format.ending)).second);
-        CHECK_EQ(FormatOfOutput("folder.x/name" + std::string(format.ending)), &format);
+        if (IsFileOutput(format)) CHECK_EQ(FormatOfOutput("folder.x/name" + std::string(format.ending)), &format);
     }
     CHECK_EQ(FormatOfOutput("A.PNG"), FormatOfOutput("a.png"));
     CHECK_EQ(FormatOfOutput("a.txt"), nullptr);
@@ -49,6 +49,8 @@ TEST_CASE("Endings are listed as a sentence has them") {
     CHECK_EQ(OutputEndings(IsPictureOutput, ""),
              ".png, .jpg, .jpeg, .webp, .tif, .tiff, .bmp, .ppm, .pnm, .pam, .gif, .avif, .heic, .heif");
     CHECK_EQ(OutputEndings(IsVideoOutput, "or"), ".mov, .mkv, .mp4 or .webm");
+    CHECK_EQ(OutputEndings(IsStreamOutput, "or"), "srt://, udp:// or tcp://");
+    CHECK_EQ(OutputEndings(IsAlphaStreamOutput, "or"), "tcp://");
 }
 
 TEST_CASE("The page about outputs and the help know every ending and its codec") {
