@@ -31,20 +31,20 @@ private:
     SDL_GLContext m_context;
 };
 
-int DisplayIndex(std::optional<int> display) {
+int DisplayIndex(const CleanPlace& place) {
     const int count = SDL_GetNumVideoDisplays();
-    if (display && (*display < 1 || *display > count))
-        throw cli::Error("--clean-output: there is no display " + std::to_string(*display) + "; there " +
+    if (place.display && (*place.display < 1 || *place.display > count))
+        throw cli::Error(place.option + ": there is no display " + std::to_string(*place.display) + "; there " +
                          (count == 1 ? "is 1" : "are " + std::to_string(count)));
-    return display ? *display - 1 : count > 1 ? 1 : 0;
+    return place.display ? *place.display - 1 : count >= place.usual ? place.usual - 1 : 0;
 }
 
-SDL_Window* OpenWindow(const std::string& title, WindowSize scene, std::optional<int> display) {
-    const int index = DisplayIndex(display);
-    const bool fills = display || index > 0;
+SDL_Window* OpenWindow(const CleanPlace& wanted, WindowSize scene) {
+    const int index = DisplayIndex(wanted);
+    const bool fills = wanted.display || index > 0;
     const int place = static_cast<int>(SDL_WINDOWPOS_CENTERED_DISPLAY(static_cast<unsigned>(index)));
     const Uint32 flags = SDL_WINDOW_OPENGL | (fills ? SDL_WINDOW_FULLSCREEN_DESKTOP : SDL_WINDOW_RESIZABLE);
-    SDL_Window* window = SDL_CreateWindow(title.c_str(), place, place, scene.width, scene.height, flags);
+    SDL_Window* window = SDL_CreateWindow(wanted.title.c_str(), place, place, scene.width, scene.height, flags);
     if (window == nullptr) throw cli::Error(std::string("no clean window can be opened: ") + SDL_GetError());
     return window;
 }
@@ -65,19 +65,18 @@ struct CleanOutput::Screen {
         SDL_GetWindowSize(window.get(), &size.width, &size.height);
         return size;
     }
-    void ShowAll(const Host& host, const FrameArea& picture) {
+    void ShowAll(const Draw& draw, const FrameArea& picture) {
         glBindFramebuffer(GL_FRAMEBUFFER, 0);
         glDisable(GL_SCISSOR_TEST);
         glClearColor(0, 0, 0, 1);
         glClear(GL_COLOR_BUFFER_BIT);
-        host.ShowFrame(picture);
+        draw(picture, picture);
     }
 };
 
-CleanOutput::CleanOutput(const std::string& title, WindowSize scene, std::optional<int> display)
-    : m_screen(std::make_unique<Screen>()) {
+CleanOutput::CleanOutput(const CleanPlace& place, WindowSize scene) : m_screen(std::make_unique<Screen>()) {
     m_screen->first = SDL_GL_GetCurrentWindow();
-    m_screen->window.reset(OpenWindow(title, scene, display));
+    m_screen->window.reset(OpenWindow(place, scene));
     const Drawing drawing(m_screen->window.get());
     SDL_GL_SetSwapInterval(0);
     m_screen->presenter = std::make_unique<PartPresenter>(m_screen->window.get());
@@ -89,25 +88,25 @@ void CleanOutput::ShowAnew() { m_screen->isStale = true; }
 
 bool CleanOutput::IsClosed() const { return m_screen->isClosed; }
 
-void CleanOutput::Show(const Host& host, const FrameArea& changed) {
+void CleanOutput::Show(WindowSize scene, const FrameArea& changed, const Draw& draw) {
     const WindowSize size = m_screen->Size();
     const bool isOtherSize = size.width != m_screen->shown.width || size.height != m_screen->shown.height;
     const bool isWhole = m_screen->isStale || isOtherSize || !m_screen->presenter->IsPossible();
     if (!isWhole && changed.IsEmpty()) return;
     if (changed.IsEmpty() && !m_screen->isStale && !isOtherSize) return;
-    const PictureArea fit = FitPicture(host.Window(), size);
+    const PictureArea fit = FitPicture(scene, size);
     const FrameArea picture{fit.x, size.height - fit.y - fit.height, fit.width, fit.height};
     const Drawing drawing(m_screen->window.get());
     if (!isWhole) {
-        const FrameArea part = ShownPart(changed, host.Window(), picture);
+        const FrameArea part = ShownPart(changed, scene, picture);
         if (part.IsEmpty()) return;
-        host.ShowFramePart(picture, part);
+        draw(picture, part);
         return m_screen->presenter->Show(part);
     }
-    m_screen->ShowAll(host, picture);
+    m_screen->ShowAll(draw, picture);
     SDL_GL_SwapWindow(m_screen->window.get());
     // What is left in the back buffer is anything.
-    if (m_screen->presenter->IsPossible()) m_screen->ShowAll(host, picture);
+    if (m_screen->presenter->IsPossible()) m_screen->ShowAll(draw, picture);
     m_screen->shown = size;
     m_screen->isStale = false;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -11,14 +12,23 @@ union SDL_Event;
 
 namespace kel {
 
-// A second window with the picture alone, for a beamer or a mixer: no panel, no pointer, no help. It has the OpenGL
+// Where such a window is, displays being counted from 1.
+struct CleanPlace {
+    std::string title;
+    std::string option;          // of the command line, for what is to be said of it
+    std::optional<int> display;  // fills that one; nothing: the usual one
+    int usual = 2;               // fills it where it is there, and is a window otherwise
+};
+
+// Another window with a picture alone, for a beamer or a mixer: no panel, no pointer, no help. It has the OpenGL
 // context of the first one, which is current in every call, and is so again afterwards.
 class CleanOutput {
 public:
-    // display  counted from 1: fills that one; nothing: fills the second one where there is one, and is a window
-    //          otherwise
+    // Shows the picture in an area of the current window, as far as it lies in a part of it.
+    using Draw = std::function<void(const FrameArea& area, const FrameArea& part)>;
+
     // Throws Error when there is no such display, or no window can be opened.
-    CleanOutput(const std::string& title, WindowSize scene, std::optional<int> display);
+    CleanOutput(const CleanPlace& place, WindowSize scene);
     ~CleanOutput();
     CleanOutput(const CleanOutput&) = delete;
     CleanOutput& operator=(const CleanOutput&) = delete;
@@ -26,7 +36,7 @@ public:
     CleanOutput& operator=(CleanOutput&&) = delete;
 
     // changed: of the scene's picture since the last call, in its pixels
-    void Show(const Host& host, const FrameArea& changed);
+    void Show(WindowSize scene, const FrameArea& changed, const Draw& draw);
     // All is shown by the next call.
     void ShowAnew();
 

@@ -44,8 +44,11 @@ WindowLoop::WindowLoop(const WindowOptions& options) : m_options(options) {
                    std::max(shown.height, std::min(560, room.height - StatusHeight())) + StatusHeight()});
     if (m_workspace->Live() == nullptr) m_recent.Add(m_options.file);
     if (m_options.hasCleanOutput)
-        m_clean =
-            std::make_unique<CleanOutput>("kel clean output", m_workspace->TheHost().Window(), m_options.cleanDisplay);
+        m_clean = std::make_unique<CleanOutput>(
+            CleanPlace{"kel clean output", "--clean-output", m_options.cleanDisplay}, m_workspace->TheHost().Window());
+    if (m_options.hasKeyFill)
+        m_keyFill = std::make_unique<KeyFillOutput>(m_workspace->TheHost().Window(), m_options.keyFillDisplay,
+                                                    m_options.isKeyFillStraight);
 }
 
 void WindowLoop::FitTheKeys(KeyFit fit) {
@@ -82,6 +85,7 @@ void WindowLoop::Open(const std::filesystem::path& file) {
     m_spotlight.Forget();
     m_painter.Tail().End();
     if (m_clean) m_clean->ShowAnew();
+    if (m_keyFill) m_keyFill->ShowAnew();
     OpenSound();
     StartStreams();
     m_panel = {};
@@ -242,7 +246,12 @@ void WindowLoop::ShowPicture() {
 
 void WindowLoop::ShowClean(const FrameArea& changed) {
     if (m_clean && m_clean->IsClosed()) m_clean.reset();
-    if (m_clean) m_clean->Show(m_workspace->TheHost(), changed);
+    if (m_keyFill && m_keyFill->IsClosed()) m_keyFill.reset();
+    Host& host = m_workspace->TheHost();
+    if (m_clean)
+        m_clean->Show(host.Window(), changed,
+                      [&](const FrameArea& area, const FrameArea& part) { host.ShowFramePart(area, part); });
+    if (m_keyFill) m_keyFill->Show(host, changed);
 }
 
 // What is sent live shows whatever file is open.

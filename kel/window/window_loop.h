@@ -11,6 +11,7 @@
 #include "kel/window/brush_cursor.h"
 #include "kel/window/clean_output.h"
 #include "kel/window/ink_panel.h"
+#include "kel/window/key_fill_output.h"
 #include "kel/window/live_feed.h"
 #include "kel/window/open_page.h"
 #include "kel/window/panel.h"
@@ -111,7 +112,8 @@ private:
     BrushCursor m_cursor;
     OpenPage m_openPage;
     RecentFiles m_recent{RecentFilesPlace()};
-    std::unique_ptr<CleanOutput> m_clean;  // null: there is none
+    std::unique_ptr<CleanOutput> m_clean;      // null: there is none
+    std::unique_ptr<KeyFillOutput> m_keyFill;  // likewise
     StatusLine m_status;
     std::unique_ptr<VideoSound> m_sound;  // null: no video is open
     bool m_isMuted = false;

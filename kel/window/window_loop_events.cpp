@@ -17,6 +17,7 @@ void WindowLoop::TakeEvents() {
     SDL_Event event;
     while (SDL_PollEvent(&event) != 0) {
         if (m_clean && m_clean->TakeEvent(event)) continue;
+        if (m_keyFill && m_keyFill->TakeEvent(event)) continue;
         const auto mouse = m_touch.Take(event, m_window.Size());
         for (const SDL_Event& each : mouse) TakeForAll(each);
         if (mouse.empty()) TakeForAll(event);

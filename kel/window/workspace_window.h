@@ -21,6 +21,9 @@ struct WindowOptions {
     bool hasPen = true;                 // the end of a pen that erases makes the brush an eraser
     bool hasCleanOutput = false;        // a second window with the picture alone
     std::optional<int> cleanDisplay;    // the one that it fills, counted from 1
+    bool hasKeyFill = false;            // two windows with the strokes alone, for a mixer
+    std::optional<int> keyFillDisplay;  // the one that the fill fills, counted from 1; the key has the next
+    bool isKeyFillStraight = false;     // the fill's colours are not multiplied by alpha
     bool followsVideo = false;          // what is written has a field for each frame of the video that is open
     LiveOutputs* live = nullptr;        // borrowed; gets every field of the file as it is drawn; null: nobody does
     LiveStreams* streams = nullptr;     // borrowed; gets every picture that is drawn; null: nobody does

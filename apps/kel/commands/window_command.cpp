@@ -39,6 +39,8 @@ struct WindowLine {
     std::string pen = "on";
     bool hasCleanOutput = false;
     std::string cleanDisplay;
+    bool hasKeyFill = false;
+    std::string keyFillDisplay;
     TimelineChoice timeline = TimelineChoice::Usual;
     OutputOptions outputs;
     std::vector<LiveRequest> live;
@@ -185,6 +187,9 @@ void Window(const WindowLine& line) {
     options.hasPen = line.pen == "on";
     options.hasCleanOutput = line.hasCleanOutput;
     if (!line.cleanDisplay.empty()) options.cleanDisplay = std::stoi(line.cleanDisplay);
+    options.hasKeyFill = line.hasKeyFill;
+    if (!line.keyFillDisplay.empty()) options.keyFillDisplay = std::stoi(line.keyFillDisplay);
+    options.isKeyFillStraight = line.outputs.isStraight;
     options.workspace.recording = line.recording;
     options.workspace.saves = line.saves;
     if (outputs.WantAnything()) CheckOutputs(outputs);
@@ -246,6 +251,11 @@ void AddWindowCommand(CLI::App& program) {
         command->add_option("--clean-output", line->cleanDisplay,
                             "A second window with the picture alone, filling this display (1, 2, ...)");
     clean->expected(0, 1)->type_name("[DISPLAY]")->check(CLI::Range(1, 99));
+    CLI::Option* keyFill =
+        command->add_option("--key-fill-display", line->keyFillDisplay,
+                            "Two more windows for a mixer: the strokes' colors, filling this display, and their alpha "
+                            "as gray, filling the next");
+    keyFill->expected(0, 1)->type_name("[DISPLAY]")->check(CLI::Range(1, 98));
     command
         ->add_option(
             "--control", line->door,
@@ -257,8 +267,9 @@ void AddWindowCommand(CLI::App& program) {
     AddOutputOptions(*command, line->outputs);
     AddLiveOptions(*command, line->live);
     command->footer("The outputs are there when the window has been closed.");
-    command->callback([line, clean] {
+    command->callback([line, clean, keyFill] {
         line->hasCleanOutput = clean->count() > 0;
+        line->hasKeyFill = keyFill->count() > 0;
         Window(*line);
     });
 }

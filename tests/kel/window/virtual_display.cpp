@@ -148,6 +148,11 @@ void VirtualDisplay::ResizeWindow(const WindowPlace& window, std::int32_t width,
     XSync(m_display, False);
 }
 
+void VirtualDisplay::MoveWindow(const WindowPlace& window, std::int32_t x, std::int32_t y) {
+    XMoveWindow(m_display, window.id, x, y);
+    XSync(m_display, False);
+}
+
 picture_io::Picture VirtualDisplay::Screen() const {
     XWindowAttributes root{};
     XGetWindowAttributes(m_display, DefaultRootWindow(m_display), &root);

@@ -55,6 +55,7 @@ public:
     [[nodiscard]] std::optional<WindowPlace> FindWindow(const std::string& titleEnd) const;
     // As a hand does that pulls at its corner.
     void ResizeWindow(const WindowPlace& window, std::int32_t width, std::int32_t height);
+    void MoveWindow(const WindowPlace& window, std::int32_t x, std::int32_t y);
     [[nodiscard]] picture_io::Picture Screen() const;
 
 private:

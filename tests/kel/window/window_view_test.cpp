@@ -175,6 +175,58 @@ TEST_CASE("There is no clean window on a display that is not there") {
              "kel: --clean-output: there is no display 3; there is 1\n");
 }
 
+// The strokes' ink over black is the fill, and full alpha as grey, white, the key; the paper is in neither.
+TEST_CASE("Two windows for a mixer show the colors and the alpha of the strokes alone") {
+    KelWindow window;
+    picture_io::WritePicture(testing::Plain(1200, 900, paper), window.folder / "paper.png");
+    window.Start({"paper.png", "--record", "run.json", "--key-fill-display"});
+    const auto place = [&](const char* title) { return window.display.FindWindow(title); };
+    WaitUntil("all windows are on the screen",
+              [&] { return place("kel fill") && place("kel key") && place("paper.png - kel"); });
+    std::int32_t top = 0;
+    for (const char* title : {"kel fill", "kel key"}) {
+        window.display.ResizeWindow(*place(title), 120, 90);
+        window.display.MoveWindow(*place(title), 0, top);  // out of the way of each other and of the stroke
+        top += 100;
+    }
+    const auto at = [&](const char* title, double x, double y) {
+        const auto found = place(title);
+        return window.display.Screen().At(found->x + static_cast<std::int32_t>(120 * x),
+                                          found->y + static_cast<std::int32_t>(90 * y));
+    };
+    const testing::Pixel black{0, 0, 0, 255};
+    for (const char* title : {"kel fill", "kel key"})
+        WaitUntil("there are no strokes yet", [&] { return Difference(at(title, 0.9, 0.9), black) <= 2; });
+    window.display.TypeKey("r");
+    window.display.TypeKey("3");
+    for (int i = 0; i < 20; ++i) window.display.TypeKey("bracketright");
+    WaitUntil("the color is recorded", [&] { return window.FieldOf("run.json", "set") >= 0; });
+    const auto main = place("paper.png - kel");
+    const auto move = [&](double x) {
+        window.display.MovePointer(main->x + static_cast<std::int32_t>(x * 1200), main->y + 720);
+    };
+    move(0.7);
+    window.display.PressButton(true);
+    move(0.8);
+    window.display.PressButton(false);
+    WaitUntil("the stroke has ended", [&] { return window.FieldOf("run.json", "release") >= 0; });
+    WaitUntil("the fill shows the ink", [&] { return Difference(at("kel fill", 0.75, 0.8), ink) < 90; });
+    WaitUntil("the key shows it white", [&] { return Difference(at("kel key", 0.75, 0.8), testing::white) < 90; });
+    CHECK_LE(Difference(at("kel fill", 0.75, 0.3), black), 2);
+    CHECK_LE(Difference(at("kel key", 0.75, 0.3), black), 2);
+    window.display.TypeKey("q", true);
+    CHECK_EQ(window.WaitForEnd(), 0);
+}
+
+TEST_CASE("There are no windows for a mixer without a display for the key") {
+    KelWindow window;
+    picture_io::WritePicture(testing::Plain(120, 90, paper), window.folder / "paper.png");
+    window.Start({"paper.png", "--key-fill-display", "1"});
+    CHECK_EQ(window.WaitForEnd(), 2);
+    CHECK_EQ(cli::testing::ReadText(window.folder / "stderr"),
+             "kel: --key-fill-display: there is no display 2; there is 1\n");
+}
+
 namespace {
 
 // What the panel leaves of the window's width, on a screen of its own.
