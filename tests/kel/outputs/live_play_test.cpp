@@ -12,6 +12,7 @@
 namespace kel {
 namespace {
 
+using testing::AddressIn;
 using testing::AwaitThat;
 using testing::ChildProgram;
 using testing::LiveReader;
@@ -25,18 +26,6 @@ nlohmann::json LongSession() {
     return session;
 }
 
-// Where the n-th output is read; empty while the program has not said it yet.
-std::string AddressIn(const std::string& file, std::size_t number) {
-    const std::string text = cli::testing::ReadText(file);
-    std::size_t at = 0;
-    for (std::size_t i = 0; i <= number; ++i) {
-        at = text.find("live: ", at + (i > 0 ? 1 : 0));
-        if (at == std::string::npos || text.find('\n', at) == std::string::npos) return {};
-    }
-    const std::size_t begin = at + 6;
-    return text.substr(begin, text.find(": ", begin) - begin);
-}
-
 }  // namespace
 
 TEST_CASE("A play goes on when its reader is killed, and tells how its live outputs did when it is stopped") {
@@ -46,11 +35,11 @@ TEST_CASE("A play goes on when its reader is killed, and tells how its live outp
         {KEL_PROGRAM, "play", folder.Path("s.json"), "--live", "tcp://:0", "--live-overlay", "tcp://:0?alpha=straight"},
         said);
     AwaitThat("it says where it is read", [&] { return !AddressIn(said, 1).empty(); });
-    LiveReader killed(AddressIn(said, 0), 1000000);
+    LiveReader killed = LiveReader::Endless(AddressIn(said, 0));
     LiveReader strokes(AddressIn(said, 1), 10);
     CHECK_EQ(strokes.Program().WaitForEnd(), 0);
-    killed.Program().Signal(SIGKILL);
-    (void)killed.Program().WaitForEnd();
+    AwaitThat("the other is read", [&] { return killed.HasRead(); });
+    killed.Kill();
     LiveReader next(AddressIn(said, 0), 10);
     CHECK_EQ(next.Program().WaitForEnd(), 0);
     // The middle of the stroke over a white page, as the picture and alone: red, however much of it a soft pen leaves.

@@ -1,8 +1,9 @@
 #pragma once
 
 #include <algorithm>
-#include <cstring>
+#include <filesystem>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "picture_io/picture.h"
@@ -11,13 +12,25 @@
 
 namespace kel::testing {
 
-// A program that knows nothing of this one reads what is sent live: `pictures` of them, the last of which is looked at.
+// A program that knows nothing of this one reads what is sent live.
 class LiveReader {
 public:
+    // Reads so many pictures, the last of which is looked at.
     explicit LiveReader(const std::string& address, int pictures = 2)
-        : m_program(Words(address, pictures, (m_folder / "pictures").string())) {}
+        : LiveReader(address, {"-frames:v", std::to_string(pictures)}) {}
+    // Reads until it is killed.
+    static LiveReader Endless(const std::string& address) { return LiveReader(address, {"-vf", "crop=2:2:0:0"}); }
 
     [[nodiscard]] ChildProgram& Program() { return m_program; }
+    [[nodiscard]] bool HasRead() const {
+        std::error_code failure;
+        const auto bytes = std::filesystem::file_size(m_folder / "pictures", failure);
+        return !failure && bytes > 0;
+    }
+    void Kill() {
+        m_program.Signal(SIGKILL);
+        (void)m_program.WaitForEnd();
+    }
     // What it has read when it has ended; empty: nothing that makes a whole picture of that size.
     [[nodiscard]] picture_io::Picture Last(std::int32_t width, std::int32_t height) const {
         const std::string bytes = cli::testing::ReadText(m_folder / "pictures");
@@ -29,18 +42,33 @@ public:
     }
 
 private:
-    static std::vector<std::string> Words(const std::string& address, int pictures, const std::string& file) {
-        std::vector<std::string> words = {"ffmpeg", "-nostdin", "-loglevel", "quiet"};
-        if (address.starts_with("tcp://")) words.insert(words.end(), {"-f", "nut"});
-        // A reader of datagrams looks for the stream's size before it begins.
-        if (!address.starts_with("tcp://")) words.insert(words.end(), {"-f", "mpegts"});
-        words.insert(words.end(), {"-i", address, "-frames:v", std::to_string(pictures), "-f", "rawvideo", "-pix_fmt",
-                                   "rgba", file});
+    LiveReader(const std::string& address, const std::vector<std::string>& what)
+        : m_program(Words(address, what, (m_folder / "pictures").string())) {}
+
+    static std::vector<std::string> Words(const std::string& address, const std::vector<std::string>& what,
+                                          const std::string& file) {
+        std::vector<std::string> words = {"ffmpeg", "-nostdin", "-loglevel",
+                                          "quiet",  "-f",       address.starts_with("tcp://") ? "nut" : "mpegts",
+                                          "-i",     address};
+        words.insert(words.end(), what.begin(), what.end());
+        words.insert(words.end(), {"-f", "rawvideo", "-pix_fmt", "rgba", "-flush_packets", "1", file});
         return words;
     }
 
     cli::testing::TemporaryFolder m_folder;
     ChildProgram m_program;
 };
+
+// Where the n-th live output of a program is read, from the file of what it says; empty while it has not said it yet.
+inline std::string AddressIn(const std::string& file, std::size_t number) {
+    const std::string text = cli::testing::ReadText(file);
+    std::size_t at = 0;
+    for (std::size_t i = 0; i <= number; ++i) {
+        at = text.find("live: ", at + (i > 0 ? 1 : 0));
+        if (at == std::string::npos || text.find('\n', at) == std::string::npos) return {};
+    }
+    const std::size_t begin = at + 6;
+    return text.substr(begin, text.find(": ", begin) - begin);
+}
 
 }  // namespace kel::testing

@@ -39,6 +39,7 @@ void KelWindow::Start(const std::vector<std::string>& arguments) {
     line.push_back(nullptr);
     const std::string home = folder.Path().string();
     const std::string complaints = (folder / "stderr").string();
+    const std::string said = (folder / "stdout").string();
     m_program = fork();
     if (m_program != 0) return;
     prctl(PR_SET_PDEATHSIG, SIGKILL);  // however the test ends, nothing of it runs on
@@ -51,6 +52,7 @@ void KelWindow::Start(const std::vector<std::string>& arguments) {
     setenv("ASAN_OPTIONS", "detect_leaks=0", 1);
     const int file = open(complaints.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
     dup2(file, STDERR_FILENO);
+    dup2(open(said.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644), STDOUT_FILENO);
     if (chdir(home.c_str()) == 0) execv(line[0], line.data());
     _exit(127);
 }
