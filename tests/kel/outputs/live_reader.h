@@ -47,9 +47,10 @@ private:
 
     static std::vector<std::string> Words(const std::string& address, const std::vector<std::string>& what,
                                           const std::string& file) {
-        std::vector<std::string> words = {"ffmpeg", "-nostdin", "-loglevel",
-                                          "quiet",  "-f",       address.starts_with("tcp://") ? "nut" : "mpegts",
-                                          "-i",     address};
+        std::vector<std::string> words = {"ffmpeg", "-nostdin", "-loglevel", "quiet"};
+        // It would look at seconds of a stream that says its rate nowhere.
+        words.insert(words.end(), {"-analyzeduration", "200000", "-fpsprobesize", "0"});
+        words.insert(words.end(), {"-f", address.starts_with("tcp://") ? "nut" : "mpegts", "-i", address});
         words.insert(words.end(), what.begin(), what.end());
         words.insert(words.end(), {"-f", "rawvideo", "-pix_fmt", "rgba", "-flush_packets", "1", file});
         return words;
