@@ -4,7 +4,7 @@
 
 #include "kel/video/video_reader.h"
 #include "tests/kel/kel_folder.h"
-#include "tests/kel/outputs/live_reader.h"
+#include "tests/kel/outputs/stream_reader.h"
 #include "tests/kel/pixels.h"
 
 // Sessions that are sent live while they play, as an operator runs them.
@@ -15,7 +15,7 @@ namespace {
 using testing::AddressIn;
 using testing::AwaitThat;
 using testing::ChildProgram;
-using testing::LiveReader;
+using testing::StreamReader;
 
 // A stroke, and then more time than any test waits for.
 nlohmann::json LongSession() {
@@ -35,12 +35,12 @@ TEST_CASE("A play goes on when its reader is killed, and tells how its live outp
         {KEL_PROGRAM, "play", folder.Path("s.json"), "--live", "tcp://:0", "--live-overlay", "tcp://:0?alpha=straight"},
         said);
     AwaitThat("it says where it is read", [&] { return !AddressIn(said, 1).empty(); });
-    LiveReader killed = LiveReader::Endless(AddressIn(said, 0));
-    LiveReader strokes(AddressIn(said, 1), 10);
+    StreamReader killed = StreamReader::Endless(AddressIn(said, 0));
+    StreamReader strokes(AddressIn(said, 1), 10);
     CHECK_EQ(strokes.Program().WaitForEnd(), 0);
     AwaitThat("the other is read", [&] { return killed.HasRead(); });
     killed.Kill();
-    LiveReader next(AddressIn(said, 0), 10);
+    StreamReader next(AddressIn(said, 0), 10);
     CHECK_EQ(next.Program().WaitForEnd(), 0);
     // The middle of the stroke over a white page, as the picture and alone: red, however much of it a soft pen leaves.
     const picture_io::Picture picture = next.Last(64, 64);

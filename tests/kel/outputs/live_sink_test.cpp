@@ -10,8 +10,8 @@
 
 #include "kel/outputs/live_streams.h"
 #include "kel/outputs/socket_handle.h"
-#include "tests/kel/outputs/live_reader.h"
 #include "tests/kel/outputs/src_over.h"
+#include "tests/kel/outputs/stream_reader.h"
 #include "tests/kel/pixels.h"
 #include "tests/kel/telestrator.h"
 
@@ -21,8 +21,8 @@ namespace kel {
 namespace {
 
 using testing::AwaitThat;
-using testing::LiveReader;
 using testing::Pixel;
+using testing::StreamReader;
 
 constexpr WindowSize liveSize{64, 48};
 constexpr double fieldRate = 50;
@@ -98,8 +98,8 @@ TEST_CASE("Strokes that are sent live arrive exactly, and composited over the pi
     testing::Scribble(telestrator);
     LiveStreams streams({{View::Overlay, "tcp://:0"}, {View::Overlay, "tcp://:0?codec=raw&alpha=straight"}}, false);
     streams.Start({testing::side, testing::side}, fieldRate);
-    LiveReader premultiplied(streams.Figures()[0].address);
-    LiveReader straight(streams.Figures()[1].address);
+    StreamReader premultiplied(streams.Figures()[0].address);
+    StreamReader straight(streams.Figures()[1].address);
     AwaitThat("both are read", [&] {
         streams.TakeField(telestrator.host);
         return !premultiplied.Program().IsRunning() && !straight.Program().IsRunning();
@@ -126,14 +126,14 @@ TEST_CASE("Every scheme sends what its reader sees, and goes on when the reader 
         FedSink fed(View::Rendered, addresses.sink, PlainShared(colour));
         const std::string where = addresses.reader.empty() ? fed.sink.Figures().address : addresses.reader;
         {
-            LiveReader killed = LiveReader::Endless(where);
+            StreamReader killed = StreamReader::Endless(where);
             fed.FeedUntil("it is read", [&] { return killed.HasRead(); });
             killed.Kill();
         }
         // Of SRT that takes five seconds, and whoever calls before gives up after three.
         if (scheme.beginning != "udp://")
             fed.FeedUntil("it is given up", [&] { return !fed.sink.Figures().hasReader; });
-        LiveReader next(where, 5);
+        StreamReader next(where, 5);
         fed.FeedUntil("the next one has read", [&] { return !next.Program().IsRunning(); });
         const picture_io::Picture seen = next.Last(liveSize.width, liveSize.height);
         REQUIRE_FALSE(seen.rgba.empty());
@@ -153,7 +153,7 @@ TEST_CASE("Fill and key stand side by side in one picture") {
             both.Set(x, y, x < liveSize.width ? Pixel{255, 0, 0, 255} : Pixel{128, 128, 128, 255});
     const Addresses addresses = AddressesOf("udp://");
     FedSink fed(View::FillKey, addresses.sink, std::make_shared<const picture_io::Picture>(both));
-    LiveReader reader(addresses.reader, 5);
+    StreamReader reader(addresses.reader, 5);
     fed.FeedUntil("it is read", [&] { return !reader.Program().IsRunning(); });
     const picture_io::Picture seen = reader.Last(2 * liveSize.width, liveSize.height);
     REQUIRE_FALSE(seen.rgba.empty());
@@ -238,7 +238,7 @@ TEST_CASE("After a picture of another size a reader comes again") {
     for (const std::int32_t side : {32, 48}) {
         CAPTURE(side);
         sink.Open(settings);
-        LiveReader reader(sink.Figures().address);
+        StreamReader reader(sink.Figures().address);
         OutputField field;
         field.views[0] = PlainShared(testing::green, {side, side});
         AwaitThat("it is read", [&] {

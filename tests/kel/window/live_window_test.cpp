@@ -3,7 +3,7 @@
 #include <nlohmann/json.hpp>
 #include <regex>
 
-#include "tests/kel/outputs/live_reader.h"
+#include "tests/kel/outputs/stream_reader.h"
 #include "tests/kel/window/paper_window.h"
 
 // What is sent live while an operator draws, read by a program of its own.
@@ -14,9 +14,9 @@ namespace {
 using testing::AddressIn;
 using testing::Difference;
 using testing::ink;
-using testing::LiveReader;
 using testing::paper;
 using testing::PaperWindow;
+using testing::StreamReader;
 using testing::WaitUntil;
 
 void DrawAcross(PaperWindow& window, double height) {
@@ -30,7 +30,7 @@ void DrawAcross(PaperWindow& window, double height) {
 
 // What the next reader sees.
 picture_io::Picture SentTo(const std::string& address) {
-    LiveReader reader(address);
+    StreamReader reader(address);
     CHECK_EQ(reader.Program().WaitForEnd(), 0);
     picture_io::Picture picture = reader.Last(1200, 900);
     REQUIRE_FALSE(picture.rgba.empty());
@@ -57,8 +57,8 @@ TEST_CASE("Ink goes on while the readers of a window's live outputs are killed, 
     const std::string strokes = AddressIn(said, 1);
     window.SetByKey("3", "BrushColor");
     for (int i = 0; i < 10; ++i) window.display.TypeKey("bracketright");
-    LiveReader killed = LiveReader::Endless(picture);
-    LiveReader alsoKilled = LiveReader::Endless(strokes);
+    StreamReader killed = StreamReader::Endless(picture);
+    StreamReader alsoKilled = StreamReader::Endless(strokes);
     WaitUntil("both are read", [&] { return killed.HasRead() && alsoKilled.HasRead(); });
     DrawAcross(window, 0.4);
     killed.Kill();

@@ -13,13 +13,13 @@
 namespace kel::testing {
 
 // A program that knows nothing of this one reads what is sent live.
-class LiveReader {
+class StreamReader {
 public:
     // Reads so many pictures, the last of which is looked at.
-    explicit LiveReader(const std::string& address, int pictures = 2)
-        : LiveReader(address, {"-frames:v", std::to_string(pictures)}) {}
+    explicit StreamReader(const std::string& address, int pictures = 2)
+        : StreamReader(address, {"-frames:v", std::to_string(pictures)}) {}
     // Reads until it is killed.
-    static LiveReader Endless(const std::string& address) { return LiveReader(address, {"-vf", "crop=2:2:0:0"}); }
+    static StreamReader Endless(const std::string& address) { return StreamReader(address, {"-vf", "crop=2:2:0:0"}); }
 
     [[nodiscard]] ChildProgram& Program() { return m_program; }
     [[nodiscard]] bool HasRead() const {
@@ -42,7 +42,7 @@ public:
     }
 
 private:
-    LiveReader(const std::string& address, const std::vector<std::string>& what)
+    StreamReader(const std::string& address, const std::vector<std::string>& what)
         : m_program(Words(address, what, (m_folder / "pictures").string())) {}
 
     static std::vector<std::string> Words(const std::string& address, const std::vector<std::string>& what,
