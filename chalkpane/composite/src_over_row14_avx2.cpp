@@ -62,25 +62,28 @@ constexpr std::ptrdiff_t pixelsAtOnce = 8;
     _mm256_storeu_si256(d + 1, OverFour(_mm256_loadu_si256(d + 1), second, a, covered, lanesOfSecond));
 }
 
-// `Scale14` in 16-bit lanes, of words within full scale. With h and l the upper and the lower 14 bits of the product,
-// the rounded sum carries u = h + (l >= 8192), and what carries once more stays below 65536.
+// `Scale14` in 16-bit lanes, of words within full scale: the rounding product of the hardware is t >> 14 of its t, and
+// what t's lower 14 bits and that carry is at most one.
 //
-//   quadrupled  a * 4, of which the hardware's upper half of a product is h
-[[gnu::target("avx2")]] inline __m256i ScaleWords(__m256i quadrupled, __m256i a, __m256i b) {
-    const __m256i h = _mm256_mulhi_epu16(quadrupled, b);
-    const __m256i l = _mm256_and_si256(_mm256_mullo_epi16(a, b), _mm256_set1_epi16(0x3fff));
-    const __m256i u = _mm256_add_epi16(h, _mm256_srli_epi16(l, 13));
-    const __m256i carried = _mm256_add_epi16(_mm256_add_epi16(l, _mm256_set1_epi16(8192)), u);
-    return _mm256_add_epi16(h, _mm256_srli_epi16(carried, 14));
+//   doubled  a * 2
+[[gnu::target("avx2")]] inline __m256i ScaleWords(__m256i doubled, __m256i a, __m256i b) {
+    const __m256i u = _mm256_mulhrs_epi16(doubled, b);
+    const __m256i t = _mm256_add_epi16(_mm256_mullo_epi16(a, b), _mm256_set1_epi16(8192));
+    const __m256i l = _mm256_and_si256(t, _mm256_set1_epi16(0x3fff));
+    return _mm256_add_epi16(u, _mm256_srli_epi16(_mm256_add_epi16(l, u), 14));
 }
 [[gnu::target("avx2")]] inline __m256i ScaleWords(__m256i a, __m256i b) {
-    return ScaleWords(_mm256_slli_epi16(a, 2), a, b);
+    return ScaleWords(_mm256_add_epi16(a, a), a, b);
 }
 
-// The alphas of 16 pixels. Two pixels of each register stand in each half, as they do in the register itself.
-[[gnu::target("avx2")]] inline __m256i Alphas(const __m256i (&pixels)[4]) {
+// The alphas of four pixels a register. Two pixels of each register stand in each half, as they do in the register
+// itself.
+template <std::size_t registers>
+[[gnu::target("avx2")]] inline __m256i Alphas(const __m256i (&pixels)[registers]) {
     const __m256i first = _mm256_packus_epi32(_mm256_srli_epi64(pixels[0], 48), _mm256_srli_epi64(pixels[1], 48));
-    const __m256i second = _mm256_packus_epi32(_mm256_srli_epi64(pixels[2], 48), _mm256_srli_epi64(pixels[3], 48));
+    if constexpr (registers == 2) return _mm256_packus_epi32(first, first);
+    const __m256i second =
+        _mm256_packus_epi32(_mm256_srli_epi64(pixels[registers - 2], 48), _mm256_srli_epi64(pixels[registers - 1], 48));
     return _mm256_packus_epi32(first, second);
 }
 
@@ -92,30 +95,62 @@ constexpr std::ptrdiff_t pixelsAtOnce = 8;
     return _mm256_add_epi16(ScaleWords(rest, target), added);
 }
 
-// Sixteen pixels; false, and nothing done, where a word lies above full scale.
-[[gnu::target("avx2")]] inline bool OverSixteen(std::uint16_t* target, const std::uint16_t* source,
-                                                const std::uint16_t* mask, __m256i opacity) {
-    const __m256i words = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(mask));
-    if (_mm256_testz_si256(words, words) != 0) return true;
+// Four pixels a register over the target's; false, and nothing done, where a word lies above full scale.
+template <std::size_t registers>
+[[gnu::target("avx2")]] inline bool OverWords(std::uint16_t* target, const std::uint16_t* source, __m256i mask,
+                                              __m256i opacity) {
     auto* const d = reinterpret_cast<__m256i*>(target);
     const auto* const s = reinterpret_cast<const __m256i*>(source);
-    __m256i below[4];
-    __m256i above[4];
-    __m256i all = words;
-    for (int i = 0; i < 4; ++i) {
+    __m256i below[registers];
+    __m256i above[registers];
+    __m256i all = mask;
+    for (std::size_t i = 0; i < registers; ++i) {
         below[i] = _mm256_loadu_si256(d + i);
         above[i] = _mm256_loadu_si256(s + i);
         all = _mm256_or_si256(all, _mm256_or_si256(below[i], above[i]));
     }
     if (_mm256_testz_si256(all, _mm256_set1_epi16(static_cast<short>(0xc000))) == 0) return false;
-    const __m256i m = _mm256_permutevar8x32_epi32(words, _mm256_setr_epi32(0, 2, 4, 6, 1, 3, 5, 7));
+    const __m256i m = _mm256_permutevar8x32_epi32(mask, _mm256_setr_epi32(0, 2, 4, 6, 1, 3, 5, 7));
     const __m256i weights = ScaleWords(ScaleWords(Alphas(above), m), opacity);
     __m256i lanes = _mm256_broadcastsi128_si256(_mm_setr_epi8(0, 1, 0, 1, 0, 1, 0, 1, 2, 3, 2, 3, 2, 3, 2, 3));
-    for (int i = 0; i < 4; ++i) {
+    for (std::size_t i = 0; i < registers; ++i) {
         _mm256_storeu_si256(d + i, OverFourWords(below[i], above[i], _mm256_shuffle_epi8(weights, lanes)));
         lanes = _mm256_add_epi8(lanes, _mm256_set1_epi8(4));
     }
     return true;
+}
+
+[[gnu::target("avx2")]] inline void OverSixteen(std::uint16_t* target, const std::uint16_t* source,
+                                                const std::uint16_t* mask, std::int32_t opacity) {
+    const __m256i words = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(mask));
+    if (_mm256_testz_si256(words, words) != 0) return;
+    if (OverWords<4>(target, source, words, _mm256_set1_epi16(static_cast<short>(opacity)))) return;
+    OverEight(target, source, mask, _mm256_set1_epi32(opacity));
+    OverEight(target + 4 * pixelsAtOnce, source + 4 * pixelsAtOnce, mask + pixelsAtOnce, _mm256_set1_epi32(opacity));
+}
+
+[[gnu::target("avx2")]] inline void OverNextEight(std::uint16_t* target, const std::uint16_t* source,
+                                                  const std::uint16_t* mask, std::int32_t opacity) {
+    const __m128i words = _mm_loadu_si128(reinterpret_cast<const __m128i*>(mask));
+    if (_mm_testz_si128(words, words) != 0) return;
+    const __m256i narrow = _mm256_set1_epi16(static_cast<short>(opacity));
+    if (OverWords<2>(target, source, _mm256_zextsi128_si256(words), narrow)) return;
+    OverEight(target, source, mask, _mm256_set1_epi32(opacity));
+}
+
+// Less than eight pixels, through a row of their own, which is not covered beyond them.
+[[gnu::target("avx2")]] void OverRest(std::uint16_t* target, const std::uint16_t* source, const std::uint16_t* mask,
+                                      std::size_t count, std::int32_t opacity) {
+    std::array<std::uint16_t, pixelsAtOnce> restOfMask{};
+    std::memcpy(restOfMask.data(), mask, count * sizeof(std::uint16_t));
+    if (restOfMask == std::array<std::uint16_t, pixelsAtOnce>{}) return;
+    std::array<std::uint16_t, 4 * pixelsAtOnce> restOfTarget{};
+    std::array<std::uint16_t, 4 * pixelsAtOnce> restOfSource{};
+    const std::size_t bytes = 4 * count * sizeof(std::uint16_t);
+    std::memcpy(restOfTarget.data(), target, bytes);
+    std::memcpy(restOfSource.data(), source, bytes);
+    OverNextEight(restOfTarget.data(), restOfSource.data(), restOfMask.data(), opacity);
+    std::memcpy(target, restOfTarget.data(), bytes);
 }
 
 }  // namespace
@@ -123,27 +158,11 @@ constexpr std::ptrdiff_t pixelsAtOnce = 8;
 [[gnu::target("avx2")]] void SrcOverRow14Avx2(std::uint16_t* target, const std::uint16_t* source,
                                               const std::uint16_t* mask, std::ptrdiff_t count, std::int32_t opacity) {
     if (opacity == 0) return;
-    const __m256i p = _mm256_set1_epi32(opacity);
-    const __m256i narrow = _mm256_set1_epi16(static_cast<short>(opacity));
     std::ptrdiff_t x = 0;
-    for (; x + 16 <= count; x += 16) {
-        if (OverSixteen(target + 4 * x, source + 4 * x, mask + x, narrow)) continue;
-        OverEight(target + 4 * x, source + 4 * x, mask + x, p);
-        OverEight(target + 4 * x + 32, source + 4 * x + 32, mask + x + 8, p);
-    }
-    for (; x + pixelsAtOnce <= count; x += pixelsAtOnce) OverEight(target + 4 * x, source + 4 * x, mask + x, p);
-    if (x >= count) return;
-    // The rest goes through a row of its own, which is not covered beyond it.
-    std::array<std::uint16_t, 4 * pixelsAtOnce> restOfTarget{};
-    std::array<std::uint16_t, 4 * pixelsAtOnce> restOfSource{};
-    std::array<std::uint16_t, pixelsAtOnce> restOfMask{};
-    const auto rest = static_cast<std::size_t>(count - x);
-    const std::size_t bytes = 4 * rest * sizeof(std::uint16_t);
-    std::memcpy(restOfTarget.data(), target + 4 * x, bytes);
-    std::memcpy(restOfSource.data(), source + 4 * x, bytes);
-    std::memcpy(restOfMask.data(), mask + x, rest * sizeof(std::uint16_t));
-    OverEight(restOfTarget.data(), restOfSource.data(), restOfMask.data(), p);
-    std::memcpy(target + 4 * x, restOfTarget.data(), bytes);
+    for (; x + 16 <= count; x += 16) OverSixteen(target + 4 * x, source + 4 * x, mask + x, opacity);
+    for (; x + pixelsAtOnce <= count; x += pixelsAtOnce)
+        OverNextEight(target + 4 * x, source + 4 * x, mask + x, opacity);
+    if (x < count) OverRest(target + 4 * x, source + 4 * x, mask + x, static_cast<std::size_t>(count - x), opacity);
 }
 
 }  // namespace chalkpane
