@@ -4,132 +4,140 @@
 #include <bit>
 #include <cmath>
 #include <cstring>
-#include <utility>
+#include <span>
+
+#include "chalkpane/base/call_widest.h"
 
 namespace chalkpane {
 
 namespace {
 
-// Four lanes at once is what every machine has; sixteen in one type would pass through memory.
-using Quad = float __attribute__((vector_size(16)));
-constexpr std::size_t quads = FloatLine::lanes / 4;
+// Eight lanes at once; where the machine has only four, the compiler makes two of them.
+using Lanes = float __attribute__((vector_size(32)));
+constexpr std::size_t parts = FloatLine::lanes / 8;
 
-inline Quad Load(const float* from) {
-    Quad quad;
-    std::memcpy(&quad, from, sizeof(quad));
-    return quad;
-}
-inline void Store(float* to, const Quad& quad) { std::memcpy(to, &quad, sizeof(quad)); }
+inline void Load(const float* from, Lanes& lanes) { std::memcpy(&lanes, from, sizeof(lanes)); }
+inline void Store(float* to, const Lanes& lanes) { std::memcpy(to, &lanes, sizeof(lanes)); }
 
-// One pass over a line, fed with its positions from left to right. What comes out lags behind by `radius`, so that a
-// chain of passes runs over short blocks of a line, which stay close to the processor, instead of over the whole of it
-// again and again.
-struct Pass {
-    std::size_t radius;  // positions to either side that go into one
-    double fraction;     // 0: a running box; otherwise three taps with that much of both neighbours
-    float* history;      // a ring of the positions fed, zeros at first
-    std::size_t mask;    // of the ring, whose size is a power of two
-    std::size_t fed = 0;
+// One running box of a line, fed with its positions from left to right.
+struct Box {
+    std::size_t radius;
+    float* history = nullptr;  // a ring of the positions fed, zeros at first
+    std::size_t mask = 0;      // of the ring, whose size is a power of two
     std::array<float, FloatLine::lanes> sum{};
-
-    // KEEP: the sum is one 32-bit float that values enter and leave from left to right; summing afresh at each position
-    // would round differently.
-    std::size_t FeedBox(float* block, std::size_t count) {
-        const std::size_t width = 2 * radius + 1;  // positions from the one that leaves to the one that enters
-        const std::size_t end = fed + count;
-        float* out = block;
-        Quad running[quads];
-        for (std::size_t i = 0; i < quads; ++i) running[i] = Load(&sum[4 * i]);
-        for (std::size_t position = fed; position < end; ++position, block += FloatLine::lanes) {
-            float* const entering = history + (position & mask) * FloatLine::lanes;
-            const float* const leaving = history + ((position - width) & mask) * FloatLine::lanes;
-            for (std::size_t i = 0; i < quads; ++i) {
-                const Quad value = Load(block + 4 * i);
-                Store(entering + 4 * i, value);
-                running[i] = (running[i] + value) - Load(leaving + 4 * i);
-            }
-            if (position < radius) continue;
-            for (std::size_t i = 0; i < quads; ++i) Store(out + 4 * i, running[i]);
-            out += FloatLine::lanes;
-        }
-        for (std::size_t i = 0; i < quads; ++i) Store(&sum[4 * i], running[i]);
-        fed = end;
-        return count - static_cast<std::size_t>(block - out) / FloatLine::lanes;
-    }
-
-    std::size_t FeedThreeTaps(float* block, std::size_t count) {
-        const std::size_t end = fed + count;
-        float* out = block;
-        for (std::size_t position = fed; position < end; ++position, block += FloatLine::lanes) {
-            float* const behind = history + (position & mask) * FloatLine::lanes;
-            const float* const here = history + ((position - 1) & mask) * FloatLine::lanes;
-            const float* const before = history + ((position - 2) & mask) * FloatLine::lanes;
-            std::copy_n(block, FloatLine::lanes, behind);
-            if (position < radius) continue;
-            for (std::size_t i = 0; i < FloatLine::lanes; ++i) {
-                const double sides = before[i] + behind[i];
-                out[i] = static_cast<float>(sides * fraction + static_cast<double>(here[i]));
-            }
-            out += FloatLine::lanes;
-        }
-        fed = end;
-        return count - static_cast<std::size_t>(block - out) / FloatLine::lanes;
-    }
-
-    // Takes `count` positions and gives those that are ready, over them; returns how many those are.
-    std::size_t Feed(float* block, std::size_t count) {
-        return fraction == 0.0 ? FeedBox(block, count) : FeedThreeTaps(block, count);
-    }
 };
 
-// The passes of one line and the blocks that run through them.
-class Chain {
+// A chain of boxes over one line, in place. What comes out of a box lags behind by its radius, and goes into the next
+// one at once: each sum waits for its last addition, and meanwhile those of the others go on.
+template <std::size_t boxes>
+class BoxChain {
 public:
-    // Takes the rings' memory from `scratch`.
-    Chain(std::vector<Pass> passes, FloatLine& scratch) : m_passes(std::move(passes)) {
-        std::size_t positions = 0;
-        for (Pass& pass : m_passes) {
-            pass.mask = std::bit_ceil(2 * pass.radius + 1 + block) - 1;
-            positions += pass.mask + 1;
-        }
-        scratch.Reset(0, static_cast<std::int32_t>(positions) - 1);
-        positions = 0;
-        for (Pass& pass : m_passes) {
-            pass.history = scratch.At(static_cast<std::int32_t>(positions));
-            positions += pass.mask + 1;
-        }
+    BoxChain(std::span<Box, boxes> chain, float* line, std::size_t count) : chain_(chain), line_(line), count_(count) {
+        for (std::size_t i = 0; i < boxes; ++i) lag_[i + 1] = lag_[i] + chain[i].radius;
     }
 
-    // Runs all passes over `count` positions in place.
-    void Run(float* line, std::size_t count) {
-        float* out = line;
-        for (std::size_t done = 0; done < count; done += block) {
-            const std::size_t n = std::min(block, count - done);
-            std::copy_n(line + done * FloatLine::lanes, n * FloatLine::lanes, m_block.data());
-            RunBlock(0, n, out);
-        }
-        // Beyond the line there are zeros, for each pass in turn.
-        for (std::size_t i = 0; i < m_passes.size(); ++i) {
-            for (std::size_t rest = m_passes[i].radius; rest > 0;) {
-                const std::size_t n = std::min(block, rest);
-                std::fill_n(m_block.data(), n * FloatLine::lanes, 0.0F);
-                RunBlock(i, n, out);
-                rest -= n;
-            }
-        }
+    void Run() {
+        const std::size_t end = count_ + lag_[boxes];
+        std::size_t time = 0;
+        while (time < std::min(lag_[boxes], end)) StepAtEnd(time++);
+        Lanes sums[boxes][parts];
+        for (std::size_t i = 0; i < boxes; ++i)
+            for (std::size_t part = 0; part < parts; ++part) Load(&chain_[i].sum[8 * part], sums[i][part]);
+        for (; time < count_; ++time) StepInside(time, sums);
+        for (std::size_t i = 0; i < boxes; ++i)
+            for (std::size_t part = 0; part < parts; ++part) Store(&chain_[i].sum[8 * part], sums[i][part]);
+        while (time < end) StepAtEnd(time++);
     }
 
 private:
-    static constexpr std::size_t block = 32;
-
-    void RunBlock(std::size_t firstPass, std::size_t count, float*& out) {
-        for (std::size_t i = firstPass; i < m_passes.size(); ++i) count = m_passes[i].Feed(m_block.data(), count);
-        out = std::copy_n(m_block.data(), count * FloatLine::lanes, out);
+    // KEEP: the sum is one 32-bit float that values enter and leave from left to right; summing afresh at each position
+    // would round differently.
+    static void Feed(const Box& box, std::size_t position, Lanes (&values)[parts], Lanes (&sums)[parts]) {
+        const std::size_t width = 2 * box.radius + 1;  // positions from the one that leaves to the one that enters
+        float* const entering = box.history + (position & box.mask) * FloatLine::lanes;
+        const float* const leaving = box.history + ((position - width) & box.mask) * FloatLine::lanes;
+        for (std::size_t part = 0; part < parts; ++part) {
+            Lanes left;
+            Load(leaving + 8 * part, left);
+            Store(entering + 8 * part, values[part]);
+            sums[part] = (sums[part] + values[part]) - left;
+            values[part] = sums[part];
+        }
     }
 
-    std::vector<Pass> m_passes;
-    alignas(64) std::array<float, block * FloatLine::lanes> m_block;
+    // All boxes are fed, and the last one gives a position.
+    void StepInside(std::size_t time, Lanes (&sums)[boxes][parts]) {
+        Lanes values[parts];
+        for (std::size_t part = 0; part < parts; ++part) Load(line_ + time * FloatLine::lanes + 8 * part, values[part]);
+        for (std::size_t i = 0; i < boxes; ++i) Feed(chain_[i], time - lag_[i], values, sums[i]);
+        Give(time, values);
+    }
+
+    // At the ends of the line, beyond which there are zeros for each box in turn.
+    void StepAtEnd(std::size_t time) {
+        Lanes values[parts];
+        for (std::size_t i = 0; i < boxes && time >= lag_[i]; ++i) {
+            const std::size_t position = time - lag_[i];
+            Lanes sums[parts];
+            for (std::size_t part = 0; part < parts; ++part) {
+                if (position >= count_)
+                    values[part] = Lanes{};
+                else if (i == 0)
+                    Load(line_ + time * FloatLine::lanes + 8 * part, values[part]);
+                Load(&chain_[i].sum[8 * part], sums[part]);
+            }
+            if (position >= count_ + chain_[i].radius) continue;
+            Feed(chain_[i], position, values, sums);
+            for (std::size_t part = 0; part < parts; ++part) Store(&chain_[i].sum[8 * part], sums[part]);
+        }
+        if (time >= lag_[boxes]) Give(time, values);
+    }
+
+    void Give(std::size_t time, const Lanes (&values)[parts]) {
+        float* const out = line_ + (time - lag_[boxes]) * FloatLine::lanes;
+        for (std::size_t part = 0; part < parts; ++part) Store(out + 8 * part, values[part]);
+    }
+
+    std::span<Box, boxes> chain_;
+    float* line_;
+    std::size_t count_;
+    std::array<std::size_t, boxes + 1> lag_{};  // of what each box is fed with; the last one is of the results
 };
+
+template <std::size_t boxes>
+void RunBoxes(std::span<Box> chain, float* line, std::size_t count) {
+    BoxChain<boxes> run(chain.first<boxes>(), line, count);
+    CallWidest([&] { run.Run(); });
+}
+
+// In place; beyond the line there are zeros.
+void RunThreeTaps(double fraction, float* line, std::size_t count) {
+    std::array<float, FloatLine::lanes> before{};
+    for (std::size_t position = 0; position < count; ++position, line += FloatLine::lanes) {
+        for (std::size_t i = 0; i < FloatLine::lanes; ++i) {
+            const float behind = position + 1 < count ? line[FloatLine::lanes + i] : 0.0F;
+            const float here = line[i];
+            const double sides = before[i] + behind;
+            line[i] = static_cast<float>(sides * fraction + static_cast<double>(here));
+            before[i] = here;
+        }
+    }
+}
+
+// Gives the boxes their rings, in the memory of `scratch`.
+void MakeRings(std::span<Box> boxes, FloatLine& scratch) {
+    std::size_t positions = 0;
+    for (Box& box : boxes) {
+        box.mask = std::bit_ceil(2 * box.radius + 2) - 1;
+        positions += box.mask + 1;
+    }
+    scratch.Reset(0, static_cast<std::int32_t>(positions) - 1);
+    positions = 0;
+    for (Box& box : boxes) {
+        box.history = scratch.At(static_cast<std::int32_t>(positions));
+        positions += box.mask + 1;
+    }
+}
 
 // What is left of the softness after the point, where a pass is made for it; otherwise 0.
 double SoftnessFraction(double softness, std::int32_t passes) {
@@ -157,20 +165,23 @@ std::int32_t SoftenSupportRadius(double softness, std::int32_t passes) {
 }
 
 void SoftenLine(FloatLine& line, FloatLine& spare, double softness, std::int32_t passes) {
-    std::vector<Pass> chain;
+    std::vector<Box> boxes;
     for (std::int32_t pass = 0; pass < passes; ++pass) {
         const std::int32_t radius = BoxRadius(softness, passes, pass);
         if (radius == 0) continue;
-        chain.push_back({static_cast<std::size_t>(radius), 0.0, nullptr, 0});
+        boxes.push_back({static_cast<std::size_t>(radius)});
         line.gain *= static_cast<float>(2 * radius + 1);
     }
+    MakeRings(boxes, spare);
+    float* const first = line.At(line.Left());
+    const auto count = static_cast<std::size_t>(line.Right() - line.Left()) + 1;
+    constexpr std::array runs{&RunBoxes<1>, &RunBoxes<2>, &RunBoxes<3>, &RunBoxes<4>};
+    for (std::span<Box> left = boxes; !left.empty(); left = left.subspan(std::min(left.size(), runs.size())))
+        runs[std::min(left.size(), runs.size()) - 1](left, first, count);
     if (const double fraction = SoftnessFraction(softness, passes); fraction > 0.0) {
-        chain.push_back({1, fraction, nullptr, 0});
         line.gain = static_cast<float>(static_cast<double>(line.gain) * (2.0 * fraction + 1.0));
+        RunThreeTaps(fraction, first, count);
     }
-    if (chain.empty()) return;
-    Chain run(std::move(chain), spare);
-    run.Run(line.At(line.Left()), static_cast<std::size_t>(line.Right() - line.Left()) + 1);
 }
 
 }  // namespace chalkpane
