@@ -106,42 +106,82 @@ namespace {
     return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(words));
 }
 
-}  // namespace
-
 // Two words side by side in each 32-bit lane are multiplied by two taps and added at once. A pair of 14-bit channels
 // stays below 32768, which the signed product needs; so must the taps.
+template <std::size_t registers>
+class WordSums {
+public:
+    [[gnu::target("avx2")]] WordSums() {
+        for (std::size_t i = 0; i < registers; ++i) low_[i] = high_[i] = _mm256_set1_epi32(8192);
+    }
+
+    // Adds to each register what `first` and `second` give for its number, by their taps.
+    template <typename First, typename Second>
+    [[gnu::target("avx2"), gnu::always_inline]] void Add(std::int32_t firstTap, const First& first,
+                                                         std::int32_t secondTap, const Second& second) {
+        const __m256i taps = _mm256_set1_epi32(firstTap | secondTap << 16);
+        for (std::size_t i = 0; i < registers; ++i) {
+            const __m256i a = first(16 * i);
+            const __m256i b = second(16 * i);
+            low_[i] = _mm256_add_epi32(low_[i], _mm256_madd_epi16(_mm256_unpacklo_epi16(a, b), taps));
+            high_[i] = _mm256_add_epi32(high_[i], _mm256_madd_epi16(_mm256_unpackhi_epi16(a, b), taps));
+        }
+    }
+
+    [[gnu::target("avx2")]] void StoreTo(std::uint16_t* out) const {
+        for (std::size_t i = 0; i < registers; ++i) {
+            const __m256i packed = _mm256_packus_epi32(_mm256_srli_epi32(low_[i], 14), _mm256_srli_epi32(high_[i], 14));
+            _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + 16 * i), packed);
+        }
+    }
+
+private:
+    __m256i low_[registers];
+    __m256i high_[registers];
+};
+
+// One row alone, or the sum of two that have the same tap.
+struct OneRow {
+    const std::uint16_t* row;
+    [[gnu::target("avx2")]] __m256i operator()(std::size_t at) const { return Load16Words(row + at); }
+};
+struct TwoRows {
+    const std::uint16_t* row;
+    const std::uint16_t* mirrored;
+    [[gnu::target("avx2")]] __m256i operator()(std::size_t at) const {
+        return _mm256_add_epi16(Load16Words(row + at), Load16Words(mirrored + at));
+    }
+};
+struct NoRow {
+    [[gnu::target("avx2")]] __m256i operator()(std::size_t /*at*/) const { return _mm256_setzero_si256(); }
+};
+
+template <std::size_t registers>
+[[gnu::target("avx2"), gnu::always_inline]] inline void ConvolveWords(std::span<const std::uint16_t* const> sources,
+                                                                      std::span<const std::uint16_t> taps,
+                                                                      std::size_t at, std::uint16_t* out) {
+    const std::size_t middle = taps.size() / 2;
+    const auto row = [&](std::size_t k) { return sources[k] + at; };
+    const auto both = [&](std::size_t k) { return TwoRows{row(k), row(taps.size() - 1 - k)}; };
+    WordSums<registers> sums;
+    std::size_t k = 0;
+    for (; k + 1 < middle; k += 2) sums.Add(taps[k], both(k), taps[k + 1], both(k + 1));
+    // The middle row pairs up with zero, or with the one row left over from the pairs of taps.
+    if (k < middle)
+        sums.Add(taps[k], both(k), taps[middle], OneRow{row(middle)});
+    else
+        sums.Add(taps[middle], OneRow{row(middle)}, 0, NoRow{});
+    sums.StoreTo(out + at);
+}
+
+}  // namespace
+
 [[gnu::target("avx2")]] std::size_t ConvolveRowAvx2(std::span<const std::uint16_t* const> sources,
                                                     std::span<const std::uint16_t> taps, std::span<std::uint16_t> row) {
-    std::uint16_t* const out = row.data();
-    const std::size_t count = row.size();
     if (std::any_of(taps.begin(), taps.end(), [](std::uint16_t tap) { return tap > 32767; })) return 0;
-    const std::size_t middle = taps.size() / 2;
-    const std::uint16_t* const* rows = sources.data();
-    const std::uint16_t* const* mirrored = rows + taps.size() - 1;
-    const __m256i half = _mm256_set1_epi32(8192);
     std::size_t i = 0;
-    for (; i + 16 <= count; i += 16) {
-        __m256i low = half;
-        __m256i high = half;
-        // The middle row pairs up with zero, or with the one row left over from the pairs of taps.
-        for (std::size_t k = 0; k <= middle; k += 2) {
-            const bool last = k == middle;
-            const __m256i first = last ? Load16Words(rows[k] + i)
-                                       : _mm256_add_epi16(Load16Words(rows[k] + i), Load16Words(*(mirrored - k) + i));
-            __m256i second = _mm256_setzero_si256();
-            std::int32_t secondTap = 0;
-            if (!last) {
-                second = Load16Words(rows[k + 1] + i);
-                if (k + 1 != middle) second = _mm256_add_epi16(second, Load16Words(*(mirrored - k - 1) + i));
-                secondTap = taps[k + 1];
-            }
-            const __m256i tapPair = _mm256_set1_epi32(static_cast<std::int32_t>(taps[k]) | (secondTap << 16));
-            low = _mm256_add_epi32(low, _mm256_madd_epi16(_mm256_unpacklo_epi16(first, second), tapPair));
-            high = _mm256_add_epi32(high, _mm256_madd_epi16(_mm256_unpackhi_epi16(first, second), tapPair));
-        }
-        const __m256i packed = _mm256_packus_epi32(_mm256_srli_epi32(low, 14), _mm256_srli_epi32(high, 14));
-        _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + i), packed);
-    }
+    for (; i + 64 <= row.size(); i += 64) ConvolveWords<4>(sources, taps, i, row.data());
+    for (; i + 16 <= row.size(); i += 16) ConvolveWords<1>(sources, taps, i, row.data());
     return i;
 }
 
