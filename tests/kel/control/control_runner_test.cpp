@@ -69,6 +69,10 @@ TEST_CASE("Values are refused as the panel refuses them, and nothing of the line
     const json before = target.Value("BrushWidth");
     CHECK_EQ(target.Refusal("set BrushWidth 7 BrushColr #ff0000"),
              "there is no parameter \"BrushColr\"; did you mean \"BrushColor\"?");
+    CHECK_NE(target.Refusal("set BrushWidth 7 BrushColor red"), "");
+    CHECK_NE(target.Refusal("set BrushWidth 7 EraserWidth 1000"), "");
+    CHECK_NE(target.Refusal("set BrushWidth 7 RecoShapes false BrushType"), "");
+    target.workspace->RunFields(1);
     CHECK_EQ(target.Value("BrushWidth"), before);
     CHECK(target.Refusal("set BrushWidth 31").find("must be from 1 to 30, not 31") != std::string::npos);
     CHECK(target.Refusal("set BrushColor red").find("must be a color") != std::string::npos);
