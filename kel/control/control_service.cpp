@@ -5,6 +5,7 @@
 
 #include "cli/error.h"
 #include "kel/control/control_json.h"
+#include "kel/control/osc_feedback.h"
 #include "kel/control/osc_server.h"
 #if KEL_WITH_SERVER
 #include "kel/control/control_server.h"
@@ -55,6 +56,7 @@ ControlService::ControlService(const ControlOptions& options) {
         osc.token = token.empty() ? TokenFor(osc.port) : token;
         m_osc = std::make_unique<OscServer>(std::move(osc), m_mailbox);
     }
+    if (options.oscFeedback) m_oscFeedback = std::make_unique<OscFeedback>(*options.oscFeedback);
     if (m_server) KeepToken(Door().port, token);
     if (m_osc && !m_server && !IsLoopback(Osc().host)) KeepToken(Osc().port, Osc().token);
 }
@@ -71,15 +73,22 @@ bool ControlService::RunCommands(ControlTarget& target) {
     const std::vector<ControlRequest> requests = m_mailbox.TakeRequests(mostInAField);
     for (const ControlRequest& request : requests) {
         ControlAnswer answer = RunControlLine(target, request.line, request.numbers);
-        if (request.client == nobody && !answer.isDone && m_mailbox.HasListeners())
-            m_mailbox.TellAll({RefusedEvent(request.line, answer)});
+        if (request.client == nobody && !answer.isDone) TellRefused(request.line, answer);
         m_mailbox.Answer(request.client, std::move(answer.json));
     }
     return !requests.empty();
 }
 
+void ControlService::TellRefused(const std::string& line, const ControlAnswer& answer) {
+    if (!m_oscFeedback && !m_mailbox.HasListeners()) return;
+    const std::string event = RefusedEvent(line, answer);
+    if (m_oscFeedback) m_oscFeedback->Tell(event);
+    m_mailbox.TellAll({event});
+}
+
 // Who has just come gets all of it, the others what has changed.
 void ControlService::TellState(Workspace& workspace) {
+    if (m_oscFeedback) m_oscFeedback->TellState(workspace);
     const std::vector<ControlClientId> newListeners = m_mailbox.TakeNewListeners();
     if (!m_mailbox.HasListeners()) {
         m_state = {};
@@ -92,7 +101,10 @@ void ControlService::TellState(Workspace& workspace) {
 }
 
 void ControlService::TellNews(const std::string& line) {
-    if (m_mailbox.HasListeners()) m_mailbox.TellAll({ControlJsonText({{"event", "news"}, {"text", line}})});
+    if (!m_oscFeedback && !m_mailbox.HasListeners()) return;
+    const std::string event = ControlJsonText({{"event", "news"}, {"text", line}});
+    if (m_oscFeedback) m_oscFeedback->Tell(event);
+    m_mailbox.TellAll({event});
 }
 
 }  // namespace kel

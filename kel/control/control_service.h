@@ -11,11 +11,13 @@
 namespace kel {
 
 class ControlServer;
+class OscFeedback;
 class OscServer;
 
 struct ControlOptions {
-    std::optional<ControlAddress> door = {};  // for HTTP and WebSocket; nothing: none
-    std::optional<ControlAddress> osc = {};   // for Open Sound Control, likewise
+    std::optional<ControlAddress> door = {};         // for HTTP and WebSocket; nothing: none
+    std::optional<ControlAddress> osc = {};          // for Open Sound Control, likewise
+    std::optional<ControlAddress> oscFeedback = {};  // who is told of changes by it; nothing: nobody
 };
 
 // All doors of a workspace, and what comes in through them. Thread: the workspace's; the doors have their own.
@@ -42,12 +44,15 @@ public:
     void TellNews(const std::string& line);
 
 private:
+    void TellRefused(const std::string& line, const ControlAnswer& answer);
+
     ControlMailbox m_mailbox;
     ControlState m_state;
     bool m_isFollowed = false;  // somebody listened the last time
     bool m_keepsToken = false;
     std::unique_ptr<ControlServer> m_server;
     std::unique_ptr<OscServer> m_osc;
+    std::unique_ptr<OscFeedback> m_oscFeedback;
 };
 
 }  // namespace kel

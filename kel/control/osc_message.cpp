@@ -123,6 +123,33 @@ std::string ArgumentText(const OscArgument& argument) {
     return text.data();
 }
 
+std::string WrittenWord(std::uint32_t word) {
+    std::string bytes;
+    for (const unsigned shift : {24U, 16U, 8U, 0U}) bytes += static_cast<char>(word >> shift & 255U);
+    return bytes;
+}
+
+// With its zero, filled up with others.
+std::string WrittenText(const std::string& text) {
+    return text + std::string(alignment - text.size() % alignment, '\0');
+}
+
+// Puts the argument's letter and bytes behind the others.
+void WriteArgument(const OscArgument& argument, std::string& types, std::string& bytes) {
+    if (const auto* number = std::get_if<double>(&argument)) {
+        types += 'f';
+        bytes += WrittenWord(std::bit_cast<std::uint32_t>(static_cast<float>(*number)));
+    } else if (const auto* truth = std::get_if<bool>(&argument)) {
+        types += *truth ? 'T' : 'F';
+    } else if (const auto* text = std::get_if<std::string>(&argument)) {
+        types += 's';
+        bytes += WrittenText(*text);
+    } else {
+        types += 'r';
+        bytes += WrittenWord(std::get<OscColour>(argument).rgba);
+    }
+}
+
 bool IsCommand(const std::string& line) {
     try {
         (void)ParseControlCommand(line);
@@ -145,6 +172,13 @@ std::vector<OscMessage> ParseOscPacket(std::span<const std::byte> packet) {
     std::vector<OscMessage> messages;
     ReadPacket(packet, 0, messages);
     return messages;
+}
+
+std::string OscPacketOf(const OscMessage& message) {
+    std::string types = ",";
+    std::string bytes;
+    for (const OscArgument& argument : message.arguments) WriteArgument(argument, types, bytes);
+    return WrittenText(message.address) + WrittenText(types) + bytes;
 }
 
 std::string ControlLineOf(const OscMessage& message) {

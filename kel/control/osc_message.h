@@ -30,4 +30,7 @@ struct OscMessage {
 // go, and there is nothing to do.
 [[nodiscard]] std::string ControlLineOf(const OscMessage& message);
 
+// The packet of one message. Numbers are written as floats, which every sender and receiver knows.
+[[nodiscard]] std::string OscPacketOf(const OscMessage& message);
+
 }  // namespace kel

@@ -1,6 +1,5 @@
 #include "kel/control/osc_server.h"
 
-#include <arpa/inet.h>
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/eventfd.h>
@@ -16,19 +15,10 @@
 #include "cli/error.h"
 #include "kel/control/control_words.h"
 #include "kel/control/osc_message.h"
+#include "kel/control/osc_place.h"
 
 namespace kel {
 namespace {
-
-sockaddr_in SocketAddress(const ControlAddress& address) {
-    sockaddr_in socketAddress{};
-    socketAddress.sin_family = AF_INET;
-    socketAddress.sin_port = htons(static_cast<std::uint16_t>(address.port));
-    const std::string host = address.host == "localhost" ? "127.0.0.1" : address.host;
-    if (inet_pton(AF_INET, host.c_str(), &socketAddress.sin_addr) != 1)
-        throw cli::Error(address.host + ": is no address such as 192.168.1.7");
-    return socketAddress;
-}
 
 int PortOf(int handle) {
     sockaddr_in address{};
@@ -41,7 +31,7 @@ int PortOf(int handle) {
 
 OscServer::OscServer(ControlAddress address, ControlMailbox& mailbox)
     : m_address(std::move(address)), m_mailbox(mailbox) {
-    const sockaddr_in place = SocketAddress(m_address);
+    const sockaddr_in place = OscPlaceOf(m_address);
     m_socket = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     m_end = eventfd(0, EFD_CLOEXEC);
     const bool isOpen =

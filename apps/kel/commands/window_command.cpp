@@ -46,6 +46,7 @@ struct WindowLine {
     std::vector<LiveRequest> live;
     std::string door;
     std::string osc;
+    std::string oscFeedback;
 };
 
 // For a recording that nobody asked to keep.
@@ -136,10 +137,14 @@ void WriteAfterwards(PlayOptions again, bool isScratch, const std::filesystem::p
 
 // Null: none is asked for.
 std::unique_ptr<ControlService> OpenDoors(const WindowLine& line) {
-    if (line.door.empty() && line.osc.empty()) return nullptr;
+    if (line.door.empty() && line.osc.empty() && line.oscFeedback.empty()) return nullptr;
     ControlOptions options;
     if (!line.door.empty()) options.door = ParseDoorAddress(line.door);
     if (!line.osc.empty()) options.osc = ParseDoorAddress(line.osc);
+    if (!line.oscFeedback.empty()) {
+        options.oscFeedback = ParseDoorAddress(line.oscFeedback);
+        if (options.oscFeedback->port == 0) throw cli::Error("--osc-feedback 0: nobody listens at port 0");
+    }
     auto control = std::make_unique<ControlService>(options);
     if (options.door) std::printf("control: %s\n", ControlUrl(control->Door()).c_str());
     if (options.osc) {
@@ -262,6 +267,10 @@ void AddWindowCommand(CLI::App& program) {
             "Takes commands at this port (0: any), of this machine without ADDRESS, and prints how to get there")
         ->type_name("[ADDRESS:]PORT");
     command->add_option("--osc", line->osc, "Takes commands as Open Sound Control over UDP, likewise")
+        ->type_name("[ADDRESS:]PORT");
+    command
+        ->add_option("--osc-feedback", line->oscFeedback,
+                     "Tells this address every change as Open Sound Control, for lamps and faders")
         ->type_name("[ADDRESS:]PORT");
     AddTimelineOption(*command, line->timeline);
     AddOutputOptions(*command, line->outputs);

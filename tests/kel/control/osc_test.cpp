@@ -4,6 +4,8 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
+
 #include "kel/control/control_service.h"
 #include "kel/control/osc_message.h"
 #include "kel/control/osc_server.h"
@@ -144,6 +146,86 @@ TEST_CASE("A port for OSC that is taken, or of no address, is an error") {
                  const OscServer none({"nowhere", 1, {}}, mailbox);
              }),
              "nowhere: is no address such as 192.168.1.7");
+}
+
+namespace {
+
+// Who is told: a port of its own and the messages that have come there.
+class OscListener {
+public:
+    OscListener() : m_handle(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {
+        sockaddr_in place{};
+        place.sin_family = AF_INET;
+        place.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t length = sizeof place;
+        REQUIRE_EQ(bind(m_handle, reinterpret_cast<const sockaddr*>(&place), sizeof place), 0);
+        REQUIRE_EQ(getsockname(m_handle, reinterpret_cast<sockaddr*>(&place), &length), 0);
+        address.port = ntohs(place.sin_port);
+    }
+    ~OscListener() { close(m_handle); }
+    OscListener(const OscListener&) = delete;
+    OscListener& operator=(const OscListener&) = delete;
+    OscListener(OscListener&&) = delete;
+    OscListener& operator=(OscListener&&) = delete;
+
+    // The commands that the waiting messages would be; over loopback what was sent is there.
+    std::vector<std::string> Lines() const {
+        std::vector<std::string> lines;
+        std::string packet(2000, '\0');
+        for (;;) {
+            const ssize_t length = recv(m_handle, packet.data(), packet.size(), MSG_DONTWAIT);
+            if (length <= 0) return lines;
+            for (const OscMessage& message :
+                 ParseOscPacket(BytesOf(packet.substr(0, static_cast<std::size_t>(length)))))
+                lines.push_back(ControlLineOf(message));
+        }
+    }
+
+    ControlAddress address;
+
+private:
+    int m_handle;
+};
+
+bool Has(const std::vector<std::string>& lines, const std::string& line) {
+    return std::ranges::find(lines, line) != lines.end();
+}
+
+}  // namespace
+
+TEST_CASE("Whoever is named is told all of the state as OSC, and then each change, in the words of commands") {
+    BareTarget target;
+    const OscListener listener;
+    ControlOptions options;
+    options.osc = ControlAddress{};
+    options.oscFeedback = listener.address;
+    ControlService service(options);
+    (void)target.Run("set BrushWidth 7 RecoShapes true");
+    target.workspace->RunFields(1);
+    service.TellState(*target.workspace);
+    const std::vector<std::string> all = listener.Lines();
+    for (const char* line : {"opened file grey.png", "set BrushWidth 7", "set RecoShapes 1", "set BrushType Color"})
+        CHECK_MESSAGE(Has(all, line), line);
+    service.TellState(*target.workspace);
+    CHECK(listener.Lines().empty());
+    (void)target.Run("set BrushColor #00ff00 RecoShapes false");
+    (void)target.Run("fade after 3 over 25");
+    target.workspace->RunFields(1);
+    service.TellState(*target.workspace);
+    const std::vector<std::string> changes = listener.Lines();
+    CHECK_EQ(changes,
+             std::vector<std::string>{"set BrushColor #00ff00ff", "set RecoShapes 0", "fade after 3", "fade over 25"});
+    SendTo(service.Osc().port, OscPacket("/set/BrushWidth", "f", OscWord(0x42C80000)));  // 100
+    while (!service.RunCommands(target)) continue;
+    CHECK(Has(listener.Lines(), "refused command \"set BrushWidth 100\""));
+    service.TellNews("saved");
+    CHECK(Has(listener.Lines(), "news text saved"));
+}
+
+TEST_CASE("Arguments of every type are written as they are read") {
+    const OscMessage message{"/set/A", {1.0, true, false, std::string("text"), OscColour{0x11223344}}};
+    CHECK_EQ(OscPacketOf(message), OscPacket("/set/A", "fTFsr", one + OscText("text") + OscWord(0x11223344)));
+    CHECK_EQ(LineOf(OscPacketOf(message)), "set A 1 true false text #11223344");
 }
 
 }  // namespace kel
