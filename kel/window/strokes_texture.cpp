@@ -1,11 +1,13 @@
 #include "kel/window/strokes_texture.h"
 
-#include <algorithm>
+#include <initializer_list>
 
 #include "kel/scene/gl.h"
 
 namespace kel {
 namespace {
+
+using Names = std::initializer_list<GLenum>;
 
 // All that drawing a texture changes, put back at the end: the next module's drawing begins where the last one ended.
 class StateKept {
@@ -14,14 +16,14 @@ public:
         glPushAttrib(GL_ALL_ATTRIB_BITS);
         glPushClientAttrib(GL_CLIENT_PIXEL_STORE_BIT);
         glActiveTexture(GL_TEXTURE0);
-        for (const GLenum matrix : {GL_TEXTURE, GL_PROJECTION, GL_MODELVIEW}) {
+        for (const GLenum matrix : Names{GL_TEXTURE, GL_PROJECTION, GL_MODELVIEW}) {
             glMatrixMode(matrix);
             glPushMatrix();
             glLoadIdentity();
         }
     }
     ~StateKept() {
-        for (const GLenum matrix : {GL_MODELVIEW, GL_PROJECTION, GL_TEXTURE}) {
+        for (const GLenum matrix : Names{GL_MODELVIEW, GL_PROJECTION, GL_TEXTURE}) {
             glMatrixMode(matrix);
             glPopMatrix();
         }
@@ -95,7 +97,7 @@ void StrokesTexture::Show(Look look, const FrameArea& area, const FrameArea& par
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
     LeaveOneUnit();
     const BoundTexture bound(m_texture);
-    for (const GLenum test : {GL_DEPTH_TEST, GL_BLEND, GL_ALPHA_TEST, GL_LIGHTING, GL_CULL_FACE, GL_STENCIL_TEST})
+    for (const GLenum test : Names{GL_DEPTH_TEST, GL_BLEND, GL_ALPHA_TEST, GL_LIGHTING, GL_CULL_FACE, GL_STENCIL_TEST})
         glDisable(test);
     glEnable(GL_TEXTURE_2D);
     glEnable(GL_SCISSOR_TEST);
