@@ -59,7 +59,7 @@ std::unique_ptr<VideoShow> Player::OpenVideo(const SessionContainer& container, 
     const std::string place = container.place + "/film";
     const std::filesystem::path file = m_access.InputFile(container.video, place);
     try {
-        return std::make_unique<VideoShow>(file, id, m_session.fieldsPerSecond);
+        return std::make_unique<VideoShow>(VideoReader(file), id, m_session.fieldsPerSecond);
     } catch (const cli::Error& error) {
         throw cli::Error(m_session.file.string(), place, error.what());
     }
@@ -143,6 +143,10 @@ void Player::CheckFrame(const SessionEvent& event, const VideoEvent& video) cons
 
 void Player::ChangeVideo(std::size_t container, const VideoChange& change) {
     m_containers[container].video->Change(change, m_field);
+}
+
+void Player::SetVideo(std::size_t container, std::unique_ptr<VideoShow> video) {
+    m_containers[container].video = std::move(video);
 }
 
 void Player::SetVideoConversion(VideoConversion conversion) {

@@ -43,6 +43,9 @@ public:
     // Changes a video as an event of the next field would. The index is that of a container with a video.
     void ChangeVideo(std::size_t container, const VideoChange& change);
 
+    // Another video on a container, from the next field on; null: none, and what is on it stays.
+    void SetVideo(std::size_t container, std::unique_ptr<VideoShow> video);
+
     // How the videos' frames are made from now on.
     void SetVideoConversion(VideoConversion conversion);
     // The picture of the field played last, with its videos as they are written. Throws Error as PlayField does.

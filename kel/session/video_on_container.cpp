@@ -17,9 +17,9 @@ VideoClock ClockOf(const VideoReader& video, double fieldsPerSecond) {
 
 }  // namespace
 
-VideoShow::VideoShow(const std::filesystem::path& file, ObjectId container, double fieldsPerSecond)
+VideoShow::VideoShow(VideoReader video, ObjectId container, double fieldsPerSecond)
     : m_container(container),
-      m_frames(file),
+      m_frames(std::move(video)),
       m_framesPerSecond(m_frames.Reader().FramesPerSecond()),
       m_clock(ClockOf(m_frames.Reader(), fieldsPerSecond)) {}
 

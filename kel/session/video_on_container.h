@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
 #include <vector>
 
 #include "kel/scene/host.h"
@@ -13,8 +12,7 @@ namespace kel {
 // A video on a container: shows the frame of each field, and decodes the next ones meanwhile on a thread of its own.
 class VideoShow {
 public:
-    // Throws Error for what is no video.
-    VideoShow(const std::filesystem::path& file, ObjectId container, double fieldsPerSecond);
+    VideoShow(VideoReader video, ObjectId container, double fieldsPerSecond);
     ~VideoShow() = default;
     VideoShow(const VideoShow&) = delete;
     VideoShow& operator=(const VideoShow&) = delete;

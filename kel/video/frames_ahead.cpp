@@ -6,7 +6,7 @@
 
 namespace kel {
 
-FramesAhead::FramesAhead(const std::filesystem::path& file) : m_reader(file), m_thread([this] { DecodeFrames(); }) {}
+FramesAhead::FramesAhead(VideoReader reader) : m_reader(std::move(reader)), m_thread([this] { DecodeFrames(); }) {}
 
 FramesAhead::~FramesAhead() {
     {

@@ -16,8 +16,9 @@ namespace kel {
 // other thread.
 class FramesAhead {
 public:
+    explicit FramesAhead(VideoReader reader);
     // Throws Error as VideoReader does.
-    explicit FramesAhead(const std::filesystem::path& file);
+    explicit FramesAhead(const std::filesystem::path& file) : FramesAhead(VideoReader(file)) {}
     ~FramesAhead();  // waits for the frame that is being decoded
     FramesAhead(const FramesAhead&) = delete;
     FramesAhead& operator=(const FramesAhead&) = delete;

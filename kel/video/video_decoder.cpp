@@ -8,6 +8,7 @@ extern "C" {
 #include <new>
 #include <string>
 #include <thread>
+#include <utility>
 
 #include "cli/error.h"
 #include "kel/video/video_reader.h"
@@ -24,21 +25,23 @@ bool FormatHasAlpha(int format) {
 
 }  // namespace
 
-VideoDecoder::VideoDecoder(const std::filesystem::path& file)
-    : m_file(file), m_index(IndexVideo(m_file)), m_packet(NewPacket()), m_frame(NewFrame()) {
-    if (!DecodeFrom(From::Start, m_index.times.front())) m_file.Refuse("the first frame is damaged");
+VideoDecoder::VideoDecoder(std::unique_ptr<VideoPackets> packets)
+    : m_packets(std::move(packets)), m_index(IndexVideo(*m_packets)), m_packet(NewPacket()), m_frame(NewFrame()) {
+    if (!DecodeFrom(From::Start, m_index.times.front())) m_packets->Refuse("the first frame is damaged");
     m_width = m_frame->width;
     m_height = m_frame->height;
     m_hasAlpha = FormatHasAlpha(m_frame->format);
-    m_orientation = m_file.Orientation();
-    if (std::max(m_width, m_height) > picture_io::largestPictureSide) m_file.Refuse("has frames that are too large");
+    m_orientation = m_packets->Orientation();
+    if (std::max(m_width, m_height) > picture_io::largestPictureSide)
+        m_packets->Refuse("has frames that are too large");
 }
 
 void VideoDecoder::OpenCodec() {
-    const AVCodecParameters& parameters = m_file.Codec();
+    const AVCodecParameters& parameters = m_packets->Codec();
     const AVCodec* codec = avcodec_find_decoder(parameters.codec_id);
     if (codec == nullptr)
-        m_file.Refuse("is coded in a way that cannot be read: " + std::string(avcodec_get_name(parameters.codec_id)));
+        m_packets->Refuse("is coded in a way that cannot be read: " +
+                          std::string(avcodec_get_name(parameters.codec_id)));
     m_codec.reset(avcodec_alloc_context3(codec));
     if (!m_codec) throw std::bad_alloc();
     int result = avcodec_parameters_to_context(m_codec.get(), &parameters);
@@ -46,7 +49,7 @@ void VideoDecoder::OpenCodec() {
     m_codec->thread_count = static_cast<int>(std::clamp(std::thread::hardware_concurrency(), 1U, mostThreads));
     m_codec->flags |= AV_CODEC_FLAG_UNALIGNED;  // or else a crop at the left is rounded
     if (result >= 0) result = avcodec_open2(m_codec.get(), codec, nullptr);
-    if (result < 0) m_file.Refuse("cannot be decoded: " + AvReason(result));
+    if (result < 0) m_packets->Refuse("cannot be decoded: " + AvReason(result));
 }
 
 // m_frame is that frame then.
@@ -55,7 +58,7 @@ void VideoDecoder::DecodeFrame(std::int64_t index) {
     const From way = BestWay(time);
     // A container may miss the key frame, and what is decoded behind it may lack what it refers to.
     if (m_time != time && !DecodeFrom(way, time) && (way == From::Start || !DecodeFrom(From::Start, time)))
-        m_file.Refuse("frame " + std::to_string(index) + " is damaged");
+        m_packets->Refuse("frame " + std::to_string(index) + " is damaged");
 }
 
 picture_io::Picture VideoDecoder::Read(std::int64_t index) {
@@ -63,7 +66,7 @@ picture_io::Picture VideoDecoder::Read(std::int64_t index) {
     try {
         return Upright(m_converter.Convert(*m_frame, m_width, m_height), m_orientation);
     } catch (const cli::Error& error) {
-        m_file.Refuse(error.what());
+        m_packets->Refuse(error.what());
     }
 }
 
@@ -77,7 +80,7 @@ void VideoDecoder::ReadUp(std::int64_t index, picture_io::Picture& picture) {
     try {
         m_converter.ConvertInto(*m_frame, RowOrder::Up, picture);
     } catch (const cli::Error& error) {
-        m_file.Refuse(error.what());
+        m_packets->Refuse(error.what());
     }
 }
 
@@ -98,11 +101,11 @@ bool VideoDecoder::DecodeFrom(From from, std::int64_t time) {
 void VideoDecoder::Go(From from, std::int64_t time) {
     if (from == From::Here) return;
     m_time.reset();
-    if (from == From::Key && m_file.Seek(m_index.KeyBefore(time))) {
+    if (from == From::Key && m_packets->Seek(m_index.KeyBefore(time))) {
         avcodec_flush_buffers(m_codec.get());
         return;
     }
-    m_file.Rewind();
+    m_packets->Rewind();
     OpenCodec();
 }
 
@@ -135,7 +138,7 @@ bool VideoDecoder::NextFrame() {
 
 // A packet that cannot be decoded is passed over; whoever wants its frame finds that it is not there.
 void VideoDecoder::Feed() {
-    const bool isThere = m_file.Read(*m_packet);
+    const bool isThere = m_packets->Read(*m_packet);
     if (isThere && m_packet->pts == AV_NOPTS_VALUE) m_packet->pts = m_packet->dts;
     avcodec_send_packet(m_codec.get(), isThere ? m_packet.get() : nullptr);
 }

@@ -1,12 +1,12 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
+#include <memory>
 #include <optional>
 
 #include "kel/video/picture_converter.h"
-#include "kel/video/video_file.h"
 #include "kel/video/video_index.h"
+#include "kel/video/video_packets.h"
 
 namespace kel {
 
@@ -14,9 +14,9 @@ namespace kel {
 class VideoDecoder {
 public:
     // Decodes the first frame. Throws Error.
-    explicit VideoDecoder(const std::filesystem::path& file);
+    explicit VideoDecoder(std::unique_ptr<VideoPackets> packets);
 
-    [[nodiscard]] const VideoFile& File() const { return m_file; }
+    [[nodiscard]] const VideoPackets& Packets() const { return *m_packets; }
     [[nodiscard]] const VideoIndex& Index() const { return m_index; }
     [[nodiscard]] std::int32_t Width() const { return m_orientation.exchangesAxes ? m_height : m_width; }
     [[nodiscard]] std::int32_t Height() const { return m_orientation.exchangesAxes ? m_width : m_height; }
@@ -41,7 +41,7 @@ private:
     bool NextFrame();
     void Feed();
 
-    VideoFile m_file;
+    std::unique_ptr<VideoPackets> m_packets;  // not null
     VideoIndex m_index;
     AvCodec m_codec;
     AvPacket m_packet;

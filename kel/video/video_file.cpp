@@ -101,8 +101,6 @@ double VideoFile::DeclaredFramesPerSecond() const {
 
 bool VideoFile::IsCutOff() const { return IsCutOffMatroska(m_file); }
 
-void VideoFile::Refuse(const std::string& reason) const { throw cli::Error(m_file.string(), {}, reason); }
-
 std::int64_t TimeOf(const AVPacket& packet) { return packet.pts == AV_NOPTS_VALUE ? packet.dts : packet.pts; }
 
 }  // namespace kel

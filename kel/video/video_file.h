@@ -4,37 +4,37 @@
 #include <filesystem>
 
 #include "kel/video/av_objects.h"
-#include "kel/video/picture_orientation.h"
+#include "kel/video/video_packets.h"
 
 namespace kel {
 
 // An opened video: its container and the one stream, of pictures or of sound, that is looked at, packet by packet.
 // Times are in the stream's own unit. Everything throws Error with the file's name and the reason.
-class VideoFile {
+class VideoFile final : public VideoPackets {
 public:
     enum class Stream { Pictures, Sound };
     explicit VideoFile(const std::filesystem::path& file, Stream which = Stream::Pictures);
 
     // The next packet of the stream; false at the end. Throws also where the file breaks off.
-    bool Read(AVPacket& packet);
+    bool Read(AVPacket& packet) override;
     // Goes to the last key frame at or before `time`, as far as the container knows; false: it cannot.
-    bool Seek(std::int64_t time);
+    bool Seek(std::int64_t time) override;
     // Starts again with the first packet.
-    void Rewind();
+    void Rewind() override;
 
-    [[nodiscard]] const AVCodecParameters& Codec() const;
-    [[nodiscard]] double SecondsPerUnit() const;
+    [[nodiscard]] const AVCodecParameters& Codec() const override;
+    [[nodiscard]] double SecondsPerUnit() const override;
     [[nodiscard]] AVRational TimeBase() const;
-    [[nodiscard]] double PicturesBegin() const;            // seconds; the first frame's time as the container has it
-    [[nodiscard]] double DeclaredFramesPerSecond() const;  // 0: the container does not say
+    [[nodiscard]] double PicturesBegin() const;  // seconds; the first frame's time as the container has it
+    [[nodiscard]] double DeclaredFramesPerSecond() const override;  // 0: the container does not say
 
     // How its frames are brought upright.
-    [[nodiscard]] PictureOrientation Orientation() const { return OrientationOf(Looked()); }
+    [[nodiscard]] PictureOrientation Orientation() const override { return OrientationOf(Looked()); }
 
     // The container says that there is more than the file has. What it says only bit by bit shows when it is read.
-    [[nodiscard]] bool IsCutOff() const;
+    [[nodiscard]] bool IsCutOff() const override;
 
-    [[noreturn]] void Refuse(const std::string& reason) const;
+    [[nodiscard]] std::string Name() const override { return m_file.string(); }
 
 private:
     void Open();

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "kel/video/video_file.h"
+
 namespace kel {
 namespace {
 
@@ -12,8 +14,8 @@ bool IsShown(const AVPacket& packet, AVCodecID codec) {
     return codec != AV_CODEC_ID_VP8 || (packet.data[0] & vp8Shows) != 0;
 }
 
-[[noreturn]] void RefuseCutOff(const VideoFile& file, const VideoIndex& index) {
-    file.Refuse("breaks off after " + std::to_string(index.times.size()) + " frames");
+[[noreturn]] void RefuseCutOff(const VideoPackets& packets, const VideoIndex& index) {
+    packets.Refuse("breaks off after " + std::to_string(index.times.size()) + " frames");
 }
 
 void SortOnce(std::vector<std::int64_t>& times) {
@@ -29,20 +31,20 @@ std::int64_t VideoIndex::KeyBefore(std::int64_t time) const {
     return after == keys.begin() ? keys.front() : *std::prev(after);
 }
 
-VideoIndex IndexVideo(VideoFile& file) {
+VideoIndex IndexVideo(VideoPackets& packets) {
     VideoIndex index;
     const AvPacket packet = NewPacket();
-    while (file.Read(*packet)) {
-        if ((packet->flags & AV_PKT_FLAG_CORRUPT) != 0) RefuseCutOff(file, index);
+    while (packets.Read(*packet)) {
+        if ((packet->flags & AV_PKT_FLAG_CORRUPT) != 0) RefuseCutOff(packets, index);
         const std::int64_t time = TimeOf(*packet);
-        if (time == AV_NOPTS_VALUE) file.Refuse("has frames without a time");
+        if (time == AV_NOPTS_VALUE) packets.Refuse("has frames without a time");
         if ((packet->flags & AV_PKT_FLAG_KEY) != 0) index.keys.push_back(time);
-        if (IsShown(*packet, file.Codec().codec_id)) index.times.push_back(time);
+        if (IsShown(*packet, packets.Codec().codec_id)) index.times.push_back(time);
     }
     SortOnce(index.times);
     SortOnce(index.keys);
-    if (index.times.empty()) file.Refuse("has no frames");
-    if (file.IsCutOff()) RefuseCutOff(file, index);
+    if (index.times.empty()) packets.Refuse("has no frames");
+    if (packets.IsCutOff()) RefuseCutOff(packets, index);
     return index;
 }
 

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "kel/video/video_file.h"
+#include "kel/video/video_packets.h"
 
 namespace kel {
 
@@ -19,7 +19,7 @@ struct VideoIndex {
     [[nodiscard]] std::int64_t KeyBefore(std::int64_t time) const;
 };
 
-// Leaves the file at its end. Throws Error when it breaks off, shows nothing, or gives no times.
-[[nodiscard]] VideoIndex IndexVideo(VideoFile& file);
+// Leaves the packets at their end. Throws Error when it breaks off, shows nothing, or gives no times.
+[[nodiscard]] VideoIndex IndexVideo(VideoPackets& packets);
 
 }  // namespace kel

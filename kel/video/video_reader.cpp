@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "kel/video/video_decoder.h"
+#include "kel/video/video_file.h"
 
 namespace kel {
 namespace {
@@ -11,13 +13,16 @@ namespace {
 // What the frames' times say; 0: there is only one.
 double CountedFramesPerSecond(const VideoDecoder& video) {
     const auto& times = video.Index().times;
-    const double seconds = static_cast<double>(times.back() - times.front()) * video.File().SecondsPerUnit();
+    const double seconds = static_cast<double>(times.back() - times.front()) * video.Packets().SecondsPerUnit();
     return seconds > 0 ? static_cast<double>(times.size() - 1) / seconds : 0.0;
 }
 
 }  // namespace
 
-VideoReader::VideoReader(const std::filesystem::path& file) : m_decoder(std::make_unique<VideoDecoder>(file)) {}
+VideoReader::VideoReader(const std::filesystem::path& file)
+    : m_decoder(std::make_unique<VideoDecoder>(std::make_unique<VideoFile>(file))) {}
+VideoReader::VideoReader(std::unique_ptr<VideoPackets> packets)
+    : m_decoder(std::make_unique<VideoDecoder>(std::move(packets))) {}
 VideoReader::~VideoReader() = default;
 VideoReader::VideoReader(VideoReader&&) noexcept = default;
 VideoReader& VideoReader::operator=(VideoReader&&) noexcept = default;
@@ -32,7 +37,7 @@ bool VideoReader::HasAlpha() const { return m_decoder->HasAlpha(); }
 double VideoReader::FramesPerSecond() const {
     constexpr double usual = 25.0;
     constexpr double nearness = 0.01;
-    const double declared = m_decoder->File().DeclaredFramesPerSecond();
+    const double declared = m_decoder->Packets().DeclaredFramesPerSecond();
     const double counted = CountedFramesPerSecond(*m_decoder);
     if (counted <= 0) return declared > 0 ? declared : usual;
     return std::abs(declared - counted) <= nearness * counted ? declared : counted;
@@ -44,7 +49,7 @@ std::int64_t VideoReader::FrameAt(double seconds) const {
     constexpr double rounding = 0.6;         // units: half of one, and a little more for the arithmetic here
     constexpr double mostRounding = 0.0006;  // seconds, since the coarsest rounding is to milliseconds
     const auto& times = m_decoder->Index().times;
-    const double unit = m_decoder->File().SecondsPerUnit();
+    const double unit = m_decoder->Packets().SecondsPerUnit();
     const double sought =
         (seconds + std::min(unit * rounding, mostRounding)) / unit + static_cast<double>(times.front());
     const auto after =
@@ -63,7 +68,7 @@ std::vector<double> VideoReader::UnevenStarts() const {
     for (const std::int64_t time : times) {
         isEven = isEven && FrameAt(static_cast<double>(number) / rate) == number;
         ++number;
-        starts.push_back(static_cast<double>(time - times.front()) * m_decoder->File().SecondsPerUnit() * rate);
+        starts.push_back(static_cast<double>(time - times.front()) * m_decoder->Packets().SecondsPerUnit() * rate);
     }
     if (isEven) starts.clear();
     return starts;

@@ -11,6 +11,7 @@
 namespace kel {
 
 class VideoDecoder;
+class VideoPackets;
 
 // A video on disk, read frame by frame: MP4, MOV, MKV or WebM. Sound is left out. One thread at a time.
 //
@@ -22,6 +23,8 @@ public:
     // Passes through the whole file once, to know all frames, and decodes the first. Throws Error, one line with file
     // and reason, for what is no video, breaks off, has no frames, or frames beyond largestVideoPixels.
     explicit VideoReader(const std::filesystem::path& file);
+    // The same for a video that is kept elsewhere (kel/video/video_packets.h); not null.
+    explicit VideoReader(std::unique_ptr<VideoPackets> packets);
     ~VideoReader();
     VideoReader(VideoReader&&) noexcept;
     VideoReader& operator=(VideoReader&&) noexcept;
