@@ -98,6 +98,7 @@ LiveName ParseAddress(const std::string& text, const std::string& schemeName) {
         std::ranges::find(schemes, schemeName, [](const Scheme& each) { return std::string(each.name); });
     if (scheme == schemes.end()) {
         std::vector<std::string> names;
+        names.reserve(schemes.size());
         for (const Scheme& each : schemes) names.emplace_back(each.name);
         Refuse(text, "live pictures do not come by " + cli::Quoted(schemeName) + cli::NearestHint(schemeName, names));
     }

@@ -1,6 +1,9 @@
 #include "kel/live/live_source.h"
 
+#include <utility>
+
 #include "cli/error.h"
+#include "kel/live/held_packets.h"
 
 namespace kel {
 namespace {
@@ -27,6 +30,12 @@ bool LiveSource::WaitForPicture(std::chrono::milliseconds atMost) {
         if (std::chrono::steady_clock::now() >= end) return false;
     }
     return true;
+}
+
+LiveSource::Replay LiveSource::HoldReplay() const {
+    PacketRing::Held held = m_ring.Hold();
+    auto packets = std::make_unique<HeldPackets>(m_name.shown, held, FramesPerSecond());
+    return {std::move(held), VideoReader(std::move(packets))};
 }
 
 double LiveSource::FramesPerSecond() const {

@@ -9,6 +9,7 @@
 #include "kel/live/live_name.h"
 #include "kel/live/live_reader.h"
 #include "kel/live/packet_ring.h"
+#include "kel/video/video_reader.h"
 
 namespace kel {
 
@@ -43,7 +44,13 @@ public:
     [[nodiscard]] bool IsThere() const { return m_reader.Now().isThere; }
     [[nodiscard]] std::string Reason() const { return m_reader.Now().reason; }  // why not
     [[nodiscard]] std::vector<std::string> TakeNews() { return m_news.Take(); }
-    // The last seconds, as they came.
+    // The last seconds as a video, and as they came. Throws Error when nothing is kept yet, or none of it can be shown.
+    struct Replay {
+        PacketRing::Held held;
+        VideoReader video;
+    };
+    [[nodiscard]] Replay HoldReplay() const;
+    // What is kept for that.
     [[nodiscard]] const PacketRing& Ring() const { return m_ring; }
 
 private:

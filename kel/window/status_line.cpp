@@ -89,6 +89,23 @@ void ShowRecognition(const Workspace& workspace) {
     if (ImGui::IsItemHovered()) ImGui::SetTooltip("Finished strokes become clean shapes after a moment.");
 }
 
+// Whether pictures come, and what of them is kept.
+void ShowLive(const Workspace& workspace) {
+    constexpr double bytesOfMegabyte = 1 << 20U;
+    if (workspace.Live() == nullptr) return;
+    const PacketRing::Figures kept = workspace.Live()->Ring().Size();
+    ImGui::SameLine(0, 24);
+    if (workspace.Video() != nullptr)
+        ImGui::TextColored(warning, "REPLAY");
+    else if (workspace.Live()->IsThere())
+        ImGui::TextUnformatted("live");
+    else
+        ImGui::TextColored(warning, "no pictures");
+    ImGui::SameLine(0, 12);
+    ImGui::TextDisabled("%.0f s kept, %.0f MB", kept.seconds, static_cast<double>(kept.bytes) / bytesOfMegabyte);
+    if (ImGui::IsItemHovered()) ImGui::SetTooltip("What a replay shows, as it came, and the memory that it takes.");
+}
+
 }  // namespace
 
 void StatusLine::Tell(const std::string& news, Clock::time_point now) {
@@ -104,6 +121,7 @@ void StatusLine::Show(Workspace& workspace, const Figures& figures, WindowSize w
     ImGui::Begin("status", nullptr, plainWindow);
     ShowFigures(workspace.TheHost(), figures, now);
     ShowRecognition(workspace);
+    ShowLive(workspace);
     const std::string file = workspace.File().filename().string();
     const float recordingWidth = workspace.IsRecording() ? 60 * PanelScale() : 0;
     ImGui::SameLine(static_cast<float>(window.width) - ImGui::CalcTextSize(file.c_str()).x - 14 - recordingWidth);

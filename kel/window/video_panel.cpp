@@ -75,9 +75,33 @@ void ShowSpeed(Workspace& workspace, const VideoClock& clock, const FittedKeys& 
                             static_cast<long long>(clock.Out()));
 }
 
+// Between what is live and its replay.
+void ShowLive(const Workspace& workspace, const FittedKeys& keys, std::vector<WorkspaceAction>& asked) {
+    struct Row {
+        const char* label;
+        WorkspaceAction action;
+        bool isLit;
+    };
+    const bool isReplay = workspace.Video() != nullptr;
+    const std::array rows{Row{"Live", WorkspaceAction::Live, !isReplay},
+                          Row{"Replay", WorkspaceAction::StepBack, isReplay},
+                          Row{"Save clip", WorkspaceAction::SaveClip, false}};
+    const float gaps = ImGui::GetStyle().ItemSpacing.x * static_cast<float>(rows.size() - 1);
+    const float width = (ImGui::GetContentRegionAvail().x - gaps) / static_cast<float>(rows.size());
+    for (const Row& row : rows) {
+        if (&row != &rows.front()) ImGui::SameLine();
+        if (row.isLit) ImGui::PushStyleColor(ImGuiCol_Text, ImGui::GetStyleColorVec4(ImGuiCol_CheckMark));
+        if (ImGui::Button(row.label, {width, 34 * PanelScale()}) && !row.isLit) asked.push_back(row.action);
+        if (row.isLit) ImGui::PopStyleColor();
+        if (ImGui::IsItemHovered()) ImGui::SetTooltip("Key: %s", keys.ChordOf(row.action).c_str());
+    }
+    if (!isReplay) ImGui::Separator();
+}
+
 }  // namespace
 
 void ShowVideoPanel(Workspace& workspace, const FittedKeys& keys, std::vector<WorkspaceAction>& asked) {
+    if (workspace.Live() != nullptr) ShowLive(workspace, keys, asked);
     const VideoShow* video = workspace.Video();
     if (video == nullptr) return;
     const VideoClock& clock = video->Clock();

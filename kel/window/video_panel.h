@@ -7,7 +7,8 @@
 
 namespace kel {
 
-// The video's controls, in the window that is being made: play, step, seek, loop. Nothing where the scene has no video.
+// The video's controls, in the window that is being made: play, step, seek, loop; of live pictures, their replay's.
+// Nothing where the scene has no video.
 void ShowVideoPanel(Workspace& workspace, const FittedKeys& keys, std::vector<WorkspaceAction>& asked);
 
 }  // namespace kel

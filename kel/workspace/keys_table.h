@@ -46,6 +46,8 @@ enum class WorkspaceAction {
     FoldPanel,
     Choose,  // strokes are pointed at, not drawn
     Fade,
+    Live,      // back from the replay
+    SaveClip,  // of the replay
     // Nine slots each.
     Keep,
     Recall = Keep + 9,
@@ -91,6 +93,8 @@ inline constexpr auto workspaceActionNames = std::to_array<std::string_view>({"p
                                                                               "fold panel",
                                                                               "choose",
                                                                               "fade",
+                                                                              "live",
+                                                                              "save clip",
                                                                               "keep 1",
                                                                               "keep 2",
                                                                               "keep 3",

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <future>
 #include <string>
 #include <vector>
@@ -17,6 +18,11 @@ public:
 
     // Saves under "NAME-001.png", or the next number that is free. Returns at once.
     void Save(picture_io::Picture picture, const std::string& name);
+
+    // Other files are saved likewise: the next name that is free, "NAME-001ENDING", and what writes it and says what
+    // was written. It may throw Error.
+    [[nodiscard]] std::filesystem::path FreeName(const std::string& name, const std::string& ending);
+    void Run(std::function<std::string()> save);
 
     // What became of those that are written by now, a line for each.
     [[nodiscard]] std::vector<std::string> TakeNews();

@@ -17,17 +17,16 @@ constexpr std::int64_t mostRecordedFields = 1'000'000;  // what a session takes
 constexpr std::int32_t farthestPixel = 100'000;
 constexpr auto recordingInterval = std::chrono::milliseconds(400);
 
-constexpr const char* liveName = "live";  // of what is saved
-
 bool HasEvents(const Session& session) { return !session.events.empty(); }
 
 }  // namespace
 
 Workspace::Workspace(const std::filesystem::path& file, const WorkspaceOptions& options)
     : m_file(options.live ? std::filesystem::path(options.live->Name().shown) : file),
+      m_conversion(options.videoConversion),
       m_live(options.live),
       m_saver(options.saves),
-      m_slots(options.live ? options.saves / liveName : file) {
+      m_slots(options.live ? options.saves / liveSaves : file) {
     m_host = std::make_unique<Host>(WindowSize{16, 16}, options.gl);
     OpenScene(file, options);
     const Session& session = m_scene.session;
@@ -193,10 +192,11 @@ void Workspace::ChangeVideo(const VideoChange& change) {
     if (container == nullptr || IsPlayingSession()) return;
     const auto index = static_cast<std::size_t>(container - m_player->Containers().data());
     m_player->ChangeVideo(index, change);
-    if (m_recording) m_recording->AddVideo(NextField(), index, change);
+    if (m_recording && !m_live) m_recording->AddVideo(NextField(), index, change);  // a replay is seen once
 }
 
 void Workspace::DoVideo(WorkspaceAction action) {
+    if (m_live) DoReplay(action);
     if (const VideoShow* video = Video())
         if (const auto change = ChangeFor(action, {video->Clock(), video->FramesPerSecond(), NextField()}))
             ChangeVideo(*change);
@@ -231,13 +231,6 @@ bool Workspace::Record(std::int64_t field, const std::vector<PendingChange>& cha
             m_recording->AddButton(field, plugIn.container, change.button);
     }
     return counts || !changes.empty();
-}
-
-// The newest of the live pictures, on the first container, which is theirs. True: it is another one.
-bool Workspace::ShowLive() {
-    if (!m_live || !m_live->Take(m_livePicture)) return false;
-    m_host->ExchangePicture(m_player->Containers().front().id, m_livePicture, true);
-    return true;
 }
 
 void Workspace::PlayField(int fieldsDue) {
@@ -300,15 +293,7 @@ void Workspace::RunFields(int fields) {
 }
 
 std::string Workspace::SaveName(const char* ending) const {
-    return (m_live ? std::string(liveName) : m_file.stem().string()) + ending;
-}
-
-void Workspace::ShowExactly() {
-    m_player->ShowVideosExactly();
-    picture_io::Picture exact;
-    if (!m_live || !m_live->TakeExactly(exact)) return;
-    m_host->ExchangePicture(m_player->Containers().front().id, exact, true);
-    m_host->DrawAgain();
+    return (m_live ? std::string(liveSaves) : m_file.stem().string()) + ending;
 }
 
 void Workspace::SavePicture() {

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "kel/live/clip_file.h"
 #include "kel/live/live_source.h"
 #include "kel/scene/host.h"
 #include "kel/session/player.h"
@@ -116,7 +117,8 @@ public:
     [[nodiscard]] std::filesystem::path VideoFile() const;  // Video
     [[nodiscard]] std::int64_t VideoFrame() const;          // that the next field shows
     void ChangeVideo(const VideoChange& change);
-    // Those that change the video; without one nothing happens.
+    // Those that change the video; without one nothing happens. Over live pictures the first of them begins a replay of
+    // what is kept, standing at its last frame, which is the video then.
     void DoVideo(WorkspaceAction action);
     // So many fields were given up since the last one that was run: the video goes on where it would be by now.
     void SkipVideo(std::int64_t fields);
@@ -155,6 +157,12 @@ private:
     void Edit(InkEditKind kind);
     void DeliverEdits();
     bool ShowLive();
+    bool ShowLastLive();
+    void DoReplay(WorkspaceAction action);
+    void BeginReplay();
+    void EndReplay();
+    void SaveClip();
+    [[nodiscard]] std::string ClipSession(const std::string& clip, const ClipPart& part) const;
     void ShowExactly();
     void StartRecording(const WorkspaceOptions& options);
     struct Journal {
@@ -170,9 +178,13 @@ private:
     [[nodiscard]] const Player::Container* VideoContainer() const;
     [[nodiscard]] std::string SaveName(const char* ending) const;
 
+    static constexpr const char* liveSaves = "live";  // how what is saved of live pictures is called
+
     std::filesystem::path m_file;
+    VideoConversion m_conversion;
     std::shared_ptr<LiveSource> m_live;  // null: a file is open
     picture_io::Picture m_livePicture;   // memory for the next one
+    PacketRing::Held m_replayed;         // what the replay shows; none: there is none
     std::unique_ptr<Host> m_host;
     WorkspaceScene m_scene;
     std::unique_ptr<Player> m_player;

@@ -35,6 +35,8 @@ bool IsOfVideo(WorkspaceAction action) {
         case WorkspaceAction::MarkIn:
         case WorkspaceAction::MarkOut:
         case WorkspaceAction::NoMarks:
+        case WorkspaceAction::Live:
+        case WorkspaceAction::SaveClip:
             return true;
         default:
             return false;

@@ -125,8 +125,12 @@ WorkspaceScene OpenWorkspaceScene(const fs::path& file, const Registration& modu
     return SceneOf(fs::absolute(file).string(), file, backdrop, module);
 }
 
-WorkspaceScene LiveWorkspaceScene(const LivePictures& live, const Registration& module) {
+WorkspaceScene LiveWorkspaceScene(const ScenePictures& live, const Registration& module) {
     return SceneOf(live.name, live.name, {"live", live.size, FieldsPerSecondFor(live.framesPerSecond)}, module);
+}
+
+WorkspaceScene VideoWorkspaceScene(const ScenePictures& video, const Registration& module) {
+    return SceneOf(video.name, video.name, {"film", video.size, FieldsPerSecondFor(video.framesPerSecond)}, module);
 }
 
 }  // namespace kel

@@ -23,12 +23,15 @@ struct WorkspaceScene {
 
 // Around live pictures, of that size and rate; they are named, and whoever reads the scene opens nothing.
 //   name  for people (kel/live/live_name.h)
-struct LivePictures {
+struct ScenePictures {
     std::string name;
     WindowSize size;
     double framesPerSecond = 25;
 };
-[[nodiscard]] WorkspaceScene LiveWorkspaceScene(const LivePictures& live, const Registration& module);
+[[nodiscard]] WorkspaceScene LiveWorkspaceScene(const ScenePictures& live, const Registration& module);
+
+// The same around a video that need not be there yet; its name is a path.
+[[nodiscard]] WorkspaceScene VideoWorkspaceScene(const ScenePictures& video, const Registration& module);
 
 // True: the file is opened as a session. Throws Error for what cannot be read or is no regular file.
 [[nodiscard]] bool IsSessionFile(const std::filesystem::path& file);

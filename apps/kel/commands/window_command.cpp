@@ -47,6 +47,7 @@ struct WindowLine {
     std::string door;
     std::string osc;
     std::string oscFeedback;
+    std::optional<double> replaySeconds;
 };
 
 // For a recording that nobody asked to keep.
@@ -156,6 +157,12 @@ std::unique_ptr<ControlService> OpenDoors(const WindowLine& line) {
     return control;
 }
 
+PacketRing::Limits ReplayLimits(const WindowLine& line) {
+    PacketRing::Limits limits;
+    if (line.replaySeconds) limits.seconds = *line.replaySeconds;
+    return limits;
+}
+
 // Live pictures do not come again: what shows them cannot be made from the recording, as the ink can.
 void KeepInkAlone(OutputOptions& outputs) {
     const std::vector<std::string> lost{std::exchange(outputs.out, {}), std::exchange(outputs.frames, {})};
@@ -175,6 +182,7 @@ void Window(const WindowLine& line) {
     const bool isLive = IsLiveName(line.file);
     std::optional<LiveName> liveName;
     if (isLive) liveName = ParseLiveName(line.file);
+    if (!isLive && line.replaySeconds) throw cli::Error("--replay is for live pictures: a film is all there");
     options.file = line.file.empty() ? FindExampleScene() : std::filesystem::path(line.file);
     OutputOptions outputs = line.outputs;
     if (!isLive) outputs.inputs = FilesReadFor(options.file);
@@ -201,7 +209,7 @@ void Window(const WindowLine& line) {
     options.followsVideo = outputs.WantAnything() && !isLive && FollowsVideoOf(options.file, line.timeline);
     LiveStreams streams(line.live, line.outputs.isStraight);
     if (streams.AreThere()) options.streams = &streams;
-    if (isLive) options.workspace.live = ConnectLive(*liveName, {});
+    if (isLive) options.workspace.live = ConnectLive(*liveName, ReplayLimits(line));
     if (isLive && !options.workspace.live) return;
     std::unique_ptr<ControlService> control = OpenDoors(line);
     TellStreams(streams);
@@ -252,6 +260,9 @@ void AddWindowCommand(CLI::App& program) {
         ->check(CLI::IsMember({"on", "off"}));
     command->add_option("--pen", line->pen, "With on (default) the end of a pen that erases does so")
         ->check(CLI::IsMember({"on", "off"}));
+    command->add_option("--replay", line->replaySeconds, "How much of live pictures is kept for a replay (default: 60)")
+        ->type_name("SECONDS")
+        ->check(CLI::Range(1, 3600));
     CLI::Option* clean =
         command->add_option("--clean-output", line->cleanDisplay,
                             "A second window with the picture alone, filling this display (1, 2, ...)");

@@ -119,4 +119,87 @@ TEST_CASE("A picture that is saved of live ones is exact") {
     CHECK_LE(testing::Difference(saved.At(5, 5), {130, 130, 130, 255}), 4);
 }
 
+TEST_CASE("Live pictures that are paused are a film of the last seconds, and go on with one key") {
+    LivePlace place;
+    Workspace workspace({}, place.options);
+    place.camera.SetGrey(60);
+    AwaitCorner(workspace, 60);
+    place.camera.SetGrey(200);
+    AwaitCorner(workspace, 200);
+    CHECK_EQ(workspace.Video(), nullptr);
+    workspace.DoVideo(WorkspaceAction::StepBack);
+    REQUIRE_NE(workspace.Video(), nullptr);
+    const std::int64_t last = workspace.Video()->Clock().Frames() - 1;
+    CHECK_EQ(workspace.VideoFrame(), last - 1);
+    place.camera.SetGrey(120);
+    workspace.RunFields(1);
+    CHECK_FALSE(workspace.Video()->Clock().IsRunning(workspace.NextField()));
+    // The grey of before comes again, a frame at a time.
+    Await("the replayed grey", [&] {
+        workspace.DoVideo(WorkspaceAction::StepBack);
+        workspace.RunFields(1);
+        return std::abs(workspace.TheHost().ReadFrame().At(5, 5)[0] - testing::ShownGrey(60)) <= 4;
+    });
+    workspace.DoVideo(WorkspaceAction::Slower);
+    CHECK_EQ(workspace.Video()->Clock().Speed(), 0.5);
+    workspace.DoVideo(WorkspaceAction::Live);
+    CHECK_EQ(workspace.Video(), nullptr);
+    AwaitCorner(workspace, 120);
+    for (const std::string& line : workspace.TakeNews()) FAIL_CHECK(line);
+}
+
+TEST_CASE("The recording of a replay plays, without the replay") {
+    LivePlace place;
+    picture_io::Picture drawn;
+    {
+        Workspace workspace({}, place.options);
+        workspace.RunFields(1);
+        workspace.DoVideo(WorkspaceAction::Pause);
+        DrawAcross(workspace);
+        workspace.DoVideo(WorkspaceAction::Live);
+        workspace.RunFields(1);
+        drawn = workspace.TheHost().ReadCanvas(workspace.Chosen()->id);
+    }
+    const Session session = ReadSession(place.options.recording);
+    Host host({session.window.width, session.window.height});
+    Player player(session, host, CHALKPANE_MODULE);
+    while (!player.IsOver()) (void)player.PlayField(Player::Rendering::NotWanted);
+    CHECK_EQ(host.ReadCanvas(player.OverlayContainer()), drawn);
+}
+
+TEST_CASE("A clip of a replay is saved with its ink as a session that plays") {
+    LivePlace place;
+    Workspace workspace({}, place.options);
+    workspace.DoVideo(WorkspaceAction::SaveClip);
+    CHECK_EQ(workspace.TakeNews(), std::vector<std::string>{"A clip is saved of a replay: pause the live pictures, and "
+                                                            "mark its beginning and end."});
+    Await("half a second", [&] { return place.options.live->Ring().Size().seconds > 0.5; });
+    workspace.RunFields(1);
+    DrawAcross(workspace);
+    workspace.DoVideo(WorkspaceAction::Pause);
+    VideoChange part;
+    part.in = 7;
+    part.out = 16;
+    workspace.ChangeVideo(part);
+    workspace.RunFields(1);
+    workspace.DoVideo(WorkspaceAction::SaveClip);
+    std::vector<std::string> news;
+    Await("the clip", [&] { return !(news = workspace.TakeNews()).empty(); });
+    CHECK_EQ(news[0], "Saved " + (place.folder / "live-clip-001.mkv").string() + " and live-clip-001.json");
+    const Session session = ReadSession(place.folder / "live-clip-001.json");
+    CHECK_EQ(session.containers[0].video, "live-clip-001.mkv");
+    CHECK_EQ(session.fields, 10);  // of 50 a second, as the frames are
+    Host host({session.window.width, session.window.height});
+    Player player(session, host, CHALKPANE_MODULE);
+    // Keys are five frames apart, and the ring begins with one: frame 7 is the third from the one before it.
+    CHECK_EQ(player.Containers()[0].video->Clock().Frames(), 12);
+    (void)player.PlayField(Player::Rendering::Wanted);
+    CHECK_EQ(player.Containers()[0].video->Shown(), 2);
+    while (!player.IsOver()) (void)player.PlayField(Player::Rendering::Wanted);
+    CHECK_EQ(player.Containers()[0].video->Shown(), 11);
+    CHECK_EQ(host.ReadPremultipliedCanvas(player.OverlayContainer()),
+             workspace.TheHost().ReadPremultipliedCanvas(workspace.Chosen()->id));
+    CHECK_LE(testing::Difference(host.ReadFrame().At(5, 5), {130, 130, 130, 255}), 6);
+}
+
 }  // namespace kel

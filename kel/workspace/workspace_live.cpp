@@ -1,0 +1,112 @@
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <utility>
+
+#include "cli/error.h"
+#include "cli/file_bytes.h"
+#include "kel/live/clip_file.h"
+#include "kel/session/session_lines.h"
+#include "kel/workspace/workspace.h"
+
+// Live pictures, and the replay of the last of them.
+
+namespace kel {
+
+// The newest of the live pictures, on the first container, which is theirs. True: it is another one.
+bool Workspace::ShowLive() {
+    if (!m_live || Video() != nullptr || !m_live->Take(m_livePicture)) return false;
+    m_host->ExchangePicture(m_player->Containers().front().id, m_livePicture, true);
+    return true;
+}
+
+// The one shown last, made exactly; false: none was.
+bool Workspace::ShowLastLive() {
+    if (!m_live->TakeExactly(m_livePicture)) return false;
+    m_host->ExchangePicture(m_player->Containers().front().id, m_livePicture, true);
+    return true;
+}
+
+void Workspace::ShowExactly() {
+    m_player->ShowVideosExactly();
+    if (m_live && Video() == nullptr && ShowLastLive()) m_host->DrawAgain();
+}
+
+void Workspace::DoReplay(WorkspaceAction action) {
+    if (action == WorkspaceAction::Live) return EndReplay();
+    if (action == WorkspaceAction::SaveClip) return SaveClip();
+    if (Video() == nullptr) BeginReplay();
+}
+
+void Workspace::BeginReplay() {
+    try {
+        LiveSource::Replay replay = m_live->HoldReplay();
+        auto video =
+            std::make_unique<VideoShow>(std::move(replay.video), m_player->Containers().front().id, FieldsPerSecond());
+        video->SetConversion(m_conversion);
+        VideoChange stand;
+        stand.frame = video->Clock().Frames() - 1;
+        stand.play = false;
+        video->Change(stand, NextField());
+        m_player->SetVideo(0, std::move(video));
+        m_replayed = std::move(replay.held);
+    } catch (const cli::Error& error) {
+        m_news.emplace_back(error.what());
+    }
+}
+
+void Workspace::EndReplay() {
+    if (Video() == nullptr) return;
+    m_player->SetVideo(0, nullptr);
+    m_replayed = {};
+    (void)ShowLastLive();
+}
+
+// The clip beside its session, under the next number that is free for both. Writing it is copying some megabytes, which
+// another thread does.
+void Workspace::SaveClip() {
+    if (Video() == nullptr) {
+        m_news.emplace_back("A clip is saved of a replay: pause the live pictures, and mark its beginning and end.");
+        return;
+    }
+    const VideoClock& clock = Video()->Clock();
+    const ClipPart part{clock.In(), clock.Out(), m_live->Width(), m_live->Height()};
+    const std::filesystem::path clip = m_saver.FreeName(std::string(liveSaves) + "-clip", ".mkv");
+    std::filesystem::path session = clip;
+    session.replace_extension(".json");
+    const std::string text = ClipSession(clip.filename().string(), part);
+    m_saver.Run([held = m_replayed, part, clip, session, text] {
+        std::filesystem::create_directories(cli::FolderOf(clip));
+        const std::int64_t lead = WriteClip(held, part, clip);
+        nlohmann::ordered_json json = nlohmann::ordered_json::parse(text);
+        for (nlohmann::ordered_json& event : json["events"])
+            if (event.contains("film")) event["film"] = {{"frame", lead}, {"in", lead}};
+        cli::WriteFileWhole(session, json.dump(1) + "\n");
+        return "Saved " + clip.string() + " and " + session.filename().string();
+    });
+}
+
+// What is drawn now, over all of the clip.
+std::string Workspace::ClipSession(const std::string& clip, const ClipPart& part) const {
+    const double framesPerSecond = Video()->FramesPerSecond();
+    const Registration& module = *Chosen()->registration;
+    const WorkspaceScene scene = VideoWorkspaceScene({clip, SceneSize(), framesPerSecond}, module);
+    Recording recording(scene, {nullptr, &module}, {}, {});
+    VideoChange begin;
+    begin.frame = 0;  // known when it is written
+    recording.AddVideo(0, 0, begin);
+    constexpr std::int64_t inkField = 1;  // a module has nothing to draw on before its first
+    InkEdit ink;
+    ink.kind = InkEditKind::Recall;
+    ink.recall = chalkpane::InkDrawing::Recall::InPlace;
+    if (Ink() != nullptr && Ink()->CanKeep()) ink.strokes = Ink()->Strokes();
+    if (!ink.strokes.empty()) recording.AddInk(inkField, 1, ink, module, scene.session.fieldsPerSecond);
+    const auto frames = static_cast<double>(part.last - part.first + 1);
+    recording.AddFields(static_cast<std::int64_t>(frames / framesPerSecond * scene.session.fieldsPerSecond + 0.5));
+    nlohmann::ordered_json json = nlohmann::ordered_json::parse(WholeSessionText(recording.TakeLines()));
+    json.erase("recording");
+    json["containers"][0]["film"] = clip;  // both may be taken elsewhere together
+    return json.dump();
+}
+
+}  // namespace kel

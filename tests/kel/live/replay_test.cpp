@@ -1,0 +1,101 @@
+#include <doctest/doctest.h>
+
+#include <algorithm>
+#include <vector>
+
+#include "kel/live/clip_file.h"
+#include "kel/live/held_packets.h"
+#include "kel/video/video_file.h"
+#include "kel/video/video_reader.h"
+#include "tests/cli/temporary_folder.h"
+#include "tests/cli/thrown.h"
+#include "tests/kel/video/counted_video.h"
+
+namespace kel {
+namespace {
+
+constexpr std::int32_t width = 64;
+constexpr std::int32_t height = 48;
+
+// What a ring would hold of a file, each packet copied and timed as there.
+PacketRing::Held HeldOf(const std::filesystem::path& file) {
+    VideoFile video(file);
+    PacketRing::Held held;
+    held.codec = CopyCodec(video.Codec());
+    const AvPacket packet = NewPacket();
+    while (video.Read(*packet))
+        held.packets.push_back(CopyPacket(*packet, av_rescale_q(packet->dts, video.TimeBase(), liveUnit),
+                                          av_rescale_q(packet->pts, video.TimeBase(), liveUnit)));
+    return held;
+}
+
+std::vector<std::int64_t> NumbersIn(VideoReader& video) {
+    std::vector<std::int64_t> numbers;
+    for (std::int64_t frame = 0; frame < video.FrameCount(); ++frame)
+        numbers.push_back(testing::NumberOf(video.ReadFrame(frame)));
+    return numbers;
+}
+
+std::vector<std::int64_t> FromTo(std::int64_t first, std::int64_t last) {
+    std::vector<std::int64_t> numbers;
+    for (std::int64_t number = first; number <= last; ++number) numbers.push_back(number);
+    return numbers;
+}
+
+}  // namespace
+
+TEST_CASE("What is held of a stream is a video of which every frame can be sought") {
+    const cli::testing::TemporaryFolder folder;
+    testing::WriteCountedVideo(folder / "counted.mp4", 60, width, height);
+    VideoReader video(std::make_unique<HeldPackets>("held", HeldOf(folder / "counted.mp4"), 25));
+    CHECK_EQ(video.FramesPerSecond(), doctest::Approx(25));
+    CHECK_EQ(NumbersIn(video), FromTo(0, 59));
+    for (const std::int64_t frame : {59, 3, 55, 54, 10, 0}) CHECK_EQ(testing::NumberOf(video.ReadFrame(frame)), frame);
+}
+
+TEST_CASE("A clip has the packets as they came, from the key before its first frame on") {
+    const cli::testing::TemporaryFolder folder;
+    testing::WriteCountedVideo(folder / "counted.mp4", 60, width, height);
+    const PacketRing::Held held = HeldOf(folder / "counted.mp4");
+    // A picture at each of a frame's 40 milliseconds; the encoder chooses its keys.
+    std::int64_t key = 0;
+    for (const LivePacket& packet : held.packets)
+        if (const std::int64_t frame = (packet->pts - held.packets[0]->pts) / 40'000;
+            (packet->flags & AV_PKT_FLAG_KEY) != 0 && frame <= 52)
+            key = frame;
+    CHECK_EQ(WriteClip(held, {52, 57, width, height}, folder / "clip.mkv"), 52 - key);
+    VideoReader clip(folder / "clip.mkv");
+    const std::vector<std::int64_t> numbers = NumbersIn(clip);
+    const std::vector<std::int64_t> wanted = FromTo(key, 57);
+    REQUIRE_GE(numbers.size(), wanted.size());  // others may be needed to make the last ones
+    CHECK(std::equal(wanted.begin(), wanted.end(), numbers.begin()));
+    CHECK_EQ(clip.FramesPerSecond(), doctest::Approx(25).epsilon(0.01));
+    const PacketRing::Held written = HeldOf(folder / "clip.mkv");
+    REQUIRE_FALSE(written.packets.empty());
+    for (const LivePacket& packet : written.packets) {
+        const auto isSame = [&](const LivePacket& came) {
+            return std::equal(came->data, came->data + came->size, packet->data, packet->data + packet->size);
+        };
+        CHECK(std::ranges::any_of(held.packets, isSame));
+    }
+    CHECK_EQ(WriteClip(held, {0, 59, width, height}, folder / "all.mkv"), 0);
+    VideoReader all(folder / "all.mkv");
+    CHECK_EQ(all.FrameCount(), 60);
+}
+
+TEST_CASE("A clip that cannot be written says why, and leaves nothing") {
+    const cli::testing::TemporaryFolder folder;
+    testing::WriteCountedVideo(folder / "counted.mp4", 5, width, height);
+    const PacketRing::Held held = HeldOf(folder / "counted.mp4");
+    const std::string refusal = cli::testing::Thrown([&] { (void)WriteClip(held, {0, 4, 0, 0}, folder / "clip.mkv"); });
+    CHECK_NE(refusal.find("clip.mkv: cannot be written: "), std::string::npos);
+    CHECK_EQ(std::distance(std::filesystem::directory_iterator(folder.Path()), {}), 1);
+}
+
+TEST_CASE("Of a ring in which nothing is held there is no replay") {
+    const PacketRing ring({60, 1U << 20U});
+    CHECK_EQ(cli::testing::Thrown([&] { const HeldPackets held("srt://camera:9000", ring.Hold(), 25); }),
+             "srt://camera:9000: nothing is kept yet");
+}
+
+}  // namespace kel
