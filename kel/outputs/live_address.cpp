@@ -34,7 +34,7 @@ int NumberOf(const LiveAddress& address, const char* name, const std::string& te
 }
 
 std::string WordOf(const LiveAddress& address, const char* name, const std::vector<std::string>& words) {
-    const std::string value = address.Of(name);
+    std::string value = address.Of(name);
     if (value.empty() || std::ranges::find(words, value) != words.end()) return value;
     RefuseAddress(address, std::string(name) + " is " + cli::WordList(words, "or") + ", not " + cli::Quoted(value));
 }
@@ -112,7 +112,7 @@ void ParseSettings(const LiveScheme& scheme, std::string_view text, LiveAddress&
             RefuseAddress(address, cli::Quoted(name) + " is none of its settings, " + cli::WordList(known, "and") +
                                        cli::NearestHint(name, known));
         if (equals == std::string_view::npos || equals + 1 == setting.size())
-            RefuseAddress(address, name + " has no value; " + name + "=VALUE");
+            RefuseAddress(address, cli::Quoted(name) + " has no value");
         if (!address.Of(name).empty()) RefuseAddress(address, name + " is said twice");
         address.settings.push_back({name, std::string(setting.substr(equals + 1))});
     }

@@ -27,6 +27,7 @@ void RequirePairs(const std::vector<LiveRequest>& requests) {
 LiveStreams::LiveStreams(const std::vector<LiveRequest>& requests, bool isStraight) {
     RequirePairs(requests);
     std::vector<LivePlan> plans;
+    plans.reserve(requests.size());
     for (const LiveRequest& request : requests) plans.push_back(PlanLive(request, isStraight));
     for (LivePlan& plan : plans) m_sinks.push_back(std::make_unique<LiveSink>(std::move(plan)));
 }

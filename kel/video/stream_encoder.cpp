@@ -1,6 +1,8 @@
 #include "kel/video/stream_encoder.h"
 
+#include <algorithm>
 #include <new>
+#include <string>
 #include <utility>
 
 #include "cli/error.h"
@@ -27,6 +29,10 @@ void StreamEncoder::CloseOutput::operator()(AVFormatContext* output) const {
 StreamEncoder::StreamEncoder(const StreamFormat& format, const VideoSettings& settings, StreamOutput& output)
     : m_wanted(*format.codec), m_reader(output), m_packet(NewPacket()), m_last(NewPacket()) {
     SilenceAv();
+    if (std::min(settings.width, settings.height) < m_wanted.smallestSide)
+        throw cli::Error(output.Address(), {},
+                         "cannot be sent: pictures of " + std::string(format.name) + " have sides of at least " +
+                             std::to_string(m_wanted.smallestSide) + " pixels");
     AVFormatContext* container = nullptr;
     Check(avformat_alloc_output_context2(&container, nullptr, m_wanted.container, nullptr));
     m_output.reset(container);

@@ -66,7 +66,7 @@ TEST_CASE("A wrong live address is refused with what is wrong and the nearest ri
              "tcp://:1?codek=raw: \"codek\" is none of its settings, alpha, rate and codec; did you mean \"codec\"?");
     CHECK_EQ(RefusalOf(View::Rendered, "tcp://:1?codec=h264"),
              "tcp://:1?codec=h264: codec is ffv1 or raw, not \"h264\"");
-    CHECK_EQ(RefusalOf(View::Rendered, "tcp://:1?rate"), "tcp://:1?rate: rate has no value; rate=VALUE");
+    CHECK_EQ(RefusalOf(View::Rendered, "tcp://:1?rate"), "tcp://:1?rate: \"rate\" has no value");
     CHECK_EQ(RefusalOf(View::Rendered, "tcp://:1?rate=2&rate=3"), "tcp://:1?rate=2&rate=3: rate is said twice");
     CHECK_EQ(RefusalOf(View::Rendered, "tcp://:1?rate=0"),
              "tcp://:1?rate=0: rate is a whole number from 1 to 1000, not \"0\"");

@@ -250,4 +250,15 @@ TEST_CASE("After a picture of another size a reader comes again") {
     }
 }
 
+TEST_CASE("What cannot be sent is said, and nobody waits for it") {
+    FedSink fed(View::Rendered, "tcp://:0", PlainShared(testing::red, {1, 1}));
+    const std::string address = fed.sink.Figures().address;
+    const StandingReader reader(address);
+    fed.FeedUntil("it is said", [&] { return !fed.sink.Figures().trouble.empty(); });
+    fed.sink.Close();
+    CHECK_EQ(fed.sink.Figures().trouble,
+             address + ": cannot be sent: pictures of FFV1 have sides of at least 2 pixels");
+    CHECK_NE(EndOf(fed.sink.Figures()).find("; " + address + ": cannot be sent"), std::string::npos);
+}
+
 }  // namespace kel
