@@ -62,12 +62,20 @@ private:
 
 constexpr std::int32_t stepsInARow = 4 * stepsAtOnce;
 
+struct RowOfPlaces {
+    alignas(32) double xs[stepsInARow];
+    alignas(32) double ys[stepsInARow];
+};
+
 // A bit for each of so many steps; `distances` become those of the last four.
 [[gnu::target("avx2")]] inline unsigned BeyondInARow(const FourSteps& curve, std::int32_t step, __m256d x, __m256d y,
-                                                     __m256d limit, __m256d& distances) {
+                                                     __m256d limit, __m256d& distances, RowOfPlaces& row) {
     unsigned bits = 0;
     for (int i = 0; i < 4; ++i) {
-        distances = SquaredDistances(curve.From(step + i * stepsAtOnce), x, y);
+        const FourSteps::Places places = curve.From(step + i * stepsAtOnce);
+        _mm256_store_pd(row.xs + i * stepsAtOnce, places.x);
+        _mm256_store_pd(row.ys + i * stepsAtOnce, places.y);
+        distances = SquaredDistances(places, x, y);
         bits |= Beyond(distances, limit) << (i * stepsAtOnce);
     }
     return bits;
@@ -107,6 +115,7 @@ private:
     const __m128d high = _mm_loadu_pd(high_.data());
     const __m128d offset = _mm_set_pd(masks_->offset.y, masks_->offset.x);
     GrowingRect changed;
+    RowOfPlaces row;
     __m128 last = _mm_set_ps(0.0F, 0.0F, progress.lastY, progress.lastX);
     std::int32_t dabs = 0;
     std::int32_t step = progress.step + (progress.followsDab ? stride : 0);
@@ -114,23 +123,25 @@ private:
         const __m128d from = _mm_cvtps_pd(last);
         const __m256d x = _mm256_broadcastsd_pd(from);
         const __m256d y = _mm256_broadcastsd_pd(_mm_unpackhi_pd(from, from));
-        FourSteps::Places places = curve.From(step);
+        const FourSteps::Places places = curve.From(step);
         __m256d distances = SquaredDistances(places, x, y);
         unsigned beyond = Beyond(distances, limit);
+        __m128d place;
         if (beyond == 0) {
             step = way.NextAfter(step + stepsAtOnce, LastOfFour(distances));
             // Here the curve creeps, and the rounding of its weights decides where it gets beyond.
             while (step <= SplineIterator::steps - stepsInARow) {
-                beyond = BeyondInARow(curve, step, x, y, limit, distances);
+                beyond = BeyondInARow(curve, step, x, y, limit, distances, row);
                 if (beyond != 0) break;
                 step = way.NextAfter(step + stepsInARow, LastOfFour(distances));
             }
             if (beyond == 0) continue;
-            step += std::countr_zero(beyond);
-            places = curve.From(step);
-            beyond = 1;
+            const int first = std::countr_zero(beyond);
+            step += first;
+            place = _mm_set_pd(row.ys[first], row.xs[first]);
+        } else {
+            place = FirstOf(places, beyond, step);
         }
-        const __m128d place = FirstOf(places, beyond, step);
         if (step >= SplineIterator::steps) break;
         if (_mm_movemask_pd(_mm_and_pd(_mm_cmpge_pd(place, low), _mm_cmple_pd(place, high))) != 3) break;
         const SmallMask8& mask = masks_->ofCopy[CopyAt(place)];
