@@ -5,6 +5,7 @@ extern "C" {
 }
 
 #include <new>
+#include <string_view>
 #include <thread>
 
 namespace kel {
@@ -74,6 +75,9 @@ int LiveInput::Open() {
     if (result < 0) return Told(result);
     m_input.reset(input);
     m_stream = -1;
+    // Looking for the end of a picture in the beginning of the next one shows each a picture later. In this container
+    // a packet is one already.
+    if (std::string_view(input->iformat->name) == "mpegts") input->flags |= AVFMT_FLAG_NOPARSE | AVFMT_FLAG_NOFILLIN;
     return 0;
 }
 
@@ -85,6 +89,15 @@ bool LiveInput::Choose(const AVPacket& packet) {
         stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO && (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) == 0;
     if (isPictures) m_stream = packet.stream_index;
     return isPictures;
+}
+
+// What a parser of the library would have said.
+void LiveInput::MarkKey(AVPacket& packet) {
+    if ((m_input->flags & AVFMT_FLAG_NOPARSE) == 0) return;
+    const AVCodecID codec = Pictures().codecpar->codec_id;
+    if (!m_keys || m_keysCodec != codec) m_keys.emplace(codec);
+    m_keysCodec = codec;
+    m_keys->Mark(packet);
 }
 
 int LiveInput::Read(AVPacket& packet) {
@@ -99,7 +112,9 @@ int LiveInput::Read(AVPacket& packet) {
             continue;
         }
         if (result < 0) return Told(result);
-        if (packet.size > 0 && Choose(packet)) return 0;
+        if (packet.size == 0 || !Choose(packet)) continue;
+        MarkKey(packet);
+        return 0;
     }
 }
 

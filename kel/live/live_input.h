@@ -2,8 +2,10 @@
 
 #include <atomic>
 #include <chrono>
+#include <optional>
 #include <string>
 
+#include "kel/live/key_finder.h"
 #include "kel/live/live_name.h"
 #include "kel/video/av_objects.h"
 
@@ -31,12 +33,15 @@ private:
     [[nodiscard]] AVDictionary* Options() const;
     [[nodiscard]] int Told(int result) const;
     bool Choose(const AVPacket& packet);
+    void MarkKey(AVPacket& packet);
 
     const LiveName m_name;
     const std::atomic<bool>& m_ends;
     std::chrono::steady_clock::time_point m_deadline;
     int m_stream = -1;  // none chosen yet
-    AvInput m_input;    // last: it calls back
+    std::optional<KeyFinder> m_keys;
+    AVCodecID m_keysCodec = AV_CODEC_ID_NONE;
+    AvInput m_input;  // last: it calls back
 };
 
 }  // namespace kel
