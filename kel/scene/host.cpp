@@ -215,7 +215,7 @@ void Host::PushButton(ObjectId container, std::string_view name) {
 
 void Host::PressKey() { m_state->operatorQueue.emplace_back(QueuedKey{}); }
 
-bool Host::HasQueuedPointer() const { return m_state->pointerQueue.HasButton(); }
+std::size_t Host::QueuedButtons() const { return m_state->pointerQueue.Buttons(); }
 
 void Host::DeliverPointer(int fieldsDue) {
     m_state->deliveredPointer = m_state->pointerQueue.TakeField(fieldsDue);

@@ -91,7 +91,8 @@ public:
     void SetParameter(ObjectId container, std::string_view name, const ParameterValue& value);
     void PushButton(ObjectId container, std::string_view name);
     void PressKey();
-    [[nodiscard]] bool HasQueuedPointer() const;  // presses and releases that no field has delivered yet
+    [[nodiscard]] std::size_t QueuedButtons() const;  // presses and releases that no field has delivered yet
+    [[nodiscard]] bool HasQueuedPointer() const { return QueuedButtons() > 0; }
 
     // One field.
     //   fieldsDue  how many fields follow each other at once, this one counted; at least 1. What waits of the pointer

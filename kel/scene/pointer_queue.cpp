@@ -23,8 +23,9 @@ std::optional<PointerKind> PointerQueue::Next() const {
     return button == m_waiting.end() ? PointerKind::Move : button->kind;
 }
 
-bool PointerQueue::HasButton() const {
-    return std::ranges::any_of(m_waiting, [](const PointerStep& step) { return step.kind != PointerKind::Move; });
+std::size_t PointerQueue::Buttons() const {
+    return static_cast<std::size_t>(
+        std::ranges::count_if(m_waiting, [](const PointerStep& step) { return step.kind != PointerKind::Move; }));
 }
 
 }  // namespace kel

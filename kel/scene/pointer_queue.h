@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <optional>
@@ -31,7 +32,7 @@ public:
     // What TakeField would answer, of all that waits; empty: nothing waits.
     [[nodiscard]] std::optional<PointerKind> Next() const;
 
-    [[nodiscard]] bool HasButton() const;  // a press or a release waits
+    [[nodiscard]] std::size_t Buttons() const;  // how many presses and releases wait
 
 private:
     std::deque<PointerStep> m_waiting;

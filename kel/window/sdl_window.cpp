@@ -13,6 +13,7 @@
 
 #include "cli/error.h"
 #include "kel/window/display_scale.h"
+#include "kel/window/panel_mouse.h"
 #include "kel/window/panel_style.h"
 #include "kel/window/part_presenter.h"
 #include "kel/window/picture_putter.h"
@@ -113,6 +114,7 @@ struct SdlWindow::Parts {
     PanelContext context;
     PartPresenter presenter;
     PicturePutter putter;
+    PanelMouse mouse;
 };
 
 SdlWindow::SdlWindow(const std::string& title) : m_parts(std::make_unique<Parts>(title)) {}
@@ -149,9 +151,21 @@ void SdlWindow::SetFullScreen(bool on) {
     SDL_SetWindowFullscreen(m_parts->window.get(), on ? SDL_WINDOW_FULLSCREEN_DESKTOP : 0);
 }
 
+void SdlWindow::TakeForPanel(const SDL_Event& event) {
+    ImGui_ImplSDL2_ProcessEvent(&event);
+    m_parts->mouse.Take(event);
+}
+
+bool SdlWindow::HasClickWaiting() const { return m_parts->mouse.HasWaiting(); }
+
 void SdlWindow::BeginPanel() {
     ImGui_ImplOpenGL2_NewFrame();
     ImGui_ImplSDL2_NewFrame();
+    if (const auto look = m_parts->mouse.Next()) {
+        ImGuiIO& io = ImGui::GetIO();
+        io.MousePos = {static_cast<float>(look->at.x), static_cast<float>(look->at.y)};
+        io.MouseDown[0] = look->isDown;
+    }
     ImGui::NewFrame();
 }
 

@@ -10,6 +10,7 @@
 #include "kel/window/panel_pages.h"
 
 struct SDL_Window;
+union SDL_Event;
 
 namespace kel {
 
@@ -33,6 +34,10 @@ public:
     [[nodiscard]] bool IsFullScreen() const;
     void SetFullScreen(bool on);
 
+    // For the panel, in the order in which they come.
+    void TakeForPanel(const SDL_Event& event);
+    // True: presses or releases of the button that the panel has not seen; it sees one in each of its frames.
+    [[nodiscard]] bool HasClickWaiting() const;
     // Between them the panel is made. Nothing of it is drawn or shown yet.
     void BeginPanel();
     void EndPanel();

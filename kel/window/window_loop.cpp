@@ -1,6 +1,5 @@
 #include "kel/window/window_loop.h"
 
-#include <backends/imgui_impl_sdl.h>
 #include <imgui.h>
 
 #include <algorithm>
@@ -165,13 +164,15 @@ void WindowLoop::MakePanel() {
     ShowPages();
     m_window.EndPanel();
     (void)Keys();
-    for (const SDL_Event& event : std::exchange(m_keysUp, {})) ImGui_ImplSDL2_ProcessEvent(&event);
+    if (!m_window.HasClickWaiting())  // what is clicked with a key held is looked at with it
+        for (const SDL_Event& event : std::exchange(m_keysUp, {})) m_window.TakeForPanel(event);
     m_panelTime = now;
     if (m_panelsWanted > 0) --m_panelsWanted;
 }
 
 void WindowLoop::ShowPanel() {
     MakePanel();
+    SettleClicks();
     m_painter.ShowPanel(m_workspace->TheHost());
 }
 
@@ -282,8 +283,10 @@ void WindowLoop::Run() {
         m_window.WaitForEvent(WantsStep() ? std::min(next, m_nextStep) : next);
     }
     if (m_workspace->IsPlayingSession()) return;
-    m_workspace->RunFields(1);  // in which takes effect what was done last
-    m_feed.Take(*m_workspace, 1);
+    do {  // in which takes effect what was done last
+        m_workspace->RunFields(1);
+        m_feed.Take(*m_workspace, 1);
+    } while (m_workspace->HasWaiting());
     m_feed.End(*m_workspace);
 }
 

@@ -58,6 +58,8 @@ private:
 
     void TakeEvents();
     void TakeForAll(const SDL_Event& event);
+    [[nodiscard]] bool ComesAfterClicks(const SDL_Event& event) const;
+    void SettleClicks();
     void TakeEvent(const SDL_Event& event);
     void TakePointer(PointerKind kind, std::int32_t x, std::int32_t y, std::uint32_t device);
     [[nodiscard]] StylusWatch::State PenOf(std::uint32_t device);

@@ -1,6 +1,5 @@
 // What the operator does: pointer, wheel, keys, dropped files, and the actions behind them.
 
-#include <backends/imgui_impl_sdl.h>
 #include <imgui.h>
 
 #include <algorithm>
@@ -24,13 +23,35 @@ void WindowLoop::TakeEvents() {
     }
 }
 
+// What acts past the panel, so that clicks on the panel that came before it have to have acted.
+bool WindowLoop::ComesAfterClicks(const SDL_Event& event) const {
+    switch (event.type) {
+        case SDL_MOUSEBUTTONDOWN:
+            return IsOnPicture(event.button.x, event.button.y);
+        case SDL_WINDOWEVENT:
+            return event.window.event == SDL_WINDOWEVENT_CLOSE;
+        case SDL_KEYDOWN:
+        case SDL_TEXTINPUT:
+        case SDL_DROPFILE:
+        case SDL_QUIT:
+            return true;
+        default:
+            return false;
+    }
+}
+
+void WindowLoop::SettleClicks() {
+    while (m_window.HasClickWaiting()) MakePanel();
+}
+
 // For the panel, and then for the picture.
 void WindowLoop::TakeForAll(const SDL_Event& event) {
+    if (ComesAfterClicks(event)) SettleClicks();
     // The panel looks at keys once a frame: one that is up again by then is held down for it until it has looked.
     if (event.type == SDL_KEYUP)
         m_keysUp.push_back(event);
     else
-        ImGui_ImplSDL2_ProcessEvent(&event);
+        m_window.TakeForPanel(event);
     NoteForPanel(event);
     TakeEvent(event);
 }

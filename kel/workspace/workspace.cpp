@@ -113,9 +113,12 @@ void Workspace::Point(PointerKind kind, std::int32_t x, std::int32_t y, double p
     const PointerStep step{kind, std::clamp(x, -farthestPixel, farthestPixel),
                            std::clamp(y, -farthestPixel, farthestPixel),
                            std::isnan(pressure) ? 1 : std::clamp(pressure, 0.0, 1.0)};
-    const bool waits = !m_heldPointer.empty() || (kind == PointerKind::Press && !m_pendingChanges.empty());
+    // What is edited takes effect in front of a press in the same field, and what is set behind it.
+    const auto comesFirst = [&] { return !m_waiting.back().changes.empty() || m_host->HasQueuedPointer(); };
+    const bool waits =
+        !m_waiting.empty() && (!m_waiting.front().steps.empty() || (kind == PointerKind::Press && comesFirst()));
     if (waits)
-        m_heldPointer.push_back(step);
+        m_waiting.back().steps.push_back(step);
     else
         m_host->QueuePointer(step.kind, step.x, step.y, step.pressure);
 }
@@ -131,12 +134,13 @@ void Workspace::Set(std::size_t parameter, const ParameterValue& value) {
         m_host->AddImage(path.string(), picture_io::ReadPicture(path));
         taken = path.string();
     }
-    m_pendingChanges.push_back({m_chosen, parameter, taken, {}});
+    LastActs().changes.push_back({m_chosen, parameter, taken, {}});
 }
 
 ParameterValue Workspace::Value(std::size_t parameter) const {
-    for (auto change = m_pendingChanges.rbegin(); change != m_pendingChanges.rend(); ++change)
-        if (change->plugIn == m_chosen && change->parameter == parameter) return change->value;
+    for (auto acts = m_waiting.rbegin(); acts != m_waiting.rend(); ++acts)
+        for (auto change = acts->changes.rbegin(); change != acts->changes.rend(); ++change)
+            if (change->plugIn == m_chosen && change->parameter == parameter) return change->value;
     return m_host->GetParameter(Chosen()->id, Chosen()->registration->parameters[parameter].name);
 }
 
@@ -145,7 +149,7 @@ bool Workspace::IsShown(std::size_t parameter) const {
 }
 
 void Workspace::Push(const std::string& button) {
-    if (!IsPlayingSession()) m_pendingChanges.push_back({m_chosen, std::nullopt, {}, button});
+    if (!IsPlayingSession()) LastActs().changes.push_back({m_chosen, std::nullopt, {}, button});
 }
 
 void Workspace::Do(const ModuleKey& key) {
@@ -233,11 +237,26 @@ bool Workspace::Record(std::int64_t field, const std::vector<PendingChange>& cha
     return counts || !changes.empty();
 }
 
+Workspace::WaitingActs& Workspace::LastActs() {
+    if (m_waiting.empty() || !m_waiting.back().steps.empty()) m_waiting.emplace_back();
+    return m_waiting.back();
+}
+
+// A field delivers edits, then one press or release, then what is set.
+Workspace::WaitingActs Workspace::TakeDueActs() {
+    if (m_waiting.empty()) return {};
+    const std::size_t mostButtons = m_waiting.front().edits.empty() ? 1 : 0;
+    if (m_host->QueuedButtons() > mostButtons) return {};
+    WaitingActs due = std::move(m_waiting.front());
+    m_waiting.pop_front();
+    return due;
+}
+
 void Workspace::PlayField(int fieldsDue) {
     const std::int64_t field = NextField();
-    DeliverEdits();
-    const std::vector<PendingChange> changes = std::exchange(m_pendingChanges, {});
-    for (const PendingChange& change : changes) Deliver(change);
+    const WaitingActs acts = TakeDueActs();
+    DeliverEdits(acts.edits);
+    for (const PendingChange& change : acts.changes) Deliver(change);
     const std::uint64_t pictureBefore = m_host->PictureNumber();
     const bool isOtherLive = fieldsDue == 1 && ShowLive();
     try {
@@ -249,11 +268,10 @@ void Workspace::PlayField(int fieldsDue) {
     if (m_recording) {
         const bool isOtherPicture = m_host->PictureNumber() != pictureBefore && !isOtherLive;
         const bool plays = Video() != nullptr && Video()->Clock().IsRunning(field);
-        if (Record(field, changes, isOtherPicture) || (isOtherPicture && !plays)) m_lastChange = NextField();
+        if (Record(field, acts.changes, isOtherPicture) || (isOtherPicture && !plays)) m_lastChange = NextField();
     }
     // A field delivers its press before what is set in it.
-    for (const PointerStep& step : std::exchange(m_heldPointer, {}))
-        m_host->QueuePointer(step.kind, step.x, step.y, step.pressure);
+    for (const PointerStep& step : acts.steps) m_host->QueuePointer(step.kind, step.x, step.y, step.pressure);
 }
 
 void Workspace::NotePressed() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <deque>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -75,8 +76,9 @@ public:
     [[nodiscard]] double SessionProgress() const;
     void PlaySession(std::chrono::milliseconds atMost);
 
-    // The operator. All of it takes effect in the next field; a press, and what the pointer does after it, in the one
-    // after what was set and pushed before it.
+    // The operator. All of it takes effect in the next field, in the order in which it was done: a press, and what the
+    // pointer does after it, comes in the field after what was set and pushed before it, and that when the presses and
+    // releases before have had theirs.
     //   x, y      pixels of the scene's window
     //   pressure  of a pen, 0.0 .. 1.0, for recording and journal; kept within that, NaN is full
     void Point(PointerKind kind, std::int32_t x, std::int32_t y, double pressure = 1);
@@ -126,6 +128,9 @@ public:
     // The live pictures that are open; null: a file is.
     [[nodiscard]] const LiveSource* Live() const { return m_live.get(); }
 
+    // True: something of the operator has not had its field.
+    [[nodiscard]] bool HasWaiting() const { return !m_waiting.empty() || m_host->HasQueuedPointer(); }
+
     // Runs as many fields at once, at least 1; the host's picture is of the last one.
     void RunFields(int fields);
 
@@ -153,9 +158,19 @@ private:
         InkEdit edit;
     };
 
+    // What was done between two things that the pointer did: it takes effect when what the pointer did before has been
+    // delivered, and then come the steps behind it.
+    struct WaitingActs {
+        std::vector<PendingEdit> edits;
+        std::vector<PendingChange> changes;
+        std::vector<PointerStep> steps;
+    };
+
     void OpenScene(const std::filesystem::path& file, const WorkspaceOptions& options);
     void Edit(InkEditKind kind);
-    void DeliverEdits();
+    [[nodiscard]] WaitingActs& LastActs();
+    [[nodiscard]] WaitingActs TakeDueActs();
+    void DeliverEdits(const std::vector<PendingEdit>& edits);
     bool ShowLive();
     bool ShowLastLive();
     void DoReplay(WorkspaceAction action);
@@ -191,9 +206,7 @@ private:
     std::vector<PlugIn> m_plugIns;
     std::size_t m_chosen = 0;
     std::int64_t m_firstOwnField = 0;
-    std::vector<PendingChange> m_pendingChanges;
-    std::vector<PointerStep> m_heldPointer;  // until m_pendingChanges have taken effect
-    std::vector<PendingEdit> m_pendingEdits;
+    std::deque<WaitingActs> m_waiting;  // all but the last have steps
     std::unique_ptr<Recording> m_recording;
     std::unique_ptr<RecordingFile> m_recordingFile;
     std::chrono::steady_clock::time_point m_nextWrite;

@@ -16,7 +16,7 @@ ContainerInk* Workspace::Ink() const {
 }
 
 void Workspace::Edit(const InkEdit& edit) {
-    if (!IsPlayingSession() && Chosen() != nullptr) m_pendingEdits.push_back({m_chosen, edit});
+    if (!IsPlayingSession() && Chosen() != nullptr) LastActs().edits.push_back({m_chosen, edit});
 }
 
 void Workspace::Edit(InkEditKind kind) {
@@ -61,12 +61,12 @@ void Workspace::SetFading(const Fading& fading) {
     edit.fade.overFields = std::max(fields(fading.over), 1);
     if (IsPlayingSession()) return;
     for (std::size_t i = 0; i < m_plugIns.size(); ++i)
-        if (m_player->Containers()[m_plugIns[i].container].ink->CanKeep()) m_pendingEdits.push_back({i, edit});
+        if (m_player->Containers()[m_plugIns[i].container].ink->CanKeep()) LastActs().edits.push_back({i, edit});
 }
 
 // Before anything else of the field, as a session that has them first plays them.
-void Workspace::DeliverEdits() {
-    for (const PendingEdit& pending : std::exchange(m_pendingEdits, {})) {
+void Workspace::DeliverEdits(const std::vector<PendingEdit>& edits) {
+    for (const PendingEdit& pending : edits) {
         const PlugIn& plugIn = m_plugIns[pending.plugIn];
         if (m_player->EditInk(plugIn.container, pending.edit) && m_recording)
             m_recording->AddInk(NextField(), plugIn.container, pending.edit, *plugIn.registration, FieldsPerSecond());

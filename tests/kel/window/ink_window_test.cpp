@@ -166,8 +166,8 @@ TEST_CASE("A chosen stroke takes the color of a key, and the panel's buttons tak
     DragAlong(window, 0.5, 0.3, 0.5, 0.3);
     constexpr Pixel blue{36, 84, 255, 255};
     Click(window, place->x + place->width - 165, place->y + 118);
+    window.display.TypeKey("c");  // at once
     WaitUntil("that is recorded", [&] { return Recolourings(window) == 2; });
-    window.display.TypeKey("c");
     WaitUntil("the stroke is blue", [&] { return IsSeen(window, 0.3, blue); });
     CHECK_EQ(window.ValuesSet("BrushColor").size(), 1);
     const picture_io::Picture live = window.SaveOverlay("paper-overlay-001.png");

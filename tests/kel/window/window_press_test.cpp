@@ -1,6 +1,8 @@
 #include <doctest/doctest.h>
 
+#include <array>
 #include <nlohmann/json.hpp>
+#include <string>
 
 #include "tests/kel/window/paper_window.h"
 
@@ -18,6 +20,13 @@ void PointAtBrushWidth(PaperWindow& window) {
     window.display.MovePointer(place->x + place->width - 46, place->y + 222);
 }
 
+int CountOf(const PaperWindow& window, const char* key) {
+    int count = 0;
+    const nlohmann::json session = window.Recorded("run.json");
+    for (const auto& event : session["events"]) count += event.contains(key) ? 1 : 0;
+    return count;
+}
+
 }  // namespace
 
 TEST_CASE("The first press on the picture after one on the panel draws, however soon it comes") {
@@ -30,13 +39,33 @@ TEST_CASE("The first press on the picture after one on the panel draws, however 
         window.display.PressButton(true);
         window.MoveOnPaper(0.6, 0.1 * stroke);
         window.display.PressButton(false);
-        WaitUntil("the stroke is recorded", [&] {
-            int presses = 0;
-            const nlohmann::json session = window.Recorded("run.json");
-            for (const auto& event : session["events"]) presses += event.contains("press") ? 1 : 0;
-            return presses == stroke;
-        });
+        WaitUntil("the stroke is recorded", [&] { return CountOf(window, "press") == stroke; });
     }
+}
+
+TEST_CASE("Colors pressed on the panel hold for the strokes that follow each of them at once") {
+    PaperWindow window;
+    const auto place = window.display.FindWindow("paper.png - kel");
+    REQUIRE(place);
+    // The fifth and the fourth color of the panel.
+    constexpr std::array leftOfEdge{165, 201};  // pixels
+    for (int stroke = 1; stroke <= 4; ++stroke) {
+        window.display.MovePointer(place->x + place->width - leftOfEdge[stroke % 2], place->y + 118);
+        window.display.PressButton(true);
+        window.display.PressButton(false);
+        window.MoveOnPaper(0.3, 0.1 * stroke);
+        window.display.PressButton(true);
+        window.MoveOnPaper(0.6, 0.1 * stroke);
+        window.display.PressButton(false);
+    }
+    WaitUntil("the strokes are recorded", [&] { return CountOf(window, "release") == 4; });
+    std::string order;
+    const nlohmann::json session = window.Recorded("run.json");
+    for (const auto& event : session["events"])
+        order += event.contains("set") && event["set"].contains("BrushColor") ? "s"
+                 : event.contains("press")                                    ? "p"
+                                                                              : "";
+    CHECK_EQ(order, "spspspsp");
 }
 
 TEST_CASE("A value that is typed and left by a press on the picture takes hold before that stroke") {

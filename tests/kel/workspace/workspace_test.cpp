@@ -524,6 +524,37 @@ TEST_CASE("Steps between fields draw at once, count as none, and play again to t
     CHECK_EQ(PlayedCanvas(place.options.recording) == live, true);
 }
 
+TEST_CASE("What is done between two fields happens in the order in which it was done") {
+    const Place place;
+    {
+        Workspace workspace(place.folder / "grey.png", place.options);
+        workspace.RunFields(2);
+        const auto tap = [&](std::int32_t y) {
+            workspace.Point(PointerKind::Press, 60, y);
+            workspace.Point(PointerKind::Move, 90, y);
+            workspace.Point(PointerKind::Release, 90, y);
+        };
+        const std::size_t width = IndexOf(workspace, "BrushWidth");
+        tap(60);
+        workspace.Set(width, std::int32_t{12});
+        tap(100);
+        workspace.Undo();
+        tap(140);
+        workspace.Set(width, std::int32_t{7});
+        CHECK_EQ(std::get<std::int32_t>(workspace.Value(width)), 7);
+        int fields = 0;
+        while (workspace.HasWaiting()) {
+            workspace.RunFields(1);
+            REQUIRE_LT(++fields, 20);
+        }
+    }
+    std::string order;
+    for (const json recorded = place.Recorded(); const json& event : recorded["events"])
+        for (const auto& [key, letter] : {std::pair{"press", 'p'}, {"release", 'r'}, {"set", 's'}, {"undo", 'u'}})
+            if (event.contains(key)) order += letter;
+    CHECK_EQ(order, "prspruprs");
+}
+
 TEST_CASE("Pictures are saved under names that are free") {
     const Place place;
     WriteText(place.folder / "grey-overlay-001.png", "taken");
