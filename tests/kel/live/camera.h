@@ -60,6 +60,7 @@ public:
     struct Settings {
         std::string address;  // as the sender has it
         std::string format = "mpegts";
+        std::string codec = "mpeg2video";
         int width = 64;  // pixels
         int height = 48;
         int grey = 128;          // 16 to 235, of video
@@ -106,7 +107,7 @@ private:
     }
 
     AvCodec OpenCodec() const {
-        const AVCodec* codec = avcodec_find_encoder(AV_CODEC_ID_MPEG2VIDEO);
+        const AVCodec* codec = avcodec_find_encoder_by_name(m_settings.codec.c_str());
         AvCodec context(avcodec_alloc_context3(codec));
         context->width = m_settings.width;
         context->height = m_settings.height;
@@ -117,6 +118,10 @@ private:
         context->max_b_frames = 0;
         context->flags |= AV_CODEC_FLAG_QSCALE;
         context->global_quality = 2 * FF_QP2LAMBDA;
+        if (m_settings.codec == "libx264") {
+            av_opt_set(context->priv_data, "preset", "ultrafast", 0);
+            av_opt_set(context->priv_data, "tune", "zerolatency", 0);
+        }
         avcodec_open2(context.get(), codec, nullptr);
         return context;
     }

@@ -5,10 +5,12 @@
 
 #include "kel/live/clip_file.h"
 #include "kel/live/held_packets.h"
+#include "kel/live/live_source.h"
 #include "kel/video/video_file.h"
 #include "kel/video/video_reader.h"
 #include "tests/cli/temporary_folder.h"
 #include "tests/cli/thrown.h"
+#include "tests/kel/live/camera.h"
 #include "tests/kel/video/counted_video.h"
 
 namespace kel {
@@ -81,6 +83,22 @@ TEST_CASE("A clip has the packets as they came, from the key before its first fr
     CHECK_EQ(WriteClip(held, {0, 59, width, height}, folder / "all.mkv"), 0);
     VideoReader all(folder / "all.mkv");
     CHECK_EQ(all.FrameCount(), 60);
+}
+
+TEST_CASE("A clip of a stream that says at its keys what a file says at its beginning can be read") {
+    const cli::testing::TemporaryFolder folder;
+    const std::string address = "tcp://127.0.0.1:" + std::to_string(testing::FreePort());
+    const testing::Camera camera({.address = address + "?listen", .codec = "libx264", .grey = 90});
+    LiveSource source(ParseLiveName(address));
+    testing::Await("a third of a second", [&] { return source.Ring().Size().seconds > 0.3; });
+    LiveSource::Replay replay = source.HoldReplay();
+    const std::int64_t frames = replay.video.FrameCount();
+    CHECK_GT(frames, 12);  // 50 a second
+    CHECK_EQ(WriteClip(replay.held, {0, frames - 1, width, height}, folder / "clip.mkv"), 0);
+    VideoReader clip(folder / "clip.mkv");
+    CHECK_EQ(clip.FrameCount(), frames);
+    CHECK_EQ(clip.ReadFrame(frames - 1), replay.video.ReadFrame(frames - 1));
+    CHECK_LE(std::abs(clip.ReadFrame(0).At(30, 20)[0] - testing::ShownGrey(90)), 4);
 }
 
 TEST_CASE("A clip that cannot be written says why, and leaves nothing") {
