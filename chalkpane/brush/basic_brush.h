@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "chalkpane/brush/brush_choices.h"
-#include "chalkpane/brush/small_dab_stretch.h"
 #include "chalkpane/brush/spline_iterator.h"
 #include "chalkpane/image/image.h"
 #include "chalkpane/image/rect.h"
@@ -23,6 +22,9 @@ class ColourBrushSource;
 class Filter;
 class ProfileCache;
 class SettledTiles;
+class SmallDabStretch;
+class SplineSearch;
+struct SmallDabProgress;
 struct SmallDabTarget;
 
 // Turns a path of pointer samples into dabs on an image.
@@ -192,7 +194,7 @@ private:
     bool PaintSmallDab(const SmallDabTarget& canvas, const StrokePoint& place, Rect& changed) const;
     [[nodiscard]] std::int32_t OpacityOfStretch(double pressureFactor) const;
     std::int32_t PaintBlocks(const SmallDabStretch& blocks, const SplineSearch& search, std::int32_t opacityOfAll,
-                             double pressureFactor, SmallDabStretch::Progress& progress);
+                             double pressureFactor, SmallDabProgress& progress);
     void PaintNextPlainDab(const StrokePoint& place, Rect& changed);
     void FadeOpacity();
     Rect PaintOnTarget(Dab& dab);

@@ -1,5 +1,6 @@
 #include "chalkpane/base/memory_loss.h"
 #include "chalkpane/brush/basic_brush.h"
+#include "chalkpane/brush/small_dab_stretch.h"
 #include "chalkpane/brush/sources/colour_brush_source.h"
 #include "chalkpane/brush/sources/source_types.h"
 #include "chalkpane/brush/spline_search.h"
@@ -100,8 +101,7 @@ std::int32_t BasicBrush::OpacityOfStretch(double pressureFactor) const {
 // Goes on from the progress's step with dabs that are blocks at one opacity. Returns the step of the first that is
 // none, which is not painted, or `SplineIterator::steps`.
 std::int32_t BasicBrush::PaintBlocks(const SmallDabStretch& blocks, const SplineSearch& search,
-                                     std::int32_t opacityOfAll, double pressureFactor,
-                                     SmallDabStretch::Progress& progress) {
+                                     std::int32_t opacityOfAll, double pressureFactor, SmallDabProgress& progress) {
     progress.lastX = lastDabX;
     progress.lastY = lastDabY;
     blocks.Paint(search, opacityOfAll, progress);
@@ -129,7 +129,7 @@ Rect BasicBrush::PaintEvenStretch(double squaredSpacing, double pressureFactor, 
             step = passed;
         }
         if (!missed && blocks.HoldsAny()) {
-            SmallDabStretch::Progress progress;
+            SmallDabProgress progress;
             progress.step = step;
             progress.followsDab = followsDab;
             step = PaintBlocks(blocks, search, opacityOfAll, pressureFactor, progress);

@@ -37,13 +37,13 @@ SmallDabStretch::SmallDabStretch(const SmallDabTarget& canvas, const SmallMasks&
              y + canvas.rect.y1 - rounding - masks.greatest.y1};
 }
 
-void SmallDabStretch::Paint(const SplineSearch& search, std::int32_t opacity, Progress& progress) const {
+void SmallDabStretch::Paint(const SplineSearch& search, std::int32_t opacity, SmallDabProgress& progress) const {
     if constexpr (builtWithAvx2)
         if (HasAvx2()) return PaintAvx2(search, opacity, progress);
     PaintPlain(search, opacity, progress);
 }
 
-void SmallDabStretch::PaintPlain(const SplineSearch& search, std::int32_t opacity, Progress& progress) const {
+void SmallDabStretch::PaintPlain(const SplineSearch& search, std::int32_t opacity, SmallDabProgress& progress) const {
     const std::int32_t stride = search.StepsWithoutDab();
     if (progress.followsDab) progress.step += stride;
     for (;; progress.step += 1 + stride) {

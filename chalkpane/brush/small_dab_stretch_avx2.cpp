@@ -105,7 +105,7 @@ private:
 }  // namespace
 
 [[gnu::target("avx2")]] void SmallDabStretch::PaintAvx2(const SplineSearch& search, std::int32_t opacity,
-                                                        Progress& progress) const {
+                                                        SmallDabProgress& progress) const {
     const FourSteps curve(search.xs_, search.ys_);
     const SmallColourAvx2 colour(canvas_, opacity);
     const __m256d limit = _mm256_set1_pd(search.squaredLimit_);

@@ -35,7 +35,7 @@ private:
 // Step by step and dab by dab.
 void PaintInTurn(const SmallProfile& profile, const SmallDabTarget& canvas, const SplineIterator& curve,
                  double squaredLimit, std::int32_t opacity, const SmallDabStretch& stretch,
-                 SmallDabStretch::Progress& progress) {
+                 SmallDabProgress& progress) {
     for (; progress.step < SplineIterator::steps; ++progress.step) {
         const StrokePoint place = curve.PointAt(progress.step);
         const double dx = place.x - progress.lastX;
@@ -56,7 +56,7 @@ void PaintInTurn(const SmallProfile& profile, const SmallDabTarget& canvas, cons
     }
 }
 
-void RequireSame(const SmallDabStretch::Progress& a, const SmallDabStretch::Progress& b) {
+void RequireSame(const SmallDabProgress& a, const SmallDabProgress& b) {
     REQUIRE_EQ(std::min(a.step, SplineIterator::steps), std::min(b.step, SplineIterator::steps));
     REQUIRE_EQ(a.lastX, b.lastX);
     REQUIRE_EQ(a.lastY, b.lastY);
@@ -96,13 +96,13 @@ TEST_CASE("a stretch of small dabs leaves the pixels of painting them one by one
         const auto pixel = static_cast<std::uint32_t>(random() | 0xff000000U);
         const auto opacity = static_cast<std::int32_t>(round % 3 == 0 ? 255 : random() % 256);
         const SplineSearch search(curve, limit);
-        SmallDabStretch::Progress start;
+        SmallDabProgress start;
         start.followsDab = round % 2 == 0;
         start.step = start.followsDab ? 1 + static_cast<std::int32_t>(random() % 900) : 0;
         const StrokePoint last = curve.PointAt(std::max(start.step - 1, 0));
         start.lastX = static_cast<float>(last.x + (start.followsDab ? 0.0 : unit(random)));
         start.lastY = static_cast<float>(last.y);
-        SmallDabStretch::Progress done[] = {start, start, start};
+        SmallDabProgress done[] = {start, start, start};
         const auto target = SmallDabTarget::Of(turn, pixel);
         const SmallDabStretch stretch(target, profile.Masks());
         REQUIRE(stretch.HoldsAny());
