@@ -26,7 +26,12 @@ void AddParts(const std::string& address, const json& value, std::vector<OscMess
         messages.push_back({address, {FeedbackArgument(value)}});
         return;
     }
-    for (const auto& [name, part] : value.items()) AddParts(address + "/" + name, part, messages);
+    for (const auto& [name, part] : value.items()) {
+        std::string inner = address;
+        inner += '/';
+        inner += name;
+        AddParts(inner, part, messages);
+    }
 }
 
 }  // namespace
