@@ -56,10 +56,10 @@ private:
         for (std::size_t at = 0; !m_isOver; at = (at + 1) % token.size()) {
             token[at] = token[at] == '0' ? '1' : '0';
             if (token == m_token) continue;
-            const std::string body = "button Clear";
-            const int status = StatusOf(m_port, "POST /?token=" + token +
-                                                    " HTTP/1.1\r\nHost: a\r\nConnection: close\r\nContent-Length: " +
-                                                    std::to_string(body.size()) + "\r\n\r\n" + body);
+            std::string request = "POST /?token=";
+            request += token;
+            request += " HTTP/1.1\r\nHost: a\r\nConnection: close\r\nContent-Length: 12\r\n\r\nbutton Clear";
+            const int status = StatusOf(m_port, request);
             if (status == 200) m_hasEntered = true;
             ++m_guesses;
         }
