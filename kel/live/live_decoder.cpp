@@ -12,7 +12,7 @@
 namespace kel {
 namespace {
 
-constexpr std::int64_t mostWaiting = 25;    // packets; whoever is farther behind goes on from a key
+constexpr std::int64_t mostBehind = 25;     // packets; whoever is farther behind goes on from a key
 constexpr std::int64_t mostBuffered = 2;    // frames
 constexpr std::int32_t largestSide = 8192;  // pixels, of a scene
 constexpr auto longestUnseen = std::chrono::milliseconds(200);
@@ -66,7 +66,7 @@ void LiveDecoder::Open(const AVCodecParameters& parameters) {
 
 void LiveDecoder::Run() {
     for (std::int64_t number = 0;;) {
-        const PacketRing::Next next = m_ring.Take(number, mostWaiting);
+        const PacketRing::Next next = m_ring.Take(number, mostBehind);
         if (!next.packet) return;
         try {
             Decode(next);

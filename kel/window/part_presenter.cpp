@@ -32,13 +32,12 @@ XErrorHandler& ErrorsBefore() {
     return before;
 }
 
-// A window that is made smaller while a part of it is on its way makes the part reach beyond it, and the server refuses
-// that with an error, which would end the program. All of the window is drawn anew then anyway.
-int PassOverLateParts(Display* display, XErrorEvent* error) {
-    constexpr int firstExtension = 128;
-    const bool isLatePart =
-        error->request_code >= firstExtension && (error->error_code == BadValue || error->error_code == BadMatch);
-    if (isLatePart || ErrorsBefore() == nullptr) return 0;
+// What the server refuses is told when it is long over: a part that reaches beyond a window made smaller meanwhile, the
+// keys for a window that has gone. All is drawn anew then anyway, and the library's own way would end the program, on
+// the air. A lack of memory is not passed over.
+int PassOverRefusals(Display* display, XErrorEvent* error) {
+    const bool isRefusal = error->error_code != BadAlloc && error->error_code != BadImplementation;
+    if (isRefusal || ErrorsBefore() == nullptr) return 0;
     return ErrorsBefore()(display, error);
 }
 
@@ -53,7 +52,7 @@ PartPresenter::PartPresenter(SDL_Window* window) {
     m_display = info.info.x11.display;
     m_drawable = info.info.x11.window;
     static const bool isHandled = [] {
-        ErrorsBefore() = XSetErrorHandler(PassOverLateParts);
+        ErrorsBefore() = XSetErrorHandler(PassOverRefusals);
         return true;
     }();
     (void)isHandled;

@@ -179,7 +179,10 @@ std::vector<PanelPage> SdlWindow::PanelPages() const {
 void SdlWindow::DrawPanel(const FrameArea& part) {
     ImDrawData* data = ImGui::GetDrawData();
     if (data == nullptr) return;
-    const auto bottom = static_cast<float>(Size().height);
+    const WindowSize size = Size();
+    const auto bottom = static_cast<float>(size.height);
+    // Made for a window of another size it keeps its distance from the upper left corner, as `PanelPages` says.
+    data->DisplaySize = {static_cast<float>(size.width), bottom};
     const ImVec4 limit{static_cast<float>(part.x), bottom - static_cast<float>(part.y + part.height),
                        static_cast<float>(part.x + part.width), bottom - static_cast<float>(part.y)};
     std::vector<ImVec4> before;  // what is drawn now may be drawn again within another limit
