@@ -1,6 +1,5 @@
 #include <doctest/doctest.h>
 
-#include <array>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -48,9 +47,10 @@ TEST_CASE("Colors pressed on the panel hold for the strokes that follow each of 
     const auto place = window.display.FindWindow("paper.png - kel");
     REQUIRE(place);
     // The fifth and the fourth color of the panel.
-    constexpr std::array leftOfEdge{165, 201};  // pixels
+    constexpr std::int32_t fifth = 165;  // pixels left of the edge
+    constexpr std::int32_t fourth = 201;
     for (int stroke = 1; stroke <= 4; ++stroke) {
-        window.display.MovePointer(place->x + place->width - leftOfEdge[stroke % 2], place->y + 118);
+        window.display.MovePointer(place->x + place->width - (stroke % 2 == 0 ? fifth : fourth), place->y + 118);
         window.display.PressButton(true);
         window.display.PressButton(false);
         window.MoveOnPaper(0.3, 0.1 * stroke);
