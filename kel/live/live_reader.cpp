@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <new>
 #include <optional>
 #include <span>
 
@@ -69,10 +70,12 @@ LiveReader::State LiveReader::Now() const {
 void LiveReader::Run() {
     while (!m_ends) {
         int result = 0;
-        {
+        try {
             LiveInput input(m_name, m_ends);
             result = input.Open();
             if (result >= 0) result = ReadAll(input);
+        } catch (const std::bad_alloc&) {
+            result = AVERROR(ENOMEM);  // lost, and tried again
         }
         if (m_ends) return;
         NoteLost(result);
