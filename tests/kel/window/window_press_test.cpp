@@ -26,18 +26,23 @@ int CountOf(const PaperWindow& window, const char* key) {
     return count;
 }
 
+// Where the pointer is, and at once a stroke at that height of the paper.
+void ClickAndDraw(PaperWindow& window, double y) {
+    window.display.PressButton(true);
+    window.display.PressButton(false);
+    window.MoveOnPaper(0.3, y);
+    window.display.PressButton(true);
+    window.MoveOnPaper(0.6, y);
+    window.display.PressButton(false);
+}
+
 }  // namespace
 
 TEST_CASE("The first press on the picture after one on the panel draws, however soon it comes") {
     PaperWindow window;
     for (int stroke = 1; stroke <= 5; ++stroke) {
         PointAtBrushWidth(window);
-        window.display.PressButton(true);
-        window.display.PressButton(false);
-        window.MoveOnPaper(0.3, 0.1 * stroke);
-        window.display.PressButton(true);
-        window.MoveOnPaper(0.6, 0.1 * stroke);
-        window.display.PressButton(false);
+        ClickAndDraw(window, 0.1 * stroke);
         WaitUntil("the stroke is recorded", [&] { return CountOf(window, "press") == stroke; });
     }
 }
@@ -51,12 +56,7 @@ TEST_CASE("Colors pressed on the panel hold for the strokes that follow each of 
     constexpr std::int32_t fourth = 201;
     for (int stroke = 1; stroke <= 4; ++stroke) {
         window.display.MovePointer(place->x + place->width - (stroke % 2 == 0 ? fifth : fourth), place->y + 118);
-        window.display.PressButton(true);
-        window.display.PressButton(false);
-        window.MoveOnPaper(0.3, 0.1 * stroke);
-        window.display.PressButton(true);
-        window.MoveOnPaper(0.6, 0.1 * stroke);
-        window.display.PressButton(false);
+        ClickAndDraw(window, 0.1 * stroke);
     }
     WaitUntil("the strokes are recorded", [&] { return CountOf(window, "release") == 4; });
     std::string order;

@@ -135,6 +135,27 @@ TEST_CASE("Another file is opened from the list by a part of its name") {
     CHECK(std::filesystem::exists(window.folder / "state" / "kel" / "recent"));
 }
 
+namespace {
+
+// A wide red one, from 0.7 to 0.8 of a paper of 1200 x 900, at 0.8 of its height.
+void DrawWideStroke(KelWindow& window) {
+    window.display.TypeKey("r");
+    window.display.TypeKey("3");
+    for (int i = 0; i < 20; ++i) window.display.TypeKey("bracketright");
+    WaitUntil("the color is recorded", [&] { return window.FieldOf("run.json", "set") >= 0; });
+    const auto main = window.display.FindWindow("paper.png - kel");
+    const auto move = [&](double x) {
+        window.display.MovePointer(main->x + static_cast<std::int32_t>(x * 1200), main->y + 720);
+    };
+    move(0.7);
+    window.display.PressButton(true);
+    move(0.8);
+    window.display.PressButton(false);
+    WaitUntil("the stroke has ended", [&] { return window.FieldOf("run.json", "release") >= 0; });
+}
+
+}  // namespace
+
 TEST_CASE("A clean window shows the picture and what is drawn on it") {
     KelWindow window;
     picture_io::WritePicture(testing::Plain(1200, 900, paper), window.folder / "paper.png");
@@ -150,19 +171,7 @@ TEST_CASE("A clean window shows the picture and what is drawn on it") {
                                           clean()->y + static_cast<std::int32_t>(90 * y));
     };
     WaitUntil("it shows the paper", [&] { return Difference(at(0.9, 0.9), paper) <= 2; });
-    window.display.TypeKey("r");
-    window.display.TypeKey("3");
-    for (int i = 0; i < 20; ++i) window.display.TypeKey("bracketright");
-    WaitUntil("the color is recorded", [&] { return window.FieldOf("run.json", "set") >= 0; });
-    const auto main = window.display.FindWindow("paper.png - kel");
-    const auto move = [&](double x) {
-        window.display.MovePointer(main->x + static_cast<std::int32_t>(x * 1200), main->y + 720);
-    };
-    move(0.7);
-    window.display.PressButton(true);
-    move(0.8);
-    window.display.PressButton(false);
-    WaitUntil("the stroke has ended", [&] { return window.FieldOf("run.json", "release") >= 0; });
+    DrawWideStroke(window);
     WaitUntil("it shows the ink", [&] { return Difference(at(0.75, 0.8), ink) < 90; });
 }
 
@@ -197,19 +206,7 @@ TEST_CASE("Two windows for a mixer show the colors and the alpha of the strokes 
     const testing::Pixel black{0, 0, 0, 255};
     for (const char* title : {"kel fill", "kel key"})
         WaitUntil("there are no strokes yet", [&] { return Difference(at(title, 0.9, 0.9), black) <= 2; });
-    window.display.TypeKey("r");
-    window.display.TypeKey("3");
-    for (int i = 0; i < 20; ++i) window.display.TypeKey("bracketright");
-    WaitUntil("the color is recorded", [&] { return window.FieldOf("run.json", "set") >= 0; });
-    const auto main = place("paper.png - kel");
-    const auto move = [&](double x) {
-        window.display.MovePointer(main->x + static_cast<std::int32_t>(x * 1200), main->y + 720);
-    };
-    move(0.7);
-    window.display.PressButton(true);
-    move(0.8);
-    window.display.PressButton(false);
-    WaitUntil("the stroke has ended", [&] { return window.FieldOf("run.json", "release") >= 0; });
+    DrawWideStroke(window);
     WaitUntil("the fill shows the ink", [&] { return Difference(at("kel fill", 0.75, 0.8), ink) < 90; });
     WaitUntil("the key shows it white", [&] { return Difference(at("kel key", 0.75, 0.8), testing::white) < 90; });
     CHECK_LE(Difference(at("kel fill", 0.75, 0.3), black), 2);
