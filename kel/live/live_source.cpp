@@ -1,5 +1,6 @@
 #include "kel/live/live_source.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "cli/error.h"
@@ -22,7 +23,7 @@ LiveSource::LiveSource(const LiveName& name, const PacketRing::Limits& replay)
 LiveSource::~LiveSource() = default;
 
 bool LiveSource::WaitForPicture(std::chrono::milliseconds atMost) {
-    constexpr auto piece = std::chrono::milliseconds(20);
+    const auto piece = std::min(atMost, std::chrono::milliseconds(20));
     const auto end = std::chrono::steady_clock::now() + atMost;
     while (!m_decoder.WaitForPicture(piece)) {
         const LiveReader::State state = m_reader.Now();

@@ -7,6 +7,7 @@
 #include <string>
 #include <utility>
 
+#include "kel/live/live_name.h"
 #include "kel/window/panel_style.h"
 
 namespace kel {
@@ -33,9 +34,32 @@ bool OpenPage::Fits(const Row& row) const {
     return Lower(row.file.filename().string()).find(Lower(m_filter.data())) != std::string::npos;
 }
 
-std::optional<std::filesystem::path> OpenPage::Show(const PictureArea& area) {
+// The files that have what is typed in their names; live pictures are in no list.
+std::optional<std::string> OpenPage::ShowRows(bool isEntered) {
+    std::optional<std::string> chosen;
+    if (const std::string typed = m_filter.data(); IsLiveName(typed)) {
+        ImGui::TextDisabled("Return opens these live pictures.");
+        if (isEntered) chosen = typed;
+        return chosen;
+    }
+    const Row* before = nullptr;
+    for (const Row& row : m_rows) {
+        if (!Fits(row)) continue;
+        if (before == nullptr || before->isRecent != row.isRecent)
+            ImGui::TextDisabled("%s", row.isRecent ? "Opened last" : "In this folder");
+        before = &row;
+        ImGui::PushID(&row);
+        const bool isFirst = !chosen;
+        if (ImGui::Selectable(row.file.filename().c_str()) || (isEntered && isFirst)) chosen = row.file.string();
+        if (ImGui::IsItemHovered()) ImGui::SetTooltip("%s", row.file.c_str());
+        ImGui::PopID();
+    }
+    if (before == nullptr) ImGui::TextDisabled("No picture and no film is called so.");
+    return chosen;
+}
+
+std::optional<std::string> OpenPage::Show(const PictureArea& area) {
     if (!m_isOpen) return std::nullopt;
-    std::optional<std::filesystem::path> chosen;
     const float scale = PanelScale();
     ImGui::SetNextWindowPos({static_cast<float>(area.x) + static_cast<float>(area.width) / 2,
                              static_cast<float>(area.y) + static_cast<float>(area.height) / 2},
@@ -50,22 +74,10 @@ std::optional<std::filesystem::path> OpenPage::Show(const PictureArea& area) {
     ImGui::SetNextItemWidth(-1);
     if (std::exchange(m_isFresh, false)) ImGui::SetKeyboardFocusHere();
     const bool isEntered =
-        ImGui::InputTextWithHint("##filter", "part of the name; Return opens the first one", m_filter.data(),
-                                 m_filter.size(), ImGuiInputTextFlags_EnterReturnsTrue);
+        ImGui::InputTextWithHint("##filter", "part of a name, or an address; Return opens the first one",
+                                 m_filter.data(), m_filter.size(), ImGuiInputTextFlags_EnterReturnsTrue);
     ImGui::BeginChild("files");
-    const Row* before = nullptr;
-    for (const Row& row : m_rows) {
-        if (!Fits(row)) continue;
-        if (before == nullptr || before->isRecent != row.isRecent)
-            ImGui::TextDisabled("%s", row.isRecent ? "Opened last" : "In this folder");
-        before = &row;
-        ImGui::PushID(&row);
-        const bool isFirst = !chosen;
-        if (ImGui::Selectable(row.file.filename().c_str()) || (isEntered && isFirst)) chosen = row.file;
-        if (ImGui::IsItemHovered()) ImGui::SetTooltip("%s", row.file.c_str());
-        ImGui::PopID();
-    }
-    if (before == nullptr) ImGui::TextDisabled("No picture and no film is called so.");
+    std::optional<std::string> chosen = ShowRows(isEntered);
     ImGui::EndChild();
     if (ImGui::IsKeyPressed(ImGui::GetKeyIndex(ImGuiKey_Escape))) m_isOpen = false;
     ImGui::End();

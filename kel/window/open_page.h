@@ -3,6 +3,7 @@
 #include <array>
 #include <filesystem>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "kel/workspace/openable_files.h"
@@ -18,8 +19,8 @@ public:
     void Close() { m_isOpen = false; }
     [[nodiscard]] bool IsOpen() const { return m_isOpen; }
 
-    // Shows it, and returns the file that was chosen, once.
-    [[nodiscard]] std::optional<std::filesystem::path> Show(const PictureArea& area);
+    // Shows it, and returns the file or the name of live pictures that was chosen, once.
+    [[nodiscard]] std::optional<std::string> Show(const PictureArea& area);
 
 private:
     struct Row {
@@ -27,9 +28,10 @@ private:
         bool isRecent = false;
     };
     [[nodiscard]] bool Fits(const Row& row) const;
+    [[nodiscard]] std::optional<std::string> ShowRows(bool isEntered);
 
     std::vector<Row> m_rows;
-    std::array<char, 256> m_filter{};
+    std::array<char, 1024> m_filter{};  // or an address
     bool m_isOpen = false;
     bool m_isFresh = false;  // was opened since it was shown last
 };

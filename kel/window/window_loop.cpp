@@ -27,12 +27,13 @@ constexpr int framesToSettle = 4;
 
 }  // namespace
 
-WindowLoop::WindowLoop(const WindowOptions& options) : m_options(options) {
+WindowLoop::WindowLoop(WindowOptions options) : m_options(std::move(options)) {
     m_options.workspace.gl = GlSource::Current;
     // What is written while one draws is what is seen.
-    if (options.live == nullptr) m_options.workspace.videoConversion = VideoConversion::Fast;
+    if (m_options.live == nullptr) m_options.workspace.videoConversion = VideoConversion::Fast;
     const WindowSize room = m_window.Room();
     m_workspace = std::make_unique<Workspace>(m_options.file, m_options.workspace);
+    m_options.workspace.live.reset();  // the workspace's own from now on: they end when something else is opened
     OpenSound();
     FitTheKeys(m_options.areKeysGiven ? KeyFit::All : KeyFit::WhatFits);
     const int panelWidth = IsNarrow(room.width) ? StripWidth() : PanelWidth();
@@ -68,18 +69,47 @@ void WindowLoop::TakeCommands() {
     m_panelsWanted = framesToSettle;
 }
 
-void WindowLoop::Open(const std::filesystem::path& file) {
+// The operator, and whoever listens for what happens.
+void WindowLoop::TellAll(const std::string& news) {
+    m_status.Tell(news, Clock::now());
+    if (m_options.control != nullptr) m_options.control->TellNews(news);
+}
+
+void WindowLoop::OpenByName(const std::string& name) {
+    if (!IsLiveName(name)) return Open(name);
+    try {
+        const LiveSource* const open = m_workspace->Live();
+        if (open != nullptr && open->Name().url == ParseLiveName(name).url)
+            throw cli::Error(open->Name().shown, {}, "is open already");
+        m_opening.Begin(name, m_options.replay);
+    } catch (const cli::Error& error) {
+        TellAll(error.what());
+    }
+}
+
+void WindowLoop::OpenLiveThatCame() {
+    try {
+        if (auto live = m_opening.Take()) OpenInstead({}, std::move(live));
+    } catch (const cli::Error& error) {
+        TellAll(error.what());
+    }
+}
+
+//   live  null: the file is opened
+void WindowLoop::OpenInstead(const std::filesystem::path& file, std::shared_ptr<LiveSource> live) {
+    const bool isFile = live == nullptr;
+    if (isFile) m_opening.Stop();
     WorkspaceOptions options = m_options.workspace;
     options.recording = NumberedRecording(options.recording, m_opened + 1);
-    options.live.reset();
+    options.live = std::move(live);
     try {
         m_workspace = std::make_unique<Workspace>(file, options);
     } catch (const cli::Error& error) {
-        return m_status.Tell(error.what(), Clock::now());
+        return TellAll(error.what());
     }
     ++m_opened;
     m_feed.EndEarly();
-    m_recent.Add(file);
+    if (isFile) m_recent.Add(file);
     m_zoom.Reset();
     m_spotlight.Forget();
     m_painter.Tail().End();
@@ -138,8 +168,9 @@ void WindowLoop::PlacePicture() { m_painter.Place(m_zoom.Place(WholePicture(), F
 void WindowLoop::ShowPages() {
     ShowSessionProgress();
     m_chooser.Show(*m_workspace, m_painter.Picture());
+    m_opening.Show(WholePicture());
     if (m_hasHelp) ShowHelpPage(m_keys, WholePicture());
-    if (const auto chosen = m_openPage.Show(WholePicture())) Open(*chosen);
+    if (const auto chosen = m_openPage.Show(WholePicture())) OpenByName(*chosen);
 }
 
 void WindowLoop::MakePanel() {
@@ -156,10 +187,7 @@ void WindowLoop::MakePanel() {
         if (auto refusal = m_panel.TakeRefusal()) m_status.Tell(*refusal, now);
         m_status.Show(*m_workspace, {m_pacer, m_pictures, m_pen, StreamFigures()}, size, now);
     }
-    for (const std::string& news : m_workspace->TakeNews()) {
-        m_status.Tell(news, now);
-        if (m_options.control != nullptr) m_options.control->TellNews(news);
-    }
+    for (const std::string& news : m_workspace->TakeNews()) TellAll(news);
     m_status.ShowNews(size, now);
     ShowPages();
     m_window.EndPanel();
@@ -278,6 +306,7 @@ void WindowLoop::Run() {
         }
         RunDueStep();
         RunDueFields();
+        OpenLiveThatCame();
         if (Clock::now() >= NextPanel()) ShowPanel();
         const auto next = std::min(m_pacer.Next(), NextPanel());
         m_window.WaitForEvent(WantsStep() ? std::min(next, m_nextStep) : next);

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "kel/window/brush_cursor.h"
@@ -13,6 +14,7 @@
 #include "kel/window/ink_panel.h"
 #include "kel/window/key_fill_output.h"
 #include "kel/window/live_feed.h"
+#include "kel/window/live_opening.h"
 #include "kel/window/open_page.h"
 #include "kel/window/panel.h"
 #include "kel/window/sdl_window.h"
@@ -35,14 +37,18 @@ namespace kel {
 // of the display.
 class WindowLoop final : private ControlTarget {
 public:
-    explicit WindowLoop(const WindowOptions& options);
+    explicit WindowLoop(WindowOptions options);
     void Run();
 
 private:
     using Clock = FieldPacer::Clock;
 
     void FitTheKeys(KeyFit fit);
-    void Open(const std::filesystem::path& file);
+    void Open(const std::filesystem::path& file) { OpenInstead(file, nullptr); }
+    void OpenByName(const std::string& name);
+    void OpenLiveThatCame();
+    void OpenInstead(const std::filesystem::path& file, std::shared_ptr<LiveSource> live);
+    void TellAll(const std::string& news);
     void OpenSound();
     void FollowWithSound();
     void StartStreams();
@@ -113,6 +119,7 @@ private:
     Spotlight m_spotlight;
     BrushCursor m_cursor;
     OpenPage m_openPage;
+    LiveOpening m_opening;
     RecentFiles m_recent{RecentFilesPlace()};
     std::unique_ptr<CleanOutput> m_clean;      // null: there is none
     std::unique_ptr<KeyFillOutput> m_keyFill;  // likewise

@@ -267,6 +267,8 @@ void WindowLoop::DoDisplay(WorkspaceAction action) {
 void WindowLoop::LeaveOne() {
     if (m_openPage.IsOpen())
         m_openPage.Close();
+    else if (m_opening.IsWaiting())
+        m_opening.Stop();
     else if (m_hasHelp)
         m_hasHelp = false;
     else if (m_chooser.IsOn())

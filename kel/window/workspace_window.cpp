@@ -1,9 +1,11 @@
 #include "kel/window/workspace_window.h"
 
+#include <utility>
+
 #include "kel/window/window_loop.h"
 
 namespace kel {
 
-void RunWorkspaceWindow(const WindowOptions& options) { WindowLoop(options).Run(); }
+void RunWorkspaceWindow(WindowOptions options) { WindowLoop(std::move(options)).Run(); }
 
 }  // namespace kel

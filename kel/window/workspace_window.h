@@ -21,6 +21,7 @@ struct WindowOptions {
     bool hasPen = true;                 // the end of a pen that erases makes the brush an eraser
     bool hasCleanOutput = false;        // a second window with the picture alone
     std::optional<int> cleanDisplay;    // the one that it fills, counted from 1
+    PacketRing::Limits replay;          // of live pictures that are opened in the window
     bool hasKeyFill = false;            // two windows with the strokes alone, for a mixer
     std::optional<int> keyFillDisplay;  // the one that the fill fills, counted from 1; the key has the next
     bool isKeyFillStraight = false;     // the fill's colours are not multiplied by alpha
@@ -31,6 +32,6 @@ struct WindowOptions {
 };
 
 // Opens the workspace in a window and returns when the operator has closed it. Throws Error when that cannot be done.
-void RunWorkspaceWindow(const WindowOptions& options);
+void RunWorkspaceWindow(WindowOptions options);
 
 }  // namespace kel

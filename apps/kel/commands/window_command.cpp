@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "apps/kel/commands/claimed_files.h"
@@ -172,8 +173,10 @@ void KeepInkAlone(OutputOptions& outputs) {
                          name.c_str());
 }
 
-void RunAndTell(const WindowOptions& options, LiveStreams& streams) {
-    RunWorkspaceWindow(options);
+void RunAndTell(WindowOptions& options, LiveStreams& streams) {
+    WindowOptions own = options;
+    options.workspace.live.reset();  // the window's own: they end when it opens something else
+    RunWorkspaceWindow(std::move(own));
     CloseStreams(streams);
 }
 
@@ -209,7 +212,8 @@ void Window(const WindowLine& line) {
     options.followsVideo = outputs.WantAnything() && !isLive && FollowsVideoOf(options.file, line.timeline);
     LiveStreams streams(line.live, line.outputs.isStraight);
     if (streams.AreThere()) options.streams = &streams;
-    if (isLive) options.workspace.live = ConnectLive(*liveName, ReplayLimits(line));
+    options.replay = ReplayLimits(line);
+    if (isLive) options.workspace.live = ConnectLive(*liveName, options.replay);
     if (isLive && !options.workspace.live) return;
     std::unique_ptr<ControlService> control = OpenDoors(line);
     TellStreams(streams);

@@ -119,7 +119,8 @@ void VirtualDisplay::HoldKey(const std::string& name, bool down) {
 }
 
 void VirtualDisplay::TypeText(const std::string& letters) {
-    for (const char letter : letters) TypeKey(std::string(1, letter));
+    // X calls a letter of Latin 1 by its number.
+    for (const unsigned char letter : letters) TypeKey(XKeysymToString(letter));
 }
 
 std::optional<WindowPlace> VirtualDisplay::FindWindow(const std::string& titleEnd) const {
