@@ -10,18 +10,22 @@ namespace chalkpane::peers {
 struct PeerWork {
     std::string name;
     std::string peer;
-    std::string unit;  // what a time is divided by: "px", or "dab"
+    std::string unit;  // what a time is divided by: "px", "dab" or "point"
     double units;      // in one call
     std::function<void()> theirs;
     std::function<void()> ours;
-    std::function<double()> apart;  // after a call of each: the mean difference of their results, in channel levels
-    double mostApart;               // 255: another formula under the same name, whose results say nothing
+    // After a call of each: how far their results are apart, which for pictures is the mean difference in levels.
+    std::function<double()> apart;
+    double mostApart;  // 255: another formula under the same name, whose results say nothing
 };
 
 // The works that each library does, where it is part of the build.
 std::vector<PeerWork> PixmanWorks();
 std::vector<PeerWork> MyPaintWorks();
 std::vector<PeerWork> OpenCvWorks();
+std::vector<PeerWork> CircleWorks();  // of OpenCV as well
 std::vector<PeerWork> VipsWorks();
+std::vector<PeerWork> MagickWorks();
+std::vector<PeerWork> GeglWorks();
 
 }  // namespace chalkpane::peers

@@ -74,9 +74,16 @@ std::vector<PeerWork> AllWorks() {
 #endif
 #if defined(WITH_OPENCV)
     append(peers::OpenCvWorks());
+    append(peers::CircleWorks());
 #endif
 #if defined(WITH_VIPS)
     append(peers::VipsWorks());
+#endif
+#if defined(WITH_MAGICK)
+    append(peers::MagickWorks());
+#endif
+#if defined(WITH_GEGL)
+    append(peers::GeglWorks());
 #endif
     return all;
 }
@@ -93,13 +100,13 @@ bool Compare(const PeerWork& work) {
     work.ours();
     const double apart = work.apart();
     if (apart <= work.mostApart) return true;
-    std::printf("%-24s %-8s results are %.2f levels apart, at most %.2f are expected\n", work.name.c_str(),
-                work.peer.c_str(), apart, work.mostApart);
+    std::printf("%-24s %-8s results are %.2f apart, at most %.2f are expected\n", work.name.c_str(), work.peer.c_str(),
+                apart, work.mostApart);
     return false;
 }
 
 void Print(const PeerWork& work, const Times& times) {
-    std::printf("%-24s %-8s %9.2f ns %9.2f ns %8.2f   per %s\n", work.name.c_str(), work.peer.c_str(),
+    std::printf("%-24s %-8s %9.2f ns %9.2f ns %8.3f   per %s\n", work.name.c_str(), work.peer.c_str(),
                 times.theirs / work.units, times.ours / work.units, times.ours / times.theirs, work.unit.c_str());
     std::fflush(stdout);
 }
