@@ -28,7 +28,7 @@ public:
     // settings: ended by a null
     template <typename... Settings>
     explicit Graph(const Image& picture, const char* operation, Settings... settings)
-        : m_source(gegl_buffer_new(&whole, m_format)), m_graph(gegl_node_new()) {
+        : m_format(babl_format("RGBA float")), m_source(gegl_buffer_new(&whole, m_format)), m_graph(gegl_node_new()) {
         gegl_buffer_set(m_source.get(), &whole, 0, ByteFormat(), FirstByte(picture), GEGL_AUTO_ROWSTRIDE);
         GeglNode* const input =
             gegl_node_new_child(m_graph.get(), "operation", "gegl:buffer-source", "buffer", m_source.get(), nullptr);
@@ -47,7 +47,7 @@ public:
     }
 
 private:
-    const Babl* m_format = babl_format("RGBA float");
+    const Babl* m_format;
     std::vector<float> m_floats = std::vector<float>(std::size_t{4} * pictureSize * pictureSize);
     std::unique_ptr<GeglBuffer, Unref> m_source;
     std::unique_ptr<GeglNode, Unref> m_graph;
