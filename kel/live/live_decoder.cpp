@@ -69,11 +69,19 @@ void LiveDecoder::Run() {
         const PacketRing::Next next = m_ring.Take(number, mostBehind);
         if (!next.packet) return;
         try {
-            Decode(next);
-        } catch (const std::exception& failure) {
-            m_news.Tell(std::string("A picture is left out: ") + failure.what());
+            DecodeOrTell(next);
+        } catch (const std::bad_alloc&) {
+            m_parameters.reset();  // begun anew with the next packet; to say so would take memory
         }
         number = next.number + 1;
+    }
+}
+
+void LiveDecoder::DecodeOrTell(const PacketRing::Next& next) {
+    try {
+        Decode(next);
+    } catch (const cli::Error& failure) {
+        m_news.Tell(std::string("A picture is left out: ") + failure.what());
     }
 }
 

@@ -42,6 +42,7 @@ public:
 private:
     void Run();
     void Open(const AVCodecParameters& parameters);
+    void DecodeOrTell(const PacketRing::Next& next);
     void Decode(const PacketRing::Next& next);
     void Publish();
     void NoteSize();

@@ -1,15 +1,23 @@
 #include "kel/live/live_reader.h"
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
+#include <condition_variable>
+#include <mutex>
 #include <new>
 #include <optional>
 #include <span>
+#include <utility>
+
+#include "kel/live/live_input.h"
+#include "kel/live/stream_times.h"
 
 namespace kel {
 namespace {
 
 constexpr auto untilNextTry = std::chrono::milliseconds(500);
+constexpr auto longestEnd = std::chrono::milliseconds(1000);  // of a thread; an operator waits no longer for a window
 
 std::optional<std::int64_t> LiveTime(std::int64_t time, AVRational unit) {
     if (time == AV_NOPTS_VALUE || unit.num <= 0 || unit.den <= 0) return std::nullopt;
@@ -50,42 +58,87 @@ std::string ReasonOf(LiveName::Kind kind, int result) {
 
 }  // namespace
 
-LiveReader::LiveReader(const LiveName& name, PacketRing& ring, LiveNews& news)
-    : m_name(name), m_ring(ring), m_news(news), m_thread([this] { Run(); }) {}
+// What the thread does and knows. It outlives its reader where it cannot be ended.
+class LiveReader::Work {
+public:
+    Work(LiveName name, std::shared_ptr<PacketRing> ring, std::shared_ptr<LiveNews> news)
+        : m_name(std::move(name)), m_ring(std::move(ring)), m_news(std::move(news)) {}
 
-LiveReader::~LiveReader() {
-    {
-        const std::lock_guard lock(m_mutex);
-        m_ends = true;
-    }
+    void Run();  // the thread
+    // False: it is still at something that cannot be ended.
+    [[nodiscard]] bool End();
+    [[nodiscard]] State Now() const;
+    [[nodiscard]] double DeclaredFramesPerSecond() const { return m_framesPerSecond; }
+
+private:
+    void OpenAndRead();
+    int ReadAll(LiveInput& input);
+    void TakePacket(const LiveInput& input, const AVPacket& packet);
+    void NoteThere(const LiveInput& input);
+    void NoteLost(int result);
+    [[nodiscard]] bool Rest();
+
+    const LiveName m_name;
+    const std::shared_ptr<PacketRing> m_ring;
+    const std::shared_ptr<LiveNews> m_news;
+    StreamTimes m_times;  // of the thread, as the next two are
+    LiveCodec m_codec;
+    bool m_wasThere = false;
+    std::atomic<double> m_framesPerSecond = 0;
+    std::atomic<bool> m_ends = false;
+    mutable std::mutex m_mutex;
+    std::condition_variable m_changed;
+    State m_state;  // guarded by m_mutex, as the next one is
+    bool m_isOver = false;
+};
+
+bool LiveReader::Work::End() {
+    std::unique_lock lock(m_mutex);
+    m_ends = true;
     m_changed.notify_all();
-    m_thread.join();
+    return m_changed.wait_for(lock, longestEnd, [this] { return m_isOver; });
 }
 
-LiveReader::State LiveReader::Now() const {
+LiveReader::State LiveReader::Work::Now() const {
     const std::lock_guard lock(m_mutex);
     return m_state;
 }
 
-void LiveReader::Run() {
-    while (!m_ends) {
-        int result = 0;
+// Where memory lacks even to say so, it is tried again all the same.
+void LiveReader::Work::Run() {
+    do {
         try {
-            LiveInput input(m_name, m_ends);
-            result = input.Open();
-            if (result >= 0) result = ReadAll(input);
+            OpenAndRead();
         } catch (const std::bad_alloc&) {
-            result = AVERROR(ENOMEM);  // lost, and tried again
+            const std::lock_guard lock(m_mutex);
+            m_state.isThere = false;
         }
-        if (m_ends) return;
-        NoteLost(result);
-        std::unique_lock lock(m_mutex);
-        if (m_state.isHopeless) return;
-        m_changed.wait_for(lock, untilNextTry, [this] { return m_ends.load(); });
-    }
+    } while (Rest());
+    const std::lock_guard lock(m_mutex);
+    m_isOver = true;
+    m_changed.notify_all();
 }
 
-int LiveReader::ReadAll(LiveInput& input) {
+// Until the next try; false: there is none.
+bool LiveReader::Work::Rest() {
+    std::unique_lock lock(m_mutex);
+    m_changed.wait_for(lock, untilNextTry, [this] { return m_ends || m_state.isHopeless; });
+    return !m_ends && !m_state.isHopeless;
+}
+
+void LiveReader::Work::OpenAndRead() {
+    int result = 0;
+    try {
+        LiveInput input(m_name, m_ends);
+        result = input.Open();
+        if (result >= 0) result = ReadAll(input);
+    } catch (const std::bad_alloc&) {
+        result = AVERROR(ENOMEM);  // lost, and tried again
+    }
+    if (!m_ends) NoteLost(result);
+}
+
+int LiveReader::Work::ReadAll(LiveInput& input) {
     const AvPacket packet = NewPacket();
     m_times.Break();
     for (bool isFirst = true;; isFirst = false) {
@@ -96,33 +149,48 @@ int LiveReader::ReadAll(LiveInput& input) {
     }
 }
 
-void LiveReader::TakePacket(const LiveInput& input, const AVPacket& packet) {
+void LiveReader::Work::TakePacket(const LiveInput& input, const AVPacket& packet) {
     const AVStream& stream = input.Pictures();
     if (!m_codec || !IsSameCodec(*m_codec, *stream.codecpar)) {
         m_codec = CopyCodec(*stream.codecpar);
-        m_ring.Begin(m_codec);
+        m_ring->Begin(m_codec);
     }
     const auto [decoded, shown] =
         m_times.Next(LiveTime(packet.dts, stream.time_base), LiveTime(packet.pts, stream.time_base), kel::Now());
-    m_ring.Add(CopyPacket(packet, decoded, shown));
+    m_ring->Add(CopyPacket(packet, decoded, shown));
 }
 
-void LiveReader::NoteThere(const LiveInput& input) {
+void LiveReader::Work::NoteThere(const LiveInput& input) {
     const AVStream& stream = input.Pictures();
     const AVRational rate = stream.avg_frame_rate.num > 0 ? stream.avg_frame_rate : stream.r_frame_rate;
     m_framesPerSecond = rate.num > 0 && rate.den > 0 ? av_q2d(rate) : 0.0;
-    if (m_wasThere) m_news.Tell(m_name.shown + " is back.");
+    if (m_wasThere) m_news->Tell(m_name.shown + " is back.");
     m_wasThere = true;
     const std::lock_guard lock(m_mutex);
     m_state = {true, false, {}};
 }
 
-void LiveReader::NoteLost(int result) {
+void LiveReader::Work::NoteLost(int result) {
     const std::string reason = ReasonOf(m_name.kind, result);
     const std::lock_guard lock(m_mutex);
     if (m_state.isThere)
-        m_news.Tell(m_name.shown + " is lost: " + reason + ". The last picture stays until it is back.");
+        m_news->Tell(m_name.shown + " is lost: " + reason + ". The last picture stays until it is back.");
     m_state = {false, !m_wasThere && IsHopeless(m_name.kind, result), reason};
 }
+
+LiveReader::LiveReader(const LiveName& name, std::shared_ptr<PacketRing> ring, std::shared_ptr<LiveNews> news)
+    : m_work(std::make_shared<Work>(name, std::move(ring), std::move(news))),
+      m_thread([work = m_work] { work->Run(); }) {}
+
+LiveReader::~LiveReader() {
+    if (m_work->End())
+        m_thread.join();
+    else
+        m_thread.detach();
+}
+
+LiveReader::State LiveReader::Now() const { return m_work->Now(); }
+
+double LiveReader::DeclaredFramesPerSecond() const { return m_work->DeclaredFramesPerSecond(); }
 
 }  // namespace kel

@@ -1,24 +1,22 @@
 #pragma once
 
-#include <atomic>
-#include <condition_variable>
-#include <mutex>
+#include <memory>
 #include <string>
 #include <thread>
 
-#include "kel/live/live_input.h"
+#include "kel/live/live_name.h"
 #include "kel/live/live_news.h"
 #include "kel/live/packet_ring.h"
-#include "kel/live/stream_times.h"
 
 namespace kel {
 
 // Reads live pictures into a ring on a thread of its own, and opens them again when they stop coming.
 class LiveReader {
 public:
-    // Borrows the ring and the news.
-    LiveReader(const LiveName& name, PacketRing& ring, LiveNews& news);
-    ~LiveReader();  // ends what is being opened or read at once
+    LiveReader(const LiveName& name, std::shared_ptr<PacketRing> ring, std::shared_ptr<LiveNews> news);
+    // Ends what is being opened or read at once. What cannot be ended, such as the question where a host is, is left to
+    // itself after a moment and does nothing any more when it returns.
+    ~LiveReader();
     LiveReader(const LiveReader&) = delete;
     LiveReader& operator=(const LiveReader&) = delete;
     LiveReader(LiveReader&&) = delete;
@@ -30,27 +28,13 @@ public:
         std::string reason;       // why they do not
     };
     [[nodiscard]] State Now() const;
-    [[nodiscard]] double DeclaredFramesPerSecond() const { return m_framesPerSecond; }  // 0: it does not say
+    [[nodiscard]] double DeclaredFramesPerSecond() const;  // 0: it does not say
 
 private:
-    void Run();
-    int ReadAll(LiveInput& input);
-    void TakePacket(const LiveInput& input, const AVPacket& packet);
-    void NoteThere(const LiveInput& input);
-    void NoteLost(int result);
+    class Work;
 
-    const LiveName m_name;
-    PacketRing& m_ring;
-    LiveNews& m_news;
-    StreamTimes m_times;  // of the thread, as the next one is
-    LiveCodec m_codec;
-    bool m_wasThere = false;
-    std::atomic<double> m_framesPerSecond = 0;
-    std::atomic<bool> m_ends = false;
-    mutable std::mutex m_mutex;
-    std::condition_variable m_changed;
-    State m_state;         // guarded by m_mutex
-    std::thread m_thread;  // last: it uses all of the above
+    std::shared_ptr<Work> m_work;  // the thread's too
+    std::thread m_thread;
 };
 
 }  // namespace kel

@@ -18,7 +18,10 @@ bool IsRate(double framesPerSecond) { return framesPerSecond >= slowest && frame
 }  // namespace
 
 LiveSource::LiveSource(const LiveName& name, const PacketRing::Limits& replay)
-    : m_name(name), m_ring(replay), m_decoder(m_ring, m_news), m_reader(name, m_ring, m_news) {}
+    : m_name(name),
+      m_ring(std::make_shared<PacketRing>(replay)),
+      m_decoder(*m_ring, *m_news),
+      m_reader(name, m_ring, m_news) {}
 
 LiveSource::~LiveSource() = default;
 
@@ -34,7 +37,7 @@ bool LiveSource::WaitForPicture(std::chrono::milliseconds atMost) {
 }
 
 LiveSource::Replay LiveSource::HoldReplay() const {
-    PacketRing::Held held = m_ring.Hold();
+    PacketRing::Held held = m_ring->Hold();
     auto packets = std::make_unique<HeldPackets>(m_name.shown, held, FramesPerSecond());
     return {std::move(held), VideoReader(std::move(packets))};
 }

@@ -43,7 +43,7 @@ public:
 
     [[nodiscard]] bool IsThere() const { return m_reader.Now().isThere; }
     [[nodiscard]] std::string Reason() const { return m_reader.Now().reason; }  // why not
-    [[nodiscard]] std::vector<std::string> TakeNews() { return m_news.Take(); }
+    [[nodiscard]] std::vector<std::string> TakeNews() { return m_news->Take(); }
     // The last seconds as a video, and as they came. Throws Error when nothing is kept yet, or none of it can be shown.
     struct Replay {
         PacketRing::Held held;
@@ -51,7 +51,7 @@ public:
     };
     [[nodiscard]] Replay HoldReplay() const;
     // What is kept for that.
-    [[nodiscard]] const PacketRing& Ring() const { return m_ring; }
+    [[nodiscard]] const PacketRing& Ring() const { return *m_ring; }
 
 private:
     // Ends the ring before the threads that wait for it.
@@ -61,10 +61,10 @@ private:
     };
 
     LiveName m_name;
-    LiveNews m_news;
-    PacketRing m_ring;
+    std::shared_ptr<LiveNews> m_news = std::make_shared<LiveNews>();
+    std::shared_ptr<PacketRing> m_ring;
     LiveDecoder m_decoder;
-    RingEnd m_end{m_ring};
+    RingEnd m_end{*m_ring};
     LiveReader m_reader;
 };
 

@@ -10,6 +10,7 @@
 
 #include "cli/error.h"
 #include "kel/video/av_objects.h"
+#include "kel/video/host_lookup.h"
 
 namespace kel {
 namespace {
@@ -75,26 +76,33 @@ SrtOutput::SrtOutput(SrtSettings settings) : m_settings(std::move(settings)) {
 
 SrtOutput::~SrtOutput() = default;
 
-std::string SrtOutput::Address() const {
-    const bool isSix = m_settings.host.find(':') != std::string::npos;
-    const std::string host = isSix ? "[" + m_settings.host + "]" : m_settings.host;
-    return "srt://" + host + ":" + std::to_string(m_settings.port);
+std::string SrtOutput::AddressOf(const std::string& host) const {
+    const bool isSix = host.find(':') != std::string::npos;
+    return "srt://" + (isSix ? "[" + host + "]" : host) + ":" + std::to_string(m_settings.port);
 }
 
-bool SrtOutput::WaitForReader() {
+std::string SrtOutput::Address() const { return AddressOf(m_settings.host); }
+
+bool SrtOutput::Connect(const std::string& host) {
     const AVIOInterruptCB interrupt{IsStopped, const_cast<StopSignal*>(&Stopped())};
+    SrtOptions options;
+    options.Set("mode", m_settings.isListener ? "listener" : "caller");
+    options.Set("latency", MicrosecondsOf(m_settings.latency));
+    options.Set("passphrase", m_settings.passphrase);
+    options.Set("streamid", m_settings.streamId);
+    options.Set("pkt_size", std::to_string(datagramBytes));
+    auto connection = std::make_unique<Connection>();
+    if (avio_open2(&connection->context, AddressOf(host).c_str(), AVIO_FLAG_WRITE, &interrupt, options.Get()) < 0)
+        return false;
+    m_connection = std::move(connection);
+    return true;
+}
+
+// The library's own question where the host is cannot be ended, so it gets the answer.
+bool SrtOutput::WaitForReader() {
     for (;;) {
-        SrtOptions options;
-        options.Set("mode", m_settings.isListener ? "listener" : "caller");
-        options.Set("latency", MicrosecondsOf(m_settings.latency));
-        options.Set("passphrase", m_settings.passphrase);
-        options.Set("streamid", m_settings.streamId);
-        options.Set("pkt_size", std::to_string(datagramBytes));
-        auto connection = std::make_unique<Connection>();
-        if (avio_open2(&connection->context, Address().c_str(), AVIO_FLAG_WRITE, &interrupt, options.Get()) >= 0) {
-            m_connection = std::move(connection);
-            return true;
-        }
+        for (const std::string& host : LookUpHost(m_settings.host, Stopped()))
+            if (Connect(host)) return true;
         if (Stopped().WaitFor(retryMilliseconds)) return false;
     }
 }

@@ -30,6 +30,8 @@ public:
 
 private:
     struct Connection;
+    [[nodiscard]] std::string AddressOf(const std::string& host) const;
+    [[nodiscard]] bool Connect(const std::string& host);
 
     SrtSettings m_settings;
     std::unique_ptr<Connection> m_connection;  // null: there is no reader

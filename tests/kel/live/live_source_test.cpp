@@ -7,54 +7,18 @@
 #include "cli/error.h"
 #include "tests/cli/thrown.h"
 #include "tests/kel/live/camera.h"
+#include "tests/kel/live/watched_source.h"
 #include "tests/kel/pixels.h"
 
 namespace kel {
 namespace {
 
 using testing::Await;
+using testing::AwaitPictureOf;
 using testing::Camera;
+using testing::Local;
 using testing::ShownGrey;
-
-std::string Local(const std::string& scheme, int port, const std::string& words = {}) {
-    return scheme + "://127.0.0.1:" + std::to_string(port) + words;
-}
-
-void AwaitPictureOf(LiveSource& source) {
-    Await("the first picture", [&] { return source.WaitForPicture(std::chrono::milliseconds(20)); });
-}
-
-// A source, and what of it an operator would see.
-class Watched {
-public:
-    explicit Watched(const std::string& name, const PacketRing::Limits& replay = {})
-        : m_source(ParseLiveName(name), replay) {}
-
-    void AwaitPicture() { AwaitPictureOf(m_source); }
-    bool TakePicture() { return m_source.Take(m_picture); }
-    // Its middle is of that grey.
-    void AwaitGrey(int grey) {
-        Await("the grey " + std::to_string(grey), [&] {
-            (void)TakePicture();
-            return m_picture.width > 0 && std::abs(Middle()[0] - ShownGrey(grey)) <= 4;  // lossy, at its best quality
-        });
-    }
-    void AwaitNews(const std::string& part) {
-        Await("news with: " + part, [&] {
-            for (const std::string& line : m_source.TakeNews()) m_news += line + "\n";
-            return m_news.find(part) != std::string::npos;
-        });
-    }
-    [[nodiscard]] testing::Pixel Middle() const { return m_picture.At(m_picture.width / 2, m_picture.height / 2); }
-    [[nodiscard]] const picture_io::Picture& Picture() const { return m_picture; }
-    LiveSource& Source() { return m_source; }
-
-private:
-    LiveSource m_source;
-    picture_io::Picture m_picture;
-    std::string m_news;
-};
-
+using testing::Watched;
 }  // namespace
 
 TEST_CASE("Live pictures come by UDP, by TCP and by SRT") {
