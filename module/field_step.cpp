@@ -49,12 +49,4 @@ void StepField(PluginInstance& instance) noexcept {
     if (goesOn) _api__scene_redraw();
 }
 
-std::int32_t ShowParameters(const PluginInstance& instance) {
-    const bool colour = SettingsOf(instance).brushType == BrushType::Colour;
-    qoSendGuiParameterShow("BrushImage", colour ? 1 : 0);
-    qoSendGuiParameterShow("BrushWidth", colour ? 1 : 0);
-    qoSendGuiParameterShow("EraserWidth", colour ? 0 : 1);
-    return qoSendGuiParameterShow("Transparent", instance.TexUnit == 0 ? 1 : 0);
-}
-
 }  // namespace chalkpane

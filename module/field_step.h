@@ -8,7 +8,4 @@ namespace chalkpane {
 // values last applied, follows the pointer, counts down to the recognition, and asks for a redraw.
 void StepField(PluginInstance& instance) noexcept;
 
-// Shows and hides parameters to suit the brush type and the texture unit. Returns the host's last answer.
-std::int32_t ShowParameters(const PluginInstance& instance);
-
 }  // namespace chalkpane

@@ -6,7 +6,6 @@
 #include <variant>
 
 #include "module/abi/host_api.h"
-#include "module/plugin_instance.h"
 
 namespace chalkpane {
 namespace {
@@ -120,6 +119,14 @@ void RegisterPlugin() {
     qoRegisterPushButton("Clear", "Clear", static_cast<std::int32_t>(PluginAction::Clear));
     qoRegisterPushButton("Undo", "Undo", static_cast<std::int32_t>(PluginAction::Undo));
     qoRegisterTotalSize(instanceBlockSize);
+}
+
+std::int32_t ShowParameters(const PluginParameters& values) {
+    const bool colour = SettingsOf(values).brushType == BrushType::Colour;
+    qoSendGuiParameterShow("BrushImage", colour ? 1 : 0);
+    qoSendGuiParameterShow("BrushWidth", colour ? 1 : 0);
+    qoSendGuiParameterShow("EraserWidth", colour ? 0 : 1);
+    return qoSendGuiParameterShow("Transparent", values.TexUnit == 0 ? 1 : 0);
 }
 
 }  // namespace chalkpane

@@ -3,22 +3,19 @@
 #include "module/abi/host_api.h"
 #pragma GCC visibility pop
 
-#include <cstring>
-#include <utility>
-
 #include "cli/nearest_name.h"
 #include "kel/host_functions/host_call.h"
+#include "kel/module_loading/registered_parameter.h"
 
 namespace {
 
 using kel::HostCall;
 using kel::Parameter;
-using kel::ParameterKind;
 using kel::WrongUse;
 
-// Appends the parameter that `fill` completes. The texts are copied.
-template <typename Fill>
-void RegisterParameter(const char* function, ParameterKind kind, const char* name, const char* label, Fill fill) {
+// Appends the parameter that `make` makes of name, label and what else the function was given.
+template <typename Make, typename... Given>
+void RegisterParameter(const char* function, Make make, const char* name, Given... given) {
     const HostCall call(function, kel::inRegistration);
     if (!call || !call.HasPlace(name)) return;
     auto& parameters = call.State().registering->parameters;
@@ -26,12 +23,7 @@ void RegisterParameter(const char* function, ParameterKind kind, const char* nam
         call.Report(WrongUse::UnknownName, "there already is a parameter " + cli::Quoted(name));
         return;
     }
-    Parameter parameter;
-    parameter.kind = kind;
-    parameter.name = name;
-    parameter.label = label != nullptr ? label : name;
-    fill(parameter);
-    parameters.push_back(std::move(parameter));
+    parameters.push_back(make(name, given...));
 }
 
 void RegisterText(const char* function, const char* text, std::string kel::Registration::*place) {
@@ -55,48 +47,29 @@ void qoRegisterPluginFolder(const char* folder) { RegisterText(__func__, folder,
 void qoRegisterTotalSize(std::int32_t bytes) { RegisterNumber(__func__, bytes, &kel::Registration::blockSize); }
 
 void qoRegisterParameterBool(const char* name, const char* label, std::int32_t defaultValue) {
-    RegisterParameter(__func__, ParameterKind::Bool, name, label,
-                      [&](Parameter& parameter) { parameter.defaultValue = defaultValue; });
+    RegisterParameter(__func__, kel::BoolParameter, name, label, defaultValue);
 }
 
 void qoRegisterParameterInt(const char* name, const char* label, std::int32_t defaultValue, std::int32_t minimum,
                             std::int32_t maximum) {
-    RegisterParameter(__func__, ParameterKind::Int, name, label, [&](Parameter& parameter) {
-        parameter.defaultValue = defaultValue;
-        parameter.minimum = minimum;
-        parameter.maximum = maximum;
-    });
+    RegisterParameter(__func__, kel::IntParameter, name, label, defaultValue, minimum, maximum);
 }
 
 void qoRegisterParameterFloat(const char* name, const char* label, float defaultValue, float minimum, float maximum) {
-    RegisterParameter(__func__, ParameterKind::Float, name, label, [&](Parameter& parameter) {
-        parameter.defaultValue = defaultValue;
-        parameter.minimum = double{minimum};
-        parameter.maximum = double{maximum};
-    });
+    RegisterParameter(__func__, kel::FloatParameter, name, label, defaultValue, minimum, maximum);
 }
 
 void qoRegisterParameterColor(const char* name, const char* label, std::uint32_t defaultValue) {
-    RegisterParameter(__func__, ParameterKind::Colour, name, label, [&](Parameter& parameter) {
-        kel::ColourBytes bytes{};
-        std::memcpy(bytes.data(), &defaultValue, sizeof defaultValue);  // a word is four bytes in memory order
-        parameter.defaultValue = bytes;
-    });
+    RegisterParameter(__func__, kel::ColourParameter, name, label, defaultValue);
 }
 
 void qoRegisterParameterImage(const char* name, const char* label, const char* defaultName) {
-    RegisterParameter(__func__, ParameterKind::Image, name, label, [&](Parameter& parameter) {
-        parameter.defaultValue = std::string(defaultName != nullptr ? defaultName : "");
-    });
+    RegisterParameter(__func__, kel::ImageParameter, name, label, defaultName);
 }
 
 void qoRegisterParameterRadio(const char* name, const char* label, std::int32_t defaultValue,
                               const char* const* options) {
-    RegisterParameter(__func__, ParameterKind::Radio, name, label, [&](Parameter& parameter) {
-        parameter.defaultValue = defaultValue;
-        for (auto option = options; option != nullptr && *option != nullptr; ++option)
-            parameter.options.emplace_back(*option);
-    });
+    RegisterParameter(__func__, kel::RadioParameter, name, label, defaultValue, options);
 }
 
 void qoRegisterPushButton(const char* name, const char* label, std::int32_t action) {
