@@ -44,10 +44,11 @@ room(kel/session AFTER kel/ink kel/outputs)
 room(kel/workspace AFTER kel/session kel/live)
 room(kel/control AFTER kel/workspace)
 room(kel/window AFTER kel/control)
+room(obs AFTER module kel/workspace)
 room(apps/kel AFTER kel/window kel/replay)
 room(apps/chalkpane AFTER chalkpane/brush kel/video)
 room(examples AFTER telestrator/journal kel/video)
-room(tests AFTER telestrator/journal module apps/kel apps/chalkpane)
+room(tests AFTER telestrator/journal obs apps/kel apps/chalkpane)
 room(bench AFTER tests)
 
 # The folders of the root that hold rooms.
