@@ -8,7 +8,6 @@
 #include "telestrator/telestrator.h"
 
 using chalkpane::canvasSize;
-using chalkpane::Rect;
 using chalkpane::obs::PlanUpload;
 using chalkpane::obs::UploadSquare;
 
