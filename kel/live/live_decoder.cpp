@@ -133,7 +133,7 @@ void LiveDecoder::Publish() {
         throw cli::Error("it is larger than " + std::to_string(largestSide) + " pixels");
     NoteSize();
     m_converter.SetConversion(m_conversion);
-    Fit(m_converter, *m_frame, m_back);
+    m_converter.FitInto(*m_frame, RowOrder::Up, m_back);
     {
         const std::lock_guard lock(m_mutex);
         m_size.width = m_back.width;
@@ -145,25 +145,6 @@ void LiveDecoder::Publish() {
             m_back = picture_io::Picture(m_size.width, m_size.height);
     }
     m_changed.notify_all();
-}
-
-// As large as it fits with its own proportions, in the middle, and black around it.
-void LiveDecoder::Fit(PictureConverter& converter, const AVFrame& frame, picture_io::Picture& upwards) {
-    if (frame.width == upwards.width && frame.height == upwards.height)
-        return converter.ConvertInto(frame, RowOrder::Up, upwards);
-    const double scale =
-        std::min(static_cast<double>(upwards.width) / frame.width, static_cast<double>(upwards.height) / frame.height);
-    const auto side = [scale](int length, std::int32_t most) {
-        return std::clamp(static_cast<std::int32_t>(length * scale + 0.5), 1, most);
-    };
-    picture_io::Picture fitted(side(frame.width, upwards.width), side(frame.height, upwards.height));
-    converter.ConvertInto(frame, RowOrder::Up, fitted);
-    for (std::size_t i = 0; i < upwards.rgba.size(); ++i) upwards.rgba[i] = i % 4 == 3 ? 255 : 0;
-    const std::ptrdiff_t left = (upwards.width - fitted.width) / 2;
-    const std::ptrdiff_t below = (upwards.height - fitted.height) / 2;
-    for (std::ptrdiff_t row = 0; row < fitted.height; ++row)
-        std::copy_n(fitted.rgba.begin() + row * fitted.width * 4, fitted.width * 4,
-                    upwards.rgba.begin() + ((below + row) * upwards.width + left) * 4);
 }
 
 bool LiveDecoder::Take(picture_io::Picture& upwards) {
@@ -182,7 +163,7 @@ bool LiveDecoder::TakeExactly(picture_io::Picture& upwards) {
     if (upwards.width != m_size.width || upwards.height != m_size.height)
         upwards = picture_io::Picture(m_size.width, m_size.height);
     PictureConverter converter;
-    Fit(converter, *m_shownFrame, upwards);
+    converter.FitInto(*m_shownFrame, RowOrder::Up, upwards);
     return true;
 }
 

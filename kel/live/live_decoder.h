@@ -46,7 +46,6 @@ private:
     void Decode(const PacketRing::Next& next);
     void Publish();
     void NoteSize();
-    static void Fit(PictureConverter& converter, const AVFrame& frame, picture_io::Picture& upwards);
 
     PacketRing& m_ring;
     LiveNews& m_news;

@@ -39,7 +39,11 @@ bool LiveSource::WaitForPicture(std::chrono::milliseconds atMost) {
 LiveSource::Replay LiveSource::HoldReplay() const {
     PacketRing::Held held = m_ring->Hold();
     auto packets = std::make_unique<HeldPackets>(m_name.shown, held, FramesPerSecond());
-    return {std::move(held), VideoReader(std::move(packets))};
+    VideoReader video(std::move(packets));
+    const std::int32_t width = video.Width();
+    const std::int32_t height = video.Height();
+    if (Width() > 0) video.FitInto(Width(), Height());
+    return {std::move(held), std::move(video), width, height};
 }
 
 double LiveSource::FramesPerSecond() const {

@@ -44,10 +44,13 @@ public:
     [[nodiscard]] bool IsThere() const { return m_reader.Now().isThere; }
     [[nodiscard]] std::string Reason() const { return m_reader.Now().reason; }  // why not
     [[nodiscard]] std::vector<std::string> TakeNews() { return m_news->Take(); }
-    // The last seconds as a video, and as they came. Throws Error when nothing is kept yet, or none of it can be shown.
+    // The last seconds as a video of the size of the live pictures, and as they came. Throws Error when nothing is kept
+    // yet, or none of it can be shown.
     struct Replay {
         PacketRing::Held held;
         VideoReader video;
+        std::int32_t width = 0;  // pixels, of the first frame as it came
+        std::int32_t height = 0;
     };
     [[nodiscard]] Replay HoldReplay() const;
     // What is kept for that.

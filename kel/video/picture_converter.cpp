@@ -87,6 +87,23 @@ void PictureConverter::ConvertInto(const AVFrame& frame, RowOrder order, picture
         std::copy_n(m_rgba->data[0] + row * m_rgba->linesize[0], rowBytes, first + row * stride);
 }
 
+void PictureConverter::FitInto(const AVFrame& frame, RowOrder order, picture_io::Picture& picture) {
+    if (frame.width == picture.width && frame.height == picture.height) return ConvertInto(frame, order, picture);
+    const double scale =
+        std::min(static_cast<double>(picture.width) / frame.width, static_cast<double>(picture.height) / frame.height);
+    const auto side = [scale](int length, std::int32_t most) {
+        return std::clamp(static_cast<std::int32_t>(length * scale + 0.5), 1, most);
+    };
+    picture_io::Picture fitted(side(frame.width, picture.width), side(frame.height, picture.height));
+    ConvertInto(frame, order, fitted);
+    for (std::size_t i = 0; i < picture.rgba.size(); ++i) picture.rgba[i] = i % 4 == 3 ? 255 : 0;
+    const std::ptrdiff_t left = (picture.width - fitted.width) / 2;
+    const std::ptrdiff_t before = (picture.height - fitted.height) / 2;
+    for (std::ptrdiff_t row = 0; row < fitted.height; ++row)
+        std::copy_n(fitted.rgba.begin() + row * fitted.width * 4, fitted.width * 4,
+                    picture.rgba.begin() + ((before + row) * picture.width + left) * 4);
+}
+
 picture_io::Picture PictureConverter::Convert(const AVFrame& frame, std::int32_t width, std::int32_t height) {
     picture_io::Picture picture(width, height);
     ConvertInto(frame, RowOrder::Down, picture);

@@ -19,6 +19,9 @@ public:
     // The same into a picture of that size.
     void ConvertInto(const AVFrame& frame, RowOrder order, picture_io::Picture& picture);
 
+    // The same as large as it fits with the frame's own proportions, in the middle, and black around it.
+    void FitInto(const AVFrame& frame, RowOrder order, picture_io::Picture& picture);
+
     void SetConversion(VideoConversion conversion) { m_conversion = conversion; }
 
 private:

@@ -63,8 +63,24 @@ void VideoDecoder::DecodeFrame(std::int64_t index) {
 
 picture_io::Picture VideoDecoder::Read(std::int64_t index) {
     DecodeFrame(index);
+    picture_io::Picture picture(m_width, m_height);
+    ConvertInto(RowOrder::Down, picture);
+    return Upright(std::move(picture), m_orientation);
+}
+
+void VideoDecoder::FitInto(std::int32_t width, std::int32_t height) {
+    m_width = width;
+    m_height = height;
+    m_isFitted = true;
+}
+
+// m_frame, into a picture of the video's size.
+void VideoDecoder::ConvertInto(RowOrder order, picture_io::Picture& picture) {
     try {
-        return Upright(m_converter.Convert(*m_frame, m_width, m_height), m_orientation);
+        if (m_isFitted)
+            m_converter.FitInto(*m_frame, order, picture);
+        else
+            m_converter.ConvertInto(*m_frame, order, picture);
     } catch (const cli::Error& error) {
         m_packets->Refuse(error.what());
     }
@@ -77,11 +93,7 @@ void VideoDecoder::ReadUp(std::int64_t index, picture_io::Picture& picture) {
     }
     DecodeFrame(index);
     if (picture.width != m_width || picture.height != m_height) picture = picture_io::Picture(m_width, m_height);
-    try {
-        m_converter.ConvertInto(*m_frame, RowOrder::Up, picture);
-    } catch (const cli::Error& error) {
-        m_packets->Refuse(error.what());
-    }
+    ConvertInto(RowOrder::Up, picture);
 }
 
 // Going on to decode is quicker than to seek, unless the key frame lies far ahead.

@@ -27,11 +27,14 @@ public:
     // The same with the bottom row first, into memory that is used again.
     void ReadUp(std::int64_t index, picture_io::Picture& picture);
 
+    // Of an upright video: what VideoReader's does.
+    void FitInto(std::int32_t width, std::int32_t height);
     void SetConversion(VideoConversion conversion) { m_converter.SetConversion(conversion); }
 
 private:
     enum class From { Here, Key, Start };
 
+    void ConvertInto(RowOrder order, picture_io::Picture& picture);
     void DecodeFrame(std::int64_t index);
     void OpenCodec();
     [[nodiscard]] From BestWay(std::int64_t time) const;
@@ -51,6 +54,7 @@ private:
     std::int32_t m_width = 0;  // pixels, as stored
     std::int32_t m_height = 0;
     bool m_hasAlpha = false;
+    bool m_isFitted = false;
     PictureConverter m_converter;
 };
 

@@ -57,6 +57,8 @@ std::int64_t VideoReader::FrameAt(double seconds) const {
     return std::max<std::int64_t>(0, after - times.begin() - 1);
 }
 
+void VideoReader::FitInto(std::int32_t width, std::int32_t height) { m_decoder->FitInto(width, height); }
+
 void VideoReader::SetConversion(VideoConversion conversion) { m_decoder->SetConversion(conversion); }
 
 std::vector<double> VideoReader::UnevenStarts() const {

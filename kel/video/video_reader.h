@@ -49,6 +49,8 @@ public:
     // The same with the bottom row first, into a picture whose memory is used again where it has the size.
     void ReadFrameUp(std::int64_t index, picture_io::Picture& picture);
 
+    // Frames have this size from now on and are fitted into it, with black beside them, whatever their own is.
+    void FitInto(std::int32_t width, std::int32_t height);
     // How frames are made from now on; Exact, as at the start.
     void SetConversion(VideoConversion conversion);
     // When each frame is shown, from 0 on, in mean lengths of a frame; empty: they come evenly, each in its turn.

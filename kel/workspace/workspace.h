@@ -200,6 +200,7 @@ private:
     std::shared_ptr<LiveSource> m_live;  // null: a file is open
     picture_io::Picture m_livePicture;   // memory for the next one
     PacketRing::Held m_replayed;         // what the replay shows; none: there is none
+    WindowSize m_replayedSize;           // of its first frame, as it came
     std::unique_ptr<Host> m_host;
     WorkspaceScene m_scene;
     std::unique_ptr<Player> m_player;

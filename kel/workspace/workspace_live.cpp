@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -50,6 +51,7 @@ void Workspace::BeginReplay() {
         video->Change(stand, NextField());
         m_player->SetVideo(0, std::move(video));
         m_replayed = std::move(replay.held);
+        m_replayedSize = {replay.width, replay.height};
     } catch (const cli::Error& error) {
         m_news.emplace_back(error.what());
     }
@@ -70,7 +72,7 @@ void Workspace::SaveClip() {
         return;
     }
     const VideoClock& clock = Video()->Clock();
-    const ClipPart part{clock.In(), clock.Out(), m_live->Width(), m_live->Height()};
+    const ClipPart part{clock.In(), clock.Out(), m_replayedSize.width, m_replayedSize.height};
     const std::filesystem::path clip = m_saver.FreeName(std::string(liveSaves) + "-clip", ".mkv");
     std::filesystem::path session = clip;
     session.replace_extension(".json");
@@ -85,6 +87,18 @@ void Workspace::SaveClip() {
         return "Saved " + clip.string() + " and " + session.filename().string();
     });
 }
+
+namespace {
+
+// As large as it fits with its own proportions, in the scene's units.
+nlohmann::ordered_json FittedSize(WindowSize own, WindowSize room) {
+    if (own.width == room.width && own.height == room.height) return {room.width, room.height};
+    const double scale =
+        std::min(static_cast<double>(room.width) / own.width, static_cast<double>(room.height) / own.height);
+    return {own.width * scale, own.height * scale};
+}
+
+}  // namespace
 
 // What is drawn now, over all of the clip.
 std::string Workspace::ClipSession(const std::string& clip, const ClipPart& part) const {
@@ -106,6 +120,7 @@ std::string Workspace::ClipSession(const std::string& clip, const ClipPart& part
     nlohmann::ordered_json json = nlohmann::ordered_json::parse(WholeSessionText(recording.TakeLines()));
     json.erase("recording");
     json["containers"][0]["film"] = clip;  // both may be taken elsewhere together
+    json["containers"][0]["size"] = FittedSize(m_replayedSize, SceneSize());
     return json.dump();
 }
 

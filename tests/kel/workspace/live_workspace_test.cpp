@@ -1,5 +1,6 @@
 #include <doctest/doctest.h>
 
+#include <memory>
 #include <nlohmann/json.hpp>
 
 #include "kel/session/session_inputs.h"
@@ -20,6 +21,7 @@ using testing::Camera;
 class LivePlace {
 public:
     LivePlace() {
+        camera = CameraOf(320, 240);
         options.module = CHALKPANE_MODULE;
         options.recording = folder / "run.json";
         options.saves = folder.Path();
@@ -28,13 +30,20 @@ public:
         Await("the first picture", [this] { return options.live->WaitForPicture(std::chrono::milliseconds(20)); });
     }
 
+    // Whoever was there before is gone.
+    [[nodiscard]] std::unique_ptr<Camera> CameraOf(int width, int height) {
+        camera.reset();
+        return std::make_unique<Camera>(
+            Camera::Settings{.address = "tcp://127.0.0.1:" + std::to_string(port) + "?listen",
+                             .format = "nut",
+                             .width = width,
+                             .height = height});
+    }
+
     TemporaryFolder folder;
     int port = testing::FreePort();
     WorkspaceOptions options;
-    Camera camera{{.address = "tcp://127.0.0.1:" + std::to_string(port) + "?listen",
-                   .format = "nut",
-                   .width = 320,
-                   .height = 240}};
+    std::unique_ptr<Camera> camera;
 };
 
 void DrawAcross(Workspace& workspace) {
@@ -65,7 +74,7 @@ TEST_CASE("Live pictures go on under the ink, and the recording names them witho
         CHECK_EQ(workspace.FieldsPerSecond(), 50);
         AwaitCorner(workspace, 128);
         DrawAcross(workspace);
-        place.camera.SetGrey(200);
+        place.camera->SetGrey(200);
         AwaitCorner(workspace, 200);
         CHECK_GT(testing::Difference(workspace.TheHost().ReadFrame().At(160, 120), {214, 214, 214, 255}), 60);
         drawn = workspace.TheHost().ReadCanvas(workspace.Chosen()->id);
@@ -122,16 +131,16 @@ TEST_CASE("A picture that is saved of live ones is exact") {
 TEST_CASE("Live pictures that are paused are a film of the last seconds, and go on with one key") {
     LivePlace place;
     Workspace workspace({}, place.options);
-    place.camera.SetGrey(60);
+    place.camera->SetGrey(60);
     AwaitCorner(workspace, 60);
-    place.camera.SetGrey(200);
+    place.camera->SetGrey(200);
     AwaitCorner(workspace, 200);
     CHECK_EQ(workspace.Video(), nullptr);
     workspace.DoVideo(WorkspaceAction::StepBack);
     REQUIRE_NE(workspace.Video(), nullptr);
     const std::int64_t last = workspace.Video()->Clock().Frames() - 1;
     CHECK_EQ(workspace.VideoFrame(), last - 1);
-    place.camera.SetGrey(120);
+    place.camera->SetGrey(120);
     workspace.RunFields(1);
     CHECK_FALSE(workspace.Video()->Clock().IsRunning(workspace.NextField()));
     // The grey of before comes again, a frame at a time.
@@ -200,6 +209,35 @@ TEST_CASE("A clip of a replay is saved with its ink as a session that plays") {
     CHECK_EQ(host.ReadPremultipliedCanvas(player.OverlayContainer()),
              workspace.TheHost().ReadPremultipliedCanvas(workspace.Chosen()->id));
     CHECK_LE(testing::Difference(host.ReadFrame().At(5, 5), {130, 130, 130, 255}), 6);
+}
+
+TEST_CASE("Pictures of another size keep their shape in a replay and in a clip of it") {
+    LivePlace place;
+    Workspace workspace({}, place.options);
+    AwaitCorner(workspace, 128);
+    place.camera = place.CameraOf(96, 96);  // fitted into 320 x 240, as 240 x 240 beside 40 columns of black
+    Await("the corner is black", [&] {
+        workspace.RunFields(1);
+        return workspace.TheHost().ReadFrame().At(5, 5) == testing::black;
+    });
+    Await("some of it is kept", [&] { return place.options.live->Ring().Size().seconds > 0.2; });
+    workspace.DoVideo(WorkspaceAction::Pause);
+    workspace.RunFields(1);
+    const auto checkShape = [](const picture_io::Picture& shown) {
+        for (const std::int32_t x : {5, 36, 283, 314}) CHECK_EQ(shown.At(x, 120), testing::black);
+        for (const std::int32_t x : {44, 160, 275})
+            CHECK_LE(testing::Difference(shown.At(x, 120), {130, 130, 130, 255}), 6);
+        CHECK_LE(testing::Difference(shown.At(160, 3), {130, 130, 130, 255}), 6);
+    };
+    checkShape(workspace.TheHost().ReadFrame());
+    (void)workspace.TakeNews();
+    workspace.DoVideo(WorkspaceAction::SaveClip);
+    Await("the clip", [&] { return !workspace.TakeNews().empty(); });
+    const Session session = ReadSession(place.folder / "live-clip-001.json");
+    Host host({session.window.width, session.window.height});
+    Player player(session, host, CHALKPANE_MODULE);
+    (void)player.PlayField(Player::Rendering::Wanted);
+    checkShape(host.ReadFrame());
 }
 
 }  // namespace kel
