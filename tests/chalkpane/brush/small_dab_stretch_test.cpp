@@ -2,7 +2,9 @@
 
 #include <doctest/doctest.h>
 
+#include <limits>
 #include <random>
+#include <utility>
 
 #include "chalkpane/brush/profiles/round_brush_profile.h"
 #include "tests/chalkpane/brush/brush_fixture.h"
@@ -164,6 +166,36 @@ TEST_CASE("a stroke of small dabs at one pressure paints what dabs with images p
                                             : &BasicBrush::ContinueStroke;
             REQUIRE_EQ((directBrush.*step)(x, y, pressure), (madeBrush.*step)(x, y, pressure));
             REQUIRE(reference::Same(reference::Picture(direct), reference::Picture(made)));
+        }
+    }
+}
+
+// No sample brings such a pressure, but a stroke that is gone on with may hold one. A mean of numbers with NaN among
+// them is NaN wherever on the curve; the opacity of every dab has to be asked for.
+TEST_CASE("a stroke of small dabs that holds a pressure of NaN, below 0 or without end paints dabs with images") {
+    for (const double pressure :
+         {std::numeric_limits<double>::quiet_NaN(), -0.5, std::numeric_limits<double>::infinity()}) {
+        for (int place = 0; place < 4; ++place) {
+            CAPTURE(pressure);
+            CAPTURE(place);
+            Image direct = NewCanvas();
+            Image made = NewCanvas();
+            BasicBrush directBrush("Direct");
+            BasicBrush madeBrush("Made");
+            Record(madeBrush);
+            for (const auto& [brush, canvas] : {std::pair(&directBrush, &direct), std::pair(&madeBrush, &made)}) {
+                brush->SetTarget(canvas);
+                brush->SetColour({12000, 5000, 900});
+                brush->SetSize(1);
+                brush->BeginStroke(10, 10, 1);
+                BasicBrush::StrokeState state = brush->Stroke();
+                for (int i = 0; i < 4; ++i) state.history.Push({10.0 + i, 10, i == place ? pressure : 1.0});
+                brush->GoOnWith(state);
+            }
+            for (const double x : {18.0, 30.0, 34.0, 50.0, 51.0}) {
+                REQUIRE_EQ(directBrush.ContinueStroke(x, 20, 1), madeBrush.ContinueStroke(x, 20, 1));
+                REQUIRE(reference::Same(reference::Picture(direct), reference::Picture(made)));
+            }
         }
     }
 }
