@@ -44,6 +44,11 @@ PaintingAlone::~PaintingAlone() {
     if (brush_ != nullptr) brush_->PaintAlone(nullptr);
 }
 
+bool ShapePen::SurelyMisses(const CanvasPosition& least, const CanvasPosition& most) const {
+    return surface_ == nullptr ||
+           (surface_->listener == nullptr && surface_->brush->SurelyMisses({least.x, least.y, most.x, most.y}));
+}
+
 void ShapePen::Line(double fromX, double fromY, double toX, double toY) const {
     Begin(fromX, fromY);
     End(toX, toY);

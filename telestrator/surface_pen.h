@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "chalkpane/composite/settled_tiles.h"
+#include "telestrator/geometry.h"
 #include "telestrator/memory_guard.h"
 #include "telestrator/telestrator_surface.h"
 
@@ -52,6 +53,10 @@ public:
 
     // In canvas pixels.
     void Draw(StrokeStage stage, double x, double y) const { Paint(*memory_, surface_, stage, x, y); }
+
+    // True: a stroke whose vertices all lie from `least` to `most` paints nothing, and nobody listens. In canvas
+    // pixels, once a stroke has begun.
+    [[nodiscard]] bool SurelyMisses(const CanvasPosition& least, const CanvasPosition& most) const;
 
 private:
     MemoryGuard* memory_;          // not owned

@@ -128,6 +128,16 @@ public:
     // Until null is set again nobody but the brush writes to its target, so that it may pass over dabs that change no
     // more; borrowed.
     void PaintAlone(SettledTiles* tiles) { settledTiles = tiles; }
+    // A part of the plane, ends included.
+    struct PlaneArea {
+        double minX = 0.0;
+        double minY = 0.0;
+        double maxX = 0.0;
+        double maxY = 0.0;
+    };
+    // True: as long as the samples of the stroke lie in there, it changes nothing of the target, and passes over its
+    // dabs without having made them. Once a stroke has begun.
+    [[nodiscard]] bool SurelyMisses(const PlaneArea& samples) const;
     // How many dabs a brush of plain ones has painted on its targets, ever.
     [[nodiscard]] std::uint64_t PaintedDabs() const { return paintedDabs; }
 
@@ -222,13 +232,7 @@ private:
     float lastDabPressure = 0.0F;
     bool firstDabPending = false;  // the first dab waits until the path has a direction
     // Where a dab's middle may lie to touch the target; everywhere when each dab has to be made.
-    struct TouchingArea {
-        double minX = 0.0;
-        double minY = 0.0;
-        double maxX = 0.0;
-        double maxY = 0.0;
-    };
-    TouchingArea touching;
+    PlaneArea touching;
     static constexpr std::int32_t mostStepsPassedOver = 2000000;
     std::int32_t stepsToPassOver = mostStepsPassedOver;  // before the stroke touches the target again
     std::shared_ptr<ProfileCache> profileCache;          // keeps masks from one source to the next

@@ -23,10 +23,22 @@ void BasicBrush::MeasureTouchingArea() {
     if (matchPath || adjustSpacing || firstDabPending || maskPlaneOn || decay != 0.0 || !filters.empty()) return;
     // A dab of this source leaves nothing behind but its pixels.
     if (colourSource == nullptr || !colourSource->HoldsNothing()) return;
+    if (!colourSource->MakesDabs()) {
+        touching = {everywhere, everywhere, -everywhere, -everywhere};
+        return;
+    }
     constexpr double room = 4.0;  // for the roundings of a dab's place
     const Rect& dab = source->DabArea();
     const double half = room + std::max({std::abs(dab.x0), std::abs(dab.x1), std::abs(dab.y0), std::abs(dab.y1)});
     touching = {target->x0 - half, target->y0 - half, target->x1 + half, target->y1 + half};
+}
+
+// A point of a curve is a mean of four samples, but for the rounding of its weights.
+bool BasicBrush::SurelyMisses(const PlaneArea& samples) const {
+    const auto& [minX, minY, maxX, maxY] = samples;
+    const double rounding = 1e-5 * std::max({std::abs(minX), std::abs(minY), std::abs(maxX), std::abs(maxY)});
+    return maxX + rounding < touching.minX || minX - rounding > touching.maxX || maxY + rounding < touching.minY ||
+           minY - rounding > touching.maxY;
 }
 
 bool BasicBrush::PassStretchOver(double squaredSpacing, double pressureFactor, bool& painted) {

@@ -39,14 +39,6 @@ public:
     }
 };
 
-void PaintVertices(TelestratorSurface& surface, const Points& vertices) {
-    surface.BeginStroke(vertices.front().x, vertices.front().y, 1.0);
-    for (std::size_t i = 1; i + 1 < vertices.size(); ++i) {
-        surface.ContinueStroke(vertices[i].x, vertices[i].y, 1.0);
-    }
-    surface.EndStroke(vertices.back().x, vertices.back().y, 1.0);
-}
-
 TEST_CASE("Each recogniser declines with its own switch off, without buffers, and without points") {
     using Recogniser = bool (*)(const ShapeInput&);
     const std::vector<std::pair<Recogniser, bool TelestratorSettings::*>> recognisers{

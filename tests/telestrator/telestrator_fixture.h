@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "telestrator/telestrator.h"
@@ -36,6 +37,14 @@ inline std::unique_ptr<TelestratorSurface> ReferenceSurface(std::int32_t width) 
     surface->SetBrushWidth(width);
     surface->SetBrushColour(0, 0, 0);
     return surface;
+}
+
+// One stroke through all of them.
+inline void PaintVertices(TelestratorSurface& surface, std::span<const Vector3> vertices) {
+    surface.BeginStroke(vertices.front().x, vertices.front().y, 1.0);
+    for (const Vector3& vertex : vertices.subspan(1, vertices.size() - 2))
+        surface.ContinueStroke(vertex.x, vertex.y, 1.0);
+    surface.EndStroke(vertices.back().x, vertices.back().y, 1.0);
 }
 
 // Every recogniser on, and a finish two fields after the release.

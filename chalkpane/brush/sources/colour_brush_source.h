@@ -26,6 +26,8 @@ public:
 
     // True: a dab that is not rotated is no more than what `FindDab` tells, and keeps nothing.
     [[nodiscard]] bool HasPlainDabs() const { return roundProfile != nullptr && HoldsNothing(); }
+    // False: its profile has no mask, so there is never a dab.
+    [[nodiscard]] bool MakesDabs() const { return roundProfile == nullptr || roundProfile->BaseMask() != nullptr; }
     // The dab of `MakeDab` without rotation, on images that stay the source's. False: there is none.
     bool FindDab(double x, double y, ColourDab& dab);
     // The same of a dab small enough to be painted as a block. A mask of null: there is no dab.

@@ -245,3 +245,31 @@ TEST_CASE("values that an owner has taken out of a brush are not missed") {
     brush.SetColour(whitePaint);
     CHECK(brush.BeginStroke(10, 10, 1).IsValid());
 }
+
+// A dab of radius 2 touches the canvas, whose pixels are 0 .. 63, from some 4 + 2 pixels beside it at most; with the
+// room for rounding a whole dab further is surely far enough.
+TEST_CASE("samples surely miss a target that lies beside all of them, or everywhere when there are no dabs") {
+    Image canvas = NewCanvas();
+    BasicBrush brush("Chalk");
+    brush.SetTarget(&canvas);
+    brush.SetColour(whitePaint);
+    brush.SetSize(2);
+    brush.BeginStroke(10, 10, 1);
+    CHECK(brush.SurelyMisses({75, -500, 900, 500}));
+    CHECK(brush.SurelyMisses({-500, 75, 500, 76}));
+    CHECK(brush.SurelyMisses({-500, -900, 500, -12}));
+    CHECK_FALSE(brush.SurelyMisses({-500, -500, 500, 500}));
+    CHECK_FALSE(brush.SurelyMisses({65, 10, 900, 20}));
+    CHECK_FALSE(brush.SurelyMisses({notANumber, notANumber, notANumber, notANumber}));
+    for (const int radius : {-1, 1025}) {
+        brush.SetSize(radius);
+        brush.BeginStroke(10, 10, 1);
+        CHECK(brush.SurelyMisses({0, 0, 63, 63}));
+        CHECK_FALSE(brush.ContinueStroke(50, 50, 1).IsValid());
+    }
+    brush.SetSize(2);
+    brush.SetMatchPath(true);
+    brush.Update();
+    brush.BeginStroke(10, 10, 1);
+    CHECK_FALSE(brush.SurelyMisses({75, -500, 900, 500}));
+}
