@@ -1,5 +1,8 @@
 #include "chalkpane/filters/filter_chain.h"
 
+#include "chalkpane/base/memory_loss.h"
+#include "chalkpane/filters/row_chain.h"
+
 namespace chalkpane {
 namespace {
 
@@ -28,14 +31,26 @@ void RunFilterChain(FilterChain chain, std::unique_ptr<Image>& colour, std::uniq
     if (chain.empty()) return;
     const Depth colourDepth = colour ? colour->GetDepth() : Depth::Eight;
     const Depth maskDepth = mask ? mask->GetDepth() : Depth::Eight;
+    RowChain rows;
+    // What there is no memory for leaves the dab as it was, as any filter does.
+    const auto runRows = [&] {
+        if (!rows.IsEmpty() && !rows.Run(colour)) CountMemoryLoss();
+    };
     for (const auto& filter : chain) {
         if (!Runs(*filter, scope)) continue;
+        if (colour && RowChain::Takes(*filter, colour->GetDepth())) {
+            if (rows.IsFull()) runRows();
+            rows.Add(*filter);
+            continue;
+        }
+        runRows();
         filter->BeginStep();
         RunFilter(*filter, colour, true);
         // The mask keeps its bounds: a dab does not grow beyond its coverage.
         if (filter->FiltersMask() && filter->MovesPixels()) RunFilter(*filter, mask, false);
         filter->EndStep();
     }
+    runRows();
     if (colour) Convert(colour, colourDepth);
     if (mask) Convert(mask, maskDepth);
 }

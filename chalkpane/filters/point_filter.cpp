@@ -6,19 +6,19 @@
 #include "chalkpane/base/memory_loss.h"
 #include "chalkpane/base/multi_processor.h"
 #include "chalkpane/filters/byte_scale.h"
+#include "chalkpane/filters/point_rows.h"
 #include "chalkpane/image/unpremultiply_row.h"
 
 namespace chalkpane {
 namespace {
 
-// One run as its rows see it. The images are not owned.
+// One run as its rows see it. Nothing is owned; the source may be the result.
 struct RowJob {
-    PointFilter& filter;
+    std::span<PointFilter* const> filters;
     const Image& source;
     Image& result;
     std::int32_t firstColumn;
     std::int32_t lastColumn;
-    bool premultiplied;
 };
 
 // Where the depths differ: how a row is reached, what processes it, and how alpha is taken out.
@@ -26,6 +26,7 @@ struct Point8 : PixelFormat8 {
     static std::span<Channel> Row(const Image& image, std::int32_t y) { return image.Row8(y); }
     static constexpr auto process = &PointFilter::ProcessRow8;
     static constexpr auto processMask = &PointFilter::ProcessMaskRow8;
+    // Both may be the same.
     static void Unpremultiply(std::span<const Channel> input, std::span<Channel> output) {
         UnpremultiplyRow8(static_cast<std::int32_t>(input.size() / 4), input, output);
     }
@@ -74,46 +75,54 @@ struct Columns {
     [[nodiscard]] bool IsEmpty() const { return first > last; }
 };
 
-Columns SpanOfRow(const RowJob& job, std::int32_t y) {
+Columns SpanOfRow(const PointFilter& filter, const RowJob& job, std::int32_t y) {
     Columns span{job.firstColumn, job.lastColumn};
-    if (!job.filter.RowSpan(y, span.first, span.last)) return {job.firstColumn, job.lastColumn};
+    if (!filter.RowSpan(y, span.first, span.last)) return {job.firstColumn, job.lastColumn};
     return {std::max(span.first, job.firstColumn), std::min(span.last, job.lastColumn)};
+}
+
+// Pixels first .. last of a row that begins at x0.
+template <typename Row>
+Row Cut(Row row, std::size_t channels, std::int32_t x0, std::int32_t first, std::int32_t last) {
+    return row.subspan(static_cast<std::size_t>(std::int64_t{first} - x0) * channels,
+                       static_cast<std::size_t>(std::int64_t{last} - first + 1) * channels);
+}
+
+template <typename F>
+void ProcessRow(PointFilter& filter, const RowJob& job, std::int32_t y) {
+    const Columns span = SpanOfRow(filter, job, y);
+    if (span.IsEmpty()) return;
+    const std::size_t channels = job.source.IsMask() ? 1 : 4;
+    const auto pixels = Cut(F::Row(job.result, y), channels, job.firstColumn, span.first, span.last);
+    if (job.source.IsMask()) {
+        (filter.*F::processMask)(span.first, span.last, y, pixels);
+        return;
+    }
+    const bool premultiplied = job.source.IsPremultiplied();
+    if (premultiplied) F::Unpremultiply(pixels, pixels);
+    (filter.*F::process)(span.first, span.last, y, pixels);
+    if (premultiplied) job.result.Premultiply(Rect(span.first, y, span.last, y));
 }
 
 template <typename F>
 void RunRow(std::int32_t y, void* userData, std::int32_t /*worker*/) {
     const RowJob& job = *static_cast<const RowJob*>(userData);
     const std::size_t channels = job.source.IsMask() ? 1 : 4;
-    const auto cut = [channels](auto row, std::int32_t x0, std::int32_t first, std::int32_t last) {
-        return row.subspan(static_cast<std::size_t>(std::int64_t{first} - x0) * channels,
-                           static_cast<std::size_t>(std::int64_t{last} - first + 1) * channels);
-    };
-    const auto sourceRow = cut(F::Row(job.source, y), job.source.x0, job.firstColumn, job.lastColumn);
-    const auto resultRow = F::Row(job.result, y);
-    const Columns span = SpanOfRow(job, y);
-    std::copy(sourceRow.begin(), sourceRow.end(), resultRow.begin());
-    if (span.IsEmpty()) return;
-    const auto pixels = cut(resultRow, job.firstColumn, span.first, span.last);
-    if (job.source.IsMask()) {
-        (job.filter.*F::processMask)(span.first, span.last, y, pixels);
-        return;
-    }
-    if (job.premultiplied) F::Unpremultiply(cut(sourceRow, job.firstColumn, span.first, span.last), pixels);
-    (job.filter.*F::process)(span.first, span.last, y, pixels);
-    if (job.premultiplied) job.result.Premultiply(Rect(span.first, y, span.last, y));
-}
-
-void RunRows(RowJob& job) {
-    const RowFunction row = job.source.GetDepth() == Depth::Eight ? RunRow<Point8> : RunRow<Point14>;
-    const Rect& area = job.result;
-    if (job.filter.CanRunInParallel()) {
-        RunInBands(area.y0, area.y1, area.Width(), row, &job);
-        return;
-    }
-    MultiProcessor::RunInOrder(area.y0, area.y1, row, &job);
+    const auto from = Cut(F::Row(job.source, y), channels, job.source.x0, job.firstColumn, job.lastColumn);
+    const auto to = F::Row(job.result, y);
+    if (from.data() != to.data()) std::copy(from.begin(), from.end(), to.begin());
+    for (PointFilter* const filter : job.filters) ProcessRow<F>(*filter, job, y);
 }
 
 }  // namespace
+
+void RunPointRows(std::span<PointFilter* const> filters, const Image& source, Image& result) {
+    RowJob job{filters, source, result, result.x0, result.x1};
+    const RowFunction row = source.GetDepth() == Depth::Eight ? RunRow<Point8> : RunRow<Point14>;
+    const bool inParallel = std::ranges::all_of(filters, &PointFilter::CanRunInParallel);
+    if (inParallel) return RunInBands(result.y0, result.y1, result.Width(), row, &job);
+    MultiProcessor::RunInOrder(result.y0, result.y1, row, &job);
+}
 
 void PointFilter::Apply(const Image& source, std::unique_ptr<Image>& result, bool /*fast*/, const Rect* region,
                         bool /*expand*/) {
@@ -123,9 +132,9 @@ void PointFilter::Apply(const Image& source, std::unique_ptr<Image>& result, boo
         const Rect area = region == nullptr || missed ? source.Bounds() : source.Intersection(*region);
         auto made = missed ? std::make_unique<Image>(area, source) : Image::Unwritten(area, source);
         if (!missed && made->ByteSize() > 0) {
-            RowJob job{*this, source, *made, made->x0, made->x1, source.IsPremultiplied()};
+            PointFilter* const self = this;
             BeginRun(source);
-            RunRows(job);
+            RunPointRows({&self, 1}, source, *made);
             EndRun();
         }
         result = std::move(made);

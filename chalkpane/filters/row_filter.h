@@ -5,12 +5,14 @@
 #include <limits>
 #include <memory>
 #include <span>
+#include <type_traits>
 
 #include "chalkpane/base/call_widest.h"
 #include "chalkpane/filters/byte_scale.h"
 #include "chalkpane/filters/colour_loop.h"
 #include "chalkpane/filters/filter_class.h"
 #include "chalkpane/filters/point_filter.h"
+#include "chalkpane/filters/row_chain.h"
 #include "chalkpane/filters/work_area.h"
 
 namespace chalkpane {
@@ -20,9 +22,20 @@ namespace chalkpane {
 //     bool IsIdentity(const Image& source) const;      optional: true where the settings change nothing of the source
 // An identity is a plain copy of the source, whatever the region.
 template <typename Self>
-class RowFilter : public FilterClass<Self, PointFilter> {
+class RowFilter : public FilterClass<Self, PointFilter>, public RowStepper {
 public:
     using FilterClass<Self, PointFilter>::FilterClass;
+
+    // A class with an `Apply` of its own has something to do before the rows.
+    [[nodiscard]] bool StepsByRows() const override {
+        return std::is_same_v<decltype(&Self::Apply), decltype(&RowFilter::Apply)>;
+    }
+    [[nodiscard]] RowStep StepOver([[maybe_unused]] const Image& source) const override {
+        if (!StepsByRows()) return RowStep::WholePicture;
+        if constexpr (requires { AsSelf().IsIdentity(source); })
+            if (AsSelf().IsIdentity(source)) return RowStep::Nothing;
+        return RowStep::Rows;
+    }
 
     void Apply(const Image& source, std::unique_ptr<Image>& result, bool fast, const Rect* region,
                bool expand) override {

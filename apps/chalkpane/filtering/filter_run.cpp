@@ -1,5 +1,6 @@
 #include "apps/chalkpane/filtering/filter_run.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <new>
@@ -13,6 +14,7 @@
 #include "chalkpane/filters/distort/marble_effect.h"
 #include "chalkpane/filters/distort/turbulence_effect.h"
 #include "chalkpane/filters/point_filter.h"
+#include "chalkpane/filters/row_chain.h"
 #include "chalkpane/image/image_rows.h"
 #include "chalkpane/image/pixel_format.h"
 
@@ -87,6 +89,32 @@ std::unique_ptr<Image> AppliedTo(Filter& filter, std::unique_ptr<Image> source, 
     auto result = Applied(filter, *input, run);
     input.reset();
     return result->Convert(Rect(), depth);
+}
+
+// How many filters at the front can go row by row together over a picture of that depth.
+std::size_t RowFiltersIn(std::span<const std::unique_ptr<Filter>> filters, Depth depth) {
+    const auto end =
+        std::ranges::find_if(filters, [depth](const auto& filter) { return !RowChain::Takes(*filter, depth); });
+    return static_cast<std::size_t>(end - filters.begin());
+}
+
+// The same as one after the other, which all want straight colours.
+std::unique_ptr<Image> RunByRows(std::span<const std::unique_ptr<Filter>> filters, std::unique_ptr<Image> source,
+                                 const FilterRun& run) {
+    auto picture = InForm(std::move(source), AlphaForm::Straight);
+    RowChain rows;
+    const auto runRows = [&] {
+        if (!rows.Run(picture)) throw std::bad_alloc();
+    };
+    for (const auto& filter : filters) {
+        if (rows.IsFull()) runRows();
+        filter->Attach(picture.get(), run.frame, run.time, nullptr);
+        filter->Advance(picture.get(), run.frame, 0, 0, 0, 0);
+        rows.Add(*filter);
+    }
+    runRows();
+    for (const auto& filter : filters) filter->Detach();
+    return picture;
 }
 
 // The parts of `whole` that lie outside `hole`, which cuts it: above, below, left and right.
@@ -237,10 +265,13 @@ std::unique_ptr<Image> RunFilters(std::span<const std::unique_ptr<Filter>> filte
     SettleLattice();
     SeedForFrame(run.frame);
     std::unique_ptr<Image> picture = std::move(source);
-    std::int32_t count = 0;
-    for (const auto& filter : filters) {
-        picture = RunSparingly(*filter, std::move(picture), run);
-        if (done) done(++count);
+    for (std::size_t next = 0; next < filters.size();) {
+        const std::size_t byRows = run.region ? 0 : RowFiltersIn(filters.subspan(next), picture->GetDepth());
+        const std::size_t end = next + std::max<std::size_t>(byRows, 1);
+        picture = byRows > 0 ? RunByRows(filters.subspan(next, byRows), std::move(picture), run)
+                             : RunSparingly(*filters[next], std::move(picture), run);
+        for (; next < end; ++next)
+            if (done) done(static_cast<std::int32_t>(next) + 1);
     }
     return picture;
 }
