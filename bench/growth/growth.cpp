@@ -11,6 +11,7 @@
 #include "bench/growth/plot.h"
 #include "chalkpane/base/multi_processor.h"
 #include "chalkpane/filters/filter_registry.h"
+#include "chalkpane/image/picture_pool.h"
 #include "telestrator/telestrator.h"
 #include "tests/chalkpane/filters/filter_pictures.h"
 
@@ -51,6 +52,7 @@ using Settings = std::vector<std::pair<std::string_view, double>>;
 
 Series FilterSeries(std::string_view label, const Settings& settings) {
     Series series{std::string(label), {}};
+    const PicturePool pool;  // as along a chain
     for (const double megapixels : {1.0, 2.0, 4.0, 8.0, 16.0, 32.0, 64.0}) {
         const auto height = static_cast<std::int32_t>(std::sqrt(megapixels) * 1024);
         const auto width = static_cast<std::int32_t>(megapixels * 1024 * 1024 / height);

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "chalkpane/base/multi_processor.h"
+#include "chalkpane/image/picture_pool.h"
 
 namespace chalkpane {
 
@@ -41,11 +42,17 @@ enum class Pixels { Zeroed, Unwritten };
 // The system hands out large blocks zeroed, page by page as they are first touched. So whoever fills the image pays for
 // its pages, several workers at once. A block that has been used before is zeroed here and now, unless all of it is
 // going to be written anyway.
+void* NewPixels(std::size_t size, Pixels pixels) {
+    void* const used = PicturePool::Take(size);
+    if (used == nullptr) return pixels == Pixels::Zeroed ? std::calloc(size, 1) : std::malloc(size);
+    return pixels == Pixels::Zeroed ? std::memset(used, 0, size) : used;
+}
+
 ImageBuffer* NewBuffer(std::size_t bytes, Pixels pixels) {
     if (bytes > maximumBytes) throw std::bad_alloc();
     auto created = std::make_unique<ImageBuffer>();
-    const std::size_t size = std::max<std::size_t>(bytes, 1);
-    created->pixels = static_cast<std::byte*>(pixels == Pixels::Zeroed ? std::calloc(size, 1) : std::malloc(size));
+    created->byteSize = std::max<std::size_t>(bytes, 1);
+    created->pixels = static_cast<std::byte*>(NewPixels(created->byteSize, pixels));
     if (created->pixels == nullptr) throw std::bad_alloc();
     return created.release();
 }
@@ -58,7 +65,7 @@ ImageBuffer* Share(ImageBuffer* buffer) {
 
 void Dismiss(ImageBuffer* buffer) {
     if (--std::atomic_ref(buffer->references) > 0) return;
-    if (!buffer->isLent) std::free(buffer->pixels);
+    if (!buffer->isLent) PicturePool::Give(buffer->pixels, buffer->byteSize);
     delete buffer;
 }
 

@@ -54,9 +54,10 @@ public:
 // Pixel storage shared by one or more images.
 struct ImageBuffer {
     std::int32_t references = 1;
-    std::byte* pixels = nullptr;  // from std::calloc and owned, unless `isLent`
+    std::byte* pixels = nullptr;  // from the C library's allocator and owned, unless `isLent`
     void* bitmap = nullptr;       // the platform's bitmap object; there is none here, the pixels are all there is
     bool isLent = false;          // the pixels are a caller's, who frees them
+    std::size_t byteSize = 0;     // of owned pixels
 };
 
 // A caller's pixels for an image to stand on, see `Image::Lend`.

@@ -16,6 +16,7 @@
 #include "chalkpane/filters/point_filter.h"
 #include "chalkpane/filters/row_chain.h"
 #include "chalkpane/image/image_rows.h"
+#include "chalkpane/image/picture_pool.h"
 #include "chalkpane/image/pixel_format.h"
 
 namespace chalkpane::app {
@@ -264,6 +265,7 @@ std::unique_ptr<Image> RunFilters(std::span<const std::unique_ptr<Filter>> filte
                                   const FilterRun& run, const std::function<void(std::int32_t)>& done) {
     SettleLattice();
     SeedForFrame(run.frame);
+    const PicturePool pool;
     std::unique_ptr<Image> picture = std::move(source);
     for (std::size_t next = 0; next < filters.size();) {
         const std::size_t byRows = run.region ? 0 : RowFiltersIn(filters.subspan(next), picture->GetDepth());

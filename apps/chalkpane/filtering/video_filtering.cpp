@@ -5,6 +5,7 @@
 #include "apps/chalkpane/filtering/picture_filtering.h"
 #include "apps/chalkpane/filtering/picture_image.h"
 #include "apps/chalkpane/filtering/video_output.h"
+#include "chalkpane/image/picture_pool.h"
 #include "cli/interrupt_guard.h"
 #include "cli/progress_line.h"
 #include "kel/video/video_reader.h"
@@ -25,6 +26,7 @@ void FilterVideoFile(const std::filesystem::path& in, const std::filesystem::pat
     kel::VideoReader reader(in);
     VideoOutput output(out, reader.FramesPerSecond(), reader.HasAlpha());
     const cli::InterruptGuard guard;
+    const PicturePool pool;
     {
         cli::ProgressLine progress("frame", reader.FrameCount());
         for (std::int64_t frame = 0; frame < reader.FrameCount(); ++frame) {
