@@ -1,0 +1,136 @@
+#include "obs/plugin/drawing_window.h"
+
+#include <obs-frontend-api.h>
+
+#include <graphics/matrix4.h>
+
+#include <array>
+
+#include "obs/plugin/pane_owner.h"
+
+namespace chalkpane::obs {
+namespace {
+
+constexpr const char* windowId = "chalkpane_drawing_window";
+
+// What a window's source knows. It holds a reference to what it shows, and none to the item, which may go.
+struct Shown {
+    Shown(obs_data_t* /*settings*/, obs_source_t* window) : self(window) {}
+    // The stroke ends with the window.
+    ~Shown() {
+        if (pane) Guarded([&] { pane->Lift(); });
+        if (source != nullptr) obs_source_remove_active_child(self, source);
+        obs_source_release(source);
+        obs_weak_source_release(item);
+    }
+    Shown(const Shown&) = delete;
+    Shown& operator=(const Shown&) = delete;
+    Shown(Shown&&) = delete;
+    Shown& operator=(Shown&&) = delete;
+
+    obs_source_t* self;
+    std::shared_ptr<InkPane> pane;
+    obs_source_t* source = nullptr;
+    obs_weak_source_t* item = nullptr;
+};
+
+Shown& Of(void* data) { return *static_cast<Shown*>(data); }
+
+// From pixels of the scene to those of the item; as they are where there is no item. False: it is no longer there.
+bool ToItem(const Shown& shown, vec3& at) {
+    if (shown.item == nullptr) return true;
+    struct Search {
+        obs_source_t* wanted;
+        vec3* at;
+        bool isFound = false;
+    } search{obs_weak_source_get_source(shown.item), &at};
+    const auto look = [](obs_scene_t*, obs_sceneitem_t* item, void* data) {
+        auto& sought = *static_cast<Search*>(data);
+        if (obs_sceneitem_get_source(item) != sought.wanted) return true;
+        matrix4 toScene{};
+        obs_sceneitem_get_draw_transform(item, &toScene);
+        matrix4 toItem{};
+        sought.isFound = matrix4_inv(&toItem, &toScene);
+        vec3_transform(sought.at, sought.at, &toItem);
+        obs_sceneitem_crop crop{};
+        obs_sceneitem_get_crop(item, &crop);
+        sought.at->x += static_cast<float>(crop.left);
+        sought.at->y += static_cast<float>(crop.top);
+        return false;
+    };
+    obs_scene_t* scene = obs_scene_from_source(shown.source);
+    if (search.wanted != nullptr && scene != nullptr) obs_scene_enum_items(scene, look, &search);
+    obs_source_release(search.wanted);
+    return search.isFound;
+}
+
+void OnClick(void* data, const obs_mouse_event* event, std::int32_t button, bool isUp, std::uint32_t /*count*/) {
+    const Shown& shown = Of(data);
+    vec3 at{};
+    vec3_set(&at, static_cast<float>(event->x), static_cast<float>(event->y), 0);
+    if (!shown.pane) return;
+    if (ToItem(shown, at)) {
+        SendClick(*shown.pane, double{at.x}, double{at.y}, button, isUp);
+    } else if (isUp) {
+        Guarded([&] { shown.pane->Lift(); });
+    }
+}
+
+void OnMove(void* data, const obs_mouse_event* event, bool hasLeft) {
+    const Shown& shown = Of(data);
+    vec3 at{};
+    vec3_set(&at, static_cast<float>(event->x), static_cast<float>(event->y), 0);
+    if (shown.pane && ToItem(shown, at)) SendMove(*shown.pane, double{at.x}, double{at.y}, hasLeft);
+}
+
+obs_source_info WindowInfo() {
+    obs_source_info info{};
+    info.id = windowId;
+    info.type = OBS_SOURCE_TYPE_INPUT;
+    info.output_flags =
+        OBS_SOURCE_VIDEO | OBS_SOURCE_CUSTOM_DRAW | OBS_SOURCE_INTERACTION | OBS_SOURCE_SRGB | OBS_SOURCE_CAP_DISABLED;
+    info.get_name = [](void*) { return "Chalkpane, a window to draw in"; };
+    info.create = Create<Shown>;
+    info.destroy = [](void* data) { delete &Of(data); };
+    info.get_width = [](void* data) { return obs_source_get_width(Of(data).source); };
+    info.get_height = [](void* data) { return obs_source_get_height(Of(data).source); };
+    info.video_render = [](void* data, gs_effect_t*) { obs_source_video_render(Of(data).source); };
+    info.enum_active_sources = [](void* data, obs_source_enum_proc_t enumerate, void* param) {
+        if (Of(data).source != nullptr) enumerate(Of(data).self, Of(data).source, param);
+    };
+    info.mouse_click = OnClick;
+    info.mouse_move = OnMove;
+    return info;
+}
+
+}  // namespace
+
+void DrawingWindow::Open(const std::shared_ptr<InkPane>& pane, obs_source_t* shown, obs_source_t* item) {
+    Close();
+    obs_source_t* window = obs_source_create_private(windowId, obs_source_get_name(shown), nullptr);
+    auto* data = window == nullptr ? nullptr : static_cast<Shown*>(obs_obj_get_data(window));
+    if (data == nullptr) return obs_source_release(window);
+    data->pane = pane;
+    data->source = obs_source_get_ref(shown);
+    data->item = item == nullptr ? nullptr : obs_source_get_weak_source(item);
+    obs_source_add_active_child(window, shown);
+    m_open = obs_source_get_weak_source(window);
+    obs_frontend_open_source_interaction(window);  // which holds it from now on
+    obs_source_release(window);
+}
+
+void DrawingWindow::Close() {
+    if (obs_source_t* window = obs_weak_source_get_source(m_open)) {
+        obs_source_remove(window);
+        obs_source_release(window);
+    }
+    obs_weak_source_release(m_open);
+    m_open = nullptr;
+}
+
+void RegisterDrawingWindow() {
+    const obs_source_info info = WindowInfo();
+    obs_register_source(&info);
+}
+
+}  // namespace chalkpane::obs
