@@ -27,9 +27,12 @@ void Guarded(const Function& function) noexcept {
 // What OBS keeps of a new source; null where it cannot be made.
 template <typename Data>
 void* Create(obs_data_t* settings, obs_source_t* source) noexcept {
-    Data* data = nullptr;
-    Guarded([&] { data = new Data(settings, source); });
-    return data;
+    try {
+        return new Data(settings, source);
+    } catch (const std::exception& error) {
+        blog(LOG_ERROR, "[chalkpane] %s", error.what());
+        return nullptr;
+    }
 }
 
 // What the source and the filter have in common: a pane with its texture, and what OBS does with them. Nothing but the
