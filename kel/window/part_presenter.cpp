@@ -6,7 +6,6 @@
 
 #if KEL_WITH_X11
 #include <SDL_syswm.h>
-#include <X11/Xproto.h>
 #endif
 
 namespace kel {
@@ -27,20 +26,6 @@ bool HasExtension(Display* display, std::string_view wanted) {
     return all != nullptr && std::string_view(all).find(wanted) != std::string_view::npos;
 }
 
-XErrorHandler& ErrorsBefore() {
-    static XErrorHandler before = nullptr;
-    return before;
-}
-
-// What the server refuses is told when it is long over: a part that reaches beyond a window made smaller meanwhile, the
-// keys for a window that has gone. All is drawn anew then anyway, and the library's own way would end the program, on
-// the air. A lack of memory is not passed over.
-int PassOverRefusals(Display* display, XErrorEvent* error) {
-    const bool isRefusal = error->error_code != BadAlloc && error->error_code != BadImplementation;
-    if (isRefusal || ErrorsBefore() == nullptr) return 0;
-    return ErrorsBefore()(display, error);
-}
-
 }  // namespace
 
 PartPresenter::PartPresenter(SDL_Window* window) {
@@ -51,11 +36,6 @@ PartPresenter::PartPresenter(SDL_Window* window) {
     m_copy = GlxFunction<Copy>("glXCopySubBufferMESA");
     m_display = info.info.x11.display;
     m_drawable = info.info.x11.window;
-    static const bool isHandled = [] {
-        ErrorsBefore() = XSetErrorHandler(PassOverRefusals);
-        return true;
-    }();
-    (void)isHandled;
 }
 #else
 PartPresenter::PartPresenter(SDL_Window*) {}

@@ -84,13 +84,14 @@ private:
 
 void RunWithProgressWindow(const std::string& what, const std::function<void(WorkProgress&)>& work) {
     WorkProgress progress;
-    std::future<void> running = std::async(std::launch::async, [&] { work(progress); });
     std::optional<ProgressWindow> window;
     try {
         window.emplace(what);
     } catch (const cli::Error&) {
-        return running.get();
+        return work(progress);
     }
+    // Begins once the window is there: opening it sets the locale for a moment, in which numbers are read otherwise.
+    std::future<void> running = std::async(std::launch::async, [&] { work(progress); });
     while (running.wait_for(std::chrono::seconds(0)) != std::future_status::ready) window->Show(progress);
     window.reset();
     running.get();

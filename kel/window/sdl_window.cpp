@@ -12,6 +12,7 @@
 #include <thread>
 
 #include "cli/error.h"
+#include "kel/window/display_refusals.h"
 #include "kel/window/display_scale.h"
 #include "kel/window/panel_mouse.h"
 #include "kel/window/panel_style.h"
@@ -55,9 +56,11 @@ public:
         SDL_SetHint(SDL_HINT_TOUCH_MOUSE_EVENTS, "0");        // fingers come as such (touch_pointer.h)
         if (!HasDisplay()) RefuseWithoutDisplay();
         if (SDL_Init(SDL_INIT_VIDEO) != 0) Refuse("there is no display");
-        if (!ShowsNothingUnasked()) return;
-        SDL_Quit();
-        RefuseWithoutDisplay();
+        if (ShowsNothingUnasked()) {
+            SDL_Quit();
+            RefuseWithoutDisplay();
+        }
+        PassOverRefusals();
     }
     ~SdlVideo() { SDL_Quit(); }
     SdlVideo(const SdlVideo&) = delete;

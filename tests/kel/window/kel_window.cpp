@@ -17,6 +17,7 @@ namespace {
 
 constexpr auto patience = std::chrono::minutes(3);
 constexpr auto lookAgain = std::chrono::milliseconds(30);
+constexpr int unforeseen = 1;  // the code of what nobody means: the program's own words are all there is to go by
 
 int CodeOf(int status) { return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status); }
 
@@ -69,7 +70,9 @@ int KelWindow::WaitForEnd() {
     int status = 0;
     WaitUntil("the program ends", [&] { return waitpid(m_program, &status, WNOHANG) != 0; });
     m_program = -1;
-    return CodeOf(status);
+    const int code = CodeOf(status);
+    if (code == unforeseen) MESSAGE("the program said: " << cli::testing::ReadText(folder / "stderr"));
+    return code;
 }
 
 bool KelWindow::IsRunning() {
