@@ -165,7 +165,7 @@ void CopyPlanned(HostState& state, const DrawingPlan& plan, const FrameBuffer& t
     if (!copied.IsEmpty()) target.Copy(image->texture.Name(), copied.x - plan.place.x, copied.y - plan.place.y, copied);
 }
 
-FrameArea ChangedByDrawing(HostState& state, const ContainerObject& container) {
+FrameArea ChangedByDrawing(HostState& state, const ContainerObject& container, Look look) {
     const FrameArea window{0, 0, state.window.width, state.window.height};
     if (!BlendingKeepsTarget()) return window;
     GLint active = 0;
@@ -180,7 +180,8 @@ FrameArea ChangedByDrawing(HostState& state, const ContainerObject& container) {
         const auto* image = texture == nullptr ? nullptr : state.objects.Find<ImageObject>(texture->image);
         if (image == nullptr || image->shown.empty() || !KeepsClear()) continue;
         FrameArea seen;
-        if (image->inked.IsEmpty())
+        const bool isHidden = look == Look::Undrawn && container.multiTextures[unit] != noObject;
+        if (isHidden || image->inked.IsEmpty())
             changed = {};
         else if (FindSeenArea(*image, {noObject, image->inked}, container.placement, window, seen))
             changed = seen;

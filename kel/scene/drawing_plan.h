@@ -2,6 +2,7 @@
 
 #include "kel/scene/host_state.h"
 #include "kel/scene/matrix.h"
+#include "kel/scene/scene_renderer.h"
 
 namespace kel {
 
@@ -23,7 +24,7 @@ struct DrawingPlan {
 void CopyPlanned(HostState& state, const DrawingPlan& plan, const FrameBuffer& target, const FrameArea& part);
 
 // What of the window this container, which is about to be drawn without depth, changes at all: where its one image is
-// clear, nothing, when OpenGL's state is such that clear texels leave everything as it was.
-[[nodiscard]] FrameArea ChangedByDrawing(HostState& state, const ContainerObject& container);
+// clear or hidden, nothing, when OpenGL's state is such that clear texels leave everything as it was.
+[[nodiscard]] FrameArea ChangedByDrawing(HostState& state, const ContainerObject& container, Look look);
 
 }  // namespace kel

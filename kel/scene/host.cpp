@@ -171,7 +171,9 @@ void Host::ExchangePicture(ObjectId container, picture_io::Picture& upwards, boo
         SetPicture(container, picture_io::Flipped(upwards));
         return;
     }
-    m_state->ShowAnew();
+    if (container != m_state->overlay.copied) return m_state->ShowAnew();
+    m_state->changes.AddPicture();
+    m_state->redraw = true;
 }
 
 void Host::Attach(ObjectId container, const Module& module, const std::vector<ParameterSetting>& values) {

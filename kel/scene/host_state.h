@@ -52,6 +52,18 @@ struct DrawnOverlay {
     picture_io::Picture picture;          // colours multiplied by alpha
     FrameArea stale;                      // where the frame has changed since
     std::unique_ptr<FrameBuffer> target;  // what the scene is drawn into for it; null: it was never made
+
+    FrameArea inked;             // all of where drawings are seen in the frame
+    ObjectId copied = noObject;  // the container whose picture was copied into the frame; noObject: none was
+
+    // The drawings with all else black and white, which tell the same whatever is shown behind them.
+    struct OverPlain {
+        FrameArea area;
+        std::uint64_t drawings = 0;  // SceneChanges::Drawings
+        picture_io::Picture black;
+        picture_io::Picture white;
+    };
+    std::optional<OverPlain> overPlain;
 };
 
 // Everything the host knows: what `Host` changes from outside and the host functions from inside a module.

@@ -3,7 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <utility>
 
 #include "kel/scene/scene_renderer.h"
@@ -90,14 +93,34 @@ void Place(const picture_io::Picture& part, const FrameArea& area, picture_io::P
         std::copy_n(part.rgba.begin() + row * rowBytes, rowBytes, whole.rgba.begin() + start + row * stride);
 }
 
+void Clear(const FrameArea& area, picture_io::Picture& picture) {
+    const std::ptrdiff_t stride = std::ptrdiff_t{picture.width} * 4;
+    for (std::ptrdiff_t row = 0; row < area.height; ++row)
+        std::fill_n(picture.rgba.begin() + (picture.height - 1 - area.y - row) * stride + std::ptrdiff_t{area.x} * 4,
+                    std::ptrdiff_t{area.width} * 4, std::uint8_t{0});
+}
+
+// Those that are kept, if nothing has changed of the drawings; none is kept any more.
+DrawnOverlay::OverPlain OverPlain(HostState& state, const FrameArea& area) {
+    std::optional<DrawnOverlay::OverPlain> kept = std::exchange(state.overlay.overPlain, std::nullopt);
+    const std::uint64_t drawings = state.changes.Drawings();
+    if (kept && kept->area == area && kept->drawings == drawings) return std::move(*kept);
+    return {area, drawings, Drawn(state, Look::Black, area), Drawn(state, Look::White, area)};
+}
+
 void RenewOverlay(HostState& state, const FrameArea& area) {
     if (area.IsEmpty()) return;
     OverlaySources sources;
     sources.drawn = state.frame->Read(area);
     sources.undrawn = Drawn(state, Look::Undrawn, area);
-    sources.overBlack = Drawn(state, Look::Black, area);
-    sources.overWhite = Drawn(state, Look::White, area);
+    DrawnOverlay::OverPlain plain = OverPlain(state, area);
+    sources.overBlack = std::move(plain.black);
+    sources.overWhite = std::move(plain.white);
     Place(OverlayOf(sources), area, state.overlay.picture);
+    if (state.overlay.copied == noObject) return;  // behind another picture they might not be the same
+    plain.black = std::move(sources.overBlack);
+    plain.white = std::move(sources.overWhite);
+    state.overlay.overPlain = std::move(plain);
 }
 
 }  // namespace
@@ -127,7 +150,12 @@ const picture_io::Picture& OverlayPicture(HostState& state) {
     }
     // What has changed since the picture was drawn is in the textures already, wherever it is seen.
     const bool isBehind = state.changes.IsEverything() || !state.changes.Area().IsEmpty();
-    RenewOverlay(state, isBehind ? whole : overlay.stale);
+    if (isBehind) {
+        RenewOverlay(state, whole);
+    } else {
+        Clear(overlay.stale, overlay.picture);
+        RenewOverlay(state, Intersection(overlay.stale, overlay.inked));
+    }
     overlay.stale = isBehind ? whole : FrameArea{};
     return overlay.picture;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <vector>
 
 #include "kel/scene/frame_buffer.h"
@@ -18,8 +19,18 @@ struct UploadedPart {
 class SceneChanges {
 public:
     // Something that shows anywhere: a camera, a container, what texture lies where.
-    void AddEverything() { m_isEverything = true; }
-    void AddUpload(const UploadedPart& part) { m_uploads.push_back(part); }
+    void AddEverything() {
+        m_isEverything = true;
+        ++m_drawings;
+    }
+    // A picture that no drawing is seen in or through: it shows anywhere, and the drawings are as they were.
+    void AddPicture() { m_isEverything = true; }
+    void AddUpload(const UploadedPart& part) {
+        m_uploads.push_back(part);
+        ++m_drawings;
+    }
+    // Modules ask for something else of OpenGL.
+    void AddCalls() { ++m_drawings; }
     // Where uploads are seen, in the window's pixels.
     void AddArea(const FrameArea& area);
 
@@ -27,6 +38,8 @@ public:
     // In the order in which they came; not yet led to where they are seen.
     [[nodiscard]] std::vector<UploadedPart>& Uploads() { return m_uploads; }
     [[nodiscard]] const FrameArea& Area() const { return m_area; }
+    // Another number whenever drawings may be seen otherwise; never forgotten.
+    [[nodiscard]] std::uint64_t Drawings() const { return m_drawings; }
 
     void ForgetUploads() { m_uploads.clear(); }
     void ForgetArea() { m_area = {}; }
@@ -40,6 +53,7 @@ private:
     bool m_isEverything = true;  // there is no picture yet
     std::vector<UploadedPart> m_uploads;
     FrameArea m_area;
+    std::uint64_t m_drawings = 0;
 };
 
 // Both together; an area without width is nothing.

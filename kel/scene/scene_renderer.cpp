@@ -163,6 +163,7 @@ struct Pass {
     bool repeats = false;             // what the callbacks asked of OpenGL last, in place of the callbacks
     const FrameArea* part = nullptr;  // null: all of the picture
     DrawingPlan plan{};
+    FrameArea* drawn = nullptr;  // grows by what the drawing without depth changes of the window at all; null: untold
 };
 
 void Limit(const FrameArea& part) {
@@ -224,7 +225,9 @@ void DrawContainer(HostState& state, const ContainerObject& container, const Pas
     if (pass.plan.hasDepth) return DrawRectangle(container.placement.size);
     glDisable(GL_DEPTH_TEST);
     const FrameArea limit = pass.part != nullptr ? *pass.part : WholeWindow(state);
-    const FrameArea changed = Intersection(ChangedByDrawing(state, container), limit);
+    const FrameArea anywhere = ChangedByDrawing(state, container, pass.look);
+    if (pass.drawn != nullptr) *pass.drawn = Union(*pass.drawn, anywhere);
+    const FrameArea changed = Intersection(anywhere, limit);
     if (changed.IsEmpty()) return;
     if (changed != limit) Limit(changed);
     DrawRectangle(container.placement.size);
@@ -240,8 +243,11 @@ void RenderContainer(HostState& state, ObjectId id, ContainerObject& container, 
     if (container.instance != nullptr) RunAfter(state, container, pass);
 }
 
+// In black and in white a picture that covers its place is what the target is cleared with.
+bool ShowsPictures(Look look) { return look == Look::AsItIs || look == Look::Undrawn; }
+
 void ClearFor(HostState& state, const FrameBuffer& target, const Pass& pass) {
-    const bool isCovered = !pass.plan.hasDepth && pass.plan.place == WholeWindow(state);
+    const bool isCovered = ShowsPictures(pass.look) && !pass.plan.hasDepth && pass.plan.place == WholeWindow(state);
     if (isCovered) return target.Bind();
     target.BindAndClear(pass.look == Look::White ? 1 : 0);
 }
@@ -257,20 +263,32 @@ void RunPlannedPass(HostState& state, const FrameBuffer& target, const Pass& pas
     }
     state.objects.ForEach<ContainerObject>([&](ObjectId id, ContainerObject& container) {
         RenderContainer(state, id, container, pass);
-        if (id == pass.plan.copied)
+        if (id == pass.plan.copied && ShowsPictures(pass.look))
             CopyPlanned(state, pass.plan, target, pass.part != nullptr ? *pass.part : WholeWindow(state));
     });
 }
 
+// What an overlay may be made by: where all drawings are, when the plan has told that.
+void NoteDrawn(HostState& state, const Pass& pass, bool isTold) {
+    state.overlay.inked = isTold ? *pass.drawn : WholeWindow(state);
+    state.overlay.copied = isTold ? pass.plan.copied : noObject;
+}
+
 // Draws with as little as gives the same pixels. What modules ask for meanwhile may need more: then all is drawn again.
 void RunPass(HostState& state, const FrameBuffer& target, Pass pass) {
-    if (!pass.draws || pass.look != Look::AsItIs || state.redraws == Redraw::Whole)
-        return RunPlannedPass(state, target, pass);
-    pass.plan = PlanDrawing(state, pass.camera);
+    FrameArea drawn;
+    if (pass.draws && state.redraws != Redraw::Whole) {
+        pass.plan = PlanDrawing(state, pass.camera);
+        if (!pass.plan.hasDepth) pass.drawn = &drawn;
+    }
     RunPlannedPass(state, target, pass);
-    if (pass.repeats || !pass.plan.LeavesOut() || PlanDrawing(state, pass.camera) == pass.plan) return;
+    if (!pass.draws) return;
+    const bool isMore = !pass.repeats && pass.plan.LeavesOut() && PlanDrawing(state, pass.camera) != pass.plan;
+    if (pass.look == Look::AsItIs) NoteDrawn(state, pass, pass.drawn != nullptr && !isMore);
+    if (!isMore) return;
     pass.repeats = true;
     pass.plan = {};
+    pass.drawn = nullptr;
     RunPlannedPass(state, target, pass);
 }
 
@@ -372,6 +390,7 @@ void RenderField(HostState& state) {
         return;
     }
     state.changes.ForgetArea();
+    if (!AreCallsAsDrawn(state)) state.changes.AddCalls();
     NotePicture(state, WholeWindow(state));
 }
 

@@ -58,7 +58,8 @@ struct Show {
     ObjectId backdrop = noObject;
 };
 
-// Pictures that follow each other behind a pane on which a stroke is being drawn, and is taken away in the end.
+// Pictures that follow each other behind a pane on which a stroke is being drawn, and is taken away in the end: the
+// frames, and after each of them the strokes alone.
 std::vector<Picture> Frames(WindowSize size, Redraw redraw) {
     Show show(size);
     show.host.SetRedraw(redraw);
@@ -68,9 +69,12 @@ std::vector<Picture> Frames(WindowSize size, Redraw redraw) {
     Picture next = testing::Speckled(size.width, size.height);
     const auto run = [&] {
         std::rotate(next.rgba.begin(), next.rgba.begin() + 4, next.rgba.end());
-        if (frames.size() % 2 == 0) show.host.SetPicture(show.backdrop, next);
+        if (frames.size() % 4 == 0) show.host.SetPicture(show.backdrop, next);
+        Picture upwards = picture_io::Flipped(next);
+        if (frames.size() % 8 < 4) show.host.ExchangePicture(show.backdrop, upwards, true);
         show.host.RunField();
         frames.push_back(show.host.ReadFrame());
+        frames.push_back(show.host.ReadPremultipliedOverlay());
     };
     run();
     show.host.QueuePointer(PointerKind::Press, size.width / 4, size.height / 3);
@@ -81,6 +85,7 @@ std::vector<Picture> Frames(WindowSize size, Redraw redraw) {
     }
     show.host.QueuePointer(PointerKind::Release, size.width / 3, size.height / 3);
     run();
+    for (int i = 0; i < 4; ++i) run();  // with all strokes as they are
     show.host.PushButton(pane, "Clear");
     run();
     run();
