@@ -18,31 +18,57 @@ struct WindowPoint {
     double y = 0;
 };
 
-WindowPoint InWindow(const ScenePixel& at, const PictureArea& picture, WindowSize scene, WindowSize window) {
-    return {picture.x + (at.x + 0.5) * picture.width / scene.width,
-            window.height - (picture.y + (at.y + 0.5) * picture.height / scene.height)};
+// Of the window, y upwards.
+struct WindowDab {
+    WindowPoint middle;
+    WindowPoint across;
+    WindowPoint down;
+};
+
+// Not so small that nothing is seen of it.
+WindowDab InWindow(const ScenePixel& at, const SeenDab& dab, const PictureArea& picture, WindowSize scene,
+                   WindowSize window) {
+    constexpr double smallest = 0.5;  // pixels
+    const double shown = 1.0 * picture.width / scene.width;
+    const auto half = dab.HalfSize();
+    const double largest = std::max(half[0], half[1]);
+    const double scale = largest > 0 ? std::max(shown, smallest / largest) : shown;
+    return {{picture.x + (at.x + 0.5) * picture.width / scene.width,
+             window.height - (picture.y + (at.y + 0.5) * picture.height / scene.height)},
+            {dab.across[0] * scale, -dab.across[1] * scale},
+            {dab.down[0] * scale, -dab.down[1] * scale}};
 }
 
-void DrawDisc(const WindowPoint& at, double radius) {
+void DrawDab(const WindowDab& dab) {
     constexpr int corners = 20;
     glBegin(GL_TRIANGLE_FAN);
     for (int i = 0; i < corners; ++i) {
         const double angle = 2 * std::numbers::pi * i / corners;
-        glVertex2d(at.x + radius * std::cos(angle), at.y + radius * std::sin(angle));
+        glVertex2d(dab.middle.x + std::cos(angle) * dab.across.x + std::sin(angle) * dab.down.x,
+                   dab.middle.y + std::cos(angle) * dab.across.y + std::sin(angle) * dab.down.y);
     }
     glEnd();
 }
 
-void DrawBand(const WindowPoint& from, const WindowPoint& to, double radius) {
-    const double length = std::hypot(to.x - from.x, to.y - from.y);
-    if (length <= 0) return;
-    const double acrossX = -(to.y - from.y) / length * radius;
-    const double acrossY = (to.x - from.x) / length * radius;
+// From the dab's middle to where its edge runs along with the direction (x, y), to the left of that.
+WindowPoint EdgeAlong(const WindowDab& dab, double x, double y) {
+    const double u = -dab.across.x * y + dab.across.y * x;
+    const double v = -dab.down.x * y + dab.down.y * x;
+    const double length = std::hypot(u, v);
+    if (length <= 0) return {};
+    return {(dab.across.x * u + dab.down.x * v) / length, (dab.across.y * u + dab.down.y * v) / length};
+}
+
+void DrawBand(const WindowDab& from, const WindowDab& to) {
+    const double alongX = to.middle.x - from.middle.x;
+    const double alongY = to.middle.y - from.middle.y;
+    const WindowPoint first = EdgeAlong(from, alongX, alongY);
+    const WindowPoint last = EdgeAlong(to, alongX, alongY);
     glBegin(GL_QUADS);
-    glVertex2d(from.x + acrossX, from.y + acrossY);
-    glVertex2d(from.x - acrossX, from.y - acrossY);
-    glVertex2d(to.x - acrossX, to.y - acrossY);
-    glVertex2d(to.x + acrossX, to.y + acrossY);
+    glVertex2d(from.middle.x + first.x, from.middle.y + first.y);
+    glVertex2d(from.middle.x - first.x, from.middle.y - first.y);
+    glVertex2d(to.middle.x - last.x, to.middle.y - last.y);
+    glVertex2d(to.middle.x + last.x, to.middle.y + last.y);
     glEnd();
 }
 
@@ -79,31 +105,32 @@ public:
 
 }  // namespace
 
-void InkTail::Press(const ScenePixel& at, const TailPen& pen) {
+void InkTail::Press(const ScenePixel& at, const SeenDab& dab, const TailPen& pen) {
     m_places.clear();
     m_pen = pen;
-    if (pen.radius > 0) m_places.push_back(at);
+    if (pen.isSeen) m_places.push_back({at, dab});
 }
 
-void InkTail::Move(const ScenePixel& at) {
-    if (m_places.empty() || m_places.back() == at) return;
-    m_places.push_back(at);
+void InkTail::Move(const ScenePixel& at, const SeenDab& dab) {
+    if (m_places.empty() || m_places.back().at == at) return;
+    m_places.push_back({at, dab});
     if (m_places.size() > heldPlaces) m_places.pop_front();
 }
 
 FrameArea InkTail::Area(const PictureArea& picture, WindowSize scene, WindowSize window) const {
     if (m_places.size() < 2) return {};
-    const double margin = m_pen.radius * picture.width / scene.width + 1;
     double left = window.width;
     double right = 0;
     double bottom = window.height;
     double top = 0;
-    for (const ScenePixel& place : m_places) {
-        const WindowPoint at = InWindow(place, picture, scene, window);
-        left = std::min(left, at.x - margin);
-        right = std::max(right, at.x + margin);
-        bottom = std::min(bottom, at.y - margin);
-        top = std::max(top, at.y + margin);
+    for (const Place& place : m_places) {
+        const WindowDab dab = InWindow(place.at, place.dab, picture, scene, window);
+        const double halfWidth = std::hypot(dab.across.x, dab.down.x) + 1;
+        const double halfHeight = std::hypot(dab.across.y, dab.down.y) + 1;
+        left = std::min(left, dab.middle.x - halfWidth);
+        right = std::max(right, dab.middle.x + halfWidth);
+        bottom = std::min(bottom, dab.middle.y - halfHeight);
+        top = std::max(top, dab.middle.y + halfHeight);
     }
     const auto x = static_cast<std::int32_t>(std::floor(left));
     const auto y = static_cast<std::int32_t>(std::floor(bottom));
@@ -114,11 +141,10 @@ void InkTail::Draw(const PictureArea& picture, WindowSize scene, WindowSize wind
     if (m_places.size() < 2) return;
     const PlainDrawing drawing(window, part);
     glColor3ub(m_pen.colour[0], m_pen.colour[1], m_pen.colour[2]);
-    const double radius = std::max(m_pen.radius * picture.width / scene.width, 0.5);
+    const auto dabOf = [&](const Place& place) { return InWindow(place.at, place.dab, picture, scene, window); };
     for (std::size_t i = 0; i < m_places.size(); ++i) {
-        const WindowPoint at = InWindow(m_places[i], picture, scene, window);
-        DrawDisc(at, radius);
-        if (i > 0) DrawBand(InWindow(m_places[i - 1], picture, scene, window), at, radius);
+        DrawDab(dabOf(m_places[i]));
+        if (i > 0) DrawBand(dabOf(m_places[i - 1]), dabOf(m_places[i]));
     }
 }
 

@@ -130,17 +130,17 @@ bool WindowLoop::IsOnPicture(std::int32_t x, std::int32_t y) const {
 }
 
 void WindowLoop::NoteStroke(PointerKind kind, const ScenePixel& at) {
+    constexpr double rim = 0.85;  // of a dab's radius: beyond it ink fades away
     InkTail& tail = m_painter.Tail();
+    const auto brush = kind == PointerKind::Release ? std::nullopt : BrushLookOf(*m_workspace, at);
+    const SeenDab dab = brush ? brush->dab.Scaled(rim) : SeenDab();
     if (kind == PointerKind::Press) {
-        const auto brush = BrushLookOf(*m_workspace);
-        constexpr double rim = 0.85;  // of a dab's radius: beyond it ink fades away
         const bool isSeen = m_options.hasTail && brush && brush->hasColour;
-        tail.Press(at, isSeen ? TailPen{{brush->colour[0], brush->colour[1], brush->colour[2]}, brush->radius * rim}
-                              : TailPen{});
+        tail.Press(at, dab, isSeen ? TailPen{{brush->colour[0], brush->colour[1], brush->colour[2]}, true} : TailPen{});
         m_spotlight.Press(at);
         m_isTailOver = false;
     } else if (m_isDrawing) {
-        tail.Move(at);
+        if (brush) tail.Move(at, dab);
         m_spotlight.Move(at);
     }
     if (kind != PointerKind::Release) return;
@@ -151,9 +151,10 @@ void WindowLoop::NoteStroke(PointerKind kind, const ScenePixel& at) {
 // The pointer is as large as the dab that it would paint.
 void WindowLoop::ShowBrush(std::int32_t x, std::int32_t y) {
     if (!m_isDrawing && !IsOnPicture(x, y)) return m_cursor.Hide();
-    const auto brush = BrushLookOf(*m_workspace);
-    const double scale = 1.0 * m_painter.Picture().width / m_workspace->TheHost().Window().width;
-    m_cursor.Show(brush ? brush->radius * scale : 0);
+    const WindowSize scene = m_workspace->SceneSize();
+    const auto brush = BrushLookOf(*m_workspace, SceneAt(m_painter.Picture(), scene, x, y));
+    const double scale = 1.0 * m_painter.Picture().width / scene.width;
+    m_cursor.Show(brush ? std::optional(brush->dab.Scaled(scale)) : std::nullopt);
 }
 
 void WindowLoop::TakeWheel(const SDL_MouseWheelEvent& wheel) {
