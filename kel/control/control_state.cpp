@@ -30,6 +30,7 @@ std::vector<std::string> ControlState::TakeEvents(Workspace& workspace) {
     TellChosen(workspace, events);
     TellParameters(workspace, events);
     TellVideo(workspace, events);
+    TellLive(workspace, events);
     TellInk(workspace, events);
     return events;
 }
@@ -75,6 +76,16 @@ void ControlState::TellVideo(const Workspace& workspace, Events& events) {
     ordered_json event = {{"event", "film"}};
     event.update(ControlVideoJson(workspace));
     events.push_back(ControlJsonText(event));
+}
+
+// Whether pictures come, and whether they are seen or their replay.
+void ControlState::TellLive(const Workspace& workspace, Events& events) {
+    if (workspace.Live() == nullptr) return;
+    const LiveLook look{workspace.Live()->IsThere(), workspace.Video() != nullptr, workspace.DoesInkLeave()};
+    if (m_live == look) return;
+    m_live = look;
+    events.push_back(ControlJsonText(
+        {{"event", "live"}, {"there", look.isThere}, {"replay", look.isReplay}, {"inkLeaves", look.inkLeaves}}));
 }
 
 void ControlState::TellInk(const Workspace& workspace, Events& events) {

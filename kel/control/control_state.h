@@ -27,17 +27,25 @@ private:
         std::int64_t out = 0;
         friend bool operator==(const VideoLook&, const VideoLook&) = default;
     };
+    struct LiveLook {
+        bool isThere = false;
+        bool isReplay = false;
+        bool inkLeaves = false;
+        friend bool operator==(const LiveLook&, const LiveLook&) = default;
+    };
     using Events = std::vector<std::string>;
 
     void TellParameters(Workspace& workspace, Events& events);
     void TellChosen(const Workspace& workspace, Events& events);
     void TellVideo(const Workspace& workspace, Events& events);
+    void TellLive(const Workspace& workspace, Events& events);
     void TellInk(const Workspace& workspace, Events& events);
 
     const Workspace* m_workspace = nullptr;             // only compared
     std::vector<std::vector<ParameterValue>> m_values;  // of each plug-in; empty: not told yet
     std::optional<std::size_t> m_chosen;
     std::optional<VideoLook> m_video;
+    std::optional<LiveLook> m_live;
     std::int64_t m_videoField = 0;  // in which it was told last
     std::optional<std::size_t> m_strokes;
     std::int64_t m_strokesField = 0;  // in which they were counted last

@@ -167,7 +167,8 @@ void ContainerInk::Show() {
 }
 
 bool ContainerInk::Recall(const InkEdit& edit) {
-    if (edit.strokes.empty() || !CatchUp()) return false;
+    const bool clears = edit.recall == chalkpane::InkDrawing::Recall::InPlace;
+    if ((edit.strokes.empty() && !clears) || !CatchUp()) return false;
     if (m_follower->Telestrator().IsPointerDown()) return false;
     m_edits.AddRecall(History(), edit, m_host.FieldsRun());
     m_source = {InkEdits::Kind::Recall, m_edits.Done().back().number};
@@ -190,6 +191,13 @@ std::vector<chalkpane::SharedStroke> ContainerInk::Strokes() {
     for (const chalkpane::InkDrawing::Stroke& stroke : m_follower->Telestrator().Drawing()->Strokes())
         strokes.push_back(stroke.ink);
     return strokes;
+}
+
+std::optional<std::vector<chalkpane::SharedStroke>> ContainerInk::SettledStrokes() {
+    if (!CatchUp()) return std::nullopt;
+    const JournaledTelestrator& telestrator = m_follower->Telestrator();
+    if (telestrator.IsPointerDown() || telestrator.HasOpenLine()) return std::nullopt;
+    return Strokes();
 }
 
 std::size_t ContainerInk::StrokesKept() const {

@@ -41,6 +41,8 @@ public:
 
     // The strokes that are on the canvas; of a module that is no telestrator, none.
     [[nodiscard]] std::vector<chalkpane::SharedStroke> Strokes();
+    // The same; nothing while they cannot be told, since one is being drawn or waits for what it becomes.
+    [[nodiscard]] std::optional<std::vector<chalkpane::SharedStroke>> SettledStrokes();
     // How many there are among those that have been followed by now; looks at nothing else.
     [[nodiscard]] std::size_t StrokesKept() const;
 

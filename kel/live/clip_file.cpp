@@ -35,10 +35,7 @@ struct PacketRange {
 };
 
 PacketRange RangeOf(const PacketRing::Held& held, const ClipPart& part) {
-    std::vector<std::int64_t> times;
-    for (const LivePacket& packet : held.packets) times.push_back(packet->pts);
-    std::ranges::sort(times);
-    times.erase(std::unique(times.begin(), times.end()), times.end());
+    const std::vector<std::int64_t> times = FrameTimes(held);
     const auto timeOf = [&](std::int64_t frame) {
         return times[static_cast<std::size_t>(std::clamp<std::int64_t>(frame, 0, std::ssize(times) - 1))];
     };
@@ -123,6 +120,14 @@ private:
 };
 
 }  // namespace
+
+std::vector<std::int64_t> FrameTimes(const PacketRing::Held& held) {
+    std::vector<std::int64_t> times;
+    for (const LivePacket& packet : held.packets) times.push_back(packet->pts);
+    std::ranges::sort(times);
+    times.erase(std::unique(times.begin(), times.end()), times.end());
+    return times;
+}
 
 std::int64_t WriteClip(const PacketRing::Held& held, const ClipPart& part, const std::filesystem::path& file) {
     const PacketRange range = RangeOf(held, part);

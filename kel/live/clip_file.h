@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <vector>
 
 #include "kel/live/packet_ring.h"
 
@@ -14,6 +15,9 @@ struct ClipPart {
     std::int32_t width = 0;  // pixels, of the frames
     std::int32_t height = 0;
 };
+
+// When each frame is shown, in the ring's time, in that order.
+[[nodiscard]] std::vector<std::int64_t> FrameTimes(const PacketRing::Held& held);
 
 // Writes the part as it came, without coding it again, as a Matroska video; it appears whole or not at all. Returns the
 // number that the part's first frame has there: those before it, from a key on, are what it is made from. Throws Error.

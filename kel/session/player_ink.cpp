@@ -108,7 +108,7 @@ bool Player::EditInk(std::size_t container, const InkEdit& edit) {
     if (edit.kind != InkEditKind::Recall || edit.number == 0) return ink.Edit(edit);
     InkEdit recalled = edit;
     recalled.strokes = m_slots[edit.number - 1];
-    return ink.Edit(recalled);
+    return !recalled.strokes.empty() && ink.Edit(recalled);
 }
 
 void Player::PushButton(std::size_t container, const std::string& name) {

@@ -95,6 +95,11 @@ void ShowLive(const Workspace& workspace, const FittedKeys& keys, std::vector<Wo
         if (row.isLit) ImGui::PopStyleColor();
         if (ImGui::IsItemHovered()) ImGui::SetTooltip("Key: %s", keys.ChordOf(row.action).c_str());
     }
+    bool leaves = workspace.DoesInkLeave();
+    if (ImGui::Checkbox("Ink leaves with its moment", &leaves)) asked.push_back(WorkspaceAction::InkLeaves);
+    if (ImGui::IsItemHovered())
+        ImGui::SetTooltip("What is drawn on a replay is seen at that moment alone. Key: %s",
+                          keys.ChordOf(WorkspaceAction::InkLeaves).c_str());
     if (!isReplay) ImGui::Separator();
 }
 

@@ -48,6 +48,7 @@ enum class WorkspaceAction {
     Fade,
     Live,      // back from the replay
     SaveClip,  // of the replay
+    InkLeaves,
     // Nine slots each.
     Keep,
     Recall = Keep + 9,
@@ -95,6 +96,7 @@ inline constexpr auto workspaceActionNames = std::to_array<std::string_view>({"p
                                                                               "fade",
                                                                               "live",
                                                                               "save clip",
+                                                                              "ink leaves",
                                                                               "keep 1",
                                                                               "keep 2",
                                                                               "keep 3",

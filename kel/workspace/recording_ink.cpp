@@ -29,6 +29,7 @@ ordered_json StrokesJson(const InkEdit& edit) {
         record.strokes = {stroke};
         lines.push_back(RecordText(record));
     }
+    if (lines.empty()) lines.push_back("0 clear");  // a list has something in it
     return lines;
 }
 

@@ -25,6 +25,7 @@ Workspace::Workspace(const std::filesystem::path& file, const WorkspaceOptions& 
     : m_file(options.live ? std::filesystem::path(options.live->Name().shown) : file),
       m_conversion(options.videoConversion),
       m_live(options.live),
+      m_inkLeaves(options.inkLeaves),
       m_saver(options.saves),
       m_slots(options.live ? options.saves / liveSaves : file) {
     m_host = std::make_unique<Host>(WindowSize{16, 16}, options.gl);
@@ -44,6 +45,7 @@ Workspace::Workspace(const std::filesystem::path& file, const WorkspaceOptions& 
         if (name.empty()) name = "container " + std::to_string(i + 1);
         m_plugIns.push_back({i, container.id, std::move(name), &container.module->registration});
     }
+    m_momentInk.resize(m_plugIns.size());
     if (!options.recording.empty()) StartRecording(options);
 }
 
@@ -200,7 +202,9 @@ void Workspace::ChangeVideo(const VideoChange& change) {
 }
 
 void Workspace::DoVideo(WorkspaceAction action) {
+    const bool wasReplay = Video() != nullptr;
     if (m_live) DoReplay(action);
+    if (!wasReplay && action == WorkspaceAction::Pause) return;  // it stands already
     if (const VideoShow* video = Video())
         if (const auto change = ChangeFor(action, {video->Clock(), video->FramesPerSecond(), NextField()}))
             ChangeVideo(*change);
@@ -255,6 +259,7 @@ Workspace::WaitingActs Workspace::TakeDueActs() {
 void Workspace::PlayField(int fieldsDue) {
     const std::int64_t field = NextField();
     const WaitingActs acts = TakeDueActs();
+    FollowMoment();
     DeliverEdits(acts.edits);
     for (const PendingChange& change : acts.changes) Deliver(change);
     const std::uint64_t pictureBefore = m_host->PictureNumber();

@@ -15,6 +15,7 @@
 #include "kel/session/player.h"
 #include "kel/workspace/ink_slots.h"
 #include "kel/workspace/keys_table.h"
+#include "kel/workspace/moment_ink.h"
 #include "kel/workspace/picture_saver.h"
 #include "kel/workspace/recording.h"
 #include "kel/workspace/recording_file.h"
@@ -31,6 +32,7 @@ struct WorkspaceOptions {
     std::filesystem::path saves = ".";
     // What is opened instead of a file, with its first picture there (LiveSource::WaitForPicture); null: a file is.
     std::shared_ptr<LiveSource> live;
+    bool inkLeaves = false;  // Workspace::DoesInkLeave, at first
     // Of what is shown; what is saved is exact in any case.
     VideoConversion videoConversion = VideoConversion::Exact;
 };
@@ -128,6 +130,11 @@ public:
     // The live pictures that are open; null: a file is.
     [[nodiscard]] const LiveSource* Live() const { return m_live.get(); }
 
+    // What is drawn on a replay leaves with the moment that it was drawn at, and is there again when that is shown;
+    // otherwise it stays. When it no longer leaves, all of it is there.
+    [[nodiscard]] bool DoesInkLeave() const { return m_inkLeaves; }
+    void SetInkLeaves(bool leaves) { m_inkLeaves = leaves; }
+
     // True: something of the operator has not had its field.
     [[nodiscard]] bool HasWaiting() const { return !m_waiting.empty() || m_host->HasQueuedPointer(); }
 
@@ -171,6 +178,9 @@ private:
     [[nodiscard]] WaitingActs& LastActs();
     [[nodiscard]] WaitingActs TakeDueActs();
     void DeliverEdits(const std::vector<PendingEdit>& edits);
+    [[nodiscard]] MomentInk::Moment NextMoment() const;
+    void FollowMoment();
+    void ShowMoment(std::size_t plugIn);
     bool ShowLive();
     bool ShowLastLive();
     void DoReplay(WorkspaceAction action);
@@ -197,10 +207,13 @@ private:
 
     std::filesystem::path m_file;
     VideoConversion m_conversion;
-    std::shared_ptr<LiveSource> m_live;  // null: a file is open
-    picture_io::Picture m_livePicture;   // memory for the next one
-    PacketRing::Held m_replayed;         // what the replay shows; none: there is none
-    WindowSize m_replayedSize;           // of its first frame, as it came
+    std::shared_ptr<LiveSource> m_live;         // null: a file is open
+    picture_io::Picture m_livePicture;          // memory for the next one
+    PacketRing::Held m_replayed;                // what the replay shows; none: there is none
+    std::vector<std::int64_t> m_replayedTimes;  // of its frames, as the ring has them
+    std::vector<MomentInk> m_momentInk;         // of each plug-in
+    bool m_inkLeaves = false;
+    WindowSize m_replayedSize;  // of its first frame, as it came
     std::unique_ptr<Host> m_host;
     WorkspaceScene m_scene;
     std::unique_ptr<Player> m_player;

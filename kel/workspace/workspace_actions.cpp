@@ -59,6 +59,9 @@ bool DoWithoutDisplay(Workspace& workspace, WorkspaceAction action) {
         case WorkspaceAction::Redo:
             workspace.Redo();
             return true;
+        case WorkspaceAction::InkLeaves:
+            workspace.SetInkLeaves(!workspace.DoesInkLeave());
+            return true;
         default:
             if (DoInk(workspace, action)) return true;
             if (!IsOfVideo(action)) return false;

@@ -52,6 +52,8 @@ void Workspace::BeginReplay() {
         m_player->SetVideo(0, std::move(video));
         m_replayed = std::move(replay.held);
         m_replayedSize = {replay.width, replay.height};
+        m_replayedTimes = FrameTimes(m_replayed);
+        for (MomentInk& ink : m_momentInk) ink.ForgetBefore(m_replayedTimes.front());
     } catch (const cli::Error& error) {
         m_news.emplace_back(error.what());
     }
@@ -62,6 +64,36 @@ void Workspace::EndReplay() {
     m_player->SetVideo(0, nullptr);
     m_replayed = {};
     (void)ShowLastLive();
+}
+
+MomentInk::Moment Workspace::NextMoment() const {
+    if (Video() == nullptr || m_replayedTimes.empty()) return std::nullopt;
+    const std::int64_t last = std::ssize(m_replayedTimes) - 1;
+    return m_replayedTimes[static_cast<std::size_t>(std::clamp<std::int64_t>(VideoFrame(), 0, last))];
+}
+
+// Before anything else of the field, as a session that has it first plays it.
+void Workspace::FollowMoment() {
+    if (!m_live) return;
+    for (std::size_t i = 0; i < m_plugIns.size(); ++i) {
+        const bool isOther = m_inkLeaves ? m_momentInk[i].Shown() != NextMoment() : !m_momentInk[i].IsEmpty();
+        if (isOther && !m_isPressed) ShowMoment(i);
+    }
+}
+
+// A stroke that is being drawn, or waits for what it becomes, is waited for; the ink stays so long.
+void Workspace::ShowMoment(std::size_t plugIn) {
+    const PlugIn& which = m_plugIns[plugIn];
+    const auto onCanvas = m_player->Containers()[which.container].ink->SettledStrokes();
+    if (!onCanvas) return;
+    MomentInk& ink = m_momentInk[plugIn];
+    ink.Note(*onCanvas);
+    InkEdit edit;
+    edit.kind = InkEditKind::Recall;
+    edit.number = 0;
+    edit.recall = chalkpane::InkDrawing::Recall::InPlace;
+    edit.strokes = m_inkLeaves ? ink.Show(NextMoment()) : ink.ShowAll();
+    if (edit.strokes != *onCanvas) DeliverEdits({{plugIn, edit}});
 }
 
 // The clip beside its session, under the next number that is free for both. Writing it is copying some megabytes, which

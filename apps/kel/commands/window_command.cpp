@@ -49,6 +49,7 @@ struct WindowLine {
     std::string osc;
     std::string oscFeedback;
     std::optional<double> replaySeconds;
+    std::string replayInk = "stay";
 };
 
 // For a recording that nobody asked to keep.
@@ -213,6 +214,7 @@ void Window(const WindowLine& line) {
     LiveStreams streams(line.live, line.outputs.isStraight);
     if (streams.AreThere()) options.streams = &streams;
     options.replay = ReplayLimits(line);
+    options.workspace.inkLeaves = line.replayInk == "leave";
     if (isLive) options.workspace.live = ConnectLive(*liveName, options.replay);
     if (isLive && !options.workspace.live) return;
     std::unique_ptr<ControlService> control = OpenDoors(line);
@@ -267,6 +269,10 @@ void AddWindowCommand(CLI::App& program) {
     command->add_option("--replay", line->replaySeconds, "How much of live pictures is kept for a replay (default: 60)")
         ->type_name("SECONDS")
         ->check(CLI::Range(1, 3600));
+    command
+        ->add_option("--replay-ink", line->replayInk,
+                     "With leave what is drawn on a replay is seen at that moment alone; it stays (stay) by default")
+        ->check(CLI::IsMember({"stay", "leave"}));
     CLI::Option* clean =
         command->add_option("--clean-output", line->cleanDisplay,
                             "A second window with the picture alone, filling this display (1, 2, ...)");

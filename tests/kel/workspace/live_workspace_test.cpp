@@ -1,67 +1,21 @@
 #include <doctest/doctest.h>
 
-#include <memory>
 #include <nlohmann/json.hpp>
 
 #include "kel/session/session_inputs.h"
 #include "kel/session/session_lines.h"
-#include "kel/workspace/workspace.h"
 #include "tests/cli/temporary_folder.h"
-#include "tests/kel/live/camera.h"
 #include "tests/kel/pixels.h"
+#include "tests/kel/workspace/live_place.h"
 
 namespace kel {
 namespace {
 
 using cli::testing::TemporaryFolder;
 using testing::Await;
-using testing::Camera;
-
-// A workspace over a camera of grey 128, of 320 x 240.
-class LivePlace {
-public:
-    LivePlace() {
-        camera = CameraOf(320, 240);
-        options.module = CHALKPANE_MODULE;
-        options.recording = folder / "run.json";
-        options.saves = folder.Path();
-        options.live = std::make_shared<LiveSource>(
-            ParseLiveName("tcp://127.0.0.1:" + std::to_string(port) + "?timeout=90000000"));
-        Await("the first picture", [this] { return options.live->WaitForPicture(std::chrono::milliseconds(20)); });
-    }
-
-    // Whoever was there before is gone.
-    [[nodiscard]] std::unique_ptr<Camera> CameraOf(int width, int height) {
-        camera.reset();
-        return std::make_unique<Camera>(
-            Camera::Settings{.address = "tcp://127.0.0.1:" + std::to_string(port) + "?listen",
-                             .format = "nut",
-                             .width = width,
-                             .height = height});
-    }
-
-    TemporaryFolder folder;
-    int port = testing::FreePort();
-    WorkspaceOptions options;
-    std::unique_ptr<Camera> camera;
-};
-
-void DrawAcross(Workspace& workspace) {
-    workspace.Point(PointerKind::Press, 40, 120);
-    workspace.RunFields(1);
-    workspace.Point(PointerKind::Move, 160, 120);
-    workspace.RunFields(1);
-    workspace.Point(PointerKind::Release, 280, 120);
-    workspace.RunFields(100);  // so that it has become what it will
-}
-
-// Until the corner, where nothing is drawn, shows the grey.
-void AwaitCorner(Workspace& workspace, int grey) {
-    Await("the corner's grey", [&] {
-        workspace.RunFields(1);
-        return std::abs(workspace.TheHost().ReadFrame().At(5, 5)[0] - testing::ShownGrey(grey)) <= 4;
-    });
-}
+using testing::AwaitCorner;
+using testing::DrawAcross;
+using testing::LivePlace;
 
 }  // namespace
 
