@@ -12,6 +12,7 @@ namespace {
 
 using chalkpane::InkStroke;
 using Strokes = MomentInk::Strokes;
+using testing::Await;
 using testing::AwaitCorner;
 using testing::DrawAcross;
 using testing::LivePlace;
@@ -41,18 +42,18 @@ TEST_CASE("Ink of a moment is seen near it and nowhere else, and ink of the live
 }
 
 TEST_CASE("What is taken away at a moment is gone from it, and a change of moments that is undone takes nothing away") {
-    const auto first = NewStroke();
-    const auto second = NewStroke();
+    const auto former = NewStroke();
+    const auto latter = NewStroke();
     MomentInk ink;
     CHECK(ink.Show(0).empty());
-    ink.Note({first, second});
-    ink.Note({second});
-    CHECK(ink.Show(60 * kel::second).empty());
-    ink.Note({second});  // what was there before the change: it belongs elsewhere
+    ink.Note({former, latter});
+    ink.Note({latter});
+    CHECK(ink.Show(60 * second).empty());
+    ink.Note({latter});  // what was there before the change: it belongs elsewhere
     CHECK(ink.Show(std::nullopt).empty());
-    CHECK_EQ(ink.Show(0), Strokes{second});
-    CHECK(ink.Show(60 * kel::second).empty());
-    ink.ForgetBefore(30 * kel::second);
+    CHECK_EQ(ink.Show(0), Strokes{latter});
+    CHECK(ink.Show(60 * second).empty());
+    ink.ForgetBefore(30 * second);
     CHECK(ink.Show(0).empty());
 }
 
