@@ -57,10 +57,16 @@ obs_source_info FilterInfo() {
     info.update = [](void* data, obs_data_t* settings) { FilterOf(data).owner.Update(settings); };
     info.save = [](void* data, obs_data_t* settings) { FilterOf(data).owner.Save(settings); };
     info.video_tick = [](void* data, float) {
-        FilterOf(data).owner.Tick(FilterOf(data).Place(), obs_filter_get_parent(FilterOf(data).owner.Source()));
+        PaneOwner& owner = FilterOf(data).owner;
+        obs_source_t* parent = obs_filter_get_parent(owner.Source());
+        Guarded([&] { owner.OfferHotkeys(parent); });
+        owner.Tick(FilterOf(data).Place(), parent);
     };
     info.video_render = DrawOverTarget;
-    info.filter_remove = [](void* data, obs_source_t*) { FilterOf(data).window.Close(); };
+    info.filter_remove = [](void* data, obs_source_t*) {
+        FilterOf(data).window.Close();
+        FilterOf(data).owner.OfferHotkeys(nullptr);
+    };
     info.video_get_color_space = [](void* data, std::size_t count, const gs_color_space* preferred) {
         return obs_source_get_color_space(obs_filter_get_target(FilterOf(data).owner.Source()), count, preferred);
     };

@@ -33,12 +33,9 @@ PaneOwner::PaneOwner(obs_data_t* settings, obs_source_t* source, std::function<v
         blog(LOG_WARNING, "[chalkpane] %s: what was drawn cannot be read: %s", obs_source_get_name(source),
              wrong.c_str());
     Update(settings);
-    RegisterHotkeys();
 }
 
-PaneOwner::~PaneOwner() {
-    for (const Hotkey& hotkey : m_hotkeys) obs_hotkey_unregister(hotkey.id);
-}
+PaneOwner::~PaneOwner() { OfferHotkeys(nullptr); }
 
 void PaneOwner::Update(obs_data_t* settings) {
     Guarded([&] { m_pane->SetValues(ValuesOf(settings)); });
@@ -63,7 +60,11 @@ void PaneOwner::PushButton(const std::string& name) {
     });
 }
 
-void PaneOwner::RegisterHotkeys() {
+void PaneOwner::OfferHotkeys(obs_source_t* of) {
+    if (of == std::exchange(m_offeredBy, of)) return;
+    for (const Hotkey& hotkey : m_hotkeys) obs_hotkey_unregister(hotkey.id);
+    m_hotkeys.clear();
+    if (of == nullptr) return;
     m_hotkeys.reserve(TheHotkeys().size());
     for (const PanelHotkey& what : TheHotkeys()) {
         Hotkey& hotkey = m_hotkeys.emplace_back(Hotkey{this, &what});
@@ -72,7 +73,7 @@ void PaneOwner::RegisterHotkeys() {
             if (isPressed) Guarded([&] { pressed.owner->Do(*pressed.what); });
         };
         const std::string label = "Chalkpane: " + what.label;
-        hotkey.id = obs_hotkey_register_source(m_source, what.id.c_str(), label.c_str(), press, &hotkey);
+        hotkey.id = obs_hotkey_register_source(of, what.id.c_str(), label.c_str(), press, &hotkey);
     }
 }
 

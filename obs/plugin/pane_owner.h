@@ -57,6 +57,9 @@ public:
 
     // By the name of the panel's, or of one of those that are the plug-in's own.
     void PushButton(const std::string& name);
+    // Offers the hotkeys as those of this source, in place of the one before; null: of none. Those of a filter are its
+    // source's, since OBS offers none for filters that are made by others than itself.
+    void OfferHotkeys(obs_source_t* of);
     // Shared with windows to draw in, which may outlive the source.
     [[nodiscard]] const std::shared_ptr<InkPane>& Pane() const { return m_pane; }
     [[nodiscard]] obs_source_t* Source() const { return m_source; }
@@ -68,14 +71,14 @@ private:
         obs_hotkey_id id = OBS_INVALID_HOTKEY_ID;
     };
 
-    void RegisterHotkeys();
     void Do(const PanelHotkey& hotkey);
 
     obs_source_t* m_source;
     std::function<void()> m_openWindow;
     std::shared_ptr<InkPane> m_pane;
     PaneTexture m_texture;
-    std::vector<Hotkey> m_hotkeys;  // never moved once they are registered
+    obs_source_t* m_offeredBy = nullptr;  // only compared with
+    std::vector<Hotkey> m_hotkeys;        // never moved once they are registered
 };
 
 // How an operator's pointer reaches a pane, by the events that OBS sends to a source.

@@ -18,6 +18,7 @@ constexpr int largestSide = 16384;
 struct PaneSource {
     PaneSource(obs_data_t* settings, obs_source_t* source) : owner(settings, source, [this] { OpenWindow(); }) {
         ReadSize(settings);
+        owner.OfferHotkeys(source);
     }
 
     // A side of 0 is that of OBS's own canvas, whatever becomes of that.
