@@ -15,9 +15,9 @@
 #include "picture_io/jpeg_codec.h"
 #include "picture_io/media_codec.h"
 #include "picture_io/oriented.h"
-#include "picture_io/png16_codec.h"
 #include "picture_io/png_codec.h"
 #include "picture_io/png_info.h"
+#include "picture_io/png_reader.h"
 #include "picture_io/png_writer.h"
 
 namespace picture_io {
