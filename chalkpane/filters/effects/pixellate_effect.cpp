@@ -1,11 +1,13 @@
 #include "chalkpane/filters/effects/pixellate_effect.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstring>
 #include <limits>
 #include <vector>
 
+#include "chalkpane/base/call_widest.h"
 #include "chalkpane/base/multi_processor.h"
 #include "chalkpane/filters/work_area.h"
 #include "chalkpane/image/image_rows.h"
@@ -59,47 +61,81 @@ struct PixellateJob {
 
     // Adds up the columns of rows `first` .. `last`, of which there are at most `rowsPerSum`.
     void SumRows(std::int64_t first, std::int64_t last, std::vector<std::uint32_t>& sums) const {
-        std::fill(sums.begin(), sums.end(), 0u);
+        // So many rows of the largest byte fit into 16 bits.
+        constexpr std::int64_t rowsPerWord = 257;
+        const bool fitsWords = sizeof(Channel) == 1 && last - first < rowsPerWord;
+        CallWidest([&] {
+            fitsWords ? SumRowsIn<std::uint16_t>(first, last, sums) : SumRowsIn<std::uint32_t>(first, last, sums);
+        });
+    }
+
+    // A stretch of columns after the other, whose sums stay in registers over all rows.
+    template <typename Sum>
+    [[gnu::always_inline]] inline void SumRowsIn(std::int64_t first, std::int64_t last,
+                                                 std::vector<std::uint32_t>& sums) const {
+        constexpr std::size_t stretch = 64;
         const std::size_t offset = static_cast<std::size_t>(std::int64_t{firstColumn} - source.x0) * channels;
-        for (std::int64_t y = first; y <= last; ++y) {
-            const Channel* const row = ImageRow<F>(source, static_cast<std::int32_t>(y)).data() + offset;
-            std::uint32_t* const sum = sums.data();
-            const std::size_t count = sums.size();
-            for (std::size_t i = 0; i < count; ++i) sum[i] += row[i];
+        const Channel* const top = ImageRow<F>(source, static_cast<std::int32_t>(last)).data() + offset;
+        const std::size_t rowChannels = static_cast<std::size_t>(source.rowBytes) / sizeof(Channel);
+        const std::int64_t rows = last - first + 1;
+        std::size_t i = 0;
+        for (; i + stretch <= sums.size(); i += stretch) {
+            std::array<Sum, stretch> part{};
+            const Channel* row = top + i;
+            for (std::int64_t y = 0; y < rows; ++y, row += rowChannels)
+                for (std::size_t k = 0; k < stretch; ++k) part[k] = static_cast<Sum>(part[k] + row[k]);
+            for (std::size_t k = 0; k < stretch; ++k) sums[i + k] = part[k];
+        }
+        for (; i < sums.size(); ++i) {
+            const Channel* channel = top + i;
+            sums[i] = 0;
+            for (std::int64_t y = 0; y < rows; ++y, channel += rowChannels) sums[i] += *channel;
         }
     }
 
-    // The mean of a block, rounded.
-    template <typename Sum>
+    // The means of a block, rounded.
+    template <std::size_t channelCount, typename Total, typename Sum>
+    static void Divide(const Sum* sums, std::size_t columns, std::uint64_t pixels, Channel* mean) {
+        std::array<Total, channelCount> totals;
+        totals.fill(static_cast<Total>(pixels / 2));
+        for (std::size_t x = 0; x < columns; ++x)
+            for (std::size_t c = 0; c < channelCount; ++c) totals[c] += static_cast<Total>(sums[x * channelCount + c]);
+        for (std::size_t c = 0; c < channelCount; ++c)
+            mean[c] = static_cast<Channel>(totals[c] / static_cast<Total>(pixels));
+    }
+
+    template <std::size_t channelCount, typename Sum>
     void Mean(const std::vector<Sum>& sums, std::int64_t first, std::int64_t last, std::int64_t rows,
-              Channel* pixel) const {
-        const auto count = static_cast<std::uint64_t>((last - first + 1) * rows);
-        for (std::size_t c = 0; c < channels; ++c) {
-            const auto end = static_cast<std::size_t>(last - firstColumn + 1) * channels;
-            std::uint64_t sum = count / 2;
-            for (auto i = static_cast<std::size_t>(first - firstColumn) * channels; i < end; i += channels)
-                sum += sums[i + c];
-            // Narrow divisions are several times as fast, and all but giant blocks are within reach of one.
-            const bool narrow = sum <= std::numeric_limits<std::uint32_t>::max();
-            pixel[c] = static_cast<Channel>(narrow ? static_cast<std::uint32_t>(sum) / static_cast<std::uint32_t>(count)
-                                                   : sum / count);
-        }
+              Channel* mean) const {
+        const Sum* const from = sums.data() + static_cast<std::size_t>(first - firstColumn) * channelCount;
+        const auto columns = static_cast<std::size_t>(last - first + 1);
+        const auto pixels = static_cast<std::uint64_t>(columns) * static_cast<std::uint64_t>(rows);
+        // Narrow divisions are several times as fast, and all but giant blocks are within reach of one.
+        constexpr std::uint64_t narrow = std::numeric_limits<std::uint32_t>::max() / (F::fullScale + 1U) / 4;
+        if (pixels <= narrow)
+            Divide<channelCount, std::uint32_t>(from, columns, pixels, mean);
+        else
+            Divide<channelCount, std::uint64_t>(from, columns, pixels, mean);
     }
 
     // Fills the result's row `y` with the means of its blocks, which have `rows` rows of the source.
-    template <typename Sum>
-    void Paint(const std::vector<Sum>& sums, std::int32_t y, std::int64_t rows) const {
+    template <std::size_t channelCount, typename Sum>
+    void PaintChannels(const std::vector<Sum>& sums, std::int32_t y, std::int64_t rows) const {
         Channel* pixel = ImageRow<F>(result, y).data();
         for (std::int64_t x = result.x0; x <= result.x1;) {
             const std::int64_t block = BlockStart(x, size);
             const std::int64_t first = std::max<std::int64_t>(block, source.x0);
             const std::int64_t last = std::min<std::int64_t>(block + size - 1, source.x1);
-            Channel* const mean = pixel;
-            Mean(sums, first, last, rows, mean);
+            std::array<Channel, channelCount> mean;
+            Mean<channelCount>(sums, first, last, rows, mean.data());
             const std::int64_t end = std::min<std::int64_t>(block + size - 1, result.x1);
-            for (pixel += channels, ++x; x <= end; ++x, pixel += channels)
-                for (std::size_t c = 0; c < channels; ++c) pixel[c] = mean[c];
+            for (; x <= end; ++x, pixel += channelCount) std::memcpy(pixel, mean.data(), sizeof mean);
         }
+    }
+
+    template <typename Sum>
+    void Paint(const std::vector<Sum>& sums, std::int32_t y, std::int64_t rows) const {
+        channels == 1 ? PaintChannels<1>(sums, y, rows) : PaintChannels<4>(sums, y, rows);
     }
 
     void BlockRow(std::int32_t index, std::int32_t worker) {
