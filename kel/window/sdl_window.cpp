@@ -14,6 +14,7 @@
 #include "cli/error.h"
 #include "kel/window/display_refusals.h"
 #include "kel/window/display_scale.h"
+#include "kel/window/full_screen.h"
 #include "kel/window/panel_mouse.h"
 #include "kel/window/panel_style.h"
 #include "kel/window/part_presenter.h"
@@ -55,6 +56,7 @@ public:
         SDL_SetHint(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1");  // the first click draws already
         SDL_SetHint(SDL_HINT_TOUCH_MOUSE_EVENTS, "0");        // fingers come as such (touch_pointer.h)
         if (!HasDisplay()) RefuseWithoutDisplay();
+        PassOverRefusals();  // SDL puts back in its end what it finds now, and hears then of what was refused last
         if (SDL_Init(SDL_INIT_VIDEO) != 0) Refuse("there is no display");
         if (ShowsNothingUnasked()) {
             SDL_Quit();
@@ -118,6 +120,7 @@ struct SdlWindow::Parts {
     PartPresenter presenter;
     PicturePutter putter;
     PanelMouse mouse;
+    FullScreen fullScreen;
 };
 
 SdlWindow::SdlWindow(const std::string& title) : m_parts(std::make_unique<Parts>(title)) {}
@@ -146,13 +149,9 @@ void SdlWindow::Show(WindowSize size) {
 
 void SdlWindow::SetTitle(const std::string& title) { SDL_SetWindowTitle(m_parts->window.get(), title.c_str()); }
 
-bool SdlWindow::IsFullScreen() const {
-    return (SDL_GetWindowFlags(m_parts->window.get()) & SDL_WINDOW_FULLSCREEN_DESKTOP) == SDL_WINDOW_FULLSCREEN_DESKTOP;
-}
+bool SdlWindow::IsFullScreen() const { return m_parts->fullScreen.IsOn(m_parts->window.get()); }
 
-void SdlWindow::SetFullScreen(bool on) {
-    SDL_SetWindowFullscreen(m_parts->window.get(), on ? SDL_WINDOW_FULLSCREEN_DESKTOP : 0);
-}
+void SdlWindow::SetFullScreen(bool on) { m_parts->fullScreen.Set(m_parts->window.get(), on); }
 
 void SdlWindow::TakeForPanel(const SDL_Event& event) {
     ImGui_ImplSDL2_ProcessEvent(&event);

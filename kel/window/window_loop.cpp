@@ -121,6 +121,7 @@ void WindowLoop::OpenInstead(const std::filesystem::path& file, std::shared_ptr<
     m_chooser = {};
     m_isDrawing = false;
     m_painter.ShowAnew();
+    m_isFirstField = true;
     StartPacing();
     FitTheKeys(KeyFit::WhatFits);
     m_window.SetTitle(m_workspace->File().filename().string() + " - kel");
@@ -249,6 +250,8 @@ void WindowLoop::RunDueFields() {
     ShowPicture();
     m_workspace->FollowInk();
     if (m_options.control != nullptr) m_options.control->TellState(*m_workspace);
+    // What is made once, with the first field and its picture, makes no later one late.
+    if (std::exchange(m_isFirstField, false)) StartPacing();
 }
 
 void WindowLoop::RunDueStep() {
@@ -296,8 +299,8 @@ std::vector<LiveFigures> WindowLoop::StreamFigures() const {
 void WindowLoop::Run() {
     m_feed.Start(*m_workspace);
     StartStreams();
-    StartPacing();
     ShowPanel();
+    StartPacing();
     while (!m_isOver) {
         TakeEvents();
         if (m_workspace->IsPlayingSession()) {

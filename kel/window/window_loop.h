@@ -134,6 +134,7 @@ private:
     std::vector<SDL_Event> m_keysUp;
     int m_opened = 1;
     std::int64_t m_givenUp = 0;  // fields that the video knows of
+    bool m_isFirstField = true;  // of what is open, has not been shown
     bool m_isDrawing = false;    // the pointer was pressed on the picture
     bool m_isTailOver = false;   // once the next field has been run
     bool m_isPanning = false;

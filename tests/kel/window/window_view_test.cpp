@@ -244,6 +244,25 @@ std::int32_t WidthOfPanel(testing::ScreenSize screen) {
 
 }  // namespace
 
+TEST_CASE("Full screen has all of the display's own pixels, and gives the window back as it was") {
+    PaperWindow window;
+    const auto place = [&] { return window.display.FindWindow("paper.png - kel").value_or(testing::WindowPlace()); };
+    const testing::WindowPlace before = place();
+    const auto isAt = [&](std::int32_t x, std::int32_t y, std::int32_t width, std::int32_t height) {
+        const testing::WindowPlace now = place();
+        return now.x == x && now.y == y && now.width == width && now.height == height;
+    };
+    window.display.TypeKey("f");
+    WaitUntil("it fills the screen", [&] { return isAt(0, 0, 1600, 1000); });
+    // Beside the panel of 360 pixels there are 1240 for the paper of 1200 x 900.
+    WaitUntil("the picture has grown with it", [&] {
+        const PictureArea area = FindPaper(window.display.Screen());
+        return area.width == 1240 && area.height == 930;
+    });
+    window.display.TypeKey("Escape");
+    WaitUntil("the window is back", [&] { return isAt(before.x, before.y, before.width, before.height); });
+}
+
 TEST_CASE("The panel is as large on a fine screen as on a usual one, and a strip on a small one") {
     CHECK_EQ(WidthOfPanel({1600, 1000, 96}), 360);
     CHECK_EQ(WidthOfPanel({2400, 1400, 192}), 720);
