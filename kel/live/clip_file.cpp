@@ -32,6 +32,7 @@ struct PacketRange {
     std::size_t begin = 0;
     std::size_t end = 0;  // behind the last
     std::int64_t firstShown = 0;
+    std::int64_t lastShown = 0;
 };
 
 PacketRange RangeOf(const PacketRing::Held& held, const ClipPart& part) {
@@ -41,10 +42,11 @@ PacketRange RangeOf(const PacketRing::Held& held, const ClipPart& part) {
     };
     PacketRange range;
     range.firstShown = timeOf(part.first);
+    range.lastShown = timeOf(part.last);
     for (std::size_t i = 0; i < held.packets.size(); ++i) {
         const AVPacket& packet = *held.packets[i];
         if ((packet.flags & AV_PKT_FLAG_KEY) != 0 && packet.pts <= range.firstShown) range.begin = i;
-        if (packet.pts <= timeOf(part.last)) range.end = i + 1;
+        if (packet.pts <= range.lastShown) range.end = i + 1;
     }
     range.end = std::max(range.end, range.begin + 1);
     return range;
@@ -70,30 +72,37 @@ void TakeExtraData(const AVPacket& key, AVCodecParameters& codec) {
     codec.extradata_size = static_cast<int>(size);
 }
 
+// MPEG-TS cuts sound otherwise than a file has it, and does not say its rate.
+bool CanHaveSound(const PacketRing::Held& held) {
+    if (!held.soundCodec || held.sound.empty()) return false;
+    const AVCodecParameters& codec = *held.soundCodec;
+    const AVOutputFormat* const format = av_guess_format("matroska", nullptr, nullptr);
+    return codec.sample_rate > 0 && codec.ch_layout.nb_channels > 0 &&
+           avformat_query_codec(format, codec.codec_id, FF_COMPLIANCE_NORMAL) == 1;
+}
+
 class ClipWriter {
 public:
     ClipWriter(const std::filesystem::path& file, const PacketRing::Held& held, const ClipPart& part,
                const AVPacket& key)
         : m_file(file), m_output(NewOutput()) {
-        AVStream* const stream = avformat_new_stream(m_output.get(), nullptr);
-        if (stream == nullptr || avcodec_parameters_copy(stream->codecpar, held.codec.get()) < 0)
-            throw std::bad_alloc();
-        stream->codecpar->codec_tag = 0;  // another container's word for it
-        stream->codecpar->width = part.width;
-        stream->codecpar->height = part.height;
-        stream->time_base = liveUnit;
-        TakeExtraData(key, *stream->codecpar);
+        AVCodecParameters& pictures = AddStream(*held.codec);
+        pictures.width = part.width;
+        pictures.height = part.height;
+        TakeExtraData(key, pictures);
+        if (CanHaveSound(held)) (void)AddStream(*held.soundCodec);
         Check(avio_open(&m_output->pb, ("file:" + m_file.Temporary().string()).c_str(), AVIO_FLAG_WRITE));
         Check(avformat_write_header(m_output.get(), nullptr));
     }
 
-    void Write(const AVPacket& packet, std::int64_t begin) {
+    // stream: 0 for pictures, 1 for sound
+    void Write(int stream, const AVPacket& packet, std::int64_t begin) {
         const AvPacket written(av_packet_clone(&packet));
         if (!written) throw std::bad_alloc();
-        written->stream_index = 0;
+        written->stream_index = stream;
         written->pts -= begin;
         written->dts -= begin;
-        av_packet_rescale_ts(written.get(), liveUnit, m_output->streams[0]->time_base);
+        av_packet_rescale_ts(written.get(), liveUnit, m_output->streams[stream]->time_base);
         Check(av_interleaved_write_frame(m_output.get(), written.get()));
     }
 
@@ -111,6 +120,13 @@ private:
         if (avformat_alloc_output_context2(&output, nullptr, "matroska", nullptr) < 0) throw std::bad_alloc();
         return ClipOutput(output);
     }
+    AVCodecParameters& AddStream(const AVCodecParameters& codec) {
+        AVStream* const stream = avformat_new_stream(m_output.get(), nullptr);
+        if (stream == nullptr || avcodec_parameters_copy(stream->codecpar, &codec) < 0) throw std::bad_alloc();
+        stream->codecpar->codec_tag = 0;  // another container's word for it
+        stream->time_base = liveUnit;
+        return *stream->codecpar;
+    }
     void Check(int result) const {
         if (result < 0) throw cli::Error(m_file.File().string(), {}, "cannot be written: " + AvReason(result));
     }
@@ -118,6 +134,18 @@ private:
     cli::StagedFile m_file;
     ClipOutput m_output;  // closed before the file goes
 };
+
+// That is heard between two times of the pictures; each packet later than the one before, whatever the stream said.
+void WriteSound(ClipWriter& writer, const PacketRing::Held& held, std::int64_t begin, std::int64_t end) {
+    if (!CanHaveSound(held)) return;
+    constexpr std::int64_t rounding = 1000;  // microseconds, of two streams' units
+    std::int64_t last = begin - rounding;
+    for (const LivePacket& packet : held.sound) {
+        if (packet->pts <= last || packet->pts > end) continue;
+        writer.Write(1, *packet, std::min(begin, packet->pts));
+        last = packet->pts;
+    }
+}
 
 }  // namespace
 
@@ -134,11 +162,14 @@ std::int64_t WriteClip(const PacketRing::Held& held, const ClipPart& part, const
     const AVPacket& key = *held.packets[range.begin];
     ClipWriter writer(file, held, part, key);
     std::vector<std::int64_t> before;
+    std::int64_t end = key.pts;
     for (std::size_t i = range.begin; i < range.end; ++i) {
         const AVPacket& packet = *held.packets[i];
-        writer.Write(packet, key.dts);
+        writer.Write(0, packet, key.dts);
+        if (packet.pts <= range.lastShown) end = std::max(end, packet.pts);
         if (packet.pts < range.firstShown) before.push_back(packet.pts);
     }
+    WriteSound(writer, held, key.dts, end);
     writer.Finish();
     std::ranges::sort(before);
     return std::unique(before.begin(), before.end()) - before.begin();

@@ -74,17 +74,22 @@ int LiveInput::Open() {
     av_dict_free(&options);
     if (result < 0) return Told(result);
     m_input.reset(input);
-    m_stream = -1;
+    m_stream = m_sound = -1;
+    m_hasPicture = true;
     // Looking for the end of a picture in the beginning of the next one shows each a picture later. In this container
     // a packet is one already.
     if (std::string_view(input->iformat->name) == "mpegts") input->flags |= AVFMT_FLAG_NOPARSE | AVFMT_FLAG_NOFILLIN;
     return 0;
 }
 
-// The first pictures that come are those that are shown. Streams may be found only while they are read.
+// The first pictures that come are those that are shown, and the first sound beside them is theirs. Streams may be
+// found only while they are read.
 bool LiveInput::Choose(const AVPacket& packet) {
-    if (m_stream >= 0) return packet.stream_index == m_stream;
     const AVStream& stream = *m_input->streams[packet.stream_index];
+    if (m_stream >= 0) {
+        if (m_sound < 0 && stream.codecpar->codec_type == AVMEDIA_TYPE_AUDIO) m_sound = packet.stream_index;
+        return packet.stream_index == m_stream || packet.stream_index == m_sound;
+    }
     const bool isPictures =
         stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO && (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) == 0;
     if (isPictures) m_stream = packet.stream_index;
@@ -102,7 +107,7 @@ void LiveInput::MarkKey(AVPacket& packet) {
 
 int LiveInput::Read(AVPacket& packet) {
     // Sound alone, or nothing that is whole, is silence too.
-    Allow(longestSilence);
+    if (m_hasPicture) Allow(longestSilence);
     for (;;) {
         av_packet_unref(&packet);
         if (IsOver(this) != 0) return Told(AVERROR_EXIT);
@@ -113,7 +118,8 @@ int LiveInput::Read(AVPacket& packet) {
         }
         if (result < 0) return Told(result);
         if (packet.size == 0 || !Choose(packet)) continue;
-        MarkKey(packet);
+        m_hasPicture = SoundOf(packet) == nullptr;
+        if (m_hasPicture) MarkKey(packet);
         return 0;
     }
 }

@@ -23,9 +23,13 @@ public:
 
     // A negative result says why not; AVERROR_EXIT when the flag ended it.
     int Open();
-    // The next packet of the pictures; the same results, and AVERROR_EOF at the end.
+    // The next packet of the pictures or of their sound; the same results, and AVERROR_EOF at the end.
     int Read(AVPacket& packet);
     [[nodiscard]] const AVStream& Pictures() const { return *m_input->streams[m_stream]; }  // after Read
+    // The stream of a packet that was just read, if that is the sound's; null: it is the pictures'.
+    [[nodiscard]] const AVStream* SoundOf(const AVPacket& packet) const {
+        return packet.stream_index == m_sound ? m_input->streams[m_sound] : nullptr;
+    }
 
 private:
     static int IsOver(void* self);
@@ -38,7 +42,9 @@ private:
     const LiveName m_name;
     const std::atomic<bool>& m_ends;
     std::chrono::steady_clock::time_point m_deadline;
-    int m_stream = -1;  // none chosen yet
+    int m_stream = -1;         // none chosen yet
+    int m_sound = -1;          // likewise
+    bool m_hasPicture = true;  // and no sound, what was read last
     std::optional<KeyFinder> m_keys;
     AVCodecID m_keysCodec = AV_CODEC_ID_NONE;
     AvInput m_input;  // last: it calls back

@@ -35,7 +35,8 @@ bool IsSameCodec(const AVCodecParameters& left, const AVCodecParameters& right) 
         return std::span<const std::uint8_t>(each.extradata, static_cast<std::size_t>(each.extradata_size));
     };
     return left.codec_id == right.codec_id && left.format == right.format && left.width == right.width &&
-           left.height == right.height && std::ranges::equal(extra(left), extra(right));
+           left.height == right.height && left.sample_rate == right.sample_rate &&
+           left.ch_layout.nb_channels == right.ch_layout.nb_channels && std::ranges::equal(extra(left), extra(right));
 }
 
 // No second try makes it better.
@@ -73,6 +74,7 @@ public:
 private:
     void OpenAndRead();
     int ReadAll(LiveInput& input);
+    void TakeSound(const AVStream& stream, const AVPacket& packet);
     void TakePacket(const LiveInput& input, const AVPacket& packet);
     void NoteThere(const LiveInput& input);
     void NoteLost(int result);
@@ -81,8 +83,9 @@ private:
     const LiveName m_name;
     const std::shared_ptr<PacketRing> m_ring;
     const std::shared_ptr<LiveNews> m_news;
-    StreamTimes m_times;  // of the thread, as the next two are
+    StreamTimes m_times;  // of the thread, as the next three are
     LiveCodec m_codec;
+    LiveCodec m_soundCodec;
     bool m_wasThere = false;
     std::atomic<double> m_framesPerSecond = 0;
     std::atomic<bool> m_ends = false;
@@ -145,8 +148,23 @@ int LiveReader::Work::ReadAll(LiveInput& input) {
         const int result = input.Read(*packet);
         if (result < 0) return result;
         if (isFirst) NoteThere(input);
-        TakePacket(input, *packet);
+        if (const AVStream* const sound = input.SoundOf(*packet))
+            TakeSound(*sound, *packet);
+        else
+            TakePacket(input, *packet);
     }
+}
+
+// Sound whose time is not that of the pictures is none of theirs.
+void LiveReader::Work::TakeSound(const AVStream& stream, const AVPacket& packet) {
+    const auto said = LiveTime(packet.pts == AV_NOPTS_VALUE ? packet.dts : packet.pts, stream.time_base);
+    const auto time = said ? m_times.At(*said) : std::nullopt;
+    if (!time) return;
+    if (!m_soundCodec || !IsSameCodec(*m_soundCodec, *stream.codecpar)) {
+        m_soundCodec = CopyCodec(*stream.codecpar);
+        m_ring->BeginSound(m_soundCodec);
+    }
+    m_ring->AddSound(CopyPacket(packet, *time, *time));
 }
 
 void LiveReader::Work::TakePacket(const LiveInput& input, const AVPacket& packet) {

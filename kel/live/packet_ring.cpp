@@ -40,6 +40,7 @@ void PacketRing::Begin(LiveCodec codec) {
     const std::lock_guard lock(m_mutex);
     m_first += static_cast<std::int64_t>(m_packets.size());
     m_packets.clear();
+    DropSound();
     m_bytes = 0;
     m_codec = std::move(codec);
 }
@@ -53,6 +54,42 @@ void PacketRing::Add(LivePacket packet) {
         Drop();
     }
     m_changed.notify_all();
+}
+
+void PacketRing::BeginSound(LiveCodec codec) {
+    const std::lock_guard lock(m_mutex);
+    while (!m_sound.empty()) DropFirstSound();
+    m_soundCodec = std::move(codec);
+}
+
+void PacketRing::AddSound(LivePacket packet) {
+    constexpr std::size_t share = 4;  // of the memory, a part of so many
+    const std::lock_guard lock(m_mutex);
+    if (m_packets.empty()) return;
+    m_bytes += BytesOf(*packet);
+    m_soundBytes += BytesOf(*packet);
+    m_sound.push_back(std::move(packet));
+    while (m_soundBytes > m_limits.bytes / share) DropFirstSound();
+}
+
+void PacketRing::DropFirstSound() {
+    m_bytes -= BytesOf(*m_sound.front());
+    m_soundBytes -= BytesOf(*m_sound.front());
+    m_sound.pop_front();
+    ++m_firstSound;
+}
+
+// All that is heard before the first picture.
+void PacketRing::DropSound() {
+    while (!m_sound.empty() && (m_packets.empty() || m_sound.front()->pts < m_packets.front()->pts)) DropFirstSound();
+}
+
+std::vector<LivePacket> PacketRing::TakeSound(std::int64_t& number, LiveCodec& codec) const {
+    const std::lock_guard lock(m_mutex);
+    codec = m_soundCodec;
+    const std::int64_t end = m_firstSound + std::ssize(m_sound);
+    const std::int64_t from = std::clamp(std::exchange(number, end), m_firstSound, end);
+    return {m_sound.begin() + (from - m_firstSound), m_sound.end()};
 }
 
 void PacketRing::End() {
@@ -72,6 +109,7 @@ void PacketRing::DropFirst() {
     m_bytes -= BytesOf(*m_packets.front());
     m_packets.pop_front();
     ++m_first;
+    DropSound();
 }
 
 // Up to the next key, as nothing can be decoded before it. The seconds are kept whole: a key goes when there are as
@@ -108,8 +146,8 @@ PacketRing::Next PacketRing::Take(std::int64_t number, std::int64_t mostWaiting)
 
 PacketRing::Held PacketRing::Hold() const {
     const std::lock_guard lock(m_mutex);
-    if (m_packets.empty() || !IsKey(*m_packets.front())) return {{}, m_codec};
-    return {{m_packets.begin(), m_packets.end()}, m_codec};
+    if (m_packets.empty() || !IsKey(*m_packets.front())) return {{}, m_codec, {}, {}};
+    return {{m_packets.begin(), m_packets.end()}, m_codec, {m_sound.begin(), m_sound.end()}, m_soundCodec};
 }
 
 PacketRing::Figures PacketRing::Size() const {

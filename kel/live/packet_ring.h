@@ -34,6 +34,10 @@ public:
     // Whatever was there is of no use with what comes: it is coded otherwise.
     void Begin(LiveCodec codec);
     void Add(LivePacket packet);
+    // The sound that goes with them, in its order; likewise. It is kept as long as they are, and is passed over where
+    // it takes more than a share of the memory.
+    void BeginSound(LiveCodec codec);
+    void AddSound(LivePacket packet);
     // Nothing waits for a packet any more.
     void End();
 
@@ -51,8 +55,13 @@ public:
     struct Held {
         std::vector<LivePacket> packets;  // the first of them a key; none: there is none yet
         LiveCodec codec;
+        std::vector<LivePacket> sound;
+        LiveCodec soundCodec;  // null: there is no sound
     };
     [[nodiscard]] Held Hold() const;
+    // The sound from that number on, counted from the first packet that ever came, which is then the next one's. It is
+    // all that there is of it: nobody waits.
+    [[nodiscard]] std::vector<LivePacket> TakeSound(std::int64_t& number, LiveCodec& codec) const;
 
     struct Figures {
         double seconds = 0;
@@ -63,6 +72,8 @@ public:
 private:
     void Drop();
     void DropFirst();
+    void DropSound();
+    void DropFirstSound();
     [[nodiscard]] double Seconds() const;
     [[nodiscard]] std::int64_t LastKeyAfter(std::int64_t number) const;
 
@@ -72,7 +83,11 @@ private:
     std::deque<LivePacket> m_packets;  // guarded by m_mutex, as is all below
     LiveCodec m_codec;
     std::int64_t m_first = 0;  // the number of the first packet
-    std::size_t m_bytes = 0;
+    std::size_t m_bytes = 0;   // of pictures and sound
+    std::deque<LivePacket> m_sound;
+    LiveCodec m_soundCodec;
+    std::int64_t m_firstSound = 0;
+    std::size_t m_soundBytes = 0;
     bool m_isOver = false;
 };
 

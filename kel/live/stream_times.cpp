@@ -34,4 +34,10 @@ StreamTimes::Times StreamTimes::Next(std::optional<std::int64_t> decoded, std::o
     return {m_last, m_last + reordering};
 }
 
+std::optional<std::int64_t> StreamTimes::At(std::int64_t said) const {
+    const std::int64_t time = Clamped(said) + m_offset;
+    if (m_last < 0 || m_isBroken || time < m_last - farthestJump || time > m_last + farthestJump) return std::nullopt;
+    return time;
+}
+
 }  // namespace kel

@@ -17,6 +17,9 @@ public:
     //   arrived         when it came, on a clock that goes on
     [[nodiscard]] Times Next(std::optional<std::int64_t> decoded, std::optional<std::int64_t> shown,
                              std::int64_t arrived);
+    // Another time of the same stream, such as that of its sound, as the pictures' are made; nothing: it is far from
+    // theirs.
+    [[nodiscard]] std::optional<std::int64_t> At(std::int64_t said) const;
     // The next packet is of another stream: its times begin where it comes.
     void Break() { m_isBroken = true; }
 

@@ -1,27 +1,16 @@
 #include "kel/video/sound_reader.h"
 
-extern "C" {
-#include <libswresample/swresample.h>
-}
-
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <new>
 #include <vector>
 
 #include "cli/error.h"
 #include "kel/video/av_objects.h"
+#include "kel/video/stereo_resampler.h"
 #include "kel/video/video_file.h"
 
 namespace kel {
-namespace {
-
-struct FreeResampler {
-    void operator()(SwrContext* resampler) const { swr_free(&resampler); }
-};
-
-}  // namespace
 
 // What SoundReader is made of.
 class SoundDecoder {
@@ -34,16 +23,14 @@ public:
 
 private:
     void OpenCodec();
-    void OpenResampler();
     bool DecodeMore();
     void Place(double seconds);
-    void Append(const AVFrame& frame);
 
     VideoFile m_file;
     AvCodec m_codec;
     AvPacket m_packet;
     AvFrame m_frame;
-    std::unique_ptr<SwrContext, FreeResampler> m_resampler;
+    StereoResampler m_resampler;
     std::vector<float> m_waiting;  // decoded, from m_taken on not read yet
     std::size_t m_taken = 0;
     double m_sought = 0;      // seconds; what is decoded before it is passed over
@@ -67,22 +54,12 @@ void SoundDecoder::OpenCodec() {
     if (result < 0) m_file.Refuse("has sound that cannot be decoded: " + AvReason(result));
 }
 
-void SoundDecoder::OpenResampler() {
-    AVChannelLayout stereo = AV_CHANNEL_LAYOUT_STEREO;
-    SwrContext* resampler = nullptr;
-    const auto format = static_cast<AVSampleFormat>(m_frame->format);
-    const int result = swr_alloc_set_opts2(&resampler, &stereo, AV_SAMPLE_FMT_FLT, SoundReader::samplesPerSecond,
-                                           &m_frame->ch_layout, format, m_frame->sample_rate, 0, nullptr);
-    m_resampler.reset(resampler);
-    if (result < 0 || swr_init(m_resampler.get()) < 0) m_file.Refuse("has sound that cannot be played");
-}
-
 void SoundDecoder::Seek(double seconds) {
     m_waiting.clear();
     m_taken = 0;
     m_sought = std::max(seconds, 0.0);
     m_isPlaced = false;
-    m_resampler.reset();
+    m_resampler.Break();
     avcodec_flush_buffers(m_codec.get());
     const double start = m_file.PicturesBegin();
     if (!m_file.Seek(static_cast<std::int64_t>(std::floor((m_sought + start) / m_file.SecondsPerUnit()))))
@@ -95,17 +72,6 @@ void SoundDecoder::Place(double seconds) {
     const double ahead = std::clamp(seconds - m_sought, 0.0, longestSilence);
     m_waiting.assign(SoundReader::channels * static_cast<std::size_t>(ahead * SoundReader::samplesPerSecond), 0.0F);
     m_isPlaced = true;
-}
-
-void SoundDecoder::Append(const AVFrame& frame) {
-    const int most = swr_get_out_samples(m_resampler.get(), frame.nb_samples);
-    if (most <= 0) return;
-    const std::size_t before = m_waiting.size();
-    m_waiting.resize(before + SoundReader::channels * static_cast<std::size_t>(most));
-    auto* out = reinterpret_cast<std::uint8_t*>(m_waiting.data() + before);
-    const int count = swr_convert(m_resampler.get(), &out, most, const_cast<const std::uint8_t**>(frame.extended_data),
-                                  frame.nb_samples);
-    m_waiting.resize(before + SoundReader::channels * static_cast<std::size_t>(std::max(count, 0)));
 }
 
 // False: the sound is over.
@@ -124,10 +90,9 @@ bool SoundDecoder::DecodeMore() {
                                        m_file.PicturesBegin();
         const double end = start + static_cast<double>(m_frame->nb_samples) / std::max(m_frame->sample_rate, 1);
         if (!m_isPlaced && end <= m_sought) continue;
-        if (!m_resampler) OpenResampler();
         const bool isFirst = !m_isPlaced;
         if (isFirst) Place(start);
-        Append(*m_frame);
+        if (!m_resampler.Append(*m_frame, m_waiting)) m_file.Refuse("has sound that cannot be played");
         if (isFirst && start < m_sought) {
             const auto cut = static_cast<std::size_t>((m_sought - start) * SoundReader::samplesPerSecond);
             m_taken = std::min(SoundReader::channels * cut, m_waiting.size());

@@ -129,11 +129,13 @@ void WindowLoop::OpenInstead(const std::filesystem::path& file, std::shared_ptr<
 
 void WindowLoop::OpenSound() {
     m_sound.reset();
+    m_liveSound = m_workspace->Live() == nullptr ? nullptr : std::make_unique<LiveSound>();
     if (m_workspace->Video() != nullptr) m_sound = std::make_unique<VideoSound>(m_workspace->VideoFile());
 }
 
 // Faster and slower than it was taken there is none.
 void WindowLoop::FollowWithSound() {
+    if (m_liveSound) m_liveSound->Follow(m_workspace->Live()->Ring(), !m_isMuted && m_workspace->Video() == nullptr);
     const VideoShow* video = m_workspace->Video();
     if (!m_sound || video == nullptr) return;
     const VideoClock& clock = video->Clock();

@@ -15,6 +15,7 @@
 #include "kel/window/key_fill_output.h"
 #include "kel/window/live_feed.h"
 #include "kel/window/live_opening.h"
+#include "kel/window/live_sound.h"
 #include "kel/window/open_page.h"
 #include "kel/window/panel.h"
 #include "kel/window/sdl_window.h"
@@ -124,7 +125,8 @@ private:
     std::unique_ptr<CleanOutput> m_clean;      // null: there is none
     std::unique_ptr<KeyFillOutput> m_keyFill;  // likewise
     StatusLine m_status;
-    std::unique_ptr<VideoSound> m_sound;  // null: no video is open
+    std::unique_ptr<VideoSound> m_sound;     // null: no video is open
+    std::unique_ptr<LiveSound> m_liveSound;  // null: no live pictures are
     bool m_isMuted = false;
     SecondRate m_pictures;
     PenTimes m_pen;

@@ -65,6 +65,7 @@ public:
         int height = 48;
         int grey = 128;          // 16 to 235, of video
         bool isDamaged = false;  // bytes of every packet are wrong
+        std::int16_t level = 0;  // of the sound, which does not change; 0: there is none
     };
     explicit Camera(Settings settings) : m_settings(std::move(settings)), m_thread([this] { Send(); }) {}
     ~Camera() {
@@ -140,6 +141,32 @@ private:
         for (int i = 5; i < packet.size; i += 7) packet.data[i] ^= static_cast<std::uint8_t>(i * 37);
     }
 
+    static void AddSound(AVFormatContext& output) {
+        AVStream* stream = avformat_new_stream(&output, nullptr);
+        stream->codecpar->codec_type = AVMEDIA_TYPE_AUDIO;
+        stream->codecpar->codec_id = AV_CODEC_ID_PCM_S16LE;
+        stream->codecpar->format = AV_SAMPLE_FMT_S16;
+        stream->codecpar->sample_rate = 48000;
+        stream->codecpar->ch_layout = AV_CHANNEL_LAYOUT_STEREO;
+        stream->time_base = {1, 48000};
+    }
+
+    // As long as a picture.
+    void SendSound(AVFormatContext& output, std::int64_t picture) const {
+        if (m_settings.level == 0) return;
+        constexpr int samples = 48000 / 50;  // of each channel
+        const AvPacket packet = NewPacket();
+        av_new_packet(packet.get(), samples * 4);
+        for (int i = 0; i < packet->size; ++i)
+            packet->data[i] = static_cast<std::uint8_t>(m_settings.level >> (i % 2 == 0 ? 0 : 8));
+        packet->stream_index = 1;
+        packet->pts = packet->dts = picture * samples;
+        packet->duration = samples;
+        packet->flags |= AV_PKT_FLAG_KEY;
+        av_packet_rescale_ts(packet.get(), {1, 48000}, output.streams[1]->time_base);
+        av_write_frame(&output, packet.get());
+    }
+
     void Send() {
         const auto output = OpenOutput();
         if (!output) return;
@@ -148,6 +175,7 @@ private:
         avcodec_parameters_from_context(stream->codecpar, codec.get());
         stream->time_base = codec->time_base;
         stream->avg_frame_rate = codec->framerate;
+        if (m_settings.level != 0) AddSound(*output);
         if (avformat_write_header(output.get(), nullptr) < 0) return;
         const AvFrame frame = NewFrame();
         frame->format = AV_PIX_FMT_YUV420P;
@@ -164,6 +192,7 @@ private:
                 av_packet_rescale_ts(packet.get(), codec->time_base, stream->time_base);
                 if (av_write_frame(output.get(), packet.get()) < 0) return;
             }
+            SendSound(*output, time);
             ++m_sent;
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
         }

@@ -6,6 +6,8 @@
 #include "kel/live/clip_file.h"
 #include "kel/live/held_packets.h"
 #include "kel/live/live_source.h"
+#include "kel/video/packet_sound.h"
+#include "kel/video/sound_reader.h"
 #include "kel/video/video_file.h"
 #include "kel/video/video_reader.h"
 #include "tests/cli/temporary_folder.h"
@@ -114,6 +116,60 @@ TEST_CASE("Of a ring in which nothing is held there is no replay") {
     const PacketRing ring({60, 1U << 20U});
     CHECK_EQ(cli::testing::Thrown([&] { const HeldPackets held("srt://camera:9000", ring.Hold(), 25); }),
              "srt://camera:9000: nothing is kept yet");
+}
+
+TEST_CASE("The sound of live pictures is kept with them, and a clip has it as it came") {
+    constexpr std::int16_t level = 8000;
+    const cli::testing::TemporaryFolder folder;
+    const int port = testing::FreePort();
+    const std::string address = "tcp://127.0.0.1:" + std::to_string(port);
+    const testing::Camera camera({.address = address + "?listen", .format = "nut", .level = level});
+    LiveSource source(ParseLiveName(address));
+    testing::Await("a second and a half", [&] { return source.Ring().Size().seconds > 1.5; });
+    std::int64_t number = 0;
+    LiveCodec codec;
+    const std::vector<LivePacket> packets = source.Ring().TakeSound(number, codec);
+    REQUIRE_FALSE(packets.empty());
+    CHECK(source.Ring().TakeSound(number, codec).size() < packets.size());  // the same are not taken twice
+    PacketSound decoder(*codec);
+    std::vector<float> samples;
+    decoder.Decode(*packets.front(), samples);
+    CHECK_EQ(samples.size(), 2 * 960);
+    CHECK_EQ(samples.front(), static_cast<float>(level) / 32768);
+
+    const PacketRing::Held held = source.HoldReplay().held;
+    CHECK_LE(held.packets.front()->pts, held.sound.front()->pts);
+    // What a stream says at its very beginning may be no times yet.
+    (void)WriteClip(held, {20, 39, width, height}, folder / "clip.mkv");
+    const auto sound = SoundReader::Open(folder / "clip.mkv");
+    REQUIRE(sound);
+    std::vector<float> heard(2 * 48000);
+    const std::size_t count = sound->Read(heard);
+    // Twenty pictures of a fiftieth of a second each, and what is needed before the first of them.
+    CHECK_GE(count, 20 * 960 - 3 * 960);
+    // But for the silence until the first of it, which is less than three pictures long.
+    const auto end = heard.begin() + static_cast<std::ptrdiff_t>(2 * count);
+    const auto begin = std::find(heard.begin(), end, static_cast<float>(level) / 32768);
+    CHECK_LT(begin - heard.begin(), 2 * 3 * 960);
+    CHECK_EQ(std::count(begin, end, static_cast<float>(level) / 32768), end - begin);
+}
+
+TEST_CASE("Sound that takes more than its share of the memory, or has no pictures, is not kept") {
+    PacketRing ring({60, 1U << 16U});
+    const AvPacket packet = NewPacket();
+    av_new_packet(packet.get(), 4000);
+    ring.AddSound(CopyPacket(*packet, 0, 0));
+    CHECK_EQ(ring.Size().bytes, 0);
+    packet->flags |= AV_PKT_FLAG_KEY;
+    ring.Begin(LiveCodec());
+    ring.Add(CopyPacket(*packet, 0, 0));
+    for (std::int64_t time = 0; time < 100; ++time) ring.AddSound(CopyPacket(*packet, time, time));
+    CHECK_LE(ring.Size().bytes, (1U << 14U) + 4000 + sizeof(AVPacket));
+    CHECK_FALSE(ring.Hold().sound.empty());
+    // Pictures take it with them when they go.
+    for (std::int64_t second = 1; second < 70; ++second)
+        ring.Add(CopyPacket(*packet, second * 1'000'000, second * 1'000'000));
+    CHECK(ring.Hold().sound.empty());
 }
 
 }  // namespace kel

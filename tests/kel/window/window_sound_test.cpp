@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <set>
 
+#include "tests/kel/live/camera.h"
 #include "tests/kel/video/counted_video.h"
 #include "tests/kel/video/sounding_video.h"
 #include "tests/kel/window/kel_window.h"
@@ -60,6 +61,16 @@ TEST_CASE("A film is heard as it plays, second by second, and nothing else is") 
     const std::set<int> seconds{testing::LevelOfSecond(0), testing::LevelOfSecond(1), testing::LevelOfSecond(2),
                                 testing::LevelOfSecond(3)};
     for (const int level : sound.Levels()) CHECK(seconds.contains(level));
+}
+
+TEST_CASE("A camera is heard as it comes") {
+    KelWindow window;
+    const SoundIntoFile sound(window.folder / "heard.raw");
+    const std::string address = "tcp://127.0.0.1:" + std::to_string(testing::FreePort());
+    const testing::Camera camera({.address = address + "?listen", .format = "nut", .level = 8000});
+    window.Start({address});
+    WaitUntil("it is heard", [&] { return !sound.Levels().empty(); });
+    CHECK_EQ(sound.Levels(), std::set<int>{8000});
 }
 
 }  // namespace kel
