@@ -96,12 +96,11 @@ struct PixellateJob {
     // The means of a block, rounded.
     template <std::size_t channelCount, typename Total, typename Sum>
     static void Divide(const Sum* sums, std::size_t columns, std::uint64_t pixels, Channel* mean) {
-        std::array<Total, channelCount> totals;
-        totals.fill(static_cast<Total>(pixels / 2));
+        const auto count = std::max<Total>(static_cast<Total>(pixels), 1);
+        std::array<Total, channelCount> totals{};
         for (std::size_t x = 0; x < columns; ++x)
             for (std::size_t c = 0; c < channelCount; ++c) totals[c] += static_cast<Total>(sums[x * channelCount + c]);
-        for (std::size_t c = 0; c < channelCount; ++c)
-            mean[c] = static_cast<Channel>(totals[c] / static_cast<Total>(pixels));
+        for (std::size_t c = 0; c < channelCount; ++c) mean[c] = static_cast<Channel>((totals[c] + count / 2) / count);
     }
 
     template <std::size_t channelCount, typename Sum>
