@@ -71,7 +71,7 @@ std::chrono::duration<double, std::milli> ProcessorTime() {
     return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
 }
 
-enum class Line { Scribble, ToAndFro, Scattered, ScatteredAround, GreatEllipse, Ellipse };
+enum class Line { Scribble, ToAndFro, Scattered, ScatteredAround, GreatEllipse, EllipseAcross, Ellipse };
 
 Points PointsOf(Line line, std::int32_t width) {
     switch (line) {
@@ -85,6 +85,8 @@ Points PointsOf(Line line, std::int32_t width) {
             return Scattered(20000, -2000, 3000);
         case Line::GreatEllipse:
             return testing::EllipsePoints(512, 512, 60000, 50000, 0, 300);
+        case Line::EllipseAcross:
+            return testing::EllipsePoints(512 - 900, 512, 1200, 1100, 0, 300);
         case Line::Ellipse:
             return testing::EllipsePoints(512, 512, 330, 160, 0.3, 300);
     }
@@ -121,11 +123,12 @@ void FinishLine(benchmark::State& state, Line line) {
         ->ArgsProduct({{__VA_ARGS__}, benchmark::CreateDenseRange(1, mostWorkers, 1)}) \
         ->MeasureProcessCPUTime()                                                      \
         ->Unit(benchmark::kMillisecond)
-FINISH_LINE(scribble, Line::Scribble, 1, 1, 30);
+FINISH_LINE(scribble, Line::Scribble, 1, 1, 30, 500);
 FINISH_LINE(toAndFro, Line::ToAndFro, 1, 1, 30);
 FINISH_LINE(scattered, Line::Scattered, 1, 1, 30);
 FINISH_LINE(scatteredAround, Line::ScatteredAround, 1, 1, 30);
 FINISH_LINE(greatEllipse, Line::GreatEllipse, 1, 1, 5, 30);
+FINISH_LINE(ellipseAcross, Line::EllipseAcross, 1, 1, 5, 30);
 FINISH_LINE(ellipse, Line::Ellipse, 2, 1, 2, 5, 30);
 
 // A scribble of so many movements from end to end of the canvas, each in a field of its own, which fills the buffer of

@@ -22,9 +22,6 @@ class ColourBrushSource;
 class Filter;
 class ProfileCache;
 class SettledTiles;
-class SmallDabStretch;
-class SplineSearch;
-struct SmallDabProgress;
 struct SmallDabTarget;
 
 // Turns a path of pointer samples into dabs on an image.
@@ -203,8 +200,9 @@ private:
     [[nodiscard]] SmallDabTarget TargetOfSmallDabs() const;
     bool PaintSmallDab(const SmallDabTarget& canvas, const StrokePoint& place, Rect& changed) const;
     [[nodiscard]] std::int32_t OpacityOfStretch(double pressureFactor) const;
-    std::int32_t PaintBlocks(const SmallDabStretch& blocks, const SplineSearch& search, std::int32_t opacityOfAll,
-                             double pressureFactor, SmallDabProgress& progress);
+    template <typename Follow>
+    std::int32_t FollowDabsFrom(std::int32_t step, bool followsDab, double pressureFactor, Rect& changed, bool& painted,
+                                Follow&& follow);
     void PaintNextPlainDab(const StrokePoint& place, Rect& changed);
     void FadeOpacity();
     Rect PaintOnTarget(Dab& dab);

@@ -1,5 +1,6 @@
 #include "chalkpane/base/memory_loss.h"
 #include "chalkpane/brush/basic_brush.h"
+#include "chalkpane/brush/settled_stretch.h"
 #include "chalkpane/brush/small_dab_stretch.h"
 #include "chalkpane/brush/sources/colour_brush_source.h"
 #include "chalkpane/brush/sources/source_types.h"
@@ -25,7 +26,7 @@ bool BasicBrush::PaintsPlainDabs() const {
 SettledTiles* BasicBrush::TilesOfPlainDabs(bool erases) const {
     const bool isOver = blendMode == 0 && SourceTypeOf(sourceType).behaviour == PasteBehaviour::Over;
     if (settledTiles == nullptr || (!erases && !isOver)) return nullptr;
-    settledTiles->Serve(*target, erases ? 0 : colourSource->Pixel8());
+    settledTiles->Serve(*target, erases ? 0 : colourSource->Pixel8(), colourSource->DabRects().reach);
     return settledTiles;
 }
 
@@ -42,7 +43,9 @@ Rect BasicBrush::PaintPlainDab(const Dab& dab) {
     };
     if (tiles == nullptr) {
         paint(plain.rect);
-    } else if (!tiles->Hold(plain.rect)) {
+    } else if (tiles->Hold(plain.rect)) {
+        tiles->MarkMiddle(dab.place.x, dab.place.y);
+    } else {
         tiles->Look(plain.rect);
         tiles->VisitRestless(plain.rect, paint);
     }
@@ -98,15 +101,22 @@ std::int32_t BasicBrush::OpacityOfStretch(double pressureFactor) const {
     return lowest == opacityAt(double{greatest} * (1.0 + rounding)) ? lowest : -1;
 }
 
-// Goes on from the progress's step with dabs that are blocks at one opacity. Returns the step of the first that is
-// none, which is not painted, or `SplineIterator::steps`.
-std::int32_t BasicBrush::PaintBlocks(const SmallDabStretch& blocks, const SplineSearch& search,
-                                     std::int32_t opacityOfAll, double pressureFactor, SmallDabProgress& progress) {
+// Goes on from a step with the dabs that `follow` holds. Returns the step of the first that it does not, which is not
+// painted, or `SplineIterator::steps`.
+template <typename Follow>
+std::int32_t BasicBrush::FollowDabsFrom(std::int32_t step, bool followsDab, double pressureFactor, Rect& changed,
+                                        bool& painted, Follow&& follow) {
+    DabProgress progress;
+    progress.step = step;
+    progress.followsDab = followsDab;
     progress.lastX = lastDabX;
     progress.lastY = lastDabY;
-    blocks.Paint(search, opacityOfAll, progress);
+    follow(progress);
+    if (progress.dabs == 0) return progress.step;
     paintedDabs += static_cast<std::uint64_t>(progress.dabs);
-    if (progress.dabs != 0) PlaceUnpaintedDab(history.PointAt(progress.lastStep), pressureFactor);
+    PlaceUnpaintedDab(history.PointAt(progress.lastStep), pressureFactor);
+    painted = true;
+    changed = changed.Union(progress.changed.Intersection(*target));
     return progress.step;
 }
 
@@ -118,6 +128,10 @@ Rect BasicBrush::PaintEvenStretch(double squaredSpacing, double pressureFactor, 
     const std::int32_t opacityOfAll = small.origin != nullptr ? OpacityOfStretch(pressureFactor) : -1;
     const SmallDabStretch blocks =
         opacityOfAll >= 0 ? SmallDabStretch(small, colourSource->AllSmallMasks()) : SmallDabStretch();
+    const SettledTiles* const tiles =
+        isPlain && decay == 0.0 ? TilesOfPlainDabs(source->IsEraser() || paintEraserFlag) : nullptr;
+    const SettledStretch settled =
+        tiles != nullptr ? SettledStretch(*tiles, colourSource->DabRects()) : SettledStretch();
     Rect changed;
     bool missed = Misses({lastDabX, lastDabY, 0});  // so the next ones may as well
     bool followsDab = false;
@@ -128,17 +142,17 @@ Rect BasicBrush::PaintEvenStretch(double squaredSpacing, double pressureFactor, 
             followsDab = followsDab || passed != step;
             step = passed;
         }
-        if (!missed && blocks.HoldsAny()) {
-            SmallDabProgress progress;
-            progress.step = step;
-            progress.followsDab = followsDab;
-            step = PaintBlocks(blocks, search, opacityOfAll, pressureFactor, progress);
-            painted = painted || progress.dabs != 0;
-            changed = changed.Union(progress.changed);
-        } else {
-            step =
-                followsDab ? search.NextBeyond(step, lastDabX, lastDabY) : search.FirstBeyond(step, lastDabX, lastDabY);
-        }
+        const auto follow = [&](auto&& pass) {
+            return FollowDabsFrom(step, followsDab, pressureFactor, changed, painted, pass);
+        };
+        if (!missed && blocks.HoldsAny())
+            step = follow([&](DabProgress& progress) { blocks.Paint(search, opacityOfAll, progress); });
+        else if (!missed && settled.HoldsAny())
+            step = follow([&](DabProgress& progress) { settled.Pass(search, progress); });
+        else if (followsDab)
+            step = search.NextBeyond(step, lastDabX, lastDabY);
+        else
+            step = search.FirstBeyond(step, lastDabX, lastDabY);
         if (step >= SplineIterator::steps) break;
         StrokePoint place = history.PointAt(step);
         missed = Misses(place);

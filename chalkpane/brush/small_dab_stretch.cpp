@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "chalkpane/base/cpu_features.h"
-#include "chalkpane/brush/profiles/round_brush_profile.h"
 
 namespace chalkpane {
 
@@ -37,31 +36,25 @@ SmallDabStretch::SmallDabStretch(const SmallDabTarget& canvas, const SmallMasks&
              y + canvas.rect.y1 - rounding - masks.greatest.y1};
 }
 
-void SmallDabStretch::Paint(const SplineSearch& search, std::int32_t opacity, SmallDabProgress& progress) const {
+struct SmallDabStretch::Blocks {
+    const SmallDabStretch& stretch;
+    std::int32_t opacity;
+
+    [[nodiscard]] bool Holds(double x, double y) const { return stretch.Holds(x, y); }
+    [[nodiscard]] const Rect& RectOf(std::size_t copy) const { return stretch.masks_->ofCopy[copy].rect; }
+    void Paint(const Rect& rect, std::size_t copy) const {
+        SmallColourOver8Plain(stretch.canvas_, stretch.masks_->ofCopy[copy], rect.x0, rect.y1, opacity);
+    }
+};
+
+void SmallDabStretch::Paint(const SplineSearch& search, std::int32_t opacity, DabProgress& progress) const {
     if constexpr (builtWithAvx2)
         if (HasAvx2()) return PaintAvx2(search, opacity, progress);
     PaintPlain(search, opacity, progress);
 }
 
-void SmallDabStretch::PaintPlain(const SplineSearch& search, std::int32_t opacity, SmallDabProgress& progress) const {
-    const std::int32_t stride = search.StepsWithoutDab();
-    if (progress.followsDab) progress.step += stride;
-    for (;; progress.step += 1 + stride) {
-        progress.step = search.FirstBeyond(progress.step, progress.lastX, progress.lastY);
-        if (progress.step >= SplineIterator::steps) return;
-        const auto [x, y] = search.PlaceAt(progress.step);
-        if (!Holds(x, y)) return;
-        const std::size_t copy = 8 * RoundBrushProfile::Eighth(x) + RoundBrushProfile::Eighth(y);
-        Rect rect = masks_->ofCopy[copy].rect;
-        rect.Translate(static_cast<std::int32_t>(x - masks_->offset.x),
-                       static_cast<std::int32_t>(y - masks_->offset.y));
-        SmallColourOver8Plain(canvas_, masks_->ofCopy[copy], rect.x0, rect.y1, opacity);
-        progress.changed = progress.changed.Union(rect);
-        progress.lastX = static_cast<float>(x);
-        progress.lastY = static_cast<float>(y);
-        progress.lastStep = progress.step;
-        ++progress.dabs;
-    }
+void SmallDabStretch::PaintPlain(const SplineSearch& search, std::int32_t opacity, DabProgress& progress) const {
+    FollowDabs(search, masks_->offset, Blocks{*this, opacity}, progress);
 }
 
 }  // namespace chalkpane

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 
+#include "chalkpane/brush/dab_stretch.h"
 #include "chalkpane/brush/spline_search.h"
 #include "chalkpane/composite/small_dab.h"
 #include "chalkpane/transform/matrix3.h"
@@ -22,16 +23,6 @@ struct SmallMasks {
     void MeasureRects(const Point2& profileOffset, bool profileKeepsPlaces);
 };
 
-struct SmallDabProgress {
-    std::int32_t step = 0;  // the next to be looked at
-    float lastX = 0.0F;     // of the last dab, wherever that was painted
-    float lastY = 0.0F;
-    bool followsDab = false;     // the last dab is that of the step before `step`
-    std::int32_t lastStep = -1;  // of the last dab painted in a stretch; below 0: there was none
-    std::int32_t dabs = 0;       // painted there
-    Rect changed;
-};
-
 // The smallest dabs along one stretch of a stroke, of which a fine pen sets hundreds: from one to the next nothing
 // leaves the registers but their pixels.
 class SmallDabStretch {
@@ -44,10 +35,10 @@ public:
     // Paints the dabs that follow until the curve ends, or until one that is not for a block: then `step` is that
     // dab's, and it is not painted. The same pixels and places as by `SplineSearch` and `SmallColourOver8`.
     //   opacity  0 .. 255
-    void Paint(const SplineSearch& search, std::int32_t opacity, SmallDabProgress& progress) const;
-    void PaintPlain(const SplineSearch& search, std::int32_t opacity, SmallDabProgress& progress) const;
+    void Paint(const SplineSearch& search, std::int32_t opacity, DabProgress& progress) const;
+    void PaintPlain(const SplineSearch& search, std::int32_t opacity, DabProgress& progress) const;
     // Needs AVX2, and is there where `builtWithAvx2`.
-    void PaintAvx2(const SplineSearch& search, std::int32_t opacity, SmallDabProgress& progress) const;
+    void PaintAvx2(const SplineSearch& search, std::int32_t opacity, DabProgress& progress) const;
 
     // True: a dab whose middle lies there is surely one for a block.
     [[nodiscard]] bool Holds(double x, double y) const {
@@ -56,6 +47,8 @@ public:
     [[nodiscard]] bool HoldsAny() const { return low_[0] <= high_[0] && low_[1] <= high_[1]; }
 
 private:
+    struct Blocks;
+
     SmallDabTarget canvas_;
     const SmallMasks* masks_ = nullptr;
     std::array<double, 2> low_{1.0, 1.0};

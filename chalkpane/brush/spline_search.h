@@ -37,7 +37,7 @@ public:
 
 private:
     friend struct SplineSearchAvx2;
-    friend class SmallDabStretch;
+    friend struct DabStretchAvx2;
 
     [[nodiscard]] std::int32_t FirstBeyondPlain(std::int32_t step, float x, float y) const;
 

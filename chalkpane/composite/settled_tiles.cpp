@@ -6,14 +6,30 @@
 
 namespace chalkpane {
 
-void SettledTiles::Serve(const Image& canvas, std::uint32_t pixel) {
-    if (canvas_ == &canvas && pixel_ == pixel && area_ == canvas.Bounds()) return;
+void SettledTiles::Serve(const Image& canvas, std::uint32_t pixel, std::int32_t reach) {
+    if (canvas_ == &canvas && pixel_ == pixel && reach_ == reach && area_ == canvas.Bounds()) return;
     const bool isServed = canvas.IsValid() && !canvas.IsMask() && canvas.GetDepth() == Depth::Eight &&
                           canvas.Width() <= mostTiles * tileSide && canvas.Height() <= mostTiles * tileSide;
     canvas_ = isServed ? &canvas : nullptr;
     area_ = canvas.Bounds();
     pixel_ = pixel;
+    reach_ = reach;
     settled_ = {};
+    settledCells_ = {};
+    holdAnyMiddle_ = false;
+}
+
+void SettledTiles::MarkMiddle(double x, double y) {
+    constexpr std::uint32_t everySoManyDabs = 4;
+    if (canvas_ == nullptr || ++marks_ % everySoManyDabs != 0) return;
+    if (!(x >= area_.x0 && x < area_.x1 && y >= area_.y0 && y < area_.y1)) return;
+    const std::int32_t column = static_cast<std::int32_t>(x - area_.x0) / cellSide;
+    const std::int32_t row = static_cast<std::int32_t>(y - area_.y0) / cellSide;
+    const std::int32_t left = area_.x0 + column * cellSide;
+    const std::int32_t bottom = area_.y0 + row * cellSide;
+    if (!Hold({left - reach_, bottom - reach_, left + cellSide + reach_, bottom + cellSide + reach_})) return;
+    settledCells_[static_cast<std::size_t>(row)] |= std::uint64_t{1} << column;
+    holdAnyMiddle_ = true;
 }
 
 bool SettledTiles::Hold(const Rect& dab) const {
@@ -36,11 +52,13 @@ bool SettledTiles::Hold(const Rect& dab) const {
 
 void SettledTiles::Look(const Rect& dab) {
     constexpr std::uint32_t everySoManyDabs = 4;
+    constexpr std::int32_t huge = 256;        // pixels
     constexpr std::uint32_t manyDabs = 2048;  // of an eraser's, which cost more than all tiles
     if (canvas_ == nullptr || ++looks_ % everySoManyDabs != 0) return;
-    if (looks_ % manyDabs == 0 && pixel_ == 0) LookAtAll();
+    if (looks_ % manyDabs == 0 && pixel_ == 0) LookAtAll(area_);
     const Rect on = dab.Intersection(area_);
     if (!on.IsValid()) return;
+    if (on.Width() >= huge && on.Height() >= huge) return LookAtAll(on);
     const std::int32_t around = dab.Width() < wide ? 0 : 1;
     const std::int32_t column = (on.x0 + on.Width() / 2 - area_.x0) / tileSide;
     const std::int32_t row = (on.y0 + on.Height() / 2 - area_.y0) / tileSide;
@@ -55,9 +73,10 @@ void SettledTiles::Look(const Rect& dab) {
     for (std::int32_t x = (on.x0 - area_.x0) / tileSide; x <= (on.x1 - area_.x0) / tileSide; ++x) LookAt(x, inTurn);
 }
 
-void SettledTiles::LookAtAll() {
-    for (std::int32_t row = 0; row <= (area_.Height() - 1) / tileSide; ++row)
-        for (std::int32_t column = 0; column <= (area_.Width() - 1) / tileSide; ++column) LookAt(column, row);
+void SettledTiles::LookAtAll(const Rect& part) {
+    for (std::int32_t row = (part.y0 - area_.y0) / tileSide; row <= (part.y1 - area_.y0) / tileSide; ++row)
+        for (std::int32_t column = (part.x0 - area_.x0) / tileSide; column <= (part.x1 - area_.x0) / tileSide; ++column)
+            LookAt(column, row);
 }
 
 void SettledTiles::LookAt(std::int32_t column, std::int32_t row) {

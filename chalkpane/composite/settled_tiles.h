@@ -19,12 +19,23 @@ class SettledTiles {
 public:
     // What the dabs are; what was found out about others is forgotten.
     //   pixel  as its four channels lie in memory, alpha 255; 0 for dabs that erase
-    void Serve(const Image& canvas, std::uint32_t pixel);
+    //   reach  no dab holds a pixel further from its middle, in rows or columns
+    void Serve(const Image& canvas, std::uint32_t pixel, std::int32_t reach);
 
     // True: every pixel of the canvas under `dab` rests.
     [[nodiscard]] bool Hold(const Rect& dab) const;
-    // A dab was painted: now and then looks at the tiles in its middle, at a row of a wide one's, and rarely at all
-    // that may be erased.
+    // The same of every dab whose middle lies in the same cell of places, where that was marked: many middles cost no
+    // more than a look at one bit.
+    //   column, row  of a middle on the canvas, from its first ones
+    [[nodiscard]] bool HoldMiddle(std::int32_t column, std::int32_t row) const {
+        return (settledCells_[static_cast<std::size_t>(row / cellSide)] >> (column / cellSide) & 1) != 0;
+    }
+    [[nodiscard]] bool HoldAnyMiddle() const { return holdAnyMiddle_; }
+    // A dab with its middle there was held: now and then marks the cell if all of its dabs are.
+    void MarkMiddle(double x, double y);
+    [[nodiscard]] const Rect& Area() const { return area_; }
+    // A dab was painted: now and then looks at the tiles in its middle, at a row of a wide one's, at all of a huge
+    // one's, and rarely at all that may be erased.
     void Look(const Rect& dab);
 
     // Calls `paint` with parts of the dab on the canvas that hold every pixel that does not rest, none of them twice.
@@ -59,18 +70,24 @@ private:
     static constexpr std::int32_t tileSide = 8;
     static constexpr std::int32_t mostTiles = 128;  // a side
     static constexpr std::int32_t wordBits = 64;
+    static constexpr std::int32_t cellSide = 16;
+    static_assert(mostTiles * tileSide == wordBits * cellSide);
 
     [[nodiscard]] bool IsSettled(std::int32_t column, std::int32_t row) const;
     [[nodiscard]] bool Find(std::int32_t column, std::int32_t row) const;
     void LookAt(std::int32_t column, std::int32_t row);
-    void LookAtAll();
+    void LookAtAll(const Rect& part);
     // From the first to the last of a row's tiles that are not settled; not valid where there is none.
     [[nodiscard]] Rect RestlessOfRow(std::int32_t row, Rect pixels) const;
 
     const Image* canvas_ = nullptr;  // not owned; null: none that can be served
     Rect area_;
     std::uint32_t pixel_ = 0;
+    std::int32_t reach_ = 0;
     std::uint32_t looks_ = 0;
+    std::uint32_t marks_ = 0;
+    bool holdAnyMiddle_ = false;
+    std::array<std::uint64_t, wordBits> settledCells_{};                                // a word for each row of cells
     std::array<std::array<std::uint64_t, mostTiles / wordBits>, mostTiles> settled_{};  // by row, then column
 };
 

@@ -48,6 +48,7 @@ bool ColourBrushSource::MakeDab(double x, double y, double angle, std::unique_pt
 void ColourBrushSource::Prepare(std::int32_t margin, GraphValue* graph, const Matrix3& newMatrix) {
     ProfiledBrushSource::Prepare(margin, graph, newMatrix);
     roundProfile = dynamic_cast<const RoundBrushProfile*>(profile.get());
+    if (roundProfile != nullptr) dabRects.Take(*roundProfile);
     TakeSmallMasks();
 }
 

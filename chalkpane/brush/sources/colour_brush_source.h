@@ -43,6 +43,8 @@ public:
         return {&smallMasks.ofCopy[static_cast<std::size_t>(copy)], moveX, moveY};
     }
     [[nodiscard]] const SmallMasks& AllSmallMasks() const { return smallMasks; }
+    // Of a source that has plain dabs.
+    [[nodiscard]] const CopyRects& DabRects() const { return dabRects; }
     // The colour as it lies in memory at 8 bits.
     [[nodiscard]] std::uint32_t Pixel8() const { return pixel8; }
 
@@ -54,6 +56,7 @@ private:
 
     void TakeSmallMasks();
 
+    CopyRects dabRects;     // of the profile
     SmallMasks smallMasks;  // of the profile
     bool hasSmallDabs = false;
 

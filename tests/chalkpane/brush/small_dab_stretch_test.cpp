@@ -8,6 +8,7 @@
 
 #include "chalkpane/brush/profiles/round_brush_profile.h"
 #include "tests/chalkpane/brush/brush_fixture.h"
+#include "tests/chalkpane/brush/dab_progress.h"
 #include "tests/chalkpane/scoped_cpu_features.h"
 #include "tests/reference/picture.h"
 
@@ -36,8 +37,7 @@ private:
 
 // Step by step and dab by dab.
 void PaintInTurn(const SmallProfile& profile, const SmallDabTarget& canvas, const SplineIterator& curve,
-                 double squaredLimit, std::int32_t opacity, const SmallDabStretch& stretch,
-                 SmallDabProgress& progress) {
+                 double squaredLimit, std::int32_t opacity, const SmallDabStretch& stretch, DabProgress& progress) {
     for (; progress.step < SplineIterator::steps; ++progress.step) {
         const StrokePoint place = curve.PointAt(progress.step);
         const double dx = place.x - progress.lastX;
@@ -56,15 +56,6 @@ void PaintInTurn(const SmallProfile& profile, const SmallDabTarget& canvas, cons
         progress.lastStep = progress.step;
         ++progress.dabs;
     }
-}
-
-void RequireSame(const SmallDabProgress& a, const SmallDabProgress& b) {
-    REQUIRE_EQ(std::min(a.step, SplineIterator::steps), std::min(b.step, SplineIterator::steps));
-    REQUIRE_EQ(a.lastX, b.lastX);
-    REQUIRE_EQ(a.lastY, b.lastY);
-    REQUIRE_EQ(a.lastStep, b.lastStep);
-    REQUIRE_EQ(a.dabs, b.dabs);
-    REQUIRE_EQ(a.changed, b.changed);
 }
 
 }  // namespace
@@ -98,13 +89,13 @@ TEST_CASE("a stretch of small dabs leaves the pixels of painting them one by one
         const auto pixel = static_cast<std::uint32_t>(random() | 0xff000000U);
         const auto opacity = static_cast<std::int32_t>(round % 3 == 0 ? 255 : random() % 256);
         const SplineSearch search(curve, limit);
-        SmallDabProgress start;
+        DabProgress start;
         start.followsDab = round % 2 == 0;
         start.step = start.followsDab ? 1 + static_cast<std::int32_t>(random() % 900) : 0;
         const StrokePoint last = curve.PointAt(std::max(start.step - 1, 0));
         start.lastX = static_cast<float>(last.x + (start.followsDab ? 0.0 : unit(random)));
         start.lastY = static_cast<float>(last.y);
-        SmallDabProgress done[] = {start, start, start};
+        DabProgress done[] = {start, start, start};
         const auto target = SmallDabTarget::Of(turn, pixel);
         const SmallDabStretch stretch(target, profile.Masks());
         REQUIRE(stretch.HoldsAny());

@@ -79,7 +79,7 @@ TEST_CASE("tiles are held to be settled where all their pixels rest, and nowhere
     SettledTiles tiles;
     const Rect dab(41, 21, 45, 23);
     CHECK_FALSE(tiles.Hold(dab));
-    tiles.Serve(canvas, paint);
+    tiles.Serve(canvas, paint, 8);
     CHECK_FALSE(tiles.Hold(dab));
     LookOften(tiles, dab);
     CHECK(tiles.Hold(dab));
@@ -107,22 +107,22 @@ TEST_CASE("another colour, another canvas and one that is too large begin with n
     const Rect dab(10, 10, 12, 12);
     SettledTiles tiles;
     const auto settle = [&] {
-        tiles.Serve(canvas, paint);
+        tiles.Serve(canvas, paint, 8);
         LookOften(tiles, dab);
         return tiles.Hold(dab);
     };
     CHECK(settle());
-    tiles.Serve(canvas, paint);
+    tiles.Serve(canvas, paint, 8);
     CHECK(tiles.Hold(dab));
-    tiles.Serve(canvas, 0xff000000U);
+    tiles.Serve(canvas, 0xff000000U, 8);
     CHECK_FALSE(tiles.Hold(dab));
     for (const Image* image : {&other, &large, &deep}) {
         REQUIRE(settle());
-        tiles.Serve(*image, paint);
+        tiles.Serve(*image, paint, 8);
         LookOften(tiles, dab);
         CHECK_FALSE(tiles.Hold(dab));
     }
-    tiles.Serve(other, 0);  // erased all over
+    tiles.Serve(other, 0, 8);  // erased all over
     LookOften(tiles, dab);
     CHECK(tiles.Hold(dab));
 }
@@ -134,7 +134,7 @@ TEST_CASE("of a wide dab the tiles that do not rest are left, and rows of them t
     canvas.Row8(28)[4 * 20] = 9;
     canvas.Row8(60)[4 * 63] = 9;
     SettledTiles tiles;
-    tiles.Serve(canvas, 0);
+    tiles.Serve(canvas, 0, 8);
     const auto parts = [&tiles](const Rect& dab) {
         std::vector<Rect> all;
         tiles.VisitRestless(dab, [&](const Rect& part) { all.push_back(part); });
@@ -152,7 +152,7 @@ TEST_CASE("of a wide dab the tiles that do not rest are left, and rows of them t
 TEST_CASE("after many dabs of an eraser all tiles were looked at, wherever the dabs were") {
     const Image canvas = Canvas(1024, 1024);
     SettledTiles tiles;
-    tiles.Serve(canvas, 0);
+    tiles.Serve(canvas, 0, 8);
     for (int i = 0; i < 2047; ++i) tiles.Look({500, 500, 520, 520});
     CHECK_FALSE(tiles.Hold({0, 0, 1023, 1023}));
     tiles.Look({500, 500, 520, 520});
