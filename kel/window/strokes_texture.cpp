@@ -93,8 +93,9 @@ void StrokesTexture::Renew(const picture_io::Picture& strokes, const FrameArea& 
 }
 
 void StrokesTexture::Show(Look look, const FrameArea& area, const FrameArea& part) const {
-    const StateKept kept;
+    // First: the buffer that is drawn into is part of the state, and another framebuffer does not have it.
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
+    const StateKept kept;
     LeaveOneUnit();
     const BoundTexture bound(m_texture);
     for (const GLenum test : Names{GL_DEPTH_TEST, GL_BLEND, GL_ALPHA_TEST, GL_LIGHTING, GL_CULL_FACE, GL_STENCIL_TEST})

@@ -213,6 +213,7 @@ TEST_CASE("Two windows for a mixer show the colors and the alpha of the strokes 
     CHECK_LE(Difference(at("kel key", 0.75, 0.3), black), 2);
     window.display.TypeKey("q", true);
     CHECK_EQ(window.WaitForEnd(), 0);
+    CHECK_EQ(cli::testing::ReadText(window.folder / "stderr"), "");  // such as what OpenGL refused
 }
 
 TEST_CASE("There are no windows for a mixer without a display for the key") {
