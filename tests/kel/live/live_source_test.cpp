@@ -123,4 +123,26 @@ TEST_CASE("A screen that is not there is an error and not waited for") {
              "screen::9876: cannot be opened: there is no such screen, or none that may be looked at");
 }
 
+TEST_CASE("A device that is no camera is an error and not waited for") {
+    LiveName name;
+    name.kind = LiveName::Kind::Device;
+    name.url = name.shown = "/dev/null";
+    name.inputFormat = name.formats = "video4linux2,v4l2";
+    name.protocols = "file";
+    LiveSource source(name);
+    CHECK_EQ(cli::testing::Thrown(
+                 [&] { Await("an error", [&] { return source.WaitForPicture(std::chrono::milliseconds(20)); }); }),
+             "/dev/null: cannot be opened: Inappropriate ioctl for device");
+}
+
+TEST_CASE("Pictures that are larger than a scene may be are left out, and told") {
+    const int port = testing::FreePort();
+    const Camera camera(
+        {.address = Local("tcp", port, "?listen"), .format = "nut", .codec = "ffv1", .width = 8208, .height = 16});
+    Watched watched(Local("tcp", port));
+    watched.AwaitNews("A picture is left out: it is larger than 8192 pixels");
+    CHECK_FALSE(watched.Source().WaitForPicture(std::chrono::milliseconds(0)));
+    CHECK_EQ(watched.Source().Width(), 0);
+}
+
 }  // namespace kel
