@@ -9,9 +9,13 @@ int main(int argc, char** argv) {
                                                       kel::AddReplayCommand(program);
 #ifdef KEL_WITH_WINDOW
                                                       kel::AddWindowCommand(program);
+#else
+                                                      kel::AddMissingCommand(program, "window", "SDL 2 and Dear ImGui");
 #endif
 #ifdef KEL_WITH_SERVER
                                                       kel::AddControlCommand(program);
+#else
+                                                      kel::AddMissingCommand(program, "control", "libwebsockets");
 #endif
                                                   }};
     return cli::RunProgram(description, argc, argv);

@@ -69,6 +69,14 @@ TEST_CASE("kel info --json says the same to programs") {
     CHECK_EQ(info["buttons"][1], json::parse(R"({"name": "Undo", "label": "Undo", "action": 1})"));
 }
 
+#ifdef KEL_LACKS_SERVER
+TEST_CASE("kel control says which library this kel was built without") {
+    const KelFolder folder;
+    CheckRefused(folder, "control 8700 'button Undo'",
+                 "kel control is left out: this kel was built without libwebsockets");
+}
+#endif
+
 #ifdef KEL_HAS_WINDOW
 TEST_CASE("kel window without a display ends at once with one line") {
     const KelFolder folder;
