@@ -20,39 +20,6 @@ namespace {
 
 using testing::Points;
 
-constexpr int room = canvasSize * canvasSize;
-
-// Points a width apart on a scribble all over the canvas, until the buffer is full: what minutes of drawing leave.
-Points Scribble(double width) {
-    std::mt19937 random(1);
-    std::uniform_real_distribution<double> place(10, 1010);
-    Points points;
-    points.reserve(room);
-    double x = 500;
-    double y = 500;
-    while (points.size() < room) {
-        const double toX = place(random);
-        const double toY = place(random);
-        const int steps = std::max(static_cast<int>(std::hypot(toX - x, toY - y) / width), 1);
-        for (int i = 1; i <= steps && points.size() < room; ++i)
-            points.emplace_back(x + (toX - x) * i / steps, y + (toY - y) * i / steps, 0.0);
-        x = toX;
-        y = toY;
-    }
-    return points;
-}
-
-// Nearly the same line to and fro, so that the same pixels are painted again and again.
-Points ToAndFro(double width) {
-    Points points;
-    points.reserve(room);
-    for (int i = 0; i < room; ++i) {
-        const double way = std::fmod(i * width, 1960.0);
-        points.emplace_back(20 + (way < 980 ? way : 1960 - way), 300 + 0.37 * std::fmod(i / 7.0, 30), 0.0);
-    }
-    return points;
-}
-
 Points Scattered(int count, double from, double to) {
     std::mt19937 random(1);
     std::uniform_real_distribution<double> place(from, to);
@@ -76,9 +43,9 @@ enum class Line { Scribble, ToAndFro, Scattered, ScatteredAround, GreatEllipse, 
 Points PointsOf(Line line, std::int32_t width) {
     switch (line) {
         case Line::Scribble:
-            return Scribble(width);
+            return testing::ScribblePoints(width);
         case Line::ToAndFro:
-            return ToAndFro(width);
+            return testing::ToAndFroPoints(width);
         case Line::Scattered:
             return Scattered(20000, 0, 1023);
         case Line::ScatteredAround:

@@ -28,10 +28,14 @@ private:
     float OddNumber();
     void ChangeParameter();
     void ChangeHost();
+    // A stroke that takes as long to draw as strokes do, and no hand draws; the next field finishes it.
+    void StoreHardStroke();
 
     std::mt19937 m_random;
     testing::ModuleFixture m_fixture;
     bool m_isHostile;
+    std::int64_t m_hardStroke;  // which of them this episode has; below 0: none, or no more
+    bool m_finishIsDue = false;
     // The host as it was, to come back to.
     std::array<float, 6> m_box = m_fixture.host.box;
     std::array<float, 16> m_containerMatrix = m_fixture.host.containerMatrix;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <random>
 #include <span>
@@ -78,6 +79,40 @@ inline Points RandomPoints(std::mt19937& random, int count, bool wholePixels) {
         } else {
             points.emplace_back(x, y, 0.0);
         }
+    }
+    return points;
+}
+
+constexpr std::size_t fullBuffer = std::size_t{canvasSize} * canvasSize;
+
+// Points a width apart on a scribble all over the canvas, until the buffer is full: what minutes of drawing leave.
+inline Points ScribblePoints(double width, unsigned seed = 1) {
+    std::mt19937 random(seed);
+    std::uniform_real_distribution<double> place(10, 1010);
+    Points points;
+    points.reserve(fullBuffer);
+    double x = 500;
+    double y = 500;
+    while (points.size() < fullBuffer) {
+        const double toX = place(random);
+        const double toY = place(random);
+        const int steps = std::max(static_cast<int>(std::hypot(toX - x, toY - y) / width), 1);
+        for (int i = 1; i <= steps && points.size() < fullBuffer; ++i)
+            points.emplace_back(x + (toX - x) * i / steps, y + (toY - y) * i / steps, 0.0);
+        x = toX;
+        y = toY;
+    }
+    return points;
+}
+
+// Nearly the same line to and fro, until the buffer is full, so that the same pixels are painted again and again.
+inline Points ToAndFroPoints(double width) {
+    Points points;
+    points.reserve(fullBuffer);
+    for (std::size_t i = 0; i < fullBuffer; ++i) {
+        const auto number = static_cast<double>(i);
+        const double way = std::fmod(number * width, 1960.0);
+        points.emplace_back(20 + (way < 980 ? way : 1960 - way), 300 + 0.37 * std::fmod(number / 7.0, 30), 0.0);
     }
     return points;
 }
