@@ -92,9 +92,9 @@ void ObsStudio::WriteConfiguration() const {
                                 std::to_string(m_port) + "\n");
     cli::testing::WriteText(folder / "basic" / "profiles" / "Untitled" / "basic.ini",
                             "[General]\nName=Untitled\n[Output]\nMode=Advanced\n"
-                            "[AdvOut]\nRecType=FFmpeg\nFFOutputToFile=true\nFFExtension=mkv\nFFFormat=matroska\n"
-                            "FFVEncoder=ffv1\nFFVEncoderId=33\nFFAEncoder=pcm_s16le\nFFAEncoderId=65536\n"
-                            "FFVGOPSize=1\nFFIgnoreCompat=true\nFFAudioMixes=1\nFFFilePath=" +
+                            "[AdvOut]\nRecType=FFmpeg\nFFOutputToFile=true\nFFExtension=nut\nFFFormat=nut\n"
+                            "FFVEncoder=rawvideo\nFFVEncoderId=13\nFFAEncoder=pcm_s16le\nFFAEncoderId=65536\n"
+                            "FFIgnoreCompat=true\nFFAudioMixes=1\nFFFilePath=" +
                                 m_home.Path().string() +
                                 "\n[Video]\nBaseCX=1024\nBaseCY=1024\nOutputCX=1024\nOutputCY=1024\n"
                                 "FPSType=2\nFPSNum=10\nFPSDen=1\nColorFormat=RGB\nColorSpace=sRGB\nColorRange=Full\n");
@@ -176,6 +176,10 @@ void ObsStudio::CloseInteractWindow(const std::string& source) {
     XCloseDisplay(connection);
     WaitUntil("the window has closed",
               [&] { return !display.FindWindow("Interacting with '" + source + "'").has_value(); });
+}
+
+std::string ObsStudio::Screenshot(const std::string& source) {
+    return Ask("GetSourceScreenshot", {{"sourceName", source}, {"imageFormat", "png"}})["imageData"];
 }
 
 std::filesystem::path ObsStudio::Record() {

@@ -18,7 +18,7 @@ namespace chalkpane::obs::testing {
 void WaitUntil(const std::string& what, const std::function<bool()>& isSo);
 
 // OBS Studio with the plug-in, in a home of its own, on a display of its own. Its canvas has 1024 x 1024 pixels at 10
-// frames a second, and what it records is Matroska with FFV1 in blue, green, red and alpha, without loss.
+// frames a second, and what it records is NUT with blue, green, red and alpha as they are.
 class ObsStudio {
 public:
     ObsStudio();
@@ -36,6 +36,8 @@ public:
     [[nodiscard]] kel::testing::WindowPlace InteractWindow(const std::string& source) const;
     // Asks the window to close, as its frame does, and waits until it has: all that the pointer did has arrived then.
     void CloseInteractWindow(const std::string& source);
+    // The source as it is now, in whatever text; another picture is another text.
+    [[nodiscard]] std::string Screenshot(const std::string& source);
     // Records until some frames have been written, and returns the file.
     [[nodiscard]] std::filesystem::path Record();
     // Ends it as a console does, and waits. Returns the scene collection that it saved.

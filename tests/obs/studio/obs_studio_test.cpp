@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <vector>
 
-#include "kel/video/video_reader.h"
+#include "picture_io/picture.h"
 #include "telestrator/journal/journal_file.h"
 
 using namespace chalkpane::obs::testing;
@@ -42,6 +42,15 @@ void CoverWith(const std::vector<std::byte>& canvas, std::vector<double>& pictur
                 under = std::to_integer<int>(ink[channel]) + under * (255 - std::to_integer<int>(ink[3])) / 255;
             }
         }
+}
+
+// As ffmpeg decodes it.
+picture_io::Picture LastFrame(const std::filesystem::path& recording) {
+    const std::string picture = recording.string() + ".png";
+    const std::string command =
+        "ffmpeg -v error -nostdin -i '" + recording.string() + "' -an -update 1 '" + picture + "'";
+    REQUIRE_EQ(std::system(command.c_str()), 0);
+    return picture_io::ReadPicture(picture);
 }
 
 int HalfCovered(const std::vector<std::byte>& canvas) {
@@ -104,12 +113,13 @@ TEST_CASE("In OBS Studio a real pointer draws on a source and through a filter, 
     obs.CloseInteractWindow("Ink");
     obs.WaitForFrames(3);
     const std::filesystem::path recording = obs.Record();
-    kel::VideoReader reader(recording);
-    const picture_io::Picture shown = reader.ReadFrame(reader.FrameCount() - 1);
+    const picture_io::Picture shown = LastFrame(recording);
 
     // OBS closes in a stroke.
+    const std::string before = obs.Screenshot("Ink");
     REQUIRE_FALSE(obs.Ask("OpenInputInteractDialog", {{"inputName", "Ink"}}).is_null());
     DrawFromLeft(obs, obs.InteractWindow("Ink"), 150, -100);
+    WaitUntil("ink of the stroke", [&] { return obs.Screenshot("Ink") != before; });
     const nlohmann::json sources = obs.Close()["sources"];
     const std::string log = obs.Log();
     CHECK_NE(log.find("[chalkpane] loaded"), std::string::npos);
