@@ -10,7 +10,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cstdint>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
@@ -69,10 +71,19 @@ ObsStudio::ObsStudio() : m_port(FreePort()) {
     Connect();
 }
 
-ObsStudio::~ObsStudio() {
+ObsStudio::~ObsStudio() { Kill(); }
+
+void ObsStudio::Kill() {
     if (m_program <= 0) return;
     kill(m_program, SIGKILL);
     waitpid(m_program, nullptr, 0);
+    m_program = -1;
+}
+
+void ObsStudio::BeginAgain() {
+    Kill();
+    Start();
+    Connect();
 }
 
 void ObsStudio::WriteConfiguration() const {
@@ -182,11 +193,25 @@ std::string ObsStudio::Screenshot(const std::string& source) {
     return Ask("GetSourceScreenshot", {{"sourceName", source}, {"imageFormat", "png"}})["imageData"];
 }
 
+// A new scene is a reason to save.
+nlohmann::json ObsStudio::Save() {
+    REQUIRE_FALSE(Ask("CreateScene", {{"sceneName", "Saved"}}).is_null());
+    WaitUntil("the scene collection is saved", [&] {
+        const nlohmann::json scenes = Collection()["scene_order"];
+        return std::ranges::any_of(scenes, [](const nlohmann::json& scene) { return scene["name"] == "Saved"; });
+    });
+    return Collection();
+}
+
 std::filesystem::path ObsStudio::Record() {
+    constexpr std::uintmax_t frames = 3 * 1024 * 1024 * 4;
     REQUIRE_FALSE(Ask("StartRecord").is_null());
-    WaitUntil("frames recorded", [&] { return Ask("GetRecordStatus")["outputDuration"].get<int>() >= 300; });
-    const std::string file = Ask("StopRecord")["outputPath"];
-    WaitUntil("the recording has ended", [&] { return !Ask("GetRecordStatus")["outputActive"].get<bool>(); });
+    std::filesystem::path file;
+    WaitUntil("frames recorded", [&] {
+        for (const auto& entry : std::filesystem::directory_iterator(m_home.Path()))
+            if (entry.path().extension() == ".nut") file = entry.path();
+        return !file.empty() && std::filesystem::file_size(file) > frames;
+    });
     return file;
 }
 
@@ -194,7 +219,12 @@ nlohmann::json ObsStudio::Close() {
     kill(m_program, SIGINT);
     WaitUntil("OBS has ended", [&] { return waitpid(m_program, nullptr, WNOHANG) == m_program; });
     m_program = -1;
-    return nlohmann::json::parse(TextOf(m_home / ".config/obs-studio/basic/scenes/Untitled.json"));
+    return Collection();
+}
+
+nlohmann::json ObsStudio::Collection() const {
+    const std::filesystem::path file = m_home / ".config/obs-studio/basic/scenes/Untitled.json";
+    return std::filesystem::exists(file) ? nlohmann::json::parse(TextOf(file)) : nlohmann::json::object();
 }
 
 std::string ObsStudio::Log() const { return TextOf(m_home / "log"); }

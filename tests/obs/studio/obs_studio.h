@@ -38,8 +38,13 @@ public:
     void CloseInteractWindow(const std::string& source);
     // The source as it is now, in whatever text; another picture is another text.
     [[nodiscard]] std::string Screenshot(const std::string& source);
-    // Records until some frames have been written, and returns the file.
+    // Makes OBS save its scene collection, and returns it.
+    [[nodiscard]] nlohmann::json Save();
+    // Begins to record, and returns the file once some frames have been written; it goes on growing. Nothing stops it
+    // but `BeginAgain`: where a recording stops, OBS 29.0.2 may encode with what is gone, and end.
     [[nodiscard]] std::filesystem::path Record();
+    // Kills OBS and begins it again with what it had saved.
+    void BeginAgain();
     // Ends it as a console does, and waits. Returns the scene collection that it saved.
     [[nodiscard]] nlohmann::json Close();
     [[nodiscard]] std::string Log() const;
@@ -47,6 +52,8 @@ public:
     kel::testing::VirtualDisplay display;
 
 private:
+    [[nodiscard]] nlohmann::json Collection() const;
+    void Kill();
     void WriteConfiguration() const;
     void Start();
     void Connect();
