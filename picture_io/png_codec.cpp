@@ -3,11 +3,7 @@
 #include <png.h>
 
 #include <algorithm>
-#include <new>
-#include <string>
-#include <string_view>
 
-#include "cli/error.h"
 #include "picture_io/png_header.h"
 
 namespace picture_io {
@@ -25,12 +21,7 @@ struct PngImage : png_image {
     PngImage(PngImage&&) = delete;
     PngImage& operator=(PngImage&&) = delete;
 
-    [[noreturn]] void Refuse() const {
-        const std::string_view reason = message;
-        if (reason.find("ut of memory") != reason.npos || reason.find("nsufficient memory") != reason.npos)
-            throw std::bad_alloc();
-        throw cli::Error("PNG: " + std::string(reason));
-    }
+    [[noreturn]] void Refuse() const { RefusePng(message); }
 };
 
 }  // namespace

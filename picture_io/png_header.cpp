@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <new>
+#include <string>
 
 #include "cli/error.h"
 
@@ -36,6 +38,12 @@ void RefuseTruncatedPng(const std::vector<std::uint8_t>& bytes) {
     constexpr double densest = 1032.0;  // bytes that a byte of deflated data can stand for
     const double needed = static_cast<double>(header->width) * header->height * header->bits * header->channels / 8.0;
     if (needed > densest * static_cast<double>(bytes.size())) throw cli::Error("PNG: ends too early");
+}
+
+void RefusePng(std::string_view reason) {
+    if (reason.find("ut of memory") != reason.npos || reason.find("nsufficient memory") != reason.npos)
+        throw std::bad_alloc();
+    throw cli::Error("PNG: " + std::string(reason));
 }
 
 }  // namespace picture_io

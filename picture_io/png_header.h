@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string_view>
 #include <vector>
 
 namespace picture_io {
@@ -20,5 +21,9 @@ struct PngHeader {
 // Throws Error with the reason alone when the picture that the header tells of cannot be in so few bytes, however well
 // they are packed: before memory is taken for it. Bytes without a header pass.
 void RefuseTruncatedPng(const std::vector<std::uint8_t>& bytes);
+
+// Throws for a reason that the library gives: std::bad_alloc where it is lack of memory, else Error with the reason
+// alone.
+[[noreturn]] void RefusePng(std::string_view reason);
 
 }  // namespace picture_io

@@ -9,10 +9,8 @@
 #include <cstddef>
 #include <cstring>
 #include <new>
-#include <string>
 #include <utility>
 
-#include "cli/error.h"
 #include "picture_io/png_header.h"
 
 namespace picture_io {
@@ -35,7 +33,7 @@ struct Failure {
 
 void IgnoreWarning(png_structp, png_const_charp) {}
 
-[[noreturn]] void Refuse(const Failure& failure) { throw cli::Error("PNG: " + std::string(failure.reason.data())); }
+[[noreturn]] void Refuse(const Failure& failure) { RefusePng(failure.reason.data()); }
 
 struct Source {
     const std::uint8_t* next;
