@@ -120,7 +120,7 @@ void VirtualDisplay::HoldKey(const std::string& name, bool down) {
 
 void VirtualDisplay::TypeText(const std::string& letters) {
     // X calls a letter of Latin 1 by its number.
-    for (const unsigned char letter : letters) TypeKey(XKeysymToString(letter));
+    for (const char letter : letters) TypeKey(XKeysymToString(static_cast<unsigned char>(letter)));
 }
 
 std::optional<WindowPlace> VirtualDisplay::FindWindow(const std::string& titleEnd) const {
