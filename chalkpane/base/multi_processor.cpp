@@ -4,6 +4,8 @@
 #include <mutex>
 #include <system_error>
 
+#include "chalkpane/base/starting_places.h"
+
 namespace chalkpane {
 
 namespace {
@@ -158,11 +160,14 @@ void MultiProcessor::RunRows(std::int32_t firstRow, std::int32_t lastRow, RowFun
 void MultiProcessor::RunParallel(std::int32_t firstRow, std::int32_t lastRow) {
     const auto count = static_cast<std::size_t>(m_processorCount);
     const std::int64_t chunk = (std::int64_t{lastRow} - firstRow + 1) / m_processorCount;
+    const StartingPlaces places(m_threads[0], m_processorCount);
     std::int64_t row = firstRow;
     for (std::size_t i = 0; i < count; ++i, row += chunk) {
         const std::int64_t last = i + 1 == count ? lastRow : row + chunk - 1;
         m_ranges[i] = {static_cast<std::int32_t>(row), static_cast<std::int32_t>(last), 1};
+        places.Hold(m_threads[i], static_cast<std::int32_t>(i));
         m_startEvents[i].Set();
+        places.Release(m_threads[i]);
     }
     for (std::size_t i = 0; i < count; ++i) m_doneEvents[i].Wait();
 }

@@ -101,7 +101,7 @@ private:
     RowFunction m_rowFunction = nullptr;
 };
 
-// About as many pixels as are worth waking a worker for: a round trip to parked workers costs some 60 microseconds.
+// About as many pixels as are worth waking a worker for: a round trip to parked workers costs 20 to 60 microseconds.
 inline constexpr std::int32_t pixelsPerBand = 16384;
 
 namespace detail {
