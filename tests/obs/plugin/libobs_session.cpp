@@ -152,7 +152,8 @@ LibobsSession::LibobsSession(Graphics graphics) {
 
 LibobsSession::~LibobsSession() {
     // The last sources are destroyed on a thread of OBS's own, and OBS shuts its hotkeys down without waiting for it.
-    obs_queue_task(OBS_TASK_DESTROY, [](void*) {}, nullptr, true);
+    obs_queue_task(
+        OBS_TASK_DESTROY, [](void*) {}, nullptr, true);
     obs_shutdown();
     XCloseDisplay(static_cast<Display*>(m_connection));
     CHECK_EQ(bnum_allocs(), 0);
