@@ -1,31 +1,38 @@
 #include "chalkpane/base/cpu_features.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <string_view>
 
 namespace chalkpane {
 namespace {
 
-bool MachineHasAvx2() {
+CpuFeatures FeaturesOfMachine() {
 #if defined(__x86_64__)
     __builtin_cpu_init();  // statics of other files may have asked before the library of the compiler did
-    return __builtin_cpu_supports("avx2") != 0;
+    if (__builtin_cpu_supports("avx2") == 0) return CpuFeatures::Plain;
+    const bool hasAvx512 = __builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512bw") != 0 &&
+                           __builtin_cpu_supports("avx512dq") != 0 && __builtin_cpu_supports("avx512vl") != 0 &&
+                           __builtin_cpu_supports("avx512vbmi") != 0 && __builtin_cpu_supports("avx512vbmi2") != 0;
+    return hasAvx512 ? CpuFeatures::All : CpuFeatures::Avx2;
 #else
-    return false;
+    return CpuFeatures::Plain;
 #endif
 }
 
 CpuFeatures FeaturesOfEnvironment() {
     const char* const wanted = std::getenv("CHALKPANE_CPU_FEATURES");
-    return wanted != nullptr && std::string_view(wanted) == "plain" ? CpuFeatures::Plain : CpuFeatures::All;
+    if (wanted == nullptr) return CpuFeatures::All;
+    const std::string_view name(wanted);
+    return name == "plain" ? CpuFeatures::Plain : name == "avx2" ? CpuFeatures::Avx2 : CpuFeatures::All;
 }
 
 }  // namespace
 
-std::atomic<bool> detail::usesAvx2{FeaturesOfEnvironment() == CpuFeatures::All && MachineHasAvx2()};
+std::atomic<CpuFeatures> detail::usedFeatures{std::min(FeaturesOfEnvironment(), FeaturesOfMachine())};
 
 void UseCpuFeatures(CpuFeatures features) {
-    detail::usesAvx2.store(features == CpuFeatures::All && MachineHasAvx2(), std::memory_order_relaxed);
+    detail::usedFeatures.store(std::min(features, FeaturesOfMachine()), std::memory_order_relaxed);
 }
 
 }  // namespace chalkpane

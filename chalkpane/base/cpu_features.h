@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
 
 namespace chalkpane {
 
@@ -8,30 +9,42 @@ namespace chalkpane {
 // operation; the plain form beside it gives the same bytes.
 //
 // The environment variable CHALKPANE_CPU_FEATURES set to "plain" keeps to the plain forms from the start, to compare
-// and to search for faults; so does `UseCpuFeatures` at any time when nothing is running.
+// and to search for faults, and set to "avx2" to these and those for AVX2; so does `UseCpuFeatures` at any time when
+// nothing is running.
 
-enum class CpuFeatures { Plain, All };
+// Each has those before it.
+enum class CpuFeatures : std::uint8_t { Plain, Avx2, All };
 
-// True where forms for AVX2 are part of the build: their files are empty elsewhere, and calls of them stand behind
-// `if constexpr`.
+// True where forms for AVX2, and for AVX-512, are part of the build: their files are empty elsewhere, and calls of them
+// stand behind `if constexpr`.
 #if defined(__x86_64__)
 inline constexpr bool builtWithAvx2 = true;
 #else
 inline constexpr bool builtWithAvx2 = false;
 #endif
+inline constexpr bool builtWithAvx512 = builtWithAvx2;
 
 namespace detail {
-// Set while the program's statics are made; before that everything is plain.
-extern std::atomic<bool> usesAvx2;
+// Set while the program's statics are made; before that everything is plain. No more than the machine has.
+extern std::atomic<CpuFeatures> usedFeatures;
 }  // namespace detail
+
+[[nodiscard]] inline CpuFeatures UsedCpuFeatures() { return detail::usedFeatures.load(std::memory_order_relaxed); }
 
 // True when this machine runs AVX2 and nobody has asked for the plain forms: a load and a branch.
 [[nodiscard]] inline bool HasAvx2() {
-    if constexpr (builtWithAvx2) return detail::usesAvx2.load(std::memory_order_relaxed);
+    if constexpr (builtWithAvx2) return UsedCpuFeatures() >= CpuFeatures::Avx2;
     return false;
 }
 
-// All: whatever the machine has, whatever the environment says.
+// The same of AVX-512 with all that processors have had of it since they stopped lowering their clock for it: F, BW,
+// DQ, VL, VBMI and VBMI2.
+[[nodiscard]] inline bool HasAvx512() {
+    if constexpr (builtWithAvx512) return UsedCpuFeatures() == CpuFeatures::All;
+    return false;
+}
+
+// Those of them that the machine has, whatever the environment says.
 void UseCpuFeatures(CpuFeatures features);
 
 }  // namespace chalkpane

@@ -13,7 +13,7 @@ public:
     ScopedCpuFeatures& operator=(const ScopedCpuFeatures&) = delete;
 
 private:
-    CpuFeatures m_before = HasAvx2() ? CpuFeatures::All : CpuFeatures::Plain;
+    CpuFeatures m_before = UsedCpuFeatures();
 };
 
 }  // namespace chalkpane::test
