@@ -38,6 +38,8 @@ void Turn(std::span<typename F::Channel> pixels, float turn, const float* byValu
 
 template <typename F>
 void TurnFastest(std::span<typename F::Channel> pixels, float turn, const float* byValue) {
+    if constexpr (builtWithAvx512)
+        if (HasAvx512()) return TurnHuesAvx512(pixels, turn, byValue);
     if constexpr (builtWithAvx2)
         if (HasAvx2()) pixels = pixels.subspan(TurnHuesAvx2(pixels, turn, byValue));
     Turn<F>(pixels, turn, byValue);

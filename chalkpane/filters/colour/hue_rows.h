@@ -19,4 +19,8 @@ void TurnHues(std::span<std::uint16_t> pixels, float turn, const float* byValue)
 std::size_t TurnHuesAvx2(std::span<std::uint8_t> pixels, float turn, const float* byValue);
 std::size_t TurnHuesAvx2(std::span<std::uint16_t> pixels, float turn, const float* byValue);
 
+// Need AVX-512, and are there where `builtWithAvx512`.
+void TurnHuesAvx512(std::span<std::uint8_t> pixels, float turn, const float* byValue);
+void TurnHuesAvx512(std::span<std::uint16_t> pixels, float turn, const float* byValue);
+
 }  // namespace chalkpane

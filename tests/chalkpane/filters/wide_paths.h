@@ -26,9 +26,13 @@ inline void CompareWithPlainForms(Filter& filter) {
         CAPTURE(source.type);
         CAPTURE(source.depth);
         CAPTURE(source.flag);
-        const auto wide = Applied(filter, source);
-        const ScopedCpuFeatures plain(CpuFeatures::Plain);
-        CHECK(SamePixels(*wide, *Applied(filter, source)));
+        const auto made = [&](CpuFeatures features) {
+            const ScopedCpuFeatures used(features);
+            return Applied(filter, source);
+        };
+        const auto plain = made(CpuFeatures::Plain);
+        CHECK(SamePixels(*made(CpuFeatures::Avx2), *plain));
+        CHECK(SamePixels(*made(CpuFeatures::All), *plain));
     };
     for (const std::int32_t width : {1, 2, 5, 6, 8, 9, 16, 17, 31, 33, 64, 100}) {
         const Rect bounds(-2, 3, width - 3, 11);

@@ -6,6 +6,7 @@
 #include <array>
 #include <limits>
 #include <random>
+#include <span>
 #include <vector>
 
 #include "tests/chalkpane/scoped_cpu_features.h"
@@ -24,11 +25,14 @@ std::vector<Channel> Turned(CpuFeatures features, std::vector<Channel> pixels, f
 template <typename Channel>
 void RequireSame(const std::vector<Channel>& pixels, float turn, const float* byValue) {
     const auto plain = Turned(CpuFeatures::Plain, pixels, turn, byValue);
-    const auto wide = Turned(CpuFeatures::All, pixels, turn, byValue);
-    CAPTURE(turn);
-    const auto difference = std::ranges::mismatch(plain, wide).in1 - plain.begin();
-    CAPTURE(difference);
-    REQUIRE(plain == wide);
+    for (const CpuFeatures features : {CpuFeatures::Avx2, CpuFeatures::All}) {
+        const auto wide = Turned(features, pixels, turn, byValue);
+        CAPTURE(turn);
+        CAPTURE(static_cast<int>(features));
+        const auto difference = std::ranges::mismatch(plain, wide).in1 - plain.begin();
+        CAPTURE(difference);
+        REQUIRE(plain == wide);
+    }
 }
 
 // Far ones, and such whose wrapped hue is 1 by rounding.
@@ -72,4 +76,34 @@ TEST_CASE("hues of words turn alike in the plain and the wide form") {
     std::vector<float> byValue(16384);
     for (std::size_t i = 0; i < byValue.size(); ++i) byValue[i] = static_cast<float>(i) / 5000;
     RequireSame(pixels, -0.2F, byValue.data());
+}
+
+// The largest component comes back as it was, whatever it is: for greys that is all.
+TEST_CASE("greys of all words stay what they are in every form") {
+    constexpr std::size_t levels = 65536;
+    std::vector<std::uint16_t> pixels(4 * levels);
+    for (std::size_t i = 0; i < pixels.size(); ++i) pixels[i] = static_cast<std::uint16_t>(i / 4);
+    RequireSame(pixels, 0.3F, nullptr);
+    const auto turned = Turned(CpuFeatures::All, pixels, 0.3F, nullptr);
+    CHECK(std::equal(turned.begin(), turned.begin() + 4 * 16384, pixels.begin()));
+}
+
+TEST_CASE("rows of all lengths turn alike, and nothing beyond them") {
+    std::mt19937 random(6);
+    for (std::size_t length = 0; length < 40; ++length) {
+        CAPTURE(length);
+        std::vector<std::uint8_t> bytes(4 * 48);
+        std::vector<std::uint16_t> words(4 * 48);
+        for (auto& byte : bytes) byte = static_cast<std::uint8_t>(random());
+        for (auto& word : words) word = static_cast<std::uint16_t>(random() % 16384);
+        const auto turned = [length](CpuFeatures features, auto row) {
+            const test::ScopedCpuFeatures used(features);
+            TurnHues(std::span(row).first(4 * length), 0.4F, nullptr);
+            return row;
+        };
+        for (const CpuFeatures features : {CpuFeatures::Avx2, CpuFeatures::All}) {
+            CHECK(turned(features, bytes) == turned(CpuFeatures::Plain, bytes));
+            CHECK(turned(features, words) == turned(CpuFeatures::Plain, words));
+        }
+    }
 }
