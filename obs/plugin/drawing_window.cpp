@@ -2,11 +2,10 @@
 
 #include <obs-frontend-api.h>
 
-#include <graphics/matrix4.h>
-
-#include <array>
+#include <optional>
 
 #include "obs/plugin/pane_owner.h"
+#include "obs/plugin/scene_search.h"
 
 namespace chalkpane::obs {
 namespace {
@@ -36,51 +35,39 @@ struct Shown {
 
 Shown& Of(void* data) { return *static_cast<Shown*>(data); }
 
-// From pixels of the scene to those of the item; as they are where there is no item. False: it is no longer there.
-bool ToItem(const Shown& shown, vec3& at) {
-    if (shown.item == nullptr) return true;
-    struct Search {
-        obs_source_t* wanted;
-        vec3* at;
-        bool isFound = false;
-    } search{obs_weak_source_get_source(shown.item), &at};
-    const auto look = [](obs_scene_t*, obs_sceneitem_t* item, void* data) {
-        auto& sought = *static_cast<Search*>(data);
-        if (obs_sceneitem_get_source(item) != sought.wanted) return true;
-        matrix4 toScene{};
-        obs_sceneitem_get_draw_transform(item, &toScene);
-        matrix4 toItem{};
-        sought.isFound = matrix4_inv(&toItem, &toScene);
-        vec3_transform(sought.at, sought.at, &toItem);
-        obs_sceneitem_crop crop{};
-        obs_sceneitem_get_crop(item, &crop);
-        sought.at->x += static_cast<float>(crop.left);
-        sought.at->y += static_cast<float>(crop.top);
-        return false;
-    };
-    obs_scene_t* scene = obs_scene_from_source(shown.source);
-    if (search.wanted != nullptr && scene != nullptr) obs_scene_enum_items(scene, look, &search);
-    obs_source_release(search.wanted);
-    return search.isFound;
+// From pixels of the scene to those of the item; as they are where there is no item. Nothing: it is no longer there.
+std::optional<PixelPosition> ToItem(const Shown& shown, const PixelPosition& at) {
+    if (shown.item == nullptr) return at;
+    const std::unique_ptr<obs_source_t, void (*)(obs_source_t*)> item(obs_weak_source_get_source(shown.item),
+                                                                      obs_source_release);
+    const auto places = item ? FindInScene(shown.source, item.get()) : std::nullopt;
+    if (!places) return std::nullopt;
+    std::optional<PixelPosition> found = at;
+    for (const ItemPlace& place : *places)
+        if (found) found = place.FromScene(*found);
+    return found;
 }
+
+PixelPosition PositionOf(const obs_mouse_event& event) { return {double(event.x), double(event.y)}; }
 
 void OnClick(void* data, const obs_mouse_event* event, std::int32_t button, bool isUp, std::uint32_t /*count*/) {
     const Shown& shown = Of(data);
-    vec3 at{};
-    vec3_set(&at, static_cast<float>(event->x), static_cast<float>(event->y), 0);
     if (!shown.pane) return;
-    if (ToItem(shown, at)) {
-        SendClick(*shown.pane, double{at.x}, double{at.y}, button, isUp);
-    } else if (isUp) {
-        Guarded([&] { shown.pane->Lift(); });
-    }
+    Guarded([&] {
+        if (const auto at = ToItem(shown, PositionOf(*event))) {
+            SendClick(*shown.pane, at->x, at->y, button, isUp);
+        } else if (isUp) {
+            shown.pane->Lift();
+        }
+    });
 }
 
 void OnMove(void* data, const obs_mouse_event* event, bool hasLeft) {
     const Shown& shown = Of(data);
-    vec3 at{};
-    vec3_set(&at, static_cast<float>(event->x), static_cast<float>(event->y), 0);
-    if (shown.pane && ToItem(shown, at)) SendMove(*shown.pane, double{at.x}, double{at.y}, hasLeft);
+    if (!shown.pane) return;
+    Guarded([&] {
+        if (const auto at = ToItem(shown, PositionOf(*event))) SendMove(*shown.pane, at->x, at->y, hasLeft);
+    });
 }
 
 obs_source_info WindowInfo() {

@@ -22,7 +22,7 @@ public:
 
     // Opens OBS's window, in place of the one that was open.
     //   shown  what is seen in it
-    //   item   the source that the pane lies on, an item of `shown`, which is a scene then; null: `shown` itself
+    //   item   the source that the pane lies on, somewhere in `shown`, which is a scene then; null: `shown` itself
     void Open(const std::shared_ptr<InkPane>& pane, obs_source_t* shown, obs_source_t* item);
     void Close();
 

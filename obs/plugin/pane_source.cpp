@@ -2,11 +2,13 @@
 #include <obs-module.h>
 
 #include <algorithm>
+#include <memory>
 
 #include "obs/plugin/drawing_window.h"
 #include "obs/plugin/pane_owner.h"
 #include "obs/plugin/pane_settings.h"
 #include "obs/plugin/pane_sources.h"
+#include "obs/plugin/scene_search.h"
 
 namespace chalkpane::obs {
 namespace {
@@ -37,15 +39,15 @@ struct PaneSource {
     }
     // Over the scene that is being worked on, if the source is in it; otherwise over nothing.
     void OpenWindow() {
-        obs_source_t* scene = obs_frontend_preview_program_mode_active() ? obs_frontend_get_current_preview_scene()
-                                                                         : obs_frontend_get_current_scene();
-        if (scene != nullptr &&
-            obs_scene_find_source(obs_scene_from_source(scene), obs_source_get_name(owner.Source())) != nullptr) {
-            window.Open(owner.Pane(), scene, owner.Source());
+        const std::unique_ptr<obs_source_t, void (*)(obs_source_t*)> scene(
+            obs_frontend_preview_program_mode_active() ? obs_frontend_get_current_preview_scene()
+                                                       : obs_frontend_get_current_scene(),
+            obs_source_release);
+        if (scene && FindInScene(scene.get(), owner.Source())) {
+            window.Open(owner.Pane(), scene.get(), owner.Source());
         } else {
             obs_frontend_open_source_interaction(owner.Source());
         }
-        obs_source_release(scene);
     }
 
     PaneOwner owner;
