@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <memory>
-#include <ranges>
 #include <set>
 
 #include <graphics/matrix4.h>
@@ -46,7 +45,7 @@ public:
         obs_scene_t* scene = obs_group_or_scene_from_source(in);
         if (scene == nullptr || !m_lookedThrough.insert(scene).second) return false;
         const std::vector<Item> items = ItemsOf(scene);
-        return std::ranges::any_of(items | std::views::reverse, [&](const Item& item) {
+        return std::any_of(items.rbegin(), items.rend(), [&](const Item& item) {
             obs_source_t* source = obs_sceneitem_get_source(item.get());
             if (m_seen == Seen::Only && !obs_sceneitem_visible(item.get())) return false;
             m_places.push_back(PlaceOf(item.get()));

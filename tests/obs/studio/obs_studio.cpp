@@ -195,10 +195,11 @@ std::string ObsStudio::Screenshot(const std::string& source) {
 
 // A new scene is a reason to save.
 nlohmann::json ObsStudio::Save() {
-    REQUIRE_FALSE(Ask("CreateScene", {{"sceneName", "Saved"}}).is_null());
+    const std::string name = "Saved " + std::to_string(++m_saves);
+    REQUIRE_FALSE(Ask("CreateScene", {{"sceneName", name}}).is_null());
     WaitUntil("the scene collection is saved", [&] {
         const nlohmann::json scenes = Collection()["scene_order"];
-        return std::ranges::any_of(scenes, [](const nlohmann::json& scene) { return scene["name"] == "Saved"; });
+        return std::ranges::any_of(scenes, [&](const nlohmann::json& scene) { return scene["name"] == name; });
     });
     return Collection();
 }

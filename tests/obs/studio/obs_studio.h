@@ -63,6 +63,7 @@ private:
     pid_t m_program = -1;
     std::unique_ptr<kel::testing::RawConnection> m_socket;
     int m_requests = 0;
+    int m_saves = 0;
 };
 
 }  // namespace chalkpane::obs::testing

@@ -75,6 +75,32 @@ const nlohmann::json& Named(const nlohmann::json& list, const std::string& name)
     return *found;
 }
 
+// Of a pixel of the source, counted from the top.
+int AlphaAt(const std::vector<std::byte>& canvas, int x, int y) {
+    return std::to_integer<int>(
+        canvas[(static_cast<std::size_t>(side - 1 - y) * side + static_cast<std::size_t>(x)) * 4 + 3]);
+}
+
+// Moves, scales and crops the item, opens the window over the whole scene, and draws through its middle. Returns all of
+// the item's ink.
+std::string DrawOverTheMovedItem(ObsStudio& obs) {
+    const nlohmann::json item = obs.Ask("GetSceneItemId", {{"sceneName", "Scene"}, {"sourceName", "Ink"}});
+    REQUIRE_FALSE(item.is_null());
+    const nlohmann::json transform = {{"positionX", 300}, {"positionY", 200}, {"scaleX", 0.5},
+                                      {"scaleY", 0.75},   {"cropLeft", 100},  {"cropTop", 50}};
+    REQUIRE_FALSE(
+        obs.Ask("SetSceneItemTransform",
+                {{"sceneName", "Scene"}, {"sceneItemId", item["sceneItemId"]}, {"sceneItemTransform", transform}})
+            .is_null());
+    obs.WaitForFrames(3);
+    REQUIRE_FALSE(obs.Ask("PressInputPropertiesButton", {{"inputName", "Ink"}, {"propertyName", "Draw"}}).is_null());
+    DrawFromLeft(obs, obs.InteractWindow("Scene"), 60, 20);
+    obs.display.PressButton(false);
+    obs.CloseInteractWindow("Scene");
+    obs.WaitForFrames(3);
+    return Named(obs.Save()["sources"], "Ink")["settings"]["ChalkpaneInk"];
+}
+
 }  // namespace
 
 TEST_CASE("In OBS Studio a real pointer draws on a source and through a filter, as its lossless recording shows") {
@@ -131,15 +157,21 @@ TEST_CASE("In OBS Studio a real pointer draws on a source and through a filter, 
             furthest = std::max(furthest, std::abs(expected[pixel * 3 + channel] - shown.rgba[pixel * 4 + channel]));
     CHECK(furthest <= 1);
 
-    // OBS is closed in a stroke.
     obs.BeginAgain();
+    const std::string inScene = DrawOverTheMovedItem(obs);
+    CHECK(inScene.starts_with(inkText));
+    // Where the middle of the scene is in the item: (512 - 300) / 0.5 + 100 = 524, (512 - 200) / 0.75 + 50 = 466.
+    CHECK(AlphaAt(ink, 524, 466) == 0);
+    CHECK(AlphaAt(CanvasOf(inScene), 524, 466) > 200);
+
+    // OBS is closed in a stroke.
     const std::string before = obs.Screenshot("Ink");
     REQUIRE_FALSE(obs.Ask("OpenInputInteractDialog", {{"inputName", "Ink"}}).is_null());
     DrawFromLeft(obs, obs.InteractWindow("Ink"), 150, -100);
     WaitUntil("ink of the stroke", [&] { return obs.Screenshot("Ink") != before; });
     const std::string after = Named(obs.Close()["sources"], "Ink")["settings"]["ChalkpaneInk"];
-    CHECK(after.starts_with(inkText));
-    CHECK_EQ(chalkpane::ParseJournal(after).records.size(), chalkpane::ParseJournal(inkText).records.size() + 1);
+    CHECK(after.starts_with(inScene));
+    CHECK_EQ(chalkpane::ParseJournal(after).records.size(), chalkpane::ParseJournal(inScene).records.size() + 1);
     const std::string log = obs.Log();
     CHECK_NE(log.find("[chalkpane] loaded"), std::string::npos);
     CHECK_NE(log.find("Number of memory leaks: 0"), std::string::npos);
