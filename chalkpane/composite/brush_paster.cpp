@@ -1,10 +1,26 @@
 #include "chalkpane/composite/brush_paster.h"
 
 #include "chalkpane/composite/brush_paster_rows.h"
+#include "chalkpane/composite/src_over_row.h"
 
 namespace chalkpane {
 
 namespace {
+
+// The most used paste, whole: rows of a small one cost more to set up than to paint.
+bool PasteAsBlock(const PasteJob<PixelFormat8>& job) {
+    if (job.region.Height() > RowsInBand(job.region.Width()) || job.mask.pixelStep != 1) return false;
+    SrcOverBlock8({.target = job.target.first,
+                   .targetStep = job.target.rowStep,
+                   .source = job.source.first,
+                   .sourceStep = job.source.rowStep,
+                   .mask = job.mask.first,
+                   .maskStep = job.mask.rowStep,
+                   .width = job.region.Width(),
+                   .height = job.region.Height(),
+                   .opacity = job.settings.opacity});
+    return true;
+}
 
 template <typename F>
 void PasteRows(const PasteRecord& record, double opacity, std::int32_t mode, PasteBehaviour behaviour) {
@@ -16,6 +32,8 @@ void PasteRows(const PasteRecord& record, double opacity, std::int32_t mode, Pas
     job.mask = record.mask != nullptr ? CoveragePlaneOf<Channel>(*record.mask, record.rect) : FullCoverage<F>();
     job.settings = {IntegerOpacity(opacity, pasteOpacityFactor<F>, F::fullScale), mode};
     if (job.settings.opacity == 0) return;
+    if constexpr (F::bits == 8)
+        if (mode == 0 && behaviour == PasteBehaviour::Over && record.clip == nullptr && PasteAsBlock(job)) return;
     job.SetClip(record.clip, record.clipInverted, BrushPasterKernels<F>(mode != 0, behaviour));
     RunPaste(job);
 }

@@ -20,7 +20,23 @@ void SrcOverRow8Avx2(std::uint8_t* target, const std::uint8_t* source, const std
 void SrcOverRow8(std::uint8_t* target, const std::uint8_t* source, const std::uint8_t* mask, std::ptrdiff_t maskStep,
                  std::ptrdiff_t count, std::int32_t opacity);
 
-// The same over rows, for a source of one opaque colour.
+// The same over rows.
+struct PixelBlock8 {
+    std::uint8_t* target = nullptr;  // the first row's first pixel
+    std::ptrdiff_t targetStep = 0;   // bytes from one row to the next
+    const std::uint8_t* source = nullptr;
+    std::ptrdiff_t sourceStep = 0;
+    const std::uint8_t* mask = nullptr;  // a byte a pixel
+    std::ptrdiff_t maskStep = 0;         // bytes from one row to the next
+    std::ptrdiff_t width = 0;            // of all three
+    std::ptrdiff_t height = 0;
+    std::int32_t opacity = 0;  // 0 .. 255
+};
+// Needs AVX-512, and is there where `builtWithAvx512`.
+void SrcOverBlock8Avx512(const PixelBlock8& block);
+void SrcOverBlock8(const PixelBlock8& block);
+
+// And for a source of one opaque colour.
 struct ColourBlock8 {
     std::uint8_t* target = nullptr;  // the first row's first pixel
     std::ptrdiff_t targetStep = 0;   // bytes from one row to the next
@@ -34,6 +50,8 @@ struct ColourBlock8 {
 void ColourOverBlock8Plain(const ColourBlock8& block);
 // Needs AVX2, and is there where `builtWithAvx2`.
 void ColourOverBlock8Avx2(const ColourBlock8& block);
+// Needs AVX-512, and is there where `builtWithAvx512`.
+void ColourOverBlock8Avx512(const ColourBlock8& block);
 void ColourOverBlock8(const ColourBlock8& block);
 
 // One pixel of it.

@@ -10,6 +10,7 @@
 #include "chalkpane/base/cpu_features.h"
 #include "chalkpane/composite/erase_row.h"
 #include "chalkpane/composite/src_over_row14.h"
+#include "tests/chalkpane/scoped_cpu_features.h"
 
 // The vector forms of the two most used rows against the plain ones.
 namespace chalkpane {
@@ -28,19 +29,22 @@ struct SrcOverRow {
 
 void CompareOver(const SrcOverRow& row, std::int32_t opacity) {
     Bytes plain = row.target;
-    Bytes vector = row.target;
     SrcOverRow8Plain(plain.data(), row.source.data(), row.mask.data(), 1, pairs, opacity);
-    SrcOverRow8Avx2(vector.data(), row.source.data(), row.mask.data(), pairs, opacity);
-    const auto difference = std::ranges::mismatch(plain, vector).in1 - plain.begin();
-    CAPTURE(opacity);
-    CAPTURE(difference);
-    CHECK(plain == vector);
+    for (const CpuFeatures features : {CpuFeatures::Avx2, CpuFeatures::All}) {
+        const test::ScopedCpuFeatures used(features);
+        Bytes vector = row.target;
+        SrcOverRow8(vector.data(), row.source.data(), row.mask.data(), 1, pairs, opacity);
+        const auto difference = std::ranges::mismatch(plain, vector).in1 - plain.begin();
+        CAPTURE(static_cast<int>(features));
+        CAPTURE(opacity);
+        CAPTURE(difference);
+        CHECK(plain == vector);
+    }
 }
 
 }  // namespace
 
-TEST_CASE("the vector form of the src_over row is equal for all source and target channels") {
-    if (!HasAvx2()) return;
+TEST_CASE("the vector forms of the src_over row are equal for all source and target channels") {
     std::mt19937 random(1);
     SrcOverRow row;
     for (std::size_t i = 0; i < pairs; ++i)
@@ -50,7 +54,8 @@ TEST_CASE("the vector form of the src_over row is equal for all source and targe
         }
     for (std::int32_t opacity = 0; opacity < 256; opacity += 3) {
         for (std::size_t i = 0; i < pairs; ++i) {
-            row.source[4 * i + 3] = static_cast<std::uint8_t>(random());
+            // Opaque pixels next to each other have a way of their own.
+            row.source[4 * i + 3] = i % 128 < 64 ? 255 : static_cast<std::uint8_t>(random());
             row.target[4 * i + 3] = static_cast<std::uint8_t>(random());
             row.mask[i] = static_cast<std::uint8_t>(random());
         }
@@ -58,8 +63,7 @@ TEST_CASE("the vector form of the src_over row is equal for all source and targe
     }
 }
 
-TEST_CASE("the vector form of the src_over row is equal for all masks and alphas") {
-    if (!HasAvx2()) return;
+TEST_CASE("the vector forms of the src_over row are equal for all masks and alphas") {
     std::mt19937 random(2);
     SrcOverRow row;
     for (std::size_t i = 0; i < pairs; ++i) {
@@ -87,10 +91,14 @@ TEST_CASE("the vector forms keep inside their row") {
             Bytes plain = target;
             Bytes vector = target;
             const auto pixels = static_cast<std::ptrdiff_t>(count);
-            SrcOverRow8Plain(plain.data() + 4 * start, source.data(), mask.data(), 1, pixels, 200);
-            SrcOverRow8Avx2(vector.data() + 4 * start, source.data(), mask.data(), pixels, 200);
             CAPTURE(count);
-            CHECK(plain == vector);
+            SrcOverRow8Plain(plain.data() + 4 * start, source.data(), mask.data(), 1, pixels, 200);
+            for (const CpuFeatures features : {CpuFeatures::Avx2, CpuFeatures::All}) {
+                const test::ScopedCpuFeatures used(features);
+                vector = target;
+                SrcOverRow8(vector.data() + 4 * start, source.data(), mask.data(), 1, pixels, 200);
+                CHECK(plain == vector);
+            }
             EraseRow8Plain(plain.data() + 4 * start, mask.data(), 1, pixels, 200);
             EraseRow8Avx2(vector.data() + 4 * start, mask.data(), pixels, 200);
             CHECK(plain == vector);
@@ -99,8 +107,7 @@ TEST_CASE("the vector forms keep inside their row") {
 }
 
 // All widths of a small dab, over rows that are apart in both images, the target's from bottom to top.
-TEST_CASE("the vector form of a block of one colour is equal, and keeps inside the block") {
-    if (!HasAvx2()) return;
+TEST_CASE("the vector forms of a block of one colour are equal, and keep inside the block") {
     std::mt19937 random(7);
     for (std::ptrdiff_t width = 1; width < 44; ++width) {
         for (const std::ptrdiff_t height : {1, 2, 3, 8}) {
@@ -116,14 +123,56 @@ TEST_CASE("the vector form of a block of one colour is equal, and keeps inside t
                                .height = height,
                                .pixel = 0xff000000U | static_cast<std::uint32_t>(random()),
                                .opacity = static_cast<std::int32_t>(random() % 256)};
-            Bytes vector = target;
-            block.target = target.data() + targetStep * (height - 1) + 8;
-            ColourOverBlock8Plain(block);
-            block.target = vector.data() + targetStep * (height - 1) + 8;
-            ColourOverBlock8Avx2(block);
             CAPTURE(width);
             CAPTURE(height);
-            CHECK(target == vector);
+            const auto made = [&](CpuFeatures features) {
+                const test::ScopedCpuFeatures used(features);
+                Bytes bytes = target;
+                block.target = bytes.data() + targetStep * (height - 1) + 8;
+                ColourOverBlock8(block);
+                return bytes;
+            };
+            const Bytes plain = made(CpuFeatures::Plain);
+            CHECK(made(CpuFeatures::Avx2) == plain);
+            CHECK(made(CpuFeatures::All) == plain);
+        }
+    }
+}
+
+// Both ends of the widest register, and sources whose rows are one, as a dab of one colour has them.
+TEST_CASE("a block of pixels is what its rows are, and keeps inside the block") {
+    std::mt19937 random(9);
+    constexpr std::ptrdiff_t height = 3;
+    for (std::ptrdiff_t width = 1; width < 52; ++width) {
+        for (const std::ptrdiff_t sourceStep : {std::ptrdiff_t{0}, 4 * width + 4}) {
+            const std::ptrdiff_t targetStep = 4 * width + 12;
+            Bytes target(static_cast<std::size_t>(targetStep * height + 64));
+            Bytes source(static_cast<std::size_t>((4 * width + 4) * height));
+            Bytes mask(static_cast<std::size_t>((width + 3) * height));
+            for (auto* bytes : {&target, &source, &mask})
+                for (auto& byte : *bytes) byte = random() % 3 == 0 ? 0 : static_cast<std::uint8_t>(random());
+            const PixelBlock8 block{.targetStep = -targetStep,
+                                    .source = source.data(),
+                                    .sourceStep = sourceStep,
+                                    .mask = mask.data(),
+                                    .maskStep = width + 3,
+                                    .width = width,
+                                    .height = height,
+                                    .opacity = static_cast<std::int32_t>(random() % 256)};
+            CAPTURE(width);
+            CAPTURE(sourceStep);
+            Bytes plain = target;
+            for (std::ptrdiff_t y = 0; y < height; ++y)
+                SrcOverRow8Plain(plain.data() + targetStep * (height - 1 - y) + 8, source.data() + sourceStep * y,
+                                 mask.data() + (width + 3) * y, 1, width, block.opacity);
+            for (const CpuFeatures features : {CpuFeatures::Plain, CpuFeatures::Avx2, CpuFeatures::All}) {
+                const test::ScopedCpuFeatures used(features);
+                Bytes made = target;
+                PixelBlock8 there = block;
+                there.target = made.data() + targetStep * (height - 1) + 8;
+                SrcOverBlock8(there);
+                CHECK(made == plain);
+            }
         }
     }
 }
@@ -140,16 +189,20 @@ TEST_CASE("a block of one colour is equal for all masks, opacities, colours and 
         for (std::size_t i = 0; i < pairs; ++i) std::memcpy(&source[4 * i], &pixel, 4);
         Bytes plain = target;
         SrcOverRow8Plain(plain.data(), source.data(), mask.data(), 1, pairs, opacity);
-        ColourOverBlock8({.target = target.data(),
-                          .targetStep = 1024,
-                          .mask = mask.data(),
-                          .maskStep = 256,
-                          .width = 256,
-                          .height = 256,
-                          .pixel = pixel,
-                          .opacity = opacity});
         CAPTURE(opacity);
-        CHECK(plain == target);
+        for (const CpuFeatures features : {CpuFeatures::Avx2, CpuFeatures::All}) {
+            const test::ScopedCpuFeatures used(features);
+            Bytes made = target;
+            ColourOverBlock8({.target = made.data(),
+                              .targetStep = 1024,
+                              .mask = mask.data(),
+                              .maskStep = 256,
+                              .width = 256,
+                              .height = 256,
+                              .pixel = pixel,
+                              .opacity = opacity});
+            CHECK(plain == made);
+        }
     }
 }
 
