@@ -60,6 +60,37 @@ std::uint64_t Digest(const ImDrawList& list) {
     return digest;
 }
 
+// It begins with a plain opaque rectangle over all of its area, as ImGui draws the ground of a page with square
+// corners.
+bool IsSolid(const ImDrawList& list, const FrameArea& area, WindowSize window) {
+    constexpr std::array<ImDrawIdx, 6> twoTriangles{0, 1, 2, 0, 2, 3};
+    constexpr int corners = 4;
+    const auto& vertices = list.VtxBuffer;
+    if (vertices.Size < corners || list.IdxBuffer.Size < static_cast<int>(twoTriangles.size()) ||
+        !std::equal(twoTriangles.begin(), twoTriangles.end(), list.IdxBuffer.begin()))
+        return false;
+    const ImDrawVert& first = vertices[0];
+    const ImVec2& from = first.pos;
+    const ImVec2& to = vertices[2].pos;
+    const auto isPlain = [&](const ImDrawVert& one) {  // all of it takes one texel, which for ImGui is its white one
+        return one.col == first.col && one.uv.x == first.uv.x && one.uv.y == first.uv.y;
+    };
+    const auto isAt = [](const ImDrawVert& one, float x, float y) { return one.pos.x == x && one.pos.y == y; };
+    const auto isWhole = [](float at) { return std::floor(at) == at; };
+    return first.col >> IM_COL32_A_SHIFT == 255 && std::all_of(vertices.begin(), vertices.begin() + corners, isPlain) &&
+           isAt(vertices[1], to.x, from.y) && isAt(vertices[3], from.x, to.y) && isWhole(from.x) && isWhole(from.y) &&
+           isWhole(to.x) && isWhole(to.y) && AreaOf({from.x, from.y, to.x, to.y}, window) == area;
+}
+
+// Takes one end off a stretch that the cover lies at.
+void TakeEnd(std::int32_t& at, std::int32_t& size, std::int32_t coverAt, std::int32_t coverSize) {
+    if (coverAt == at)
+        at += coverSize;
+    else if (coverAt + coverSize != at + size)
+        return;
+    size -= coverSize;
+}
+
 }  // namespace
 
 std::vector<PanelPage> PagesOf(const ImDrawData& data, WindowSize window) {
@@ -70,8 +101,22 @@ std::vector<PanelPage> PagesOf(const ImDrawData& data, WindowSize window) {
         for (const ImDrawCmd& command : list.CmdBuffer)
             if (command.ElemCount > 0) page.area = Union(page.area, AreaOf(Extent(list, command), window));
         page.digest = Digest(list);
+        page.isSolid = IsSolid(list, page.area, window);
     }
     return pages;
+}
+
+FrameArea Uncovered(FrameArea part, const std::vector<PanelPage>& pages) {
+    const auto cut = [&](const PanelPage& page) {
+        const FrameArea cover = page.isSolid ? Intersection(part, page.area) : FrameArea();
+        if (cover.IsEmpty()) return false;
+        const FrameArea before = part;
+        if (cover.height == before.height) TakeEnd(part.x, part.width, cover.x, cover.width);
+        if (cover.width == before.width) TakeEnd(part.y, part.height, cover.y, cover.height);
+        return part != before;
+    };
+    while (!part.IsEmpty() && std::ranges::any_of(pages, cut)) continue;  // what one leaves another may cover
+    return part;
 }
 
 }  // namespace kel

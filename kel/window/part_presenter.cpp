@@ -5,6 +5,7 @@
 #include <string_view>
 
 #if KEL_WITH_X11
+#include <EGL/egl.h>
 #include <SDL_syswm.h>
 #endif
 
@@ -16,6 +17,9 @@ template <typename Function>
 Function GlxFunction(const char* name) {
     return reinterpret_cast<Function>(SDL_GL_GetProcAddress(name));
 }
+
+// Under EGL the functions of GLX have addresses too, and no display behind them that knows them.
+bool IsOfEgl() { return eglGetCurrentContext() != EGL_NO_CONTEXT; }
 
 bool HasExtension(Display* display, std::string_view wanted) {
     const auto extensions = GlxFunction<const char* (*)(Display*, int)>("glXQueryExtensionsString");
@@ -32,7 +36,7 @@ PartPresenter::PartPresenter(SDL_Window* window) {
     SDL_SysWMinfo info;
     SDL_VERSION(&info.version);
     if (SDL_GetWindowWMInfo(window, &info) != SDL_TRUE || info.subsystem != SDL_SYSWM_X11) return;
-    if (!HasExtension(info.info.x11.display, "GLX_MESA_copy_sub_buffer")) return;
+    if (IsOfEgl() || !HasExtension(info.info.x11.display, "GLX_MESA_copy_sub_buffer")) return;
     m_copy = GlxFunction<Copy>("glXCopySubBufferMESA");
     m_display = info.info.x11.display;
     m_drawable = info.info.x11.window;

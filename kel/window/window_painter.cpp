@@ -62,6 +62,11 @@ void WindowPainter::Place(const PictureArea& picture) {
 }
 
 void WindowPainter::Paint(const Host& host, const FrameArea& part) {
+    PaintUnderPages(host, Uncovered(part, m_pages));
+    m_window.DrawPanel(part);
+}
+
+void WindowPainter::PaintUnderPages(const Host& host, const FrameArea& part) {
     const FrameArea picture = PictureInWindow();
     const FrameArea seen = Intersection(part, picture);
     // Also where none of the picture is seen: it is what goes from the scene's own frame to the window.
@@ -86,7 +91,6 @@ void WindowPainter::Paint(const Host& host, const FrameArea& part) {
         }
         glDisable(GL_SCISSOR_TEST);
     }
-    m_window.DrawPanel(part);
 }
 
 void WindowPainter::ShowAll(const Host& host) {
@@ -133,7 +137,7 @@ void WindowPainter::ShowPicture(const Host& host, const FrameArea& changed) {
     const FrameArea tails = Union(std::exchange(m_tailShown, tail), tail);
     if (ShowsAllInstead(host) || (changed.IsEmpty() && tails.IsEmpty())) return;
     const FrameArea part = changed.IsEmpty() ? FrameArea() : ShownPart(changed, host.Window(), PictureInWindow());
-    Show(host, Union(part, tails));
+    Show(host, Uncovered(Union(part, tails), m_pages));
 }
 
 void WindowPainter::ShowPanel(const Host& host) {

@@ -37,6 +37,7 @@ private:
     [[nodiscard]] FrameArea Whole() const;
     [[nodiscard]] FrameArea PictureInWindow() const;
     void Paint(const Host& host, const FrameArea& part);
+    void PaintUnderPages(const Host& host, const FrameArea& part);
     void Show(const Host& host, const FrameArea& part);
     bool PutsPicture(const Host& host, const FrameArea& part);
     bool ShowsAllInstead(const Host& host);

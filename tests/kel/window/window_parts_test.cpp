@@ -1,5 +1,6 @@
 #include <doctest/doctest.h>
 
+#include <cstdlib>
 #include <thread>
 
 #include "tests/kel/window/paper_window.h"
@@ -100,6 +101,50 @@ TEST_CASE("A window that is made larger and smaller while one draws goes on show
     window.WaitForFields("button", shown);
     WaitForPart(window, window.area, sheet);
     CHECK_EQ(window.IsRunning(), true);
+}
+
+TEST_CASE("A closer look at the picture leaves the panel beside it as it is, part by part and as a whole") {
+    PaperWindow window;
+    window.SetByKey("3", "BrushColor");
+    const auto place = window.display.FindWindow("paper.png - kel");
+    REQUIRE(place);
+    const PictureArea panel{window.area.x + window.area.width, place->y, place->width - window.area.width,
+                            window.area.height};
+    window.MoveOnPaper(0.5, 0.5);
+    window.WaitUntilStill();
+    const picture_io::Picture before = PartOf(window.display.Screen(), panel);
+    window.display.TurnWheel(3);
+    WaitUntil("the paper goes on under the panel", [&] { return FindPaper(window.display.Screen()).height >= 900; });
+    DrawZigzag(window, 0.5);
+    window.WaitForFields("release", shown);
+    window.MoveOnPaper(0.5, 0.5);
+    window.WaitUntilStill();
+    const picture_io::Picture inParts = PartOf(window.display.Screen(), window.area);
+    CHECK_EQ(PartOf(window.display.Screen(), panel) == before, true);
+    window.display.TypeKey("Tab");
+    WaitUntil("the panel is away", [&] { return FindPaper(window.display.Screen()).width > window.area.width; });
+    window.display.TypeKey("Tab");
+    WaitForPart(window, window.area, inParts);
+    WaitForPart(window, panel, before);
+}
+
+// Where a part alone cannot be shown. SDL takes GLX first where it is not told otherwise.
+TEST_CASE("A window that OpenGL has from EGL shows what is drawn") {
+    setenv("SDL_VIDEO_X11_FORCE_EGL", "1", 1);
+    PaperWindow window;
+    unsetenv("SDL_VIDEO_X11_FORCE_EGL");
+    window.SetByKey("3", "BrushColor");
+    DrawZigzag(window, 0.3);
+    WaitUntil("there is ink", [&] {
+        const picture_io::Picture screen = window.display.Screen();
+        const std::int32_t x = window.area.x + window.area.width / 2;
+        const auto isInk = [&](std::int32_t y) {
+            return testing::Difference(screen.At(x, window.area.y + y), testing::ink) < 60;
+        };
+        for (std::int32_t y = 0; y < window.area.height; ++y)
+            if (isInk(y)) return true;
+        return false;
+    });
 }
 
 }  // namespace kel
