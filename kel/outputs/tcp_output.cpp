@@ -9,7 +9,7 @@
 #include <system_error>
 
 #include "cli/error.h"
-#include "kel/outputs/socket_address.h"
+#include "kel/video/socket_address.h"
 
 namespace kel {
 namespace {
@@ -28,7 +28,7 @@ int PortOf(int door, int asked) {
 
 SocketHandle OpenDoor(const std::string& host, int port) {
     const std::string whole = "tcp://" + HostAndPort(host, port);
-    const SocketAddress address = FindSocketAddress(host, port, SOCK_STREAM, whole);
+    const SocketAddress address = PlaceToListenAt(host, port, whole);
     SocketHandle door(socket(address.place.ss_family, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
     constexpr int backlog = 4;
     if (door.Get() >= 0) setsockopt(door.Get(), SOL_SOCKET, SO_REUSEADDR, &socketOptionOn, sizeof socketOptionOn);

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "kel/outputs/socket_handle.h"
+#include "kel/video/socket_handle.h"
 #include "kel/video/stream_output.h"
 
 namespace kel {

@@ -9,6 +9,7 @@
 #include <system_error>
 
 #include "cli/error.h"
+#include "kel/video/host_lookup.h"
 
 namespace kel {
 namespace {
@@ -24,16 +25,32 @@ SocketHandle OpenSocket(const SocketAddress& to, int hops, const std::string& wh
 
 }  // namespace
 
-UdpOutput::UdpOutput(std::string host, int port, int hops)
-    : m_host(std::move(host)),
-      m_port(port),
-      m_to(FindSocketAddress(m_host, port, SOCK_DGRAM, "udp://" + HostAndPort(m_host, port))),
-      m_socket(OpenSocket(m_to, hops, Address())) {}
+UdpOutput::UdpOutput(std::string host, int port, int hops) : m_host(std::move(host)), m_port(port), m_hops(hops) {
+    const HostAnswer where = LookUpHostSoon(m_host);
+    if (!where.isThere) return;
+    if (where.numbers.empty()) throw cli::Error(Address(), {}, "there is no such place: " + where.reason);
+    Open(where.numbers.front());
+}
+
+void UdpOutput::Open(const std::string& numbers) {
+    m_to = SocketAddressOf(numbers, m_port);
+    m_socket = OpenSocket(m_to, m_hops, Address());
+}
 
 std::string UdpOutput::Address() const { return "udp://" + HostAndPort(m_host, m_port); }
 
 // A network that is down may come up again.
-bool UdpOutput::WaitForReader() { return !Stopped().WaitFor(m_mustWait ? retryMilliseconds : 0); }
+bool UdpOutput::WaitForReader() {
+    if (Stopped().WaitFor(m_mustWait ? retryMilliseconds : 0)) return false;
+    while (m_socket.Get() < 0) {
+        const std::vector<std::string> numbers = LookUpHost(m_host, Stopped());
+        if (!numbers.empty())
+            Open(numbers.front());
+        else if (Stopped().WaitFor(retryMilliseconds))
+            return false;
+    }
+    return true;
+}
 
 // A key frame is hundreds of datagrams, more than what readers keep of them, so they get a moment now and then.
 bool UdpOutput::Send(std::span<const std::uint8_t> bytes) {

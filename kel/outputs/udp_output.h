@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "kel/outputs/socket_address.h"
-#include "kel/outputs/socket_handle.h"
+#include "kel/video/socket_address.h"
+#include "kel/video/socket_handle.h"
 #include "kel/video/stream_output.h"
 
 namespace kel {
@@ -12,7 +12,8 @@ namespace kel {
 class UdpOutput final : public StreamOutput {
 public:
     //   hops  how many networks datagrams to a group of readers may pass
-    // Throws Error when there is no such place.
+    // Throws Error when there is no such place; where nobody says soon whether there is, it is waited for as a reader
+    // is.
     UdpOutput(std::string host, int port, int hops);
 
     [[nodiscard]] std::string Address() const override;
@@ -21,9 +22,12 @@ public:
     void Leave() override { m_mustWait = true; }
 
 private:
+    void Open(const std::string& numbers);
+
     std::string m_host;
     int m_port;
-    SocketAddress m_to;
+    int m_hops;
+    SocketAddress m_to;  // there once the socket is
     SocketHandle m_socket;
     int m_burst = 0;  // datagrams since the last pause
     bool m_mustWait = false;

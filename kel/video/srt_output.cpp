@@ -1,8 +1,6 @@
 #include "kel/video/srt_output.h"
 
-#include <netdb.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
@@ -11,6 +9,8 @@
 #include "cli/error.h"
 #include "kel/video/av_objects.h"
 #include "kel/video/host_lookup.h"
+#include "kel/video/socket_address.h"
+#include "kel/video/socket_handle.h"
 
 namespace kel {
 namespace {
@@ -41,19 +41,10 @@ std::string MicrosecondsOf(const std::string& milliseconds) {
 
 // The library tells only once it listens, on its own thread, that somebody else does; SRT is UDP, so this tells before.
 void RequireFreePort(const SrtSettings& settings, const std::string& address) {
-    addrinfo hints{};
-    hints.ai_socktype = SOCK_DGRAM;
-    hints.ai_flags = AI_PASSIVE;
-    addrinfo* found = nullptr;
-    if (const int failure = getaddrinfo(settings.host.c_str(), std::to_string(settings.port).c_str(), &hints, &found);
-        failure != 0)
-        throw cli::Error(address, {}, std::string("cannot be listened at: ") + gai_strerror(failure));
-    const std::unique_ptr<addrinfo, void (*)(addrinfo*)> owned(found, freeaddrinfo);
-    const int handle = socket(found->ai_family, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-    const bool isFree = handle >= 0 && bind(handle, found->ai_addr, found->ai_addrlen) == 0;
-    const std::string reason = std::generic_category().message(errno);
-    if (handle >= 0) close(handle);
-    if (!isFree) throw cli::Error(address, {}, "cannot be listened at: " + reason);
+    const SocketAddress place = PlaceToListenAt(settings.host, settings.port, address);
+    const SocketHandle handle(socket(place.place.ss_family, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+    if (handle.Get() < 0 || bind(handle.Get(), place.Get(), place.size) != 0)
+        throw cli::Error(address, {}, "cannot be listened at: " + std::generic_category().message(errno));
 }
 
 }  // namespace

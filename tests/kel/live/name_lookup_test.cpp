@@ -6,8 +6,11 @@
 #include <mutex>
 #include <string_view>
 
+#include "kel/outputs/tcp_output.h"
+#include "kel/outputs/udp_output.h"
 #include "kel/video/host_lookup.h"
 #include "kel/video/srt_output.h"
+#include "tests/cli/thrown.h"
 #include "tests/kel/live/watched_source.h"
 
 // Who is asked where a host is may never answer. The test program's getaddrinfo stands for all of the libraries'.
@@ -16,6 +19,7 @@ namespace kel {
 namespace {
 
 constexpr std::string_view silentHost = "never.answers";
+constexpr std::string_view lateHost = "answers.late";  // asked likewise, and is this machine
 
 // Those that ask for the silent host wait here until the test lets them go.
 class SilentServer {
@@ -87,6 +91,45 @@ TEST_CASE("A source and an output end while the question where their host is goe
     TheServer().Answer();
 }
 
+TEST_CASE("A program begins although nobody says where its outputs' hosts are") {
+    const std::string host(lateHost);
+    const testing::BoundPort reader(SOCK_DGRAM);
+    TheServer().BeSilent();
+    // Side by side, since each waits for a moment. Where nobody can listen yet, no reader could be told a port.
+    std::string tcp;
+    std::string srt;
+    std::thread first([&] { tcp = cli::testing::Thrown([&] { const TcpOutput output(host, 9000); }); });
+    std::thread second([&] {
+        srt = cli::testing::Thrown([&] { const SrtOutput output(SrtSettings{host, 9000, true, {}, {}, {}}); });
+    });
+    UdpOutput output(host, reader.Number(), 1);
+    first.join();
+    second.join();
+    CHECK(TheServer().IsAsked());
+    CHECK_EQ(tcp, "tcp://answers.late:9000: cannot be listened at: nobody answers where that is");
+    CHECK_EQ(srt, "srt://answers.late:9000: cannot be listened at: nobody answers where that is");
+    CHECK_EQ(output.Address(), "udp://answers.late:" + std::to_string(reader.Number()));
+
+    std::thread waiting([&] { CHECK(output.WaitForReader()); });
+    TheServer().Answer();
+    waiting.join();
+    const std::uint8_t sent = 7;
+    CHECK(output.Send({&sent, 1}));
+    std::uint8_t come = 0;
+    CHECK_EQ(recv(reader.Socket(), &come, 1, 0), 1);
+    CHECK_EQ(come, sent);
+}
+
+TEST_CASE("An output to a host that is nowhere is refused") {
+    const std::string tooLong(64, 'x');  // a name's parts have up to 63 letters, so nobody is asked
+    CHECK(cli::testing::Thrown([&] {
+              const UdpOutput output(tooLong, 5000, 1);
+          }).starts_with("udp://" + tooLong + ":5000: there is no such place: "));
+    CHECK(cli::testing::Thrown([&] {
+              const TcpOutput output(tooLong, 0);
+          }).starts_with("tcp://" + tooLong + ":0: there is no such place: "));
+}
+
 TEST_CASE("Where a host is is told in numbers, and one that is nowhere has none") {
     const StopSignal never;
     CHECK_EQ(LookUpHost("127.0.0.1", never), std::vector<std::string>{"127.0.0.1"});
@@ -100,10 +143,12 @@ TEST_CASE("Where a host is is told in numbers, and one that is nowhere has none"
 
 #pragma GCC visibility push(default)
 extern "C" int getaddrinfo(const char* host, const char* service, const addrinfo* hints, addrinfo** found) {
-    if (host != nullptr && host == kel::silentHost) {
-        const bool asksServers = hints == nullptr || (hints->ai_flags & AI_NUMERICHOST) == 0;
+    const bool asksServers = hints == nullptr || (hints->ai_flags & AI_NUMERICHOST) == 0;
+    const bool isLate = host != nullptr && host == kel::lateHost;
+    if (isLate || (host != nullptr && host == kel::silentHost)) {
         if (asksServers) kel::TheServer().Ask();
-        return EAI_NONAME;
+        if (!isLate || !asksServers) return EAI_NONAME;
+        host = "127.0.0.1";
     }
     using Lookup = int (*)(const char*, const char*, const addrinfo*, addrinfo**);
     static const auto real = reinterpret_cast<Lookup>(dlsym(RTLD_NEXT, "getaddrinfo"));

@@ -9,7 +9,7 @@
 #include <thread>
 
 #include "kel/outputs/live_streams.h"
-#include "kel/outputs/socket_handle.h"
+#include "kel/video/socket_handle.h"
 #include "tests/kel/outputs/src_over.h"
 #include "tests/kel/outputs/stream_reader.h"
 #include "tests/kel/pixels.h"
