@@ -148,8 +148,7 @@ void MultiProcessor::RunInOrder(std::int32_t firstRow, std::int32_t lastRow, Row
 
 void MultiProcessor::RunRows(std::int32_t firstRow, std::int32_t lastRow, RowFunction rowFunction, void* userData) {
     const std::int64_t count = std::int64_t{lastRow} - firstRow + 1;
-    const bool parallel =
-        count > 5 && count > 2 * std::int64_t{m_processorCount} && m_processorCount >= 2 && m_busy.exchange(1) == 0;
+    const bool parallel = RunsInParallel(count) && m_busy.exchange(1) == 0;
     if (!parallel) return RunSerially(firstRow, lastRow, rowFunction, userData);
     m_userData = userData;
     m_rowFunction = rowFunction;

@@ -61,6 +61,10 @@ public:
     static RunListener* SetListener(RunListener* listener);
 
     [[nodiscard]] std::int32_t ProcessorCount() const { return m_processorCount; }
+    // True: a run of so many rows goes to the workers, unless they are busy.
+    [[nodiscard]] bool RunsInParallel(std::int64_t rows) const {
+        return rows > 5 && rows > 2 * std::int64_t{m_processorCount} && m_processorCount >= 2;
+    }
 
     MultiProcessor(const MultiProcessor&) = delete;
     MultiProcessor& operator=(const MultiProcessor&) = delete;
@@ -111,6 +115,11 @@ void RunBands(std::int32_t firstRow, std::int32_t lastRow, std::int32_t rowsPerB
 
 [[nodiscard]] constexpr std::int32_t RowsInBand(std::int32_t pixelsPerRow) {
     return std::max(pixelsPerBand / std::max(pixelsPerRow, 1), 1);
+}
+
+[[nodiscard]] constexpr std::int64_t BandCount(std::int64_t rows, std::int32_t pixelsPerRow) {
+    const std::int32_t rowsPerBand = RowsInBand(pixelsPerRow);
+    return (rows + rowsPerBand - 1) / rowsPerBand;
 }
 
 // Runs the rows as `Run` does, but counts in bands of rows of about `pixelsPerBand` pixels, so that small pastes and

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <new>
 
 #include "chalkpane/base/cpu_features.h"
+#include "chalkpane/base/multi_processor.h"
 #include "chalkpane/filters/effects/add_noise_row.h"
 #include "chalkpane/filters/row_filter.h"
 
@@ -81,11 +83,14 @@ std::span<const std::string_view> AddNoiseEffect::Choices(std::uint8_t code) {
 void AddNoiseEffect::Apply(const Image& source, std::unique_ptr<Image>& result, bool fast, const Rect* region,
                            bool expand) {
     if (m_level == 0.0F || m_density == 0) return ApplyAsCopy(source, result);
-    if (region == nullptr)
-        PrepareRows(source);
-    else if (region->Intersects(source))
-        PrepareRows(source.Intersection(*region));
+    const Rect area = region == nullptr ? source.Bounds() : source.Intersection(*region);
+    m_firstRow = area.y0;
+    if (EveryPixelPasses())
+        PrepareRows(area);
+    else if (!source.IsMask())
+        FindSparseRows(area);
     PointFilter::Apply(source, result, fast, region, expand);
+    m_sparseRows.Clear();
 }
 
 GrainDraws AddNoiseEffect::Draws() const { return {m_channels == rgb ? 3U : 1U, m_distribution == uniform ? 1U : 6U}; }
@@ -94,11 +99,23 @@ GrainDraws AddNoiseEffect::Draws() const { return {m_channels == rgb ? 3U : 1U, 
 void AddNoiseEffect::PrepareRows(const Rect& area) {
     const auto pixels = static_cast<std::size_t>(std::max(area.Width(), 1));
     const std::size_t pieces = (pixels + GrainLanes::mostPixels - 1) / GrainLanes::mostPixels;
-    m_rows.first = area.y0;
     m_rows.each = GrainJump::Of(pixels * Draws().PerPixel());
     m_rows.piecePixels = (pixels + pieces - 1) / pieces;
     m_rows.piece = GrainJump::Of(m_rows.piecePixels * Draws().PerPixel());
     m_rows.lanes = GrainLanes(m_rows.piecePixels, Draws());
+}
+
+// Where that pays, which is where the rows then run on the workers.
+void AddNoiseEffect::FindSparseRows(const Rect& area) {
+    if constexpr (builtWithAvx2) {
+        if (!HasAvx2() || !MultiProcessor::Instance().RunsInParallel(BandCount(area.Height(), area.Width()))) return;
+        try {
+            const auto more = static_cast<std::uint32_t>(Draws().PerPixel() - 1);
+            m_sparseRows.FindAvx2(GrainRandom(0), area.Width(), area.Height(), {m_density, more});
+        } catch (const std::bad_alloc&) {  // they run in order then
+            m_sparseRows.Clear();
+        }
+    }
 }
 
 template <typename F>
@@ -116,8 +133,13 @@ void AddNoiseEffect::AddInOrder(std::span<typename F::Channel> pixels, GrainRand
 template <typename F>
 void AddNoiseEffect::AddNoise(std::int32_t y, std::span<typename F::Channel> pixels) {
     if (!CanRunInParallel()) return AddInOrder<F>(pixels, m_random);
+    const auto row = static_cast<std::uint32_t>(std::int64_t{y} - m_firstRow);
+    if (!EveryPixelPasses()) {
+        GrainRandom random = m_sparseRows.StartOf(row);
+        return AddInOrder<F>(pixels, random);
+    }
     GrainRandom random = m_random;
-    random.Jump(m_rows.each.Repeated(static_cast<std::uint32_t>(std::int64_t{y} - m_rows.first)));
+    random.Jump(m_rows.each.Repeated(row));
     if constexpr (builtWithAvx2) {
         if (HasAvx2() && pixels.size() >= 4 * leastPixelsInLanes) {
             const bool even = m_distribution == uniform;

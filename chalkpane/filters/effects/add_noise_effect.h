@@ -7,6 +7,7 @@
 #include "chalkpane/filters/filter_class.h"
 #include "chalkpane/filters/noise/grain_lanes.h"
 #include "chalkpane/filters/noise/grain_random.h"
+#include "chalkpane/filters/noise/sparse_rows.h"
 #include "chalkpane/filters/point_filter.h"
 
 namespace chalkpane {
@@ -33,22 +34,24 @@ public:
                       std::span<std::uint16_t> pixels) override;
     void ProcessRow8(std::int32_t firstX, std::int32_t lastX, std::int32_t y, std::span<std::uint8_t> pixels) override;
     void Prepare() override { m_random.Seed(0); }
-    // The sequence runs on from row to row: where every pixel draws the same, to any row at once.
-    [[nodiscard]] bool CanRunInParallel() const override { return m_density >= wholeDensity; }
+    // The sequence runs on from row to row: where every pixel draws the same, to any row at once, and elsewhere where
+    // the rows' starts have been found.
+    [[nodiscard]] bool CanRunInParallel() const override { return EveryPixelPasses() || !m_sparseRows.IsEmpty(); }
 
 private:
     static constexpr std::int32_t wholeDensity = 99;  // the largest remainder that a pixel draws
 
-    // The rows of the run under way, where each can be reached at once.
+    // The rows of the run under way, where every pixel passes.
     struct Rows {
-        std::int32_t first = 0;
         GrainJump each;   // draws of a row
         GrainJump piece;  // draws of a piece of a row
         std::size_t piecePixels = 0;
         GrainLanes lanes;  // of a piece
     };
 
+    [[nodiscard]] bool EveryPixelPasses() const { return m_density >= wholeDensity; }
     void PrepareRows(const Rect& area);
+    void FindSparseRows(const Rect& area);
     [[nodiscard]] GrainDraws Draws() const;
     template <typename F>
     void AddNoise(std::int32_t y, std::span<typename F::Channel> pixels);
@@ -60,7 +63,9 @@ private:
     std::uint8_t m_channels = 0;
     std::int32_t m_density = 100;  // per cent
     GrainRandom m_random;
+    std::int32_t m_firstRow = 0;  // of the run under way
     Rows m_rows;
+    SparseRows m_sparseRows;
 };
 
 }  // namespace chalkpane

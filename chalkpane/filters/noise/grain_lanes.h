@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "chalkpane/filters/noise/grain_random.h"
+#include "chalkpane/filters/noise/grain_starts.h"
 
 namespace chalkpane {
 
@@ -13,13 +13,14 @@ struct GrainDraws {
     std::size_t noises;  // 1, or 3
     std::size_t sums;    // numbers in a noise
 
+    // Of a pixel that gets noise.
     [[nodiscard]] constexpr std::size_t PerPixel() const { return 1 + noises * sums; }
 };
 
 // The numbers of a run of pixels by sixteen generators at once, each of which draws for a stretch of its own.
 class GrainLanes {
 public:
-    static constexpr std::size_t lanes = 16;
+    static constexpr std::size_t lanes = GrainStarts::count;
     static constexpr std::size_t longestStretch = 128;
     static constexpr std::size_t mostPixels = lanes * longestStretch;
     static constexpr std::size_t mostNoises = 3;
@@ -34,16 +35,9 @@ public:
     void DrawAvx2(const GrainRandom& start, Numbers& numbers) const;
 
 private:
-    struct Words;
-
-    [[nodiscard]] Words StartsAvx2(const GrainRandom& start) const;
-
     GrainDraws m_draws{1, 1};
     std::size_t m_stretch = 0;  // pixels of a generator, a multiple of 8
-    // From the start of a run to those of the stretches.
-    alignas(32) std::array<std::uint32_t, lanes> m_before{};
-    alignas(32) std::array<std::uint32_t, lanes> m_at{};
-    std::array<std::uint32_t, lanes> m_factors{};
+    GrainStarts m_starts;       // of the stretches
 };
 
 }  // namespace chalkpane

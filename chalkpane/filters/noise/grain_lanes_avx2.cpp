@@ -1,51 +1,10 @@
 #include "chalkpane/filters/noise/grain_lanes.h"
 
 #if defined(__x86_64__)
-#include <immintrin.h>
+#include "chalkpane/filters/noise/sixteen_grains_avx2.h"
 
 namespace chalkpane {
 namespace {
-
-// The words of eight generators. The third is kept with bit 15 turned over, which makes a signed number of its lower
-// half that is smaller by 32768.
-struct Eight {
-    __m256i a, b, c;
-};
-
-[[gnu::target("avx2")]] inline __m256i LowerHalfTurned(__m256i c) {
-    return _mm256_xor_si256(c, _mm256_set1_epi32(0x8000));
-}
-
-[[gnu::target("avx2")]] inline __m256i Next(Eight& words) {
-    const __m256i product = _mm256_mullo_epi32(words.a, words.b);
-    words.a = words.b;
-    words.b = product;
-    // The upper half and the lower half times 30903.
-    const __m256i parts = _mm256_madd_epi16(words.c, _mm256_set1_epi32(0x10000 | GrainJump::multiplier));
-    const __m256i c = _mm256_add_epi32(parts, _mm256_set1_epi32(GrainJump::multiplier * 32768));
-    words.c = LowerHalfTurned(c);
-    return _mm256_add_epi32(c, product);
-}
-
-// base^exponent * other^otherExponent, bit by bit from the top.
-[[gnu::target("avx2")]] inline __m256i Powers(std::uint32_t base, std::uint32_t other, __m256i exponent,
-                                              __m256i otherExponent) {
-    const __m256i one = _mm256_set1_epi32(1);
-    const __m256i factors = _mm256_setr_epi32(1, static_cast<std::int32_t>(base), static_cast<std::int32_t>(other),
-                                              static_cast<std::int32_t>(base * other), 0, 0, 0, 0);
-    __m256i power = one;
-    for (int bit = 29; bit >= 0; --bit) {
-        const __m256i low = _mm256_and_si256(_mm256_srli_epi32(exponent, bit), one);
-        const __m256i high = _mm256_and_si256(_mm256_srli_epi32(otherExponent, bit), one);
-        const __m256i which = _mm256_or_si256(low, _mm256_slli_epi32(high, 1));
-        power = _mm256_mullo_epi32(_mm256_mullo_epi32(power, power), _mm256_permutevar8x32_epi32(factors, which));
-    }
-    return power;
-}
-
-[[gnu::target("avx2")]] inline __m256i Load(const std::uint32_t* numbers) {
-    return _mm256_load_si256(reinterpret_cast<const __m256i*>(numbers));
-}
 
 // Eight numbers of each of eight lanes become eight lanes of eight numbers, `step` apart.
 [[gnu::target("avx2")]] inline void StoreTransposed(const __m256i (&rows)[8], std::size_t step, std::int32_t* out) {
@@ -71,7 +30,8 @@ struct Eight {
 
 // One stretch of all sixteen generators.
 template <std::size_t noises, std::size_t sums>
-[[gnu::target("avx2")]] void DrawStretch(Eight lower, Eight upper, std::size_t stretch, GrainLanes::Numbers& numbers) {
+[[gnu::target("avx2")]] void DrawStretch(EightGrains lower, EightGrains upper, std::size_t stretch,
+                                         GrainLanes::Numbers& numbers) {
     const __m256i bits = _mm256_set1_epi32(0x7fff);
     for (std::size_t pixel = 0; pixel < stretch; pixel += 8) {
         __m256i lowers[noises][8];
@@ -99,24 +59,8 @@ template <std::size_t noises, std::size_t sums>
 
 }  // namespace
 
-struct GrainLanes::Words {
-    Eight lower, upper;
-};
-
-[[gnu::target("avx2")]] GrainLanes::Words GrainLanes::StartsAvx2(const GrainRandom& start) const {
-    alignas(32) std::array<std::uint32_t, lanes> c;
-    for (std::size_t lane = 0; lane < lanes; ++lane) c[lane] = GrainJump::Product(start.C(), m_factors[lane]);
-    const auto eight = [&](std::size_t first) __attribute__((target("avx2"))) {
-        const __m256i before = Load(&m_before[first]);
-        const __m256i at = Load(&m_at[first]);
-        return Eight{Powers(start.A(), start.B(), before, at),
-                     Powers(start.A(), start.B(), at, _mm256_add_epi32(before, at)), LowerHalfTurned(Load(&c[first]))};
-    };
-    return {eight(0), eight(8)};
-}
-
 [[gnu::target("avx2")]] void GrainLanes::DrawAvx2(const GrainRandom& start, Numbers& numbers) const {
-    const auto [lower, upper] = StartsAvx2(start);
+    const auto [lower, upper] = SixteenGrains::Of(start, m_starts);
     const bool one = m_draws.sums == 1;
     if (m_draws.noises == 1)
         (one ? DrawStretch<1, 1> : DrawStretch<1, 6>)(lower, upper, m_stretch, numbers);

@@ -41,6 +41,8 @@ struct GrainJump {
 class GrainRandom {
 public:
     explicit constexpr GrainRandom(std::uint32_t seed = 0) { Seed(seed); }
+    // From the words of another.
+    constexpr GrainRandom(std::uint32_t a, std::uint32_t b, std::uint32_t c) : m_a(a), m_b(b), m_c(c) {}
 
     constexpr void Seed(std::uint32_t seed) {
         m_c = (seed & 0x7fffffffu) | 1u;

@@ -253,6 +253,24 @@ TEST_CASE("Large work in bands reaches the workers a whole band at a time") {
     for (std::size_t i = 0; i < log.rows.size(); ++i) CHECK_EQ(log.rows[i].worker, i < 48 ? 0 : 1);
 }
 
+// 5 bands and 6, as above; four workers take more than 8 rows, one takes none.
+TEST_CASE("A caller can ask beforehand whether rows go to the workers") {
+    {
+        const Workers workers(2);
+        CHECK_EQ(BandCount(80, 1024), 5);
+        CHECK_FALSE(MultiProcessor::Instance().RunsInParallel(BandCount(80, 1024)));
+        CHECK_EQ(BandCount(81, 1024), 6);
+        CHECK(MultiProcessor::Instance().RunsInParallel(BandCount(81, 1024)));
+    }
+    {
+        const Workers workers(4);
+        CHECK_FALSE(MultiProcessor::Instance().RunsInParallel(8));
+        CHECK(MultiProcessor::Instance().RunsInParallel(9));
+    }
+    const Workers one(1);
+    CHECK_FALSE(MultiProcessor::Instance().RunsInParallel(1000));
+}
+
 TEST_CASE("Any number of pixels a row will do for bands") {
     const Workers workers(2);
     constexpr auto huge = std::numeric_limits<std::int32_t>::max();

@@ -1,7 +1,10 @@
 #include "chalkpane/filters/effects/add_noise_effect.h"
 
+#include <atomic>
 #include <limits>
+#include <thread>
 
+#include "chalkpane/base/multi_processor.h"
 #include "tests/chalkpane/filters/reference_comparison.h"
 #include "tests/chalkpane/scoped_cpu_features.h"
 #include "tests/reference/effects.h"
@@ -52,13 +55,90 @@ TEST_CASE("Noise is its plain reference in rows of any length, drawn by one gene
     }
 }
 
-TEST_CASE("Rows of noise run in parallel where every pixel passes, and in order otherwise") {
+TEST_CASE("Rows of noise run in parallel where every pixel passes, and in order where their starts are not found") {
     AddNoiseEffect filter;
     CHECK(filter.CanRunInParallel());
     SetNumber(filter, "Density %", 99);
     CHECK(filter.CanRunInParallel());
     SetNumber(filter, "Density %", 98);
     CHECK_FALSE(filter.CanRunInParallel());
+}
+
+namespace {
+
+// Which threads ran the rows of a run, as the runner's listener sees them.
+class RowThreads final : public RunListener {
+public:
+    RowThreads() { MultiProcessor::SetListener(this); }
+    ~RowThreads() override { MultiProcessor::SetListener(nullptr); }
+    RowThreads(const RowThreads&) = delete;
+    RowThreads& operator=(const RowThreads&) = delete;
+    RowThreads(RowThreads&&) = delete;
+    RowThreads& operator=(RowThreads&&) = delete;
+
+    void BeginLoop(std::int64_t /*rows*/) override {}
+    void RowDone() override {
+        if (std::this_thread::get_id() == m_caller) m_byCaller = true;
+    }
+    [[nodiscard]] bool ByCaller() const { return m_byCaller; }
+
+private:
+    std::thread::id m_caller = std::this_thread::get_id();
+    std::atomic<bool> m_byCaller{false};
+};
+
+// 200,000 pixels are 13 bands, which two to five workers share.
+Image PictureForWorkers(Depth depth, AlphaForm form) {
+    return NoisePicture({-11, 3, 488, 402}, PixelType::Colour, depth, form, 3);
+}
+
+}  // namespace
+
+TEST_CASE("Sparse noise is its plain reference whichever workers paint it") {
+    const Rect part(-4, 9, 470, 399);
+    for (const int choice : {0, 1, 2, 3}) {
+        for (const int density : {-3, 1, 6, 25, 50, 75, 98}) {
+            const Depth depth = density % 2 == 0 ? Depth::Eight : Depth::Fourteen;
+            // The reference leaves colours under alpha 0 as they are, which 14-bit rows do not.
+            const bool premultiplied = choice == 1 && depth == Depth::Eight;
+            const Image source =
+                PictureForWorkers(depth, premultiplied ? AlphaForm::Premultiplied : AlphaForm::Straight);
+            const int distribution = choice % 2;
+            const int channels = choice / 2;
+            AddNoiseEffect filter;
+            SetNumber(filter, "Level", 0.7);
+            SetNumber(filter, "Distribution", distribution);
+            SetNumber(filter, "Channels", channels);
+            SetNumber(filter, "Density %", density);
+            const Rect* const region = density == 50 ? &part : nullptr;
+            const Image wanted = reference::AddNoise(source, 0.7F, distribution != 0, channels != 0, density, region);
+            for (const int workers : {1, 2, 5}) {
+                CAPTURE(choice);
+                CAPTURE(density);
+                CAPTURE(workers);
+                MultiProcessor::Restart(workers);
+                CHECK(SamePixels(*Applied(filter, source, region), wanted));
+            }
+        }
+    }
+    MultiProcessor::Restart(0);
+}
+
+TEST_CASE("The caller paints no row of sparse noise where workers can") {
+    if (!HasAvx2()) return;
+    const Image source = PictureForWorkers(Depth::Eight, AlphaForm::Straight);
+    AddNoiseEffect filter;
+    SetNumber(filter, "Level", 0.7);
+    SetNumber(filter, "Density %", 50);
+    for (const int workers : {1, 2}) {
+        CAPTURE(workers);
+        MultiProcessor::Restart(workers);
+        const RowThreads threads;
+        CHECK(Applied(filter, source));
+        CHECK_EQ(threads.ByCaller(), workers == 1);
+    }
+    MultiProcessor::Restart(0);
+    CHECK_FALSE(filter.CanRunInParallel());  // the starts are those of one run
 }
 
 TEST_CASE("Two runs of noise on one picture are equal") {
