@@ -1,10 +1,15 @@
 #include "chalkpane/base/multi_processor.h"
 
+#include <chrono>
 #include <cstddef>
 #include <mutex>
 #include <system_error>
 
 #include "chalkpane/base/starting_places.h"
+
+#ifdef __unix__
+#include <pthread.h>
+#endif
 
 namespace chalkpane {
 
@@ -16,6 +21,10 @@ constexpr std::int32_t maximumProcessorCount = 1024;
 std::atomic<MultiProcessor*> instance{nullptr};  // owned; the keeper below deletes it
 std::atomic<bool> unloading{false};
 std::atomic<RunListener*> runListener{nullptr};
+thread_local const MultiProcessor* led = nullptr;  // the runner whose chain this thread runs
+
+// How long a thread looks for what comes next in a chain: about as long as to sleep and be woken takes.
+constexpr std::chrono::microseconds patience{50};
 
 // The workers run code of this module, so they must be gone before it is unmapped or the process tears down its
 // statics: a parked thread that wakes up later would return into nothing.
@@ -25,6 +34,17 @@ struct InstanceKeeper {
         delete instance.exchange(nullptr);
     }
 } instanceKeeper;
+
+// A process that was forked has its parent's runner and none of its threads, so it gets another when it wants one. That
+// of the parent stays where it is: who waits in it is not known.
+void ForgetRunnerWhenForked() {
+#ifdef __unix__
+    [[maybe_unused]] static const int once = pthread_atfork(nullptr, nullptr, [] {
+        instance = nullptr;
+        led = nullptr;
+    });
+#endif
+}
 
 std::int32_t MachineProcessorCount() {
     return static_cast<std::int32_t>(
@@ -81,7 +101,19 @@ void MultiProcessor::Event::Set() {
 }
 
 void MultiProcessor::Event::Wait() {
-    while (m_signalled.exchange(0, std::memory_order_acquire) == 0) m_signalled.wait(0, std::memory_order_acquire);
+    if (Take()) return;
+    m_hasSleeper.store(true, std::memory_order_relaxed);
+    while (!Take()) m_signalled.wait(0, std::memory_order_acquire);
+    m_hasSleeper.store(false, std::memory_order_relaxed);
+}
+
+void MultiProcessor::Event::WaitAwake(const std::atomic<bool>& isAwake) {
+    const auto end = std::chrono::steady_clock::now() + patience;
+    while (isAwake.load(std::memory_order_acquire) && std::chrono::steady_clock::now() < end) {
+        if (Take()) return;
+        std::this_thread::yield();  // whoever is to set it may need this processor
+    }
+    Wait();
 }
 
 MultiProcessor& MultiProcessor::Instance() {
@@ -99,6 +131,7 @@ MultiProcessor& MultiProcessor::Instance() {
 }
 
 void MultiProcessor::Restart(std::int32_t processorCount) {
+    ForgetRunnerWhenForked();
     delete instance.exchange(nullptr);
     instance = new MultiProcessor(processorCount < 1 ? MachineProcessorCount()
                                                      : std::min(processorCount, maximumProcessorCount));
@@ -146,40 +179,75 @@ void MultiProcessor::RunInOrder(std::int32_t firstRow, std::int32_t lastRow, Row
              [&](RowFunction row, void* data) { RunSerially(firstRow, lastRow, row, data); });
 }
 
+void MultiProcessor::RunChain(ChainFunction chain, void* userData) {
+    if (m_processorCount < 2 || m_busy.exchange(1) != 0) return chain(userData);
+    m_chain = chain;
+    m_chainData = userData;
+    m_isInChain = true;
+    // This thread sleeps next, so worker 0 begins here.
+    Start(StartingPlaces(m_threads[0], m_processorCount), 0, m_processorCount - 1);
+    m_doneEvents[0].Wait();
+    m_chain = nullptr;
+    m_busy = 0;
+}
+
 void MultiProcessor::RunRows(std::int32_t firstRow, std::int32_t lastRow, RowFunction rowFunction, void* userData) {
     const std::int64_t count = std::int64_t{lastRow} - firstRow + 1;
-    const bool parallel = RunsInParallel(count) && m_busy.exchange(1) == 0;
+    // A chain keeps the runner busy for everybody else. Its own loops are parallel, and none within another.
+    std::atomic<std::uint8_t>& busy = led == this ? m_chainIsBusy : m_busy;
+    const bool parallel = RunsInParallel(count) && busy.exchange(1) == 0;
     if (!parallel) return RunSerially(firstRow, lastRow, rowFunction, userData);
     m_userData = userData;
     m_rowFunction = rowFunction;
     RunParallel(firstRow, lastRow);
-    m_busy = 0;
+    busy = 0;
 }
 
 void MultiProcessor::RunParallel(std::int32_t firstRow, std::int32_t lastRow) {
-    const auto count = static_cast<std::size_t>(m_processorCount);
-    const std::int64_t chunk = (std::int64_t{lastRow} - firstRow + 1) / m_processorCount;
+    const std::int32_t firstToStart = led == this ? 1 : 0;  // in a chain this thread is worker 0
     const StartingPlaces places(m_threads[0], m_processorCount);
+    const std::int64_t chunk = (std::int64_t{lastRow} - firstRow + 1) / m_processorCount;
     std::int64_t row = firstRow;
-    for (std::size_t i = 0; i < count; ++i, row += chunk) {
-        const std::int64_t last = i + 1 == count ? lastRow : row + chunk - 1;
-        m_ranges[i] = {static_cast<std::int32_t>(row), static_cast<std::int32_t>(last), 1};
-        places.Hold(m_threads[i], static_cast<std::int32_t>(i));
-        m_startEvents[i].Set();
-        places.Release(m_threads[i]);
+    for (std::int32_t i = 0; i < m_processorCount; ++i, row += chunk) {
+        const std::int64_t last = i + 1 == m_processorCount ? lastRow : row + chunk - 1;
+        m_ranges[static_cast<std::size_t>(i)] = {static_cast<std::int32_t>(row), static_cast<std::int32_t>(last), 1};
+        if (i >= firstToStart) Start(places, i, i - firstToStart);
     }
-    for (std::size_t i = 0; i < count; ++i) m_doneEvents[i].Wait();
+    if (firstToStart == 1) RunRange(0);
+    for (std::int32_t i = firstToStart; i < m_processorCount; ++i)
+        m_doneEvents[static_cast<std::size_t>(i)].WaitAwake(m_isInChain);
+}
+
+void MultiProcessor::Start(const StartingPlaces& places, std::int32_t worker, std::int32_t place) {
+    const auto i = static_cast<std::size_t>(worker);
+    const bool sleeps = m_startEvents[i].HasSleeper();
+    if (sleeps) places.Hold(m_threads[i], place);
+    m_startEvents[i].Set();
+    if (sleeps) places.Release(m_threads[i]);
 }
 
 void MultiProcessor::Work(std::int32_t worker) {
     const auto i = static_cast<std::size_t>(worker);
-    for (m_startEvents[i].Wait(); m_quit == 0; m_startEvents[i].Wait()) {
-        for (std::int64_t row = m_ranges[i].first; row <= m_ranges[i].last; row += m_ranges[i].step)
-            m_rowFunction(static_cast<std::int32_t>(row), m_userData, worker);
+    Event& start = m_startEvents[i];
+    for (start.WaitAwake(m_isInChain); m_quit == 0; start.WaitAwake(m_isInChain)) {
+        worker == 0 && m_chain != nullptr ? LeadChain() : RunRange(worker);
         m_doneEvents[i].Set();
     }
     m_finished[i] = 1;
     m_doneEvents[i].Set();
+}
+
+void MultiProcessor::RunRange(std::int32_t worker) {
+    const RowRange range = m_ranges[static_cast<std::size_t>(worker)];
+    for (std::int64_t row = range.first; row <= range.last; row += range.step)
+        m_rowFunction(static_cast<std::int32_t>(row), m_userData, worker);
+}
+
+void MultiProcessor::LeadChain() {
+    led = this;
+    m_chain(m_chainData);
+    led = nullptr;
+    m_isInChain = false;
 }
 
 void detail::RunBands(std::int32_t firstRow, std::int32_t lastRow, std::int32_t rowsPerBand, RowFunction rowFunction,

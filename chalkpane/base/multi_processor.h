@@ -3,10 +3,13 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdint>
+#include <exception>
 #include <memory>
 #include <thread>
 
 namespace chalkpane {
+
+class StartingPlaces;
 
 // One row of a loop over the rows of an image.
 //
@@ -17,6 +20,9 @@ namespace chalkpane {
 // Must not throw. Rows of one run may go to several threads at once, so they write distinct rows and what they read is
 // ready before the run.
 using RowFunction = void (*)(std::int32_t row, void* userData, std::int32_t worker);
+
+// Loops that follow each other, and what has to be done between them. Must not throw.
+using ChainFunction = void (*)(void* userData);
 
 // Hears how far the loops of this process have come, for a program that shows it.
 class RunListener {
@@ -56,6 +62,11 @@ public:
     // The same on the calling thread alone and in ascending order.
     static void RunInOrder(std::int32_t firstRow, std::int32_t lastRow, RowFunction rowFunction, void* userData);
 
+    // Calls `chain` once and returns when it has returned. It runs on worker 0, which takes its share of each loop that
+    // it runs; between two loops no worker sleeps until nothing came for 50 microseconds. So the workers are woken once
+    // and not for each loop. Where the runner is busy or has no workers, the chain runs on the calling thread.
+    void RunChain(ChainFunction chain, void* userData);
+
     // From now on `listener` hears of all loops; null: nobody. Answers who did before. Not owned. Nothing may be
     // running. Loops of a single band, see `RunInBands`, are not worth telling.
     static RunListener* SetListener(RunListener* listener);
@@ -77,9 +88,16 @@ private:
     public:
         void Set();
         void Wait();
+        // Looks for it a while, as long as `isAwake`, before it sleeps.
+        void WaitAwake(const std::atomic<bool>& isAwake);
+        // Whether a thread sleeps until it is set: a guess while that falls asleep or wakes up.
+        [[nodiscard]] bool HasSleeper() const { return m_hasSleeper.load(std::memory_order_relaxed); }
 
     private:
+        [[nodiscard]] bool Take() { return m_signalled.exchange(0, std::memory_order_acquire) != 0; }
+
         std::atomic<std::int32_t> m_signalled{0};
+        std::atomic<bool> m_hasSleeper{false};
     };
     struct RowRange {
         std::int32_t first = 0;
@@ -90,7 +108,10 @@ private:
     explicit MultiProcessor(std::int32_t processorCount);
     void RunRows(std::int32_t firstRow, std::int32_t lastRow, RowFunction rowFunction, void* userData);
     void RunParallel(std::int32_t firstRow, std::int32_t lastRow);
+    void Start(const StartingPlaces& places, std::int32_t worker, std::int32_t place);
     void Work(std::int32_t worker);
+    void RunRange(std::int32_t worker);
+    void LeadChain();
     void StopWorkers(std::int32_t started);
 
     std::unique_ptr<Event[]> m_startEvents;
@@ -103,7 +124,31 @@ private:
     std::int32_t m_processorCount = 1;    // processors, which is also the number of workers
     void* m_userData = nullptr;
     RowFunction m_rowFunction = nullptr;
+    ChainFunction m_chain = nullptr;  // what worker 0 does in place of rows; null: rows
+    void* m_chainData = nullptr;
+    std::atomic<bool> m_isInChain{false};
+    std::atomic<std::uint8_t> m_chainIsBusy{0};  // 1 while a chain's loop is under way
 };
+
+// Calls `work` as `MultiProcessor::RunChain` does; what it throws comes out here.
+template <typename Work>
+void RunTogether(Work work) {
+    struct Job {
+        Work& work;
+        std::exception_ptr failure{};
+    } job{work};
+    MultiProcessor::Instance().RunChain(
+        [](void* userData) {
+            auto& together = *static_cast<Job*>(userData);
+            try {
+                together.work();
+            } catch (...) {
+                together.failure = std::current_exception();
+            }
+        },
+        &job);
+    if (job.failure) std::rethrow_exception(job.failure);
+}
 
 // About as many pixels as are worth waking a worker for: a round trip to parked workers costs 20 to 60 microseconds.
 inline constexpr std::int32_t pixelsPerBand = 16384;

@@ -9,10 +9,12 @@
 
 #include "apps/chalkpane/filtering/picture_image.h"
 #include "apps/chalkpane/filtering/sparing_run.h"
+#include "chalkpane/base/multi_processor.h"
 #include "chalkpane/base/random.h"
 #include "chalkpane/filters/blurs/threshold_blur.h"
 #include "chalkpane/filters/distort/marble_effect.h"
 #include "chalkpane/filters/distort/turbulence_effect.h"
+#include "chalkpane/filters/paint_colour.h"
 #include "chalkpane/filters/point_filter.h"
 #include "chalkpane/filters/row_chain.h"
 #include "chalkpane/image/image_rows.h"
@@ -231,6 +233,21 @@ void MixRow(const Image& after, const Image& mask, Image& before, std::int32_t y
     }
 }
 
+// The same as one by one, on one thread from the first to the last.
+std::unique_ptr<Image> RunInOrder(std::span<const std::unique_ptr<Filter>> filters, std::unique_ptr<Image> picture,
+                                  const FilterRun& run, const std::function<void(std::int32_t)>& done) {
+    const PicturePool pool;
+    for (std::size_t next = 0; next < filters.size();) {
+        const std::size_t byRows = run.region ? 0 : RowFiltersIn(filters.subspan(next), picture->GetDepth());
+        const std::size_t end = next + std::max<std::size_t>(byRows, 1);
+        picture = byRows > 0 ? RunByRows(filters.subspan(next, byRows), std::move(picture), run)
+                             : RunSparingly(*filters[next], std::move(picture), run);
+        for (; next < end; ++next)
+            if (done) done(static_cast<std::int32_t>(next) + 1);
+    }
+    return picture;
+}
+
 }  // namespace
 
 void SettleLattice() {
@@ -265,19 +282,15 @@ std::unique_ptr<Image> RunFilters(std::span<const std::unique_ptr<Filter>> filte
                                   const FilterRun& run, const std::function<void(std::int32_t)>& done) {
     SettleLattice();
     SeedForFrame(run.frame);
-    const PicturePool pool;
     std::unique_ptr<Image> picture = std::move(source);
-    for (std::size_t next = 0; next < filters.size();) {
-        const std::size_t byRows = run.region ? 0 : RowFiltersIn(filters.subspan(next), picture->GetDepth());
-        const std::size_t end = next + std::max<std::size_t>(byRows, 1);
-        picture = byRows > 0 ? RunByRows(filters.subspan(next, byRows), std::move(picture), run)
-                             : RunSparingly(*filters[next], std::move(picture), run);
-        for (; next < end; ++next)
-            if (done) done(static_cast<std::int32_t>(next) + 1);
-    }
+    const std::int64_t pixels = std::int64_t{picture->Width()} * picture->Height();
+    if (pixels <= pixelsPerBand) return RunInOrder(filters, std::move(picture), run, done);  // no work for workers
+    RunTogether([&, paint = currentPaintColour] {
+        currentPaintColour = paint;  // a thread's own
+        picture = RunInOrder(filters, std::move(picture), run, done);
+    });
     return picture;
 }
-
 std::unique_ptr<Image> MixByMask(std::unique_ptr<Image> before, const Image& after, const Image& mask) {
     auto mixed = InForm(std::move(before), AlphaForm::Straight);
     const auto to = InForm(std::make_unique<Image>(after), AlphaForm::Straight);

@@ -57,6 +57,18 @@ TEST_CASE("several pictures come into a folder as each by itself would come out"
     }
 }
 
+// How far they grow is tried on a small picture before there are processes for them; 400 x 400 pixels are enough for
+// both workers in each of these.
+TEST_CASE("several pictures grow as each by itself would") {
+    const ManyPictures folder;
+    const std::string jitter = " --apply 'Random Jitter' --expand";
+    for (const char* name : {"large0.png", "large1.png"})
+        picture_io::WritePicture(Picture(400, 400), folder.Path(name));
+    folder.Succeed("filter large?.png --out-dir out" + jitter);
+    folder.Succeed("filter large1.png alone.png" + jitter);
+    CHECK(folder.Bytes("out/large1.png") == folder.Bytes("alone.png"));
+}
+
 TEST_CASE("one bad picture among several leaves nothing behind, not even the folder") {
     const ManyPictures folder;
     folder.Write("bad.png", "no picture");

@@ -2,14 +2,22 @@
 
 #include <doctest/doctest.h>
 
+#include <array>
 #include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <limits>
 #include <numeric>
+#include <stdexcept>
 #include <thread>
 #include <vector>
+
+#ifdef __unix__
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
 
 using namespace chalkpane;
 
@@ -320,3 +328,146 @@ TEST_CASE("A listener hears of loops and their rows, on one thread and on many, 
     }
     MultiProcessor::Instance().Run(5, 94, Log::Note, &log);
 }
+
+namespace {
+
+// Three loops behind each other, each over what the one before it made.
+struct ThreeLoops {
+    std::deque<Log> loops;
+    std::thread::id thread;
+
+    ThreeLoops() {
+        for (int i = 0; i < 3; ++i) loops.emplace_back(-3, 9U);
+    }
+    void operator()() {
+        thread = std::this_thread::get_id();
+        for (Log& log : loops) MultiProcessor::Instance().Run(-3, 5, Log::Note, &log);
+    }
+};
+
+}  // namespace
+
+TEST_CASE("A chain runs on worker 0, which takes its share of its loops, and the caller takes none") {
+    const Workers workers(4);
+    ThreeLoops chain;
+    RunTogether([&] { chain(); });
+    CHECK(chain.thread != std::this_thread::get_id());
+    const std::vector<std::int32_t> expected{0, 0, 1, 1, 2, 2, 3, 3, 3};
+    for (const Log& log : chain.loops) {
+        CHECK(log.EachRowOnce());
+        for (std::size_t i = 0; i < expected.size(); ++i) {
+            CHECK_EQ(log.rows[i].worker, expected[i]);
+            CHECK_EQ(log.rows[i].thread == chain.thread, expected[i] == 0);
+            CHECK(log.rows[i].thread != std::this_thread::get_id());
+        }
+    }
+}
+
+TEST_CASE("Chains follow each other and plain loops, with pauses in which the workers fall asleep") {
+    const Workers workers(3);
+    for (int round = 0; round < 20; ++round) {
+        ThreeLoops chain;
+        RunTogether([&] {
+            chain();
+            if (round % 5 == 0) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            Log more(0, 70);
+            MultiProcessor::Instance().Run(0, 69, Log::Note, &more);
+            CHECK(more.EachRowOnce());
+        });
+        for (const Log& log : chain.loops) CHECK(log.EachRowOnce());
+        Log plain(0, 70);
+        MultiProcessor::Instance().Run(0, 69, Log::Note, &plain);
+        CHECK(plain.EachRowOnce());
+        CHECK_FALSE(plain.SerialHere());
+    }
+}
+
+TEST_CASE("With one worker, and within a loop, a chain runs on the thread that asks for it") {
+    ThreeLoops chain;
+    {
+        const Workers workers(1);
+        RunTogether([&] { chain(); });
+    }
+    CHECK(chain.thread == std::this_thread::get_id());
+    for (const Log& log : chain.loops) CHECK(log.SerialHere());
+
+    const Workers workers(2);
+    std::array<ThreeLoops, 6> inner;
+    std::array<std::thread::id, 6> rows;
+    auto run = [&](std::int32_t row) {
+        rows[static_cast<std::size_t>(row)] = std::this_thread::get_id();
+        RunTogether([&] { inner[static_cast<std::size_t>(row)](); });
+    };
+    MultiProcessor::Instance().Run(
+        0, 5, [](std::int32_t row, void* userData, std::int32_t) { (*static_cast<decltype(run)*>(userData))(row); },
+        &run);
+    for (std::size_t row = 0; row < 6; ++row) {
+        CHECK(inner[row].thread == rows[row]);
+        for (const Log& log : inner[row].loops) CHECK(log.EachRowOnce());
+    }
+}
+
+TEST_CASE("A loop within a chain's loop, and one of another thread, run serially") {
+    const Workers workers(2);
+    Log other(0, 40);
+    bool otherIsSerial = false;
+    std::deque<Log> inner;
+    for (int i = 0; i < 6; ++i) inner.emplace_back(0, 40U);
+    RunTogether([&] {
+        MultiProcessor::Instance().Run(
+            0, 5,
+            [](std::int32_t row, void* userData, std::int32_t) {
+                Log& log = (*static_cast<std::deque<Log>*>(userData))[static_cast<std::size_t>(row)];
+                MultiProcessor::Instance().Run(0, 39, Log::Note, &log);
+            },
+            &inner);
+        std::thread([&] {
+            MultiProcessor::Instance().Run(0, 39, Log::Note, &other);
+            otherIsSerial = other.SerialHere();
+        }).join();
+    });
+    CHECK(otherIsSerial);
+    for (const Log& log : inner) {
+        CHECK(log.EachRowOnce());
+        for (const auto& entry : log.rows) {
+            CHECK_EQ(entry.worker, 0);
+            CHECK(entry.thread == log.rows[0].thread);
+        }
+    }
+}
+
+TEST_CASE("What a chain throws comes out where it was asked for, and the runner goes on") {
+    for (const std::int32_t count : {1, 3}) {
+        const Workers workers(count);
+        CHECK_THROWS_WITH_AS(RunTogether([] { throw std::runtime_error("torn"); }), "torn", std::runtime_error);
+        Log log(0, 70);
+        MultiProcessor::Instance().Run(0, 69, Log::Note, &log);
+        CHECK(log.EachRowOnce());
+        CHECK_EQ(log.SerialHere(), count == 1);
+    }
+}
+
+#ifdef __unix__
+TEST_CASE("A process that was forked while the runner had workers has a runner of its own") {
+    const Workers workers(2);
+    Log here(0, 70);
+    MultiProcessor::Instance().Run(0, 69, Log::Note, &here);
+    const pid_t child = fork();
+    if (child == 0) {
+        Log there(0, 70);
+        ThreeLoops chain;
+        MultiProcessor::Instance().Run(0, 69, Log::Note, &there);
+        RunTogether([&] { chain(); });
+        _exit(there.EachRowOnce() && chain.loops.back().EachRowOnce() ? 0 : 1);
+    }
+    REQUIRE_GT(child, 0);
+    int status = -1;
+    REQUIRE_EQ(waitpid(child, &status, 0), child);
+    CHECK(WIFEXITED(status));
+    CHECK_EQ(WEXITSTATUS(status), 0);
+    Log again(0, 70);
+    MultiProcessor::Instance().Run(0, 69, Log::Note, &again);
+    CHECK(again.EachRowOnce());
+    CHECK_FALSE(again.SerialHere());
+}
+#endif
