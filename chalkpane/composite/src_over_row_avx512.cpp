@@ -1,14 +1,8 @@
 #include "chalkpane/composite/src_over_row.h"
 
 #if defined(__x86_64__)
-#include <immintrin.h>
 
-// g++ 12 takes what its own functions leave open for forgotten.
-#if defined(__GNUC__) && !defined(__clang__)
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wuninitialized"
-#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
-#endif
+#include "chalkpane/base/avx512_intrinsics.h"
 
 namespace chalkpane {
 
@@ -122,9 +116,5 @@ template <typename Block, typename Source>
 }
 
 }  // namespace chalkpane
-
-#if defined(__GNUC__) && !defined(__clang__)
-#pragma GCC diagnostic pop
-#endif
 
 #endif

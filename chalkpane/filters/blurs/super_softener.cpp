@@ -7,8 +7,10 @@
 #include <utility>
 #include <vector>
 
+#include "chalkpane/base/cpu_features.h"
 #include "chalkpane/base/multi_processor.h"
 #include "chalkpane/filters/blurs/float_line.h"
+#include "chalkpane/filters/blurs/line_channels.h"
 #include "chalkpane/filters/work_area.h"
 #include "chalkpane/image/image_rows.h"
 
@@ -87,13 +89,14 @@ struct StripJob {
         const std::int32_t radius = SoftenSupportRadius(softness, passes);
         Lines& lines = workers[static_cast<std::size_t>(worker)];
         lines.line.Reset(-radius, pixels - 1 + radius);
-        lines.spare.Reset(-radius, pixels - 1 + radius);
         return lines;
     }
 
     // The rows of a strip, lowest first, side by side in the lanes; `size` is that of a pixel.
     template <std::size_t size>
     static void LoadRows(std::span<const Channel* const> rows, std::size_t count, float* lanes) {
+        if constexpr (builtWithAvx512 && size == 4)
+            if (HasAvx512() && rows.size() == 4) return LoadFourRowsAvx512(rows.data(), count, lanes);
         for (std::size_t x = 0; x < count; ++x, lanes += FloatLine::lanes) {
             for (std::size_t row = 0; row < rows.size(); ++row) {
                 if constexpr (size == 4)
@@ -105,6 +108,8 @@ struct StripJob {
     }
     template <std::size_t size>
     static void StoreRows(const float* lanes, float gain, std::size_t count, std::span<Channel* const> rows) {
+        if constexpr (builtWithAvx512 && size == 4)
+            if (HasAvx512() && rows.size() == 4) return StoreFourRowsAvx512(lanes, gain, count, rows.data());
         std::array<Channel, FloatLine::lanes> mask;
         for (std::size_t x = 0; x < count; ++x, lanes += FloatLine::lanes) {
             for (std::size_t i = 0; i < mask.size() && size == 1; i += 4) Store<F>(lanes + i, gain, &mask[i]);
@@ -142,6 +147,20 @@ struct StripJob {
         from.IsMask() ? SoftenRowsOf<1>(strip, worker) : SoftenRowsOf<4>(strip, worker);
     }
 
+    // The same of neighbouring columns, whose rows lie side by side.
+    static void LoadColumns(const Channel* channels, std::size_t count, float* lanes) {
+        if constexpr (builtWithAvx512)
+            if (HasAvx512()) return LoadColumnsAvx512(channels, groupChannels, count, lanes);
+        for (std::size_t y = 0; y < count; ++y, channels += groupChannels, lanes += FloatLine::lanes)
+            for (std::size_t i = 0; i < FloatLine::lanes; i += 4) Load<F>(channels + i, lanes + i);
+    }
+    static void StoreColumns(const float* lanes, float gain, std::size_t count, Channel* channels) {
+        if constexpr (builtWithAvx512)
+            if (HasAvx512()) return StoreColumnsAvx512(lanes, gain, count, channels, groupChannels);
+        for (std::size_t y = 0; y < count; ++y, channels += groupChannels, lanes += FloatLine::lanes)
+            for (std::size_t i = 0; i < FloatLine::lanes; i += 4) Store<F>(lanes + i, gain, channels + i);
+    }
+
     // Neighbouring strips of columns, counted from the left of `to`; both images have the same columns. The rows of a
     // picture lie far apart in memory, so what several strips need of them is fetched and brought back together.
     void SoftenColumns(std::int32_t group, std::int32_t worker) {
@@ -160,12 +179,10 @@ struct StripJob {
             std::copy_n(ImageRow<F>(from, from.y0 + i).data() + first, size, stagedRow(fromStart + i));
         for (std::size_t strip = 0; strip < size; strip += FloatLine::lanes) {
             Ready(worker, both.Height());
-            for (std::int32_t y = fromStart; y < fromStart + from.Height(); ++y)
-                for (std::size_t i = 0; i < FloatLine::lanes; i += 4) Load<F>(stagedRow(y) + strip + i, line.At(y) + i);
+            LoadColumns(stagedRow(fromStart) + strip, static_cast<std::size_t>(from.Height()), line.At(fromStart));
             SoftenLine(line, spare, softness, passes);
-            for (std::int32_t y = toStart; y < toStart + to.Height(); ++y)
-                for (std::size_t i = 0; i < FloatLine::lanes; i += 4)
-                    Store<F>(line.At(y) + i, line.gain, stagedRow(y) + strip + i);
+            StoreColumns(line.At(toStart), line.gain, static_cast<std::size_t>(to.Height()),
+                         stagedRow(toStart) + strip);
         }
         for (std::int32_t i = 0; i < to.Height(); ++i)
             std::copy_n(stagedRow(toStart + i), size, ImageRow<F>(to, to.y0 + i).data() + first);

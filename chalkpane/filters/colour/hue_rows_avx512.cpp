@@ -1,17 +1,11 @@
 #include "chalkpane/filters/colour/hue_rows.h"
 
 #if defined(__x86_64__)
-#include <immintrin.h>
 
 #include <algorithm>
 #include <array>
 
-// g++ 12 takes what its own functions leave open for forgotten.
-#if defined(__GNUC__) && !defined(__clang__)
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wuninitialized"
-#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
-#endif
+#include "chalkpane/base/avx512_intrinsics.h"
 
 namespace chalkpane {
 namespace {
@@ -213,9 +207,5 @@ constexpr __mmask8 FirstLanes(std::size_t count) {
 }
 
 }  // namespace chalkpane
-
-#if defined(__GNUC__) && !defined(__clang__)
-#pragma GCC diagnostic pop
-#endif
 
 #endif
