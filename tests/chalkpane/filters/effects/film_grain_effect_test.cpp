@@ -50,6 +50,32 @@ TEST_CASE("Film grain is its plain reference") {
     MultiProcessor::Restart(0);
 }
 
+// 105,000 pixels are 7 bands, and the tables of three channels 12.
+TEST_CASE("Film grain is its plain reference whichever workers make it, in channels that are blurred and in others") {
+    const std::vector<reference::GrainSettings> settings{
+        {{0.5F, 0.9F, 1.0F}, {1.0F, 1.0F, 1.0F}, 77},
+        {{0.7F, 1.0F, 0.3F}, {1.0F, 2.5F, 0.5F}, 9},
+        {{2.5F, 0.0F, 0.6F}, {0.9F, 1.0F, 0.4F}, 5},
+    };
+    for (const auto& s : settings) {
+        for (const Depth depth : {Depth::Eight, Depth::Fourteen}) {
+            FilmGrainEffect filter;
+            Set(filter, s);
+            const Image source = NoisePicture({-5, 3, 294, 352}, PixelType::Colour, depth, AlphaForm::Premultiplied, 7);
+            const Image wanted = reference::FilmGrain(source, s, 12);
+            filter.Advance(&source, 12, 0, 0, 0, 0);
+            for (const int workers : {1, 2, 5}) {
+                CAPTURE(s.seed);
+                CAPTURE(depth);
+                CAPTURE(workers);
+                MultiProcessor::Restart(workers);
+                CHECK(SamePixels(*Applied(filter, source), wanted));
+            }
+        }
+    }
+    MultiProcessor::Restart(0);
+}
+
 TEST_CASE("Film grain with levels that add up to less than 0.001 is a plain copy") {
     const Image source = NoisePicture({0, 0, 8, 8}, PixelType::Colour, Depth::Eight, AlphaForm::Straight, 3);
     FilmGrainEffect filter;
