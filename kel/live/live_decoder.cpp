@@ -157,6 +157,13 @@ bool LiveDecoder::Take(picture_io::Picture& upwards) {
     return true;
 }
 
+std::optional<double> LiveDecoder::ShownSeconds() const {
+    const std::lock_guard lock(m_mutex);
+    const std::int64_t time = m_shownFrame->best_effort_timestamp;
+    if (m_shownFrame->width == 0 || time == AV_NOPTS_VALUE) return std::nullopt;
+    return static_cast<double>(time) * av_q2d(liveUnit);
+}
+
 bool LiveDecoder::TakeExactly(picture_io::Picture& upwards) {
     const std::lock_guard lock(m_mutex);
     if (m_shownFrame->width == 0) return false;

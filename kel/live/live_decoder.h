@@ -4,6 +4,7 @@
 #include <condition_variable>
 #include <cstdint>
 #include <mutex>
+#include <optional>
 #include <thread>
 
 #include "kel/live/live_news.h"
@@ -35,6 +36,8 @@ public:
 
     // The newest picture, bottom row first, for another one whose memory is used again. False: it was taken before.
     bool Take(picture_io::Picture& upwards);
+    // When the one taken last is shown, in the ring's time; nothing: none was.
+    [[nodiscard]] std::optional<double> ShownSeconds() const;
     // The one taken last, made exactly; false: none was.
     bool TakeExactly(picture_io::Picture& upwards);
     void SetConversion(VideoConversion conversion) { m_conversion = conversion; }

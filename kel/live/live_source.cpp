@@ -5,6 +5,7 @@
 
 #include "cli/error.h"
 #include "kel/live/held_packets.h"
+#include "kel/live/live_tracks.h"
 
 namespace kel {
 namespace {
@@ -20,6 +21,7 @@ bool IsRate(double framesPerSecond) { return framesPerSecond >= slowest && frame
 LiveSource::LiveSource(const LiveName& name, const PacketRing::Limits& replay)
     : m_name(name),
       m_ring(std::make_shared<PacketRing>(replay)),
+      m_track(std::make_shared<RingTrack>(m_ring)),
       m_decoder(*m_ring, *m_news),
       m_reader(name, m_ring, m_news) {}
 
@@ -36,6 +38,11 @@ bool LiveSource::WaitForPicture(std::chrono::milliseconds atMost) {
     return true;
 }
 
+SoundMoment LiveSource::Heard() const {
+    const std::optional<double> shown = m_decoder.ShownSeconds();
+    return shown ? SoundMoment{m_track, *shown, true} : SoundMoment();
+}
+
 LiveSource::Replay LiveSource::HoldReplay() const {
     PacketRing::Held held = m_ring->Hold();
     auto packets = std::make_unique<HeldPackets>(m_name.shown, held, FramesPerSecond());
@@ -43,7 +50,8 @@ LiveSource::Replay LiveSource::HoldReplay() const {
     const std::int32_t width = video.Width();
     const std::int32_t height = video.Height();
     if (Width() > 0) video.FitInto(Width(), Height());
-    return {std::move(held), std::move(video), width, height};
+    auto sound = std::make_shared<HeldTrack>(m_name.shown, held);
+    return {std::move(held), std::move(video), std::move(sound), width, height};
 }
 
 double LiveSource::FramesPerSecond() const {

@@ -9,6 +9,7 @@
 #include "kel/live/live_name.h"
 #include "kel/live/live_reader.h"
 #include "kel/live/packet_ring.h"
+#include "kel/video/sound_source.h"
 #include "kel/video/video_reader.h"
 
 namespace kel {
@@ -39,6 +40,8 @@ public:
     // As LiveDecoder's.
     bool Take(picture_io::Picture& upwards) { return m_decoder.Take(upwards); }
     bool TakeExactly(picture_io::Picture& upwards) { return m_decoder.TakeExactly(upwards); }
+    // What is heard with the picture taken last.
+    [[nodiscard]] SoundMoment Heard() const;
     void SetConversion(VideoConversion conversion) { m_decoder.SetConversion(conversion); }
 
     [[nodiscard]] bool IsThere() const { return m_reader.Now().isThere; }
@@ -49,7 +52,8 @@ public:
     struct Replay {
         PacketRing::Held held;
         VideoReader video;
-        std::int32_t width = 0;  // pixels, of the first frame as it came
+        std::shared_ptr<const SoundTrack> sound;  // by the video's time
+        std::int32_t width = 0;                   // pixels, of the first frame as it came
         std::int32_t height = 0;
     };
     [[nodiscard]] Replay HoldReplay() const;
@@ -66,6 +70,7 @@ private:
     LiveName m_name;
     std::shared_ptr<LiveNews> m_news = std::make_shared<LiveNews>();
     std::shared_ptr<PacketRing> m_ring;
+    std::shared_ptr<const SoundTrack> m_track;
     LiveDecoder m_decoder;
     RingEnd m_end{*m_ring};
     LiveReader m_reader;

@@ -92,6 +92,11 @@ std::vector<LivePacket> PacketRing::TakeSound(std::int64_t& number, LiveCodec& c
     return {m_sound.begin() + (from - m_firstSound), m_sound.end()};
 }
 
+bool PacketRing::HasSound() const {
+    const std::lock_guard lock(m_mutex);
+    return m_soundCodec != nullptr && !m_sound.empty();
+}
+
 void PacketRing::End() {
     {
         const std::lock_guard lock(m_mutex);

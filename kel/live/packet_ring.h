@@ -62,6 +62,7 @@ public:
     // The sound from that number on, counted from the first packet that ever came, which is then the next one's. It is
     // all that there is of it: nobody waits.
     [[nodiscard]] std::vector<LivePacket> TakeSound(std::int64_t& number, LiveCodec& codec) const;
+    [[nodiscard]] bool HasSound() const;  // some is there
 
     struct Figures {
         double seconds = 0;

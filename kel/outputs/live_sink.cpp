@@ -157,31 +157,43 @@ std::optional<OutputField> LiveSink::NextField() {
 }
 
 void LiveSink::Begin(const picture_io::Picture& picture) {
-    double rate = 0;
     {
         const std::lock_guard lock(m_mutex);
-        rate = m_openRate;
+        m_writtenRate = m_openRate;
     }
     const bool hasAlpha = m_plan.view == View::Overlay;
-    const VideoSettings settings{picture.width, picture.height, rate, hasAlpha, {}};
-    m_writer = std::make_unique<StreamWriter>(*m_plan.format, settings, *m_output);
+    const VideoSettings settings{picture.width, picture.height, m_writtenRate, hasAlpha, {}};
+    m_writer = std::make_unique<StreamWriter>(*m_plan.format, settings, *m_output,
+                                              m_hasSound ? StreamWriter::Sound::Beside : StreamWriter::Sound::None);
+    m_sound.BeginAnew();
 }
 
-// A picture of another size, or of another scene whose time begins anew, is a stream of its own, for which readers come
-// again.
+bool LiveSink::SendSound(const OutputField& field) {
+    if (!m_hasSound) return true;
+    const auto number = static_cast<double>(field.number);
+    return m_writer->WriteSound(m_sound.Take(field.sound, number / m_writtenRate, (number + 1) / m_writtenRate));
+}
+
+// A picture of another size, the first one with sound, or one of another scene whose time begins anew, is a stream of
+// its own, for which readers come again.
 bool LiveSink::Send(const OutputField& field) {
     const SharedPicture& picture = field.Of(m_plan.view);
-    const bool isOther = m_last && (picture->width != m_last->width || picture->height != m_last->height ||
-                                    field.number <= m_lastNumber);
+    const bool hasSound = m_plan.view == View::Rendered && m_sound.IsThere(field.sound);
+    const bool isOther = m_last && ((hasSound && !m_hasSound) || picture->width != m_last->width ||
+                                    picture->height != m_last->height || field.number <= m_lastNumber);
     if (isOther) {
         (void)m_writer->End();
         return false;
     }
-    if (!m_writer) Begin(*picture);
+    if (!m_writer) {
+        m_hasSound = hasSound;
+        Begin(*picture);
+    }
     const bool isSame = picture == m_last;
     m_last = picture;
     m_lastNumber = field.number;
-    return isSame ? m_writer->Repeat(field.number) : m_writer->Write(*picture, field.number);
+    const bool isTaken = isSame ? m_writer->Repeat(field.number) : m_writer->Write(*picture, field.number);
+    return isTaken && SendSound(field);
 }
 
 }  // namespace kel

@@ -13,6 +13,7 @@
 #include "kel/outputs/live_address.h"
 #include "kel/outputs/output_sink.h"
 #include "kel/video/stream_output.h"
+#include "kel/video/stream_sound.h"
 #include "kel/video/stream_writer.h"
 
 namespace kel {
@@ -30,6 +31,9 @@ struct LiveFigures {
 };
 
 // A live output: sends what it is given to one reader after the other, on a thread of its own.
+//
+// The rendered picture has its sound beside it, where there is some; it is read, decoded and encoded on that thread
+// too.
 //
 // Whoever gives it fields never waits. What a reader cannot follow is dropped and counted; without a reader fields go
 // by uncounted. A reader that comes begins with the next field, and one that goes is no error. TakeField belongs to one
@@ -70,6 +74,7 @@ private:
     bool ServeReader();
     std::optional<OutputField> NextField();
     bool Send(const OutputField& field);
+    bool SendSound(const OutputField& field);
     void Begin(const picture_io::Picture& picture);
     void StopThread();
 
@@ -81,6 +86,9 @@ private:
 
     // The thread's own.
     std::unique_ptr<StreamWriter> m_writer;  // null: the reader has got nothing yet
+    double m_writtenRate = 0;                // pictures a second of what it has got
+    StreamSound m_sound;
+    bool m_hasSound = false;  // the reader is sent some
     SharedPicture m_last;
     std::int64_t m_lastNumber = -1;
 

@@ -47,11 +47,12 @@ void LiveStreams::ChangeHost() {
     m_premultiplied.Forget();
 }
 
-void LiveStreams::TakeField(Host& host, std::int64_t fields) {
+void LiveStreams::TakeField(Host& host, const SoundMoment& sound, std::int64_t fields) {
     m_field += fields;
     OutputField field;
     field.number = m_field;
     field.seconds = static_cast<double>(m_field) / m_fieldsPerSecond;
+    field.sound = sound;
     for (const auto& sink : m_sinks) {
         if (!sink->Wants(field.seconds)) continue;
         field.views = {};

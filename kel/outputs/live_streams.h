@@ -22,8 +22,9 @@ public:
     // Fields of such a scene come next.
     void Start(WindowSize window, double fieldsPerSecond);
     // The host has just drawn a field.
+    //   sound   what is heard with it
     //   fields  that have passed since the last one, this one counted
-    void TakeField(Host& host, std::int64_t fields = 1);
+    void TakeField(Host& host, const SoundMoment& sound = {}, std::int64_t fields = 1);
     // The next field is of another host than those before.
     void ChangeHost();
     // Sends what waits to readers that take it, for a moment at most.

@@ -10,6 +10,7 @@
 
 #include "kel/scene/host.h"
 #include "kel/video/picture_part.h"
+#include "kel/video/sound_source.h"
 #include "picture_io/output_files.h"
 #include "picture_io/picture.h"
 
@@ -37,6 +38,7 @@ struct OutputField {
     std::array<SharedPicture, viewCount> views;
     // Where they may differ from the field before, for whoever knows, and then says it of every field.
     std::optional<PicturePart> changed = {};
+    SoundMoment sound = {};  // what is heard with the rendered picture
 
     [[nodiscard]] const SharedPicture& Of(View view) const { return views[static_cast<std::size_t>(view)]; }
 };

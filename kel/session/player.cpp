@@ -1,5 +1,6 @@
 #include "kel/session/player.h"
 
+#include <algorithm>
 #include <exception>
 #include <utility>
 
@@ -7,6 +8,7 @@
 #include "cli/nearest_name.h"
 #include "kel/session/session_memory.h"
 #include "kel/session/session_values.h"
+#include "kel/video/sound_reader.h"
 
 namespace kel {
 namespace {
@@ -59,7 +61,8 @@ std::unique_ptr<VideoShow> Player::OpenVideo(const SessionContainer& container, 
     const std::string place = container.place + "/film";
     const std::filesystem::path file = m_access.InputFile(container.video, place);
     try {
-        return std::make_unique<VideoShow>(VideoReader(file), id, m_session.fieldsPerSecond);
+        return std::make_unique<VideoShow>(VideoReader(file), id, m_session.fieldsPerSecond,
+                                           std::make_shared<FileTrack>(file));
     } catch (const cli::Error& error) {
         throw cli::Error(m_session.file.string(), place, error.what());
     }
@@ -147,6 +150,12 @@ void Player::ChangeVideo(std::size_t container, const VideoChange& change) {
 
 void Player::SetVideo(std::size_t container, std::unique_ptr<VideoShow> video) {
     m_containers[container].video = std::move(video);
+}
+
+SoundMoment Player::Heard() const {
+    for (const Container& container : m_containers)
+        if (container.video) return container.video->Heard(std::max<std::int64_t>(m_field - 1, 0));
+    return {};
 }
 
 void Player::SetVideoConversion(VideoConversion conversion) {

@@ -46,6 +46,9 @@ public:
     // Another video on a container, from the next field on; null: none, and what is on it stays.
     void SetVideo(std::size_t container, std::unique_ptr<VideoShow> video);
 
+    // Of the field played last: that of the first video.
+    [[nodiscard]] SoundMoment Heard() const;
+
     // How the videos' frames are made from now on.
     void SetVideoConversion(VideoConversion conversion);
     // The picture of the field played last, with its videos as they are written. Throws Error as PlayField does.

@@ -17,11 +17,19 @@ VideoClock ClockOf(const VideoReader& video, double fieldsPerSecond) {
 
 }  // namespace
 
-VideoShow::VideoShow(VideoReader video, ObjectId container, double fieldsPerSecond)
+VideoShow::VideoShow(VideoReader video, ObjectId container, double fieldsPerSecond,
+                     std::shared_ptr<const SoundTrack> track)
     : m_container(container),
       m_frames(std::move(video)),
       m_framesPerSecond(m_frames.Reader().FramesPerSecond()),
-      m_clock(ClockOf(m_frames.Reader(), fieldsPerSecond)) {}
+      m_clock(ClockOf(m_frames.Reader(), fieldsPerSecond)),
+      m_track(std::move(track)) {}
+
+// Faster and slower than it was taken there is none.
+SoundMoment VideoShow::Heard(std::int64_t field) const {
+    return {m_track, m_clock.StartOf(m_clock.FrameAt(field)) / m_framesPerSecond,
+            m_clock.IsRunning(field) && m_clock.Speed() == 1};
+}
 
 // As many different ones as are decoded ahead, at the present speed, in the present loop.
 std::vector<std::int64_t> VideoShow::ComingFrames(std::int64_t field) const {

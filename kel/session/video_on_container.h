@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "kel/scene/host.h"
 #include "kel/video/frames_ahead.h"
+#include "kel/video/sound_source.h"
 #include "kel/video/video_clock.h"
 
 namespace kel {
@@ -12,7 +14,8 @@ namespace kel {
 // A video on a container: shows the frame of each field, and decodes the next ones meanwhile on a thread of its own.
 class VideoShow {
 public:
-    VideoShow(VideoReader video, ObjectId container, double fieldsPerSecond);
+    //   track  the video's sound; null: there is none
+    VideoShow(VideoReader video, ObjectId container, double fieldsPerSecond, std::shared_ptr<const SoundTrack> track);
     ~VideoShow() = default;
     VideoShow(const VideoShow&) = delete;
     VideoShow& operator=(const VideoShow&) = delete;
@@ -23,6 +26,10 @@ public:
     [[nodiscard]] const VideoClock& Clock() const { return m_clock; }
     [[nodiscard]] double FramesPerSecond() const { return m_framesPerSecond; }
     void Change(const VideoChange& change, std::int64_t field) { m_clock.Change(change, field); }
+
+    // What is heard with the field's frame.
+    [[nodiscard]] SoundMoment Heard(std::int64_t field) const;
+    [[nodiscard]] const std::shared_ptr<const SoundTrack>& Track() const { return m_track; }
 
     // Puts the field's frame on the container. Throws Error when the frame is damaged; the one before it stays then,
     // and the damaged one is not tried again until another has been shown.
@@ -47,6 +54,7 @@ private:
     FramesAhead m_frames;
     double m_framesPerSecond;
     VideoClock m_clock;
+    std::shared_ptr<const SoundTrack> m_track;
     VideoConversion m_conversion = VideoConversion::Exact;
     std::int64_t m_shown = -1;
 };

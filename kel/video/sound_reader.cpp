@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <new>
+#include <utility>
 #include <vector>
 
 #include "cli/error.h"
@@ -16,17 +17,21 @@ namespace kel {
 class SoundDecoder {
 public:
     // Throws Error for what has no sound that can be played.
-    explicit SoundDecoder(const std::filesystem::path& file);
+    //   unit   of the packets' times
+    //   begin  of the pictures, in seconds
+    SoundDecoder(std::unique_ptr<VideoPackets> packets, AVRational unit, double begin);
 
     void Seek(double seconds);
     std::size_t Read(std::span<float> samples);
 
 private:
-    void OpenCodec();
+    void OpenCodec(AVRational unit);
     bool DecodeMore();
     void Place(double seconds);
 
-    VideoFile m_file;
+    std::unique_ptr<VideoPackets> m_packets;  // not null
+    double m_secondsPerUnit;
+    double m_begin;
     AvCodec m_codec;
     AvPacket m_packet;
     AvFrame m_frame;
@@ -37,21 +42,25 @@ private:
     bool m_isPlaced = false;  // the first samples after a seek stand at their time
 };
 
-SoundDecoder::SoundDecoder(const std::filesystem::path& file)
-    : m_file(file, VideoFile::Stream::Sound), m_packet(NewPacket()), m_frame(NewFrame()) {
-    OpenCodec();
+SoundDecoder::SoundDecoder(std::unique_ptr<VideoPackets> packets, AVRational unit, double begin)
+    : m_packets(std::move(packets)),
+      m_secondsPerUnit(av_q2d(unit)),
+      m_begin(begin),
+      m_packet(NewPacket()),
+      m_frame(NewFrame()) {
+    OpenCodec(unit);
 }
 
-void SoundDecoder::OpenCodec() {
-    const AVCodecParameters& parameters = m_file.Codec();
+void SoundDecoder::OpenCodec(AVRational unit) {
+    const AVCodecParameters& parameters = m_packets->Codec();
     const AVCodec* codec = avcodec_find_decoder(parameters.codec_id);
-    if (codec == nullptr) m_file.Refuse("has sound that cannot be read");
+    if (codec == nullptr) m_packets->Refuse("has sound that cannot be read");
     m_codec.reset(avcodec_alloc_context3(codec));
     if (!m_codec) throw std::bad_alloc();
-    m_codec->pkt_timebase = m_file.TimeBase();
+    m_codec->pkt_timebase = unit;
     int result = avcodec_parameters_to_context(m_codec.get(), &parameters);
     if (result >= 0) result = avcodec_open2(m_codec.get(), codec, nullptr);
-    if (result < 0) m_file.Refuse("has sound that cannot be decoded: " + AvReason(result));
+    if (result < 0) m_packets->Refuse("has sound that cannot be decoded: " + AvReason(result));
 }
 
 void SoundDecoder::Seek(double seconds) {
@@ -61,9 +70,8 @@ void SoundDecoder::Seek(double seconds) {
     m_isPlaced = false;
     m_resampler.Break();
     avcodec_flush_buffers(m_codec.get());
-    const double start = m_file.PicturesBegin();
-    if (!m_file.Seek(static_cast<std::int64_t>(std::floor((m_sought + start) / m_file.SecondsPerUnit()))))
-        m_file.Rewind();
+    if (!m_packets->Seek(static_cast<std::int64_t>(std::floor((m_sought + m_begin) / m_secondsPerUnit))))
+        m_packets->Rewind();
 }
 
 // The first samples after a seek lie before the time sought, which cuts them, or after it, which puts silence there.
@@ -80,19 +88,18 @@ bool SoundDecoder::DecodeMore() {
         const int result = avcodec_receive_frame(m_codec.get(), m_frame.get());
         if (result == AVERROR_EOF) return false;
         if (result < 0) {
-            const bool isThere = m_file.Read(*m_packet);
+            const bool isThere = m_packets->Read(*m_packet);
             avcodec_send_packet(m_codec.get(), isThere ? m_packet.get() : nullptr);
             continue;
         }
         const double start = m_frame->best_effort_timestamp == AV_NOPTS_VALUE
                                  ? m_sought
-                                 : static_cast<double>(m_frame->best_effort_timestamp) * m_file.SecondsPerUnit() -
-                                       m_file.PicturesBegin();
+                                 : static_cast<double>(m_frame->best_effort_timestamp) * m_secondsPerUnit - m_begin;
         const double end = start + static_cast<double>(m_frame->nb_samples) / std::max(m_frame->sample_rate, 1);
         if (!m_isPlaced && end <= m_sought) continue;
         const bool isFirst = !m_isPlaced;
         if (isFirst) Place(start);
-        if (!m_resampler.Append(*m_frame, m_waiting)) m_file.Refuse("has sound that cannot be played");
+        if (!m_resampler.Append(*m_frame, m_waiting)) m_packets->Refuse("has sound that cannot be played");
         if (isFirst && start < m_sought) {
             const auto cut = static_cast<std::size_t>((m_sought - start) * SoundReader::samplesPerSecond);
             m_taken = std::min(SoundReader::channels * cut, m_waiting.size());
@@ -121,7 +128,18 @@ std::size_t SoundDecoder::Read(std::span<float> samples) {
 
 std::unique_ptr<SoundReader> SoundReader::Open(const std::filesystem::path& file) {
     try {
-        return std::make_unique<SoundReader>(std::make_unique<SoundDecoder>(file));
+        auto video = std::make_unique<VideoFile>(file, VideoFile::Stream::Sound);
+        const AVRational unit = video->TimeBase();
+        const double begin = video->PicturesBegin();
+        return Open(std::move(video), unit, begin);
+    } catch (const cli::Error&) {
+        return nullptr;
+    }
+}
+
+std::unique_ptr<SoundReader> SoundReader::Open(std::unique_ptr<VideoPackets> packets, AVRational unit, double begin) {
+    try {
+        return std::make_unique<SoundReader>(std::make_unique<SoundDecoder>(std::move(packets), unit, begin));
     } catch (const cli::Error&) {
         return nullptr;
     }

@@ -26,7 +26,8 @@ void StreamEncoder::CloseOutput::operator()(AVFormatContext* output) const {
     avformat_free_context(output);
 }
 
-StreamEncoder::StreamEncoder(const StreamFormat& format, const VideoSettings& settings, StreamOutput& output)
+StreamEncoder::StreamEncoder(const StreamFormat& format, const VideoSettings& settings, StreamOutput& output,
+                             StreamWriter::Sound sound)
     : m_wanted(*format.codec), m_reader(output), m_packet(NewPacket()), m_last(NewPacket()) {
     SilenceAv();
     if (std::min(settings.width, settings.height) < m_wanted.smallestSide)
@@ -41,6 +42,8 @@ StreamEncoder::StreamEncoder(const StreamFormat& format, const VideoSettings& se
                                        hasGlobalHeader ? HeaderPlace::Container : HeaderPlace::Packets);
     m_codec = std::move(opened.codec);
     m_frame = std::move(opened.frame);
+    if (sound == StreamWriter::Sound::Beside)
+        m_sound = std::make_unique<SoundEncoder>(output.Address(), format.soundEncoder);
     OpenContainer();
 }
 
@@ -51,12 +54,17 @@ int StreamEncoder::SendBytes(void* self, std::uint8_t* bytes, int count) {
     return encoder.m_isReaderGone ? AVERROR(EPIPE) : count;
 }
 
-void StreamEncoder::OpenContainer() {
+void StreamEncoder::AddStream(const AVCodecContext& codec) {
     AVStream* stream = avformat_new_stream(m_output.get(), nullptr);
     if (stream == nullptr) throw std::bad_alloc();
-    Check(avcodec_parameters_from_context(stream->codecpar, m_codec.get()));
-    stream->time_base = m_codec->time_base;
-    stream->avg_frame_rate = m_codec->framerate;
+    Check(avcodec_parameters_from_context(stream->codecpar, &codec));
+    stream->time_base = codec.time_base;
+    stream->avg_frame_rate = codec.framerate;
+}
+
+void StreamEncoder::OpenContainer() {
+    AddStream(*m_codec);
+    if (m_sound) AddStream(m_sound->Codec());
     const std::size_t bytes = m_reader.BytesAtOnce();
     auto* buffer = static_cast<unsigned char*>(av_malloc(bytes));
     if (buffer == nullptr) throw std::bad_alloc();
@@ -109,6 +117,18 @@ bool StreamEncoder::WritePacket() {
     const int result = av_write_frame(m_output.get(), m_packet.get());
     av_packet_unref(m_packet.get());
     return Check(result);
+}
+
+// Sound has times of its own, which readers put together with the pictures'.
+bool StreamEncoder::WriteSoundPacket(AVPacket& packet) {
+    av_packet_rescale_ts(&packet, m_sound->Codec().time_base, m_output->streams[1]->time_base);
+    packet.stream_index = 1;
+    return Check(av_write_frame(m_output.get(), &packet));
+}
+
+bool StreamEncoder::WriteSound(const StreamSound::Piece& piece) {
+    if (m_isReaderGone) return false;
+    return m_sound->Take(piece.first, piece.samples, [this](AVPacket& packet) { return WriteSoundPacket(packet); });
 }
 
 bool StreamEncoder::End() {

@@ -25,9 +25,9 @@ constexpr bool keepsPixels = true;
 constexpr bool keepsAlpha = true;
 
 constexpr std::array streamFormats{
-    StreamFormat{"h264", "MPEG-TS", "H.264", !keepsPixels, !keepsAlpha, &streamedH264},
-    StreamFormat{"ffv1", "NUT", "FFV1", keepsPixels, keepsAlpha, &streamedFfv1},
-    StreamFormat{"raw", "NUT", "raw BGRA", keepsPixels, keepsAlpha, &rawPictures},
+    StreamFormat{"h264", "MPEG-TS", "H.264", !keepsPixels, !keepsAlpha, &streamedH264, "aac"},
+    StreamFormat{"ffv1", "NUT", "FFV1", keepsPixels, keepsAlpha, &streamedFfv1, "pcm_s16le"},
+    StreamFormat{"raw", "NUT", "raw BGRA", keepsPixels, keepsAlpha, &rawPictures, "pcm_s16le"},
 };
 
 }  // namespace

@@ -15,6 +15,7 @@ struct StreamFormat {
     bool isExact;                // every pixel arrives as it was, in the full range
     bool hasAlpha;
     const VideoCodec* codec;
+    const char* soundEncoder;  // of libav*, for the sound that goes with it
 };
 
 [[nodiscard]] std::span<const StreamFormat> StreamFormats();

@@ -6,6 +6,7 @@
 
 #include "kel/video/stream_format.h"
 #include "kel/video/stream_output.h"
+#include "kel/video/stream_sound.h"
 #include "kel/video/video_writer.h"
 #include "picture_io/picture.h"
 
@@ -18,8 +19,10 @@ class StreamEncoder;
 // What cannot be encoded throws Error; a reader that is gone is no error.
 class StreamWriter {
 public:
+    enum class Sound : bool { None, Beside };
     //   output  borrowed; has a reader
-    StreamWriter(const StreamFormat& format, const VideoSettings& settings, StreamOutput& output);
+    StreamWriter(const StreamFormat& format, const VideoSettings& settings, StreamOutput& output,
+                 Sound sound = Sound::None);
     ~StreamWriter();
     StreamWriter(const StreamWriter&) = delete;
     StreamWriter& operator=(const StreamWriter&) = delete;
@@ -32,6 +35,8 @@ public:
     [[nodiscard]] bool Write(const picture_io::Picture& picture, std::int64_t number);
     // The picture before once more, of which there is one.
     [[nodiscard]] bool Repeat(std::int64_t number);
+    // What is heard beside the pictures, in a stream that has sound; false as above.
+    [[nodiscard]] bool WriteSound(const StreamSound::Piece& piece);
     // What belongs to the end; false as above.
     [[nodiscard]] bool End();
 

@@ -33,6 +33,8 @@ public:
 
     // From the last change on; `field` is not before it.
     [[nodiscard]] std::int64_t FrameAt(std::int64_t field) const;
+    // When a frame is shown, in mean lengths of a frame; also of the one behind the last.
+    [[nodiscard]] double StartOf(std::int64_t frame) const;
     // True: it plays on towards a frame that is not shown yet.
     [[nodiscard]] bool IsRunning(std::int64_t field) const;
     [[nodiscard]] bool Loops() const { return m_loop; }
@@ -46,8 +48,6 @@ public:
 
 private:
     void ChangePoints(const VideoChange& change);
-    [[nodiscard]] double StartOf(
-        std::int64_t frame) const;  // in mean lengths of a frame; also of the one behind the last
     [[nodiscard]] std::int64_t FrameWithin(double start) const;
     [[nodiscard]] std::int64_t Last() const;
 

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cmath>
 #include <span>
+#include <utility>
 #include <vector>
 
-#include "kel/video/sound_reader.h"
 #include "kel/window/sound_device.h"
 
 namespace kel {
@@ -17,18 +17,18 @@ constexpr double mostDrift = 0.15;   // seconds, from which on lips and words ar
 }  // namespace
 
 struct VideoSound::Device {
-    explicit Device(std::unique_ptr<SoundReader> sound) : reader(std::move(sound)) {}
+    explicit Device(std::unique_ptr<SoundSource> sound) : reader(std::move(sound)) {}
 
     SoundDevice output;
-    std::unique_ptr<SoundReader> reader;
+    std::unique_ptr<SoundSource> reader;
     bool isMuted = false;
     bool isPlaying = false;
     bool isOver = false;  // all there is has been queued
     double queuedTo = 0;  // seconds of the video
 };
 
-VideoSound::VideoSound(const std::filesystem::path& video) {
-    auto reader = SoundReader::Open(video);
+VideoSound::VideoSound(std::shared_ptr<const SoundTrack> track) : m_track(std::move(track)) {
+    auto reader = m_track->Open();
     if (!reader) return;
     m_device = std::make_unique<Device>(std::move(reader));
     if (!m_device->output.IsThere()) m_device.reset();
@@ -51,12 +51,12 @@ void VideoSound::Silence() {
 }
 
 void VideoSound::Fill() {
-    std::vector<float> samples(SoundReader::channels * SoundReader::samplesPerSecond / 50);
+    std::vector<float> samples(SoundSource::channels * SoundSource::samplesPerSecond / 50);
     while (!m_device->isOver && m_device->output.Queued() < mostQueued) {
         const std::size_t count = m_device->reader->Read(samples);
-        m_device->isOver = count * SoundReader::channels < samples.size();
-        m_device->output.Queue(std::span(samples).first(count * SoundReader::channels));
-        m_device->queuedTo += static_cast<double>(count) / SoundReader::samplesPerSecond;
+        m_device->isOver = count * SoundSource::channels < samples.size();
+        m_device->output.Queue(std::span(samples).first(count * SoundSource::channels));
+        m_device->queuedTo += static_cast<double>(count) / SoundSource::samplesPerSecond;
     }
 }
 

@@ -1,29 +1,24 @@
 #pragma once
 
-#include <cstdint>
-#include <filesystem>
 #include <memory>
 
-namespace kel {
+#include "kel/video/sound_source.h"
 
-// A video at one moment, as its sound is to follow it.
-struct SoundMoment {
-    double seconds = 0;      // since the video's first frame
-    bool isRunning = false;  // onwards, at the speed at which it was taken
-};
+namespace kel {
 
 // Plays the sound of a video beside its pictures, which lead: where the two drift apart the sound starts anew. A
 // machine without a way to play sound, and a video without any, are silent.
 class VideoSound {
 public:
-    explicit VideoSound(const std::filesystem::path& video);
+    explicit VideoSound(std::shared_ptr<const SoundTrack> track);  // not null
     ~VideoSound();
     VideoSound(const VideoSound&) = delete;
     VideoSound& operator=(const VideoSound&) = delete;
     VideoSound(VideoSound&&) = delete;
     VideoSound& operator=(VideoSound&&) = delete;
 
-    // To be told of every field. Returns at once.
+    [[nodiscard]] const std::shared_ptr<const SoundTrack>& Track() const { return m_track; }
+    // To be told of every field, by moments of its track. Returns at once.
     void Follow(const SoundMoment& moment);
 
     [[nodiscard]] bool IsThere() const;
@@ -35,6 +30,7 @@ private:
     void Silence();
     void Fill();
 
+    std::shared_ptr<const SoundTrack> m_track;
     std::unique_ptr<Device> m_device;  // null: silent
 };
 

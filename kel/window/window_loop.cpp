@@ -130,18 +130,17 @@ void WindowLoop::OpenInstead(const std::filesystem::path& file, std::shared_ptr<
 void WindowLoop::OpenSound() {
     m_sound.reset();
     m_liveSound = m_workspace->Live() == nullptr ? nullptr : std::make_unique<LiveSound>();
-    if (m_workspace->Video() != nullptr) m_sound = std::make_unique<VideoSound>(m_workspace->VideoFile());
+    if (m_workspace->Video() != nullptr) m_sound = std::make_unique<VideoSound>(m_workspace->Video()->Track());
 }
 
-// Faster and slower than it was taken there is none.
-void WindowLoop::FollowWithSound() {
-    if (m_liveSound) m_liveSound->Follow(m_workspace->Live()->Ring(), !m_isMuted && m_workspace->Video() == nullptr);
-    const VideoShow* video = m_workspace->Video();
-    if (!m_sound || video == nullptr) return;
-    const VideoClock& clock = video->Clock();
-    const bool isRunning = clock.IsRunning(m_workspace->NextField()) && clock.Speed() == 1;
+// Live pictures are heard as they come, a film and a replay by their own time. Each replay is another one.
+void WindowLoop::FollowWithSound(const SoundMoment& heard) {
+    const bool isLive = m_workspace->Live() != nullptr && m_workspace->Video() == nullptr;
+    if (m_liveSound) m_liveSound->Follow(m_workspace->Live()->Ring(), !m_isMuted && isLive);
+    if (isLive || !heard.track) return m_sound.reset();
+    if (!m_sound || m_sound->Track() != heard.track) m_sound = std::make_unique<VideoSound>(heard.track);
     m_sound->SetMuted(m_isMuted);
-    m_sound->Follow({static_cast<double>(m_workspace->VideoFrame()) / video->FramesPerSecond(), isRunning});
+    m_sound->Follow(heard);
 }
 
 WindowSize WindowLoop::Free() const {
@@ -245,9 +244,10 @@ void WindowLoop::RunDueFields() {
     m_workspace->SkipVideo(skipped);
     TakeCommands();
     m_workspace->RunFields(due);
-    FollowWithSound();
+    const SoundMoment heard = m_workspace->Heard();
+    FollowWithSound(heard);
     m_feed.Take(*m_workspace, due);
-    if (m_options.streams != nullptr) m_options.streams->TakeField(m_workspace->TheHost(), due + skipped);
+    if (m_options.streams != nullptr) m_options.streams->TakeField(m_workspace->TheHost(), heard, due + skipped);
     if (std::exchange(m_isTailOver, false)) m_painter.Tail().End();
     ShowPicture();
     m_workspace->FollowInk();

@@ -51,7 +51,7 @@ private:
     void OpenInstead(const std::filesystem::path& file, std::shared_ptr<LiveSource> live);
     void TellAll(const std::string& news);
     void OpenSound();
-    void FollowWithSound();
+    void FollowWithSound(const SoundMoment& heard);
     void StartStreams();
     [[nodiscard]] std::vector<LiveFigures> StreamFigures() const;
     void StartPacing() {
@@ -125,7 +125,7 @@ private:
     std::unique_ptr<CleanOutput> m_clean;      // null: there is none
     std::unique_ptr<KeyFillOutput> m_keyFill;  // likewise
     StatusLine m_status;
-    std::unique_ptr<VideoSound> m_sound;     // null: no video is open
+    std::unique_ptr<VideoSound> m_sound;     // null: no video or replay is shown
     std::unique_ptr<LiveSound> m_liveSound;  // null: no live pictures are
     bool m_isMuted = false;
     SecondRate m_pictures;

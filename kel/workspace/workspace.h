@@ -127,6 +127,9 @@ public:
     // So many fields were given up since the last one that was run: the video goes on where it would be by now.
     void SkipVideo(std::int64_t fields);
 
+    // What is heard with the field that was run last: that of the video, a replay, or the live pictures.
+    [[nodiscard]] SoundMoment Heard() const;
+
     // The live pictures that are open; null: a file is.
     [[nodiscard]] const LiveSource* Live() const { return m_live.get(); }
 

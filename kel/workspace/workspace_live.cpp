@@ -28,6 +28,8 @@ bool Workspace::ShowLastLive() {
     return true;
 }
 
+SoundMoment Workspace::Heard() const { return m_live && Video() == nullptr ? m_live->Heard() : m_player->Heard(); }
+
 void Workspace::ShowExactly() {
     m_player->ShowVideosExactly();
     if (m_live && Video() == nullptr && ShowLastLive()) m_host->DrawAgain();
@@ -42,8 +44,8 @@ void Workspace::DoReplay(WorkspaceAction action) {
 void Workspace::BeginReplay() {
     try {
         LiveSource::Replay replay = m_live->HoldReplay();
-        auto video =
-            std::make_unique<VideoShow>(std::move(replay.video), m_player->Containers().front().id, FieldsPerSecond());
+        auto video = std::make_unique<VideoShow>(std::move(replay.video), m_player->Containers().front().id,
+                                                 FieldsPerSecond(), std::move(replay.sound));
         video->SetConversion(m_conversion);
         VideoChange stand;
         stand.frame = video->Clock().Frames() - 1;

@@ -79,12 +79,12 @@ public:
         m_next = Clock::now();
     }
     // The host has just drawn the next field; returns when it is the time of that.
-    void Show(Host& host) {
+    void Show(Host& host, const SoundMoment& sound) {
         if (!IsThere()) return;
         std::this_thread::sleep_until(m_next);
         // What was late is not hurried after: a burst of pictures is of no use to a reader.
         m_next = std::max(m_next, Clock::now() - m_period) + m_period;
-        m_streams.TakeField(host);
+        m_streams.TakeField(host, sound);
     }
     void ChangeHost() { m_streams.ChangeHost(); }
     void Close() {
@@ -127,10 +127,17 @@ void PlayFields(TimelinePlay::Stage& stage, const PlayOptions& options, const Se
             for (const std::string& name : names)
                 wanted.outputs.Stage(stage.host->ReadFrame(), wanted.saves->FileOf(name));
         if (rendering == Player::Rendering::Wanted) wanted.outputs.TakeField(*stage.host);
-        if (wanted.broadcast != nullptr) wanted.broadcast->Show(*stage.host);
+        if (wanted.broadcast != nullptr) wanted.broadcast->Show(*stage.host, stage.player->Heard());
         progress.Show(stage.player->NextField());
     }
     journal.Finish();
+}
+
+// Of the video itself, which is shown from its first step to its last.
+SoundMoment HeardWith(TimelinePlay& play, std::int64_t step) {
+    const VideoTimeline& timeline = play.Timeline();
+    const VideoShow& video = *play.ThePlayer().Containers()[timeline.container].video;
+    return {video.Track(), static_cast<double>(step) / timeline.framesPerSecond, true};
 }
 
 void PlayAlongVideo(TimelinePlay& play, const PlayOptions& options, Outputs& outputs, PlayBroadcast& broadcast) {
@@ -143,7 +150,7 @@ void PlayAlongVideo(TimelinePlay& play, const PlayOptions& options, Outputs& out
             broadcast.ChangeHost();
         }
         outputs.TakeField(play.TheHost());
-        broadcast.Show(play.TheHost());
+        broadcast.Show(play.TheHost(), HeardWith(play, done));
         progress.Show(++done);
     }
 }
