@@ -13,12 +13,12 @@
 namespace kel {
 namespace {
 
-constexpr std::int64_t second = SoundSource::samplesPerSecond;
-constexpr std::int64_t roundingOfTimes = second / 50;  // of packets that follow each other
-constexpr std::int64_t farthestAhead = 10 * second;    // of who reads, that is kept
+constexpr std::int64_t samplesOfSecond = SoundSource::samplesPerSecond;
+constexpr std::int64_t packetRounding = samplesOfSecond / 100;  // of packets that follow each other
+constexpr std::int64_t farthestDecoded = 10 * samplesOfSecond;  // of who reads, that is kept
 
 std::int64_t SampleAt(const AVPacket& packet) {
-    return av_rescale_q(packet.pts, liveUnit, {1, static_cast<int>(second)});
+    return av_rescale_q(packet.pts, liveUnit, {1, static_cast<int>(samplesOfSecond)});
 }
 
 // Decodes what comes as it is read, and has nothing of what is read no more.
@@ -47,12 +47,12 @@ private:
 // Packets follow each other, but for where some are missing or come twice.
 void RingSound::Place(std::int64_t at) {
     const std::int64_t gap = at - End();
-    if (m_samples.empty() || gap > second || gap < -second) {
+    if (m_samples.empty() || gap > samplesOfSecond || gap < -samplesOfSecond) {
         m_samples.clear();
         m_begin = at;
-    } else if (gap > roundingOfTimes) {
+    } else if (gap > packetRounding) {
         m_samples.resize(m_samples.size() + channels * static_cast<std::size_t>(gap), 0.0F);
-    } else if (gap < -roundingOfTimes) {
+    } else if (gap < -packetRounding) {
         m_samples.resize(m_samples.size() - std::min(m_samples.size(), channels * static_cast<std::size_t>(-gap)));
     }
 }
@@ -67,7 +67,7 @@ void RingSound::DecodeWhatCame() {
     }
     for (const LivePacket& packet : packets) {
         const std::int64_t at = SampleAt(*packet);
-        if (at < m_at - second || at > m_at + farthestAhead) continue;
+        if (at < m_at - samplesOfSecond || at > m_at + farthestDecoded) continue;
         Place(at);
         m_decoder->Decode(*packet, m_samples);
     }

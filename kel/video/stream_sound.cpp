@@ -6,14 +6,14 @@
 namespace kel {
 namespace {
 
-constexpr double longestGap = 1.0;    // seconds of fields left out, through which the sound goes on
-constexpr double longestWait = 0.7;   // seconds that live sound may be later than its pictures
-constexpr double nearness = 0.06;     // seconds: live pictures come as unevenly as that
-constexpr double farness = 0.3;       // seconds: no unevenness
-constexpr int mostPicturesApart = 5;  // in a row
+constexpr double longestGap = 1.0;     // seconds of fields left out, through which the sound goes on
+constexpr double longestWait = 0.7;    // seconds that live sound may be later than its pictures
+constexpr double nearPictures = 0.06;  // seconds: live pictures come as unevenly as that
+constexpr double farPictures = 0.3;    // seconds: no unevenness
+constexpr int mostPicturesApart = 5;   // in a row
 
-std::int64_t SamplesIn(double seconds) { return std::llround(seconds * SoundSource::samplesPerSecond); }
-double SecondsOf(std::int64_t samples) { return static_cast<double>(samples) / SoundSource::samplesPerSecond; }
+std::int64_t StreamSamples(double seconds) { return std::llround(seconds * SoundSource::samplesPerSecond); }
+double StreamSeconds(std::int64_t samples) { return static_cast<double>(samples) / SoundSource::samplesPerSecond; }
 
 }  // namespace
 
@@ -37,20 +37,20 @@ void StreamSound::Silence(std::int64_t until) {
 // A picture is shown for as long as fields take until the next one, so only a new one says how far the two are apart.
 bool StreamSound::IsApart(const SoundMoment& moment, std::int64_t from, double tolerance) {
     if (moment.seconds == m_lastSeconds) return false;
-    const double distance = std::abs(SecondsOf(m_sourceAt + (from - m_at)) - moment.seconds);
+    const double distance = std::abs(StreamSeconds(m_sourceAt + (from - m_at)) - moment.seconds);
     m_apart = distance > tolerance ? m_apart + 1 : 0;
-    return distance > std::max(farness, tolerance) || m_apart >= mostPicturesApart;
+    return distance > std::max(farPictures, tolerance) || m_apart >= mostPicturesApart;
 }
 
 // The source goes to where it is heard from m_at on, so that the moment is heard at `from`.
 void StreamSound::Follow(const SoundMoment& moment, std::int64_t from) {
     if (!m_isPlaying) Silence(from);
-    m_sourceAt = SamplesIn(moment.seconds) - (from - m_at);
+    m_sourceAt = StreamSamples(moment.seconds) - (from - m_at);
     if (m_sourceAt < 0) {
         Silence(m_at - m_sourceAt);
         m_sourceAt = 0;
     }
-    m_source->Seek(SecondsOf(m_sourceAt));
+    m_source->Seek(StreamSeconds(m_sourceAt));
     m_apart = 0;
     m_isPlaying = true;
 }
@@ -65,18 +65,18 @@ void StreamSound::Read(std::int64_t from, std::int64_t until) {
     m_at += static_cast<std::int64_t>(count);
     m_sourceAt += static_cast<std::int64_t>(count);
     if (count == wanted) return;
-    const std::int64_t latest = m_track->IsLive() ? from - SamplesIn(longestWait) : until;
+    const std::int64_t latest = m_track->IsLive() ? from - StreamSamples(longestWait) : until;
     if (latest <= m_at) return;
     m_sourceAt += latest - m_at;
     Silence(latest);
-    if (m_track->IsLive()) m_source->Seek(SecondsOf(m_sourceAt));
+    if (m_track->IsLive()) m_source->Seek(StreamSeconds(m_sourceAt));
 }
 
 StreamSound::Piece StreamSound::Take(const SoundMoment& moment, double from, double to) {
     m_samples.clear();
-    const std::int64_t begin = SamplesIn(from);
-    const std::int64_t end = SamplesIn(to);
-    if (m_at < 0 || begin - m_at > SamplesIn(longestGap + 2 * (to - from))) {
+    const std::int64_t begin = StreamSamples(from);
+    const std::int64_t end = StreamSamples(to);
+    if (m_at < 0 || begin - m_at > StreamSamples(longestGap + 2 * (to - from))) {
         m_at = begin;
         m_isPlaying = false;
     }
@@ -85,7 +85,7 @@ StreamSound::Piece StreamSound::Take(const SoundMoment& moment, double from, dou
         m_isPlaying = false;
         Silence(end);
     } else {
-        if (!m_isPlaying || IsApart(moment, begin, std::max(nearness, 2 * (to - from)))) Follow(moment, begin);
+        if (!m_isPlaying || IsApart(moment, begin, std::max(nearPictures, 2 * (to - from)))) Follow(moment, begin);
         Read(begin, end);
     }
     m_lastSeconds = moment.seconds;

@@ -10,6 +10,7 @@
 
 #include "kel/outputs/live_streams.h"
 #include "kel/video/socket_handle.h"
+#include "tests/kel/outputs/live_places.h"
 #include "tests/kel/outputs/src_over.h"
 #include "tests/kel/outputs/stream_reader.h"
 #include "tests/kel/pixels.h"
@@ -21,23 +22,13 @@ namespace kel {
 namespace {
 
 using testing::AwaitThat;
+using testing::LivePlaces;
+using testing::LivePlacesOf;
 using testing::Pixel;
 using testing::StreamReader;
 
 constexpr WindowSize liveSize{64, 48};
 constexpr double fieldRate = 50;
-
-// A port of this machine that was free a moment ago.
-int FreePort() {
-    const SocketHandle handle(socket(AF_INET, SOCK_DGRAM, 0));
-    sockaddr_in place{};
-    place.sin_family = AF_INET;
-    place.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t length = sizeof place;
-    REQUIRE_EQ(bind(handle.Get(), reinterpret_cast<const sockaddr*>(&place), sizeof place), 0);
-    REQUIRE_EQ(getsockname(handle.Get(), reinterpret_cast<sockaddr*>(&place), &length), 0);
-    return ntohs(place.sin_port);
-}
 
 // A sink of a view that is one picture, field after field.
 class FedSink {
@@ -76,18 +67,6 @@ SharedPicture PlainShared(const Pixel& pixel, WindowSize of = liveSize) {
     return std::make_shared<const picture_io::Picture>(testing::Plain(of.width, of.height, pixel));
 }
 
-// As a reader of that scheme finds it, and as the sink is told.
-struct Addresses {
-    std::string sink;
-    std::string reader;
-};
-Addresses AddressesOf(std::string_view scheme) {
-    if (scheme == "tcp://") return {"tcp://:0", ""};
-    const std::string place = "127.0.0.1:" + std::to_string(FreePort());
-    if (scheme == "udp://") return {"udp://" + place, "udp://" + place};
-    return {"srt://" + place + "?mode=listener&latency=20", "srt://" + place};
-}
-
 }  // namespace
 
 // Within 1: the strokes were found by the picture that the scene renders, to within rounding of that picture.
@@ -122,7 +101,7 @@ TEST_CASE("Every scheme sends what its reader sees, and goes on when the reader 
     constexpr Pixel colour{200, 40, 90, 255};
     for (const LiveScheme& scheme : LiveSchemes()) {
         CAPTURE(scheme.beginning);
-        const Addresses addresses = AddressesOf(scheme.beginning);
+        const LivePlaces addresses = LivePlacesOf(scheme.beginning);
         FedSink fed(View::Rendered, addresses.sink, PlainShared(colour));
         const std::string where = addresses.reader.empty() ? fed.sink.Figures().address : addresses.reader;
         {
@@ -151,7 +130,7 @@ TEST_CASE("Fill and key stand side by side in one picture") {
     for (std::int32_t y = 0; y < liveSize.height; ++y)
         for (std::int32_t x = 0; x < 2 * liveSize.width; ++x)
             both.Set(x, y, x < liveSize.width ? Pixel{255, 0, 0, 255} : Pixel{128, 128, 128, 255});
-    const Addresses addresses = AddressesOf("udp://");
+    const LivePlaces addresses = LivePlacesOf("udp://");
     FedSink fed(View::FillKey, addresses.sink, std::make_shared<const picture_io::Picture>(both));
     StreamReader reader(addresses.reader, 5);
     fed.FeedUntil("it is read", [&] { return !reader.Program().IsRunning(); });
@@ -204,7 +183,7 @@ TEST_CASE("A reader that stands still loses pictures and nobody waits for it; it
 TEST_CASE("A sink ends without a reader, in the middle of one, and unopened") {
     for (const LiveScheme& scheme : LiveSchemes()) {
         CAPTURE(scheme.beginning);
-        FedSink fed(View::Rendered, AddressesOf(scheme.beginning).sink, PlainShared(testing::red));
+        FedSink fed(View::Rendered, LivePlacesOf(scheme.beginning).sink, PlainShared(testing::red));
         fed.Feed();
         fed.sink.Close();
         CHECK_EQ(fed.sink.Figures().dropped, 0);

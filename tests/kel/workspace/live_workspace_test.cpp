@@ -194,4 +194,53 @@ TEST_CASE("Pictures of another size keep their shape in a replay and in a clip o
     checkShape(host.ReadFrame());
 }
 
+TEST_CASE("A replay is heard as it plays at its own speed, live pictures as they come, and else nothing is") {
+    constexpr std::int16_t level = 8000;
+    LivePlace place;
+    place.camera.reset();
+    place.camera = std::make_unique<testing::Camera>(
+        testing::Camera::Settings{.address = "tcp://127.0.0.1:" + std::to_string(place.port) + "?listen",
+                                  .format = "nut",
+                                  .width = 320,
+                                  .height = 240,
+                                  .level = level});
+    Workspace workspace({}, place.options);
+    Await("sound with the pictures", [&] {
+        workspace.RunFields(1);
+        const SoundMoment heard = workspace.Heard();
+        return heard.isRunning && heard.track->IsLive() && heard.track->Open() != nullptr;
+    });
+    const double begin = place.options.live->Ring().Size().seconds;
+    Await("a second of it", [&] { return place.options.live->Ring().Size().seconds > begin + 1; });
+    workspace.DoVideo(WorkspaceAction::Pause);
+    workspace.RunFields(1);
+    CHECK_FALSE(workspace.Heard().isRunning);
+    CHECK_FALSE(workspace.Heard().track->IsLive());
+    const std::int64_t frame = workspace.Video()->Clock().Frames() - 25;  // half a second before its end
+    VideoChange play;
+    play.frame = frame;
+    play.play = true;
+    workspace.ChangeVideo(play);
+    workspace.RunFields(2);
+    const SoundMoment heard = workspace.Heard();
+    CHECK(heard.isRunning);
+    const VideoShow& video = *workspace.Video();
+    CHECK_GE(heard.seconds, video.Clock().StartOf(frame) / video.FramesPerSecond());
+    CHECK_LE(heard.seconds, video.Clock().StartOf(frame + 2) / video.FramesPerSecond());
+    const auto sound = heard.track->Open();
+    REQUIRE(sound);
+    sound->Seek(heard.seconds);
+    std::vector<float> samples(200);
+    CHECK_EQ(sound->Read(samples), 100);
+    CHECK_EQ(samples.back(), static_cast<float>(level) / 32768);
+    VideoChange slower;
+    slower.speed = 0.5;
+    workspace.ChangeVideo(slower);
+    workspace.RunFields(1);
+    CHECK_FALSE(workspace.Heard().isRunning);
+    workspace.DoVideo(WorkspaceAction::Live);
+    workspace.RunFields(1);
+    CHECK(workspace.Heard().track->IsLive());
+}
+
 }  // namespace kel
