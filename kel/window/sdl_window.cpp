@@ -154,7 +154,10 @@ bool SdlWindow::IsFullScreen() const { return m_parts->fullScreen.IsOn(m_parts->
 void SdlWindow::SetFullScreen(bool on) { m_parts->fullScreen.Set(m_parts->window.get(), on); }
 
 void SdlWindow::TakeForPanel(const SDL_Event& event) {
-    ImGui_ImplSDL2_ProcessEvent(&event);
+    // ImGui would hold the mouse while a finger is down: the display then takes the finger for the mouse, and never
+    // tells when it is up. What it does comes from PanelMouse alone.
+    const bool isFinger = event.type == SDL_MOUSEBUTTONDOWN && event.button.which == SDL_TOUCH_MOUSEID;
+    if (!isFinger) ImGui_ImplSDL2_ProcessEvent(&event);
     m_parts->mouse.Take(event);
 }
 

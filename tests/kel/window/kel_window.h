@@ -21,7 +21,7 @@ class KelWindow {
 public:
     // Starts it once the folder has been filled.
     void Start(const std::vector<std::string>& arguments);
-    explicit KelWindow(ScreenSize screen = {}) : display(screen) {}
+    explicit KelWindow(ScreenSize screen = {}, const std::vector<std::string>& server = {}) : display(screen, server) {}
     ~KelWindow();
     KelWindow(const KelWindow&) = delete;
     KelWindow& operator=(const KelWindow&) = delete;

@@ -23,7 +23,8 @@ PictureArea FindPaper(const picture_io::Picture& screen) {
     return {left, top, right - left + 1, bottom - top + 1};
 }
 
-PaperWindow::PaperWindow(const std::vector<std::string>& more) {
+PaperWindow::PaperWindow(const std::vector<std::string>& more, const std::vector<std::string>& server)
+    : KelWindow({}, server) {
     picture_io::WritePicture(Plain(1200, 900, paper), folder / "paper.png");
     std::vector<std::string> arguments = {"paper.png", "--record", "run.json"};
     arguments.insert(arguments.end(), more.begin(), more.end());
@@ -41,9 +42,14 @@ PaperWindow::PaperWindow(const std::vector<std::string>& more) {
     SetByKey("r", "RecoShapes");  // strokes stay as they are drawn
 }
 
+ScreenPlace PaperWindow::OnPaper(double x, double y) const {
+    return {area.x + static_cast<std::int32_t>(std::lround(x * area.width)),
+            area.y + static_cast<std::int32_t>(std::lround(y * area.height))};
+}
+
 void PaperWindow::MoveOnPaper(double x, double y) {
-    display.MovePointer(area.x + static_cast<std::int32_t>(std::lround(x * area.width)),
-                        area.y + static_cast<std::int32_t>(std::lround(y * area.height)));
+    const ScreenPlace at = OnPaper(x, y);
+    display.MovePointer(at.x, at.y);
 }
 
 void PaperWindow::SetByKey(const std::string& key, const std::string& parameter) {

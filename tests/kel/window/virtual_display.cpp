@@ -30,17 +30,30 @@ std::string ReadLine(int end) {
         pollfd waiting{end, POLLIN, 0};
         char letter = 0;
         if (poll(&waiting, 1, startTime) != 1 || read(end, &letter, 1) != 1)
-            throw std::runtime_error("Xvfb does not start");
+            throw std::runtime_error("the display does not start");
         if (letter == '\n') return line;
         line += letter;
     }
+}
+
+// Its number goes to `end`.
+[[noreturn]] void BecomeServer(std::vector<std::string> words, int end) {
+    for (const std::string& word : {std::string("-displayfd"), std::to_string(end), std::string("-nolisten"),
+                                    std::string("tcp"), std::string("-noreset")})
+        words.push_back(word);
+    std::vector<char*> line;
+    line.reserve(words.size() + 1);
+    for (std::string& word : words) line.push_back(word.data());
+    line.push_back(nullptr);
+    execvp(line[0], line.data());
+    _exit(127);
 }
 
 }  // namespace
 
 bool VirtualDisplay::IsPossible() { return std::system("command -v Xvfb >/dev/null 2>&1") == 0; }
 
-VirtualDisplay::VirtualDisplay(ScreenSize size) {
+VirtualDisplay::VirtualDisplay(ScreenSize size, const std::vector<std::string>& server) {
     std::array<int, 2> ends{};
     if (pipe(ends.data()) != 0) throw std::runtime_error("no pipe");
     m_server = fork();
@@ -49,11 +62,8 @@ VirtualDisplay::VirtualDisplay(ScreenSize size) {
         const int nowhere = open("/dev/null", O_WRONLY);
         dup2(nowhere, STDERR_FILENO);
         close(ends[0]);
-        const std::string number = std::to_string(ends[1]);
         const std::string screen = std::to_string(size.width) + "x" + std::to_string(size.height) + "x24";
-        execlp("Xvfb", "Xvfb", "-displayfd", number.c_str(), "-screen", "0", screen.c_str(), "-nolisten", "tcp",
-               "-noreset", nullptr);
-        _exit(127);
+        BecomeServer(server.empty() ? std::vector<std::string>{"Xvfb", "-screen", "0", screen} : server, ends[1]);
     }
     close(ends[1]);
     m_name = ":" + ReadLine(ends[0]);

@@ -32,7 +32,8 @@ class VirtualDisplay {
 public:
     [[nodiscard]] static bool IsPossible();  // there is an Xvfb
 
-    explicit VirtualDisplay(ScreenSize size = {});
+    // server: what shows it, with words of its own; empty: Xvfb
+    explicit VirtualDisplay(ScreenSize size = {}, const std::vector<std::string>& server = {});
     ~VirtualDisplay();
     VirtualDisplay(const VirtualDisplay&) = delete;
     VirtualDisplay& operator=(const VirtualDisplay&) = delete;
