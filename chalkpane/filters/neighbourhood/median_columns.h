@@ -16,8 +16,9 @@ public:
     MedianColumns(std::size_t rowBytes, std::int32_t channels, std::int32_t radius);
 
     void Clear();
-    void AddRow(const std::uint8_t* row) { CountRow(row, 1); }
-    void RemoveRow(const std::uint8_t* row) { CountRow(row, 255); }  // wraps
+    void AddRow(const std::uint8_t* row);
+    // One row of the window leaves and one enters.
+    void MoveDown(const std::uint8_t* leaving, const std::uint8_t* entering);
     // With the 2 * radius + 1 rows of the window added. Needs AVX2, and is there where `builtWithAvx2`.
     void MedianRowAvx2(std::span<std::uint8_t> out) const;
 
@@ -27,14 +28,14 @@ public:
 private:
     static constexpr std::size_t groupSize = 16;  // values of a coarse bin, and coarse bins
 
-    void CountRow(const std::uint8_t* row, std::uint8_t change);
     void MedianChannelAvx2(std::size_t channel, std::span<std::uint8_t> out) const;
 
     std::size_t m_columns;  // bytes of a row, each a column of its own
     std::size_t m_channels;
     std::int32_t m_radius;
-    // Counts are those of one column: 255 at most. The coarse bins of a column lie together; so do the 16 fine bins of
-    // a column in one coarse one, and next to them those of the next column.
+    // Counts are those of one column, 255 at most, and running: each bin holds what is in it and in those before it, so
+    // that sums over columns are running too. The coarse bins of a column lie together; so do the 16 fine bins of a
+    // column in one coarse one, and next to them those of the next column.
     std::vector<std::uint8_t> m_coarse;
     std::vector<std::uint8_t> m_fine;
 };

@@ -13,16 +13,6 @@ namespace {
     return _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(counts)));
 }
 
-// Each count with all before it.
-[[gnu::target("avx2")]] inline __m256i RunningSums(__m256i counts) {
-    __m256i sums = _mm256_add_epi16(counts, _mm256_slli_si256(counts, 2));
-    sums = _mm256_add_epi16(sums, _mm256_slli_si256(sums, 4));
-    sums = _mm256_add_epi16(sums, _mm256_slli_si256(sums, 8));
-    // The upper half goes on where the lower half ends.
-    const __m256i lowerHalf = _mm256_permute2x128_si256(sums, sums, 0x08);
-    return _mm256_add_epi16(sums, _mm256_shuffle_epi8(lowerHalf, _mm256_set1_epi16(0x0f0e)));
-}
-
 // One bit for each count that is at least, or at most, `limit`.
 [[gnu::target("avx2")]] inline std::uint32_t AtLeast(__m256i counts, __m256i limit) {
     const __m256i reached = _mm256_cmpeq_epi16(_mm256_max_epu16(counts, limit), counts);
@@ -82,13 +72,12 @@ struct Columns {
     const std::size_t pixels = out.size() / m_channels;
     __m256i counts = coarse.Sum(0);
     for (std::size_t x = 0; x < pixels; ++x) {
-        const __m256i sums = RunningSums(counts);
-        _mm256_storeu_si256(reinterpret_cast<__m256i*>(below + 1), sums);
-        const auto group = static_cast<std::size_t>(std::countr_zero(AtLeast(sums, half))) / 2;
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(below + 1), counts);
+        const auto group = static_cast<std::size_t>(std::countr_zero(AtLeast(counts, half))) / 2;
         const Columns columns{m_fine.data() + (group * m_columns + channel) * groupSize, step, width};
         columns.MoveTo(x, fine[group]);
-        const __m256i before = _mm256_set1_epi16(static_cast<short>(below[group]));
-        const std::uint32_t above = Above(_mm256_add_epi16(RunningSums(fine[group].counts), before), half);
+        const __m256i missing = _mm256_set1_epi16(static_cast<short>(width * width / 2 - below[group]));
+        const std::uint32_t above = Above(fine[group].counts, missing);
         // KEEP: where exactly half of the window lies up to the group's end, the answer is the group's top.
         const auto bin = above == 0 ? groupSize - 1 : static_cast<std::size_t>(std::countr_zero(above)) / 2;
         out[x * m_channels + channel] = static_cast<std::uint8_t>(group * groupSize + bin);

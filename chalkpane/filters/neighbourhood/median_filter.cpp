@@ -91,8 +91,7 @@ struct MedianJob {
     // A worker's rows come in ascending order, mostly each after the other.
     MedianColumns& ColumnsAround(std::int32_t y, Worker& worker) {
         if (worker.columns && worker.countedRow + 1 == y) {
-            worker.columns->RemoveRow(WindowRow(worker.countedRow, -radius));
-            worker.columns->AddRow(WindowRow(y, radius));
+            worker.columns->MoveDown(WindowRow(worker.countedRow, -radius), WindowRow(y, radius));
         } else {
             if (worker.columns)
                 worker.columns->Clear();
