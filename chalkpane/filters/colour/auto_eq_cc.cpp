@@ -7,6 +7,7 @@
 
 #include "chalkpane/base/memory_loss.h"
 #include "chalkpane/base/multi_processor.h"
+#include "chalkpane/filters/colour/fill_table.h"
 #include "chalkpane/image/image_rows.h"
 
 namespace chalkpane {
@@ -63,10 +64,11 @@ std::vector<float> Gains(const Counts& counts, std::int64_t pixelCount) {
     if (high <= low) return gains;
     const double span = high - low;
     const double power = low < median && median < high ? std::log(0.5) / std::log((median - low) / span) : 1.0;
-    for (std::int32_t v = std::max(low, 1); v < high; ++v) {
+    FillTable(high - 1, [&](std::int32_t v) {
+        if (v < std::max(low, 1)) return;
         const double equalised = std::pow((v - low) / span, power) * span + low;
         gains[static_cast<std::size_t>(v)] = static_cast<float>(equalised / v);
-    }
+    });
     return gains;
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "chalkpane/filters/colour/fill_table.h"
 #include "chalkpane/image/image_rows.h"
 
 namespace chalkpane {
@@ -29,12 +30,12 @@ void BrightnessCC::BeginRun(const Image& source) {
         m_saturationFactor =
             static_cast<std::int32_t>((std::int64_t{settings.saturation} - 100) * (F::fullScale + 1) / 100);
         m_table.resize(static_cast<std::size_t>(F::fullScale) + 1);
-        for (std::int32_t i = 0; i <= F::fullScale; ++i) {
+        FillTable(F::fullScale, [this, &settings](std::int32_t i) {
             const double part = static_cast<double>(i) / F::fullScale;
             double v = ((part * (settings.brightness / 100.0) - 0.5) * settings.contrast) / 100 + 0.5;
             v = v < 0 ? 0 : (v > 1 ? 1 : std::pow(v, 1 / settings.gamma));
             m_table[static_cast<std::size_t>(i)] = static_cast<std::uint16_t>(Truncated(v * F::fullScale + 0.5));
-        }
+        });
     });
 }
 

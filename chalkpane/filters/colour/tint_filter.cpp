@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "chalkpane/base/multi_processor.h"
+#include "chalkpane/filters/colour/fill_table.h"
 #include "chalkpane/filters/colour/paint_colour_list.h"
 #include "chalkpane/filters/paint_colour.h"
 #include "chalkpane/image/image_rows.h"
@@ -80,7 +80,7 @@ void TintFilter::BeginRun(const Image& source) {
 template <typename WeightOf>
 void TintFilter::AddTint(const Colour& colour, WeightOf weightOf) {
     const auto size = static_cast<std::int32_t>(m_blends.size());
-    auto add = [&](std::int32_t luma) {
+    FillTable(size - 1, [&](std::int32_t luma) {
         const Entry entry = TintAt(colour, luma, size - 1);
         const std::int32_t weight = weightOf(static_cast<float>(luma), static_cast<float>(size));
         Blend& at = m_blends[static_cast<std::size_t>(luma)];
@@ -88,12 +88,7 @@ void TintFilter::AddTint(const Colour& colour, WeightOf weightOf) {
         at.green += entry.green * weight;
         at.red += entry.red * weight;
         at.weight += weight;
-    };
-    const auto row = [](std::int32_t luma, void* userData, std::int32_t /*worker*/) {
-        (*static_cast<decltype(add)*>(userData))(luma);
-    };
-    // An entry takes as long as some dozen pixels of other work.
-    RunInBands(0, size - 1, 16, row, &add);
+    });
 }
 
 }  // namespace chalkpane

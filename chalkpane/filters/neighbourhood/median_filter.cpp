@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -28,10 +29,10 @@ struct MedianJob {
     Image& result;
     std::int32_t radius;
     std::size_t channels;
-    std::size_t paddedRow;             // bytes
-    std::int32_t firstRow;             // of `padded`
-    std::int64_t rows;                 // that some window touches
-    std::vector<std::uint8_t> padded;  // those rows, the lowest first
+    std::size_t paddedRow;                   // bytes
+    std::int32_t firstRow;                   // of `padded`
+    std::int64_t rows;                       // that some window touches
+    std::unique_ptr<std::uint8_t[]> padded;  // those rows, the lowest first
     std::vector<Worker> workers;
 
     MedianJob(const Image& from, Image& to, std::int32_t pixels)
@@ -42,7 +43,7 @@ struct MedianJob {
           paddedRow((static_cast<std::size_t>(to.Width()) + 2 * static_cast<std::size_t>(pixels)) * channels),
           firstRow(Inside(std::int64_t{to.y0} - pixels, from.y0, from.y1)),
           rows(std::int64_t{Inside(std::int64_t{to.y1} + pixels, from.y0, from.y1)} - firstRow + 1),
-          padded(paddedRow * static_cast<std::size_t>(rows)),
+          padded(std::make_unique_for_overwrite<std::uint8_t[]>(paddedRow * static_cast<std::size_t>(rows))),
           workers(static_cast<std::size_t>(std::max(MultiProcessor::Instance().ProcessorCount(), 1))) {
         for (Worker& worker : workers) worker.window.resize(2 * static_cast<std::size_t>(pixels) + 1);
         const auto pad = [](std::int32_t row, void* userData, std::int32_t /*worker*/) {
@@ -58,7 +59,7 @@ struct MedianJob {
     }
 
     [[nodiscard]] std::uint8_t* PaddedRow(std::int32_t y) {
-        return padded.data() + paddedRow * static_cast<std::size_t>(std::int64_t{y} - firstRow);
+        return padded.get() + paddedRow * static_cast<std::size_t>(std::int64_t{y} - firstRow);
     }
     // The row of the window around row y that stands so far above it.
     [[nodiscard]] const std::uint8_t* WindowRow(std::int64_t y, std::int64_t above) {
