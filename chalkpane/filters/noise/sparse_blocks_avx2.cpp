@@ -8,10 +8,6 @@
 namespace chalkpane {
 namespace {
 
-struct Sixteen {
-    __m256i lower, upper;
-};
-
 // Which of eight numbers have a remainder by 100 of at most the density.
 //
 // 65536 is 36 by 100, so 36 times the upper half plus the lower half has the number's remainder and is below 2^22.
@@ -48,18 +44,42 @@ private:
     store(out.c, LowerHalfTurned(words.c));
 }
 
-// From the last number to the first: a pixel that begins here is one more than begin behind its draws.
-[[gnu::target("avx2")]] void CountBackwards(Sixteen* numbers, std::size_t count, std::size_t more) {
-    for (std::size_t i = 0; i <= more; ++i)
-        numbers[count + i].lower = numbers[count + i].upper = _mm256_set1_epi32(static_cast<std::int32_t>(i));
-    const __m256i one = _mm256_set1_epi32(SparseSection::countFactor);
-    Sixteen next = numbers[count];
-    for (std::size_t i = count; i-- > 0;) {
-        const Sixteen& passes = numbers[i];
-        const Sixteen& later = numbers[i + 1 + more];
-        next.lower = _mm256_add_epi32(_mm256_blendv_epi8(next.lower, later.lower, passes.lower), one);
-        next.upper = _mm256_add_epi32(_mm256_blendv_epi8(next.upper, later.upper, passes.upper), one);
-        numbers[i] = next;
+// A block of all stretches, sixteen bits a stretch: where numbers pass, and then what is counted from each of them.
+using Block = __m256i[SparseSection::mostDraws + SparseDraws::mostMore + 1];
+
+[[gnu::target("avx2")]] inline __m256i PassingOfSixteen(const Passing& passing, SixteenGrains& grains) {
+    const __m256i lower = passing.Of(Next(grains.lower));
+    return _mm256_packs_epi32(lower, passing.Of(Next(grains.upper)));
+}
+
+// Draws the numbers of one block, counts another that is drawn already, or does both step by step: what waits for the
+// products of one goes on with the other.
+template <bool draws, bool counts>
+[[gnu::target("avx2")]] void DrawAndCount(const Passing& passing, SixteenGrains& grains, __m256i* drawn,
+                                          __m256i* counted, std::size_t blockDraws, std::size_t more) {
+    SixteenGrains at = grains;
+    for (std::size_t i = 0; i <= more && counts; ++i)
+        counted[blockDraws + i] = _mm256_set1_epi16(static_cast<std::int16_t>(i));
+    const __m256i one = _mm256_set1_epi16(SparseSection::countFactor);
+    __m256i next = _mm256_setzero_si256();  // what `counted` holds behind the last number
+    for (std::size_t i = 0; i < blockDraws; ++i) {
+        if constexpr (draws) drawn[i] = PassingOfSixteen(passing, at);
+        if constexpr (counts) {
+            // From the last number to the first: a pixel that begins here is one more than begin behind its draws.
+            __m256i& here = counted[blockDraws - 1 - i];
+            const __m256i later = counted[blockDraws - i + more];
+            next = _mm256_add_epi16(_mm256_blendv_epi8(next, later, here), one);
+            here = next;
+        }
+    }
+    grains = at;
+}
+
+// The quarters of the sixteen bits are in the order 0, 2, 1, 3 of the stretches, as two registers are packed.
+[[gnu::target("avx2")]] void StoreCounts(const __m256i* counted, std::span<SparseSection::Counts> counts) {
+    for (std::size_t i = 0; i < counts.size(); ++i) {
+        auto* const to = reinterpret_cast<__m256i*>(counts[i].ofStretch.data());
+        _mm256_store_si256(to, _mm256_permute4x64_epi64(counted[i], 0xd8));
     }
 }
 
@@ -70,20 +90,20 @@ private:
                                               const SparseSection& section) {
     const Passing passing(draws);
     const std::size_t more = draws.more;
-    auto [lower, upper] = SixteenGrains::Of(start, starts);
-    // Where numbers pass, and then what is counted from each of them.
-    Sixteen numbers[SparseSection::mostDraws + SparseDraws::mostMore + 1];
-    for (std::size_t block = 0; block < SparseSection::blocks; ++block) {
-        Store(lower, 0, section.words[block]);
-        Store(upper, 8, section.words[block]);
-        for (std::size_t i = 0; i < blockDraws; ++i) numbers[i] = {passing.Of(Next(lower)), passing.Of(Next(upper))};
-        CountBackwards(numbers, blockDraws, more);
-        for (std::size_t i = 0; i <= more; ++i) {
-            // Packs within halves of registers, which puts the quarters of the two into the order 0, 2, 1, 3.
-            const __m256i packed = _mm256_packus_epi32(numbers[i].lower, numbers[i].upper);
-            auto* const to = reinterpret_cast<__m256i*>(section.counts[block * (more + 1) + i].ofStretch.data());
-            _mm256_store_si256(to, _mm256_permute4x64_epi64(packed, 0xd8));
+    SixteenGrains grains = SixteenGrains::Of(start, starts);
+    Block blocks[2];
+    for (std::size_t block = 0; block <= SparseSection::blocks; ++block) {
+        __m256i* const drawn = blocks[block % 2];
+        __m256i* const counted = blocks[(block + 1) % 2];
+        if (block < SparseSection::blocks) {
+            Store(grains.lower, 0, section.words[block]);
+            Store(grains.upper, 8, section.words[block]);
         }
+        const auto run = block == 0                      ? DrawAndCount<true, false>
+                         : block < SparseSection::blocks ? DrawAndCount<true, true>
+                                                         : DrawAndCount<false, true>;
+        run(passing, grains, drawn, counted, blockDraws, more);
+        if (block > 0) StoreCounts(counted, section.counts.subspan((block - 1) * (more + 1), more + 1));
     }
 }
 
