@@ -72,7 +72,7 @@ void TakeExtraData(const AVPacket& key, AVCodecParameters& codec) {
     codec.extradata_size = static_cast<int>(size);
 }
 
-// MPEG-TS cuts sound otherwise than a file has it, and does not say its rate.
+// What does not say its rate is nothing that a file can have.
 bool CanHaveSound(const PacketRing::Held& held) {
     if (!held.soundCodec || held.sound.empty()) return false;
     const AVCodecParameters& codec = *held.soundCodec;

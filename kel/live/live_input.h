@@ -31,6 +31,9 @@ public:
         return packet.stream_index == m_sound ? m_input->streams[m_sound] : nullptr;
     }
 
+    // What comes is cut as it was sent, and not as a file has it.
+    [[nodiscard]] bool IsUncut() const { return (m_input->flags & AVFMT_FLAG_NOPARSE) != 0; }
+
 private:
     static int IsOver(void* self);
     void Allow(std::chrono::steady_clock::duration time) { m_deadline = std::chrono::steady_clock::now() + time; }

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "kel/live/live_input.h"
+#include "kel/live/sound_frames.h"
 #include "kel/live/stream_times.h"
 
 namespace kel {
@@ -74,7 +75,8 @@ public:
 private:
     void OpenAndRead();
     int ReadAll(LiveInput& input);
-    void TakeSound(const AVStream& stream, const AVPacket& packet);
+    void TakeSound(const LiveInput& input, const AVStream& stream, const AVPacket& packet);
+    void TakeFrame(const AVCodecParameters& codec, const AVPacket& frame, AVRational unit);
     void TakePacket(const LiveInput& input, const AVPacket& packet);
     void NoteThere(const LiveInput& input);
     void NoteLost(int result);
@@ -83,9 +85,11 @@ private:
     const LiveName m_name;
     const std::shared_ptr<PacketRing> m_ring;
     const std::shared_ptr<LiveNews> m_news;
-    StreamTimes m_times;  // of the thread, as the next three are
+    StreamTimes m_times;  // of the thread, as all up to m_wasThere
     LiveCodec m_codec;
     LiveCodec m_soundCodec;
+    std::unique_ptr<SoundFrames> m_soundFrames;  // null: nothing has had to be cut
+    AVCodecID m_cutCodec = AV_CODEC_ID_NONE;     // by it
     bool m_wasThere = false;
     std::atomic<double> m_framesPerSecond = 0;
     std::atomic<bool> m_ends = false;
@@ -144,27 +148,39 @@ void LiveReader::Work::OpenAndRead() {
 int LiveReader::Work::ReadAll(LiveInput& input) {
     const AvPacket packet = NewPacket();
     m_times.Break();
+    m_soundFrames.reset();
     for (bool isFirst = true;; isFirst = false) {
         const int result = input.Read(*packet);
         if (result < 0) return result;
         if (isFirst) NoteThere(input);
         if (const AVStream* const sound = input.SoundOf(*packet))
-            TakeSound(*sound, *packet);
+            TakeSound(input, *sound, *packet);
         else
             TakePacket(input, *packet);
     }
 }
 
+void LiveReader::Work::TakeSound(const LiveInput& input, const AVStream& stream, const AVPacket& packet) {
+    const AVRational unit = stream.time_base;
+    if (!input.IsUncut()) return TakeFrame(*stream.codecpar, packet, unit);
+    if (!m_soundFrames || m_cutCodec != stream.codecpar->codec_id) {
+        m_soundFrames = std::make_unique<SoundFrames>(*stream.codecpar);
+        m_cutCodec = stream.codecpar->codec_id;
+    }
+    m_soundFrames->Cut(packet, unit,
+                       [&](const AVCodecParameters& codec, const AVPacket& frame) { TakeFrame(codec, frame, unit); });
+}
+
 // Sound whose time is not that of the pictures is none of theirs.
-void LiveReader::Work::TakeSound(const AVStream& stream, const AVPacket& packet) {
-    const auto said = LiveTime(packet.pts == AV_NOPTS_VALUE ? packet.dts : packet.pts, stream.time_base);
+void LiveReader::Work::TakeFrame(const AVCodecParameters& codec, const AVPacket& frame, AVRational unit) {
+    const auto said = LiveTime(frame.pts == AV_NOPTS_VALUE ? frame.dts : frame.pts, unit);
     const auto time = said ? m_times.At(*said) : std::nullopt;
     if (!time) return;
-    if (!m_soundCodec || !IsSameCodec(*m_soundCodec, *stream.codecpar)) {
-        m_soundCodec = CopyCodec(*stream.codecpar);
+    if (!m_soundCodec || !IsSameCodec(*m_soundCodec, codec)) {
+        m_soundCodec = CopyCodec(codec);
         m_ring->BeginSound(m_soundCodec);
     }
-    m_ring->AddSound(CopyPacket(packet, *time, *time));
+    m_ring->AddSound(CopyPacket(frame, *time, *time));
 }
 
 void LiveReader::Work::TakePacket(const LiveInput& input, const AVPacket& packet) {

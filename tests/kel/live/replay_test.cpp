@@ -13,6 +13,8 @@
 #include "tests/cli/temporary_folder.h"
 #include "tests/cli/thrown.h"
 #include "tests/kel/live/camera.h"
+#include "tests/kel/outputs/child_program.h"
+#include "tests/kel/video/beats_in_file.h"
 #include "tests/kel/video/counted_video.h"
 
 namespace kel {
@@ -152,6 +154,46 @@ TEST_CASE("The sound of live pictures is kept with them, and a clip has it as it
     const auto begin = std::find(heard.begin(), end, static_cast<float>(level) / 32768);
     CHECK_LT(begin - heard.begin(), 2 * 3 * 960);
     CHECK_EQ(std::count(begin, end, static_cast<float>(level) / 32768), end - begin);
+}
+
+// What a codec smears, and a frame of it, is less than two pictures.
+TEST_CASE("A clip of MPEG-TS has its sound at the pictures' time, whatever way the stream cuts it") {
+    const cli::testing::TemporaryFolder folder;
+    for (const std::string codec : {"aac", "mp2"}) {
+        CAPTURE(codec);
+        const std::string address = "tcp://127.0.0.1:" + std::to_string(testing::FreePort());
+        testing::ChildProgram camera({"ffmpeg",
+                                      "-nostdin",
+                                      "-loglevel",
+                                      "quiet",
+                                      "-f",
+                                      "lavfi",
+                                      "-i",
+                                      "color=black:s=64x48:r=25:d=3,drawbox=c=white:t=fill:enable='gte(mod(t,1),0.5)'",
+                                      "-f",
+                                      "lavfi",
+                                      "-i",
+                                      "aevalsrc='0.5*sin(2*PI*1000*t)*gte(mod(t,1),0.5)':s=44100:d=3",
+                                      "-c:v",
+                                      "libx264",
+                                      "-preset",
+                                      "ultrafast",
+                                      "-g",
+                                      "10",
+                                      "-c:a",
+                                      codec,
+                                      "-f",
+                                      "mpegts",
+                                      address + "?listen"});
+        LiveSource source(ParseLiveName(address));
+        testing::Await("nearly all of it", [&] { return source.Ring().Size().seconds > 2.8; });
+        const PacketRing::Held held = source.HoldReplay().held;
+        REQUIRE(held.soundCodec);
+        CHECK_EQ(held.soundCodec->sample_rate, 44100);
+        const std::int64_t frames = std::ssize(FrameTimes(held));
+        CHECK_EQ(WriteClip(held, {0, frames - 1, width, height}, folder / (codec + ".mkv")), 0);
+        testing::CheckBeats(folder / (codec + ".mkv"), 2.0 / 25);
+    }
 }
 
 TEST_CASE("Sound that takes more than its share of the memory, or has no pictures, is not kept") {
