@@ -14,11 +14,18 @@ constexpr int largestFrame = 1 << 16;    // bytes; no codec's frame of sound is 
 // In the order of their numbers in an AAC header.
 constexpr std::array aacRates{96000, 88200, 64000, 48000, 44100, 32000, 24000, 22050, 16000, 12000, 11025, 8000, 7350};
 
+// Others are left as they come: they can be heard, and what they are is said nowhere that is read here.
+constexpr std::array cutCodecs{AV_CODEC_ID_AAC, AV_CODEC_ID_MP1, AV_CODEC_ID_MP2, AV_CODEC_ID_MP3, AV_CODEC_ID_AC3};
+
+AVCodecParserContext* ParserFor(AVCodecID codec) {
+    return std::ranges::find(cutCodecs, codec) == cutCodecs.end() ? nullptr : av_parser_init(codec);
+}
+
 }  // namespace
 
 SoundFrames::SoundFrames(const AVCodecParameters& stream)
     : m_codec(avcodec_alloc_context3(nullptr)),
-      m_parser(av_parser_init(stream.codec_id)),
+      m_parser(ParserFor(stream.codec_id)),
       m_described(avcodec_parameters_alloc()) {
     if (!m_codec || !m_described || avcodec_parameters_to_context(m_codec.get(), &stream) < 0 ||
         avcodec_parameters_copy(m_described.get(), &stream) < 0)
@@ -88,7 +95,7 @@ void SoundFrames::Take(AVPacket& frame, AVRational unit, const Taker& taker) {
 }
 
 void SoundFrames::Cut(const AVPacket& packet, AVRational unit, const Taker& taker) {
-    if (!m_parser) return;
+    if (!m_parser) return taker(*m_described, packet);
     m_padded.assign(static_cast<std::size_t>(packet.size) + AV_INPUT_BUFFER_PADDING_SIZE, 0);
     std::copy_n(packet.data, packet.size, m_padded.begin());
     std::int64_t time = packet.pts;

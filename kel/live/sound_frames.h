@@ -15,7 +15,7 @@ namespace kel {
 
 // Cuts the sound of MPEG-TS, which comes in pieces of any size and says what it is at each of its frames, into frames
 // as a file has them: each with its time, and a codec that says its rate. AAC loses the header of its frames, and its
-// codec gets what was said there. What is no frame is passed over.
+// codec gets what was said there. What is no frame is passed over. Codecs that few send are left as they come.
 class SoundFrames {
 public:
     // codec: of the frame, the same object as long as nothing in it changes; borrowed for the call
@@ -52,7 +52,7 @@ private:
     [[nodiscard]] bool TakeHeaderOff(AVPacket& frame);
 
     AvCodec m_codec;
-    std::unique_ptr<AVCodecParserContext, CloseParser> m_parser;  // null: nobody knows this codec's frames
+    std::unique_ptr<AVCodecParserContext, CloseParser> m_parser;  // null: packets are left as they come
     std::unique_ptr<AVBSFContext, FreeFilter> m_filter;           // null: frames have no header, or none is known yet
     std::unique_ptr<AVCodecParameters, FreeParameters> m_described;
     Said m_said;
