@@ -1,3 +1,4 @@
+#if KEL_WITH_X11
 #include "kel/window/display_refusals.h"
 
 #include <doctest/doctest.h>
@@ -40,3 +41,4 @@ TEST_CASE("What a display refuses is passed over in the work and in the end, how
 }
 
 }  // namespace kel
+#endif
