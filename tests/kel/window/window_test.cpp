@@ -163,6 +163,24 @@ TEST_CASE("What was drawn leaves as pictures when the window has been closed") {
     CHECK_LE(testing::Difference(drawn.At(drawn.width / 2, drawn.height / 4), paper), 2);
 }
 
+TEST_CASE("Ctrl+S saves the picture with what is drawn on it") {
+    PaperWindow window;
+    DrawAcross(window);
+    window.display.TypeKey("s", true);
+    picture_io::Picture saved;
+    WaitUntil("the picture is saved", [&] {
+        try {  // what is being written is no picture yet
+            saved = picture_io::ReadPicture(window.folder / "paper-picture-001.png");
+            return true;
+        } catch (const std::exception&) {
+            return false;
+        }
+    });
+    CHECK_EQ(saved.width, 1200);
+    CHECK_LE(testing::Difference(saved.At(600, 450), ink), 60);
+    CHECK_EQ(saved.At(600, 225), paper);
+}
+
 TEST_CASE("A film of what was drawn has every field when the window has been closed") {
     PaperWindow window({"--out", "drawn.mov", "--overlay", "strokes.mov"});
     DrawAcross(window);

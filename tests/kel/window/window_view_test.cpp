@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <thread>
 
+#include "tests/kel/window/drop_source.h"
 #include "tests/kel/window/paper_window.h"
 
 // What changes only how things are shown, and what is shown beside them.
@@ -133,6 +134,16 @@ TEST_CASE("Another file is opened from the list by a part of its name") {
     window.display.TypeKey("Return");
     WaitUntil("the meadow is open", [&] { return window.display.FindWindow("meadow.png - kel").has_value(); });
     CHECK(std::filesystem::exists(window.folder / "state" / "kel" / "recent"));
+}
+
+TEST_CASE("A file that is dropped onto the window is opened in it") {
+    PaperWindow window;
+    picture_io::WritePicture(testing::Plain(300, 200, {10, 120, 60, 255}), window.folder / "meadow.png");
+    const auto place = window.display.FindWindow("paper.png - kel");
+    REQUIRE(place);
+    testing::DropFile(window.display.Name(), *place, window.folder / "meadow.png");
+    WaitUntil("the meadow is open", [&] { return window.display.FindWindow("meadow.png - kel").has_value(); });
+    WaitUntil("the meadow is seen", [&] { return Difference(OnPaper(window, 0.5, 0.5), {10, 120, 60, 255}) <= 2; });
 }
 
 namespace {
