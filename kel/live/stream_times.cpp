@@ -8,18 +8,27 @@ namespace {
 constexpr std::int64_t second = 1'000'000;
 constexpr std::int64_t farthestJump = 10 * second;
 constexpr std::int64_t longestReordering = 2 * second;
-// Two clocks that differ by hours are no reason to overflow; a year is.
+// Clocks differ by hours, and by years where they were never set. What is beyond a century no clock has said: a reader
+// of a container has counted on from a time that there was not.
 constexpr std::int64_t farthestTime = second * 3600 * 24 * 365 * 100;
 
-std::int64_t Clamped(std::int64_t time) { return std::clamp(time, -farthestTime, farthestTime); }
+std::optional<std::int64_t> Credible(std::optional<std::int64_t> time) {
+    return time && *time >= -farthestTime && *time <= farthestTime ? time : std::nullopt;
+}
 
 }  // namespace
 
 StreamTimes::Times StreamTimes::Next(std::optional<std::int64_t> decoded, std::optional<std::int64_t> shown,
                                      std::int64_t arrived) {
-    const std::int64_t said = Clamped(decoded ? *decoded : shown.value_or(arrived));
+    decoded = Credible(decoded);
+    shown = Credible(shown);
+    const std::int64_t said = decoded ? *decoded : shown.value_or(arrived);
     const std::int64_t reordering =
-        decoded && shown ? std::clamp<std::int64_t>(Clamped(*shown) - said, 0, longestReordering) : 0;
+        decoded && shown ? std::clamp<std::int64_t>(*shown - said, 0, longestReordering) : 0;
+    // The clock of arrivals is another one than the stream's.
+    const bool isByArrival = !decoded && !shown;
+    if (isByArrival != m_isByArrival) Break();
+    m_isByArrival = isByArrival;
     if (m_last < 0) {
         m_offset = -said;
     } else {
@@ -35,8 +44,9 @@ StreamTimes::Times StreamTimes::Next(std::optional<std::int64_t> decoded, std::o
 }
 
 std::optional<std::int64_t> StreamTimes::At(std::int64_t said) const {
-    const std::int64_t time = Clamped(said) + m_offset;
-    if (m_last < 0 || m_isBroken || time < m_last - farthestJump || time > m_last + farthestJump) return std::nullopt;
+    if (!Credible(said) || m_last < 0 || m_isBroken) return std::nullopt;
+    const std::int64_t time = said + m_offset;
+    if (time < m_last - farthestJump || time > m_last + farthestJump) return std::nullopt;
     return time;
 }
 

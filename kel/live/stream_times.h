@@ -28,6 +28,7 @@ private:
     std::int64_t m_last = -1;
     std::int64_t m_lastArrival = 0;
     bool m_isBroken = true;
+    bool m_isByArrival = false;  // the packet before said no time
 };
 
 }  // namespace kel

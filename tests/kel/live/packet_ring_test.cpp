@@ -87,7 +87,25 @@ TEST_CASE("Times go on where a stream's own do not") {
     // The ends of what a number can say.
     constexpr std::int64_t end = std::numeric_limits<std::int64_t>::max();
     CHECK_EQ(times.Next(end, -end, 150).decoded, 150);
-    CHECK_EQ(times.Next(-end, end, 160).shown, 160 + 2 * second);  // pictures wait for others two seconds at most
+    CHECK_EQ(times.Next(-end, end, 160).shown, 160);
+    // Pictures wait for others two seconds at most.
+    CHECK_EQ(times.Next(0, 9 * second, 170).shown, 170 + 2 * second);
+}
+
+TEST_CASE("Times that no clock has said are none") {
+    constexpr std::int64_t none = std::numeric_limits<std::int64_t>::min();
+    StreamTimes times;
+    CHECK_EQ(times.Next(none + 5, none + 25, 1000).decoded, 0);  // as they arrive
+    CHECK_EQ(times.Next(none + 25, none + 45, 1020).decoded, 20);
+    CHECK_FALSE(times.At(none + 25));
+    CHECK_FALSE(times.At(std::numeric_limits<std::int64_t>::max()));
+    const auto first = times.Next(none + 45, 7 * second, 1040);  // half of it is said
+    CHECK_EQ(first.decoded, 40);
+    CHECK_EQ(first.shown, 40);
+    const auto next = times.Next(7 * second + 20, 7 * second + 40, 1060);
+    CHECK_EQ(next.decoded, 60);
+    CHECK_EQ(next.shown, 80);
+    CHECK_EQ(times.At(7 * second + 20), 60);
 }
 
 }  // namespace kel

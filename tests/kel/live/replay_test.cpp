@@ -141,7 +141,6 @@ TEST_CASE("The sound of live pictures is kept with them, and a clip has it as it
 
     const PacketRing::Held held = source.HoldReplay().held;
     CHECK_LE(held.packets.front()->pts, held.sound.front()->pts);
-    // What a stream says at its very beginning may be no times yet.
     (void)WriteClip(held, {20, 39, width, height}, folder / "clip.mkv");
     const auto sound = SoundReader::Open(folder / "clip.mkv");
     REQUIRE(sound);
@@ -193,6 +192,21 @@ TEST_CASE("A clip of MPEG-TS has its sound at the pictures' time, whatever way t
         const std::int64_t frames = std::ssize(FrameTimes(held));
         CHECK_EQ(WriteClip(held, {0, frames - 1, width, height}, folder / (codec + ".mkv")), 0);
         testing::CheckBeats(folder / (codec + ".mkv"), 2.0 / 25);
+    }
+}
+
+// This camera's pictures are sent a picture earlier than they are shown, which begins below zero: NUT has no such
+// times.
+TEST_CASE("Pictures are shown in their order, and soon after they came, from a stream's first on") {
+    const std::string address = "tcp://127.0.0.1:" + std::to_string(testing::FreePort());
+    const testing::Camera camera({.address = address + "?listen", .format = "nut", .level = 8000});
+    const LiveSource source(ParseLiveName(address));
+    testing::Await("a dozen pictures", [&] { return source.Ring().Hold().packets.size() >= 12; });
+    std::int64_t last = -1;
+    for (const LivePacket& packet : source.Ring().Hold().packets) {
+        CHECK_GT(packet->pts, last);
+        CHECK_LE(packet->pts - packet->dts, 20'000);
+        last = packet->pts;
     }
 }
 
