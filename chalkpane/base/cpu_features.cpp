@@ -13,7 +13,8 @@ CpuFeatures FeaturesOfMachine() {
     if (__builtin_cpu_supports("avx2") == 0) return CpuFeatures::Plain;
     const bool hasAvx512 = __builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512bw") != 0 &&
                            __builtin_cpu_supports("avx512dq") != 0 && __builtin_cpu_supports("avx512vl") != 0 &&
-                           __builtin_cpu_supports("avx512vbmi") != 0 && __builtin_cpu_supports("avx512vbmi2") != 0;
+                           __builtin_cpu_supports("avx512vbmi") != 0 && __builtin_cpu_supports("avx512vbmi2") != 0 &&
+                           __builtin_cpu_supports("avx512vnni") != 0;
     return hasAvx512 ? CpuFeatures::All : CpuFeatures::Avx2;
 #else
     return CpuFeatures::Plain;

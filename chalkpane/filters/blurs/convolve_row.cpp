@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <type_traits>
 
 #include "chalkpane/base/cpu_features.h"
 
@@ -50,8 +51,10 @@ void ConvolvePlain(std::span<const Channel* const> sources, std::span<const Chan
 template <typename Channel>
 void ConvolveFastest(std::span<const Channel* const> sources, std::span<const Channel> taps, std::span<Channel> out) {
     std::size_t done = 0;
+    if constexpr (builtWithAvx512 && std::is_same_v<Channel, std::uint16_t>)
+        if (HasAvx512()) done = ConvolveRowAvx512(sources, taps, out);
     if constexpr (builtWithAvx2)
-        if (HasAvx2()) done = ConvolveRowAvx2(sources, taps, out);
+        if (done == 0 && HasAvx2()) done = ConvolveRowAvx2(sources, taps, out);
     ConvolvePlain(sources, taps, out.data(), done, out.size());
 }
 

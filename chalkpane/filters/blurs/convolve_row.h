@@ -30,5 +30,8 @@ std::size_t ConvolveRowAvx2(std::span<const std::uint8_t* const> sources, std::s
                             std::span<std::uint8_t> row);
 std::size_t ConvolveRowAvx2(std::span<const std::uint16_t* const> sources, std::span<const std::uint16_t> taps,
                             std::span<std::uint16_t> row);
+// The same for AVX-512, where `builtWithAvx512`.
+std::size_t ConvolveRowAvx512(std::span<const std::uint16_t* const> sources, std::span<const std::uint16_t> taps,
+                              std::span<std::uint16_t> row);
 
 }  // namespace chalkpane

@@ -6,7 +6,7 @@
 #include <random>
 #include <vector>
 
-#include "chalkpane/base/cpu_features.h"
+#include "tests/chalkpane/scoped_cpu_features.h"
 
 namespace {
 
@@ -49,17 +49,18 @@ void CompareWithReference(std::int32_t fullScale, std::int32_t total, int shift,
             sources.reserve(rows.size());
             for (const auto& row : rows) sources.push_back(row.data());
             const auto wanted = Reference(rows, taps, shift);
-            std::vector<Channel> fast(length);
-            std::vector<Channel> plain(length);
-            chalkpane::ConvolveRow(std::span<const Channel* const>(sources), std::span<const Channel>(taps),
-                                   std::span<Channel>(fast));
-            chalkpane::ConvolveRowPlain(std::span<const Channel* const>(sources), std::span<const Channel>(taps),
-                                        std::span<Channel>(plain));
             CAPTURE(seed);
             CAPTURE(radius);
             CAPTURE(length);
-            CHECK(fast == wanted);
-            CHECK(plain == wanted);
+            using chalkpane::CpuFeatures;
+            for (const CpuFeatures features : {CpuFeatures::Plain, CpuFeatures::Avx2, CpuFeatures::All}) {
+                const chalkpane::test::ScopedCpuFeatures used(features);
+                std::vector<Channel> made(length);
+                chalkpane::ConvolveRow(std::span<const Channel* const>(sources), std::span<const Channel>(taps),
+                                       std::span<Channel>(made));
+                CAPTURE(static_cast<int>(features));
+                CHECK(made == wanted);
+            }
         }
     }
 }
