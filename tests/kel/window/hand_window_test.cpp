@@ -65,9 +65,15 @@ public:
 
 }  // namespace
 
-TEST_CASE("A finger draws on a touch screen, and a second one meanwhile is nothing") {
+TEST_CASE("A finger works the panel and draws on a touch screen, and a second one meanwhile is nothing") {
     if (!CanTouch()) return;
     TouchedPaper paper;
+    const auto place = paper.window.display.FindWindow("paper.png - kel");
+    REQUIRE(place);
+    const ScreenPlace sixth{place->x + place->width - 129, place->y + 118};  // color of the panel
+    for (const Finger does : {Finger::Down, Finger::Up}) paper.devices.Touch(1, does, sixth.x, sixth.y);
+    WaitUntil("the color is set", [&] { return paper.window.ValuesSet("BrushColor").size() == 2; });
+    paper.window.SetByKey("3", "BrushColor");
     paper.Touch(1, Finger::Down, 0.2, 0.3);
     WaitUntil("the finger is recorded", [&] { return paper.Events("press") == 1; });
     for (int i = 1; i <= 5; ++i) paper.Touch(1, Finger::Moves, 0.2 + 0.05 * i, 0.3);
