@@ -110,6 +110,7 @@ bool LineDraft::Begin(const TelestratorSurface& surface, std::size_t room, float
     drawn_.reserve(room);
     CopyPicture(*surface.canvas, pixels_);
     CopyPicture(*surface.canvas, below_);
+    if (!closer_) closer_ = std::make_unique<SettledPixels>();
     canvas_ = surface.canvas;
     stroke_ = surface.brush->Stroke();
     aspect_ = aspect;
@@ -128,7 +129,7 @@ void LineDraft::Follow(TelestratorSurface& surface, std::span<const Vector3> sto
     }
     {
         const LentBrush lent(*surface.brush, *pixels_, surface.canvas, stroke_);
-        const PaintingAlone alone(&surface);
+        const PaintingAlone alone(&surface, closer_.get());
         Draw(*surface.brush, stored);
     }
     revision_ = surface.brush->Revision();
@@ -172,6 +173,7 @@ void LineDraft::Release() noexcept {
     drawn_ = {};
     pixels_.reset();
     below_.reset();
+    closer_.reset();
 }
 
 }  // namespace chalkpane

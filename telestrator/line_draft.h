@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "chalkpane/brush/basic_brush.h"
+#include "chalkpane/composite/settled_pixels.h"
 #include "telestrator/geometry.h"
 #include "telestrator/telestrator_surface.h"
 
@@ -50,9 +51,10 @@ private:
     [[nodiscard]] bool StandsOn(const Image& canvas) const;
     void Release() noexcept;
 
-    std::vector<Vector3> drawn_;      // the points of the line so far; none: there is no draft
-    std::unique_ptr<Image> pixels_;   // the canvas with the line on it
-    std::unique_ptr<Image> below_;    // the canvas without
+    std::vector<Vector3> drawn_;     // the points of the line so far; none: there is no draft
+    std::unique_ptr<Image> pixels_;  // the canvas with the line on it
+    std::unique_ptr<Image> below_;   // the canvas without
+    std::unique_ptr<SettledPixels> closer_;
     const Image* canvas_ = nullptr;   // that this is a draft for; not owned
     BasicBrush::StrokeState stroke_;  // where the line ends
     std::uint64_t revision_ = 0;      // of the brush

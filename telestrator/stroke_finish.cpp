@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <memory>
+#include <new>
 #include <span>
 
 #include "telestrator/line_draft.h"
@@ -68,7 +70,10 @@ void Telestrator::DrawSmoothedLine(const TelestratorSettings& settings) {
     const std::span<Vector3> points = Decimate(StoredStroke());
     strokePointCount = static_cast<std::int32_t>(points.size());
     const ShapePen pen(memory, shapeSurface.get(), aspect);
-    const PaintingAlone alone(shapeSurface.get());
+    // Without memory for it a long line takes longer.
+    const bool isLong = points.size() >= LineDraft::fewestStored / LineDraft::decimation;
+    const std::unique_ptr<SettledPixels> pixels(isLong ? new (std::nothrow) SettledPixels : nullptr);
+    const PaintingAlone alone(shapeSurface.get(), pixels.get());
     LineDraft* const draft = shapeSurface ? shapeSurface->lineDraft.get() : nullptr;
     DrawLine(pen, points, draft != nullptr ? draft->Take(*shapeSurface, points, aspect) : 0);
     if (settings.arrow) DrawArrowHead(pen, points, settings.arrowLength, settings.arrowWidth);

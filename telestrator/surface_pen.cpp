@@ -35,8 +35,8 @@ Rect Paint(MemoryGuard& memory, TelestratorSurface* surface, StrokeStage stage, 
     return changed;
 }
 
-PaintingAlone::PaintingAlone(TelestratorSurface* surface)
-    : brush_(surface != nullptr ? surface->brush.get() : nullptr) {
+PaintingAlone::PaintingAlone(TelestratorSurface* surface, SettledPixels* pixels)
+    : brush_(surface != nullptr ? surface->brush.get() : nullptr), tiles_(pixels) {
     if (brush_ != nullptr) brush_->PaintAlone(&tiles_);
 }
 

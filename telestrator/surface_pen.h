@@ -22,8 +22,9 @@ Rect Paint(MemoryGuard& memory, TelestratorSurface* surface, StrokeStage stage, 
 // While it lives nobody but its brush writes to a surface's canvas, which so may pass over what changes nothing.
 class PaintingAlone {
 public:
-    // Borrowed; null: there is nothing to do.
-    explicit PaintingAlone(TelestratorSurface* surface);
+    // Both borrowed. surface: null: there is nothing to do.
+    //   pixels  room to look closer; null: nobody does
+    PaintingAlone(TelestratorSurface* surface, SettledPixels* pixels);
     ~PaintingAlone();
     PaintingAlone(const PaintingAlone&) = delete;
     PaintingAlone& operator=(const PaintingAlone&) = delete;

@@ -22,6 +22,7 @@ class ColourBrushSource;
 class Filter;
 class ProfileCache;
 class SettledTiles;
+struct ColourDab;
 struct SmallDabTarget;
 
 // Turns a path of pointer samples into dabs on an image.
@@ -196,6 +197,8 @@ private:
     void PlaceUnpaintedDab(const StrokePoint& place, double pressureFactor);
     double AngleAlongPath(const StrokePoint& place, bool repeat);
     Rect PaintPlainDab(const Dab& dab);
+    template <typename Paint>
+    static void PaintRestless(SettledTiles& tiles, const ColourDab& dab, Paint&& paint);
     [[nodiscard]] SettledTiles* TilesOfPlainDabs(bool erases) const;
     [[nodiscard]] SmallDabTarget TargetOfSmallDabs() const;
     bool PaintSmallDab(const SmallDabTarget& canvas, const StrokePoint& place, Rect& changed) const;

@@ -30,6 +30,22 @@ SettledTiles* BasicBrush::TilesOfPlainDabs(bool erases) const {
     return settledTiles;
 }
 
+// What of a dab may change anything.
+template <typename Paint>
+void BasicBrush::PaintRestless(SettledTiles& tiles, const ColourDab& dab, Paint&& paint) {
+    tiles.Look(dab.rect);
+    if (!tiles.LooksCloser()) return tiles.VisitRestless(dab.rect, paint);
+    bool isHeld = true;
+    tiles.VisitRestless(dab.rect, [&](const Rect& part) {
+        const Rect rows = tiles.RestlessRows(*dab.mask, dab.rect, part);
+        if (!rows.IsValid()) return;
+        isHeld = false;
+        paint(rows);
+        tiles.LookAtPixels(rows);
+    });
+    tiles.TellLast(isHeld);
+}
+
 // What `PaintOnTarget` comes to for such dabs, with no images made.
 Rect BasicBrush::PaintPlainDab(const Dab& dab) {
     ColourDab plain;
@@ -41,14 +57,12 @@ Rect BasicBrush::PaintPlainDab(const Dab& dab) {
         else
             PasteColourDab(plain, part, *target, SourceTypeOf(sourceType).behaviour, dab.opacity, blendMode);
     };
-    if (tiles == nullptr) {
+    if (tiles == nullptr)
         paint(plain.rect);
-    } else if (tiles->Hold(plain.rect)) {
+    else if (tiles->Hold(plain.rect))
         tiles->MarkMiddle(dab.place.x, dab.place.y);
-    } else {
-        tiles->Look(plain.rect);
-        tiles->VisitRestless(plain.rect, paint);
-    }
+    else
+        PaintRestless(*tiles, plain, paint);
     return plain.rect.Intersection(*target);
 }
 

@@ -107,7 +107,7 @@ struct DabStretchAvx2 {
     //
     //   bool Holds(__m128d place) const
     //   const Rect& RectOf(std::size_t copy) const
-    //   void Paint(__m128i rect, std::size_t copy) const   the rectangle as it was moved
+    //   bool Paint(__m128i rect, std::size_t copy) const   the rectangle as it was moved
     template <typename Dabs>
     [[gnu::target("avx2")]] static void Follow(const SplineSearch& search, const Point2& maskOffset, const Dabs& dabs,
                                                DabProgress& progress);
@@ -155,8 +155,8 @@ template <typename Dabs>
         const __m128i move = _mm_cvttpd_epi32(_mm_sub_pd(place, offset));
         const __m128i rect = _mm_add_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(&dabs.RectOf(copy))),
                                            _mm_unpacklo_epi64(move, move));
+        if (!dabs.Paint(rect, copy)) break;
         changed.Hold(rect);
-        dabs.Paint(rect, copy);
         last = _mm_cvtpd_ps(place);
         progress.lastStep = step;
         ++count;

@@ -8,13 +8,20 @@ struct SettledStretch::Passed {
     const SettledTiles& tiles;
     const CopyRects& rects;
 
+    const SettledPixels* pixels;
+    mutable bool isInCell = false;
+
     [[nodiscard]] bool Holds(double x, double y) const {
         const Rect& area = tiles.Area();
-        return x >= area.x0 && x < area.x1 && y >= area.y0 && y < area.y1 &&
-               tiles.HoldMiddle(static_cast<std::int32_t>(x - area.x0), static_cast<std::int32_t>(y - area.y0));
+        if (!(x >= area.x0 && x < area.x1 && y >= area.y0 && y < area.y1)) return false;
+        isInCell = tiles.HoldMiddle(static_cast<std::int32_t>(x - area.x0), static_cast<std::int32_t>(y - area.y0));
+        return isInCell || pixels != nullptr;
     }
     [[nodiscard]] const Rect& RectOf(std::size_t copy) const { return rects.ofCopy[copy]; }
-    void Paint(const Rect& /*rect*/, std::size_t /*copy*/) const {}
+    [[nodiscard]] bool Paint(const Rect& rect, std::size_t copy) const {
+        return isInCell ||
+               (tiles.Area().Contains(rect) && BearMaskPlain(pixels->At(rect.x0, rect.y1), rects.masks[copy]));
+    }
 };
 
 void SettledStretch::Pass(const SplineSearch& search, DabProgress& progress) const {
@@ -24,7 +31,7 @@ void SettledStretch::Pass(const SplineSearch& search, DabProgress& progress) con
 }
 
 void SettledStretch::PassPlain(const SplineSearch& search, DabProgress& progress) const {
-    FollowDabs(search, rects_->offset, Passed{*tiles_, *rects_}, progress);
+    FollowDabs(search, rects_->offset, Passed{*tiles_, *rects_, PixelsToAsk()}, progress);
 }
 
 }  // namespace chalkpane

@@ -15,7 +15,10 @@ public:
     SettledStretch(const SettledTiles& tiles, const CopyRects& rects)
         : tiles_(rects.keepsPlaces ? &tiles : nullptr), rects_(&rects) {}
 
-    [[nodiscard]] bool HoldsAny() const { return tiles_ != nullptr && tiles_->HoldAnyMiddle(); }
+    // Likely: after a dab that changed nothing, if only cells of middles or single pixels can tell.
+    [[nodiscard]] bool HoldsAny() const {
+        return tiles_ != nullptr && (tiles_->HoldAnyMiddle() || (PixelsToAsk() != nullptr && tiles_->HeldLast()));
+    }
 
     // Passes over the dabs that follow until the curve ends, or until one that is not surely settled.
     void Pass(const SplineSearch& search, DabProgress& progress) const;
@@ -25,6 +28,11 @@ public:
 
 private:
     struct Passed;
+
+    // Null where there are none, or the masks are none to ask for.
+    [[nodiscard]] const SettledPixels* PixelsToAsk() const {
+        return rects_->masks.front().top != nullptr ? tiles_->Pixels() : nullptr;
+    }
 
     const SettledTiles* tiles_ = nullptr;
     const CopyRects* rects_ = nullptr;

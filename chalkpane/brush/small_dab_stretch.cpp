@@ -42,8 +42,9 @@ struct SmallDabStretch::Blocks {
 
     [[nodiscard]] bool Holds(double x, double y) const { return stretch.Holds(x, y); }
     [[nodiscard]] const Rect& RectOf(std::size_t copy) const { return stretch.masks_->ofCopy[copy].rect; }
-    void Paint(const Rect& rect, std::size_t copy) const {
+    [[nodiscard]] bool Paint(const Rect& rect, std::size_t copy) const {
         SmallColourOver8Plain(stretch.canvas_, stretch.masks_->ofCopy[copy], rect.x0, rect.y1, opacity);
+        return true;
     }
 };
 

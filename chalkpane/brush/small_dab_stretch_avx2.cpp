@@ -22,9 +22,10 @@ public:
         return _mm_movemask_pd(_mm_and_pd(_mm_cmpge_pd(place, low_), _mm_cmple_pd(place, high_))) == 3;
     }
     [[nodiscard]] const Rect& RectOf(std::size_t copy) const { return masks_.ofCopy[copy].rect; }
-    [[gnu::target("avx2")]] void Paint(__m128i rect, std::size_t copy) const {
+    [[nodiscard, gnu::target("avx2")]] bool Paint(__m128i rect, std::size_t copy) const {
         colour_.Over(canvas_.At(_mm_cvtsi128_si32(rect), _mm_extract_epi32(rect, 3)), canvas_.rowBytes,
                      masks_.ofCopy[copy]);
+        return true;
     }
 
 private:

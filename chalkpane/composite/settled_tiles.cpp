@@ -16,7 +16,26 @@ void SettledTiles::Serve(const Image& canvas, std::uint32_t pixel, std::int32_t 
     reach_ = reach;
     settled_ = {};
     settledCells_ = {};
-    holdAnyMiddle_ = false;
+    holdAnyMiddle_ = heldLast_ = false;
+    if (canvas_ != nullptr && pixels_ != nullptr) pixels_->Serve(canvas, pixel);
+}
+
+// Where dabs change something, most of the next ones do as well. Not one in so many of those that come in turn: they
+// may do so on a line to and fro.
+bool SettledTiles::LooksCloser() {
+    constexpr std::uint32_t oneInSoMany = 4;
+    constexpr std::uint32_t scatters = 2654435769U;
+    return Pixels() != nullptr && (heldLast_ || (++closerLooks_ * scatters >> 16) % oneInSoMany == 0);
+}
+
+Rect SettledTiles::RestlessRows(const Image& mask, const Rect& dab, const Rect& part) const {
+    const Rect on = part.Intersection(area_);
+    return on.IsValid() ? pixels_->RestlessRows(mask, dab, on) : part;
+}
+
+void SettledTiles::LookAtPixels(const Rect& rows) {
+    const Rect on = rows.Intersection(area_);
+    if (on.IsValid()) pixels_->Look(on);
 }
 
 void SettledTiles::MarkMiddle(double x, double y) {
@@ -52,13 +71,18 @@ bool SettledTiles::Hold(const Rect& dab) const {
 
 void SettledTiles::Look(const Rect& dab) {
     constexpr std::uint32_t everySoManyDabs = 4;
+    constexpr std::uint32_t everySoManyHeld = 16;
+    constexpr std::uint32_t everySoManyHugeHeld = 128;
     constexpr std::int32_t huge = 256;        // pixels
     constexpr std::uint32_t manyDabs = 2048;  // of an eraser's, which cost more than all tiles
-    if (canvas_ == nullptr || ++looks_ % everySoManyDabs != 0) return;
-    if (looks_ % manyDabs == 0 && pixel_ == 0) LookAtAll(area_);
+    if (canvas_ == nullptr || ++looks_ % (heldLast_ ? everySoManyHeld : everySoManyDabs) != 0) return;
+    if (looks_ % manyDabs == 0 && pixel_ == 0 && !heldLast_) LookAtAll(area_);
     const Rect on = dab.Intersection(area_);
     if (!on.IsValid()) return;
-    if (on.Width() >= huge && on.Height() >= huge) return LookAtAll(on);
+    if (on.Width() >= huge && on.Height() >= huge) {
+        if (!heldLast_ || looks_ % everySoManyHugeHeld == 0) LookAtAll(on);
+        return;
+    }
     const std::int32_t around = dab.Width() < wide ? 0 : 1;
     const std::int32_t column = (on.x0 + on.Width() / 2 - area_.x0) / tileSide;
     const std::int32_t row = (on.y0 + on.Height() / 2 - area_.y0) / tileSide;

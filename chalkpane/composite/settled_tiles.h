@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 
+#include "chalkpane/composite/settled_pixels.h"
 #include "chalkpane/image/image.h"
 
 namespace chalkpane {
@@ -17,6 +18,10 @@ namespace chalkpane {
 // Holds for as long as nobody else writes to the canvas; serves canvases of up to 1024 pixels a side.
 class SettledTiles {
 public:
+    SettledTiles() = default;
+    // pixels: looks closer, where dabs meet tiles that do not rest; borrowed, null: nobody does.
+    explicit SettledTiles(SettledPixels* pixels) : pixels_(pixels) {}
+
     // What the dabs are; what was found out about others is forgotten.
     //   pixel  as its four channels lie in memory, alpha 255; 0 for dabs that erase
     //   reach  no dab holds a pixel further from its middle, in rows or columns
@@ -37,6 +42,18 @@ public:
     // A dab was painted: now and then looks at the tiles in its middle, at a row of a wide one's, at all of a huge
     // one's, and rarely at all that may be erased.
     void Look(const Rect& dab);
+
+    // True: the next dab is one to ask `RestlessRows` about. Never where nobody looks closer.
+    [[nodiscard]] bool LooksCloser();
+    // The rows of a part of a dab that may change under its mask, as `SettledPixels` knows them.
+    [[nodiscard]] Rect RestlessRows(const Image& mask, const Rect& dab, const Rect& part) const;
+    // Those rows were painted.
+    void LookAtPixels(const Rect& rows);
+    // Whether the last dab that was not passed over changed anything.
+    void TellLast(bool wasHeld) { heldLast_ = wasHeld; }
+    [[nodiscard]] bool HeldLast() const { return heldLast_; }
+    // Null where nobody looks closer.
+    [[nodiscard]] const SettledPixels* Pixels() const { return canvas_ != nullptr ? pixels_ : nullptr; }
 
     // Calls `paint` with parts of the dab on the canvas that hold every pixel that does not rest, none of them twice.
     // Of a dab that is not wide it is all of it.
@@ -80,13 +97,16 @@ private:
     // From the first to the last of a row's tiles that are not settled; not valid where there is none.
     [[nodiscard]] Rect RestlessOfRow(std::int32_t row, Rect pixels) const;
 
-    const Image* canvas_ = nullptr;  // not owned; null: none that can be served
+    const Image* canvas_ = nullptr;    // not owned; null: none that can be served
+    SettledPixels* pixels_ = nullptr;  // not owned
+    std::uint32_t closerLooks_ = 0;
     Rect area_;
     std::uint32_t pixel_ = 0;
     std::int32_t reach_ = 0;
     std::uint32_t looks_ = 0;
     std::uint32_t marks_ = 0;
     bool holdAnyMiddle_ = false;
+    bool heldLast_ = false;
     std::array<std::uint64_t, wordBits> settledCells_{};                                // a word for each row of cells
     std::array<std::array<std::uint64_t, mostTiles / wordBits>, mostTiles> settled_{};  // by row, then column
 };
