@@ -85,13 +85,11 @@ void AddNoiseEffect::Apply(const Image& source, std::unique_ptr<Image>& result, 
     if (m_level == 0.0F || m_density == 0) return ApplyAsCopy(source, result);
     const Rect area = region == nullptr ? source.Bounds() : source.Intersection(*region);
     m_firstRow = area.y0;
-    if (EveryPixelPasses()) PrepareRows(area);
-    if (EveryPixelPasses() || source.IsMask() || !FindsSparseRows(area))
-        return PointFilter::Apply(source, result, fast, region, expand);
-    RunTogether([&] {
+    if (EveryPixelPasses())
+        PrepareRows(area);
+    else if (!source.IsMask())
         FindSparseRows(area);
-        PointFilter::Apply(source, result, fast, region, expand);
-    });
+    PointFilter::Apply(source, result, fast, region, expand);
     m_sparseRows.Clear();
 }
 
@@ -108,12 +106,9 @@ void AddNoiseEffect::PrepareRows(const Rect& area) {
 }
 
 // Where that pays, which is where the rows then run on the workers.
-bool AddNoiseEffect::FindsSparseRows(const Rect& area) {
-    return HasAvx2() && MultiProcessor::Instance().RunsInParallel(BandCount(area.Height(), area.Width()));
-}
-
 void AddNoiseEffect::FindSparseRows(const Rect& area) {
     if constexpr (builtWithAvx2) {
+        if (!HasAvx2() || !MultiProcessor::Instance().RunsInParallel(BandCount(area.Height(), area.Width()))) return;
         try {
             const auto more = static_cast<std::uint32_t>(Draws().PerPixel() - 1);
             m_sparseRows.FindAvx2(GrainRandom(0), area.Width(), area.Height(), {m_density, more});

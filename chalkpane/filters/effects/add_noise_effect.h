@@ -51,7 +51,6 @@ private:
 
     [[nodiscard]] bool EveryPixelPasses() const { return m_density >= wholeDensity; }
     void PrepareRows(const Rect& area);
-    [[nodiscard]] static bool FindsSparseRows(const Rect& area);
     void FindSparseRows(const Rect& area);
     [[nodiscard]] GrainDraws Draws() const;
     template <typename F>

