@@ -110,21 +110,27 @@ void LiveDecoder::Decode(const PacketRing::Next& next) {
     if (isNew && !isLate) Publish();
 }
 
+// Noted last, so that it is done again where memory lacked for it.
 void LiveDecoder::NoteSize() {
     if (m_frame->width == m_frameWidth && m_frame->height == m_frameHeight) return;
-    const bool isFirst = m_frameWidth == 0;
-    m_frameWidth = m_frame->width;
-    m_frameHeight = m_frame->height;
-    const std::lock_guard lock(m_mutex);
-    if (isFirst) {
+    if (m_frameWidth == 0) {
+        m_back = picture_io::Picture(m_frame->width, m_frame->height);
         const AVRational rate = m_codec->framerate;
+        const std::lock_guard lock(m_mutex);
         m_size = {0, 0, rate.num > 0 && rate.den > 0 ? av_q2d(rate) : 0.0};
-        m_back = picture_io::Picture(m_frameWidth, m_frameHeight);
     } else {
-        m_news.Tell("The pictures are " + std::to_string(m_frameWidth) + " x " + std::to_string(m_frameHeight) +
+        m_news.Tell("The pictures are " + std::to_string(m_frame->width) + " x " + std::to_string(m_frame->height) +
                     " now; they are fitted into " + std::to_string(m_size.width) + " x " +
                     std::to_string(m_size.height) + ".");
     }
+    m_frameWidth = m_frame->width;
+    m_frameHeight = m_frame->height;
+}
+
+// Memory that was given for the one before may have been of another size, or none.
+void LiveDecoder::MakeRoom() {
+    const bool isThere = m_back.width == m_size.width && m_back.height == m_size.height;
+    if (m_size.width > 0 && !isThere) m_back = picture_io::Picture(m_size.width, m_size.height);
 }
 
 void LiveDecoder::Publish() {
@@ -132,6 +138,7 @@ void LiveDecoder::Publish() {
     if (std::max(m_frame->width, m_frame->height) > largestSide)
         throw cli::Error("it is larger than " + std::to_string(largestSide) + " pixels");
     NoteSize();
+    MakeRoom();
     m_converter.SetConversion(m_conversion);
     m_converter.FitInto(*m_frame, RowOrder::Up, m_back);
     {
@@ -141,8 +148,6 @@ void LiveDecoder::Publish() {
         std::swap(m_ready, m_back);
         m_readyFrame.swap(m_frame);
         m_isNew = true;
-        if (m_back.width != m_size.width || m_back.height != m_size.height)
-            m_back = picture_io::Picture(m_size.width, m_size.height);
     }
     m_changed.notify_all();
 }
@@ -151,8 +156,6 @@ bool LiveDecoder::Take(picture_io::Picture& upwards) {
     const std::lock_guard lock(m_mutex);
     if (!std::exchange(m_isNew, false)) return false;
     std::swap(m_ready, upwards);
-    if (m_ready.width != m_size.width || m_ready.height != m_size.height)
-        m_ready = picture_io::Picture(m_size.width, m_size.height);
     m_shownFrame.swap(m_readyFrame);
     return true;
 }

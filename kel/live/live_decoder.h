@@ -49,6 +49,7 @@ private:
     void Decode(const PacketRing::Next& next);
     void Publish();
     void NoteSize();
+    void MakeRoom();
 
     PacketRing& m_ring;
     LiveNews& m_news;
