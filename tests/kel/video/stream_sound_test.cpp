@@ -2,7 +2,7 @@
 
 #include <doctest/doctest.h>
 
-#include <algorithm>
+#include <numeric>
 #include <vector>
 
 namespace kel {
@@ -60,8 +60,8 @@ std::vector<int> NumbersOf(const StreamSound::Piece& piece) {
 }
 
 std::vector<int> Counting(int from, int count) {
-    std::vector<int> numbers;
-    for (int i = 0; i < count; ++i) numbers.push_back(from + i);
+    std::vector<int> numbers(static_cast<std::size_t>(count));
+    std::iota(numbers.begin(), numbers.end(), from);
     return numbers;
 }
 
