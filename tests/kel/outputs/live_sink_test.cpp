@@ -95,32 +95,54 @@ TEST_CASE("Strokes that are sent live arrive exactly, and composited over the pi
     CHECK_LE(testing::WorstDifference(testing::Composited(second, without, true), with), 1);
 }
 
+namespace {
+
+// Kills its reader, and looks at what the next one sees.
+void CheckOutlivesItsReader(const LiveScheme& scheme, View view, const std::string& settings, const Pixel& colour,
+                            int within) {
+    CAPTURE(scheme.beginning);
+    CAPTURE(settings);
+    const LivePlaces addresses = LivePlacesOf(scheme.beginning);
+    const bool isTold = scheme.beginning != "udp://";  // whether anybody reads
+    FedSink fed(view, addresses.sink + settings, PlainShared(colour));
+    const std::string where = addresses.reader.empty() ? fed.sink.Figures().address : addresses.reader;
+    {
+        StreamReader killed = StreamReader::Endless(where);
+        fed.FeedUntil("it is read", [&] { return killed.HasRead(); });
+        killed.Kill();
+    }
+    // Of SRT that takes five seconds, and whoever calls before gives up after three.
+    if (isTold) fed.FeedUntil("it is given up", [&] { return !fed.sink.Figures().hasReader; });
+    StreamReader next(where, 5);
+    fed.FeedUntil("the next one has read", [&] { return !next.Program().IsRunning(); });
+    const picture_io::Picture seen = next.Last(liveSize.width, liveSize.height);
+    REQUIRE_FALSE(seen.rgba.empty());
+    CHECK_LE(testing::Difference(seen.At(30, 20), colour), within);
+    fed.sink.Close();
+    CHECK_EQ(fed.sink.Figures().trouble, "");
+    CHECK_FALSE(fed.sink.Figures().hasReader);
+    if (isTold) CHECK_GE(fed.sink.Figures().readers, 2);
+}
+
+}  // namespace
+
 // 4 levels: H.264 at its quality of 18 and two conversions between RGB and the limited range, each within a level or
 // two for a plain picture.
 TEST_CASE("Every scheme sends what its reader sees, and goes on when the reader is killed") {
-    constexpr Pixel colour{200, 40, 90, 255};
+    for (const LiveScheme& scheme : LiveSchemes())
+        CheckOutlivesItsReader(scheme, View::Rendered, {}, {200, 40, 90, 255}, scheme.UsualFormat().isExact ? 0 : 4);
+}
+
+TEST_CASE("Strokes with alpha, packed and raw, and fill and key go on when their reader is killed") {
+    constexpr Pixel halfCovered{100, 20, 45, 128};
     for (const LiveScheme& scheme : LiveSchemes()) {
-        CAPTURE(scheme.beginning);
-        const LivePlaces addresses = LivePlacesOf(scheme.beginning);
-        FedSink fed(View::Rendered, addresses.sink, PlainShared(colour));
-        const std::string where = addresses.reader.empty() ? fed.sink.Figures().address : addresses.reader;
-        {
-            StreamReader killed = StreamReader::Endless(where);
-            fed.FeedUntil("it is read", [&] { return killed.HasRead(); });
-            killed.Kill();
+        if (scheme.UsualFormat().hasAlpha) {
+            CheckOutlivesItsReader(scheme, View::Overlay, {}, halfCovered, 0);
+            CheckOutlivesItsReader(scheme, View::Overlay, "?codec=raw", halfCovered, 0);
         }
-        // Of SRT that takes five seconds, and whoever calls before gives up after three.
-        if (scheme.beginning != "udp://")
-            fed.FeedUntil("it is given up", [&] { return !fed.sink.Figures().hasReader; });
-        StreamReader next(where, 5);
-        fed.FeedUntil("the next one has read", [&] { return !next.Program().IsRunning(); });
-        const picture_io::Picture seen = next.Last(liveSize.width, liveSize.height);
-        REQUIRE_FALSE(seen.rgba.empty());
-        CHECK_LE(testing::Difference(seen.At(30, 20), colour), scheme.UsualFormat().isExact ? 0 : 4);
-        fed.sink.Close();
-        CHECK_EQ(fed.sink.Figures().trouble, "");
-        CHECK_FALSE(fed.sink.Figures().hasReader);
-        if (scheme.beginning != "udp://") CHECK_GE(fed.sink.Figures().readers, 2);
+        if (scheme.beginning != "udp://") continue;
+        for (const View view : {View::Fill, View::Key, View::FillKey})
+            CheckOutlivesItsReader(scheme, view, {}, {200, 40, 90, 255}, 4);
     }
 }
 
