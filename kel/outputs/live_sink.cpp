@@ -128,6 +128,7 @@ void LiveSink::RunReaders() {
         }
         m_writer.reset();
         m_last.reset();
+        m_sound = {};  // what is kept for it, such as a minute of live pictures, is given back
         m_output->Leave();
     }
 }
