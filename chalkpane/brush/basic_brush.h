@@ -23,6 +23,7 @@ class Filter;
 class ProfileCache;
 class SettledTiles;
 struct ColourDab;
+struct DabProgress;
 struct SmallDabTarget;
 
 // Turns a path of pointer samples into dabs on an image.
@@ -206,6 +207,7 @@ private:
     template <typename Follow>
     std::int32_t FollowDabsFrom(std::int32_t step, bool followsDab, double pressureFactor, Rect& changed, bool& painted,
                                 Follow&& follow);
+    void LookWhereHeld(SettledTiles& tiles, const DabProgress& progress) const;
     void PaintNextPlainDab(const StrokePoint& place, Rect& changed);
     void FadeOpacity();
     Rect PaintOnTarget(Dab& dab);

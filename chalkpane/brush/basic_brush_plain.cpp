@@ -134,6 +134,15 @@ std::int32_t BasicBrush::FollowDabsFrom(std::int32_t step, bool followsDab, doub
     return progress.step;
 }
 
+// Or nobody would find out that whole tiles and cells can be told at a glance.
+void BasicBrush::LookWhereHeld(SettledTiles& tiles, const DabProgress& progress) const {
+    tiles.MarkMiddle(progress.lastX, progress.lastY);
+    const std::int32_t reach = colourSource->DabRects().reach;
+    const auto x = static_cast<std::int32_t>(progress.lastX);
+    const auto y = static_cast<std::int32_t>(progress.lastY);
+    tiles.Look({x - reach, y - reach, x + reach, y + reach});
+}
+
 // Where the spacing is the same in all directions, and no dab is pending.
 Rect BasicBrush::PaintEvenStretch(double squaredSpacing, double pressureFactor, bool& painted) {
     const SplineSearch search(history, squaredSpacing);
@@ -142,7 +151,7 @@ Rect BasicBrush::PaintEvenStretch(double squaredSpacing, double pressureFactor, 
     const std::int32_t opacityOfAll = small.origin != nullptr ? OpacityOfStretch(pressureFactor) : -1;
     const SmallDabStretch blocks =
         opacityOfAll >= 0 ? SmallDabStretch(small, colourSource->AllSmallMasks()) : SmallDabStretch();
-    const SettledTiles* const tiles =
+    SettledTiles* const tiles =
         isPlain && decay == 0.0 ? TilesOfPlainDabs(source->IsEraser() || paintEraserFlag) : nullptr;
     const SettledStretch settled =
         tiles != nullptr ? SettledStretch(*tiles, colourSource->DabRects()) : SettledStretch();
@@ -162,7 +171,10 @@ Rect BasicBrush::PaintEvenStretch(double squaredSpacing, double pressureFactor, 
         if (!missed && blocks.HoldsAny())
             step = follow([&](DabProgress& progress) { blocks.Paint(search, opacityOfAll, progress); });
         else if (!missed && settled.HoldsAny())
-            step = follow([&](DabProgress& progress) { settled.Pass(search, progress); });
+            step = follow([&](DabProgress& progress) {
+                settled.Pass(search, progress);
+                if (progress.dabs > 0) LookWhereHeld(*tiles, progress);
+            });
         else if (followsDab)
             step = search.NextBeyond(step, lastDabX, lastDabY);
         else

@@ -43,7 +43,7 @@ bool BearRow(const std::uint8_t* borne, const std::uint8_t* mask, std::ptrdiff_t
 
 bool BearMaskPlain(const std::uint8_t* borne, const MaskRows& mask) {
     for (std::ptrdiff_t row = 0; row < mask.height; ++row)
-        if (!BearRowPlain(borne + row * SettledPixels::side, mask.top + row * mask.step, mask.width)) return false;
+        if (!BearRowPlain(borne + row * SettledPixels::rowStep, mask.top + row * mask.step, mask.width)) return false;
     return true;
 }
 

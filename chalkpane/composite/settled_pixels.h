@@ -35,6 +35,9 @@ struct MaskRows {
 class SettledPixels {
 public:
     static constexpr std::int32_t side = 1024;
+    // Bytes from a row to the next one below; not a power of two, or the rows of a dab would share a few lines of the
+    // cache.
+    static constexpr std::int32_t rowStep = side + 64;
 
     // Forgets all. canvas: borrowed; four channels of 8 bits, of `side` pixels a side at most.
     //   pixel  as its four channels lie in memory, alpha 255; 0 for dabs that erase
@@ -47,9 +50,9 @@ public:
     // Looks at what is on the canvas in a part of it.
     void Look(const Rect& part);
 
-    // The top row first, one row `side` bytes after the other; of a pixel of the canvas.
+    // The top row first, one row `rowStep` bytes after the other; of a pixel of the canvas.
     [[nodiscard]] const std::uint8_t* At(std::int32_t x, std::int32_t y) const {
-        return borne_.data() + std::ptrdiff_t{area_.y1 - y} * side + (x - area_.x0);
+        return borne_.data() + std::ptrdiff_t{area_.y1 - y} * rowStep + (x - area_.x0);
     }
 
 private:
@@ -59,7 +62,7 @@ private:
     const Image* canvas_ = nullptr;  // not owned
     Rect area_;
     std::uint32_t pixel_ = 0;
-    std::array<std::uint8_t, std::size_t{side} * side + slack> borne_{};
+    std::array<std::uint8_t, std::size_t{rowStep} * side + slack> borne_{};
 };
 
 // True: every pixel bears what the mask has there. For the rows of a mask those of `borne` are as far apart as

@@ -53,7 +53,7 @@ template <__m128i (*Load)(const std::uint8_t* bytes)>
 [[gnu::target("avx2")]] inline bool BearNarrow(const std::uint8_t* borne, const MaskRows& mask) {
     const std::uint8_t* row = mask.top;
     __m128i beyond = _mm_setzero_si128();
-    for (std::int32_t left = mask.height; left > 0; --left, row += mask.step, borne += SettledPixels::side)
+    for (std::int32_t left = mask.height; left > 0; --left, row += mask.step, borne += SettledPixels::rowStep)
         beyond = _mm_or_si128(beyond, _mm_subs_epu8(Load(row), Load(borne)));
     return _mm_testz_si128(beyond, beyond) != 0;
 }
@@ -70,7 +70,7 @@ template <__m128i (*Load)(const std::uint8_t* bytes)>
                 beyond = _mm256_or_si256(beyond, _mm256_subs_epu8(Vector(row + x), Vector(borne + x)));
             beyond = _mm256_or_si256(beyond, _mm256_subs_epu8(Vector(row + last), Vector(borne + last)));
             row += mask.step;
-            borne += SettledPixels::side;
+            borne += SettledPixels::rowStep;
         }
         if (_mm256_testz_si256(beyond, beyond) == 0) return false;
     }

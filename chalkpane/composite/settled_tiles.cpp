@@ -107,6 +107,15 @@ void SettledTiles::LookAt(std::int32_t column, std::int32_t row) {
     if (IsSettled(column, row) || !Find(column, row)) return;
     settled_[static_cast<std::size_t>(row)][static_cast<std::size_t>(column / wordBits)] |= std::uint64_t{1}
                                                                                             << (column % wordBits);
+    // From here on nobody asks for its pixels but with all others of a dab.
+    if (pixels_ != nullptr) pixels_->Look(TileAt(column, row));
+}
+
+// The last ones may be narrower.
+Rect SettledTiles::TileAt(std::int32_t column, std::int32_t row) const {
+    const std::int32_t left = area_.x0 + column * tileSide;
+    const std::int32_t bottom = area_.y0 + row * tileSide;
+    return Rect(left, bottom, left + tileSide - 1, bottom + tileSide - 1).Intersection(area_);
 }
 
 Rect SettledTiles::RestlessOfRow(std::int32_t row, Rect pixels) const {
@@ -125,12 +134,10 @@ bool SettledTiles::IsSettled(std::int32_t column, std::int32_t row) const {
     return (word >> (column % wordBits) & 1) != 0;
 }
 
-// Looks at all pixels of the tile, of which the last ones may be narrower.
+// Looks at all pixels of the tile.
 bool SettledTiles::Find(std::int32_t column, std::int32_t row) const {
     const auto colour = std::bit_cast<std::array<std::uint8_t, 4>>(pixel_);
-    const Rect tile = Rect(area_.x0 + column * tileSide, area_.y0 + row * tileSide,
-                           area_.x0 + column * tileSide + tileSide - 1, area_.y0 + row * tileSide + tileSide - 1)
-                          .Intersection(area_);
+    const Rect tile = TileAt(column, row);
     for (std::int32_t y = tile.y0; y <= tile.y1; ++y) {
         const auto* const channels = reinterpret_cast<const std::uint8_t*>(canvas_->Address(tile.x0, y));
         unsigned restless = 0;

@@ -91,6 +91,7 @@ private:
     static_assert(mostTiles * tileSide == wordBits * cellSide);
 
     [[nodiscard]] bool IsSettled(std::int32_t column, std::int32_t row) const;
+    [[nodiscard]] Rect TileAt(std::int32_t column, std::int32_t row) const;
     [[nodiscard]] bool Find(std::int32_t column, std::int32_t row) const;
     void LookAt(std::int32_t column, std::int32_t row);
     void LookAtAll(const Rect& part);

@@ -148,11 +148,11 @@ TEST_CASE("rows and masks are borne alike, plain and wide") {
             CAPTURE(width);
             constexpr std::int32_t height = 19;
             const auto step = static_cast<std::size_t>(MaskRows::RoomFor(width));
-            const auto borne = RandomBytes(random, std::size_t{SettledPixels::side} * (height + 1), 254);
+            const auto borne = RandomBytes(random, std::size_t{SettledPixels::rowStep} * (height + 1), 254);
             std::vector<std::uint8_t> rows(step * height);
             const std::size_t wrongRow = random() % (2 * height);
             for (std::size_t row = 0; row < height; ++row) {
-                const auto* const first = borne.data() + row * SettledPixels::side;
+                const auto* const first = borne.data() + row * SettledPixels::rowStep;
                 const auto mask = MaskUnder(random, {first, first + width}, row != wrongRow);
                 std::copy(mask.begin(), mask.end(), rows.begin() + static_cast<std::ptrdiff_t>(row * step));
             }
