@@ -67,6 +67,16 @@ foreach(room ${rooms})
 endforeach()
 expect_failures("a library from outside" ${wanted})
 
+# The C library's threads, everywhere but in the base that runs them.
+set(wanted "")
+foreach(room ${rooms})
+  file(WRITE ${SCRATCH}/${room}/a.h "#include <pthread.h>\n")
+  if(standard_${room} AND NOT room STREQUAL "chalkpane/base")
+    list(APPEND wanted "${room}/a.h: ${room} may not include <pthread.h>, only the standard library")
+  endif()
+endforeach()
+expect_failures("the C library's threads" ${wanted})
+
 file(WRITE ${SCRATCH}/cli/a.h "#include \"cli/b.h\"\n")
 file(WRITE ${SCRATCH}/cli/b.h "#include \"cli/a.h\"\n")
 file(WRITE ${SCRATCH}/cli/c.h "")
