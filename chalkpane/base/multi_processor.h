@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <exception>
 #include <memory>
@@ -104,6 +105,10 @@ private:
         std::int32_t last = -1;
         std::int32_t step = 1;
     };
+    struct Delay {
+        std::chrono::nanoseconds ofStart{};  // from the start of the run to its first row
+        std::int32_t runsToStay = 0;         // so many it begins where the caller is: somebody else has its own place
+    };
 
     explicit MultiProcessor(std::int32_t processorCount);
     void RunRows(std::int32_t firstRow, std::int32_t lastRow, RowFunction rowFunction, void* userData);
@@ -112,6 +117,7 @@ private:
     void Work(std::int32_t worker);
     void RunRange(std::int32_t worker);
     void LeadChain();
+    void LearnFromDelays(std::int32_t firstStarted);
     void StopWorkers(std::int32_t started);
 
     std::unique_ptr<Event[]> m_startEvents;
@@ -127,7 +133,9 @@ private:
     ChainFunction m_chain = nullptr;  // what worker 0 does in place of rows; null: rows
     void* m_chainData = nullptr;
     std::atomic<bool> m_isInChain{false};
-    std::atomic<std::uint8_t> m_chainIsBusy{0};  // 1 while a chain's loop is under way
+    std::chrono::steady_clock::time_point m_startTime{};  // of the loop, or of the chain
+    std::unique_ptr<Delay[]> m_delays;                    // one a worker
+    std::atomic<std::uint8_t> m_chainIsBusy{0};           // 1 while a chain's loop is under way
 };
 
 // Calls `work` as `MultiProcessor::RunChain` does; what it throws comes out here.
