@@ -90,6 +90,10 @@ private:
         }
     };
 
+    struct WriteEnd {
+        void operator()(AVFormatContext* output) const { av_write_trailer(output); }
+    };
+
     static int IsOver(void* self) { return static_cast<Camera*>(self)->m_ends ? 1 : 0; }
 
     // Null: it was ended before anybody listened.
@@ -177,6 +181,8 @@ private:
         stream->avg_frame_rate = codec->framerate;
         if (m_settings.level != 0) AddSound(*output);
         if (avformat_write_header(output.get(), nullptr) < 0) return;
+        // The memory for RTP's packets goes with its end, which is none to see. The others are cut off.
+        const std::unique_ptr<AVFormatContext, WriteEnd> end(m_settings.format == "rtp" ? output.get() : nullptr);
         const AvFrame frame = NewFrame();
         frame->format = AV_PIX_FMT_YUV420P;
         frame->width = m_settings.width;
