@@ -166,10 +166,12 @@ void RunBands(std::int32_t firstRow, std::int32_t lastRow, std::int32_t rowsPerB
               void* userData);
 }
 
+// Rows that make a band, at least 1; `pixelsPerRow` as for `RunInBands`.
 [[nodiscard]] constexpr std::int32_t RowsInBand(std::int32_t pixelsPerRow) {
     return std::max(pixelsPerBand / std::max(pixelsPerRow, 1), 1);
 }
 
+// Bands that so many rows make, 0 for none; the last may have fewer rows.
 [[nodiscard]] constexpr std::int64_t BandCount(std::int64_t rows, std::int32_t pixelsPerRow) {
     const std::int32_t rowsPerBand = RowsInBand(pixelsPerRow);
     return (rows + rowsPerBand - 1) / rowsPerBand;
